@@ -1,0 +1,30 @@
+/// \file
+/// Visibility and linkage of the public interface: the one header that knows how a compiler spells
+/// them.
+
+#ifndef ZELK_EXPORT_H
+#define ZELK_EXPORT_H
+
+/* A program that compiles the library's sources into itself defines ZELK_STATIC; the library's own
+ * build defines ZELK_BUILD. A host defines neither. */
+#if defined(ZELK_STATIC)
+#define ZELK_API
+#elif defined(_WIN32)
+#if defined(ZELK_BUILD)
+#define ZELK_API __declspec(dllexport)
+#else
+#define ZELK_API __declspec(dllimport)
+#endif
+#else
+#define ZELK_API __attribute__((visibility("default")))
+#endif
+
+#ifdef __cplusplus
+#define ZELK_EXTERN_C_BEGIN extern "C" {
+#define ZELK_EXTERN_C_END }
+#else
+#define ZELK_EXTERN_C_BEGIN
+#define ZELK_EXTERN_C_END
+#endif
+
+#endif
