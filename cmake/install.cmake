@@ -1,0 +1,20 @@
+# `cmake --install`: headers, library, tool, a CMake package (zelkmsnx::zelkmsnx) and a pkg-config file.
+
+include(CMakePackageConfigHelpers)
+
+install(TARGETS zelkmsnx EXPORT zelkmsnx
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/zelk DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+if(ZELK_BUILD_TOOL)
+  install(TARGETS zelk RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zelkmsnx)
+install(EXPORT zelkmsnx NAMESPACE zelkmsnx:: FILE zelkmsnx-config.cmake DESTINATION ${package_dir})
+write_basic_package_version_file(${CMAKE_BINARY_DIR}/zelkmsnx-config-version.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${CMAKE_BINARY_DIR}/zelkmsnx-config-version.cmake DESTINATION ${package_dir})
+
+configure_file(${PROJECT_SOURCE_DIR}/cmake/zelkmsnx.pc.in ${CMAKE_BINARY_DIR}/zelkmsnx.pc @ONLY)
+install(FILES ${CMAKE_BINARY_DIR}/zelkmsnx.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,0 +1,170 @@
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+
+#include "capi/attribute_text.hpp"
+#include "capi/list_walk.hpp"
+#include "zelk/query.h"
+
+namespace zelk {
+
+namespace {
+
+constexpr std::uint32_t kNoAttributeType = 0xFFFFFFFF;
+
+std::optional<std::string_view> as_text(const char* text) {
+  if (text == nullptr) return std::nullopt;
+  return text;
+}
+
+std::optional<std::string_view> enum_item(const char* enum_values, double index) {
+  // The comparison is false for a NaN; no list of items reaches 2^31.
+  const bool is_index = index >= 0 && index < 0x1p31 && std::trunc(index) == index;
+  if (enum_values == nullptr || !is_index) return std::nullopt;
+  std::string_view items = enum_values;
+  for (auto skip = static_cast<std::size_t>(index); skip > 0; --skip) {
+    const std::size_t separator = items.find('\n');
+    if (separator == std::string_view::npos) return std::nullopt;
+    items.remove_prefix(separator + 1);
+  }
+  return items.substr(0, items.find('\n'));
+}
+
+zelk_attr_value_t stored_value(attr* values, const char* name) {
+  const attr* value = find_attribute_value(values, name);
+  return value != nullptr ? value->value : zelk_attr_value_t{};
+}
+
+bool has_value(attr* values, const char* name) {
+  return find_attribute_value(values, name) != nullptr;
+}
+
+const char* text_of_number(const val* values, std::uint32_t number) {
+  const val* found = find_first(values, [number](const val& description) {
+    return static_cast<std::uint32_t>(description.value) == number;
+  });
+  return found != nullptr ? found->text : nullptr;
+}
+
+std::uint32_t number_of_text(const val* values, const char* text) {
+  const val* found = find_first(
+      values, [text](const val& description) { return same_text(description.text, text); });
+  return found != nullptr ? static_cast<std::uint32_t>(found->value) : 0;
+}
+
+}  // namespace
+
+attr* find_attribute_value(attr* values, const char* name) {
+  return find_first(values, [name](const attr& value) {
+    return value.def != nullptr && same_inline_name(value.def->name, name);
+  });
+}
+
+std::optional<std::string_view> attribute_text(const attr& value) {
+  if (value.def == nullptr) return std::nullopt;
+  switch (value.def->value_type) {
+    case ZELK_ATTR_STRING:
+      return as_text(value.value.text);
+    case ZELK_ATTR_ENUM:
+      return enum_item(value.def->enum_values, value.value.number);
+    default:
+      return std::nullopt;
+  }
+}
+
+std::optional<std::string_view> default_text(const attr_def& definition) {
+  const bool is_text =
+      definition.value_type == ZELK_ATTR_STRING || definition.value_type == ZELK_ATTR_ENUM;
+  return is_text ? as_text(definition.default_value.text) : std::nullopt;
+}
+
+}  // namespace zelk
+
+extern "C" {
+
+attr_def* zelk_get_attr_def_name(attr_def* definitions, const char* name) {
+  return zelk::find_inline_name(definitions, name);
+}
+
+uint32_t zelk_get_attrtype(attr_def* definitions, const char* name) {
+  const attr_def* definition = zelk_get_attr_def_name(definitions, name);
+  return definition != nullptr ? static_cast<uint32_t>(definition->value_type)
+                               : zelk::kNoAttributeType;
+}
+
+int zelk_is_attribute_defined_for_type(attr_def* definitions, zelk_obj_t object_type,
+                                       const char* name) {
+  const attr_def* definition = zelk_get_attr_def_name(definitions, name);
+  return definition != nullptr && definition->object_type == static_cast<int32_t>(object_type);
+}
+
+zelk_attr_value_t zelk_get_attrdefault(attr_def* definitions, const char* name) {
+  const attr_def* definition = zelk_get_attr_def_name(definitions, name);
+  return definition != nullptr ? definition->default_value : zelk_attr_value_t{};
+}
+
+int zelk_is_attribute_defined(attr* values, const char* name) {
+  return zelk::has_value(values, name);
+}
+
+int zelk_is_db_attribute_defined(attr* values, const char* name) {
+  return zelk::has_value(values, name);
+}
+
+int zelk_is_sym_attribute_defined(const symblk* node, const char* name) {
+  return zelk::has_value(node->attrs, name);
+}
+
+int zelk_is_msg_attribute_defined(const msgblk* message, const char* name) {
+  return zelk::has_value(message->attrs, name);
+}
+
+int zelk_is_sig_attribute_defined(const sigblk* signal, const char* name) {
+  return zelk::has_value(signal->attrs, name);
+}
+
+int zelk_is_ev_attribute_defined(const env_var_blk* variable, const char* name) {
+  return zelk::has_value(variable->attrs, name);
+}
+
+zelk_attr_value_t zelk_get_attrval(attr* values, const char* name) {
+  return zelk::stored_value(values, name);
+}
+
+zelk_attr_value_t zelk_get_db_attrval(attr* values, const char* name) {
+  return zelk::stored_value(values, name);
+}
+
+zelk_attr_value_t zelk_get_sym_attrval(const symblk* node, const char* name) {
+  return zelk::stored_value(node->attrs, name);
+}
+
+zelk_attr_value_t zelk_get_msg_attrval(const msgblk* message, const char* name) {
+  return zelk::stored_value(message->attrs, name);
+}
+
+zelk_attr_value_t zelk_get_sig_attrval(const sigblk* signal, const char* name) {
+  return zelk::stored_value(signal->attrs, name);
+}
+
+zelk_attr_value_t zelk_get_ev_attrval(const env_var_blk* variable, const char* name) {
+  return zelk::stored_value(variable->attrs, name);
+}
+
+const char* zelk_get_sig_enumsymbol(const sigblk* signal, uint32_t number) {
+  return zelk::text_of_number(signal->values, number);
+}
+
+uint32_t zelk_get_sig_enumvalue(const sigblk* signal, const char* text) {
+  return zelk::number_of_text(signal->values, text);
+}
+
+const char* zelk_get_ev_enumsymbol(const env_var_blk* variable, uint32_t number) {
+  return zelk::text_of_number(variable->values, number);
+}
+
+uint32_t zelk_get_ev_enumvalue(const env_var_blk* variable, const char* text) {
+  return zelk::number_of_text(variable->values, text);
+}
+
+}  // extern "C"

@@ -1,0 +1,126 @@
+#include "model/release.hpp"
+
+namespace zelk {
+namespace {
+
+bool owns_text(const attr& value) { return value.def && value.def->value_type == ZELK_ATTR_STRING; }
+
+void release_members(attr& value) {
+  if (owns_text(value)) zelk_mfree(value.value.text);
+}
+
+void release_members(val& description) { zelk_mfree(description.text); }
+
+void release_members(rxblk& link) { release_list(link.attrs); }
+
+void release_members(siggroupblk& group) {
+  release_list(group.signals);
+  release_each(group.extra, [](siggroup_extra&) {});
+  zelk_mfree(group.comment);
+}
+
+void release_members(sigblk& signal) {
+  release_list(signal.receivers);
+  release_list(signal.values);
+  zelk_mfree(signal.comment);
+  zelk_mfree(signal.name);
+  release_list(signal.attrs);
+  release_list(signal.mux_ranges);
+}
+
+void release_members(msgblk& message) {
+  release_list(message.siggroups);
+  release_list(message.signals);
+  release_list(message.tx_nodes);
+  zelk_mfree(message.comment);
+  zelk_mfree(message.name);
+  release_list(message.attrs);
+}
+
+void release_members(symblk& node) {
+  zelk_mfree(node.comment);
+  zelk_mfree(node.name);
+  release_list(node.attrs);
+}
+
+void release_members(env_var_blk& variable) {
+  zelk_mfree(variable.comment);
+  zelk_mfree(variable.name);
+  release_list(variable.attrs);
+  release_list(variable.access_nodes);
+  release_list(variable.values);
+}
+
+void release_members(valtable& table) { release_list(table.values); }
+
+void release_members(sigtype& type) {
+  zelk_mfree(type.comment);
+  release_list(type.attrs);
+}
+
+void release_members(attr_def& definition) {
+  const bool is_enum = definition.value_type == ZELK_ATTR_ENUM;
+  if (is_enum) zelk_mfree(definition.enum_values);
+  if (is_enum || definition.value_type == ZELK_ATTR_STRING) {
+    zelk_mfree(definition.default_value.text);
+  }
+}
+
+/// Releases a list whose records have members to release.
+template <typename Record>
+void release_with_members(Record* list) {
+  release_each(list, [](Record& record) { release_members(record); });
+}
+
+/// Releases a list whose records own nothing.
+template <typename Record>
+void release_plain(Record* list) {
+  release_each(list, [](Record&) {});
+}
+
+}  // namespace
+
+void release_list(attr* list) { release_with_members(list); }
+void release_list(val* list) { release_with_members(list); }
+void release_list(rxblk* list) { release_with_members(list); }
+void release_list(catlink* list) { release_plain(list); }
+void release_list(muxor_val_range* list) { release_plain(list); }
+void release_list(siglistblk* list) { release_plain(list); }
+void release_list(siggroupblk* list) { release_with_members(list); }
+void release_list(sigblk* list) { release_with_members(list); }
+void release_list(msgblk* list) { release_with_members(list); }
+void release_list(symblk* list) { release_with_members(list); }
+void release_list(env_var_blk* list) { release_with_members(list); }
+void release_list(btlblk* list) { release_plain(list); }
+void release_list(cat* list) { release_plain(list); }
+void release_list(valtable* list) { release_with_members(list); }
+void release_list(sigtype* list) { release_with_members(list); }
+void release_list(attr_def* list) { release_with_members(list); }
+
+}  // namespace zelk
+
+extern "C" {
+
+void zelk_free_mode_cache(void) {}
+
+void zelk_free(symblk* nodes, msgblk* messages, env_var_blk* env_vars, btlblk* bit_timings,
+               attr_def* attr_defs, attr* db_attrs, cat* categories, filter_t* filter,
+               char* comment, char* version, sigtype* sigtypes, valtable* valtables) {
+  zelk_free_mode_cache();
+  zelk_mfree(comment);
+  zelk_mfree(version);
+  zelk::release_list(db_attrs);
+  zelk::release_list(bit_timings);
+  zelk::release_list(env_vars);
+  zelk::release_list(valtables);
+  zelk::release_list(messages);
+  zelk::release_list(nodes);
+  zelk::release_list(sigtypes);
+  zelk::release_list(filter->nodes);
+  zelk::release_list(filter->categories);
+  *filter = {};
+  zelk::release_list(categories);
+  zelk::release_list(attr_defs);  // last: attribute values of all others refer to them
+}
+
+}  // extern "C"

@@ -1,0 +1,308 @@
+#include "reader/attribute_actions.hpp"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+#include "model/symbols.hpp"
+#include "text/new_symbols.hpp"
+#include "text/numbers.hpp"
+#include "text/words.hpp"
+
+namespace zelk {
+namespace {
+
+/// The slot of a definition whose values are long names of objects; none for all others.
+std::optional<std::size_t> long_name_slot(const attr_def& definition) {
+  const bool can_name =
+      definition.value_type == ZELK_ATTR_STRING && definition.object_type <= ZELK_OBJ_ENVVAR;
+  const auto* const found =
+      std::find(kLongNameAttributes.begin(), kLongNameAttributes.end(), definition.name);
+  if (!can_name || found == kLongNameAttributes.end()) return std::nullopt;
+  return static_cast<std::size_t>(found - kLongNameAttributes.begin());
+}
+
+bool holds_text(const attr_def& definition) {
+  return definition.value_type == ZELK_ATTR_STRING || definition.value_type == ZELK_ATTR_ENUM;
+}
+
+/// The items of an ENUM; a host's definition may have none.
+std::string_view item_list(const attr_def& definition) {
+  return definition.enum_values ? definition.enum_values : "";
+}
+
+/// An item of an ENUM as the file spells it.
+std::string_view item_text(TokenText text) {
+  return text.view() == kEmptyItem ? std::string_view() : text.view();
+}
+
+/// The item at `index`; none when the index is not one of an item.
+std::optional<std::string_view> item_at(std::string_view list, double index) {
+  if (!(index >= 0.0 && index <= static_cast<double>(list.size()))) return std::nullopt;
+  auto skipped = static_cast<std::size_t>(index);
+  if (static_cast<double>(skipped) != index) return std::nullopt;
+  for (; skipped > 0; --skipped) {
+    const std::size_t separator = list.find(kItemSeparator);
+    if (separator == std::string_view::npos) return std::nullopt;
+    list.remove_prefix(separator + 1);
+  }
+  return list.substr(0, list.find(kItemSeparator));
+}
+
+/// Whether a written file could hold `name` as the name of an object, so that it would be read
+/// back.
+bool can_be_written(std::string_view name, bool is_node) {
+  return is_name(name) && !is_new_symbol(name) && !(is_node && is_no_node(name));
+}
+
+void unlink(attr_def*& head, const attr_def* definition) {
+  attr_def** link = &head;
+  while (*link != definition) link = &(*link)->next;
+  *link = definition->next;
+}
+
+}  // namespace
+
+AttributeActions::AttributeActions(ReadContext& context)
+    : context_(context), definitions_(context.model.attr_defs) {
+  for (attr_def* old = context.model.attr_defs; old; old = old->next) index_.add_old(old);
+}
+
+// --- Definitions ---
+
+void AttributeActions::item(TokenText text) {
+  if (item_list_) {
+    *item_list_ += kItemSeparator;
+  } else {
+    item_list_.emplace();
+  }
+  *item_list_ += item_text(text);
+}
+
+void AttributeActions::define(std::int32_t object_type, TokenText name) {
+  Owned<attr_def> definition(zelk_create_attr_def());
+  definition->object_type = object_type;
+  copy_inline(definition->name, name.view());
+  definition->value_type = type_;
+  if (type_ == ZELK_ATTR_ENUM) {
+    definition->enum_values = copy_text(item_list_.value_or("")).release();
+  } else {
+    definition->minimum = range_.first;
+    definition->maximum = range_.second;
+  }
+  if (holds_text(*definition)) definition->default_value.text = copy_text("").release();
+  index_.add_new(definition.get());
+  if (const auto slot = long_name_slot(*definition)) slots_[*slot] = definition.get();
+  definitions_.append(definition.release());
+  range_ = {};
+  item_list_.reset();
+  context_.end_statement();
+}
+
+/// The definition stands in the file twice, first like one for signals.
+void AttributeActions::define_for_signal_types(TokenText name) {
+  attr_def& found = definition(ZELK_OBJ_SIGNAL, name);
+  index_.change_kind(&found, ZELK_OBJ_SIGTYPE);
+  std::replace(slots_.begin(), slots_.end(), &found, static_cast<attr_def*>(nullptr));
+  context_.end_statement();
+}
+
+attr_def& AttributeActions::definition(std::int32_t object_type, TokenText attribute) {
+  if (attr_def* found = index_.find(object_type, attribute.view())) return *found;
+  context_.fail(ZELK_ERR_UNDEFINED_ATTRIBUTE, attribute.view());
+}
+
+// --- Defaults ---
+
+void AttributeActions::set_default(bool of_relation, TokenText attribute) {
+  attr_def* definition = index_.next_for_default(of_relation, attribute.view());
+  if (!definition) context_.fail(ZELK_ERR_UNDEFINED_ATTRIBUTE, attribute.view());
+  if (value_.form != ValueForm::kNone) {
+    zelk_attr_value_t& value = definition->default_value;
+    if (definition->value_type == ZELK_ATTR_STRING) {
+      assign_text(value.text, text_value());
+    } else if (definition->value_type == ZELK_ATTR_ENUM) {
+      assign_text(value.text, item_default(*definition));
+    } else {
+      value.number = number_value();
+    }
+  }
+  context_.end_statement();
+}
+
+/// An ENUM's default is a text; the empty one is taken even if it is no item.
+OwnedText AttributeActions::item_default(attr_def& definition) {
+  if (value_.form == ValueForm::kNumber) {
+    const auto item = item_at(item_list(definition), value_.number);
+    if (!item) fail_with_value(NumberText(value_.number).view());
+    return copy_text(*item);
+  }
+  const std::string_view text = item_text(value_.text);
+  if (!text.empty() && !items(definition).contains(text)) fail_with_value(text);
+  return copy_text(text);
+}
+
+// --- Values of objects ---
+
+void AttributeActions::network_value(TokenText attribute) {
+  append_object_value(context_.model.net_attrs, definition(ZELK_OBJ_NETWORK, attribute), nullptr,
+                      false);
+  context_.end_statement();
+}
+
+void AttributeActions::node_value(TokenText attribute, TokenText name) {
+  attr_def& found = definition(ZELK_OBJ_NODE, attribute);
+  if (symblk* node = context_.node(name))
+    append_object_value(node->attrs, found, &node->name, true);
+  context_.end_statement();
+}
+
+void AttributeActions::message_value(TokenText attribute, std::uint32_t id) {
+  attr_def& found = definition(ZELK_OBJ_MESSAGE, attribute);
+  msgblk& message = context_.message(id);
+  append_object_value(message.attrs, found, &message.name, false);
+  context_.end_statement();
+}
+
+void AttributeActions::signal_value(TokenText attribute, std::uint32_t id, TokenText name) {
+  attr_def& found = definition(ZELK_OBJ_SIGNAL, attribute);
+  sigblk& signal = context_.signal(id, name);
+  append_object_value(signal.attrs, found, &signal.name, false);
+  context_.end_statement();
+}
+
+void AttributeActions::variable_value(TokenText attribute, TokenText name) {
+  attr_def& found = definition(ZELK_OBJ_ENVVAR, attribute);
+  env_var_blk& variable = context_.variable(name);
+  append_object_value(variable.attrs, found, &variable.name, false);
+  context_.end_statement();
+}
+
+void AttributeActions::type_value(TokenText attribute, TokenText name) {
+  attr_def& found = definition(ZELK_OBJ_SIGTYPE, attribute);
+  append_object_value(context_.type(name).attrs, found, nullptr, false);
+  context_.end_statement();
+}
+
+/// A long name does not stay an attribute value: it is for the field that holds the object's
+/// `name`.
+void AttributeActions::append_object_value(attr*& list, attr_def& definition, char** name,
+                                           bool is_node) {
+  if (long_name_slot(definition)) {
+    defer_name(name, is_node);
+  } else {
+    append_value(list, definition);
+  }
+}
+
+/// `field` is null for an object that takes no long name.
+void AttributeActions::defer_name(char** field, bool is_node) {
+  OwnedText name = text_value();
+  if (*name == '\0') return;
+  if (field && can_be_written(name.get(), is_node)) {
+    deferred_names_.push_back({field, std::move(name)});
+  } else {
+    context_.note(ZELK_ERR_FORMAT, name.get());
+  }
+}
+
+void AttributeActions::append_value(attr*& list, attr_def& definition) {
+  Owned<attr> value(create_record<attr>());
+  if (definition.value_type == ZELK_ATTR_STRING) {
+    value->value.text = text_value().release();
+  } else {
+    value->value.number =
+        definition.value_type == ZELK_ATTR_ENUM ? item_value(definition) : number_value();
+  }
+  value->def = &definition;
+  context_.object_lists.append(list, value.get());
+  value.release();
+}
+
+// --- Values of relations ---
+
+void AttributeActions::node_signal_value(TokenText attribute, TokenText node_name, std::uint32_t id,
+                                         TokenText signal) {
+  attr_def& found = definition(ZELK_OBJ_REL_SIGNAL, attribute);
+  symblk* node = context_.node(node_name);
+  append_relation_value(context_.signal(id, signal).receivers, found, node);
+}
+
+void AttributeActions::node_message_value(TokenText attribute, TokenText node_name,
+                                          std::uint32_t id) {
+  attr_def& found = definition(ZELK_OBJ_REL_MESSAGE, attribute);
+  symblk* node = context_.node(node_name);
+  append_relation_value(context_.message(id).tx_nodes, found, node);
+}
+
+void AttributeActions::node_variable_value(TokenText attribute, TokenText node_name,
+                                           TokenText variable) {
+  attr_def& found = definition(ZELK_OBJ_REL_ENVVAR, attribute);
+  symblk* node = context_.node(node_name);
+  append_relation_value(context_.variable(variable).access_nodes, found, node);
+}
+
+/// `node` is null for the placeholder.
+void AttributeActions::append_relation_value(rxblk* links, attr_def& definition, symblk* node) {
+  rxblk* link = node ? context_.index.link(links, node) : nullptr;
+  if (link) {
+    append_value(link->attrs, definition);
+  } else if (node) {
+    context_.note(ZELK_ERR_UNKNOWN_SYMBOL, node->name);
+  }
+  context_.end_statement();
+}
+
+// --- From the statement's value to the record's ---
+
+void AttributeActions::fail_with_value(std::string_view text) const {
+  context_.fail(ZELK_ERR_MEANING, text);
+}
+
+OwnedText AttributeActions::text_value() const {
+  return copy_text(value_.form == ValueForm::kText ? value_.text.view()
+                                                   : NumberText(value_.number).view());
+}
+
+double AttributeActions::number_value() const {
+  if (value_.form == ValueForm::kNumber) return value_.number;
+  const auto number = parse_number(value_.text.view());
+  if (!number) fail_with_value(value_.text.view());
+  return *number;
+}
+
+/// The index of an ENUM's item.
+double AttributeActions::item_value(attr_def& definition) {
+  if (value_.form == ValueForm::kNumber) return value_.number;
+  const Items& known = items(definition);
+  const auto found = known.find(item_text(value_.text));
+  if (found == known.end()) fail_with_value(value_.text.view());
+  return found->second;
+}
+
+const AttributeActions::Items& AttributeActions::items(const attr_def& definition) {
+  const auto [entry, is_new] = items_.try_emplace(&definition);
+  if (!is_new) return entry->second;
+  std::string_view rest = item_list(definition);
+  for (int index = 0;; ++index) {
+    const std::size_t end = rest.find(kItemSeparator);
+    entry->second.try_emplace(rest.substr(0, end), index);
+    if (end == std::string_view::npos) return entry->second;
+    rest.remove_prefix(end + 1);
+  }
+}
+
+// --- The end of the file ---
+
+void AttributeActions::accept() {
+  for (DeferredName& deferred : deferred_names_)
+    assign_text(*deferred.field, std::move(deferred.name));
+  for (attr_def*& definition : slots_) {
+    if (!definition) continue;
+    unlink(context_.model.attr_defs, definition);
+    definition->next = nullptr;
+    release_list(std::exchange(definition, nullptr));
+  }
+}
+
+}  // namespace zelk

@@ -1,0 +1,352 @@
+#include "reader/lexer.hpp"
+
+#include <algorithm>
+#include <charconv>
+#include <cstring>
+
+#include "model/errors.hpp"
+#include "reader/grammar.hpp"
+#include "text/characters.hpp"
+#include "text/keywords.hpp"
+#include "text/new_symbols.hpp"
+#include "text/numbers.hpp"
+#include "zelk/exception.hpp"
+
+namespace zelk {
+namespace {
+
+/// Codes that the grammar does not declare.
+constexpr int kEndOfInput = 0;
+constexpr int kLexicalError = 256;
+constexpr int kSkipped = -1;  // no token: a comment, or a statement of an unknown kind
+
+constexpr std::ptrdiff_t kTokenMax = 1023;  // characters of a name or number
+constexpr std::uint32_t kShortMax = 32767;
+constexpr double kUlongMax = 4294967295.0;
+
+constexpr std::size_t kPlainDigits = 9;  // so many digits always fit into 32 bits
+
+/// No second byte of a double-byte character is less: what follows a lead byte is then a character
+/// of its own.
+constexpr unsigned char kTrailMin = 0x40;
+
+/// What a byte begins where a token may start.
+/// Separators come first.
+enum class Start : std::uint8_t {
+  kBlank,
+  kLineFeed,
+  kNul,
+  kName,
+  kDigit,
+  kQuote,
+  kSlash,
+  kEnd,
+  kOther
+};
+
+constexpr std::array<Start, 256> make_starts() {
+  std::array<Start, 256> starts{};
+  for (unsigned byte = 0; byte < starts.size(); ++byte) {
+    const char c = static_cast<char>(byte);
+    Start start = byte > 127 || byte <= ' ' ? Start::kBlank : Start::kOther;
+    if (is_letter(c)) start = Start::kName;
+    if (is_digit(c)) start = Start::kDigit;
+    starts[byte] = start;
+  }
+  starts[0] = Start::kNul;
+  starts['\n'] = Start::kLineFeed;
+  starts['"'] = Start::kQuote;
+  starts['/'] = Start::kSlash;
+  starts[0xFF] = Start::kEnd;
+  return starts;
+}
+
+constexpr std::array<bool, 256> make_name_characters() {
+  std::array<bool, 256> belongs{};
+  for (unsigned byte = 0; byte < 128; ++byte)
+    belongs[byte] = is_name_character(static_cast<char>(byte));
+  return belongs;
+}
+
+constexpr std::array<Start, 256> kStarts = make_starts();
+constexpr std::array<bool, 256> kNameCharacters = make_name_characters();
+
+unsigned char byte_at(const char* position) { return static_cast<unsigned char>(*position); }
+
+std::string_view between(const char* start, const char* end) {
+  return {start, static_cast<std::size_t>(end - start)};
+}
+
+TokenText text_between(const char* start, const char* end) {
+  return {start, static_cast<std::size_t>(end - start)};
+}
+
+/// What `strtoul` in base 0 makes of decimal digits: octal behind a leading zero, up to the first
+/// digit that is not. `digits` stand for at most 4294967295.
+std::uint32_t base_0_value(std::string_view digits) {
+  const int base = digits.size() > 1 && digits[0] == '0' ? 8 : 10;
+  std::uint32_t value = 0;
+  std::from_chars(digits.data(), digits.data() + digits.size(), value, base);
+  return value;
+}
+
+std::uint32_t decimal_value(std::string_view digits) {
+  std::uint32_t value = 0;
+  for (const char digit : digits) value = value * 10 + static_cast<std::uint32_t>(digit - '0');
+  return value;
+}
+
+/// Drops the backslash of every escaped double quote between `start` and `end`; returns the new
+/// end.
+char* resolve_escapes(char* start, const char* end, const std::array<bool, 256>& leads) {
+  char* to = start;
+  for (const char* from = start; from != end; ++from) {
+    const bool has_next = from + 1 != end;
+    if (has_next && leads[byte_at(from)] && byte_at(from + 1) >= kTrailMin) {
+      *to++ = *from++;
+    } else if (has_next && *from == '\\' && from[1] == '"') {
+      ++from;
+    }
+    *to++ = *from;
+  }
+  return to;
+}
+
+}  // namespace
+
+Lexer::Lexer(platform::File file)
+    : window_(std::move(file)), leads_(platform::lead_bytes()), string_specials_(leads_) {
+  for (const unsigned char special : {'\0', '\n', '"', '\\'}) string_specials_[special] = true;
+}
+
+void Lexer::fail(std::uint32_t number, std::string_view text) const {
+  zelk_read_error(number, line_, std::string(text).c_str());
+  throw ZelkException(
+      error_state().line);  // the read has reported an error before and ends all the same
+}
+
+int Lexer::next(SemanticValue& value) {
+  int code = kSkipped;
+  while (code == kSkipped) code = token(value);
+  return code;
+}
+
+/// Reads a token, or something that is skipped where a token may start.
+int Lexer::token(SemanticValue& value) {
+  char* const start = skip_separators();
+  switch (kStarts[byte_at(start)]) {
+    case Start::kName:
+      return name(start, value);
+    case Start::kDigit:
+      return number(start, value);
+    case Start::kQuote:
+      return string(start, value);
+    case Start::kSlash:
+      return slash(start);
+    case Start::kOther:
+      window_.set_cursor(start + 1);
+      return *start;
+    default:  // the end of the file, or a byte that ends the input
+      window_.set_cursor(start);
+      return kEndOfInput;
+  }
+}
+
+/// Returns the first byte that is no separator; a NUL there is the end of the file.
+char* Lexer::skip_separators() {
+  char* position = window_.cursor();
+  for (;;) {
+    switch (kStarts[byte_at(position)]) {
+      case Start::kLineFeed:
+        ++line_;
+        [[fallthrough]];
+      case Start::kBlank:
+        ++position;
+        break;
+      case Start::kNul:
+        if (position != window_.limit()) {
+          ++position;
+        } else if (!window_.extend(position)) {
+          return end_of_file(position);
+        }
+        break;
+      default:
+        return position;
+    }
+  }
+}
+
+char* Lexer::end_of_file(char* position) const {
+  if (window_.failed()) fail(ZELK_ERR_NOT_FOUND, "the file cannot be read on");
+  return position;
+}
+
+// --- Names ---
+
+int Lexer::name(char* start, SemanticValue& value) {
+  char* const end =
+      scan(start, start, [](char c) { return kNameCharacters[static_cast<unsigned char>(c)]; });
+  if (end - start > kTokenMax) fail(ZELK_ERR_SYNTAX, between(start, start + kTokenMax));
+  if (end == window_.limit() || byte_at(end) > 127) fail_in_name(start, end);
+  window_.set_cursor(end);
+  const std::string_view text = between(start, end);
+  if (const Keyword* keyword = find_keyword(text)) return keyword->code;
+  if (is_new_symbol(text)) {
+    zelk_note(ZELK_ERR_NEW_SYMBOL, line_, std::string(text).c_str());
+    skip_through(';');
+    return kSkipped;
+  }
+  value.text = text_between(start, end);
+  return T_IDENT;
+}
+
+/// The offender behind a name is a byte outside ASCII, or the end of the file, which counts as
+/// 0xFF.
+void Lexer::fail_in_name(char* start, char* end) {
+  const char offender = end == window_.limit() ? '\xFF' : *end;
+  fail(ZELK_ERR_INVALID_CHAR, std::string(start, end) + " :" + offender);
+}
+
+// --- Numbers ---
+
+int Lexer::number(char* start, SemanticValue& value) {
+  char* const end = skip_digits(start, start);
+  if (*end == '.' || *end == 'e' || *end == 'E') return real(start, end, value);
+  window_.set_cursor(end);
+  const std::string_view digits = between(start, end);
+  if (digits.size() <= kPlainDigits && digits[0] != '0') {
+    value.integer = decimal_value(digits);
+    return value.integer > kShortMax ? T_ULONG : T_SHORT;
+  }
+  const double magnitude = literal_to_double(digits);
+  if (magnitude > kUlongMax) {
+    value.real = magnitude;
+    return T_DOUBLE;
+  }
+  const std::uint32_t prefixed = base_0_value(digits);
+  value.integer = prefixed > kShortMax ? prefixed : static_cast<std::uint32_t>(magnitude);
+  return prefixed > kShortMax ? T_ULONG : T_SHORT;
+}
+
+/// A literal whose digits up to `position` are followed by a point or an exponent.
+int Lexer::real(char* start, char* position, SemanticValue& value) {
+  if (*position == '.') position = skip_digits(start, position + 1);
+  if (*position == 'e' || *position == 'E') {
+    ++position;
+    if (position == window_.limit()) more(start, position);
+    if (*position == '+' || *position == '-') ++position;
+    const std::ptrdiff_t digits_offset = position - start;
+    position = skip_digits(start, position);
+    if (position - start == digits_offset) {
+      window_.set_cursor(position);
+      return kLexicalError;
+    }
+  }
+  window_.set_cursor(position);
+  value.real = literal_to_double(between(start, position));
+  return T_DOUBLE;
+}
+
+char* Lexer::skip_digits(char*& start, char* position) {
+  char* const end = scan(start, position, [](char c) { return is_digit(c); });
+  if (end - start > kTokenMax) fail(ZELK_ERR_SYNTAX, between(start, start + kTokenMax));
+  return end;
+}
+
+// --- Strings ---
+
+int Lexer::string(char* quote, SemanticValue& value) {
+  char* start = quote + 1;
+  char* position = start;
+  bool has_escape = false;
+  for (;;) {
+    while (!string_specials_[byte_at(position)]) ++position;
+    if (*position == '"') break;
+    position = skip_special(start, position, has_escape);
+  }
+  window_.set_cursor(position + 1);
+  value.text = string_text(start, position, has_escape);
+  return T_STRING;
+}
+
+/// Skips a line feed, an escape, a lone backslash, a double-byte character, or a NUL (the end of
+/// the window's bytes).
+char* Lexer::skip_special(char*& start, char* position, bool& has_escape) {
+  if (*position == '\n') ++line_;
+  const bool is_at_limit = position == window_.limit();
+  if (is_at_limit && !more(start, position)) fail_at_end();
+  if (is_at_limit) return position;
+  const bool is_lead = leads_[byte_at(position)];
+  if (*position != '\\' && !is_lead) return position + 1;
+  if (position + 1 == window_.limit()) {
+    ++position;
+    if (!more(start, position)) fail_at_end();
+    --position;
+  }
+  if (is_lead) return position + (byte_at(position + 1) >= kTrailMin ? 2 : 1);
+  const bool is_escape = position[1] == '"';
+  has_escape |= is_escape;
+  return position + (is_escape ? 2 : 1);
+}
+
+/// The text between two quotes with its escapes resolved, in place. A NUL ends a text in the
+/// records, so it ends here too, with a warning.
+TokenText Lexer::string_text(char* start, char* end, bool has_escape) {
+  if (has_escape) end = resolve_escapes(start, end, leads_);
+  auto* const nul =
+      static_cast<char*>(std::memchr(start, '\0', static_cast<std::size_t>(end - start)));
+  if (!nul) return text_between(start, end);
+  zelk_note(ZELK_ERR_FORMAT, line_, "a text is cut at its NUL character");
+  return text_between(start, nul);
+}
+
+// --- What is skipped ---
+
+/// A comment, or the character "/".
+int Lexer::slash(char* start) {
+  char* second = start + 1;
+  if (second == window_.limit()) more(start, second);
+  window_.set_cursor(second);
+  if (*second != '/') return '/';
+  skip_through('\n');
+  return kSkipped;
+}
+
+/// Skips everything up to and including the next `last`, which must come before the end of the
+/// file.
+void Lexer::skip_through(char last) {
+  for (char* position = window_.cursor();; ++position) {
+    if (position == window_.limit() && !window_.extend(position)) fail_at_end();
+    if (*position == '\n') ++line_;
+    if (*position != last) continue;
+    window_.set_cursor(position + 1);
+    return;
+  }
+}
+
+void Lexer::fail_at_end() const { fail(ZELK_ERR_SYNTAX, kSyntaxErrorText); }
+
+// --- The window ---
+
+/// Reads on at `position`, the limit; `start` and `position` move along with their bytes. False at
+/// the end of the file.
+bool Lexer::more(char*& start, char*& position) {
+  const std::ptrdiff_t offset = position - start;
+  const bool has_more = window_.extend(start);
+  position = start + offset;
+  return has_more;
+}
+
+/// Returns the first character from `position` on that does not belong to the token at `start`,
+/// which moves along. Stops early in a token that is too long already. The NUL at the limit must
+/// not belong.
+template <typename Predicate>
+char* Lexer::scan(char*& start, char* position, Predicate belongs) {
+  for (;;) {
+    while (belongs(*position)) ++position;
+    const bool may_go_on = position == window_.limit() && position - start <= kTokenMax;
+    if (!may_go_on || !more(start, position)) return position;
+  }
+}
+
+}  // namespace zelk

@@ -1,0 +1,79 @@
+/// \file
+/// The lexer: from the bytes of a DBC file to the tokens of the grammar.
+///
+///     token       = name | number | string | any other character from "!" to DEL
+///     name        = (letter | "_") { letter | digit | "_" }          a keyword, or T_IDENT; at
+///     most 1023 characters number      = digits [ "." [digits] ] [ ("E" | "e") ["+" | "-"] digits
+///     ]          at most 1023 characters string      = '"' { any byte | '\"' } '"' the escape
+///     stands for the double quote separators  = bytes up to " ", bytes 0x80 to 0xFE, and comments
+///     from "//" to the end of the line
+///
+/// A byte 0xFF where a token may start ends the input like the end of the file. There are no signed
+/// numbers at this level.
+
+#ifndef ZELK_READER_LEXER_HPP
+#define ZELK_READER_LEXER_HPP
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "platform/platform.hpp"
+#include "reader/token.hpp"
+#include "reader/window.hpp"
+
+namespace zelk {
+
+/// Detail of a syntax error's report.
+inline constexpr std::string_view kSyntaxErrorText = "error: syntax";
+
+class Lexer {
+ public:
+  explicit Lexer(platform::File file);
+
+  /// Reads the next token and returns its code: 0 at the end of the input, 256 for a malformed
+  /// number, else a code of the grammar. `value` is set as the code wants it.
+  ///
+  /// @throws ZelkException for errors 1, 16, 24 and 27
+  /// @throws std::bad_alloc
+  int next(SemanticValue& value);
+
+  /// Count of the line feeds read so far.
+  std::int32_t line() const { return line_; }
+
+  /// The texts of all tokens read so far are not needed any more.
+  void forget_texts() { window_.forget(); }
+
+  /// Reports an error at the present line, which ends the read.
+  [[noreturn]] void fail(std::uint32_t number, std::string_view text) const;
+
+ private:
+  int token(SemanticValue& value);
+  char* skip_separators();
+  char* end_of_file(char* position) const;
+  int name(char* start, SemanticValue& value);
+  [[noreturn]] void fail_in_name(char* start, char* end);
+  int number(char* start, SemanticValue& value);
+  int real(char* start, char* position, SemanticValue& value);
+  int string(char* quote, SemanticValue& value);
+  char* skip_special(char*& start, char* position, bool& has_escape);
+  TokenText string_text(char* start, char* end, bool has_escape);
+  int slash(char* start);
+  void skip_through(char last);
+
+  bool more(char*& start, char*& position);
+  template <typename Predicate>
+  char* scan(char*& start, char* position, Predicate belongs);
+  char* skip_digits(char*& start, char* position);
+  [[noreturn]] void fail_at_end() const;
+
+  Window window_;
+  std::int32_t line_ = 0;
+  std::array<bool, 256> leads_;            ///< first bytes of double-byte characters
+  std::array<bool, 256> string_specials_;  ///< bytes that a scan through a string stops at
+};
+
+}  // namespace zelk
+
+#endif

@@ -1,0 +1,64 @@
+/// \file
+/// Appending to the singly linked lists of records without walking them each time.
+
+#ifndef ZELK_READER_LIST_TAIL_HPP
+#define ZELK_READER_LIST_TAIL_HPP
+
+#include <unordered_map>
+
+namespace zelk {
+
+/// The end of one list, found once.
+template <typename Record>
+class ListTail {
+ public:
+  explicit ListTail(Record*& head) : tail_(&head) { find_end(); }
+
+  void append(Record* records) {
+    *tail_ = records;
+    find_end();
+  }
+
+ private:
+  void find_end() {
+    while (*tail_) tail_ = &(*tail_)->next;
+  }
+
+  Record** tail_;
+};
+
+/// The ends of the many lists inside records. Short lists are walked; of a list that has become
+/// long, the last end found is remembered.
+class ObjectListTails {
+ public:
+  /// Appends `records` (a list) to the list at `head`.
+  template <typename Record>
+  void append(Record*& head, Record* records) {
+    Record** tail = &head;
+    for (int steps = 0; *tail; tail = &(*tail)->next) {
+      if (++steps < kShortList) continue;
+      tail = remembered_end(head, tail);
+      break;
+    }
+    *tail = records;
+  }
+
+ private:
+  static constexpr int kShortList = 16;
+
+  /// The end of the list at `head`, looked for from `from` or from the place remembered.
+  template <typename Record>
+  Record** remembered_end(Record*& head, Record** from) {
+    void*& place = places_.try_emplace(&head, from).first->second;
+    auto** tail = static_cast<Record**>(place);
+    while (*tail) tail = &(*tail)->next;
+    place = tail;
+    return tail;
+  }
+
+  std::unordered_map<const void*, void*> places_;
+};
+
+}  // namespace zelk
+
+#endif

@@ -1,0 +1,212 @@
+#include "reader/message_actions.hpp"
+
+#include <algorithm>
+#include <charconv>
+#include <unordered_set>
+#include <utility>
+
+#include "model/symbols.hpp"
+#include "text/characters.hpp"
+
+namespace zelk {
+namespace {
+
+bool is_multiplexor(const sigblk& signal) { return (signal.flags & ZELK_SIGNAL_MULTIPLEXOR) != 0; }
+
+void set_flag(sigblk& signal, int flag) {
+  signal.flags = static_cast<std::uint16_t>(signal.flags | flag);
+}
+
+int count_multiplexors_of(const msgblk& message) {
+  int count = 0;
+  for (const sigblk* signal = message.signals; signal; signal = signal->next) {
+    if (is_multiplexor(*signal)) ++count;
+  }
+  return count;
+}
+
+constexpr std::size_t kCycleTextMax = 1024;
+
+/// Follows multiplexors and remembers from which signals no circle is reached, so that each is
+/// walked over once.
+class CycleSearch {
+ public:
+  bool finds_cycle_from(const sigblk& start) {
+    path_.clear();
+    for (const sigblk* signal = &start; signal && !clean_.contains(signal);
+         signal = signal->mux_signal) {
+      if (!path_.insert(signal).second) return true;
+    }
+    clean_.insert(path_.begin(), path_.end());
+    return false;
+  }
+
+ private:
+  std::unordered_set<const sigblk*> clean_;
+  std::unordered_set<const sigblk*> path_;
+};
+
+}  // namespace
+
+// --- Messages and their signals ---
+
+void MessageActions::begin_message(std::uint32_t id, TokenText name, std::uint32_t size,
+                                   TokenText transmitter) {
+  message_.reset(zelk_create_msgblk());
+  message_->name = copy_text(name.view()).release();
+  message_->id = id;
+  message_->dlc = static_cast<std::uint16_t>(size);
+  transmitter_ = transmitter.view();
+  context_.end_statement();
+}
+
+void MessageActions::signal(const SignalLine& line) {
+  Owned<sigblk> signal(zelk_create_sigblk());
+  signal->name = copy_text(line.name.view()).release();
+  if (line.indicator.size > 0) apply_indicator(*signal, line.indicator);
+  apply_layout(*signal, line.start_bit);
+  if (line.is_signed) set_flag(*signal, ZELK_SIGNAL_SIGNED);
+  signal->factor = line.factor_offset.first == 0.0 ? 1.0 : line.factor_offset.first;
+  signal->offset = line.factor_offset.second;
+  signal->minimum = std::min(line.range.first, line.range.second);
+  signal->maximum = std::max(line.range.first, line.range.second);
+  copy_inline(signal->unit, line.unit.view());
+  PendingList<rxblk> receivers;
+  context_.link_names(receivers, zelk_create_rx);
+  signal->receivers = receivers.take();
+  signal->receiver_count = count_16(signal->receivers);
+  if (signal->mux_ranges) multiplexed_.push_back(signal.get());
+  signals_.push_back(signal.release());
+  context_.end_statement();
+}
+
+/// "M" marks a multiplexor, "m3" a signal present for its value 3, "m3M" both; M may be any letter,
+/// but one per message.
+void MessageActions::apply_indicator(sigblk& signal, TokenText indicator) {
+  std::string text(indicator.view());
+  std::transform(text.begin(), text.end(), text.begin(), to_upper);
+  if (text[0] == '_') context_.fail(ZELK_ERR_MODE, signal.name);
+  if (multiplexor_letter_ == 0) multiplexor_letter_ = text[0];
+  if (text[0] != multiplexor_letter_) context_.fail(ZELK_ERR_MODE, signal.name);
+  if (text.back() == multiplexor_letter_) {
+    set_flag(signal, ZELK_SIGNAL_MULTIPLEXOR);
+    text.pop_back();
+  }
+  if (text.size() < 2) return;
+  std::uint32_t value = 0;
+  const auto result = std::from_chars(text.data() + 1, text.data() + text.size(), value);
+  if (result.ec == std::errc::result_out_of_range) context_.fail(ZELK_ERR_MODE, signal.name);
+  signal.mux_ranges = zelk_create_muxor_value_range();
+  signal.mux_ranges->low = value;
+  signal.mux_ranges->high = value;
+}
+
+void MessageActions::apply_layout(sigblk& signal, std::uint32_t start_bit) {
+  const auto layout = segments.layout(start_bit);
+  segments.clear();
+  if (!layout) context_.fail(ZELK_ERR_SEGMENTATION, signal.name);
+  signal.start_bit = layout->start_bit;
+  signal.length = layout->length_bits;
+  if (layout->is_motorola) set_flag(signal, ZELK_SIGNAL_MOTOROLA);
+}
+
+void MessageActions::end_message() {
+  message_->signals = signals_.take();
+  if (symblk* node = context_.linked_node(transmitter_)) {
+    message_->tx_nodes = zelk_create_tx(node);
+    message_->transmitter = node;
+  }
+  assign_multiplexor();
+  message_->signal_count = count_16(message_->signals);
+  for (sigblk* signal = message_->signals; signal; signal = signal->next) {
+    signal->message = message_.get();
+  }
+  multiplexor_letter_ = 0;
+  context_.index.add(message_.get());
+  context_.messages.append(message_.release());
+  context_.end_statement();
+}
+
+/// With several multiplexors the "SG_MUL_VAL_" statements say which one selects a signal.
+void MessageActions::assign_multiplexor() {
+  const int count = count_multiplexors_of(*message_);
+  if (count > 1) context_.extended_multiplexing = true;
+  if (count == 1) {
+    sigblk* multiplexor = message_->signals;
+    while (!is_multiplexor(*multiplexor)) multiplexor = multiplexor->next;
+    for (sigblk* signal : multiplexed_) signal->mux_signal = multiplexor;
+  }
+  multiplexed_.clear();
+}
+
+// --- Further statements about messages and signals ---
+
+void MessageActions::transmitters(std::uint32_t id) {
+  msgblk* message = context_.index.message(id);
+  // Hosts know this text, which was meant to show the identifier.
+  if (!message) context_.fail(ZELK_ERR_UNKNOWN_SYMBOL, "Msg &lu");
+  if (!context_.names.empty()) {
+    PendingList<rxblk> links;
+    context_.link_names(links, zelk_create_tx);
+    release_list(std::exchange(message->tx_nodes, links.take()));
+  }
+  context_.end_statement();
+}
+
+void MessageActions::signal_group(std::uint32_t id, TokenText name, std::uint32_t repetitions) {
+  msgblk& message = context_.message(id);
+  Owned<siggroupblk> group(zelk_create_siggroup(&message));
+  copy_inline(group->name, name.view());
+  group->repetitions = static_cast<std::int32_t>(repetitions);
+  PendingList<siglistblk> members;
+  for (const TokenText& member : context_.names) {
+    members.push_back(zelk_create_siglist(&context_.signal(message, member)));
+  }
+  group->signals = members.take();
+  context_.object_lists.append(message.siggroups, group.get());
+  group.release();
+  context_.end_statement();
+}
+
+void MessageActions::signal_value_type(std::uint32_t id, TokenText name, std::uint32_t value_type) {
+  context_.signal(id, name).value_type = value_type;
+  context_.end_statement();
+}
+
+void MessageActions::multiplexor_range(std::uint32_t low, std::uint32_t high) {
+  muxor_val_range* range = zelk_create_muxor_value_range();
+  ranges_.push_back(range);
+  range->low = low;
+  range->high = high;
+}
+
+void MessageActions::multiplexor_ranges(std::uint32_t id, TokenText signal_name,
+                                        TokenText multiplexor_name) {
+  msgblk& message = context_.message(id);
+  sigblk& signal = context_.signal(message, signal_name);
+  sigblk& multiplexor = context_.signal(message, multiplexor_name);
+  const auto [counted, is_new] = multiplexor_counts_.try_emplace(&message, 0);
+  int& count = counted->second;
+  if (is_new) count = count_multiplexors_of(message);
+  if (!is_multiplexor(multiplexor)) ++count;
+  set_flag(multiplexor, ZELK_SIGNAL_MULTIPLEXOR);
+  signal.mux_signal = &multiplexor;
+  if (!ranges_.empty()) release_list(std::exchange(signal.mux_ranges, ranges_.take()));
+  if (count > 1) context_.extended_multiplexing = true;
+  context_.end_statement();
+}
+
+void MessageActions::check_multiplexing() const {
+  if (!context_.extended_multiplexing) return;
+  CycleSearch search;
+  for (const msgblk* message = context_.model.messages; message; message = message->next) {
+    for (const sigblk* signal = message->signals; signal; signal = signal->next) {
+      if (!is_multiplexor(*signal) || !search.finds_cycle_from(*signal)) continue;
+      const std::string text = std::string(message->name ? message->name : "") +
+                               "::" + (signal->name ? signal->name : "");
+      context_.fail(ZELK_ERR_CYCLIC_MULTIPLEXOR, text.substr(0, kCycleTextMax));
+    }
+  }
+}
+
+}  // namespace zelk

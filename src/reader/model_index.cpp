@@ -1,0 +1,101 @@
+#include "reader/model_index.hpp"
+
+#include <cstring>
+
+#include "model/symbols.hpp"
+
+namespace zelk {
+namespace {
+
+constexpr int kShortList = 24;
+
+template <typename Map, typename Key>
+typename Map::mapped_type find(const Map& map, const Key& key) {
+  const auto found = map.find(key);
+  return found == map.end() ? nullptr : found->second;
+}
+
+/// Adds a record by its name; one without a name cannot be asked for.
+template <typename Map, typename Record>
+void add_by_name(Map& map, Record* record) {
+  if (record->name) map.try_emplace(record->name, record);
+}
+
+bool has_name(const sigblk& signal, std::string_view name) {
+  return signal.name && std::strncmp(signal.name, name.data(), name.size()) == 0 &&
+         signal.name[name.size()] == '\0';
+}
+
+/// The first element that `matches`; null when there is none. `is_long` is set, and the answer
+/// null, when the list turns out too long for a walk.
+template <typename Record, typename Matches>
+Record* walk(Record* list, bool& is_long, Matches matches) {
+  int steps = 0;
+  for (Record* record = list; record; record = record->next) {
+    if (matches(*record)) return record;
+    if (++steps < kShortList) continue;
+    is_long = true;
+    return nullptr;
+  }
+  return nullptr;
+}
+
+template <typename Index, typename Record>
+void add_all(Index& index, Record* list) {
+  for (; list; list = list->next) index.add(list);
+}
+
+}  // namespace
+
+ModelIndex::ModelIndex(const ModelHeads& model) {
+  add_all(*this, model.nodes);
+  add_all(*this, model.messages);
+  add_all(*this, model.env_vars);
+  add_all(*this, model.categories);
+  add_all(*this, model.sig_types);
+  add_all(*this, model.val_tables);
+}
+
+void ModelIndex::add(symblk* node) { add_by_name(nodes_, node); }
+void ModelIndex::add(msgblk* message) { messages_.try_emplace(message->id, message); }
+void ModelIndex::add(env_var_blk* variable) { add_by_name(variables_, variable); }
+void ModelIndex::add(cat* category) { categories_.try_emplace(category->number, category); }
+void ModelIndex::add(sigtype* type) { types_.try_emplace(inline_key(type->name), type); }
+void ModelIndex::add(valtable* table) { tables_.try_emplace(inline_key(table->name), table); }
+
+symblk* ModelIndex::node(std::string_view name) const { return find(nodes_, name); }
+
+msgblk* ModelIndex::message(std::uint32_t id) {
+  if (!last_message_ || last_message_->id != id) last_message_ = find(messages_, id);
+  return last_message_;
+}
+
+env_var_blk* ModelIndex::variable(std::string_view name) const { return find(variables_, name); }
+cat* ModelIndex::category(std::int32_t number) const { return find(categories_, number); }
+sigtype* ModelIndex::type(std::string_view name) const { return find(types_, inline_key(name)); }
+valtable* ModelIndex::table(std::string_view name) const { return find(tables_, inline_key(name)); }
+
+sigblk* ModelIndex::signal(const msgblk& message, std::string_view name) {
+  bool is_long = false;
+  sigblk* found = walk(message.signals, is_long,
+                       [name](const sigblk& signal) { return has_name(signal, name); });
+  if (!is_long) return found;
+  const auto [index, is_new] = long_signal_lists_.try_emplace(&message);
+  for (sigblk* signal = is_new ? message.signals : nullptr; signal; signal = signal->next) {
+    add_by_name(index->second, signal);
+  }
+  return find(index->second, name);
+}
+
+rxblk* ModelIndex::link(rxblk* links, const symblk* node) {
+  bool is_long = false;
+  rxblk* found = walk(links, is_long, [node](const rxblk& link) { return link.node == node; });
+  if (!is_long) return found;
+  const auto [index, is_new] = long_link_lists_.try_emplace(links);
+  for (rxblk* link = is_new ? links : nullptr; link; link = link->next) {
+    index->second.try_emplace(link->node, link);
+  }
+  return find(index->second, node);
+}
+
+}  // namespace zelk

@@ -1,0 +1,76 @@
+#include "reader/reader.hpp"
+
+#include <algorithm>
+#include <new>
+
+#include "model/errors.hpp"
+#include "reader/grammar.hpp"
+#include "text/new_symbols.hpp"
+#include "zelk/dbc.h"
+#include "zelk/exception.hpp"
+
+namespace zelk {
+
+int Reader::run() { return zelk_parse(*this); }
+
+void Reader::accept() {
+  attributes.accept();
+  messages.check_multiplexing();
+}
+
+namespace {
+
+/// Reads an open file; memory that runs out is an error like any other.
+int read_open_file(const ModelHeads& heads, platform::File file) {
+  try {
+    return Reader(heads, std::move(file)).run();
+  } catch (const std::bad_alloc&) {
+    zelk_read_error(ZELK_ERR_MEMORY, kNoLine, nullptr);
+    return ZELK_ERR_MEMORY;
+  }
+}
+
+std::uint32_t read_file(const char* file_name, const ModelHeads& heads) {
+  reset_new_symbols();
+  std::fill_n(heads.slots, 4, nullptr);
+  if (!heads.version) heads.version = copy_text("").release();
+  error_state().read_error_reported = false;
+  if (!file_name) return ZELK_OK;
+  platform::File file = platform::open_for_reading(file_name);
+  if (!file) {
+    zelk_read_error(ZELK_ERR_NOT_FOUND, kNoLine, file_name);
+    return ZELK_ERR_NOT_FOUND;
+  }
+  const int result = read_open_file(heads, std::move(file));
+  zelk_free_new_symbols();
+  return static_cast<std::uint32_t>(result);
+}
+
+}  // namespace
+}  // namespace zelk
+
+extern "C" {
+
+uint32_t zelk_read(const char* file_name, symblk** nodes, msgblk** messages, env_var_blk** env_vars,
+                   btlblk** bit_timings, attr_def** attr_defs, attr** net_attrs, cat** categories,
+                   filter_t* filter, char** db_comment, char** version, sigtype** sig_types,
+                   valtable** val_tables, attr_def* slots[4]) {
+  return zelk::read_file(
+      file_name, {*nodes, *messages, *env_vars, *bit_timings, *attr_defs, *net_attrs, *categories,
+                  *filter, *db_comment, *version, *sig_types, *val_tables, slots});
+}
+
+uint32_t zelk_try_read(const char* file_name, symblk** nodes, msgblk** messages,
+                       env_var_blk** env_vars, btlblk** bit_timings, attr_def** attr_defs,
+                       attr** net_attrs, cat** categories, filter_t* filter, char** db_comment,
+                       char** version, sigtype** sig_types, valtable** val_tables,
+                       attr_def* slots[4]) {
+  try {
+    return zelk_read(file_name, nodes, messages, env_vars, bit_timings, attr_defs, net_attrs,
+                     categories, filter, db_comment, version, sig_types, val_tables, slots);
+  } catch (const ZelkException&) {
+    return zelk::error_state().last_number;
+  }
+}
+
+}  // extern "C"

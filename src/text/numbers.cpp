@@ -1,0 +1,75 @@
+#include "text/numbers.hpp"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+
+#include "text/characters.hpp"
+
+namespace zelk {
+namespace {
+
+constexpr double kLargest = std::numeric_limits<double>::max();
+constexpr std::int64_t kHugeExponent = std::numeric_limits<std::int64_t>::max() / 4;
+
+/// Power of ten of the leading non-zero digit of a mantissa such as "0.0012" (-3). There is such a
+/// digit.
+std::int64_t leading_power(std::string_view mantissa) {
+  const auto leading = static_cast<std::int64_t>(mantissa.find_first_not_of("0."));
+  const auto point = static_cast<std::int64_t>(std::min(mantissa.find('.'), mantissa.size()));
+  return leading < point ? point - leading - 1 : point - leading;
+}
+
+/// Value of the text behind "e", cut to a size that no mantissa can make up for; 0 for an empty
+/// text.
+std::int64_t exponent_value(std::string_view text) {
+  if (text.empty()) return 0;
+  const std::string_view digits = text.substr(text[0] == '-' || text[0] == '+' ? 1 : 0);
+  std::int64_t magnitude = kHugeExponent;  // stays when the digits are out of range
+  std::from_chars(digits.data(), digits.data() + digits.size(), magnitude);
+  magnitude = std::min(magnitude, kHugeExponent);
+  return text[0] == '-' ? -magnitude : magnitude;
+}
+
+/// Whether a literal outside the range of a double is too large; else it is too small.
+bool is_overflow(std::string_view literal) {
+  const std::size_t mark = std::min(literal.find_first_of("eE"), literal.size());
+  const std::string_view exponent = literal.substr(std::min(mark + 1, literal.size()));
+  return leading_power(literal.substr(0, mark)) + exponent_value(exponent) > 0;
+}
+
+}  // namespace
+
+double literal_to_double(std::string_view literal) {
+  double value = 0.0;
+  const auto result = std::from_chars(literal.data(), literal.data() + literal.size(), value);
+  if (result.ec != std::errc::result_out_of_range) return value;
+  return is_overflow(literal) ? kLargest : 0.0;
+}
+
+std::optional<double> parse_number(std::string_view text) {
+  const bool has_sign = !text.empty() && (text[0] == '-' || text[0] == '+');
+  const std::string_view literal = text.substr(has_sign ? 1 : 0);
+  const bool starts_as_number =
+      !literal.empty() && (is_digit(literal[0]) || (literal.size() > 1 && literal[0] == '.'));
+  if (!starts_as_number) return std::nullopt;
+  double value = 0.0;
+  const char* end = literal.data() + literal.size();
+  const auto result = std::from_chars(literal.data(), end, value);
+  if (result.ptr != end || result.ec == std::errc::invalid_argument) return std::nullopt;
+  if (result.ec == std::errc::result_out_of_range) value = literal_to_double(literal);
+  return text[0] == '-' ? -value : value;
+}
+
+NumberText::NumberText(double number) : buffer_() {
+  if (std::isnan(number)) number = 0.0;
+  number = std::clamp(number, -kLargest, kLargest);
+  const auto result = std::to_chars(buffer_.data(), buffer_.data() + buffer_.size(), number,
+                                    std::chars_format::general, 14);
+  std::replace(buffer_.data(), result.ptr, 'e', 'E');
+  size_ = static_cast<std::size_t>(result.ptr - buffer_.data());
+}
+
+}  // namespace zelk
