@@ -62,7 +62,6 @@ class PendingList {
   ~PendingList() { clear(); }
 
   bool empty() const { return !head_; }
-  Record* head() const { return head_; }
 
   void push_back(Record* record) {
     *tail_ = record;

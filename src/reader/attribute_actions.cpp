@@ -16,9 +16,10 @@ namespace {
 std::optional<std::size_t> long_name_slot(const attr_def& definition) {
   const bool can_name =
       definition.value_type == ZELK_ATTR_STRING && definition.object_type <= ZELK_OBJ_ENVVAR;
+  if (!can_name) return std::nullopt;
   const auto* const found =
       std::find(kLongNameAttributes.begin(), kLongNameAttributes.end(), definition.name);
-  if (!can_name || found == kLongNameAttributes.end()) return std::nullopt;
+  if (found == kLongNameAttributes.end()) return std::nullopt;
   return static_cast<std::size_t>(found - kLongNameAttributes.begin());
 }
 
@@ -150,9 +151,9 @@ void AttributeActions::network_value(TokenText attribute) {
   context_.end_statement();
 }
 
-void AttributeActions::node_value(TokenText attribute, TokenText name) {
+void AttributeActions::node_value(TokenText attribute, TokenText node_name) {
   attr_def& found = definition(ZELK_OBJ_NODE, attribute);
-  if (symblk* node = context_.node(name))
+  if (symblk* node = context_.node(node_name))
     append_object_value(node->attrs, found, &node->name, true);
   context_.end_statement();
 }
@@ -164,23 +165,23 @@ void AttributeActions::message_value(TokenText attribute, std::uint32_t id) {
   context_.end_statement();
 }
 
-void AttributeActions::signal_value(TokenText attribute, std::uint32_t id, TokenText name) {
+void AttributeActions::signal_value(TokenText attribute, std::uint32_t id, TokenText signal_name) {
   attr_def& found = definition(ZELK_OBJ_SIGNAL, attribute);
-  sigblk& signal = context_.signal(id, name);
+  sigblk& signal = context_.signal(id, signal_name);
   append_object_value(signal.attrs, found, &signal.name, false);
   context_.end_statement();
 }
 
-void AttributeActions::variable_value(TokenText attribute, TokenText name) {
+void AttributeActions::variable_value(TokenText attribute, TokenText variable_name) {
   attr_def& found = definition(ZELK_OBJ_ENVVAR, attribute);
-  env_var_blk& variable = context_.variable(name);
+  env_var_blk& variable = context_.variable(variable_name);
   append_object_value(variable.attrs, found, &variable.name, false);
   context_.end_statement();
 }
 
-void AttributeActions::type_value(TokenText attribute, TokenText name) {
+void AttributeActions::type_value(TokenText attribute, TokenText type_name) {
   attr_def& found = definition(ZELK_OBJ_SIGTYPE, attribute);
-  append_object_value(context_.type(name).attrs, found, nullptr, false);
+  append_object_value(context_.type(type_name).attrs, found, nullptr, false);
   context_.end_statement();
 }
 
@@ -215,17 +216,16 @@ void AttributeActions::append_value(attr*& list, attr_def& definition) {
         definition.value_type == ZELK_ATTR_ENUM ? item_value(definition) : number_value();
   }
   value->def = &definition;
-  context_.object_lists.append(list, value.get());
-  value.release();
+  context_.object_lists.append(list, std::move(value));
 }
 
 // --- Values of relations ---
 
 void AttributeActions::node_signal_value(TokenText attribute, TokenText node_name, std::uint32_t id,
-                                         TokenText signal) {
+                                         TokenText signal_name) {
   attr_def& found = definition(ZELK_OBJ_REL_SIGNAL, attribute);
   symblk* node = context_.node(node_name);
-  append_relation_value(context_.signal(id, signal).receivers, found, node);
+  append_relation_value(context_.signal(id, signal_name).receivers, found, node);
 }
 
 void AttributeActions::node_message_value(TokenText attribute, TokenText node_name,
@@ -236,10 +236,10 @@ void AttributeActions::node_message_value(TokenText attribute, TokenText node_na
 }
 
 void AttributeActions::node_variable_value(TokenText attribute, TokenText node_name,
-                                           TokenText variable) {
+                                           TokenText variable_name) {
   attr_def& found = definition(ZELK_OBJ_REL_ENVVAR, attribute);
   symblk* node = context_.node(node_name);
-  append_relation_value(context_.variable(variable).access_nodes, found, node);
+  append_relation_value(context_.variable(variable_name).access_nodes, found, node);
 }
 
 /// `node` is null for the placeholder.

@@ -36,16 +36,17 @@ class AttributeActions {
   void set_default(bool of_relation, TokenText attribute);
 
   void network_value(TokenText attribute);
-  void node_value(TokenText attribute, TokenText node);
+  void node_value(TokenText attribute, TokenText node_name);
   void message_value(TokenText attribute, std::uint32_t id);
-  void signal_value(TokenText attribute, std::uint32_t id, TokenText signal);
-  void variable_value(TokenText attribute, TokenText variable);
-  void type_value(TokenText attribute, TokenText type);
+  void signal_value(TokenText attribute, std::uint32_t id, TokenText signal_name);
+  void variable_value(TokenText attribute, TokenText variable_name);
+  void type_value(TokenText attribute, TokenText type_name);
 
   // Values of relations between a node and what it receives, sends or accesses.
-  void node_signal_value(TokenText attribute, TokenText node, std::uint32_t id, TokenText signal);
-  void node_message_value(TokenText attribute, TokenText node, std::uint32_t id);
-  void node_variable_value(TokenText attribute, TokenText node, TokenText variable);
+  void node_signal_value(TokenText attribute, TokenText node_name, std::uint32_t id,
+                         TokenText signal_name);
+  void node_message_value(TokenText attribute, TokenText node_name, std::uint32_t id);
+  void node_variable_value(TokenText attribute, TokenText node_name, TokenText variable_name);
 
   /// The file is accepted: long names become the names of their objects, and their definitions go.
   void accept();

@@ -71,7 +71,8 @@ int zelk_lex(zelk::SemanticValue* value, zelk::Reader& reader) {
 %token T_BA_DEF_REL 302 T_BA_REL 303 T_BA_DEF_DEF_REL 304
 %token T_BU_SG_REL 305 T_BU_EV_REL 306 T_BU_BO_REL 307 T_SG_MUL_VAL 308
 
-%type <integer> whole sign object_kind relation_kind
+%type <integer> whole sign
+%type <kind> object_kind relation_kind
 %type <whole> signed_whole
 %type <real> real magnitude default_number
 %type <pair> factor_offset range_brackets

@@ -22,9 +22,9 @@ constexpr int kSkipped = -1;  // no token: a comment, or a statement of an unkno
 
 constexpr std::ptrdiff_t kTokenMax = 1023;  // characters of a name or number
 constexpr std::uint32_t kShortMax = 32767;
-constexpr double kUlongMax = 4294967295.0;
+constexpr std::uint64_t kUlongMax = 4294967295;
 
-constexpr std::size_t kPlainDigits = 9;  // so many digits always fit into 32 bits
+constexpr std::size_t kPlainDigits = 19;  // so many digits always fit into 64 bits
 
 /// No second byte of a double-byte character is less: what follows a lead byte is then a character
 /// of its own.
@@ -81,18 +81,21 @@ TokenText text_between(const char* start, const char* end) {
   return {start, static_cast<std::size_t>(end - start)};
 }
 
-/// What `strtoul` in base 0 makes of decimal digits: octal behind a leading zero, up to the first
-/// digit that is not. `digits` stand for at most 4294967295.
-std::uint32_t base_0_value(std::string_view digits) {
-  const int base = digits.size() > 1 && digits[0] == '0' ? 8 : 10;
-  std::uint32_t value = 0;
-  std::from_chars(digits.data(), digits.data() + digits.size(), value, base);
+/// All digits but the zeros in front of another one.
+std::string_view without_leading_zeros(std::string_view digits) {
+  return digits.substr(std::min(digits.find_first_not_of('0'), digits.size() - 1));
+}
+
+std::uint64_t decimal_value(std::string_view digits) {
+  std::uint64_t value = 0;
+  for (const char digit : digits) value = value * 10 + static_cast<unsigned>(digit - '0');
   return value;
 }
 
-std::uint32_t decimal_value(std::string_view digits) {
+/// Value of the octal digits at the start of `digits`, whose decimal value fits into 32 bits.
+std::uint32_t octal_value(std::string_view digits) {
   std::uint32_t value = 0;
-  for (const char digit : digits) value = value * 10 + static_cast<std::uint32_t>(digit - '0');
+  std::from_chars(digits.data(), digits.data() + digits.size(), value, 8);
   return value;
 }
 
@@ -115,14 +118,17 @@ char* resolve_escapes(char* start, const char* end, const std::array<bool, 256>&
 }  // namespace
 
 Lexer::Lexer(platform::File file)
-    : window_(std::move(file)), leads_(platform::lead_bytes()), string_specials_(leads_) {
-  for (const unsigned char special : {'\0', '\n', '"', '\\'}) string_specials_[special] = true;
+    : window_(std::move(file)),
+      leads_(platform::lead_bytes()),
+      has_leads_(std::count(leads_.begin(), leads_.end(), true) > 0),
+      string_specials_(leads_) {
+  for (const char special : {'\0', '\n', '"', '\\'}) string_specials_[byte_at(&special)] = true;
 }
 
 void Lexer::fail(std::uint32_t number, std::string_view text) const {
   zelk_read_error(number, line_, std::string(text).c_str());
-  throw ZelkException(
-      error_state().line);  // the read has reported an error before and ends all the same
+  // Only the first error of a read raises; this one ends the read all the same.
+  throw ZelkException(error_state().line);
 }
 
 int Lexer::next(SemanticValue& value) {
@@ -156,22 +162,16 @@ int Lexer::token(SemanticValue& value) {
 char* Lexer::skip_separators() {
   char* position = window_.cursor();
   for (;;) {
-    switch (kStarts[byte_at(position)]) {
-      case Start::kLineFeed:
-        ++line_;
-        [[fallthrough]];
-      case Start::kBlank:
-        ++position;
-        break;
-      case Start::kNul:
-        if (position != window_.limit()) {
-          ++position;
-        } else if (!window_.extend(position)) {
-          return end_of_file(position);
-        }
-        break;
-      default:
-        return position;
+    while (kStarts[byte_at(position)] == Start::kBlank) ++position;
+    if (*position == '\n') {
+      ++line_;
+      ++position;
+    } else if (*position != '\0') {
+      return position;
+    } else if (position != window_.limit()) {
+      ++position;
+    } else if (!window_.extend(position)) {
+      return end_of_file(position);
     }
   }
 }
@@ -209,23 +209,25 @@ void Lexer::fail_in_name(char* start, char* end) {
 
 // --- Numbers ---
 
+/// An integer is converted as `strtoul` in base 0 does, so that a leading zero means octal; but
+/// where that gives a value for T_SHORT, the decimal one counts.
 int Lexer::number(char* start, SemanticValue& value) {
   char* const end = skip_digits(start, start);
   if (*end == '.' || *end == 'e' || *end == 'E') return real(start, end, value);
   window_.set_cursor(end);
-  const std::string_view digits = between(start, end);
-  if (digits.size() <= kPlainDigits && digits[0] != '0') {
-    value.integer = decimal_value(digits);
-    return value.integer > kShortMax ? T_ULONG : T_SHORT;
-  }
-  const double magnitude = literal_to_double(digits);
-  if (magnitude > kUlongMax) {
-    value.real = magnitude;
+  const std::string_view digits = without_leading_zeros(between(start, end));
+  const std::uint64_t decimal =
+      digits.size() <= kPlainDigits ? decimal_value(digits) : kUlongMax + 1;
+  if (decimal > kUlongMax) {
+    value.real = literal_to_double(digits);
     return T_DOUBLE;
   }
-  const std::uint32_t prefixed = base_0_value(digits);
-  value.integer = prefixed > kShortMax ? prefixed : static_cast<std::uint32_t>(magnitude);
-  return prefixed > kShortMax ? T_ULONG : T_SHORT;
+  const bool has_prefix = *start == '0';
+  const auto plain = static_cast<std::uint32_t>(decimal);
+  const std::uint32_t prefixed = has_prefix ? octal_value(digits) : plain;
+  const bool is_short = prefixed <= kShortMax;
+  value.integer = is_short ? plain : prefixed;
+  return is_short ? T_SHORT : T_ULONG;
 }
 
 /// A literal whose digits up to `position` are followed by a point or an exponent.
@@ -260,13 +262,21 @@ int Lexer::string(char* quote, SemanticValue& value) {
   char* position = start;
   bool has_escape = false;
   for (;;) {
-    while (!string_specials_[byte_at(position)]) ++position;
+    position = skip_plain(position);
     if (*position == '"') break;
     position = skip_special(start, position, has_escape);
   }
   window_.set_cursor(position + 1);
   value.text = string_text(start, position, has_escape);
   return T_STRING;
+}
+
+/// Returns the next byte that a string does not simply take: a quote, backslash, line feed, NUL or
+/// lead byte.
+char* Lexer::skip_plain(char* position) const {
+  if (!has_leads_) return position + std::strcspn(position, "\"\\\n");
+  while (!string_specials_[byte_at(position)]) ++position;
+  return position;
 }
 
 /// Skips a line feed, an escape, a lone backslash, a double-byte character, or a NUL (the end of

@@ -57,6 +57,7 @@ class Lexer {
   int number(char* start, SemanticValue& value);
   int real(char* start, char* position, SemanticValue& value);
   int string(char* quote, SemanticValue& value);
+  char* skip_plain(char* position) const;
   char* skip_special(char*& start, char* position, bool& has_escape);
   TokenText string_text(char* start, char* end, bool has_escape);
   int slash(char* start);
@@ -70,8 +71,10 @@ class Lexer {
 
   Window window_;
   std::int32_t line_ = 0;
-  std::array<bool, 256> leads_;            ///< first bytes of double-byte characters
-  std::array<bool, 256> string_specials_;  ///< bytes that a scan through a string stops at
+  std::array<bool, 256> leads_;  ///< first bytes of double-byte characters
+  bool has_leads_;
+  std::array<bool, 256>
+      string_specials_;  ///< with leads: bytes that a scan through a string stops at
 };
 
 }  // namespace zelk

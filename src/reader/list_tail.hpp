@@ -6,6 +6,8 @@
 
 #include <unordered_map>
 
+#include "model/release.hpp"
+
 namespace zelk {
 
 /// The end of one list, found once.
@@ -33,14 +35,14 @@ class ObjectListTails {
  public:
   /// Appends `records` (a list) to the list at `head`.
   template <typename Record>
-  void append(Record*& head, Record* records) {
+  void append(Record*& head, Owned<Record> records) {
     Record** tail = &head;
     for (int steps = 0; *tail; tail = &(*tail)->next) {
       if (++steps < kShortList) continue;
       tail = remembered_end(head, tail);
       break;
     }
-    *tail = records;
+    *tail = records.release();
   }
 
  private:

@@ -163,8 +163,7 @@ void MessageActions::signal_group(std::uint32_t id, TokenText name, std::uint32_
     members.push_back(zelk_create_siglist(&context_.signal(message, member)));
   }
   group->signals = members.take();
-  context_.object_lists.append(message.siggroups, group.get());
-  group.release();
+  context_.object_lists.append(message.siggroups, std::move(group));
   context_.end_statement();
 }
 

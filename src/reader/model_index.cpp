@@ -21,8 +21,10 @@ void add_by_name(Map& map, Record* record) {
   if (record->name) map.try_emplace(record->name, record);
 }
 
+/// `name` is not empty. The first characters differ for most, which spares the call.
 bool has_name(const sigblk& signal, std::string_view name) {
-  return signal.name && std::strncmp(signal.name, name.data(), name.size()) == 0 &&
+  return signal.name && *signal.name == name[0] &&
+         std::strncmp(signal.name, name.data(), name.size()) == 0 &&
          signal.name[name.size()] == '\0';
 }
 

@@ -42,12 +42,12 @@ class ObjectActions {
 
   void signal_type(const SignalTypeLine& line, Segments& segments);
   void signal_type_value_type(TokenText name, std::uint32_t value_type);
-  void signal_type_reference(std::uint32_t id, TokenText signal, TokenText type);
+  void signal_type_reference(std::uint32_t id, TokenText signal_name, TokenText type_name);
 
   void define_category(std::int64_t number, TokenText name, std::uint32_t level);
-  void node_category(TokenText node, std::int64_t number);
+  void node_category(TokenText name, std::int64_t number);
   void message_category(std::uint32_t id, std::int64_t number);
-  void variable_category(TokenText variable, std::int64_t number);
+  void variable_category(TokenText name, std::int64_t number);
 
   // The lists of a filter, then the filter.
   void filter_category(std::int64_t number) { filter_categories_.push_back(number); }

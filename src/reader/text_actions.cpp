@@ -42,8 +42,7 @@ void TextActions::variable_descriptions(TokenText variable) {
 }
 
 void TextActions::add_descriptions(val*& list) {
-  context_.object_lists.append(list, context_.descriptions.head());
-  context_.descriptions.take();
+  context_.object_lists.append(list, Owned<val>(context_.descriptions.take()));
   context_.end_statement();
 }
 

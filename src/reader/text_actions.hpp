@@ -14,7 +14,7 @@ class TextActions {
   explicit TextActions(ReadContext& context) : context_(context) {}
 
   void comment(TokenText text);
-  void node_comment(TokenText node, TokenText text);
+  void node_comment(TokenText name, TokenText text);
   void message_comment(std::uint32_t id, TokenText text);
   void signal_comment(std::uint32_t id, TokenText signal, TokenText text);
   void variable_comment(TokenText variable, TokenText text);

@@ -29,6 +29,7 @@ struct RealPair {
 union SemanticValue {
   std::uint32_t integer;
   std::int64_t whole;  ///< an integer behind an optional sign
+  std::int32_t kind;   ///< `zelk_obj_t`
   double real;
   RealPair pair;
   TokenText text;

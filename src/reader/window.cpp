@@ -7,7 +7,7 @@
 namespace zelk {
 namespace {
 
-constexpr std::size_t kBlockSize = 64 * 1024;
+constexpr std::size_t kBlockSize = 65536;
 
 /// Drops every carriage return in front of a line feed, in place; returns the new length.
 std::size_t drop_returns(char* bytes, std::size_t size) {

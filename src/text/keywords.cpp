@@ -54,12 +54,17 @@ namespace {
 
 constexpr std::size_t kSlots = 256;
 constexpr std::uint8_t kFree = 0xFF;
+constexpr std::size_t kShortest = 3;
+
+constexpr bool is_lower(char c) { return c >= 'a' && c <= 'z'; }
 
 /// `name` is not empty. The bytes chosen tell all keywords but a few apart.
 constexpr std::size_t hash(std::string_view name) {
-  const auto byte = [name](std::size_t i) { return static_cast<unsigned char>(name[i]); };
+  const auto byte = [name](std::size_t i) -> std::size_t {
+    return static_cast<unsigned char>(name[i]);
+  };
   const std::size_t size = name.size();
-  return (size + byte(0) * 3U + byte(size / 2) + byte(size - 1 - size / 4) * 7U) % kSlots;
+  return (size + byte(0) * 3 + byte(size / 2) + byte(size - 1 - size / 4) * 7) % kSlots;
 }
 
 /// Open addressing with linear probing; a slot holds a row of the table.
@@ -79,7 +84,7 @@ constexpr std::array<std::uint8_t, kSlots> kSlotRows = make_slots();
 }  // namespace
 
 const Keyword* find_keyword(std::string_view name) {
-  if (name.empty()) return nullptr;
+  if (name.size() < kShortest || is_lower(name[1])) return nullptr;  // spares most names the hash
   for (std::size_t slot = hash(name); kSlotRows[slot] != kFree; slot = (slot + 1) % kSlots) {
     const Keyword& keyword = kKeywords[kSlotRows[slot]];
     if (name == keyword.text) return &keyword;

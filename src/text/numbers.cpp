@@ -12,6 +12,9 @@ namespace zelk {
 namespace {
 
 constexpr double kLargest = std::numeric_limits<double>::max();
+constexpr std::size_t kShortDecimal = 16;  // 15 digits and the point
+constexpr std::array<double, kShortDecimal> kPowersOfTen = {
+    1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
 constexpr std::int64_t kHugeExponent = std::numeric_limits<std::int64_t>::max() / 4;
 
 /// Power of ten of the leading non-zero digit of a mantissa such as "0.0012" (-3). There is such a
@@ -40,9 +43,28 @@ bool is_overflow(std::string_view literal) {
   return leading_power(literal.substr(0, mark)) + exponent_value(exponent) > 0;
 }
 
+/// Value of a literal of at most 15 digits with a point but no exponent; none for others. Digits
+/// and power of ten are exact doubles then, so their quotient is the correctly rounded value.
+std::optional<double> short_decimal(std::string_view literal) {
+  if (literal.size() > kShortDecimal) return std::nullopt;
+  std::int64_t digits = 0;
+  std::size_t point = literal.size() - 1;  // without a point there is no fraction
+  for (std::size_t i = 0; i < literal.size(); ++i) {
+    if (is_digit(literal[i])) {
+      digits = digits * 10 + (literal[i] - '0');
+    } else if (literal[i] == '.') {
+      point = i;
+    } else {
+      return std::nullopt;
+    }
+  }
+  return static_cast<double>(digits) / kPowersOfTen[literal.size() - 1 - point];
+}
+
 }  // namespace
 
 double literal_to_double(std::string_view literal) {
+  if (const auto exact = short_decimal(literal)) return *exact;
   double value = 0.0;
   const auto result = std::from_chars(literal.data(), literal.data() + literal.size(), value);
   if (result.ec != std::errc::result_out_of_range) return value;
