@@ -1,0 +1,71 @@
+// Reads any bytes as a database, asks it some questions, and releases it. The sanitizers judge.
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+#include "zelk/zelk.h"
+
+namespace {
+
+/// A file in memory with the given content, under a name that can be opened.
+class MemoryFile {
+ public:
+  MemoryFile(const std::uint8_t* data, std::size_t size) : descriptor_(memfd_create("fuzz", 0)) {
+    if (descriptor_ < 0 || write(descriptor_, data, size) != static_cast<ssize_t>(size))
+      std::abort();
+  }
+  MemoryFile(const MemoryFile&) = delete;
+  MemoryFile& operator=(const MemoryFile&) = delete;
+  ~MemoryFile() { close(descriptor_); }
+
+  std::string path() const { return "/proc/self/fd/" + std::to_string(descriptor_); }
+
+ private:
+  int descriptor_;
+};
+
+/// Every cross-reference of a signal must lead to a living record.
+void visit(const sigblk& signal) {
+  for (const rxblk* link = signal.receivers; link; link = link->next) std::string(link->node->name);
+  for (const attr* value = signal.attrs; value; value = value->next) std::string(value->def->name);
+  if (signal.mux_signal) std::string(signal.mux_signal->name);
+  if (signal.sigtype) std::string(signal.sigtype->name);
+  if (signal.message->signal_count == 0) std::abort();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const MemoryFile file(data, size);
+  symblk* nodes = nullptr;
+  msgblk* messages = nullptr;
+  env_var_blk* env_vars = nullptr;
+  btlblk* bit_timings = nullptr;
+  attr_def* attr_defs = nullptr;
+  attr* attrs = nullptr;
+  cat* categories = nullptr;
+  filter_t filter = {};
+  char* comment = nullptr;
+  char* version = nullptr;
+  sigtype* sig_types = nullptr;
+  valtable* val_tables = nullptr;
+  attr_def* slots[4] = {};
+  zelk_clear_error_text();
+  // The second read extends the records of the first.
+  for (int pass = 0; pass < 2; ++pass) {
+    zelk_try_read(file.path().c_str(), &nodes, &messages, &env_vars, &bit_timings, &attr_defs,
+                  &attrs, &categories, &filter, &comment, &version, &sig_types, &val_tables, slots);
+  }
+  for (const msgblk* message = messages; message; message = message->next) {
+    for (const sigblk* signal = message->signals; signal; signal = signal->next) visit(*signal);
+    zelk_get_j1939_message(messages, attr_defs, message->id, ZELK_J1939_FRAME_FORMAT);
+  }
+  zelk_free(nodes, messages, env_vars, bit_timings, attr_defs, attrs, categories, &filter, comment,
+            version, sig_types, val_tables);
+  return 0;
+}

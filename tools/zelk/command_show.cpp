@@ -1,0 +1,152 @@
+#include <algorithm>
+#include <charconv>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "commands.hpp"
+#include "database.hpp"
+#include "describe.hpp"
+#include "text.hpp"
+
+namespace zelk::tool {
+
+namespace {
+
+/// A whole number of at most 32 bits, decimal or hexadecimal behind "0x".
+std::optional<std::uint32_t> parse_id(std::string_view text) {
+  const bool hexadecimal = text.starts_with("0x") || text.starts_with("0X");
+  if (hexadecimal) text.remove_prefix(2);
+  std::uint32_t number = 0;
+  const char* end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, number, hexadecimal ? 16 : 10);
+  if (error != std::errc() || stop != end) return std::nullopt;
+  return number;
+}
+
+/// Calls `visit(name, show)` for every named record of the database, in the order in which they are
+/// shown; `show()` describes it.
+template <typename Visit>
+void for_each_named(const Database& database, const Describer& describer, const Visit& visit) {
+  for (const symblk& node : each(database.nodes))
+    visit(view(node.name), [&] { describer.node_and_traffic(node); });
+  for (const msgblk& message : each(database.messages)) {
+    visit(view(message.name), [&] { describer.message(message); });
+    for (const sigblk& signal : each(message.signals))
+      visit(view(signal.name), [&] { describer.signal_alone(signal); });
+    for (const siggroupblk& group : each(message.siggroups))
+      visit(view(group.name), [&] { describer.group_alone(group); });
+  }
+  for (const env_var_blk& variable : each(database.env_vars))
+    visit(view(variable.name), [&] { describer.env_var(variable); });
+  for (const valtable& table : each(database.val_tables))
+    visit(view(table.name), [&] { describer.value_table(table); });
+  for (const sigtype& type : each(database.sig_types))
+    visit(view(type.name), [&] { describer.signal_type(type); });
+  for (const attr_def& definition : each(database.attr_defs))
+    visit(view(definition.name), [&] { describer.definition(definition); });
+  for (const cat& category : each(database.categories))
+    visit(view(category.name), [&] { describer.category(category); });
+}
+
+/// Shows the messages with this identifier, whose format bit matters only when it is given.
+bool show_id(const Database& database, const Describer& describer, std::uint32_t id, Output& out) {
+  bool found = false;
+  for (const msgblk& message : each(database.messages)) {
+    if (message.id != id && message.id != (id | ZELK_ID_EXTENDED)) continue;
+    if (found) out.blank();
+    describer.message(message);
+    found = true;
+  }
+  return found;
+}
+
+bool show_name(const Database& database, const Describer& describer, std::string_view name,
+               Output& out) {
+  bool found = false;
+  for_each_named(database, describer, [&](std::string_view candidate, const auto& show) {
+    if (candidate != name) return;
+    if (found) out.blank();
+    show();
+    found = true;
+  });
+  return found;
+}
+
+/// The names that somebody who typed `name` may have meant, nearest first: ", did you mean A, B?";
+/// empty for none.
+std::string suggestion(const Database& database, const Describer& describer,
+                       std::string_view name) {
+  constexpr std::size_t kMaxNames = 6;
+  const std::size_t limit = std::min<std::size_t>(2, name.size() / 3);
+  std::vector<std::pair<std::size_t, std::string_view>> near;
+  for_each_named(database, describer, [&](std::string_view candidate, const auto&) {
+    const std::size_t distance = edit_distance(candidate, name, limit);
+    if (distance <= limit) near.emplace_back(distance, candidate);
+  });
+  std::ranges::sort(near);
+  near.erase(std::unique(near.begin(), near.end()), near.end());
+  near.resize(std::min(near.size(), kMaxNames));
+
+  std::string text;
+  for (const auto& [distance, candidate] : near)
+    text += (text.empty() ? "; did you mean " : ", ") + escaped(candidate);
+  return text.empty() ? text : text + "?";
+}
+
+ExitCode show_object(const std::string& path, const Database& database, const Describer& describer,
+                     const std::string& object, Output& out) {
+  if (const std::optional<std::uint32_t> id = parse_id(object)) {
+    if (show_id(database, describer, *id, out)) return kExitSuccess;
+    print_error(
+        fmt::format("{}: no message has the identifier 0x{:X} ({})", escaped(path), *id, *id));
+    return kExitFailure;
+  }
+  if (show_name(database, describer, object, out)) return kExitSuccess;
+  print_error(fmt::format("{}: nothing is named {}{}", escaped(path), in_quotes(object),
+                          suggestion(database, describer, object)));
+  return kExitFailure;
+}
+
+ExitCode show(const std::string& path, const std::optional<std::string>& object, Output& out) {
+  Database database;
+  const bool readable = database.read(path);
+  for (const std::string& line : report_lines())
+    print_error(behind_path(path, readable ? "warning: " + line : line));
+  if (!readable) return kExitFailure;
+  if (zelk_symbols_shortened())
+    print_error(fmt::format("{}: warning: {}", escaped(path), kShortenedWarning));
+
+  const Describer describer(database, out);
+  if (object) return show_object(path, database, describer, *object, out);
+  describer.database(path);
+  return kExitSuccess;
+}
+
+}  // namespace
+
+void add_show_command(CLI::App& app, Action& action) {
+  struct Arguments {
+    std::string path;
+    std::optional<std::string> object;
+  };
+  CLI::App* command =
+      app.add_subcommand("show", "Show a whole database, or what bears a name or identifier");
+  const auto arguments = std::make_shared<Arguments>();
+  command->add_option("FILE", arguments->path, "Database to read")->required()->option_text(" ");
+  command
+      ->add_option("OBJECT", arguments->object,
+                   "Name of a node, message, signal, signal group, environment variable,\n"
+                   "value table, signal type, attribute or category; or identifier of a\n"
+                   "message, decimal or hexadecimal behind 0x, with or without bit 31 for\n"
+                   "an extended frame. All that match are shown, messages with a drawing\n"
+                   "of their bits: [ marks the most and ] the least significant bit of a\n"
+                   "signal, # bits of several signals.")
+      ->option_text(" ");
+  command->callback([arguments, &action] {
+    action = [arguments](Output& out) { return show(arguments->path, arguments->object, out); };
+  });
+}
+
+}  // namespace zelk::tool

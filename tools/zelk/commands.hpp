@@ -1,0 +1,33 @@
+/// \file
+/// The subcommands of the program.
+
+#ifndef ZELK_TOOL_COMMANDS_HPP
+#define ZELK_TOOL_COMMANDS_HPP
+
+#include <CLI/CLI.hpp>
+#include <functional>
+
+#include "output.hpp"
+
+namespace zelk::tool {
+
+/// Exit codes of the program.
+enum ExitCode {
+  kExitSuccess = 0,
+  kExitFailure =
+      1,  ///< a file cannot be read, an object is not found, or the output cannot be written
+  kExitUsage = 2  ///< the command line is wrong
+};
+
+/// What the command line asks for. Results go to the output, failures to standard error.
+using Action = std::function<ExitCode(Output&)>;
+
+// Each adds one subcommand to `app`. Parsing a command line that names it sets `action`, which must
+// outlive `app`.
+
+void add_check_command(CLI::App& app, Action& action);
+void add_show_command(CLI::App& app, Action& action);
+
+}  // namespace zelk::tool
+
+#endif

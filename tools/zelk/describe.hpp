@@ -1,0 +1,70 @@
+/// \file
+/// Records as readable text.
+
+#ifndef ZELK_TOOL_DESCRIBE_HPP
+#define ZELK_TOOL_DESCRIBE_HPP
+
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "database.hpp"
+#include "j1939.hpp"
+#include "output.hpp"
+
+namespace zelk::tool {
+
+/// Writes records as readable text: a heading line, and everything the record holds in lines
+/// indented below it. What a record does not have (a comment, attributes, ...) takes no line.
+class Describer {
+ public:
+  /// Both must outlive the object.
+  Describer(const Database& database, Output& out);
+
+  void database(std::string_view path) const;
+
+  void message(const msgblk& message) const;         ///< with its bit matrix and its signals
+  void signal_alone(const sigblk& signal) const;     ///< under a heading that names the message
+  void group_alone(const siggroupblk& group) const;  ///< likewise
+  void node(const symblk& node) const;
+  void node_and_traffic(
+      const symblk& node) const;  ///< with the messages it sends and the signals it receives
+  void env_var(const env_var_blk& variable) const;
+  void value_table(const valtable& table) const;
+  void signal_type(const sigtype& type) const;
+  void definition(const attr_def& definition) const;
+  void category(const cat& category) const;
+
+ private:
+  using GroupsOfSignal = std::unordered_map<const sigblk*, std::vector<const siggroupblk*>>;
+
+  void message_heading(const msgblk& message) const;
+  void message_details(const msgblk& message) const;
+  void transmitters(const msgblk& message) const;
+  void signals(const msgblk& message) const;
+  void signal_details(const sigblk& signal, const GroupsOfSignal& groups) const;
+  void multiplexing(const sigblk& signal) const;
+  void layout(const msgblk& message) const;
+  void group(const siggroupblk& group) const;
+  void filter() const;
+
+  void comment(const char* text) const;
+  void category_line(const cat* category) const;
+  void attributes(const attr* values) const;
+  void values(const val* values) const;
+  /// "role: A, B", and a line for each relation attribute value of a link.
+  void nodes(std::string_view role, const rxblk* links) const;
+
+  static GroupsOfSignal groups_of(const msgblk& message);
+
+  const Database& database_;
+  Output& out_;
+  J1939 j1939_;
+};
+
+/// "0x123 (291), 11-bit": the identifier without its format bit, and its format.
+std::string shown_id(std::uint32_t id);
+
+}  // namespace zelk::tool
+
+#endif

@@ -1,0 +1,93 @@
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+#include "commands.hpp"
+#include "text.hpp"
+
+namespace zelk::tool {
+
+namespace {
+
+constexpr const char* kExitCodes =
+    "Exit codes:\n"
+    "  0  success\n"
+    "  1  a file cannot be read, an object is not found, or the output cannot be written\n"
+    "  2  the command line is wrong";
+
+/// Tells what is wrong with the command line.
+void complain(std::string_view text) {
+  std::string_view lead = "zelk: ";
+  for (const std::string& line : escaped_lines(text)) {
+    print_error(fmt::format("{}{}", lead, line));
+    lead = "";
+  }
+}
+
+/// Help and version are answers on standard output; everything else that ends the parsing is wrong
+/// usage.
+ExitCode answer_parse_end(const CLI::App& app, const CLI::ParseError& end, Output& out) {
+  std::ostringstream answer;
+  std::ostringstream complaint;
+  const int code = app.exit(end, answer, complaint);
+  out.raw(answer.str());
+  out.flush();
+  if (code == 0) return kExitSuccess;
+  complain(complaint.str());
+  return kExitUsage;
+}
+
+ExitCode run(int argc, char** argv, Output& out) {
+  Action action;
+  CLI::App app("Reads CAN network databases in the DBC text format.", "zelk");
+  app.allow_windows_style_options(false);  // "/" begins a path
+  app.set_version_flag("--version", "zelk " ZELK_TOOL_VERSION, "Print the version and exit");
+  app.require_subcommand(0, 1);  // none is told below, where a misspelt one has been told already
+  app.footer(kExitCodes);        // subcommands added from here on take it over
+  add_check_command(app, action);
+  add_show_command(app, action);
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& end) {
+    return answer_parse_end(app, end, out);
+  }
+  if (!action) {
+    complain("A subcommand is required\nRun with --help for more information.");
+    return kExitUsage;
+  }
+  const ExitCode code = action(out);
+  out.flush();
+  return code;
+}
+
+}  // namespace
+
+/// `run`, with everything that is thrown told on standard error.
+int guarded_main(int argc, char** argv) {
+  Output out(stdout);
+  try {
+    return run(argc, argv, out);
+  } catch (const std::system_error& error) {
+    // A reader that has seen enough, such as a pager that was left, needs no message.
+    if (error.code() != std::errc::broken_pipe) print_error(fmt::format("zelk: {}", error.what()));
+  } catch (const std::exception& error) {
+    print_error(fmt::format("zelk: {}", error.what()));
+  }
+  return kExitFailure;
+}
+
+}  // namespace zelk::tool
+
+int main(int argc, char** argv) {
+#ifdef SIGPIPE
+  // A closed pipe shall be a failed write, not the end of the process.
+  std::signal(SIGPIPE, SIG_IGN);
+#endif
+  return zelk::tool::guarded_main(argc, argv);
+}
