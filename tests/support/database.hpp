@@ -1,0 +1,54 @@
+/// A database as a host of the C interface holds it, and its description in one line per record.
+#ifndef ZELK_TESTS_SUPPORT_DATABASE_HPP
+#define ZELK_TESTS_SUPPORT_DATABASE_HPP
+
+#include <string>
+#include <string_view>
+
+#include "zelk/zelk.h"
+
+/// A file of the given content in the working directory, removed when it goes. One per test at a
+/// time.
+class TemporaryFile {
+ public:
+  explicit TemporaryFile(std::string_view content);
+  TemporaryFile(const TemporaryFile&) = delete;
+  TemporaryFile& operator=(const TemporaryFile&) = delete;
+  ~TemporaryFile();
+  const char* path() const { return path_.c_str(); }
+
+ private:
+  std::string path_;
+};
+
+/// All record lists of one database, released when it goes.
+struct Database {
+  Database() = default;
+  Database(const Database&) = delete;
+  Database& operator=(const Database&) = delete;
+  ~Database();
+
+  /// Reads into the lists; returns the error number and leaves the reported lines in `reported`.
+  uint32_t read(std::string_view content);
+  uint32_t read_file(const char* path);
+
+  symblk* nodes = nullptr;
+  msgblk* messages = nullptr;
+  env_var_blk* variables = nullptr;
+  btlblk* timings = nullptr;
+  attr_def* definitions = nullptr;
+  attr* values = nullptr;
+  cat* categories = nullptr;
+  filter_t filter = {};
+  char* comment = nullptr;
+  char* version = nullptr;
+  sigtype* types = nullptr;
+  valtable* tables = nullptr;
+  attr_def* slots[4] = {};
+  std::string reported;  ///< message lines of the last read, each ended by a line feed
+};
+
+/// Every record in list order, one per line; parts that are absent are left out.
+std::string describe(const Database& database);
+
+#endif
