@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <unordered_set>
 #include <utility>
 
 #include "model/symbols.hpp"
@@ -27,23 +26,22 @@ int count_multiplexors_of(const msgblk& message) {
 
 constexpr std::size_t kCycleTextMax = 1024;
 
-/// Follows multiplexors and remembers from which signals no circle is reached, so that each is
-/// walked over once.
+/// Follows multiplexors, over each signal once: one that an earlier walk has passed leads to no
+/// circle.
 class CycleSearch {
  public:
   bool finds_cycle_from(const sigblk& start) {
-    path_.clear();
-    for (const sigblk* signal = &start; signal && !clean_.contains(signal);
-         signal = signal->mux_signal) {
-      if (!path_.insert(signal).second) return true;
+    ++walk_;
+    for (const sigblk* signal = &start; signal; signal = signal->mux_signal) {
+      const auto [passed, is_new] = walks_.try_emplace(signal, walk_);
+      if (!is_new) return passed->second == walk_;
     }
-    clean_.insert(path_.begin(), path_.end());
     return false;
   }
 
  private:
-  std::unordered_set<const sigblk*> clean_;
-  std::unordered_set<const sigblk*> path_;
+  std::unordered_map<const sigblk*, int> walks_;  ///< the walk that passed a signal
+  int walk_ = 0;
 };
 
 }  // namespace
