@@ -14,24 +14,22 @@ ZELK_EXTERN_C_BEGIN
 /// Every argument but the first is the address of a list head, or of an owned text; all must be
 /// valid. The lists are extended in place, never cleared: records that they held stay, and names in
 /// the file resolve to them as well. A caller that wants the file alone passes heads that are null.
-/// What a file of one statement gives twice (comments, the version, the filter) replaces what was
-/// there.
+/// What a database has once (comments, the version, the filter) replaces what was there.
 ///
 /// On an error, everything that was linked before the fault stays in the lists and is usable;
 /// nothing is lost or leaked. A carriage return directly before a line feed is dropped; a byte 0xFF
 /// between two tokens ends the file.
 ///
-/// @param file_name    path in the platform's encoding; null reads nothing and returns 0
-/// @param version      set to an owned empty text when null, also when `file_name` is null
-/// @param slots        the definitions of the four long-name attributes in the order signal,
-/// message, node, environment
-///                     variable, filled while reading. Once the file is accepted the definitions in
-///                     them are released, the long names have become the objects' names, and the
-///                     slots are null
-/// @return 0; the file that cannot be opened or read gives 16. Other numbers are the library's
-/// error numbers (errors.h);
-///         while `ZelkException` is available all of them are raised instead
-/// @throws ZelkException for every aborting error. C hosts use `zelk_try_read`
+/// @param file_name  path in the platform's encoding; null reads nothing and returns 0
+/// @param version    set to an owned empty text when null, also when `file_name` is null
+/// @param slots      four places for the definitions of the long-name attributes, set to null.
+///                   Names too long for the format stand in such attributes: their values become
+///                   the names of the objects once the file is accepted, and their definitions
+///                   leave the list
+/// @return 0; or 1 when there is no memory for a name of the "NS_" list, the one fault without a
+///         report
+/// @throws ZelkException for every other error (numbers in errors.h; 16 for a file that cannot be
+///         opened or read). C hosts, which cannot catch it, use `zelk_try_read`
 ZELK_API uint32_t zelk_read(const char* file_name, symblk** nodes, msgblk** messages,
                             env_var_blk** env_vars, btlblk** bit_timings, attr_def** attr_defs,
                             attr** net_attrs, cat** categories, filter_t* filter, char** db_comment,
@@ -39,7 +37,7 @@ ZELK_API uint32_t zelk_read(const char* file_name, symblk** nodes, msgblk** mess
                             attr_def* slots[4]);
 
 /// `zelk_read` for hosts that cannot catch: never raises, and returns the number of the error
-/// (errors.h) or 0. The message line is the last one of `zelk_get_error_text`.
+/// (errors.h) or 0. The error's message line is the last one of `zelk_get_error_text`.
 ZELK_API uint32_t zelk_try_read(const char* file_name, symblk** nodes, msgblk** messages,
                                 env_var_blk** env_vars, btlblk** bit_timings, attr_def** attr_defs,
                                 attr** net_attrs, cat** categories, filter_t* filter,

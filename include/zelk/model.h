@@ -115,10 +115,12 @@ ZELK_API void zelk_remove_multiplexor(sigblk* signal);
 
 /// Adds [`low`, `high`] in front of the ranges for which `signal` is present. A `multiplexor` other
 /// than the signal's present one first removes that with its ranges, then becomes the multiplexor
-/// and gets the flag. Ranges are neither merged, ordered nor checked.
+/// and gets the flag. Ranges are neither merged, ordered nor checked. The signal's `message` must
+/// be set.
 ///
 /// @return the new range, owned by the signal; null when `signal` is null or it has no multiplexor
-/// now
+///         now. An exhausted heap is reported as in the creation of records; the multiplexor has
+///         changed then
 ZELK_API muxor_val_range* zelk_add_multiplexor_value_range(sigblk* signal, sigblk* multiplexor,
                                                            uint32_t low, uint32_t high);
 

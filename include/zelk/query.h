@@ -41,20 +41,28 @@ enum {
 /// Preferred are, in this order, a message with the frame's own source and destination, then any
 /// destination, any source, both.
 ///
-/// With stored CAN identifiers a message equal in all 32 bits is returned at once; among equals in
-/// the order above, an exact match goes to the lowest priority number, a wildcard to the frame's
-/// own priority (the last such message), then to the lowest priority number. With
-/// `ZELK_J1939_PGN_IDS` a stored identifier is the group number, with the source address in
-/// bits 21..28 for the formats 0xEF and 0xFF; priority plays no part and the last match wins.
+/// Stored CAN identifiers (the normal mode): a message equal in all 32 bits is returned at once.
+/// Among several messages of one kind above, an exact match goes to the lowest priority number, the
+/// first of equals; a wildcard to the last message with the frame's own priority, else to the
+/// lowest priority number.
 ///
-/// `ZELK_J1939_FRAME_FORMAT`: the message found through the order above must have a value of the
-/// attribute "VFrameFormat" that begins with "J1939PG", or `definitions` one whose default does;
-/// otherwise null. Messages found at once are exempt.
+/// Stored group numbers (`ZELK_J1939_PGN_IDS`): identifiers are group numbers with bit 31 set. For
+/// the formats 0xEF and 0xFF they carry the PDU format in bits 8..15, the destination or PDU
+/// specific byte in bits 0..7 and the source address in bits 21..28; a message with the frame's own
+/// addresses is returned at once, and of several wildcards of one kind the last one counts. For all
+/// other formats the first message with the group number is the answer, or one equal to `id` when
+/// its bit 31 is clear. Priority plays no part.
 ///
-/// @param messages     list to search
+/// `ZELK_J1939_FRAME_FORMAT`: the chosen message must have a value of the attribute "VFrameFormat"
+/// that begins with "J1939PG", or `definitions` one whose default does; otherwise the answer is
+/// null. Messages returned at once, and those of the group mode for formats other than 0xEF and
+/// 0xFF, are exempt.
+///
+/// @param messages     list to search; null is an empty list
 /// @param definitions  attribute definitions, for the default of "VFrameFormat"; null allowed
 /// @param id           29-bit identifier of the frame, with or without bit 31
 /// @param flags        sum of `ZELK_J1939_*`
+/// @return the record, owned by its list and valid until deleted; null when there is none
 ZELK_API msgblk* zelk_get_j1939_message(msgblk* messages, attr_def* definitions, uint32_t id,
                                         uint32_t flags);
 

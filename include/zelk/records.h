@@ -2,11 +2,10 @@
 /// The records of a CAN database, as plain structures in singly linked lists.
 ///
 /// Every record is one zero-filled block from `zelk_malloc`, belongs to exactly one list, and is
-/// released by it
-/// (`zelk_free`, `can_delete_*`). A pointer described as *borrowed* refers to a record that another
-/// list owns. An *owned* text is a NUL-terminated block of its own from `zelk_malloc`, null when
-/// absent. Lists keep the order in which records were inserted; nothing is sorted. A record is
-/// identified by its address, a message also by `id`, named objects by name.
+/// released by it (`zelk_free`, `can_delete_*`). A pointer described as *borrowed* refers to a
+/// record that another list owns. An *owned* text is a NUL-terminated block of its own from
+/// `zelk_malloc`, null when absent. Lists keep the order in which records were inserted; nothing is
+/// sorted. A record is identified by its address, a message also by `id`, named objects by name.
 ///
 /// Texts are bytes in the encoding of the file. Physical quantities are IEEE doubles in the unit
 /// that `unit` names: physical = raw * factor + offset.
@@ -64,9 +63,9 @@ enum { ZELK_SIGNAL_MOTOROLA = 1, ZELK_SIGNAL_SIGNED = 2, ZELK_SIGNAL_MULTIPLEXOR
 
 /// Values of `sigblk::value_type` and `sigtype::value_type`.
 enum {
-  ZELK_SIGNAL_INTEGER = 0,
-  ZELK_SIGNAL_IEEE_SINGLE = 1,  ///< IEEE 754 binary32
-  ZELK_SIGNAL_IEEE_DOUBLE = 2   ///< IEEE 754 binary64
+  ZELK_VALUE_INTEGER = 0,
+  ZELK_VALUE_IEEE_SINGLE = 1,  ///< IEEE 754 binary32
+  ZELK_VALUE_IEEE_DOUBLE = 2   ///< IEEE 754 binary64
 };
 
 /// Values of `env_var_blk::type`.
@@ -100,7 +99,7 @@ struct msgblk {
   uint32_t id;            ///< CAN identifier; bit 31 (`ZELK_ID_EXTENDED`) marks the extended format
   uint16_t dlc;           ///< data length in bytes; 1 at creation
   uint16_t signal_count;  ///< number of `signals` after a read; 1 at creation; inserting and
-                          ///< deleting leave it as it is
+                          /// < deleting leave it as it is
   symblk* transmitter;    ///< borrowed; the sending node of the "BO_" line, null for none
   sigblk* signals;        ///< owned list
   msgblk* next;
@@ -115,9 +114,9 @@ struct msgblk {
 struct sigblk {
   char* name;          ///< owned
   uint16_t start_bit;  ///< bit number in the data, byte * 8 + bit, bit 0 least significant; Intel:
-                       ///< of the least significant bit, Motorola: of the most significant bit
+                       /// < of the least significant bit, Motorola: of the most significant bit
   uint16_t length;     ///< in bits; 1 at creation
-  uint16_t flags;      ///< `ZELK_SIGNAL_*` bits
+  uint16_t flags;      ///< sum of `ZELK_SIGNAL_*`
   double offset;
   double factor;   ///< 1.0 at creation
   char unit[40];   ///< at most 32 characters are stored
@@ -131,13 +130,13 @@ struct sigblk {
   val* values;              ///< owned list of value descriptions
   struct sigtype* sigtype;  ///< borrowed; null for none
   uint32_t
-      value_type;   ///< `ZELK_SIGNAL_INTEGER`, ...; other values are kept and written as they stand
+      value_type;   ///< `ZELK_VALUE_INTEGER`, ...; other values are kept and written as they stand
   msgblk* message;  ///< borrowed; the message that owns this signal
   sigblk* mux_signal;  ///< borrowed; the multiplexor that selects this signal, null for a signal
-                       ///< that is always there
+                       /// < that is always there
   muxor_val_range*
       mux_ranges;  ///< owned list of the multiplexor's values for which this signal is there; the
-                   ///< first one's `low` is the value behind "m" on the "SG_" line
+                   /// < first one's `low` is the value behind "m" on the "SG_" line
 };
 
 /// A node (control unit), "BU_".
@@ -155,7 +154,7 @@ struct rxblk {
   rxblk* next;
   symblk* node;  ///< borrowed; null in a filter stands for the absence of a node
   attr* attrs;   ///< owned list of relation attribute values ("BA_REL_") between the node and the
-                 ///< list's owner
+                 /// < list's owner
 };
 
 /// A value description: one raw value and its text.
@@ -178,7 +177,7 @@ struct env_var_blk {
   uint16_t access_node_count;  ///< number of `access_nodes` after a read
   rxblk* access_nodes;         ///< owned list
   uint32_t access_type;  ///< access code, the hexadecimal number behind "DUMMY_NODE_OSTREL" without
-                         ///< bit 15
+                         /// < bit 15
   env_var_blk* next;
   char* comment;       ///< owned
   attr* attrs;         ///< owned list

@@ -4,24 +4,20 @@
 /// Conventions that hold everywhere:
 ///
 /// 1. **Lists.** A database is a set of list heads (records.h) that the caller holds. Functions
-/// take a head, or its address
-///    when they change it. The order of heads in argument lists is: nodes, messages, environment
-///    variables, bit timings, attribute definitions, database attribute values, categories, filter,
-///    comment, version, signal types, value tables.
+/// take a head, or its address when they change it. The order of heads in argument lists is: nodes,
+/// messages, environment variables, bit timings, attribute definitions, database attribute values,
+/// categories, filter, comment, version, signal types, value tables.
 /// 2. **Ownership.** Every record and text in a list comes from `zelk_malloc` and is released by
-/// its list. Texts handed in
-///    are copied. Records and texts handed out are borrowed and valid until deleted, unless said
-///    otherwise.
+/// its list. Texts handed in are copied. Records and texts handed out are borrowed and valid until
+/// deleted, unless said otherwise.
 /// 3. **Null.** A null list is empty. Other null arguments are not allowed unless said otherwise.
 /// 4. **Errors.** Numbers, texts and the error text are those of errors.h. Aborting errors raise
-/// `ZelkException`, a C++
-///    exception; what a C host may call without catching says so.
+/// `ZelkException`, a C++ exception; what a C host may call without catching says so.
 /// 5. **Locale.** Numbers are read the same way under every locale of the process. In a process
-/// whose locale has a
-///    double-byte code page, the second byte of a character is never taken for a backslash.
+/// whose locale has a double-byte code page, the second byte of a character is never taken for a
+/// backslash.
 /// 6. **Threads.** The library takes no locks. Its process-wide state (error text, symbol length)
-/// wants one thread at a
-///    time; lookups only read the lists they are given.
+/// wants one thread at a time; lookups only read the lists they are given.
 
 #ifndef ZELK_ZELK_H
 #define ZELK_ZELK_H

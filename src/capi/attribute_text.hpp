@@ -20,8 +20,7 @@ attr* find_attribute_value(attr* values, const char* name);
 /// are separated by line feeds, empty ones count).
 ///
 /// @return the text, a view into the record or its definition; none for a number type, a null text,
-/// and an index that is
-///         not a whole number within the items
+/// and an index that is not a whole number within the items
 std::optional<std::string_view> attribute_text(const attr& value);
 
 /// Text of a default: of a STRING or an ENUM definition; none for number types and a null text.

@@ -1,10 +1,9 @@
 // The message that describes a J1939 frame. Layout of a 29-bit identifier (SAE J1939-21):
 //
 //    28  26 25  24 23        16 15         8 7          0
-//   +------+------+------------+------------+------------+
-//   | prio | DP   | PDU format | PDU spec.  | source     |
-//   +------+------+------------+------------+------------+
-//          |<--- parameter group number --->|
+//   +------+------+------------+------------+------------+ | prio | DP   | PDU format | PDU spec.
+//   | source     | +------+------+------------+------------+------------+ |<--- parameter group
+//   number --->|
 //
 // A PDU format below 240 (PDU1) makes the PDU specific byte a destination address, which is no part
 // of the group number; from 240 on (PDU2) it extends the group number and the frame goes to
@@ -126,9 +125,8 @@ Match match_can_ids(msgblk* messages, std::uint32_t id) {
 /// Messages of the two proprietary groups carry a source address above their group number:
 ///
 ///    31         28        21 20   18 17               0
-///   +-----+----+------------+-------+------------------+
-///   | ext | 0  | source     | 0     | group number     |
-///   +-----+----+------------+-------+------------------+
+///   +-----+----+------------+-------+------------------+ | ext | 0  | source     | 0     | group
+///   number     | +-----+----+------------+-------+------------------+
 Match match_proprietary_groups(msgblk* messages, const FrameId& frame) {
   Slots slots;
   for (msgblk* message = messages; message != nullptr; message = message->next) {

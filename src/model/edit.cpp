@@ -52,6 +52,34 @@ void delete_with_comment(Record** head, Record* record) {
   delete_bare(head, record);
 }
 
+void set_flag(sigblk& signal, int flag, bool is_set) {
+  signal.flags = static_cast<std::uint16_t>(is_set ? signal.flags | flag : signal.flags & ~flag);
+}
+
+/// What `zelk_remove_multiplexor` does for each signal from `first` on that has ranges, but in one
+/// pass over the message instead of one for each: multiplexors that no other signal names lose
+/// their flag.
+void remove_multiplexing_from(sigblk* first) {
+  constexpr int kIsGivenUp = 0x8000;  // a bit that has no meaning in the record
+  for (sigblk* signal = first; signal; signal = signal->next) {
+    if (signal->mux_ranges && signal->mux_signal) set_flag(*signal->mux_signal, kIsGivenUp, true);
+  }
+  bool is_behind_first = false;
+  for (sigblk* other = first && first->message ? first->message->signals : first; other;
+       other = other->next) {
+    is_behind_first |= other == first;
+    const bool goes = is_behind_first && other->mux_ranges;
+    if (!goes && other->mux_signal) set_flag(*other->mux_signal, kIsGivenUp, false);
+  }
+  for (sigblk* signal = first; signal; signal = signal->next) {
+    if (!signal->mux_ranges) continue;
+    release_list(std::exchange(signal->mux_ranges, nullptr));
+    sigblk* multiplexor = std::exchange(signal->mux_signal, nullptr);
+    if (!multiplexor || (multiplexor->flags & kIsGivenUp) == 0) continue;
+    set_flag(*multiplexor, kIsGivenUp | ZELK_SIGNAL_MULTIPLEXOR, false);
+  }
+}
+
 bool selects_any(const msgblk& message, const sigblk* multiplexor) {
   for (const sigblk* signal = message.signals; signal; signal = signal->next) {
     if (signal->mux_signal == multiplexor) return true;
@@ -130,10 +158,8 @@ void can_delete_siggroup(msgblk* message, siggroupblk* group) {
 }
 
 void can_delete_siglist(sigblk* first) {
-  // Multiplexing is undone while all signals are alive: each step looks at the siblings.
-  for (sigblk* signal = first; signal; signal = signal->next) {
-    if (signal->mux_ranges) zelk_remove_multiplexor(signal);
-  }
+  // Multiplexing is undone while all signals are alive: it looks at the siblings.
+  zelk::remove_multiplexing_from(first);
   while (first) can_deallocate_sig(std::exchange(first, first->next));
 }
 
@@ -152,7 +178,7 @@ void can_deallocate_sig(sigblk* signal) {
 
 void can_deallocate_siggroup(siggroupblk* group) {
   if (!group) return;
-  zelk::release_each(group->signals, [](siglistblk&) {});
+  zelk::release_list(group->signals);
   zelk_mfree(group->comment);
   zelk_mfree(group);
 }
@@ -162,7 +188,7 @@ void zelk_remove_multiplexor(sigblk* signal) {
   sigblk* multiplexor = std::exchange(signal->mux_signal, nullptr);
   zelk::release_list(std::exchange(signal->mux_ranges, nullptr));
   if (!multiplexor || (signal->message && zelk::selects_any(*signal->message, multiplexor))) return;
-  multiplexor->flags = static_cast<uint16_t>(multiplexor->flags & ~ZELK_SIGNAL_MULTIPLEXOR);
+  zelk::set_flag(*multiplexor, ZELK_SIGNAL_MULTIPLEXOR, false);
 }
 
 muxor_val_range* zelk_add_multiplexor_value_range(sigblk* signal, sigblk* multiplexor, uint32_t low,
@@ -171,7 +197,7 @@ muxor_val_range* zelk_add_multiplexor_value_range(sigblk* signal, sigblk* multip
   if (multiplexor != signal->mux_signal) {
     zelk_remove_multiplexor(signal);
     signal->mux_signal = multiplexor;
-    if (multiplexor) multiplexor->flags |= ZELK_SIGNAL_MULTIPLEXOR;
+    if (multiplexor) zelk::set_flag(*multiplexor, ZELK_SIGNAL_MULTIPLEXOR, true);
   }
   if (!signal->mux_signal) return nullptr;
   muxor_val_range* range = zelk_create_muxor_value_range();

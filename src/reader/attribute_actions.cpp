@@ -1,7 +1,7 @@
 #include "reader/attribute_actions.hpp"
 
 #include <algorithm>
-#include <iterator>
+#include <cmath>
 #include <utility>
 
 #include "model/symbols.hpp"
@@ -37,29 +37,10 @@ std::string_view item_text(TokenText text) {
   return text.view() == kEmptyItem ? std::string_view() : text.view();
 }
 
-/// The item at `index`; none when the index is not one of an item.
-std::optional<std::string_view> item_at(std::string_view list, double index) {
-  if (!(index >= 0.0 && index <= static_cast<double>(list.size()))) return std::nullopt;
-  auto skipped = static_cast<std::size_t>(index);
-  if (static_cast<double>(skipped) != index) return std::nullopt;
-  for (; skipped > 0; --skipped) {
-    const std::size_t separator = list.find(kItemSeparator);
-    if (separator == std::string_view::npos) return std::nullopt;
-    list.remove_prefix(separator + 1);
-  }
-  return list.substr(0, list.find(kItemSeparator));
-}
-
 /// Whether a written file could hold `name` as the name of an object, so that it would be read
 /// back.
 bool can_be_written(std::string_view name, bool is_node) {
   return is_name(name) && !is_new_symbol(name) && !(is_node && is_no_node(name));
-}
-
-void unlink(attr_def*& head, const attr_def* definition) {
-  attr_def** link = &head;
-  while (*link != definition) link = &(*link)->next;
-  *link = definition->next;
 }
 
 }  // namespace
@@ -71,13 +52,15 @@ AttributeActions::AttributeActions(ReadContext& context)
 
 // --- Definitions ---
 
+/// A line feed inside an item would divide it in two.
 void AttributeActions::item(TokenText text) {
-  if (item_list_) {
-    *item_list_ += kItemSeparator;
-  } else {
-    item_list_.emplace();
+  std::string item(item_text(text));
+  if (item.find(kItemSeparator) != std::string::npos) {
+    context_.note(ZELK_ERR_FORMAT, item);
+    std::replace(item.begin(), item.end(), kItemSeparator, ' ');
   }
-  *item_list_ += item_text(text);
+  if (item_list_) item = kItemSeparator + item;
+  item_list_ = item_list_.value_or("") + item;
 }
 
 void AttributeActions::define(std::int32_t object_type, TokenText name) {
@@ -102,9 +85,10 @@ void AttributeActions::define(std::int32_t object_type, TokenText name) {
 
 /// The definition stands in the file twice, first like one for signals.
 void AttributeActions::define_for_signal_types(TokenText name) {
-  attr_def& found = definition(ZELK_OBJ_SIGNAL, name);
-  index_.change_kind(&found, ZELK_OBJ_SIGTYPE);
-  std::replace(slots_.begin(), slots_.end(), &found, static_cast<attr_def*>(nullptr));
+  attr_def* found = index_.find_of_file(ZELK_OBJ_SIGNAL, name.view());
+  if (!found) found = &definition(ZELK_OBJ_SIGNAL, name);
+  index_.change_kind(found, ZELK_OBJ_SIGTYPE);
+  std::replace(slots_.begin(), slots_.end(), found, static_cast<attr_def*>(nullptr));
   context_.end_statement();
 }
 
@@ -115,8 +99,8 @@ attr_def& AttributeActions::definition(std::int32_t object_type, TokenText attri
 
 // --- Defaults ---
 
-void AttributeActions::set_default(bool of_relation, TokenText attribute) {
-  attr_def* definition = index_.next_for_default(of_relation, attribute.view());
+void AttributeActions::set_default(std::int32_t object_type, TokenText attribute) {
+  attr_def* definition = index_.next_for_default(object_type, attribute.view());
   if (!definition) context_.fail(ZELK_ERR_UNDEFINED_ATTRIBUTE, attribute.view());
   if (value_.form != ValueForm::kNone) {
     zelk_attr_value_t& value = definition->default_value;
@@ -132,14 +116,17 @@ void AttributeActions::set_default(bool of_relation, TokenText attribute) {
 }
 
 /// An ENUM's default is a text; the empty one is taken even if it is no item.
-OwnedText AttributeActions::item_default(attr_def& definition) {
+OwnedText AttributeActions::item_default(const attr_def& definition) {
+  const Items& known = items(definition);
   if (value_.form == ValueForm::kNumber) {
-    const auto item = item_at(item_list(definition), value_.number);
-    if (!item) fail_with_value(NumberText(value_.number).view());
-    return copy_text(*item);
+    const double index = value_.number;
+    const bool is_index = index >= 0.0 && index < static_cast<double>(known.texts.size()) &&
+                          index == std::floor(index);
+    if (!is_index) fail_with_value(NumberText(index).view());
+    return copy_text(known.texts[static_cast<std::size_t>(index)]);
   }
   const std::string_view text = item_text(value_.text);
-  if (!text.empty() && !items(definition).contains(text)) fail_with_value(text);
+  if (!text.empty() && !known.indexes.contains(text)) fail_with_value(text);
   return copy_text(text);
 }
 
@@ -272,22 +259,24 @@ double AttributeActions::number_value() const {
 }
 
 /// The index of an ENUM's item.
-double AttributeActions::item_value(attr_def& definition) {
+double AttributeActions::item_value(const attr_def& definition) {
   if (value_.form == ValueForm::kNumber) return value_.number;
   const Items& known = items(definition);
-  const auto found = known.find(item_text(value_.text));
-  if (found == known.end()) fail_with_value(value_.text.view());
+  const auto found = known.indexes.find(item_text(value_.text));
+  if (found == known.indexes.end()) fail_with_value(value_.text.view());
   return found->second;
 }
 
 const AttributeActions::Items& AttributeActions::items(const attr_def& definition) {
   const auto [entry, is_new] = items_.try_emplace(&definition);
-  if (!is_new) return entry->second;
+  Items& known = entry->second;
+  if (!is_new) return known;
   std::string_view rest = item_list(definition);
   for (int index = 0;; ++index) {
     const std::size_t end = rest.find(kItemSeparator);
-    entry->second.try_emplace(rest.substr(0, end), index);
-    if (end == std::string_view::npos) return entry->second;
+    known.texts.push_back(rest.substr(0, end));
+    known.indexes.try_emplace(known.texts.back(), index);
+    if (end == std::string_view::npos) return known;
     rest.remove_prefix(end + 1);
   }
 }
@@ -298,10 +287,7 @@ void AttributeActions::accept() {
   for (DeferredName& deferred : deferred_names_)
     assign_text(*deferred.field, std::move(deferred.name));
   for (attr_def*& definition : slots_) {
-    if (!definition) continue;
-    unlink(context_.model.attr_defs, definition);
-    definition->next = nullptr;
-    release_list(std::exchange(definition, nullptr));
+    can_delete_attr_def(&context_.model.attr_defs, std::exchange(definition, nullptr));
   }
 }
 

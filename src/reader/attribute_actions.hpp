@@ -13,6 +13,7 @@
 
 #include "reader/definition_index.hpp"
 #include "reader/read_context.hpp"
+#include "reader/seeded_hash.hpp"
 
 namespace zelk {
 
@@ -33,7 +34,8 @@ class AttributeActions {
   void text(TokenText text) { value_ = {0.0, text, ValueForm::kText}; }
   void no_value() { value_ = {0.0, {}, ValueForm::kNone}; }
 
-  void set_default(bool of_relation, TokenText attribute);
+  /// `object_type` is `kAnyOrdinaryKind` or `kAnyRelationKind` when the statement names no kind.
+  void set_default(std::int32_t object_type, TokenText attribute);
 
   void network_value(TokenText attribute);
   void node_value(TokenText attribute, TokenText node_name);
@@ -62,7 +64,11 @@ class AttributeActions {
     char** field;
     OwnedText name;
   };
-  using Items = std::unordered_map<std::string_view, int>;
+  /// The items of an ENUM, by index and by text.
+  struct Items {
+    std::vector<std::string_view> texts;
+    std::unordered_map<std::string_view, int, SeededHash> indexes;
+  };
 
   attr_def& definition(std::int32_t object_type, TokenText attribute);
   [[noreturn]] void fail_with_value(std::string_view text) const;
@@ -74,14 +80,15 @@ class AttributeActions {
 
   OwnedText text_value() const;
   double number_value() const;
-  double item_value(attr_def& definition);
-  OwnedText item_default(attr_def& definition);
+  double item_value(const attr_def& definition);
+  OwnedText item_default(const attr_def& definition);
   const Items& items(const attr_def& definition);
 
   ReadContext& context_;
   ListTail<attr_def> definitions_;
   DefinitionIndex index_;
-  std::unordered_map<const attr_def*, Items> items_;  ///< of the ENUMs that a text was looked up in
+  std::unordered_map<const attr_def*, Items>
+      items_;                         ///< of the ENUMs that an item was looked up in
   std::array<attr_def*, 4> slots_{};  ///< long-name definitions, in the order of their names
   std::vector<DeferredName> deferred_names_;
 

@@ -11,17 +11,21 @@
 #include <string_view>
 #include <unordered_map>
 #include <utility>
-#include <vector>
 
+#include "reader/seeded_hash.hpp"
 #include "zelk/records.h"
 
 namespace zelk {
+
+/// For statements that name no kind.
+inline constexpr std::int32_t kAnyOrdinaryKind = -1;
+inline constexpr std::int32_t kAnyRelationKind = -2;
 
 /// Whether definitions of this kind describe a relation; those and the ordinary ones have names of
 /// their own.
 constexpr bool is_relation(std::int32_t object_type) {
   return object_type == ZELK_OBJ_REL_SIGNAL || object_type == ZELK_OBJ_REL_MESSAGE ||
-         object_type == ZELK_OBJ_REL_ENVVAR;
+         object_type == ZELK_OBJ_REL_ENVVAR || object_type == kAnyRelationKind;
 }
 
 /// Several definitions may share a name, of the same kind or of others. Definitions must be added
@@ -31,7 +35,7 @@ class DefinitionIndex {
  public:
   /// A definition that was there before the read: a default statement of the file is not meant for
   /// it.
-  void add_old(attr_def* definition) { add(definition); }
+  void add_old(attr_def* definition);
   /// A definition of the file.
   void add_new(attr_def* definition);
 
@@ -39,27 +43,35 @@ class DefinitionIndex {
   /// same side of `is_relation`. Null when there is none.
   attr_def* find(std::int32_t object_type, std::string_view name) const;
 
-  /// The definition that the next default statement with that name is for: the first of the file's
-  /// that has had none, else the first of all. Null when there is none.
-  attr_def* next_for_default(bool of_relation, std::string_view name);
+  /// The same among the definitions of the file alone.
+  attr_def* find_of_file(std::int32_t object_type, std::string_view name) const;
+
+  /// The definition that the next default statement with that name is for: of those with that kind
+  /// (of all, for `kAnyOrdinaryKind` and `kAnyRelationKind`, or when there is none of the kind) the
+  /// first of the file's that has had none, else the first. Null when the name is unknown.
+  attr_def* next_for_default(std::int32_t object_type, std::string_view name);
 
   /// Makes a definition one of another kind.
   void change_kind(attr_def* definition, std::int32_t object_type);
 
  private:
+  /// By kind, then by place in the list.
+  using ByKind = std::map<std::pair<std::int32_t, std::size_t>, attr_def*>;
   struct Namesakes {
     attr_def* first = nullptr;
-    std::map<std::pair<std::int32_t, std::size_t>, attr_def*>
-        by_kind;  ///< by kind, then position in the list
-    std::vector<attr_def*> of_file;
-    std::size_t defaults = 0;  ///< so many of `of_file` have had a default statement
+    attr_def* first_of_file = nullptr;
+    ByKind by_kind;
+    ByKind without_default;  ///< of the file's
   };
-  using Names = std::unordered_map<std::string_view, Namesakes>;
+  using Names = std::unordered_map<std::string_view, Namesakes, SeededHash>;
 
   Namesakes& add(attr_def* definition);
+  static attr_def* take_first(ByKind& by_kind, std::int32_t first, std::int32_t last);
+  const Namesakes* namesakes(std::int32_t object_type, std::string_view name) const;
 
   std::array<Names, 2> names_;  ///< ordinary, relation
-  std::size_t count_ = 0;
+  std::size_t count_ = 0;       ///< of all definitions
+  std::size_t old_ = 0;         ///< of those that were there before the read
 };
 
 }  // namespace zelk

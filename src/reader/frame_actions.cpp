@@ -7,6 +7,8 @@
 namespace zelk {
 namespace {
 
+constexpr std::uint32_t kRegisterMax = 255;
+
 std::int32_t to_raw_value(double value) {
   constexpr double kTwoTo32 = 4294967296.0;
   return static_cast<std::int32_t>(
@@ -22,6 +24,9 @@ void FrameActions::version(TokenText text) {
 }
 
 void FrameActions::bit_timing(std::uint32_t baudrate, std::uint32_t btr1, std::uint32_t btr2) {
+  if (btr1 > kRegisterMax || btr2 > kRegisterMax) {
+    context_.note(ZELK_ERR_FORMAT, "a bit-timing register keeps its low 8 bits");
+  }
   btlblk* record = zelk_create_btlblk();
   bit_timings_.push_back(record);
   record->baudrate = static_cast<std::uint16_t>(baudrate);

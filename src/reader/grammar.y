@@ -44,9 +44,8 @@ namespace {
 constexpr int kNoToken = 257;
 
 int zelk_lex(zelk::SemanticValue* value, zelk::Reader& reader) {
-  constexpr int kLexicalError = 256;
   const int code = reader.context.lexer.next(*value);
-  return code == kLexicalError ? kNoToken : code;
+  return code == zelk::kLexicalError ? kNoToken : code;
 }
 
 /// The parser itself reports a syntax error, or a full stack as "memory exhausted".
@@ -72,11 +71,12 @@ int zelk_lex(zelk::SemanticValue* value, zelk::Reader& reader) {
 %token T_BU_SG_REL 305 T_BU_EV_REL 306 T_BU_BO_REL 307 T_SG_MUL_VAL 308
 
 %type <integer> whole sign
-%type <kind> object_kind relation_kind
+%type <kind> object_kind relation_kind named_relation default_kind
 %type <whole> signed_whole
 %type <real> real magnitude default_number
 %type <pair> factor_offset range_brackets
 %type <text> indicator table_name
+%type <segment> type_segment
 
 %%
 
@@ -101,6 +101,7 @@ magnitude: T_SHORT  { $$ = $1; }
          | T_DOUBLE { $$ = $1; }
          ;
 
+/* Without `magnitude` in it for numbers that have no sign: this is the rule reduced most often. */
 real: T_SHORT       { $$ = $1; }
     | T_ULONG       { $$ = $1; }
     | T_DOUBLE      { $$ = $1; }
@@ -227,13 +228,16 @@ signal_types: %empty
             | signal_types signal_type
             ;
 
-signal_type: T_SGTYPE T_IDENT ':' segments sign factor_offset range_brackets T_STRING
+signal_type: T_SGTYPE T_IDENT ':' type_segment sign factor_offset range_brackets T_STRING
              default_number table_name optional_end
              {
-               reader.objects.signal_type({$2, $5 != 0, $6, $7, $8, $9, $10},
-                                          reader.messages.segments);
+               reader.objects.signal_type({$2, $4, $5 != 0, $6, $7, $8, $9, $10});
              }
            ;
+
+type_segment: whole             { $$ = {$1, 1}; }
+            | whole '@' T_SHORT { $$ = {$1, $3}; }
+            ;
 
 default_number: %empty { $$ = 0.0; }
               | real
@@ -275,11 +279,18 @@ relation_definition: T_BA_DEF_REL relation_kind T_STRING type ';'
                      { reader.attributes.define($2, $3); }
                    ;
 
-relation_kind: %empty      { $$ = ZELK_OBJ_REL_SIGNAL; }
-             | T_BU_SG_REL { $$ = ZELK_OBJ_REL_SIGNAL; }
-             | T_BU_BO_REL { $$ = ZELK_OBJ_REL_MESSAGE; }
-             | T_BU_EV_REL { $$ = ZELK_OBJ_REL_ENVVAR; }
+relation_kind: %empty { $$ = ZELK_OBJ_REL_SIGNAL; }
+             | named_relation
              ;
+
+named_relation: T_BU_SG_REL { $$ = ZELK_OBJ_REL_SIGNAL; }
+              | T_BU_BO_REL { $$ = ZELK_OBJ_REL_MESSAGE; }
+              | T_BU_EV_REL { $$ = ZELK_OBJ_REL_ENVVAR; }
+              ;
+
+default_kind: %empty { $$ = zelk::kAnyRelationKind; }
+            | named_relation
+            ;
 
 type: T_INT range         { reader.attributes.type(ZELK_ATTR_INT); }
     | T_HEX range         { reader.attributes.type(ZELK_ATTR_HEX); }
@@ -311,9 +322,9 @@ type_definition: T_BA_DEF_SGTYPE T_STRING ';' { reader.attributes.define_for_sig
 
 defaults: %empty
         | defaults T_BA_DEF_DEF T_STRING optional_value ';'
-          { reader.attributes.set_default(false, $3); }
-        | defaults T_BA_DEF_DEF_REL relation_kind T_STRING optional_value ';'
-          { reader.attributes.set_default(true, $4); }
+          { reader.attributes.set_default(zelk::kAnyOrdinaryKind, $3); }
+        | defaults T_BA_DEF_DEF_REL default_kind T_STRING optional_value ';'
+          { reader.attributes.set_default($3, $4); }
         ;
 
 optional_value: %empty { reader.attributes.no_value(); }

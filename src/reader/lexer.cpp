@@ -17,7 +17,6 @@ namespace {
 
 /// Codes that the grammar does not declare.
 constexpr int kEndOfInput = 0;
-constexpr int kLexicalError = 256;
 constexpr int kSkipped = -1;  // no token: a comment, or a statement of an unknown kind
 
 constexpr std::ptrdiff_t kTokenMax = 1023;  // characters of a name or number
@@ -26,12 +25,7 @@ constexpr std::uint64_t kUlongMax = 4294967295;
 
 constexpr std::size_t kPlainDigits = 19;  // so many digits always fit into 64 bits
 
-/// No second byte of a double-byte character is less: what follows a lead byte is then a character
-/// of its own.
-constexpr unsigned char kTrailMin = 0x40;
-
-/// What a byte begins where a token may start.
-/// Separators come first.
+/// What a byte begins where a token may start. Separators come first.
 enum class Start : std::uint8_t {
   kBlank,
   kLineFeed,
@@ -105,7 +99,7 @@ char* resolve_escapes(char* start, const char* end, const std::array<bool, 256>&
   char* to = start;
   for (const char* from = start; from != end; ++from) {
     const bool has_next = from + 1 != end;
-    if (has_next && leads[byte_at(from)] && byte_at(from + 1) >= kTrailMin) {
+    if (has_next && leads[byte_at(from)] && is_trail_byte(from[1])) {
       *to++ = *from++;
     } else if (has_next && *from == '\\' && from[1] == '"') {
       ++from;
@@ -170,15 +164,10 @@ char* Lexer::skip_separators() {
       return position;
     } else if (position != window_.limit()) {
       ++position;
-    } else if (!window_.extend(position)) {
-      return end_of_file(position);
+    } else if (!more(position, position)) {
+      return position;
     }
   }
-}
-
-char* Lexer::end_of_file(char* position) const {
-  if (window_.failed()) fail(ZELK_ERR_NOT_FOUND, "the file cannot be read on");
-  return position;
 }
 
 // --- Names ---
@@ -293,7 +282,7 @@ char* Lexer::skip_special(char*& start, char* position, bool& has_escape) {
     if (!more(start, position)) fail_at_end();
     --position;
   }
-  if (is_lead) return position + (byte_at(position + 1) >= kTrailMin ? 2 : 1);
+  if (is_lead) return position + (is_trail_byte(position[1]) ? 2 : 1);
   const bool is_escape = position[1] == '"';
   has_escape |= is_escape;
   return position + (is_escape ? 2 : 1);
@@ -326,7 +315,7 @@ int Lexer::slash(char* start) {
 /// file.
 void Lexer::skip_through(char last) {
   for (char* position = window_.cursor();; ++position) {
-    if (position == window_.limit() && !window_.extend(position)) fail_at_end();
+    if (position == window_.limit() && !more(position, position)) fail_at_end();
     if (*position == '\n') ++line_;
     if (*position != last) continue;
     window_.set_cursor(position + 1);
@@ -343,6 +332,7 @@ void Lexer::fail_at_end() const { fail(ZELK_ERR_SYNTAX, kSyntaxErrorText); }
 bool Lexer::more(char*& start, char*& position) {
   const std::ptrdiff_t offset = position - start;
   const bool has_more = window_.extend(start);
+  if (!has_more && window_.failed()) fail(ZELK_ERR_NOT_FOUND, "the file cannot be read on");
   position = start + offset;
   return has_more;
 }

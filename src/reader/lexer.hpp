@@ -1,15 +1,16 @@
 /// \file
 /// The lexer: from the bytes of a DBC file to the tokens of the grammar.
 ///
-///     token       = name | number | string | any other character from "!" to DEL
-///     name        = (letter | "_") { letter | digit | "_" }          a keyword, or T_IDENT; at
-///     most 1023 characters number      = digits [ "." [digits] ] [ ("E" | "e") ["+" | "-"] digits
-///     ]          at most 1023 characters string      = '"' { any byte | '\"' } '"' the escape
-///     stands for the double quote separators  = bytes up to " ", bytes 0x80 to 0xFE, and comments
-///     from "//" to the end of the line
+///     token  = name | number | string | any other character from "!" to DEL
+///     name   = (letter | "_") { letter | digit | "_" }
+///     number = digits [ "." [digits] ] [ ("E" | "e") ["+" | "-"] digits ]
+///     string = '"' { byte | '\"' } '"'
 ///
-/// A byte 0xFF where a token may start ends the input like the end of the file. There are no signed
-/// numbers at this level.
+/// Names and numbers have at most 1023 characters; a name is a keyword or a T_IDENT. The escape in
+/// a string stands for the double quote. There are no signed numbers at this level.
+///
+/// Between tokens, bytes up to " ", bytes 0x80 to 0xFE and comments, from "//" to the end of the
+/// line, are skipped. A byte 0xFF there ends the input like the end of the file.
 
 #ifndef ZELK_READER_LEXER_HPP
 #define ZELK_READER_LEXER_HPP
@@ -24,6 +25,9 @@
 #include "reader/window.hpp"
 
 namespace zelk {
+
+/// Code of a token that no rule takes.
+inline constexpr int kLexicalError = 256;
 
 /// Detail of a syntax error's report.
 inline constexpr std::string_view kSyntaxErrorText = "error: syntax";
@@ -51,7 +55,6 @@ class Lexer {
  private:
   int token(SemanticValue& value);
   char* skip_separators();
-  char* end_of_file(char* position) const;
   int name(char* start, SemanticValue& value);
   [[noreturn]] void fail_in_name(char* start, char* end);
   int number(char* start, SemanticValue& value);
@@ -73,8 +76,7 @@ class Lexer {
   std::int32_t line_ = 0;
   std::array<bool, 256> leads_;  ///< first bytes of double-byte characters
   bool has_leads_;
-  std::array<bool, 256>
-      string_specials_;  ///< with leads: bytes that a scan through a string stops at
+  std::array<bool, 256> string_specials_;  ///< what a scan through a string stops at, with leads
 };
 
 }  // namespace zelk

@@ -9,6 +9,7 @@
 #include <unordered_map>
 
 #include "reader/model_heads.hpp"
+#include "reader/seeded_hash.hpp"
 
 namespace zelk {
 
@@ -40,13 +41,13 @@ class ModelIndex {
 
  private:
   template <typename Record>
-  using ByName = std::unordered_map<std::string_view, Record*>;
+  using ByName = std::unordered_map<std::string_view, Record*, SeededHash>;
   using Links = std::unordered_map<const symblk*, rxblk*>;
 
   ByName<symblk> nodes_;
-  std::unordered_map<std::uint32_t, msgblk*> messages_;
+  std::unordered_map<std::uint32_t, msgblk*, SeededHash> messages_;
   ByName<env_var_blk> variables_;
-  std::unordered_map<std::int32_t, cat*> categories_;
+  std::unordered_map<std::int32_t, cat*, SeededHash> categories_;
   ByName<sigtype> types_;
   ByName<valtable> tables_;
   msgblk* last_message_ = nullptr;  ///< statements about one message come in a row

@@ -76,14 +76,14 @@ void ObjectActions::data_variable(TokenText name, std::uint32_t size) {
 
 // --- Signal types ---
 
-void ObjectActions::signal_type(const SignalTypeLine& line, Segments& segments) {
+void ObjectActions::signal_type(const SignalTypeLine& line) {
   Owned<sigtype> type(zelk_create_sigtype());
   copy_inline(type->name, line.name.view());
-  const auto layout = segments.layout(0);
-  segments.clear();
-  if (!layout) context_.fail(ZELK_ERR_SEGMENTATION, line.name.view());
-  type->length = layout->length_bits;
-  type->flags = static_cast<std::uint16_t>((layout->is_motorola ? ZELK_SIGNAL_MOTOROLA : 0) |
+  if (line.segment.length_bits > kLengthMax || line.segment.order > kOrderMax) {
+    context_.fail(ZELK_ERR_SEGMENTATION, line.name.view());
+  }
+  type->length = static_cast<std::uint16_t>(line.segment.length_bits);
+  type->flags = static_cast<std::uint16_t>((line.segment.order == 0 ? ZELK_SIGNAL_MOTOROLA : 0) |
                                            (line.is_signed ? ZELK_SIGNAL_SIGNED : 0));
   type->factor = line.factor_offset.first;
   type->offset = line.factor_offset.second;

@@ -21,9 +21,10 @@ struct VariableLine {
   TokenText access;  ///< "DUMMY_NODE_OSTREL" and the access code
 };
 
-/// What stands on an "SGTYPE_" line besides the segments.
+/// What stands on an "SGTYPE_" line.
 struct SignalTypeLine {
   TokenText name;
+  Segment segment;  ///< order 0 is Motorola, all others Intel
   bool is_signed;
   RealPair factor_offset;
   RealPair range;
@@ -40,7 +41,7 @@ class ObjectActions {
   void variable(const VariableLine& line);
   void data_variable(TokenText name, std::uint32_t size);
 
-  void signal_type(const SignalTypeLine& line, Segments& segments);
+  void signal_type(const SignalTypeLine& line);
   void signal_type_value_type(TokenText name, std::uint32_t value_type);
   void signal_type_reference(std::uint32_t id, TokenText signal_name, TokenText type_name);
 

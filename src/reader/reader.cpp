@@ -11,6 +11,8 @@
 
 namespace zelk {
 
+Reader::~Reader() { zelk_free_new_symbols(); }
+
 int Reader::run() { return zelk_parse(*this); }
 
 void Reader::accept() {
@@ -24,6 +26,9 @@ namespace {
 int read_open_file(const ModelHeads& heads, platform::File file) {
   try {
     return Reader(heads, std::move(file)).run();
+  } catch (const ZelkException&) {
+    error_state().read_error_reported = true;  // also when memory for a text ran out
+    throw;
   } catch (const std::bad_alloc&) {
     zelk_read_error(ZELK_ERR_MEMORY, kNoLine, nullptr);
     return ZELK_ERR_MEMORY;
@@ -41,9 +46,7 @@ std::uint32_t read_file(const char* file_name, const ModelHeads& heads) {
     zelk_read_error(ZELK_ERR_NOT_FOUND, kNoLine, file_name);
     return ZELK_ERR_NOT_FOUND;
   }
-  const int result = read_open_file(heads, std::move(file));
-  zelk_free_new_symbols();
-  return static_cast<std::uint32_t>(result);
+  return static_cast<std::uint32_t>(read_open_file(heads, std::move(file)));
 }
 
 }  // namespace

@@ -20,6 +20,9 @@ class Reader {
   /// @param heads  the caller's lists; they must outlive the reader
   /// @param file   an open file
   Reader(const ModelHeads& heads, platform::File file) : context(heads, std::move(file)) {}
+  Reader(const Reader&) = delete;
+  Reader& operator=(const Reader&) = delete;
+  ~Reader();
 
   /// Reads the file to its end.
   ///

@@ -9,7 +9,12 @@
 #include <cstdint>
 #include <optional>
 
+#include "reader/token.hpp"
+
 namespace zelk {
+
+inline constexpr std::uint32_t kLengthMax = 65535;  ///< in bits
+inline constexpr std::uint32_t kOrderMax = 4;
 
 /// Where a signal's bits lie, as the records hold it.
 struct Layout {
@@ -34,13 +39,6 @@ class Segments {
   void clear() { count_ = 0; }
 
  private:
-  struct Segment {
-    std::uint32_t length_bits;
-    std::uint32_t order;
-
-    bool is_valid() const { return length_bits >= 1 && length_bits <= 65535 && order <= 4; }
-  };
-
   std::array<Segment, 2> segments_{};
   std::size_t count_ = 0;  ///< of all that were added; only the first two are kept
 };

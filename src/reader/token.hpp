@@ -25,6 +25,12 @@ struct RealPair {
   double second;
 };
 
+/// A length in bits, and an order number that tells the byte order.
+struct Segment {
+  std::uint32_t length_bits;
+  std::uint32_t order;
+};
+
 /// Trivially copyable, so that the parser's stack is plain memory.
 union SemanticValue {
   std::uint32_t integer;
@@ -33,6 +39,7 @@ union SemanticValue {
   double real;
   RealPair pair;
   TokenText text;
+  Segment segment;
 };
 
 }  // namespace zelk

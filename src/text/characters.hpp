@@ -15,6 +15,10 @@ constexpr bool is_letter(char c) {
 
 constexpr bool is_name_character(char c) { return is_letter(c) || is_digit(c); }
 
+/// Whether a byte can be the second one of a double-byte character. Bytes below 0x40, among them
+/// the double quote and the line feed, are characters of their own, whatever stands before them.
+constexpr bool is_trail_byte(char c) { return static_cast<unsigned char>(c) >= 0x40; }
+
 constexpr char to_upper(char c) {
   return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }

@@ -5,7 +5,7 @@
 
 namespace zelk {
 
-constexpr std::array<Keyword, 40> kKeywords = {{
+constexpr std::array<Keyword, 40> zelk_keyword = {{
     {"BO_", 263, "Message"},
     {"SG_", 264, "Signal"},
     {"BU_", 265, "Network node"},
@@ -48,8 +48,6 @@ constexpr std::array<Keyword, 40> kKeywords = {{
     {"SG_MUL_VAL_", 308, "Multiple multiplexor values for signal"},
 }};
 
-const std::array<Keyword, 40> zelk_keyword = kKeywords;
-
 namespace {
 
 constexpr std::size_t kSlots = 256;
@@ -71,8 +69,8 @@ constexpr std::size_t hash(std::string_view name) {
 constexpr std::array<std::uint8_t, kSlots> make_slots() {
   std::array<std::uint8_t, kSlots> slots{};
   slots.fill(kFree);
-  for (std::size_t row = 0; row < kKeywords.size(); ++row) {
-    std::size_t slot = hash(kKeywords[row].text);
+  for (std::size_t row = 0; row < zelk_keyword.size(); ++row) {
+    std::size_t slot = hash(zelk_keyword[row].text);
     while (slots[slot] != kFree) slot = (slot + 1) % kSlots;
     slots[slot] = static_cast<std::uint8_t>(row);
   }
@@ -86,7 +84,7 @@ constexpr std::array<std::uint8_t, kSlots> kSlotRows = make_slots();
 const Keyword* find_keyword(std::string_view name) {
   if (name.size() < kShortest || is_lower(name[1])) return nullptr;  // spares most names the hash
   for (std::size_t slot = hash(name); kSlotRows[slot] != kFree; slot = (slot + 1) % kSlots) {
-    const Keyword& keyword = kKeywords[kSlotRows[slot]];
+    const Keyword& keyword = zelk_keyword[kSlotRows[slot]];
     if (name == keyword.text) return &keyword;
   }
   return nullptr;

@@ -43,8 +43,9 @@ bool is_overflow(std::string_view literal) {
   return leading_power(literal.substr(0, mark)) + exponent_value(exponent) > 0;
 }
 
-/// Value of a literal of at most 15 digits with a point but no exponent; none for others. Digits
-/// and power of ten are exact doubles then, so their quotient is the correctly rounded value.
+/// Value of a literal of at most 15 digits and a point, or of 16 digits; none for others. Digits
+/// and power of ten are exact doubles, so their quotient is the correctly rounded value; 16 digits
+/// are rounded once, by the conversion.
 std::optional<double> short_decimal(std::string_view literal) {
   if (literal.size() > kShortDecimal) return std::nullopt;
   std::int64_t digits = 0;

@@ -16,11 +16,11 @@ constexpr std::uint32_t kLargestExtendedId = 0x1FFFFFFF;
 /// "integer", "IEEE single", ...
 std::string number_format(std::uint16_t flags, std::uint32_t value_type) {
   switch (value_type) {
-    case ZELK_SIGNAL_INTEGER:
+    case ZELK_VALUE_INTEGER:
       return flags & ZELK_SIGNAL_SIGNED ? "signed" : "unsigned";
-    case ZELK_SIGNAL_IEEE_SINGLE:
+    case ZELK_VALUE_IEEE_SINGLE:
       return "IEEE single";
-    case ZELK_SIGNAL_IEEE_DOUBLE:
+    case ZELK_VALUE_IEEE_DOUBLE:
       return "IEEE double";
     default:
       return fmt::format("{}, value type {}", flags & ZELK_SIGNAL_SIGNED ? "signed" : "unsigned",

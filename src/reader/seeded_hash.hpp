@@ -1,0 +1,58 @@
+/// \file
+/// Hashes of the keys of a read, with a seed that no file can foresee: else a file could be made
+/// whose keys all collide.
+
+#ifndef ZELK_READER_SEEDED_HASH_HPP
+#define ZELK_READER_SEEDED_HASH_HPP
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <functional>
+#include <string_view>
+#include <type_traits>
+
+namespace zelk {
+
+/// An odd number that differs from process to process.
+inline std::uint64_t hash_seed() {
+  static const std::uint64_t seed = [] {
+    const auto ticks = std::chrono::steady_clock::now().time_since_epoch().count();
+    const auto address =
+        reinterpret_cast<std::uintptr_t>(&hash_seed);  // placed at random by the system
+    return ((static_cast<std::uint64_t>(ticks) << 20) ^ address) * 0x9E3779B97F4A7C15U | 1U;
+  }();
+  return seed;
+}
+
+/// Multiply-and-fold over words of 8 bytes, with the seed as the multiplier.
+struct SeededHash {
+  std::size_t operator()(std::string_view text) const {
+    std::uint64_t hash = seed ^ text.size();
+    while (text.size() > sizeof(std::uint64_t)) {
+      hash = fold(hash, text.data(), sizeof(std::uint64_t));
+      text.remove_prefix(sizeof(std::uint64_t));
+    }
+    return static_cast<std::size_t>(fold(hash, text.data(), text.size()));
+  }
+
+  template <typename Integer>
+  requires std::is_integral_v<Integer> std::size_t operator()(Integer key) const {
+    return static_cast<std::size_t>(fold(seed, reinterpret_cast<const char*>(&key), sizeof key));
+  }
+
+  std::uint64_t seed = hash_seed();
+
+ private:
+  std::uint64_t fold(std::uint64_t hash, const char* bytes, std::size_t size) const {
+    std::uint64_t word = 0;
+    std::memcpy(&word, bytes, size);
+    hash = (hash ^ word) * seed;
+    return hash ^ (hash >> 32);
+  }
+};
+
+}  // namespace zelk
+
+#endif
