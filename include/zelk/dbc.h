@@ -1,5 +1,5 @@
 /// \file
-/// Reading of DBC files into caller-held lists.
+/// Reading DBC files into caller-held lists, and writing them.
 
 #ifndef ZELK_DBC_H
 #define ZELK_DBC_H
@@ -43,6 +43,30 @@ ZELK_API uint32_t zelk_try_read(const char* file_name, symblk** nodes, msgblk** 
                                 attr** net_attrs, cat** categories, filter_t* filter,
                                 char** db_comment, char** version, sigtype** sig_types,
                                 valtable** val_tables, attr_def* slots[4]);
+
+/// Writes a database as a DBC file, created or emptied. The order of sections and every blank are
+/// fixed, so equal databases give equal bytes. All list heads and texts may be null.
+///
+/// Names of nodes, messages, signals and environment variables longer than 32 characters are
+/// written shortened and unique, and in full as values of the long-name attributes; reading gives
+/// them back. Texts are escaped so that they are read back as they are, but for a backslash at the
+/// end of a text, which gets a blank behind it. Infinities are written as the largest finite
+/// doubles, not-a-number as 0.
+///
+/// The file at `path` is written directly. Faults of the stream after the opening, such as a full
+/// disk, are not detected.
+///
+/// @param path           path in the platform's encoding
+/// @param filter         by value; its lists are only read
+/// @param write_mul_val  not 0: also write the "SG_MUL_VAL_" section (extended multiplexing)
+/// @return 0; 13 when the file cannot be opened, which leaves everything as it was and reports
+///         nothing
+/// @throws ZelkException for error 24, when memory runs out
+ZELK_API uint32_t zelk_write(const char* path, symblk* nodes, msgblk* messages,
+                             env_var_blk* env_vars, btlblk* bit_timings, attr_def* attr_defs,
+                             attr* db_attrs, cat* categories, filter_t filter, const char* comment,
+                             const char* version, sigtype* sigtypes, valtable* valtables,
+                             uint8_t write_mul_val);
 
 ZELK_EXTERN_C_END
 

@@ -30,6 +30,12 @@ File open_for_reading(const char* path) {
   return file;
 }
 
+File open_for_writing(const char* path) {
+  File file(std::fopen(path, "we"));
+  if (file) std::setvbuf(file.get(), nullptr, _IONBF, 0);
+  return file;
+}
+
 std::array<bool, 256> lead_bytes() {
   std::array<bool, 256> leads = {};
   if (MB_CUR_MAX == 1 || std::strcmp(nl_langinfo(CODESET), "UTF-8") == 0) return leads;

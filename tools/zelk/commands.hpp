@@ -27,6 +27,7 @@ using Action = std::function<ExitCode(Output&)>;
 
 void add_check_command(CLI::App& app, Action& action);
 void add_show_command(CLI::App& app, Action& action);
+void add_rewrite_command(CLI::App& app, Action& action);
 
 }  // namespace zelk::tool
 

@@ -18,6 +18,11 @@ bool Database::read(const std::string& path) {
                        slots) == ZELK_OK;
 }
 
+bool Database::write(const std::string& path) const {
+  return zelk_write(path.c_str(), nodes, messages, env_vars, bit_timings, attr_defs, attrs,
+                    categories, filter, comment, version, sig_types, val_tables, 1) == ZELK_OK;
+}
+
 std::vector<std::string> report_lines() { return escaped_lines(view(zelk_get_error_text())); }
 
 std::string behind_path(const std::string& path, const std::string& line) {

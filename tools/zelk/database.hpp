@@ -28,6 +28,10 @@ struct Database {
   /// @return true on success; otherwise the lists hold what stands in front of the fault
   bool read(const std::string& path);
 
+  /// Writes the lists to `path`, multiplexor ranges included.
+  /// @return false when the file cannot be opened
+  bool write(const std::string& path) const;
+
   symblk* nodes = nullptr;
   msgblk* messages = nullptr;
   env_var_blk* env_vars = nullptr;

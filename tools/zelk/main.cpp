@@ -51,6 +51,7 @@ ExitCode run(int argc, char** argv, Output& out) {
   app.footer(kExitCodes);        // subcommands added from here on take it over
   add_check_command(app, action);
   add_show_command(app, action);
+  add_rewrite_command(app, action);
 
   try {
     app.parse(argc, argv);

@@ -1,0 +1,255 @@
+// Attribute definitions, defaults and values.
+
+#include <cstring>
+#include <string_view>
+
+#include "text/words.hpp"
+#include "writer/writer.hpp"
+
+namespace zelk {
+namespace {
+
+/// Keywords of the kinds in the order of `NamedKind`, and their numbers as kinds of definitions.
+constexpr std::array<const char*, kNamedKinds> kKindKeywords = {"SG_ ", "BO_ ", "BU_ ", "EV_ "};
+constexpr std::array<std::int32_t, kNamedKinds> kKindNumbers = {ZELK_OBJ_SIGNAL, ZELK_OBJ_MESSAGE,
+                                                                ZELK_OBJ_NODE, ZELK_OBJ_ENVVAR};
+
+bool is_long(const char* name) { return name && std::strlen(name) > ZELK_INLINE_NAME_MAX; }
+
+bool is_relation(std::int32_t object_type) {
+  return object_type == ZELK_OBJ_REL_SIGNAL || object_type == ZELK_OBJ_REL_MESSAGE ||
+         object_type == ZELK_OBJ_REL_ENVVAR;
+}
+
+const char* object_keyword(std::int32_t object_type) {
+  switch (object_type) {
+    case ZELK_OBJ_NODE:
+      return "BU_ ";
+    case ZELK_OBJ_MESSAGE:
+      return "BO_ ";
+    case ZELK_OBJ_SIGNAL:
+    case ZELK_OBJ_SIGTYPE:
+      return "SG_ ";
+    case ZELK_OBJ_ENVVAR:
+      return "EV_ ";
+    default:
+      return "";
+  }
+}
+
+const char* relation_keyword(std::int32_t object_type) {
+  switch (object_type) {
+    case ZELK_OBJ_REL_SIGNAL:
+      return "BU_SG_REL_ ";
+    case ZELK_OBJ_REL_MESSAGE:
+      return "BU_BO_REL_ ";
+    default:
+      return "BU_EV_REL_ ";
+  }
+}
+
+const char* type_keyword(std::int32_t value_type) {
+  switch (value_type) {
+    case ZELK_ATTR_INT:
+      return "INT ";
+    case ZELK_ATTR_FLOAT:
+      return "FLOAT ";
+    case ZELK_ATTR_STRING:
+      return "STRING ";
+    case ZELK_ATTR_ENUM:
+      return "ENUM ";
+    default:
+      return "HEX ";
+  }
+}
+
+}  // namespace
+
+void Writer::attributes() {
+  definitions();
+  long_name_definitions();
+  signal_type_definitions();
+  relation_definitions();
+  defaults();
+  values();
+  relation_values();
+}
+
+// --- Definitions ---
+
+void Writer::definitions() {
+  for (const attr_def* definition = model_.attr_defs; definition; definition = definition->next) {
+    if (is_relation(definition->object_type)) continue;
+    out_.put("BA_DEF_ ", object_keyword(definition->object_type), ' ');
+    out_.put_quoted(definition->name);
+    out_.put(' ');
+    type_and_range(*definition);
+    out_.put(";\n");
+    for (std::size_t kind = 0; kind < kNamedKinds; ++kind) {
+      const bool is_for_kind = definition->object_type == kKindNumbers[kind];
+      if (is_for_kind && definition->name == kLongNameAttributes[kind])
+        has_long_name_definition_[kind] = true;
+    }
+  }
+}
+
+void Writer::long_name_definitions() {
+  for (std::size_t kind = 0; kind < kNamedKinds; ++kind) {
+    if (!defines_long_names(kind)) continue;
+    out_.put("BA_DEF_ ", kKindKeywords[kind], " \"", kLongNameAttributes[kind], "\" STRING ;\n");
+  }
+}
+
+/// Whether the writer brings the attribute for the kind's long names.
+bool Writer::defines_long_names(std::size_t kind) const {
+  return names_[static_cast<NamedKind>(kind)].has_long_names() && !has_long_name_definition_[kind];
+}
+
+void Writer::signal_type_definitions() {
+  for (const attr_def* definition = model_.attr_defs; definition; definition = definition->next) {
+    if (definition->object_type != ZELK_OBJ_SIGTYPE) continue;
+    out_.put("BA_DEF_SGTYPE_ ");
+    out_.put_quoted(definition->name);
+    out_.put(";\n");
+  }
+}
+
+void Writer::relation_definitions() {
+  for (const attr_def* definition = model_.attr_defs; definition; definition = definition->next) {
+    if (!is_relation(definition->object_type)) continue;
+    out_.put("BA_DEF_REL_ ", relation_keyword(definition->object_type), ' ');
+    out_.put_quoted(definition->name);
+    out_.put(' ');
+    type_and_range(*definition);
+    out_.put(";\n");
+  }
+}
+
+void Writer::type_and_range(const attr_def& definition) {
+  out_.put(type_keyword(definition.value_type));
+  if (definition.value_type == ZELK_ATTR_ENUM) {
+    items(definition.enum_values ? definition.enum_values : "");
+  } else if (definition.value_type != ZELK_ATTR_STRING) {
+    out_.put(definition.minimum, ' ', definition.maximum);
+  }
+}
+
+/// An empty item is written as a word of its own. Behind the last separator nothing is an empty
+/// item too, but only if there was none before.
+void Writer::items(std::string_view list) {
+  char separator = ' ';
+  bool had_empty_item = false;
+  const auto put_item = [&](std::string_view item) {
+    out_.put(separator);
+    out_.put_quoted(item.empty() ? kEmptyItem : item);
+    separator = ',';
+    had_empty_item |= item.empty();
+  };
+  std::size_t end = 0;
+  while ((end = list.find(kItemSeparator)) != std::string_view::npos) {
+    put_item(list.substr(0, end));
+    list.remove_prefix(end + 1);
+  }
+  if (!list.empty() || !had_empty_item) put_item(list);
+}
+
+void Writer::defaults() {
+  for (const attr_def* definition = model_.attr_defs; definition; definition = definition->next) {
+    out_.put(is_relation(definition->object_type) ? "BA_DEF_DEF_REL_" : "BA_DEF_DEF_ ", ' ');
+    out_.put_quoted(definition->name);
+    out_.put(' ');
+    const bool is_text =
+        definition->value_type == ZELK_ATTR_STRING || definition->value_type == ZELK_ATTR_ENUM;
+    number_or_text(is_text, definition->default_value);
+  }
+  for (std::size_t kind = 0; kind < kNamedKinds; ++kind) {
+    if (defines_long_names(kind))
+      out_.put("BA_DEF_DEF_  \"", kLongNameAttributes[kind], "\" \"\";\n");
+  }
+}
+
+void Writer::number_or_text(bool is_text, zelk_attr_value_t value) {
+  if (is_text) {
+    out_.put_quoted(value.text);
+  } else {
+    out_.put(value.number);
+  }
+  out_.put(";\n");
+}
+
+// --- Values of objects ---
+
+void Writer::values() {
+  for (const attr* value = model_.db_attrs; value; value = value->next) this->value("BA_ ", *value);
+  for (const symblk* node = model_.nodes; node; node = node->next) {
+    object_values(node->attrs, "BU_ ", name(*node), ' ');
+    long_name(NamedKind::kNode, node->name, "BU_ ", name(*node), ' ');
+  }
+  for (const msgblk* message = model_.messages; message; message = message->next) {
+    object_values(message->attrs, "BO_ ", message->id, ' ');
+    long_name(NamedKind::kMessage, message->name, "BO_ ", message->id, ' ');
+  }
+  for_each_signal([this](const msgblk& message, const sigblk& signal) {
+    object_values(signal.attrs, "SG_ ", message.id, ' ', name(signal), ' ');
+    long_name(NamedKind::kSignal, signal.name, "SG_ ", message.id, ' ', name(signal), ' ');
+  });
+  for (const env_var_blk* variable = model_.env_vars; variable; variable = variable->next) {
+    object_values(variable->attrs, "EV_ ", name(*variable), ' ');
+    long_name(NamedKind::kVariable, variable->name, "EV_ ", name(*variable), ' ');
+  }
+  for (const sigtype* type = model_.sig_types; type; type = type->next) {
+    for (const attr* value = type->attrs; value; value = value->next) {
+      this->value("BA_SGTYPE_ ", *value, "SGTYPE_ ", type->name, ' ');
+    }
+  }
+}
+
+template <typename... Place>
+void Writer::object_values(const attr* values, const Place&... place) {
+  for (; values; values = values->next) value("BA_ ", *values, place...);
+}
+
+/// The value that gives an object its full name back.
+template <typename... Place>
+void Writer::long_name(NamedKind kind, const char* full_name, const Place&... place) {
+  if (!names_[kind].has_long_names() || !is_long(full_name)) return;
+  out_.put("BA_ \"", kLongNameAttributes[static_cast<std::size_t>(kind)], "\" ", place...);
+  out_.put_quoted(full_name);
+  out_.put(";\n");
+}
+
+/// A value of an object at `place`. One without a definition has neither name nor type, and is left
+/// out.
+template <typename... Place>
+void Writer::value(const char* keyword, const attr& value, const Place&... place) {
+  if (!value.def) return;
+  out_.put(keyword);
+  out_.put_quoted(value.def->name);
+  out_.put(' ', place...);
+  number_or_text(value.def->value_type == ZELK_ATTR_STRING, value.value);
+}
+
+// --- Values of relations ---
+
+void Writer::relation_values() {
+  for_each_signal([this](const msgblk& message, const sigblk& signal) {
+    link_values(signal.receivers, "BU_SG_REL_ ", "SG_ ", message.id, ' ', name(signal), ' ');
+  });
+  for (const msgblk* message = model_.messages; message; message = message->next) {
+    link_values(message->tx_nodes, "BU_BO_REL_ ", message->id, ' ');
+  }
+  for (const env_var_blk* variable = model_.env_vars; variable; variable = variable->next) {
+    link_values(variable->access_nodes, "BU_EV_REL_ ", name(*variable), ' ');
+  }
+}
+
+template <typename... Place>
+void Writer::link_values(const rxblk* links, const char* relation, const Place&... place) {
+  for (; links; links = links->next) {
+    for (const attr* value = links->attrs; value; value = value->next) {
+      this->value("BA_REL_ ", *value, relation, name(links->node), ' ', place...);
+    }
+  }
+}
+
+}  // namespace zelk

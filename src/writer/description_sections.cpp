@@ -1,0 +1,159 @@
+// Value descriptions, categories, the filter, and the sections that say more about signals.
+
+#include "text/words.hpp"
+#include "writer/writer.hpp"
+
+namespace zelk {
+namespace {
+
+bool has_several_multiplexors(const msgblk& message) {
+  int count = 0;
+  for (const sigblk* signal = message.signals; signal && count < 2; signal = signal->next) {
+    if ((signal->flags & ZELK_SIGNAL_MULTIPLEXOR) != 0) ++count;
+  }
+  return count > 1;
+}
+
+/// Whether all ranges are one and the same single value: the "SG_" line says it already.
+bool is_one_value(const muxor_val_range* ranges) {
+  const std::uint32_t value = ranges->low;
+  for (; ranges; ranges = ranges->next) {
+    if (ranges->low != value || ranges->high != value) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+// --- Value descriptions ---
+
+void Writer::value_tables() {
+  for (const valtable* table = model_.val_tables; table; table = table->next) {
+    out_.put("VAL_TABLE_ ", table->name, ' ');
+    descriptions(table->values);
+  }
+  out_.put('\n');
+}
+
+void Writer::value_descriptions() {
+  for_each_signal([this](const msgblk& message, const sigblk& signal) {
+    if (!signal.values) return;
+    out_.put("VAL_ ", message.id, ' ', name(signal), ' ');
+    descriptions(signal.values);
+  });
+  for (const env_var_blk* variable = model_.env_vars; variable; variable = variable->next) {
+    if (!variable->values) continue;
+    out_.put("VAL_ ", name(*variable), ' ');
+    descriptions(variable->values);
+  }
+}
+
+void Writer::descriptions(const val* list) {
+  for (; list; list = list->next) {
+    out_.put(list->value, ' ');
+    out_.put_quoted(list->text);
+    out_.put(' ');
+  }
+  out_.put(";\n");
+}
+
+// --- Categories and filter ---
+
+void Writer::categories() {
+  for (const cat* category = model_.categories; category; category = category->next) {
+    out_.put("CAT_DEF_ ", std::int32_t{category->number}, ' ', category->name, ' ', category->level,
+             ";\n");
+  }
+  for (const symblk* node = model_.nodes; node; node = node->next) {
+    category_of(*node, "BU_ ", name(*node));
+  }
+  for (const env_var_blk* variable = model_.env_vars; variable; variable = variable->next) {
+    category_of(*variable, "EV_ ", name(*variable));
+  }
+  for (const msgblk* message = model_.messages; message; message = message->next) {
+    category_of(*message, "BO_ ", message->id);
+  }
+}
+
+template <typename Record, typename Key>
+void Writer::category_of(const Record& record, const char* keyword, const Key& key) {
+  if (!record.category) return;
+  out_.put("CAT_ ", keyword, key, ' ', std::int32_t{record.category->number}, ";\n");
+}
+
+void Writer::filter() {
+  const filter_t& filter = model_.filter;
+  if (!filter.categories && !filter.nodes) return;
+  out_.put("FILTER ", filter.mode, " CAT_ ");
+  if (!filter.categories) out_.put("0 ");
+  for (const catlink* link = filter.categories; link; link = link->next) {
+    out_.put(std::int32_t{link->category ? link->category->number : std::int16_t{0}}, ' ');
+  }
+  out_.put("BU_ ");
+  if (!filter.nodes) out_.put('"', kNoFilterNode, "\" ");
+  for (const rxblk* link = filter.nodes; link; link = link->next) {
+    if (link->node) {
+      out_.put(name(*link->node), ' ');
+    } else {
+      out_.put('"', kNoFilterNode, "\" ");
+    }
+  }
+  out_.put(";\n");
+}
+
+// --- More about signals ---
+
+void Writer::type_references() {
+  for_each_signal([this](const msgblk& message, const sigblk& signal) {
+    if (!signal.sigtype) return;
+    out_.put("SIG_TYPE_REF_ ", message.id, ' ', name(signal), " : ", signal.sigtype->name, ";\n");
+  });
+}
+
+void Writer::signal_groups() {
+  for (const msgblk* message = model_.messages; message; message = message->next) {
+    for (const siggroupblk* group = message->siggroups; group; group = group->next) {
+      out_.put("SIG_GROUP_ ", message->id, ' ', group->name, ' ',
+               static_cast<std::uint32_t>(group->repetitions), " :");
+      for (const siglistblk* member = group->signals; member; member = member->next) {
+        if (member->signal) out_.put(' ', name(*member->signal));
+      }
+      out_.put(";\n");
+    }
+  }
+}
+
+void Writer::value_types() {
+  for_each_signal([this](const msgblk& message, const sigblk& signal) {
+    if (signal.value_type == ZELK_VALUE_INTEGER) return;
+    out_.put("SIG_VALTYPE_ ", message.id, ' ', name(signal), " : ", signal.value_type, ";\n");
+  });
+  for (const sigtype* type = model_.sig_types; type; type = type->next) {
+    if (type->value_type == ZELK_VALUE_INTEGER) continue;
+    out_.put("SIGTYPE_VALTYPE_ ", type->name, " : ", type->value_type, ";\n");
+  }
+}
+
+// --- Multiplexor ranges ---
+
+void Writer::multiplexor_ranges() {
+  for (const msgblk* message = model_.messages; message; message = message->next) {
+    const bool is_extended = has_several_multiplexors(*message);
+    for (const sigblk* signal = message->signals; signal; signal = signal->next) {
+      if (signal->mux_signal && signal->mux_ranges &&
+          (is_extended || !is_one_value(signal->mux_ranges))) {
+        signal_ranges(*message, *signal);
+      }
+    }
+  }
+  out_.put('\n');
+}
+
+void Writer::signal_ranges(const msgblk& message, const sigblk& signal) {
+  out_.put("\nSG_MUL_VAL_ ", message.id, ' ', name(signal), ' ', name(*signal.mux_signal));
+  for (const muxor_val_range* range = signal.mux_ranges; range; range = range->next) {
+    out_.put(' ', range->low, '-', range->high, range->next ? ',' : ';');
+  }
+}
+
+}  // namespace zelk

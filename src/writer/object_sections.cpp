@@ -1,0 +1,245 @@
+// The frame of the file, the objects of the network, and comments.
+
+#include <algorithm>
+#include <string>
+#include <unordered_set>
+
+#include "text/keywords.hpp"
+#include "text/new_symbols.hpp"
+#include "text/words.hpp"
+#include "writer/writer.hpp"
+
+namespace zelk {
+namespace {
+
+bool is_set(const char* text) { return text && *text; }
+
+template <typename Record, typename Predicate>
+bool any(const Record* list, Predicate holds) {
+  for (; list; list = list->next) {
+    if (holds(*list)) return true;
+  }
+  return false;
+}
+
+int byte_order(std::uint16_t flags) { return (flags & ZELK_SIGNAL_MOTOROLA) != 0 ? 0 : 1; }
+
+char sign(std::uint16_t flags) { return (flags & ZELK_SIGNAL_SIGNED) != 0 ? '-' : '+'; }
+
+}  // namespace
+
+void Writer::write(bool with_multiplexor_ranges) {
+  out_.put("VERSION ");
+  out_.put_quoted(model_.version);
+  out_.put("\n\n");
+  if (needs_new_symbols()) new_symbols();
+  bit_timings();
+  nodes();
+  value_tables();
+  messages();
+  transmitters();
+  variables();
+  comments();
+  attributes();
+  value_descriptions();
+  categories();
+  filter();
+  type_references();
+  signal_groups();
+  value_types();
+  if (with_multiplexor_ranges) multiplexor_ranges();
+}
+
+bool Writer::needs_new_symbols() const {
+  const auto has_comment = [](const auto& object) { return is_set(object.comment); };
+  return is_set(model_.comment) || any(model_.nodes, has_comment) ||
+         any(model_.messages,
+             [](const msgblk& message) { return is_set(message.comment) || message.signals; }) ||
+         any(model_.env_vars,
+             [](const env_var_blk& variable) { return variable.type == ZELK_ENVVAR_DATA; }) ||
+         model_.filter.categories || model_.filter.nodes || model_.attr_defs || model_.categories ||
+         model_.sig_types;
+}
+
+/// The keywords behind "NS_" in the table, and the names that the last file announced.
+void Writer::new_symbols() {
+  out_.put("\nNS_ : \n");
+  const auto* const first =
+      std::find_if(zelk_keyword.begin(), zelk_keyword.end(),
+                   [](const Keyword& keyword) { return keyword.code == kNewSymbolsCode; });
+  for (const auto* keyword = first + 1; keyword != zelk_keyword.end(); ++keyword) {
+    out_.put('\t', keyword->text, '\n');
+  }
+  for (const std::string& symbol : free_new_symbols()) out_.put('\t', symbol, '\n');
+  out_.put('\n');
+}
+
+/// Those of the last file's announced names that no object bears here. A reader skips every
+/// statement in which an announced name stands, so a name that is in use must not be announced
+/// again.
+std::vector<std::string> Writer::free_new_symbols() {
+  std::vector<std::string> symbols = last_new_symbols();
+  if (symbols.empty()) return symbols;
+  std::unordered_set<std::string_view> in_use;
+  const auto use = [&in_use](std::string_view name) { in_use.insert(name); };
+  for (const symblk* node = model_.nodes; node; node = node->next) use(name(*node));
+  for (const env_var_blk* variable = model_.env_vars; variable; variable = variable->next)
+    use(name(*variable));
+  for (const valtable* table = model_.val_tables; table; table = table->next) use(table->name);
+  for (const sigtype* type = model_.sig_types; type; type = type->next) use(type->name);
+  for (const cat* category = model_.categories; category; category = category->next)
+    use(category->name);
+  for (const msgblk* message = model_.messages; message; message = message->next) {
+    use(name(*message));
+    for (const sigblk* signal = message->signals; signal; signal = signal->next) use(name(*signal));
+    for (const siggroupblk* group = message->siggroups; group; group = group->next)
+      use(group->name);
+  }
+  std::erase_if(symbols, [&in_use](const std::string& symbol) { return in_use.contains(symbol); });
+  return symbols;
+}
+
+void Writer::bit_timings() {
+  out_.put("BS_:\n");
+  for (const btlblk* timing = model_.bit_timings; timing; timing = timing->next) {
+    out_.put(' ', Padded{timing->baudrate, 5}, ':', Padded{timing->btr1, 3}, ',',
+             Padded{timing->btr2, 3}, '\n');
+  }
+  out_.put('\n');
+}
+
+void Writer::nodes() {
+  out_.put("BU_:");
+  for (const symblk* node = model_.nodes; node; node = node->next) out_.put(' ', name(*node));
+  out_.put('\n');
+}
+
+// --- Messages and signals ---
+
+void Writer::messages() {
+  for (const msgblk* message = model_.messages; message; message = message->next) {
+    out_.put("\nBO_ ", message->id, ' ', name(*message), ": ", message->dlc, ' ',
+             name(message->transmitter), '\n');
+    for (const sigblk* signal = message->signals; signal; signal = signal->next)
+      this->signal(*signal);
+  }
+  out_.put('\n');
+}
+
+void Writer::signal(const sigblk& signal) {
+  const bool is_multiplexor = (signal.flags & ZELK_SIGNAL_MULTIPLEXOR) != 0;
+  out_.put(" SG_ ", name(signal));
+  if (signal.mux_signal || signal.mux_ranges) {
+    out_.put(" m", signal.mux_ranges ? signal.mux_ranges->low : std::uint32_t{0});
+    if (is_multiplexor) out_.put('M');
+  } else if (is_multiplexor) {
+    out_.put(" M");
+  }
+  out_.put(" : ", signal.start_bit, '|', signal.length, '@', byte_order(signal.flags),
+           sign(signal.flags), " (", signal.factor, ',', signal.offset, ") [", signal.minimum, '|',
+           signal.maximum, "] ");
+  out_.put_quoted(signal.unit);
+  out_.put(' ');
+  names(signal.receivers);
+  out_.put('\n');
+}
+
+/// Nodes behind a blank, separated by commas; the placeholder without a blank.
+void Writer::names(const rxblk* links) {
+  if (!links) out_.put(ZELK_NO_NODE);
+  for (char separator = ' '; links; links = links->next, separator = ',')
+    out_.put(separator, name(links->node));
+}
+
+/// The "BO_" line names one transmitter already.
+void Writer::transmitters() {
+  for (const msgblk* message = model_.messages; message; message = message->next) {
+    const rxblk* links = message->tx_nodes;
+    if (!links || !links->next) continue;
+    out_.put("BO_TX_BU_ ", message->id, " : ", name(links->node));
+    for (links = links->next; links; links = links->next) out_.put(',', name(links->node));
+    out_.put(";\n");
+  }
+  out_.put('\n');
+}
+
+// --- Environment variables and signal types ---
+
+void Writer::variables() {
+  for (const env_var_blk* variable = model_.env_vars; variable; variable = variable->next)
+    this->variable(*variable);
+  for (const env_var_blk* variable = model_.env_vars; variable; variable = variable->next) {
+    if (variable->type != ZELK_ENVVAR_DATA) continue;
+    out_.put("ENVVAR_DATA_ ", name(*variable), ": ", variable->data_size, ";\n");
+  }
+  for (const sigtype* type = model_.sig_types; type; type = type->next) signal_type(*type);
+  out_.put('\n');
+}
+
+/// Strings and data are integers to this statement: a bit of the access code marks a string, a
+/// statement of its own data.
+void Writer::variable(const env_var_blk& variable) {
+  const bool is_string = variable.type == ZELK_ENVVAR_STRING;
+  const bool is_plain = !is_string && variable.type != ZELK_ENVVAR_DATA;
+  out_.put("\nEV_ ", name(variable), ": ", is_plain ? variable.type : std::uint32_t{0}, " [",
+           variable.minimum, '|', variable.maximum, "] ");
+  out_.put_quoted(variable.unit);
+  out_.put(' ', variable.initial, ' ', variable.id, ' ', kAccessCodePrefix,
+           Hexadecimal{variable.access_type | (is_string ? kAccessCodeString : 0)}, ' ');
+  names(variable.access_nodes);
+  out_.put(";\n");
+}
+
+void Writer::signal_type(const sigtype& type) {
+  out_.put("SGTYPE_ ", type.name, " : ", type.length, '@', byte_order(type.flags), sign(type.flags),
+           " (", type.factor, ',', type.offset, ") [", type.minimum, '|', type.maximum, "] ");
+  out_.put_quoted(type.unit);
+  out_.put("  ", type.default_value);
+  if (type.valtable) out_.put(' ', type.valtable->name);
+  out_.put(";\n");
+}
+
+// --- Comments ---
+
+void Writer::comments() {
+  if (is_set(model_.comment)) {
+    out_.put("CM_ ");
+    comment_text(model_.comment);
+  }
+  for (const symblk* node = model_.nodes; node; node = node->next) {
+    if (!is_set(node->comment)) continue;
+    out_.put("CM_ BU_ ", name(*node), ' ');
+    comment_text(node->comment);
+  }
+  for (const msgblk* message = model_.messages; message; message = message->next)
+    message_comments(*message);
+  for (const env_var_blk* variable = model_.env_vars; variable; variable = variable->next) {
+    if (!is_set(variable->comment)) continue;
+    out_.put("CM_ EV_ ", name(*variable), ' ');
+    comment_text(variable->comment);
+  }
+  for (const sigtype* type = model_.sig_types; type; type = type->next) {
+    if (!is_set(type->comment)) continue;
+    out_.put("CM_ SGTYPE_ ", type->name, ' ');
+    comment_text(type->comment);
+  }
+}
+
+void Writer::message_comments(const msgblk& message) {
+  if (is_set(message.comment)) {
+    out_.put("CM_ BO_ ", message.id, ' ');
+    comment_text(message.comment);
+  }
+  for (const sigblk* signal = message.signals; signal; signal = signal->next) {
+    if (!is_set(signal->comment)) continue;
+    out_.put("CM_ SG_ ", message.id, ' ', name(*signal), ' ');
+    comment_text(signal->comment);
+  }
+}
+
+void Writer::comment_text(const char* text) {
+  out_.put_quoted(text);
+  out_.put(";\n");
+}
+
+}  // namespace zelk

@@ -1,0 +1,80 @@
+#include "writer/short_names.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+namespace zelk {
+namespace {
+
+constexpr std::size_t kNameMax = 32;
+constexpr std::size_t kNumberedMax = 27;  // characters in front of "_" and four digits
+constexpr int kNumbers = 1000;
+constexpr std::string_view kSubstitute = "invalidShortSymbolicName";
+
+bool fits(std::string_view name) { return !name.empty() && name.size() <= kNameMax; }
+
+std::string_view view(const char* text) { return text ? text : ""; }
+
+/// Calls `visit(kind, name)` for every object that has a name of its own.
+template <typename Visit>
+void for_each_name(const ModelView& model, Visit visit) {
+  for (const auto* variable = model.env_vars; variable; variable = variable->next) {
+    visit(NamedKind::kVariable, view(variable->name));
+  }
+  for (const auto* node = model.nodes; node; node = node->next)
+    visit(NamedKind::kNode, view(node->name));
+  for (const auto* message = model.messages; message; message = message->next) {
+    visit(NamedKind::kMessage, view(message->name));
+    for (const auto* signal = message->signals; signal; signal = signal->next) {
+      visit(NamedKind::kSignal, view(signal->name));
+    }
+  }
+}
+
+}  // namespace
+
+std::string_view ShortNames::written_name(const void* record, const char* name) {
+  const std::string_view full = view(name);
+  if (fits(full)) return full;
+  const auto [entry, is_new] = chosen_.try_emplace(record);
+  if (!is_new) return entry->second;
+  if (full.size() > kNameMax) has_long_names_ = true;
+  entry->second = choose(full);
+  used_.insert(entry->second);
+  return entry->second;
+}
+
+std::string ShortNames::choose(std::string_view name) {
+  const std::string base(name.empty() ? kSubstitute : name.substr(0, kNameMax));
+  if (!used_.contains(base)) return base;
+  const std::string start = base.substr(0, kNumberedMax);
+  // Names in use stay in use: every number below the next one has been found taken.
+  for (int& number = next_numbers_[start]; number < kNumbers; ++number) {
+    std::array<char, 8> digits{};
+    std::snprintf(digits.data(), digits.size(), "_%04d", number);
+    const std::string candidate = start + digits.data();
+    if (!used_.contains(candidate)) return candidate;
+  }
+  return std::string(kSubstitute);
+}
+
+void ShortNameCache::reset(const ModelView& model) {
+  kinds_ = {};
+  // Without a name that does not fit, nobody will ask what is in use.
+  std::array<bool, kNamedKinds> needs_names{};
+  for_each_name(model, [&needs_names](NamedKind kind, std::string_view name) {
+    needs_names[static_cast<std::size_t>(kind)] |= !fits(name);
+  });
+  if (std::count(needs_names.begin(), needs_names.end(), true) == 0) return;
+  for_each_name(model, [&](NamedKind kind, std::string_view name) {
+    if (needs_names[static_cast<std::size_t>(kind)] && fits(name)) (*this)[kind].reserve(name);
+  });
+}
+
+ShortNameCache& short_name_cache() {
+  static ShortNameCache cache;
+  return cache;
+}
+
+}  // namespace zelk

@@ -1,0 +1,68 @@
+/// \file
+/// Names as they are written: at most 32 characters, the long ones made unique.
+
+#ifndef ZELK_WRITER_SHORT_NAMES_HPP
+#define ZELK_WRITER_SHORT_NAMES_HPP
+
+#include <array>
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "writer/model_view.hpp"
+
+namespace zelk {
+
+/// Kinds of objects whose names may be longer than the format allows, in the order of
+/// `kLongNameAttributes`.
+enum class NamedKind : std::size_t { kSignal, kMessage, kNode, kVariable };
+inline constexpr std::size_t kNamedKinds = 4;
+
+/// The written names of the objects of one kind.
+///
+/// A name of 1 to 32 characters is written as it is. For others a written name is chosen when it is
+/// first asked for: the first 32 characters, or a substitute for an empty name; with a number
+/// instead of the last characters where that name is in use.
+class ShortNames {
+ public:
+  /// Takes a name of 1 to 32 characters for itself. All of them come before the first
+  /// `written_name`.
+  void reserve(std::string_view name) { used_.insert(name); }
+
+  /// @param record  the object, by its address
+  /// @param name    its name; null reads as empty
+  /// @return a text that stays until the cache is cleared, and no longer than the object's name
+  /// does
+  std::string_view written_name(const void* record, const char* name);
+
+  /// Whether a name of more than 32 characters has been shortened.
+  bool has_long_names() const { return has_long_names_; }
+
+ private:
+  std::string choose(std::string_view name);
+
+  std::unordered_set<std::string_view> used_;
+  std::unordered_map<const void*, std::string> chosen_;
+  std::unordered_map<std::string, int> next_numbers_;  ///< by what stands in front of the number
+  bool has_long_names_ = false;
+};
+
+/// The process-wide cache: cleared at the start of a write, kept after it.
+class ShortNameCache {
+ public:
+  ShortNames& operator[](NamedKind kind) { return kinds_[static_cast<std::size_t>(kind)]; }
+
+  /// Empties the cache and reserves all names that fit.
+  void reset(const ModelView& model);
+
+ private:
+  std::array<ShortNames, kNamedKinds> kinds_;
+};
+
+ShortNameCache& short_name_cache();
+
+}  // namespace zelk
+
+#endif
