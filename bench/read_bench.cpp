@@ -4,40 +4,13 @@
 
 #include <string>
 
+#include "counters.hpp"
 #include "memory_peak.hpp"
+#include "model.hpp"
 #include "synthetic.hpp"
-#include "zelk/zelk.h"
 
 namespace zelk::bench {
 namespace {
-
-struct Model {
-  symblk* nodes = nullptr;
-  msgblk* messages = nullptr;
-  env_var_blk* env_vars = nullptr;
-  btlblk* bit_timings = nullptr;
-  attr_def* attr_defs = nullptr;
-  attr* net_attrs = nullptr;
-  cat* categories = nullptr;
-  filter_t filter = {};
-  char* comment = nullptr;
-  char* version = nullptr;
-  sigtype* sig_types = nullptr;
-  valtable* val_tables = nullptr;
-
-  std::uint32_t read(const std::string& path) {
-    attr_def* slots[4];
-    return zelk_try_read(path.c_str(), &nodes, &messages, &env_vars, &bit_timings, &attr_defs,
-                         &net_attrs, &categories, &filter, &comment, &version, &sig_types,
-                         &val_tables, slots);
-  }
-
-  void free() {
-    zelk_free(nodes, messages, env_vars, bit_timings, attr_defs, net_attrs, categories, &filter,
-              comment, version, sig_types, val_tables);
-    *this = {};
-  }
-};
 
 /// Argument: messages. Counters: megabytes (10^6) a second, nanoseconds a byte, bytes of peak
 /// memory a byte of text.
@@ -57,11 +30,7 @@ void read(benchmark::State& state) {
     model.free();
     state.ResumeTiming();
   }
-  const auto bytes = size * static_cast<double>(state.iterations());
-  state.counters["MB/s"] = benchmark::Counter(bytes / 1e6, benchmark::Counter::kIsRate);
-  state.counters["ns/B"] =
-      benchmark::Counter(bytes / 1e9, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
-  state.counters["MB"] = size / 1e6;
+  count_bytes(state, size);
   state.counters["peak/B"] = static_cast<double>(peak - before) / size;
 }
 BENCHMARK(read)->Arg(1250)->Arg(5000)->Arg(20000)->Unit(benchmark::kMillisecond);

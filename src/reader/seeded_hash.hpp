@@ -47,7 +47,7 @@ struct SeededHash {
  private:
   std::uint64_t fold(std::uint64_t hash, const char* bytes, std::size_t size) const {
     std::uint64_t word = 0;
-    std::memcpy(&word, bytes, size);
+    if (size > 0) std::memcpy(&word, bytes, size);  // an empty text may have no address
     hash = (hash ^ word) * seed;
     return hash ^ (hash >> 32);
   }

@@ -12,6 +12,7 @@ namespace zelk {
 namespace {
 
 constexpr double kLargest = std::numeric_limits<double>::max();
+constexpr int kWrittenDigits = 14;
 constexpr std::size_t kShortDecimal = 16;  // 15 digits and the point
 constexpr std::array<double, kShortDecimal> kPowersOfTen = {
     1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
@@ -89,10 +90,27 @@ std::optional<double> parse_number(std::string_view text) {
 NumberText::NumberText(double number) : buffer_() {
   if (std::isnan(number)) number = 0.0;
   number = std::clamp(number, -kLargest, kLargest);
-  const auto result = std::to_chars(buffer_.data(), buffer_.data() + buffer_.size(), number,
-                                    std::chars_format::general, 14);
+  const double magnitude = std::abs(number);
+  const bool has_no_exponent = number == 0.0 || (magnitude >= 1e-4 && magnitude < 1e14);
+  if (has_no_exponent && set_short(number)) return;
+  char* const end = buffer_.data() + buffer_.size();
+  const auto result =
+      std::to_chars(buffer_.data(), end, number, std::chars_format::general, kWrittenDigits);
   std::replace(buffer_.data(), result.ptr, 'e', 'E');
   size_ = static_cast<std::size_t>(result.ptr - buffer_.data());
+}
+
+/// The short way for a number that is written without an exponent: when the shortest text that is
+/// read back as the same double has no more digits than are written, rounding to that many gives it
+/// too.
+bool NumberText::set_short(double number) {
+  char* const end = buffer_.data() + buffer_.size();
+  const auto result = std::to_chars(buffer_.data(), end, number, std::chars_format::fixed);
+  if (result.ec != std::errc{}) return false;
+  size_ = static_cast<std::size_t>(result.ptr - buffer_.data());
+  const std::string_view digits = view().substr(std::min(view().find_first_not_of("-0."), size_));
+  const bool has_point = digits.find('.') != std::string_view::npos;
+  return digits.size() - (has_point ? 1 : 0) <= kWrittenDigits;
 }
 
 }  // namespace zelk

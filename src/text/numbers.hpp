@@ -27,6 +27,8 @@ class NumberText {
   std::string_view view() const { return {buffer_.data(), size_}; }
 
  private:
+  bool set_short(double number);
+
   std::array<char, 32> buffer_;  // sign, 14 digits, point, exponent: at most 21 characters
   std::size_t size_ = 0;
 };
