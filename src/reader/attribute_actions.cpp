@@ -59,8 +59,12 @@ void AttributeActions::item(TokenText text) {
     context_.note(ZELK_ERR_FORMAT, item);
     std::replace(item.begin(), item.end(), kItemSeparator, ' ');
   }
-  if (item_list_) item = kItemSeparator + item;
-  item_list_ = item_list_.value_or("") + item;
+  if (item_list_) {
+    *item_list_ += kItemSeparator;
+  } else {
+    item_list_.emplace();
+  }
+  *item_list_ += item;
 }
 
 void AttributeActions::define(std::int32_t object_type, TokenText name) {

@@ -17,7 +17,7 @@ attr_def* first_of_kind(const ByKind& by_kind, std::int32_t object_type, std::si
 }  // namespace
 
 DefinitionIndex::Namesakes& DefinitionIndex::add(attr_def* definition) {
-  Namesakes& namesakes = names_[is_relation(definition->object_type)][inline_key(definition->name)];
+  Namesakes& namesakes = names_[side(definition->object_type)][inline_key(definition->name)];
   if (!namesakes.first) namesakes.first = definition;
   namesakes.by_kind.emplace(std::pair(definition->object_type, count_++), definition);
   return namesakes;
@@ -36,7 +36,7 @@ void DefinitionIndex::add_new(attr_def* definition) {
 
 const DefinitionIndex::Namesakes* DefinitionIndex::namesakes(std::int32_t object_type,
                                                              std::string_view name) const {
-  const Names& names = names_[is_relation(object_type)];
+  const Names& names = names_[side(object_type)];
   const auto found = names.find(inline_key(name));
   return found == names.end() ? nullptr : &found->second;
 }
@@ -61,8 +61,8 @@ attr_def* DefinitionIndex::next_for_default(std::int32_t object_type, std::strin
   const bool has_kind = first_of_kind(known->by_kind, object_type, 0) != nullptr;
   const std::int32_t first = has_kind ? object_type : ZELK_OBJ_NETWORK;
   const std::int32_t last = has_kind ? object_type : ZELK_OBJ_REL_ENVVAR;
-  attr_def* waiting = take_first(
-      names_[is_relation(object_type)].at(inline_key(name)).without_default, first, last);
+  attr_def* waiting =
+      take_first(names_[side(object_type)].at(inline_key(name)).without_default, first, last);
   return waiting ? waiting : find(object_type, name);
 }
 
@@ -79,7 +79,7 @@ attr_def* DefinitionIndex::take_first(ByKind& by_kind, std::int32_t first, std::
 }
 
 void DefinitionIndex::change_kind(attr_def* definition, std::int32_t object_type) {
-  ByKind& by_kind = names_[is_relation(object_type)].at(inline_key(definition->name)).by_kind;
+  ByKind& by_kind = names_[side(object_type)].at(inline_key(definition->name)).by_kind;
   const auto entry =
       std::find_if(by_kind.lower_bound({definition->object_type, 0}), by_kind.end(),
                    [definition](const auto& item) { return item.second == definition; });

@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "reader/seeded_hash.hpp"
+#include "text/words.hpp"
 #include "zelk/records.h"
 
 namespace zelk {
@@ -20,13 +21,6 @@ namespace zelk {
 /// For statements that name no kind.
 inline constexpr std::int32_t kAnyOrdinaryKind = -1;
 inline constexpr std::int32_t kAnyRelationKind = -2;
-
-/// Whether definitions of this kind describe a relation; those and the ordinary ones have names of
-/// their own.
-constexpr bool is_relation(std::int32_t object_type) {
-  return object_type == ZELK_OBJ_REL_SIGNAL || object_type == ZELK_OBJ_REL_MESSAGE ||
-         object_type == ZELK_OBJ_REL_ENVVAR || object_type == kAnyRelationKind;
-}
 
 /// Several definitions may share a name, of the same kind or of others. Definitions must be added
 /// in list order. Names are compared on the length of inline names; keys borrow them from the
@@ -68,6 +62,11 @@ class DefinitionIndex {
   Namesakes& add(attr_def* definition);
   static attr_def* take_first(ByKind& by_kind, std::int32_t first, std::int32_t last);
   const Namesakes* namesakes(std::int32_t object_type, std::string_view name) const;
+
+  /// Index in `names_`.
+  static std::size_t side(std::int32_t object_type) {
+    return object_type == kAnyRelationKind || is_relation(object_type) ? 1 : 0;
+  }
 
   std::array<Names, 2> names_;  ///< ordinary, relation
   std::size_t count_ = 0;       ///< of all definitions

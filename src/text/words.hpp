@@ -5,6 +5,7 @@
 #define ZELK_TEXT_WORDS_HPP
 
 #include <array>
+#include <cstdint>
 #include <string_view>
 
 #include "zelk/records.h"
@@ -27,6 +28,13 @@ inline constexpr char kItemSeparator = '\n';
 inline constexpr std::array<std::string_view, 4> kLongNameAttributes = {
     "SystemSignalLongSymbol", "SystemMessageLongSymbol", "SystemNodeLongSymbol",
     "SystemEnvVarLongSymbol"};
+
+/// Whether definitions of this kind describe a relation between a node and another object. These
+/// and the ordinary ones have names and statements of their own.
+constexpr bool is_relation(std::int32_t object_type) {
+  return object_type == ZELK_OBJ_REL_SIGNAL || object_type == ZELK_OBJ_REL_MESSAGE ||
+         object_type == ZELK_OBJ_REL_ENVVAR;
+}
 
 inline bool is_no_node(std::string_view name) { return name == ZELK_NO_NODE; }
 

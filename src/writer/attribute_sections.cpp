@@ -16,11 +16,6 @@ constexpr std::array<std::int32_t, kNamedKinds> kKindNumbers = {ZELK_OBJ_SIGNAL,
 
 bool is_long(const char* name) { return name && std::strlen(name) > ZELK_INLINE_NAME_MAX; }
 
-bool is_relation(std::int32_t object_type) {
-  return object_type == ZELK_OBJ_REL_SIGNAL || object_type == ZELK_OBJ_REL_MESSAGE ||
-         object_type == ZELK_OBJ_REL_ENVVAR;
-}
-
 const char* object_keyword(std::int32_t object_type) {
   switch (object_type) {
     case ZELK_OBJ_NODE:

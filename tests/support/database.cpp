@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <charconv>
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
+#include <sstream>
 
 TemporaryFile::TemporaryFile(std::string_view content) {
   const auto* test = testing::UnitTest::GetInstance()->current_test_info();
@@ -26,181 +26,196 @@ uint32_t Database::read(std::string_view content) {
 
 uint32_t Database::read_file(const char* path) {
   zelk_clear_error_text();
-  const uint32_t number =
-      zelk_try_read(path, &nodes, &messages, &variables, &timings, &definitions, &values,
-                    &categories, &filter, &comment, &version, &types, &tables, slots);
+  const uint32_t number = try_read(path);
   reported = zelk_get_error_text();
   return number;
 }
 
-namespace {
-
-std::string number(double value) {
-  std::array<char, 400> buffer;
-  return {buffer.data(), std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr};
+uint32_t Database::try_read(const char* path) {
+  return zelk_try_read(path, &nodes, &messages, &variables, &timings, &definitions, &values,
+                       &categories, &filter, &comment, &version, &types, &tables, slots);
 }
 
-std::string number(uint32_t value) { return std::to_string(value); }
+namespace {
 
 std::string quoted(const char* text) {
   std::string result = text ? '"' + std::string(text) + '"' : "null";
-  for (char& c : result) c = c == '\n' ? '|' : c;
+  std::replace(result.begin(), result.end(), '\n', '|');
   return result;
 }
 
-std::string pair(double first, const char* between, double second) {
-  return number(first) + between + number(second);
-}
+/// One database as text. Each record's line ends with what all objects can have.
+struct Description {
+  std::ostringstream out;
 
-std::string attributes(const attr* list) {
-  std::string result;
-  for (; list; list = list->next) {
-    const bool is_text = list->def->value_type == ZELK_ATTR_STRING;
-    result += std::string(result.empty() ? " {" : " ") + list->def->name + "=" +
-              (is_text ? quoted(list->value.text) : number(list->value.number));
+  template <typename... Parts>
+  void add(const Parts&... parts) {
+    (out << ... << parts);
   }
-  return result.empty() ? result : result + "}";
-}
 
-std::string links(const rxblk* list) {
-  std::string result = "[";
-  for (; list; list = list->next) {
-    result += std::string(result == "[" ? "" : ",") + (list->node ? list->node->name : "-") +
-              attributes(list->attrs);
-  }
-  return result + "]";
-}
-
-std::string descriptions(const val* list) {
-  std::string result;
-  for (; list; list = list->next) result += ' ' + std::to_string(list->value) + quoted(list->text);
-  return result;
-}
-
-std::string category(const cat* category) {
-  return category ? std::string(" in ") + category->name : "";
-}
-
-/// What all objects can have.
-template <typename Object>
-std::string extras(const Object& object) {
-  return attributes(object.attrs) + (object.comment ? " // " + quoted(object.comment) : "") + "\n";
-}
-
-template <typename Record>
-uint32_t count(const Record* list) {
-  uint32_t result = 0;
-  for (; list; list = list->next) ++result;
-  return result;
-}
-
-std::string describe(const sigblk& signal) {
-  std::string result = std::string("signal ") + signal.name + " " + number(signal.start_bit * 1.0) +
-                       "|" + number(signal.length * 1.0) + " flags " + number(signal.flags * 1.0) +
-                       " (" + pair(signal.factor, ",", signal.offset) + ") [" +
-                       pair(signal.minimum, "|", signal.maximum) + "] " + quoted(signal.unit) +
-                       " to " + links(signal.receivers);
-  if (signal.receiver_count != count(signal.receivers)) result += " receivers miscounted";
-  if (signal.mux_signal) result += std::string(" by ") + signal.mux_signal->name;
-  for (const auto* range = signal.mux_ranges; range; range = range->next) {
-    result += " " + number(range->low) + "-" + number(range->high);
-  }
-  if (signal.value_type != 0) result += " value type " + number(signal.value_type);
-  if (signal.sigtype) result += std::string(" type ") + signal.sigtype->name;
-  return result + descriptions(signal.values) + extras(signal);
-}
-
-std::string describe(const msgblk& message) {
-  std::string result = "message " + number(message.id) + " " + message.name + " " +
-                       number(message.dlc * 1.0) + " from " +
-                       (message.transmitter ? message.transmitter->name : "-") +
-                       links(message.tx_nodes) + category(message.category);
-  if (message.signal_count != count(message.signals)) result += " signals miscounted";
-  result += extras(message);
-  for (const auto* signal = message.signals; signal; signal = signal->next) {
-    result += (signal->message == &message ? "" : "astray: ") + describe(*signal);
-  }
-  for (const auto* group = message.siggroups; group; group = group->next) {
-    result += std::string("group ") + group->name + " x" + std::to_string(group->repetitions) +
-              (group->message == &message ? "" : " astray");
-    for (const auto* member = group->signals; member; member = member->next) {
-      result += std::string(" ") + member->signal->name;
+  void attributes(const attr* list) {
+    for (const attr* value = list; value; value = value->next) {
+      add(value == list ? " {" : " ", value->def->name, "=");
+      if (value->def->value_type == ZELK_ATTR_STRING) add(quoted(value->value.text));
+      if (value->def->value_type != ZELK_ATTR_STRING) add(value->value.number);
     }
-    result += '\n';
+    if (list) add("}");
   }
-  return result;
-}
 
-std::string describe(const env_var_blk& variable) {
-  return std::string("variable ") + variable.name + " type " + number(variable.type) + " [" +
-         pair(variable.minimum, "|", variable.maximum) + "] " + quoted(variable.unit) + " " +
-         number(variable.initial) + " id " + number(variable.id) + " access " +
-         number(variable.access_type) + links(variable.access_nodes) +
-         (variable.access_node_count == count(variable.access_nodes) ? "" : " miscounted") +
-         (variable.data_size ? " size " + number(variable.data_size) : "") +
-         category(variable.category) + descriptions(variable.values) + extras(variable);
-}
-
-std::string describe(const sigtype& type) {
-  return std::string("type ") + type.name + " " + number(type.length * 1.0) + " flags " +
-         number(type.flags * 1.0) + " (" + pair(type.factor, ",", type.offset) + ") [" +
-         pair(type.minimum, "|", type.maximum) + "] " + quoted(type.unit) + " " +
-         number(type.default_value) +
-         (type.valtable ? std::string(" table ") + type.valtable->name : "") +
-         (type.value_type ? " value type " + number(type.value_type) : "") + extras(type);
-}
-
-std::string describe(const attr_def& definition) {
-  const int32_t type = definition.value_type;
-  std::string result = std::string("definition ") + definition.name + " of " +
-                       std::to_string(definition.object_type) + " ";
-  if (type == ZELK_ATTR_STRING) return result + "STRING " + quoted(definition.default_value.text);
-  if (type == ZELK_ATTR_ENUM) {
-    return result + "ENUM " + quoted(definition.enum_values) + " " +
-           quoted(definition.default_value.text);
+  void links(const rxblk* list) {
+    add("[");
+    for (const rxblk* link = list; link; link = link->next) {
+      add(link == list ? "" : ",", link->node ? link->node->name : "-");
+      attributes(link->attrs);
+    }
+    add("]");
   }
-  result += type == ZELK_ATTR_INT ? "INT" : type == ZELK_ATTR_HEX ? "HEX" : "FLOAT";
-  return result + " [" + pair(definition.minimum, "|", definition.maximum) + "] " +
-         number(definition.default_value.number);
-}
 
-std::string describe(const filter_t& filter) {
-  if (!filter.categories && !filter.nodes && filter.mode == 0) return "";
-  std::string result = "filter " + std::to_string(filter.mode);
-  for (const auto* link = filter.categories; link; link = link->next) {
-    result += std::string(" ") + (link->category ? link->category->name : "-");
+  void descriptions(const val* list) {
+    for (; list; list = list->next) add(" ", list->value, quoted(list->text));
   }
-  return result + " " + links(filter.nodes) + "\n";
-}
+
+  template <typename Record>
+  void miscounted(const Record* list, int count) {
+    for (; list; list = list->next) --count;
+    if (count != 0) add(" miscounted");
+  }
+
+  template <typename Object>
+  void end(const Object& object) {
+    if constexpr (requires { object.category; }) {
+      if (object.category) add(" in ", object.category->name);
+    }
+    attributes(object.attrs);
+    if (object.comment) add(" // ", quoted(object.comment));
+    add("\n");
+  }
+
+  template <typename Layout>  // of a signal or type
+  void layout(const Layout& layout) {
+    add(layout.length, " flags ", layout.flags, " (", layout.factor, ",", layout.offset, ") [",
+        layout.minimum, "|", layout.maximum, "] ", quoted(layout.unit));
+  }
+
+  void record(const symblk& node) {
+    add("node ", node.name);
+    end(node);
+  }
+
+  void record(const sigblk& signal) {
+    add("signal ", signal.name, " ", signal.start_bit, "|");
+    layout(signal);
+    add(" to ");
+    links(signal.receivers);
+    miscounted(signal.receivers, signal.receiver_count);
+    if (signal.mux_signal) add(" by ", signal.mux_signal->name);
+    for (const auto* range = signal.mux_ranges; range; range = range->next) {
+      add(" ", range->low, "-", range->high);
+    }
+    if (signal.value_type != 0) add(" value type ", signal.value_type);
+    if (signal.sigtype) add(" type ", signal.sigtype->name);
+    descriptions(signal.values);
+    end(signal);
+  }
+
+  void record(const msgblk& message) {
+    add("message ", message.id, " ", message.name, " ", message.dlc, " from ",
+        message.transmitter ? message.transmitter->name : "-");
+    links(message.tx_nodes);
+    miscounted(message.signals, message.signal_count);
+    end(message);
+    for (const auto* signal = message.signals; signal; signal = signal->next) {
+      if (signal->message != &message) add("astray: ");
+      record(*signal);
+    }
+    for (const auto* group = message.siggroups; group; group = group->next) {
+      add(group->message == &message ? "group " : "astray: ", group->name, " x",
+          group->repetitions);
+      for (const auto* member = group->signals; member; member = member->next) {
+        add(" ", member->signal->name);
+      }
+      add("\n");
+    }
+  }
+
+  void record(const env_var_blk& variable) {
+    add("variable ", variable.name, " type ", variable.type, " [", variable.minimum, "|",
+        variable.maximum, "] ", quoted(variable.unit), " ", variable.initial, " id ", variable.id,
+        " access ", variable.access_type);
+    links(variable.access_nodes);
+    miscounted(variable.access_nodes, variable.access_node_count);
+    if (variable.data_size != 0) add(" size ", variable.data_size);
+    descriptions(variable.values);
+    end(variable);
+  }
+
+  void record(const sigtype& type) {
+    add("type ", type.name, " ");
+    layout(type);
+    add(" ", type.default_value);
+    if (type.valtable) add(" table ", type.valtable->name);
+    if (type.value_type != 0) add(" value type ", type.value_type);
+    end(type);
+  }
+
+  void record(const attr_def& definition) {
+    const char* const types[] = {"INT", "FLOAT", "STRING", "ENUM", "HEX"};
+    const int32_t type = definition.value_type;
+    add("definition ", definition.name, " of ", definition.object_type, " ", types[type], " ");
+    if (type == ZELK_ATTR_ENUM) add(quoted(definition.enum_values), " ");
+    if (type == ZELK_ATTR_ENUM || type == ZELK_ATTR_STRING) {
+      add(quoted(definition.default_value.text), "\n");
+    } else {
+      add("[", definition.minimum, "|", definition.maximum, "] ", definition.default_value.number,
+          "\n");
+    }
+  }
+
+  void record(const btlblk& timing) {
+    add("timing ", timing.baudrate, ":", int{timing.btr1}, ",", int{timing.btr2}, "\n");
+  }
+
+  void record(const valtable& table) {
+    add("table ", table.name);
+    descriptions(table.values);
+    add("\n");
+  }
+
+  void record(const cat& category) {
+    add("category ", category.number, " ", category.name, " ", category.level, "\n");
+  }
+
+  template <typename Record>
+  void list(const Record* head) {
+    for (; head; head = head->next) record(*head);
+  }
+};
 
 }  // namespace
 
 std::string describe(const Database& database) {
-  std::string result;
-  if (*database.version != '\0') result += "version " + quoted(database.version) + "\n";
-  if (database.comment) result += "comment " + quoted(database.comment) + "\n";
-  if (database.values) result += "network" + attributes(database.values) + "\n";
-  for (const auto* timing = database.timings; timing; timing = timing->next) {
-    result += "timing " + number(timing->baudrate * 1.0) + ":" + number(timing->btr1 * 1.0) + "," +
-              number(timing->btr2 * 1.0) + "\n";
+  Description text;
+  text.out.precision(15);
+  if (*database.version != '\0') text.add("version ", quoted(database.version), "\n");
+  if (database.comment) text.add("comment ", quoted(database.comment), "\n");
+  if (database.values) text.add("network");
+  text.attributes(database.values);
+  if (database.values) text.add("\n");
+  text.list(database.timings);
+  text.list(database.nodes);
+  text.list(database.tables);
+  text.list(database.messages);
+  text.list(database.variables);
+  text.list(database.types);
+  text.list(database.definitions);
+  text.list(database.categories);
+  const filter_t& filter = database.filter;
+  if (!filter.categories && !filter.nodes && filter.mode == 0) return text.out.str();
+  text.add("filter ", filter.mode);
+  for (const auto* link = filter.categories; link; link = link->next) {
+    text.add(" ", link->category ? link->category->name : "-");
   }
-  for (const auto* node = database.nodes; node; node = node->next) {
-    result += std::string("node ") + node->name + category(node->category) + extras(*node);
-  }
-  for (const auto* table = database.tables; table; table = table->next) {
-    result += std::string("table ") + table->name + descriptions(table->values) + "\n";
-  }
-  for (const auto* message = database.messages; message; message = message->next) {
-    result += describe(*message);
-  }
-  for (const auto* item = database.variables; item; item = item->next) result += describe(*item);
-  for (const auto* item = database.types; item; item = item->next) result += describe(*item);
-  for (const auto* definition = database.definitions; definition; definition = definition->next) {
-    result += describe(*definition) + "\n";
-  }
-  for (const auto* category = database.categories; category; category = category->next) {
-    result += "category " + std::to_string(category->number) + " " + category->name + " " +
-              number(category->level * 1.0) + "\n";
-  }
-  return result + describe(database.filter);
+  text.add(" ");
+  text.links(filter.nodes);
+  return text.out.str() + "\n";
 }

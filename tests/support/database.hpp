@@ -31,6 +31,8 @@ struct Database {
   /// Reads into the lists; returns the error number and leaves the reported lines in `reported`.
   uint32_t read(std::string_view content);
   uint32_t read_file(const char* path);
+  /// The call alone.
+  uint32_t try_read(const char* path);
 
   symblk* nodes = nullptr;
   msgblk* messages = nullptr;

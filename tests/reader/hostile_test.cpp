@@ -1,0 +1,207 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <random>
+
+#include "support/database.hpp"
+#include "support/failing_calloc.hpp"
+#include "support/failing_new.hpp"
+
+// Whatever the file holds, a read ends with a number, and what it leaves behind can be walked and
+// released; the sanitizers tell when it cannot.
+
+namespace {
+
+constexpr char kEveryStatement[] = ZELK_SOURCE_DIR "/tests/data/ok_every_statement.dbc";
+
+std::string content_of(const char* path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+TEST(HostileFiles, CutShort) {
+  const struct {
+    const char* path;
+    std::uintmax_t step;  // in bytes; the large file is cut at some of its bytes only
+  } cases[] = {{kEveryStatement, 1}, {ZELK_SOURCE_DIR "/examples/powertrain.dbc", 29}};
+  for (const auto& c : cases) {
+    const TemporaryFile file(content_of(c.path));
+    std::size_t accepted = 0;
+    std::uintmax_t size = std::filesystem::file_size(file.path());
+    ASSERT_GT(size, 1000u);
+    for (--size; size > c.step; size -= c.step) {
+      std::filesystem::resize_file(file.path(), size);
+      Database database;
+      const uint32_t number = database.read_file(file.path());
+      ASSERT_THAT(number, testing::AnyOf(0, 1, 27)) << size << database.reported;
+      accepted += number == 0;
+      describe(database);
+    }
+    EXPECT_GT(accepted, 20u);
+  }
+}
+
+TEST(HostileFiles, RecordsWithoutMemory) {
+  const std::string whole = [] {
+    Database database;
+    database.read_file(kEveryStatement);
+    return describe(database);
+  }();
+  std::size_t calls = 0;
+  for (bool has_failed = true; has_failed; ++calls) {
+    Database database;
+    const FailingCalloc failing(calls);
+    const uint32_t number = database.read_file(kEveryStatement);
+    has_failed = failing.has_failed();
+    ASSERT_EQ(number, has_failed ? 24u : 0u) << calls;
+    const std::string left = database.version ? describe(database) : "";
+    ASSERT_EQ(left == whole, !has_failed) << calls;
+    ASSERT_EQ(database.reported.ends_with("not enough memory\n"), has_failed) << calls;
+  }
+  EXPECT_GT(calls, 100u);
+}
+
+TEST(HostileFiles, ContainersWithoutMemory) {
+  std::size_t calls = 0;
+  for (bool has_failed = true; has_failed; ++calls) {
+    Database database;
+    zelk_clear_error_text();
+    uint32_t number = 0;
+    {
+      const FailingNew failing(calls);
+      number = database.try_read(kEveryStatement);
+      has_failed = failing.has_failed();
+    }
+    const std::string reported = zelk_get_error_text();
+    const bool ends_silently = number == 1 && reported.empty();  // in an "NS_" list
+    ASSERT_TRUE(number == (has_failed ? 24 : 0) || ends_silently) << calls << reported;
+    ASSERT_EQ(reported.ends_with("not enough memory\n"), has_failed && !ends_silently) << calls;
+    if (database.version) describe(database);
+  }
+  EXPECT_GT(calls, 30u);
+}
+
+TEST(HostileFiles, RandomBytesAndTokens) {
+  const std::string good = content_of(kEveryStatement);
+  std::mt19937 random(20240229);
+  const auto below = [&](std::size_t limit) { return random() % limit; };
+  std::vector<std::string> words;  // the file's own, so that the soup often makes sense
+  for (std::size_t at = 0, end; at < good.size(); at = end + 1) {
+    end = std::min(good.find_first_of(" \n", at), good.size());
+    words.push_back(good.substr(at, end - at));
+  }
+  std::size_t accepted = 0;
+  for (int round = 0; round < 3000; ++round) {
+    std::string text = good;
+    for (std::size_t changes = 1 + below(4); changes > 0; --changes) {
+      const std::size_t at = below(text.size());
+      const std::size_t kind = below(5), from = below(text.size());
+      if (kind == 0) text[at] = static_cast<char>(random());
+      if (kind == 1) text.erase(at, 1 + below(40));
+      if (kind == 2) text.insert(at, text.substr(from, below(200)));
+      if (kind == 3) text.insert(at, " " + words[below(words.size())] + " ");
+      if (kind == 4) text.insert(at, words[below(words.size())]);
+    }
+    if (round % 10 == 0) {
+      text = "BS_: BU_: A BO_ 1 M: 8 A ";
+      for (int i = 0; i < 200; ++i) text += words[below(words.size())] + " ";
+    }
+    Database database;
+    const uint32_t number = database.read(text);
+    ASSERT_THAT(number, testing::AnyOf(0, 1, 11, 12, 14, 20, 21, 25, 27, 28, 31)) << text;
+    ASSERT_TRUE(number == 0 || database.reported.ends_with('\n')) << text;
+    describe(database);
+    accepted += number == 0;
+  }
+  EXPECT_GT(accepted, 50u);
+}
+
+TEST(HostileFiles, BlanksThatPartEveryToken) {
+  const std::string text = content_of(ZELK_SOURCE_DIR "/tests/data/ok_windows_line_ends.dbc") +
+                           " BA_DEF_ \"D\" ENUM \"a\" , \"b\" ; BA_ \"D\" BU_ B \"b\" ;\n";
+  Database plain, parted;
+  EXPECT_EQ(plain.read(text), 0u);
+  std::string wide;
+  for (const char c : text) wide += c == ' ' ? std::string(65536, '\t') : std::string(1, c);
+  EXPECT_EQ(parted.read(wide), 0u);
+  EXPECT_EQ(describe(parted), describe(plain));
+}
+
+std::string repeated(const std::string& piece, int count) {
+  std::string result;
+  for (int i = 0; i < count; ++i) {
+    for (const char c : piece) {
+      if (c == '#' || c == '^') {
+        result += std::to_string(c == '#' ? i : i + 1);
+      } else {
+        result += c == '\'' ? '"' : c;
+      }
+    }
+  }
+  return result;
+}
+
+// In the pieces "#" stands for the number of the repetition, "^" for the next one, an apostrophe
+// for a double quote.
+TEST(HostileFiles, ManyOfEverything) {
+  constexpr int kCount = 20000;
+  const std::string message = "BS_:BU_: A BO_ 1 M: 8 A";
+  const std::string signal = message + " SG_ S : 0|8 (1,0) [0|0] '' A";
+  const std::string many_signals = " SG_ S# m1M : 0|8 (1,0) [0|0] '' A";
+  const struct {
+    const char* name;
+    std::string start, piece, middle, second_piece, end;
+    const char* trace;  ///< in the description, once for every repetition
+  } cases[] = {
+      {"new symbols", "NS_:", " n#", " BS_:BU_:", " x#", "\n", "node x"},
+      {"bit timings", "BS_:", " 1:2,3", "BU_:", " x#", "\n", "timing "},
+      {"messages", "BS_:BU_:", " BO_ # M: 8 n#", "", " BO_TX_BU_ # : x,y ;", "\n", "[x,y]"},
+      {"signals", message, many_signals, "", " CM_ SG_ 1 S# 'c';", "\n", " // "},
+      {"chain", message + " SG_ S20000 M : 0|8 (1,0) [0|0] '' A", many_signals, "",
+       " SG_MUL_VAL_ 1 S# S^ #-#;", "\n", " by S"},
+      {"ranges", signal, "", " SG_MUL_VAL_ 1 S S 0-0", " , #-^", ";", "-"},
+      {"receivers", signal, ",r#", " BA_DEF_REL_ 'D' INT;", " BA_REL_ 'D' BU_SG_REL_ r# SG_ 1 S #;",
+       "\n", "{D="},
+      {"descriptions", signal, "", "", " VAL_ 1 S # 'x' 1 'y';", "\n", "'x'"},
+      {"items", "BS_:BU_: BA_DEF_ 'D' ENUM 'a'", ",'i#'", ";", "BA_ 'D' 'i#';", "\n", "D="},
+      {"namesakes", "BS_:BU_:", "BA_DEF_ 'D' INT;", "", "BA_DEF_DEF_ 'D' 7;", "\n", "] 7"},
+      {"long names",
+       message + repeated(many_signals, kCount) + " BA_DEF_ SG_ 'SystemSignalLongSymbol' STRING;",
+       "", "", " BA_ 'SystemSignalLongSymbol' SG_ 1 S# 'Long#';", "\n", "signal Long"},
+      {"group", signal, "", " SIG_GROUP_ 1 G 1 :", " S", " ;", " S"},
+      {"categories", "BS_:BU_:", "CAT_DEF_ 1 K# 1;", "FILTER 1 CAT_", " 1", " BU_ ;", "category"}};
+  for (const auto& c : cases) {
+    Database database;
+    EXPECT_EQ(
+        database.read(repeated(c.start, 1) + repeated(c.piece, kCount) + repeated(c.middle, 1) +
+                      repeated(c.second_piece, kCount) + repeated(c.end, 1)),
+        0u)
+        << c.name << database.reported.substr(0, 200);
+    const std::string description = describe(database), trace = repeated(c.trace, 1);
+    int found = 0;
+    for (auto at = description.find(trace); at != std::string::npos;
+         at = description.find(trace, at + 1)) {
+      ++found;
+    }
+    EXPECT_GE(found, kCount) << c.name;
+    EXPECT_LE(found, kCount + 2) << c.name;
+  }
+}
+
+TEST(HostileFiles, HugeTokens) {
+  const std::string frame = "BS_:\nBU_: A\n", text(20'000'000, 't'), digits(10'000'000, '7');
+  Database database;
+  EXPECT_EQ(database.read(frame + "CM_ \"" + text + "\";"), 0u);
+  EXPECT_EQ(database.comment, text);
+  EXPECT_EQ(database.read(frame + "BO_ " + digits + " M: 8 A\n"), 1u);
+  EXPECT_EQ(database.reported, ", line 2, " + digits.substr(0, 989) + "\n");
+  EXPECT_EQ(database.read(frame + "CM_ " + text + " \"\";"), 1u);
+  EXPECT_EQ(database.reported, ", line 2, " + text.substr(0, 989) + "\n");
+  EXPECT_EQ(database.read(frame + "// " + text + "\nCM_ \"" + text), 1u);
+  EXPECT_EQ(database.reported, ", line 3, error: syntax\n");
+}
+
+}  // namespace
