@@ -70,7 +70,7 @@ void put_comments(std::string& text, int messages) {
       },
       [](std::string& to, unsigned id, int signal) {
         const char* quantity = kQuantities[static_cast<std::size_t>(signal)];
-        put(to, "CM_ SG_ %u %s_%02d \"%s as measured, filtered with 20 ms.\";\n", id, quantity,
+        put(to, "CM_ SG_ %u %s_%02d \"%s as measured.\";\n", id, quantity,
             signal, quantity);
       });
 }
@@ -93,7 +93,7 @@ void put_descriptions(std::string& text, int messages) {
   put_statements(
       text, messages, [](std::string&, unsigned) {},
       [](std::string& to, unsigned id, int signal) {
-        if (signal % 3 != 2) return;
+        if (signal % 4 != 3) return;
         put(to,
             "VAL_ %u %s_%02d 29 \"Initialisation\" 30 \"Sensor fault\" 31 \"Signal not available\" "
             ";\n",

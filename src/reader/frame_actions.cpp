@@ -11,8 +11,8 @@ constexpr std::uint32_t kRegisterMax = 255;
 
 std::int32_t to_raw_value(double value) {
   constexpr double kTwoTo32 = 4294967296.0;
-  return static_cast<std::int32_t>(
-      static_cast<std::uint32_t>(static_cast<std::int64_t>(std::fmod(value, kTwoTo32))));
+  if (std::abs(value) >= kTwoTo32) value = std::fmod(value, kTwoTo32);
+  return static_cast<std::int32_t>(static_cast<std::uint32_t>(static_cast<std::int64_t>(value)));
 }
 
 }  // namespace

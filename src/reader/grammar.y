@@ -165,25 +165,20 @@ message_head: T_BO whole T_IDENT ':' T_SHORT T_IDENT
             ;
 
 signals: %empty
-       | signals signal
+       | signals T_SG T_IDENT indicator ':' T_SHORT '|' segments sign factor_offset range_brackets
+         T_STRING comma_names
+         { reader.messages.signal({$3, $4, $6, $9 != 0, $10, $11, $12}); }
        ;
-
-signal: T_SG T_IDENT indicator ':' T_SHORT '|' segments sign factor_offset range_brackets T_STRING
-        comma_names
-        { reader.messages.signal({$2, $3, $5, $8 != 0, $9, $10, $11}); }
-      ;
 
 indicator: %empty { $$ = {nullptr, 0}; }
          | T_IDENT
          ;
 
-segments: segment
-        | segments ':' segment
+segments: T_SHORT                          { reader.messages.segments.add($1); }
+        | T_SHORT '@' T_SHORT              { reader.messages.segments.add($1, $3); }
+        | segments ':' T_SHORT             { reader.messages.segments.add($3); }
+        | segments ':' T_SHORT '@' T_SHORT { reader.messages.segments.add($3, $5); }
         ;
-
-segment: T_SHORT             { reader.messages.segments.add($1); }
-       | T_SHORT '@' T_SHORT { reader.messages.segments.add($1, $3); }
-       ;
 
 sign: %empty { $$ = 0; }
     | '+'    { $$ = 0; }

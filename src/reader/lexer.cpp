@@ -23,7 +23,7 @@ constexpr std::ptrdiff_t kTokenMax = 1023;  // characters of a name or number
 constexpr std::uint32_t kShortMax = 32767;
 constexpr std::uint64_t kUlongMax = 4294967295;
 
-constexpr std::size_t kPlainDigits = 19;  // so many digits always fit into 64 bits
+constexpr std::ptrdiff_t kPlainDigits = 18;  // so many digits always fit into 64 bits
 
 /// What a byte begins where a token may start. Separators come first.
 enum class Start : std::uint8_t {
@@ -62,6 +62,16 @@ constexpr std::array<bool, 256> make_name_characters() {
   return belongs;
 }
 
+/// Bytes behind which an integer may be something else: a longer or another number, or the window
+/// ends.
+constexpr std::array<bool, 256> make_goes_on() {
+  std::array<bool, 256> goes_on{};
+  for (const char c : {'\0', '.', 'e', 'E'}) goes_on[static_cast<unsigned char>(c)] = true;
+  for (unsigned digit = '0'; digit <= '9'; ++digit) goes_on[digit] = true;
+  return goes_on;
+}
+
+constexpr std::array<bool, 256> kGoesOn = make_goes_on();
 constexpr std::array<Start, 256> kStarts = make_starts();
 constexpr std::array<bool, 256> kNameCharacters = make_name_characters();
 
@@ -198,15 +208,30 @@ void Lexer::fail_in_name(char* start, char* end) {
 
 // --- Numbers ---
 
+/// The way of almost all numbers: an integer without a leading zero, in the window up to its end.
+int Lexer::number(char* start, SemanticValue& value) {
+  std::uint64_t plain = 0;
+  char* end = start;
+  for (; is_digit(*end) && end - start < kPlainDigits; ++end) {
+    plain = plain * 10 + static_cast<unsigned>(*end - '0');
+  }
+  const bool goes_on = kGoesOn[byte_at(end)] || (*start == '0' && end - start > 1);
+  if (goes_on || plain > kUlongMax) return any_number(start, value);
+  window_.set_cursor(end);
+  value.integer = static_cast<std::uint32_t>(plain);
+  return plain <= kShortMax ? T_SHORT : T_ULONG;
+}
+
 /// An integer is converted as `strtoul` in base 0 does, so that a leading zero means octal; but
 /// where that gives a value for T_SHORT, the decimal one counts.
-int Lexer::number(char* start, SemanticValue& value) {
+int Lexer::any_number(char* start, SemanticValue& value) {
   char* const end = skip_digits(start, start);
   if (*end == '.' || *end == 'e' || *end == 'E') return real(start, end, value);
   window_.set_cursor(end);
   const std::string_view digits = without_leading_zeros(between(start, end));
-  const std::uint64_t decimal =
-      digits.size() <= kPlainDigits ? decimal_value(digits) : kUlongMax + 1;
+  const std::uint64_t decimal = digits.size() <= static_cast<std::size_t>(kPlainDigits)
+                                    ? decimal_value(digits)
+                                    : kUlongMax + 1;
   if (decimal > kUlongMax) {
     value.real = literal_to_double(digits);
     return T_DOUBLE;
@@ -249,20 +274,21 @@ char* Lexer::skip_digits(char*& start, char* position) {
 int Lexer::string(char* quote, SemanticValue& value) {
   char* start = quote + 1;
   char* position = start;
-  bool has_escape = false;
+  bool is_as_it_stands = true;
   for (;;) {
     position = skip_plain(position);
     if (*position == '"') break;
-    position = skip_special(start, position, has_escape);
+    position = skip_special(start, position, is_as_it_stands);
   }
   window_.set_cursor(position + 1);
-  value.text = string_text(start, position, has_escape);
+  value.text = is_as_it_stands ? text_between(start, position) : string_text(start, position);
   return T_STRING;
 }
 
 /// Returns the next byte that a string does not simply take: a quote, backslash, line feed, NUL or
 /// lead byte.
 char* Lexer::skip_plain(char* position) const {
+  if (string_specials_[byte_at(position)]) return position;
   if (!has_leads_) return position + std::strcspn(position, "\"\\\n");
   while (!string_specials_[byte_at(position)]) ++position;
   return position;
@@ -270,11 +296,12 @@ char* Lexer::skip_plain(char* position) const {
 
 /// Skips a line feed, an escape, a lone backslash, a double-byte character, or a NUL (the end of
 /// the window's bytes).
-char* Lexer::skip_special(char*& start, char* position, bool& has_escape) {
+char* Lexer::skip_special(char*& start, char* position, bool& is_as_it_stands) {
   if (*position == '\n') ++line_;
   const bool is_at_limit = position == window_.limit();
   if (is_at_limit && !more(start, position)) fail_at_end();
   if (is_at_limit) return position;
+  if (*position == '\0') is_as_it_stands = false;
   const bool is_lead = leads_[byte_at(position)];
   if (*position != '\\' && !is_lead) return position + 1;
   if (position + 1 == window_.limit()) {
@@ -284,14 +311,14 @@ char* Lexer::skip_special(char*& start, char* position, bool& has_escape) {
   }
   if (is_lead) return position + (is_trail_byte(position[1]) ? 2 : 1);
   const bool is_escape = position[1] == '"';
-  has_escape |= is_escape;
+  if (is_escape) is_as_it_stands = false;
   return position + (is_escape ? 2 : 1);
 }
 
 /// The text between two quotes with its escapes resolved, in place. A NUL ends a text in the
 /// records, so it ends here too, with a warning.
-TokenText Lexer::string_text(char* start, char* end, bool has_escape) {
-  if (has_escape) end = resolve_escapes(start, end, leads_);
+TokenText Lexer::string_text(char* start, char* end) const {
+  end = resolve_escapes(start, end, leads_);
   auto* const nul =
       static_cast<char*>(std::memchr(start, '\0', static_cast<std::size_t>(end - start)));
   if (!nul) return text_between(start, end);

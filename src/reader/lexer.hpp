@@ -58,11 +58,12 @@ class Lexer {
   int name(char* start, SemanticValue& value);
   [[noreturn]] void fail_in_name(char* start, char* end);
   int number(char* start, SemanticValue& value);
+  int any_number(char* start, SemanticValue& value);
   int real(char* start, char* position, SemanticValue& value);
   int string(char* quote, SemanticValue& value);
   char* skip_plain(char* position) const;
-  char* skip_special(char*& start, char* position, bool& has_escape);
-  TokenText string_text(char* start, char* end, bool has_escape);
+  char* skip_special(char*& start, char* position, bool& is_as_it_stands);
+  TokenText string_text(char* start, char* end) const;
   int slash(char* start);
   void skip_through(char last);
 
@@ -76,7 +77,7 @@ class Lexer {
   std::int32_t line_ = 0;
   std::array<bool, 256> leads_;  ///< first bytes of double-byte characters
   bool has_leads_;
-  std::array<bool, 256> string_specials_;  ///< what a scan through a string stops at, with leads
+  std::array<bool, 256> string_specials_;  ///< bytes that a string does not simply take
 };
 
 }  // namespace zelk

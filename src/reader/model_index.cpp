@@ -59,7 +59,9 @@ ModelIndex::ModelIndex(const ModelHeads& model) {
 }
 
 void ModelIndex::add(symblk* node) { add_by_name(nodes_, node); }
-void ModelIndex::add(msgblk* message) { messages_.try_emplace(message->id, message); }
+void ModelIndex::add(msgblk* message) {
+  has_doubled_ids_ |= !messages_.try_emplace(message->id, message).second;
+}
 void ModelIndex::add(env_var_blk* variable) { add_by_name(variables_, variable); }
 void ModelIndex::add(cat* category) { categories_.try_emplace(category->number, category); }
 void ModelIndex::add(sigtype* type) { types_.try_emplace(inline_key(type->name), type); }
@@ -68,7 +70,10 @@ void ModelIndex::add(valtable* table) { tables_.try_emplace(inline_key(table->na
 symblk* ModelIndex::node(std::string_view name) const { return find(nodes_, name); }
 
 msgblk* ModelIndex::message(std::uint32_t id) {
-  if (!last_message_ || last_message_->id != id) last_message_ = find(messages_, id);
+  if (last_message_ && last_message_->id == id) return last_message_;
+  msgblk* const next = last_message_ ? last_message_->next : nullptr;
+  const bool is_next = next && next->id == id && !has_doubled_ids_;
+  last_message_ = is_next ? next : find(messages_, id);
   return last_message_;
 }
 

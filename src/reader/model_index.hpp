@@ -50,7 +50,9 @@ class ModelIndex {
   std::unordered_map<std::int32_t, cat*, SeededHash> categories_;
   ByName<sigtype> types_;
   ByName<valtable> tables_;
-  msgblk* last_message_ = nullptr;  ///< statements about one message come in a row
+  // Statements about one message come in a row, and messages in the order of the list.
+  msgblk* last_message_ = nullptr;
+  bool has_doubled_ids_ = false;  ///< the next message may not be the first with its identifier
 
   // Long lists inside records, indexed when they are first asked. Short ones are walked.
   std::unordered_map<const msgblk*, ByName<sigblk>> long_signal_lists_;
