@@ -66,8 +66,9 @@ void MessageActions::signal(const SignalLine& line) {
   if (line.is_signed) set_flag(*signal, ZELK_SIGNAL_SIGNED);
   signal->factor = line.factor_offset.first == 0.0 ? 1.0 : line.factor_offset.first;
   signal->offset = line.factor_offset.second;
-  signal->minimum = std::min(line.range.first, line.range.second);
-  signal->maximum = std::max(line.range.first, line.range.second);
+  signal->minimum = line.range.first;
+  signal->maximum = line.range.second;
+  if (signal->minimum > signal->maximum) std::swap(signal->minimum, signal->maximum);
   copy_inline(signal->unit, line.unit.view());
   PendingList<rxblk> receivers;
   context_.link_names(receivers, zelk_create_rx);
