@@ -70,8 +70,7 @@ void put_comments(std::string& text, int messages) {
       },
       [](std::string& to, unsigned id, int signal) {
         const char* quantity = kQuantities[static_cast<std::size_t>(signal)];
-        put(to, "CM_ SG_ %u %s_%02d \"%s as measured.\";\n", id, quantity,
-            signal, quantity);
+        put(to, "CM_ SG_ %u %s_%02d \"%s as measured.\";\n", id, quantity, signal, quantity);
       });
 }
 

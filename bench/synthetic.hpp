@@ -11,8 +11,8 @@ namespace zelk::bench {
 inline constexpr int kSignalsPerMessage = 12;
 
 /// Text of a database of `messages` messages with 12 signals each. Every message and signal has a
-/// comment and an attribute value, every fourth signal value descriptions; the signals are Intel and
-/// Motorola, signed and unsigned, and have one or two of 50 nodes as receivers. About 2.5 kB a
+/// comment and an attribute value, every fourth signal value descriptions; the signals are Intel
+/// and Motorola, signed and unsigned, and have one or two of 50 nodes as receivers. About 2.5 kB a
 /// message.
 std::string synthetic_database(int messages);
 

@@ -1,10 +1,10 @@
 // The message that describes a J1939 frame. Layout of a 29-bit identifier (SAE J1939-21):
 //
-//    28  26 25  24 23        16 15         8 7          0
-//   +------+------+------------+------------+------------+
-//   | prio | DP   | PDU format | PDU spec.  | source     |
-//   +------+------+------------+------------+------------+
-//          |<--- parameter group number --->|
+//    28  26 25  24 23        16 15           8 7          0
+//   +------+------+------------+--------------+------------+
+//   | prio | DP   | PDU format | PDU specific | source     |
+//   +------+------+------------+--------------+------------+
+//          |<---- parameter group number ---->|
 //
 // A PDU format below 240 (PDU1) makes the PDU specific byte a destination address, which is no part
 // of the group number; from 240 on (PDU2) it extends the group number and the frame goes to
