@@ -167,12 +167,10 @@ char* Lexer::skip_separators() {
   char* position = window_.cursor();
   for (;;) {
     while (kStarts[byte_at(position)] == Start::kBlank) ++position;
-    if (*position == '\n') {
-      ++line_;
-      ++position;
-    } else if (*position != '\0') {
-      return position;
-    } else if (position != window_.limit()) {
+    const bool is_line_feed = *position == '\n';
+    if (!is_line_feed && *position != '\0') return position;
+    if (is_line_feed) ++line_;
+    if (position != window_.limit()) {
       ++position;
     } else if (!more(position, position)) {
       return position;

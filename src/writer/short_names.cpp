@@ -46,14 +46,14 @@ std::string_view ShortNames::written_name(const void* record, const char* name) 
 }
 
 std::string ShortNames::choose(std::string_view name) {
-  const std::string base(name.empty() ? kSubstitute : name.substr(0, kNameMax));
+  std::string base(name.empty() ? kSubstitute : name.substr(0, kNameMax));
   if (!used_.contains(base)) return base;
   const std::string start = base.substr(0, kNumberedMax);
   // Names in use stay in use: every number below the next one has been found taken.
   for (int& number = next_numbers_[start]; number < kNumbers; ++number) {
     std::array<char, 8> digits{};
     std::snprintf(digits.data(), digits.size(), "_%04d", number);
-    const std::string candidate = start + digits.data();
+    std::string candidate = start + digits.data();
     if (!used_.contains(candidate)) return candidate;
   }
   return std::string(kSubstitute);
