@@ -45,23 +45,33 @@ ZELK_API uint32_t zelk_try_read(const char* file_name, symblk** nodes, msgblk** 
                                 valtable** val_tables, attr_def* slots[4]);
 
 /// Writes a database as a DBC file, created or emptied. The order of sections and every blank are
-/// fixed, so equal databases give equal bytes. All list heads and texts may be null.
+/// fixed. All list heads and texts may be null. The names of the "NS_" list beyond the keywords are
+/// those of the file that this process read last, but for names that are in use here.
 ///
-/// Names of nodes, messages, signals and environment variables longer than 32 characters are
-/// written shortened and unique, and in full as values of the long-name attributes; reading gives
-/// them back. Texts are escaped so that they are read back as they are, but for a backslash at the
-/// end of a text, which gets a blank behind it. Infinities are written as the largest finite
-/// doubles, not-a-number as 0.
+/// What was read from a file is written so that it is read back into the same records. Names of
+/// nodes, messages, signals and environment variables longer than 32 characters are written
+/// shortened, unique up to 1,000 of a kind with the same beginning, and in full as values of the
+/// long-name attributes; those of a message, and of its signals, that stands behind another with
+/// its identifier are written shortened only, and so are all where the user's own definition of
+/// such an attribute is no STRING. Texts keep their bytes, but for a blank behind a backslash at
+/// the end of a text, and between the first byte of a double-byte character and a double quote; a
+/// carriage return in front of a line feed is lost. Infinities are written as the largest finite
+/// doubles, not-a-number as 0, all numbers with 14 significant digits. A list of one transmitter is
+/// not written: the "BO_" line has one.
+///
+/// Start bits, lengths, data lengths and baud rates above 32767 are written, but not read back: the
+/// format has no such numbers there.
 ///
 /// The file at `path` is written directly. Faults of the stream after the opening, such as a full
 /// disk, are not detected.
 ///
-/// @param path           path in the platform's encoding
-/// @param filter         by value; its lists are only read
+/// @param path           path in the platform's encoding; null cannot be opened
+/// @param filter         by value; its lists are only read. One empty list of two is read back as
+///                       one link to nothing
 /// @param write_mul_val  not 0: also write the "SG_MUL_VAL_" section (extended multiplexing)
 /// @return 0; 13 when the file cannot be opened, which leaves everything as it was and reports
 ///         nothing
-/// @throws ZelkException for error 24, when memory runs out
+/// @throws ZelkException for error 24, when memory runs out; the file is then incomplete
 ZELK_API uint32_t zelk_write(const char* path, symblk* nodes, msgblk* messages,
                              env_var_blk* env_vars, btlblk* bit_timings, attr_def* attr_defs,
                              attr* db_attrs, cat* categories, filter_t filter, const char* comment,

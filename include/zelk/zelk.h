@@ -13,11 +13,12 @@
 /// 3. **Null.** A null list is empty. Other null arguments are not allowed unless said otherwise.
 /// 4. **Errors.** Numbers, texts and the error text are those of errors.h. Aborting errors raise
 /// `ZelkException`, a C++ exception; what a C host may call without catching says so.
-/// 5. **Locale.** Numbers are read the same way under every locale of the process. In a process
-/// whose locale has a double-byte code page, the second byte of a character is never taken for a
-/// backslash.
-/// 6. **Threads.** The library takes no locks. Its process-wide state (error text, symbol length)
-/// wants one thread at a time; lookups only read the lists they are given.
+/// 5. **Locale.** Numbers are read and written the same way under every locale of the process. In a
+/// process whose locale has a double-byte code page, the second byte of a character is never taken
+/// for a backslash.
+/// 6. **Threads.** The library takes no locks. Reading, writing and reporting share process-wide
+/// state (error text, symbol length, announced names, written names) and want one thread at a time;
+/// lookups only read the lists they are given.
 
 #ifndef ZELK_ZELK_H
 #define ZELK_ZELK_H

@@ -12,15 +12,12 @@
 namespace zelk {
 namespace {
 
-/// The slot of a definition whose values are long names of objects; none for all others.
-std::optional<std::size_t> long_name_slot(const attr_def& definition) {
+/// Whether the values of a definition are long names of objects.
+bool defines_long_names(const attr_def& definition) {
   const bool can_name =
       definition.value_type == ZELK_ATTR_STRING && definition.object_type <= ZELK_OBJ_ENVVAR;
-  if (!can_name) return std::nullopt;
-  const auto* const found =
-      std::find(kLongNameAttributes.begin(), kLongNameAttributes.end(), definition.name);
-  if (found == kLongNameAttributes.end()) return std::nullopt;
-  return static_cast<std::size_t>(found - kLongNameAttributes.begin());
+  return can_name && std::find(kLongNameAttributes.begin(), kLongNameAttributes.end(),
+                               definition.name) != kLongNameAttributes.end();
 }
 
 bool holds_text(const attr_def& definition) {
@@ -80,7 +77,7 @@ void AttributeActions::define(std::int32_t object_type, TokenText name) {
   }
   if (holds_text(*definition)) definition->default_value.text = copy_text("").release();
   index_.add_new(definition.get());
-  if (const auto slot = long_name_slot(*definition)) slots_[*slot] = definition.get();
+  if (defines_long_names(*definition)) long_name_definitions_.insert(definition.get());
   definitions_.append(definition.release());
   range_ = {};
   item_list_.reset();
@@ -92,7 +89,7 @@ void AttributeActions::define_for_signal_types(TokenText name) {
   attr_def* found = index_.find_of_file(ZELK_OBJ_SIGNAL, name.view());
   if (!found) found = &definition(ZELK_OBJ_SIGNAL, name);
   index_.change_kind(found, ZELK_OBJ_SIGTYPE);
-  std::replace(slots_.begin(), slots_.end(), found, static_cast<attr_def*>(nullptr));
+  long_name_definitions_.erase(found);
   context_.end_statement();
 }
 
@@ -180,7 +177,7 @@ void AttributeActions::type_value(TokenText attribute, TokenText type_name) {
 /// `name`.
 void AttributeActions::append_object_value(attr*& list, attr_def& definition, char** name,
                                            bool is_node) {
-  if (long_name_slot(definition)) {
+  if (defines_long_names(definition)) {
     defer_name(name, is_node);
   } else {
     append_value(list, definition);
@@ -290,8 +287,13 @@ const AttributeActions::Items& AttributeActions::items(const attr_def& definitio
 void AttributeActions::accept() {
   for (DeferredName& deferred : deferred_names_)
     assign_text(*deferred.field, std::move(deferred.name));
-  for (attr_def*& definition : slots_) {
-    can_delete_attr_def(&context_.model.attr_defs, std::exchange(definition, nullptr));
+  if (long_name_definitions_.empty()) return;
+  for (attr_def** link = &context_.model.attr_defs; *link;) {
+    if (long_name_definitions_.contains(*link)) {
+      can_delete_attr_def(link, *link);
+    } else {
+      link = &(*link)->next;
+    }
   }
 }
 

@@ -4,16 +4,16 @@
 #ifndef ZELK_READER_ATTRIBUTE_ACTIONS_HPP
 #define ZELK_READER_ATTRIBUTE_ACTIONS_HPP
 
-#include <array>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "reader/definition_index.hpp"
 #include "reader/read_context.hpp"
-#include "reader/seeded_hash.hpp"
+#include "text/seeded_hash.hpp"
 
 namespace zelk {
 
@@ -88,8 +88,8 @@ class AttributeActions {
   ListTail<attr_def> definitions_;
   DefinitionIndex index_;
   std::unordered_map<const attr_def*, Items>
-      items_;                         ///< of the ENUMs that an item was looked up in
-  std::array<attr_def*, 4> slots_{};  ///< long-name definitions, in the order of their names
+      items_;  ///< of the ENUMs that an item was looked up in
+  std::unordered_set<const attr_def*> long_name_definitions_;  ///< of the file
   std::vector<DeferredName> deferred_names_;
 
   std::int32_t type_ = 0;

@@ -9,7 +9,7 @@
 #include <unordered_map>
 
 #include "reader/model_heads.hpp"
-#include "reader/seeded_hash.hpp"
+#include "text/seeded_hash.hpp"
 
 namespace zelk {
 

@@ -29,7 +29,7 @@ class NumberText {
  private:
   bool set_short(double number);
 
-  std::array<char, 32> buffer_;  // sign, 14 digits, point, exponent: at most 21 characters
+  std::array<char, 32> buffer_;  // at most 24 characters
   std::size_t size_ = 0;
 };
 

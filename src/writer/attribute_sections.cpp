@@ -14,8 +14,6 @@ constexpr std::array<const char*, kNamedKinds> kKindKeywords = {"SG_ ", "BO_ ", 
 constexpr std::array<std::int32_t, kNamedKinds> kKindNumbers = {ZELK_OBJ_SIGNAL, ZELK_OBJ_MESSAGE,
                                                                 ZELK_OBJ_NODE, ZELK_OBJ_ENVVAR};
 
-bool is_long(const char* name) { return name && std::strlen(name) > ZELK_INLINE_NAME_MAX; }
-
 const char* object_keyword(std::int32_t object_type) {
   switch (object_type) {
     case ZELK_OBJ_NODE:
@@ -81,9 +79,10 @@ void Writer::definitions() {
     type_and_range(*definition);
     out_.put(";\n");
     for (std::size_t kind = 0; kind < kNamedKinds; ++kind) {
-      const bool is_for_kind = definition->object_type == kKindNumbers[kind];
-      if (is_for_kind && definition->name == kLongNameAttributes[kind])
-        has_long_name_definition_[kind] = true;
+      const bool is_for_names = definition->object_type == kKindNumbers[kind] &&
+                                definition->name == kLongNameAttributes[kind];
+      const attr_def*& first = long_name_definitions_[kind];
+      if (is_for_names && !first) first = definition;
     }
   }
 }
@@ -97,7 +96,14 @@ void Writer::long_name_definitions() {
 
 /// Whether the writer brings the attribute for the kind's long names.
 bool Writer::defines_long_names(std::size_t kind) const {
-  return names_[static_cast<NamedKind>(kind)].has_long_names() && !has_long_name_definition_[kind];
+  return names_[static_cast<NamedKind>(kind)].has_long_names() && !long_name_definitions_[kind];
+}
+
+/// A user's attribute of another type cannot hold names.
+bool Writer::writes_long_names(NamedKind kind) const {
+  const attr_def* definition = long_name_definitions_[static_cast<std::size_t>(kind)];
+  return names_[kind].has_long_names() &&
+         (!definition || definition->value_type == ZELK_ATTR_STRING);
 }
 
 void Writer::signal_type_definitions() {
@@ -180,12 +186,15 @@ void Writer::values() {
     object_values(node->attrs, "BU_ ", name(*node), ' ');
     long_name(NamedKind::kNode, node->name, "BU_ ", name(*node), ' ');
   }
+  const MessageSet hidden = hidden_messages();
   for (const msgblk* message = model_.messages; message; message = message->next) {
     object_values(message->attrs, "BO_ ", message->id, ' ');
+    if (hidden.contains(message)) continue;
     long_name(NamedKind::kMessage, message->name, "BO_ ", message->id, ' ');
   }
-  for_each_signal([this](const msgblk& message, const sigblk& signal) {
+  for_each_signal([&](const msgblk& message, const sigblk& signal) {
     object_values(signal.attrs, "SG_ ", message.id, ' ', name(signal), ' ');
+    if (hidden.contains(&message)) return;
     long_name(NamedKind::kSignal, signal.name, "SG_ ", message.id, ' ', name(signal), ' ');
   });
   for (const env_var_blk* variable = model_.env_vars; variable; variable = variable->next) {
@@ -204,10 +213,24 @@ void Writer::object_values(const attr* values, const Place&... place) {
   for (; values; values = values->next) value("BA_ ", *values, place...);
 }
 
+/// Messages that a reader cannot name, because others with their identifiers stand in front of
+/// them. Their long names, and those of their signals, would go to the others. None when there are
+/// no long names.
+Writer::MessageSet Writer::hidden_messages() const {
+  MessageSet hidden;
+  if (!writes_long_names(NamedKind::kMessage) && !writes_long_names(NamedKind::kSignal))
+    return hidden;
+  std::unordered_set<std::uint32_t, SeededHash> ids;
+  for (const msgblk* message = model_.messages; message; message = message->next) {
+    if (!ids.insert(message->id).second) hidden.insert(message);
+  }
+  return hidden;
+}
+
 /// The value that gives an object its full name back.
 template <typename... Place>
 void Writer::long_name(NamedKind kind, const char* full_name, const Place&... place) {
-  if (!names_[kind].has_long_names() || !is_long(full_name)) return;
+  if (!is_long_name(full_name) || !writes_long_names(kind)) return;
   out_.put("BA_ \"", kLongNameAttributes[static_cast<std::size_t>(kind)], "\" ", place...);
   out_.put_quoted(full_name);
   out_.put(";\n");

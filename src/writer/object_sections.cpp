@@ -4,8 +4,10 @@
 #include <string>
 #include <unordered_set>
 
+#include "text/characters.hpp"
 #include "text/keywords.hpp"
 #include "text/new_symbols.hpp"
+#include "text/seeded_hash.hpp"
 #include "text/words.hpp"
 #include "writer/writer.hpp"
 
@@ -25,6 +27,16 @@ bool any(const Record* list, Predicate holds) {
 int byte_order(std::uint16_t flags) { return (flags & ZELK_SIGNAL_MOTOROLA) != 0 ? 0 : 1; }
 
 char sign(std::uint16_t flags) { return (flags & ZELK_SIGNAL_SIGNED) != 0 ? '-' : '+'; }
+
+/// Whether the writer puts this word where no object's name stands: the placeholder node, an access
+/// code, or a multiplexer indicator ("M", "m3", "m3M").
+bool is_written_word(std::string_view word) {
+  if (is_no_node(word) || word.starts_with(kAccessCodePrefix) || word == "M") return true;
+  if (!word.starts_with('m')) return false;
+  word.remove_prefix(1);
+  if (word.ends_with('M')) word.remove_suffix(1);
+  return std::all_of(word.begin(), word.end(), is_digit);
+}
 
 }  // namespace
 
@@ -70,17 +82,17 @@ void Writer::new_symbols() {
   for (const auto* keyword = first + 1; keyword != zelk_keyword.end(); ++keyword) {
     out_.put('\t', keyword->text, '\n');
   }
-  for (const std::string& symbol : free_new_symbols()) out_.put('\t', symbol, '\n');
+  for (const std::string& symbol : unused_new_symbols()) out_.put('\t', symbol, '\n');
   out_.put('\n');
 }
 
 /// Those of the last file's announced names that no object bears here. A reader skips every
 /// statement in which an announced name stands, so a name that is in use must not be announced
 /// again.
-std::vector<std::string> Writer::free_new_symbols() {
+std::vector<std::string> Writer::unused_new_symbols() {
   std::vector<std::string> symbols = last_new_symbols();
   if (symbols.empty()) return symbols;
-  std::unordered_set<std::string_view> in_use;
+  std::unordered_set<std::string_view, SeededHash> in_use;
   const auto use = [&in_use](std::string_view name) { in_use.insert(name); };
   for (const symblk* node = model_.nodes; node; node = node->next) use(name(*node));
   for (const env_var_blk* variable = model_.env_vars; variable; variable = variable->next)
@@ -95,7 +107,9 @@ std::vector<std::string> Writer::free_new_symbols() {
     for (const siggroupblk* group = message->siggroups; group; group = group->next)
       use(group->name);
   }
-  std::erase_if(symbols, [&in_use](const std::string& symbol) { return in_use.contains(symbol); });
+  std::erase_if(symbols, [&in_use](const std::string& symbol) {
+    return is_written_word(symbol) || in_use.contains(symbol);
+  });
   return symbols;
 }
 
@@ -119,7 +133,7 @@ void Writer::nodes() {
 void Writer::messages() {
   for (const msgblk* message = model_.messages; message; message = message->next) {
     out_.put("\nBO_ ", message->id, ' ', name(*message), ": ", message->dlc, ' ',
-             name(message->transmitter), '\n');
+             transmitter(*message), '\n');
     for (const sigblk* signal = message->signals; signal; signal = signal->next)
       this->signal(*signal);
   }

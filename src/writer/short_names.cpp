@@ -3,16 +3,16 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <functional>
 
 namespace zelk {
 namespace {
 
-constexpr std::size_t kNameMax = 32;
 constexpr std::size_t kNumberedMax = 27;  // characters in front of "_" and four digits
 constexpr int kNumbers = 1000;
 constexpr std::string_view kSubstitute = "invalidShortSymbolicName";
 
-bool fits(std::string_view name) { return !name.empty() && name.size() <= kNameMax; }
+bool fits(std::string_view name) { return !name.empty() && name.size() <= ZELK_INLINE_NAME_MAX; }
 
 std::string_view view(const char* text) { return text ? text : ""; }
 
@@ -39,14 +39,14 @@ std::string_view ShortNames::written_name(const void* record, const char* name) 
   if (fits(full)) return full;
   const auto [entry, is_new] = chosen_.try_emplace(record);
   if (!is_new) return entry->second;
-  if (full.size() > kNameMax) has_long_names_ = true;
+  if (is_long_name(name)) has_long_names_ = true;
   entry->second = choose(full);
   used_.insert(entry->second);
   return entry->second;
 }
 
 std::string ShortNames::choose(std::string_view name) {
-  std::string base(name.empty() ? kSubstitute : name.substr(0, kNameMax));
+  std::string base(name.empty() ? kSubstitute : name.substr(0, ZELK_INLINE_NAME_MAX));
   if (!used_.contains(base)) return base;
   const std::string start = base.substr(0, kNumberedMax);
   // Names in use stay in use: every number below the next one has been found taken.
@@ -66,7 +66,7 @@ void ShortNameCache::reset(const ModelView& model) {
   for_each_name(model, [&needs_names](NamedKind kind, std::string_view name) {
     needs_names[static_cast<std::size_t>(kind)] |= !fits(name);
   });
-  if (std::count(needs_names.begin(), needs_names.end(), true) == 0) return;
+  if (std::none_of(needs_names.begin(), needs_names.end(), std::identity())) return;
   for_each_name(model, [&](NamedKind kind, std::string_view name) {
     if (needs_names[static_cast<std::size_t>(kind)] && fits(name)) (*this)[kind].reserve(name);
   });

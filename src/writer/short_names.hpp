@@ -6,14 +6,21 @@
 
 #include <array>
 #include <cstddef>
+#include <cstring>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 
+#include "text/seeded_hash.hpp"
 #include "writer/model_view.hpp"
 
 namespace zelk {
+
+/// Whether a name is too long for the format; null is not.
+inline bool is_long_name(const char* name) {
+  return name && std::strlen(name) > ZELK_INLINE_NAME_MAX;
+}
 
 /// Kinds of objects whose names may be longer than the format allows, in the order of
 /// `kLongNameAttributes`.
@@ -43,9 +50,10 @@ class ShortNames {
  private:
   std::string choose(std::string_view name);
 
-  std::unordered_set<std::string_view> used_;
+  std::unordered_set<std::string_view, SeededHash> used_;
   std::unordered_map<const void*, std::string> chosen_;
-  std::unordered_map<std::string, int> next_numbers_;  ///< by what stands in front of the number
+  std::unordered_map<std::string, int, SeededHash>
+      next_numbers_;  ///< by what stands in front of the number
   bool has_long_names_ = false;
 };
 

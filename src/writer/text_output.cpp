@@ -51,8 +51,7 @@ void TextOutput::put_item(std::int32_t number) { put_integer(number); }
 void TextOutput::put_item(std::uint32_t number) { put_integer(number); }
 void TextOutput::put_item(Padded item) {
   std::array<char, kIntegerMax> digits{};
-  const auto* const end =
-      std::to_chars(digits.data(), digits.data() + digits.size(), item.number).ptr;
+  auto* const end = std::to_chars(digits.data(), digits.data() + digits.size(), item.number).ptr;
   const auto size = static_cast<std::size_t>(end - digits.data());
   for (std::size_t blanks = size; blanks < item.width; ++blanks) put_item(' ');
   put_item(std::string_view(digits.data(), size));

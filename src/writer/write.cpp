@@ -7,7 +7,10 @@
 
 namespace zelk {
 
-std::string_view Writer::name(const symblk* node) {
+std::string_view Writer::name(const symblk* node) { return node ? name(*node) : ZELK_NO_NODE; }
+
+std::string_view Writer::transmitter(const msgblk& message) {
+  const symblk* node = message.transmitter;
   return node && node->name ? name(*node) : ZELK_NO_NODE;
 }
 

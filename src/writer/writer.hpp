@@ -8,8 +8,10 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
+#include "text/seeded_hash.hpp"
 #include "writer/model_view.hpp"
 #include "writer/short_names.hpp"
 #include "writer/text_output.hpp"
@@ -35,10 +37,12 @@ class Writer {
   void write(bool with_multiplexor_ranges);
 
  private:
+  using MessageSet = std::unordered_set<const msgblk*>;
+
   // The frame and the objects (object_sections.cpp).
   bool needs_new_symbols() const;
   void new_symbols();
-  std::vector<std::string> free_new_symbols();
+  std::vector<std::string> unused_new_symbols();
   void bit_timings();
   void nodes();
   void messages();
@@ -72,6 +76,8 @@ class Writer {
   void value(const char* keyword, const attr& value, const Place&... place);
   void number_or_text(bool is_text, zelk_attr_value_t value);
   bool defines_long_names(std::size_t kind) const;
+  bool writes_long_names(NamedKind kind) const;
+  MessageSet hidden_messages() const;
 
   // Descriptions, categories and what refers to signals (description_sections.cpp).
   void value_tables();
@@ -87,10 +93,13 @@ class Writer {
   void multiplexor_ranges();
   void signal_ranges(const msgblk& message, const sigblk& signal);
 
-  /// The placeholder for null and for a node without a name.
+  /// The placeholder for null.
   std::string_view name(const symblk* node);
+  /// The placeholder for none and for one without a name.
+  std::string_view transmitter(const msgblk& message);
   std::string_view name(const symblk& node);
   std::string_view name(const msgblk& message);
+  /// The placeholder for a signal without a name.
   std::string_view name(const sigblk& signal);
   std::string_view name(const env_var_blk& variable);
   void names(const rxblk* links);
@@ -108,8 +117,8 @@ class Writer {
   const ModelView& model_;
   ShortNameCache& names_;
   TextOutput& out_;
-  /// By kind: the user's definitions have the attribute for its long names.
-  std::array<bool, kNamedKinds> has_long_name_definition_{};
+  /// By kind: the user's first definition of the attribute for its long names.
+  std::array<const attr_def*, kNamedKinds> long_name_definitions_{};
 };
 
 }  // namespace zelk

@@ -35,7 +35,9 @@ void add_rewrite_command(CLI::App& app, Action& action) {
       "rewrite", "Read a database and write it again, in the library's own order and form");
   const auto arguments = std::make_shared<Arguments>();
   command->add_option("IN", arguments->in, "Database to read")->required()->option_text(" ");
-  command->add_option("OUT", arguments->out, "File to write; it is created or replaced")
+  command
+      ->add_option("OUT", arguments->out,
+                   "File to write; it is created or replaced, and not checked for a full disk")
       ->required()
       ->option_text(" ");
   command->callback([arguments, &action] {

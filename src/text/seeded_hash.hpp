@@ -1,9 +1,9 @@
 /// \file
-/// Hashes of the keys of a read, with a seed that no file can foresee: else a file could be made
-/// whose keys all collide.
+/// Hashes of keys that files choose, with a seed that no file can foresee: else a file could be
+/// made whose keys all collide.
 
-#ifndef ZELK_READER_SEEDED_HASH_HPP
-#define ZELK_READER_SEEDED_HASH_HPP
+#ifndef ZELK_TEXT_SEEDED_HASH_HPP
+#define ZELK_TEXT_SEEDED_HASH_HPP
 
 #include <chrono>
 #include <cstddef>
@@ -28,6 +28,8 @@ inline std::uint64_t hash_seed() {
 
 /// Multiply-and-fold over words of 8 bytes, with the seed as the multiplier.
 struct SeededHash {
+  using is_transparent = void;  ///< strings are found by views
+
   std::size_t operator()(std::string_view text) const {
     std::uint64_t hash = seed ^ text.size();
     while (text.size() > sizeof(std::uint64_t)) {
