@@ -250,9 +250,11 @@ void Writer::value(const char* keyword, const attr& value, const Place&... place
 // --- Values of relations ---
 
 void Writer::relation_values() {
-  for_each_signal([this](const msgblk& message, const sigblk& signal) {
-    link_values(signal.receivers, "BU_SG_REL_ ", "SG_ ", message.id, ' ', name(signal), ' ');
-  });
+  if (noticed_.link_attribute) {
+    for_each_signal([this](const msgblk& message, const sigblk& signal) {
+      link_values(signal.receivers, "BU_SG_REL_ ", "SG_ ", message.id, ' ', name(signal), ' ');
+    });
+  }
   for (const msgblk* message = model_.messages; message; message = message->next) {
     link_values(message->tx_nodes, "BU_BO_REL_ ", message->id, ' ');
   }

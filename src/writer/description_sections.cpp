@@ -104,6 +104,7 @@ void Writer::filter() {
 // --- More about signals ---
 
 void Writer::type_references() {
+  if (!noticed_.type) return;
   for_each_signal([this](const msgblk& message, const sigblk& signal) {
     if (!signal.sigtype) return;
     out_.put("SIG_TYPE_REF_ ", message.id, ' ', name(signal), " : ", signal.sigtype->name, ";\n");
@@ -124,10 +125,12 @@ void Writer::signal_groups() {
 }
 
 void Writer::value_types() {
-  for_each_signal([this](const msgblk& message, const sigblk& signal) {
-    if (signal.value_type == ZELK_VALUE_INTEGER) return;
-    out_.put("SIG_VALTYPE_ ", message.id, ' ', name(signal), " : ", signal.value_type, ";\n");
-  });
+  if (noticed_.value_type) {
+    for_each_signal([this](const msgblk& message, const sigblk& signal) {
+      if (signal.value_type == ZELK_VALUE_INTEGER) return;
+      out_.put("SIG_VALTYPE_ ", message.id, ' ', name(signal), " : ", signal.value_type, ";\n");
+    });
+  }
   for (const sigtype* type = model_.sig_types; type; type = type->next) {
     if (type->value_type == ZELK_VALUE_INTEGER) continue;
     out_.put("SIGTYPE_VALTYPE_ ", type->name, " : ", type->value_type, ";\n");
@@ -137,7 +140,8 @@ void Writer::value_types() {
 // --- Multiplexor ranges ---
 
 void Writer::multiplexor_ranges() {
-  for (const msgblk* message = model_.messages; message; message = message->next) {
+  const msgblk* const messages = noticed_.multiplexor ? model_.messages : nullptr;
+  for (const msgblk* message = messages; message; message = message->next) {
     const bool is_extended = has_several_multiplexors(*message);
     for (const sigblk* signal = message->signals; signal; signal = signal->next) {
       if (signal->mux_signal && signal->mux_ranges &&

@@ -156,6 +156,15 @@ void Writer::signal(const sigblk& signal) {
   out_.put(' ');
   names(signal.receivers);
   out_.put('\n');
+  notice(signal);
+}
+
+void Writer::notice(const sigblk& signal) {
+  noticed_.link_attribute |=
+      any(signal.receivers, [](const rxblk& link) { return link.attrs != nullptr; });
+  noticed_.type |= signal.sigtype != nullptr;
+  noticed_.value_type |= signal.value_type != ZELK_VALUE_INTEGER;
+  noticed_.multiplexor |= signal.mux_signal != nullptr;
 }
 
 /// Nodes behind a blank, separated by commas; the placeholder without a blank.

@@ -114,9 +114,20 @@ class Writer {
     }
   }
 
+  /// What some signal has that few signals have, noticed while the signals are written: the
+  /// sections for it are walked over only then. The records have left the caches by that time.
+  struct Noticed {
+    bool link_attribute = false;
+    bool type = false;
+    bool value_type = false;
+    bool multiplexor = false;
+  };
+  void notice(const sigblk& signal);
+
   const ModelView& model_;
   ShortNameCache& names_;
   TextOutput& out_;
+  Noticed noticed_;
   /// By kind: the user's first definition of the attribute for its long names.
   std::array<const attr_def*, kNamedKinds> long_name_definitions_{};
 };
