@@ -74,7 +74,6 @@ int zelk_lex(zelk::SemanticValue* value, zelk::Reader& reader) {
 %type <kind> object_kind relation_kind named_relation default_kind
 %type <whole> signed_whole
 %type <real> real magnitude default_number
-%type <pair> factor_offset range_brackets
 %type <text> indicator table_name
 %type <segment> type_segment
 
@@ -165,9 +164,9 @@ message_head: T_BO whole T_IDENT ':' T_SHORT T_IDENT
             ;
 
 signals: %empty
-       | signals T_SG T_IDENT indicator ':' T_SHORT '|' segments sign factor_offset range_brackets
-         T_STRING comma_names
-         { reader.messages.signal({$3, $4, $6, $9 != 0, $10, $11, $12}); }
+       | signals T_SG T_IDENT indicator ':' T_SHORT '|' segments sign '(' real ',' real ')'
+         '[' real '|' real ']' T_STRING comma_names
+         { reader.messages.signal({$3, $4, $6, $9 != 0, {$11, $13}, {$16, $18}, $20}); }
        ;
 
 indicator: %empty { $$ = {nullptr, 0}; }
@@ -184,10 +183,6 @@ sign: %empty { $$ = 0; }
     | '+'    { $$ = 0; }
     | '-'    { $$ = 1; }
     ;
-
-factor_offset: '(' real ',' real ')' { $$ = {$2, $4}; } ;
-
-range_brackets: '[' real '|' real ']' { $$ = {$2, $4}; } ;
 
 comma_names: T_IDENT                 { reader.context.names.push_back($1); }
            | comma_names ',' T_IDENT { reader.context.names.push_back($3); }
@@ -209,9 +204,9 @@ transmitters: %empty
 /* --- Places 8 to 11: environment variables, signal types, comments --- */
 
 variables: %empty
-         | variables T_EV T_IDENT ':' whole range_brackets T_STRING real whole T_IDENT
+         | variables T_EV T_IDENT ':' whole '[' real '|' real ']' T_STRING real whole T_IDENT
            comma_names ';'
-           { reader.objects.variable({$3, $5, $6, $7, $8, $9, $10}); }
+           { reader.objects.variable({$3, $5, {$7, $9}, $11, $12, $13, $14}); }
          ;
 
 data_variables: %empty
@@ -223,10 +218,11 @@ signal_types: %empty
             | signal_types signal_type
             ;
 
-signal_type: T_SGTYPE T_IDENT ':' type_segment sign factor_offset range_brackets T_STRING
-             default_number table_name optional_end
+signal_type: T_SGTYPE T_IDENT ':' type_segment sign '(' real ',' real ')' '[' real '|' real ']'
+             T_STRING default_number table_name optional_end
              {
-               reader.objects.signal_type({$2, $4, $5 != 0, $6, $7, $8, $9, $10});
+               reader.objects.signal_type(
+                   {$2, $4, $5 != 0, {$7, $9}, {$12, $14}, $16, $17, $18});
              }
            ;
 

@@ -37,7 +37,6 @@ union SemanticValue {
   std::int64_t whole;  ///< an integer behind an optional sign
   std::int32_t kind;   ///< `zelk_obj_t`
   double real;
-  RealPair pair;
   TokenText text;
   Segment segment;
 };
