@@ -16,5 +16,7 @@ install(EXPORT zelkmsnx NAMESPACE zelkmsnx:: FILE zelkmsnx-config.cmake DESTINAT
 write_basic_package_version_file(${CMAKE_BINARY_DIR}/zelkmsnx-config-version.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_BINARY_DIR}/zelkmsnx-config-version.cmake DESTINATION ${package_dir})
 
+# The file finds the installation from where it lies, so that `cmake --install --prefix` may put it anywhere.
+file(RELATIVE_PATH pc_to_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 configure_file(${PROJECT_SOURCE_DIR}/cmake/zelkmsnx.pc.in ${CMAKE_BINARY_DIR}/zelkmsnx.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/zelkmsnx.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
