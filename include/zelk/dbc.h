@@ -22,10 +22,10 @@ ZELK_EXTERN_C_BEGIN
 ///
 /// @param file_name  path in the platform's encoding; null reads nothing and returns 0
 /// @param version    set to an owned empty text when null, also when `file_name` is null
-/// @param slots      four places for the definitions of the long-name attributes, set to null.
-///                   Names too long for the format stand in such attributes: their values become
-///                   the names of the objects once the file is accepted, and their definitions
-///                   leave the list
+/// @param slots      four places for the definitions of the long-name attributes, set to null; null
+///                   is allowed. Names too long for the format stand in such attributes: their
+///                   values become the names of the objects once the file is accepted, and their
+///                   definitions leave the list
 /// @return 0; or 1 when there is no memory for a name of the "NS_" list, the one fault without a
 ///         report
 /// @throws ZelkException for every other error (numbers in errors.h; 16 for a file that cannot be

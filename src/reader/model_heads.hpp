@@ -22,7 +22,7 @@ struct ModelHeads {
   char*& version;
   sigtype*& sig_types;
   valtable*& val_tables;
-  attr_def** slots;  ///< four, in the order of `kLongNameAttributes`
+  attr_def** slots;  ///< four, in the order of `kLongNameAttributes`; null allowed
 };
 
 }  // namespace zelk

@@ -37,7 +37,7 @@ int read_open_file(const ModelHeads& heads, platform::File file) {
 
 std::uint32_t read_file(const char* file_name, const ModelHeads& heads) {
   reset_new_symbols();
-  std::fill_n(heads.slots, 4, nullptr);
+  if (heads.slots) std::fill_n(heads.slots, 4, nullptr);
   if (!heads.version) heads.version = copy_text("").release();
   error_state().read_error_reported = false;
   if (!file_name) return ZELK_OK;
