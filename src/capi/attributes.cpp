@@ -4,6 +4,7 @@
 
 #include "capi/attribute_text.hpp"
 #include "capi/list_walk.hpp"
+#include "text/words.hpp"
 #include "zelk/query.h"
 
 namespace zelk {
@@ -23,11 +24,11 @@ std::optional<std::string_view> enum_item(const char* enum_values, double index)
   if (enum_values == nullptr || !is_index) return std::nullopt;
   std::string_view items = enum_values;
   for (auto skip = static_cast<std::size_t>(index); skip > 0; --skip) {
-    const std::size_t separator = items.find('\n');
+    const std::size_t separator = items.find(kItemSeparator);
     if (separator == std::string_view::npos) return std::nullopt;
     items.remove_prefix(separator + 1);
   }
-  return items.substr(0, items.find('\n'));
+  return items.substr(0, items.find(kItemSeparator));
 }
 
 zelk_attr_value_t stored_value(attr* values, const char* name) {

@@ -77,12 +77,12 @@ constexpr std::array<bool, 256> kNameCharacters = make_name_characters();
 
 unsigned char byte_at(const char* position) { return static_cast<unsigned char>(*position); }
 
-std::string_view between(const char* start, const char* end) {
+TokenText text_between(const char* start, const char* end) {
   return {start, static_cast<std::size_t>(end - start)};
 }
 
-TokenText text_between(const char* start, const char* end) {
-  return {start, static_cast<std::size_t>(end - start)};
+std::string_view between(const char* start, const char* end) {
+  return text_between(start, end).view();
 }
 
 /// All digits but the zeros in front of another one.
@@ -90,16 +90,10 @@ std::string_view without_leading_zeros(std::string_view digits) {
   return digits.substr(std::min(digits.find_first_not_of('0'), digits.size() - 1));
 }
 
-std::uint64_t decimal_value(std::string_view digits) {
+/// Value of the digits at the start of `digits` that belong to the base. They fit into 64 bits.
+std::uint64_t integer_value(std::string_view digits, int base) {
   std::uint64_t value = 0;
-  for (const char digit : digits) value = value * 10 + static_cast<unsigned>(digit - '0');
-  return value;
-}
-
-/// Value of the octal digits at the start of `digits`, whose decimal value fits into 32 bits.
-std::uint32_t octal_value(std::string_view digits) {
-  std::uint32_t value = 0;
-  std::from_chars(digits.data(), digits.data() + digits.size(), value, 8);
+  std::from_chars(digits.data(), digits.data() + digits.size(), value, base);
   return value;
 }
 
@@ -228,7 +222,7 @@ int Lexer::any_number(char* start, SemanticValue& value) {
   window_.set_cursor(end);
   const std::string_view digits = without_leading_zeros(between(start, end));
   const std::uint64_t decimal = digits.size() <= static_cast<std::size_t>(kPlainDigits)
-                                    ? decimal_value(digits)
+                                    ? integer_value(digits, 10)
                                     : kUlongMax + 1;
   if (decimal > kUlongMax) {
     value.real = literal_to_double(digits);
@@ -236,7 +230,8 @@ int Lexer::any_number(char* start, SemanticValue& value) {
   }
   const bool has_prefix = *start == '0';
   const auto plain = static_cast<std::uint32_t>(decimal);
-  const std::uint32_t prefixed = has_prefix ? octal_value(digits) : plain;
+  const std::uint32_t prefixed =
+      has_prefix ? static_cast<std::uint32_t>(integer_value(digits, 8)) : plain;
   const bool is_short = prefixed <= kShortMax;
   value.integer = is_short ? plain : prefixed;
   return is_short ? T_SHORT : T_ULONG;

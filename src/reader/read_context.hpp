@@ -36,8 +36,8 @@ struct ReadContext {
 
   std::vector<TokenText> names;   ///< the list of names of the statement under way
   PendingList<val> descriptions;  ///< the value descriptions of the statement under way
-  bool extended_multiplexing =
-      false;  ///< a message has several multiplexors: look for cycles at the end
+  /// A message has several multiplexors: look for cycles at the end.
+  bool extended_multiplexing = false;
 
   /// Ends the read with an error at the present line.
   [[noreturn]] void fail(std::uint32_t number, std::string_view text) const {
