@@ -26,7 +26,9 @@
 #include "zelk/dbc.h"
 #include "zelk/errors.h"
 #include "zelk/export.h"
+#include "zelk/library.h"
 #include "zelk/model.h"
+#include "zelk/platform.h"
 #include "zelk/query.h"
 #include "zelk/records.h"
 

@@ -1,12 +1,20 @@
 /// \file
 /// What the library needs of an operating system; one source file per system fulfils it.
+///
+/// Paths are NUL-terminated and in the system's encoding of file names: on Windows the process's
+/// ANSI code page. A path may be longer than 260 characters on Windows too.
 
 #ifndef ZELK_PLATFORM_PLATFORM_HPP
 #define ZELK_PLATFORM_PLATFORM_HPP
 
 #include <array>
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <memory>
+#include <optional>
+
+#include "zelk/platform.h"
 
 namespace zelk::platform {
 
@@ -19,21 +27,75 @@ using File = std::unique_ptr<std::FILE, FileCloser>;
 
 /// Opens a file for reading its bytes as they are, without a buffer of the stream's own.
 ///
-/// @param path  NUL-terminated, in the system's encoding of file names
 /// @return null when the file cannot be opened, or is a directory
 File open_for_reading(const char* path);
 
 /// Creates or empties a file for writing text, without a buffer of the stream's own: a line feed is
 /// written as the system's line end.
 ///
-/// @param path  NUL-terminated, in the system's encoding of file names
 /// @return null when the file cannot be opened for writing
 File open_for_writing(const char* path);
+
+/// When a file was last changed, to what the file system keeps; two readings of an unchanged file
+/// are equal.
+struct FileTime {
+  std::int64_t ticks = 0;  ///< nanoseconds since 1970 on Linux, 100 ns since 1601 on Windows
+
+  bool operator==(const FileTime&) const = default;
+};
+
+struct FileStatus {
+  FileTime modified;
+  bool owner_may_write;
+};
+
+/// @return none when nothing of that name exists, or it cannot be asked for
+std::optional<FileStatus> file_status(const char* path);
+
+/// Whether two paths name one file: made absolute, they are equal but for the case of letters, and
+/// where they differ in case they do not lead to two different files.
+///
+/// @return false also when a path cannot be made absolute
+bool is_same_path(const char* a, const char* b);
 
 /// The bytes that begin a double-byte character in the process's code page; none in single-byte
 /// code pages, nor in those (such as UTF-8) in which no later byte of a character can be an ASCII
 /// one.
 std::array<bool, 256> lead_bytes();
+
+struct ModuleUnloader {
+  void operator()(void* module) const noexcept;
+};
+
+/// A loaded module, let go of when this goes.
+using Module = std::unique_ptr<void, ModuleUnloader>;
+
+/// @return null when there is no loadable module of that name
+Module load_module(const char* path);
+
+using Function = void (*)();
+
+/// @return null when `module` exports no function of that name
+Function find_function(const Module& module, const char* name);
+
+/// Puts the full file name of the library (of the program, where the library is linked into it)
+/// into `buffer`, cut to `size_bytes` - 1 characters and terminated; nothing when `size_bytes` is
+/// 0.
+void own_file_name(char* buffer, std::uint32_t size_bytes);
+
+/// The number of the message of this name, the same for everybody who asks for it.
+///
+/// @return 0xC000 to 0xFFFF; 0 when the system has no number left
+std::uint32_t registered_message(const char* name);
+
+/// Posts to windows or a thread, and never waits for them. To post to nobody is no error. See
+/// hooks.hpp for what the library calls.
+void post(const zelk_notification& notification);
+
+/// Shows a message in the system's way and returns when the user has taken note of it.
+///
+/// @param style  bits of a Windows message box
+void show_message_box(const char* text, const char* title, std::uint32_t style);
 
 }  // namespace zelk::platform
 

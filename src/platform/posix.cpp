@@ -1,14 +1,26 @@
+#include <dlfcn.h>
 #include <langinfo.h>
+#include <limits.h>
+#include <stdlib.h>
+#include <strings.h>
 #include <sys/stat.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <cwchar>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
 
+#include "platform/module_entry.hpp"
 #include "platform/platform.hpp"
 
 namespace zelk::platform {
 namespace {
+
+constexpr std::int64_t kNanosecondsPerSecond = 1'000'000'000;
+constexpr std::uint32_t kFirstMessage = 0xC000;
+constexpr std::uint32_t kLastMessage = 0xFFFF;
 
 bool is_directory(std::FILE* file) {
   struct stat status = {};
@@ -20,6 +32,44 @@ bool begins_character(char byte) {
   std::mbstate_t state = {};
   return std::mbrlen(&byte, 1, &state) == static_cast<std::size_t>(-2);
 }
+
+/// Empty when the working folder is gone.
+std::string absolute_path(const char* path) {
+  std::error_code error;
+  const std::filesystem::path absolute = std::filesystem::absolute(path, error);
+  return error ? std::string() : absolute.lexically_normal().string();
+}
+
+/// Whether both files exist and are not the same one.
+bool are_different_files(const char* a, const char* b) {
+  struct stat status_a = {};
+  struct stat status_b = {};
+  return stat(a, &status_a) == 0 && stat(b, &status_b) == 0 &&
+         (status_a.st_dev != status_b.st_dev || status_a.st_ino != status_b.st_ino);
+}
+
+/// The file that holds this code, as it was found when the library was loaded: a relative name
+/// means nothing any more once the host has changed its working folder.
+struct OwnFile {
+  void* base = nullptr;
+  char path[PATH_MAX] = {};
+};
+
+OwnFile& own_file() {
+  static OwnFile file;
+  return file;
+}
+
+[[gnu::constructor]] void attach_shared_object() {
+  Dl_info info = {};
+  OwnFile& file = own_file();
+  if (dladdr(&file, &info) == 0) return attach(&file);
+  file.base = info.dli_fbase;
+  if (!realpath(info.dli_fname, file.path)) file.path[0] = '\0';
+  attach(file.base);
+}
+
+[[gnu::destructor]] void detach_shared_object() { detach(); }
 
 }  // namespace
 
@@ -36,6 +86,21 @@ File open_for_writing(const char* path) {
   return file;
 }
 
+std::optional<FileStatus> file_status(const char* path) {
+  struct stat status = {};
+  if (stat(path, &status) != 0) return std::nullopt;
+  const std::int64_t ticks =
+      status.st_mtim.tv_sec * kNanosecondsPerSecond + status.st_mtim.tv_nsec;
+  return FileStatus{{ticks}, (status.st_mode & S_IWUSR) != 0};
+}
+
+bool is_same_path(const char* a, const char* b) {
+  const std::string absolute_a = absolute_path(a);
+  const std::string absolute_b = absolute_path(b);
+  if (absolute_a.empty() || strcasecmp(absolute_a.c_str(), absolute_b.c_str()) != 0) return false;
+  return absolute_a == absolute_b || !are_different_files(a, b);
+}
+
 std::array<bool, 256> lead_bytes() {
   std::array<bool, 256> leads = {};
   if (MB_CUR_MAX == 1 || std::strcmp(nl_langinfo(CODESET), "UTF-8") == 0) return leads;
@@ -43,6 +108,38 @@ std::array<bool, 256> lead_bytes() {
     leads[byte] = begins_character(static_cast<char>(byte));
   }
   return leads;
+}
+
+void ModuleUnloader::operator()(void* module) const noexcept { dlclose(module); }
+
+Module load_module(const char* path) { return Module(dlopen(path, RTLD_NOW | RTLD_LOCAL)); }
+
+Function find_function(const Module& module, const char* name) {
+  return reinterpret_cast<Function>(dlsym(module.get(), name));
+}
+
+void own_file_name(char* buffer, std::uint32_t size_bytes) {
+  if (size_bytes == 0) return;
+  const std::string_view path = own_file().path;
+  buffer[path.copy(buffer, size_bytes - 1)] = '\0';
+}
+
+std::uint32_t registered_message(const char* name) {
+  static std::vector<std::string> names;
+  std::uint32_t number = kFirstMessage;
+  for (const std::string& known : names) {
+    if (strcasecmp(known.c_str(), name) == 0) return number;
+    ++number;
+  }
+  if (number > kLastMessage) return 0;
+  names.emplace_back(name);
+  return number;
+}
+
+void post(const zelk_notification&) {}
+
+void show_message_box(const char* text, const char* title, std::uint32_t) {
+  std::fprintf(stderr, "%s: %s\n", title, text);
 }
 
 }  // namespace zelk::platform

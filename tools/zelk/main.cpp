@@ -1,5 +1,4 @@
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <sstream>
@@ -8,6 +7,7 @@
 #include <system_error>
 
 #include "commands.hpp"
+#include "system.hpp"
 #include "text.hpp"
 
 namespace zelk::tool {
@@ -86,9 +86,6 @@ int guarded_main(int argc, char** argv) {
 }  // namespace zelk::tool
 
 int main(int argc, char** argv) {
-#ifdef SIGPIPE
-  // A closed pipe shall be a failed write, not the end of the process.
-  std::signal(SIGPIPE, SIG_IGN);
-#endif
+  zelk::tool::prepare_process();
   return zelk::tool::guarded_main(argc, argv);
 }

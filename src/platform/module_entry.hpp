@@ -1,0 +1,27 @@
+/// \file
+/// The library as a module of a process: told by the system when a process takes it and lets it go.
+
+#ifndef ZELK_PLATFORM_MODULE_ENTRY_HPP
+#define ZELK_PLATFORM_MODULE_ENTRY_HPP
+
+#include <cstdint>
+
+namespace zelk::platform {
+
+struct ModuleEntry {
+  void* module = nullptr;  ///< the system's handle; null while the library is not attached
+  std::uint32_t attach_count = 0;
+};
+
+/// The process's only one.
+ModuleEntry& module_entry();
+
+/// A process takes the library; the first time tells its handle.
+void attach(void* module);
+
+/// A process lets go of the library; the last time forgets its handle.
+void detach();
+
+}  // namespace zelk::platform
+
+#endif

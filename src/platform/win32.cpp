@@ -1,0 +1,159 @@
+#include <io.h>
+#include <windows.h>
+
+#include <string>
+
+#include "platform/module_entry.hpp"
+#include "platform/platform.hpp"
+
+namespace zelk::platform {
+namespace {
+
+/// In UTF-16; empty when `text` is no text of the process's code page.
+std::wstring wide(const char* text) {
+  const int size = MultiByteToWideChar(CP_ACP, MB_ERR_INVALID_CHARS, text, -1, nullptr, 0);
+  if (size <= 0) return {};
+  std::wstring result(static_cast<std::size_t>(size), L'\0');
+  MultiByteToWideChar(CP_ACP, MB_ERR_INVALID_CHARS, text, -1, result.data(), size);
+  result.pop_back();
+  return result;
+}
+
+/// Without "." and ".."; empty when there is no such path.
+std::wstring absolute_path(const char* path) {
+  const std::wstring relative = wide(path);
+  if (relative.empty()) return {};
+  std::wstring absolute(GetFullPathNameW(relative.c_str(), 0, nullptr, nullptr), L'\0');
+  const auto size = static_cast<DWORD>(absolute.size());
+  absolute.resize(GetFullPathNameW(relative.c_str(), size, absolute.data(), nullptr));
+  return absolute;
+}
+
+/// The path as the system takes it at any length. A short one stays as it is written, since the
+/// prefix would take the meaning from names such as "NUL".
+std::wstring system_path(const char* path) {
+  const std::wstring absolute = absolute_path(path);
+  if (absolute.size() < MAX_PATH) return wide(path);
+  if (absolute.starts_with(L"\\\\?\\") || absolute.starts_with(L"\\\\.\\")) return absolute;
+  if (absolute.starts_with(L"\\\\")) return L"\\\\?\\UNC" + absolute.substr(1);
+  return L"\\\\?\\" + absolute;
+}
+
+/// Null for a path that does not exist: an empty one must not become the working folder.
+File open_file(const char* path, const wchar_t* mode) {
+  const std::wstring name = system_path(path);
+  File file(name.empty() ? nullptr : _wfopen(name.c_str(), mode));
+  if (file) std::setvbuf(file.get(), nullptr, _IONBF, 0);
+  return file;
+}
+
+struct HandleCloser {
+  void operator()(HANDLE handle) const noexcept { CloseHandle(handle); }
+};
+
+using Handle = std::unique_ptr<void, HandleCloser>;
+
+/// Opens nothing but what tells which file it is; null when it does not exist.
+Handle open_for_identity(const char* path) {
+  constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+  const HANDLE handle = CreateFileW(system_path(path).c_str(), 0, kShareAll, nullptr, OPEN_EXISTING,
+                                    FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+  return Handle(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
+}
+
+/// Whether both files exist and are not the same one; folders may tell "a" and "A" apart.
+bool are_different_files(const char* a, const char* b) {
+  const Handle handle_a = open_for_identity(a);
+  const Handle handle_b = open_for_identity(b);
+  BY_HANDLE_FILE_INFORMATION info_a = {};
+  BY_HANDLE_FILE_INFORMATION info_b = {};
+  if (!handle_a || !handle_b || !GetFileInformationByHandle(handle_a.get(), &info_a) ||
+      !GetFileInformationByHandle(handle_b.get(), &info_b)) {
+    return false;
+  }
+  return info_a.dwVolumeSerialNumber != info_b.dwVolumeSerialNumber ||
+         info_a.nFileIndexHigh != info_b.nFileIndexHigh ||
+         info_a.nFileIndexLow != info_b.nFileIndexLow;
+}
+
+}  // namespace
+
+File open_for_reading(const char* path) { return open_file(path, L"rbN"); }
+
+File open_for_writing(const char* path) { return open_file(path, L"wtN"); }
+
+std::optional<FileStatus> file_status(const char* path) {
+  WIN32_FILE_ATTRIBUTE_DATA data = {};
+  if (!GetFileAttributesExW(system_path(path).c_str(), GetFileExInfoStandard, &data)) {
+    return std::nullopt;
+  }
+  const std::int64_t high = data.ftLastWriteTime.dwHighDateTime;
+  const bool is_read_only = (data.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0;
+  return FileStatus{{(high << 32) | data.ftLastWriteTime.dwLowDateTime}, !is_read_only};
+}
+
+bool is_same_path(const char* a, const char* b) {
+  const std::wstring absolute_a = absolute_path(a);
+  const std::wstring absolute_b = absolute_path(b);
+  constexpr BOOL kIgnoreCase = TRUE;
+  if (absolute_a.empty() || CompareStringOrdinal(absolute_a.c_str(), -1, absolute_b.c_str(), -1,
+                                                 kIgnoreCase) != CSTR_EQUAL) {
+    return false;
+  }
+  return absolute_a == absolute_b || !are_different_files(a, b);
+}
+
+std::array<bool, 256> lead_bytes() {
+  std::array<bool, 256> leads = {};
+  for (unsigned byte = 0x80; byte < leads.size(); ++byte) {
+    leads[byte] = IsDBCSLeadByte(static_cast<BYTE>(byte)) != 0;
+  }
+  return leads;
+}
+
+void ModuleUnloader::operator()(void* module) const noexcept {
+  FreeLibrary(static_cast<HMODULE>(module));
+}
+
+Module load_module(const char* path) { return Module(LoadLibraryW(system_path(path).c_str())); }
+
+Function find_function(const Module& module, const char* name) {
+  return reinterpret_cast<Function>(GetProcAddress(static_cast<HMODULE>(module.get()), name));
+}
+
+void own_file_name(char* buffer, std::uint32_t size_bytes) {
+  if (size_bytes == 0) return;
+  GetModuleFileNameA(static_cast<HMODULE>(module_entry().module), buffer, size_bytes);
+}
+
+std::uint32_t registered_message(const char* name) { return RegisterWindowMessageA(name); }
+
+void post(const zelk_notification& notification) {
+  const WPARAM sender = notification.sender;
+  const auto name = reinterpret_cast<LPARAM>(notification.database_name);
+  switch (notification.target) {
+    case ZELK_NOTIFY_ALL_WINDOWS:
+      PostMessageA(HWND_BROADCAST, notification.message, sender, name);
+      break;
+    case ZELK_NOTIFY_WINDOW:
+      PostMessageA(static_cast<HWND>(notification.handle), notification.message, sender, name);
+      break;
+    case ZELK_NOTIFY_THREAD: {
+      const auto thread_id = static_cast<DWORD>(reinterpret_cast<std::uintptr_t>(notification.handle));
+      PostThreadMessageA(thread_id, notification.message, sender, name);
+      break;
+    }
+  }
+}
+
+void show_message_box(const char* text, const char* title, std::uint32_t style) {
+  MessageBoxA(nullptr, text, title, style);
+}
+
+}  // namespace zelk::platform
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID) {
+  if (reason == DLL_PROCESS_ATTACH) zelk::platform::attach(module);
+  if (reason == DLL_PROCESS_DETACH) zelk::platform::detach();
+  return TRUE;
+}
