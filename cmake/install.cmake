@@ -8,6 +8,9 @@ install(TARGETS zelkmsnx EXPORT zelkmsnx
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/zelk DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 if(ZELK_BUILD_TOOL)
+  # The program finds the library from where it lies, wherever the installation was put.
+  file(RELATIVE_PATH bin_to_lib /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
+  set_target_properties(zelk PROPERTIES INSTALL_RPATH $ORIGIN/${bin_to_lib})
   install(TARGETS zelk RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
 

@@ -89,8 +89,7 @@ File open_for_writing(const char* path) {
 std::optional<FileStatus> file_status(const char* path) {
   struct stat status = {};
   if (stat(path, &status) != 0) return std::nullopt;
-  const std::int64_t ticks =
-      status.st_mtim.tv_sec * kNanosecondsPerSecond + status.st_mtim.tv_nsec;
+  const std::int64_t ticks = status.st_mtim.tv_sec * kNanosecondsPerSecond + status.st_mtim.tv_nsec;
   return FileStatus{{ticks}, (status.st_mode & S_IWUSR) != 0};
 }
 
@@ -98,7 +97,8 @@ bool is_same_path(const char* a, const char* b) {
   const std::string absolute_a = absolute_path(a);
   const std::string absolute_b = absolute_path(b);
   if (absolute_a.empty() || strcasecmp(absolute_a.c_str(), absolute_b.c_str()) != 0) return false;
-  return absolute_a == absolute_b || !are_different_files(a, b);
+  // Equal texts, too, may lead to two files: behind a link to a folder ".." is another place.
+  return !are_different_files(a, b);
 }
 
 std::array<bool, 256> lead_bytes() {
@@ -112,7 +112,10 @@ std::array<bool, 256> lead_bytes() {
 
 void ModuleUnloader::operator()(void* module) const noexcept { dlclose(module); }
 
-Module load_module(const char* path) { return Module(dlopen(path, RTLD_NOW | RTLD_LOCAL)); }
+Module load_module(const char* path) {
+  if (*path == '\0') return nullptr;  // the system takes it for the program itself
+  return Module(dlopen(path, RTLD_NOW | RTLD_LOCAL));
+}
 
 Function find_function(const Module& module, const char* name) {
   return reinterpret_cast<Function>(dlsym(module.get(), name));

@@ -1,6 +1,7 @@
 #include <io.h>
 #include <windows.h>
 
+#include <algorithm>
 #include <string>
 
 #include "platform/module_entry.hpp"
@@ -123,7 +124,9 @@ Function find_function(const Module& module, const char* name) {
 
 void own_file_name(char* buffer, std::uint32_t size_bytes) {
   if (size_bytes == 0) return;
-  GetModuleFileNameA(static_cast<HMODULE>(module_entry().module), buffer, size_bytes);
+  const auto module = static_cast<HMODULE>(module_entry().module);
+  const DWORD length = GetModuleFileNameA(module, buffer, size_bytes);
+  buffer[std::min<DWORD>(length, size_bytes - 1)] = '\0';  // not every system ends a name it cuts
 }
 
 std::uint32_t registered_message(const char* name) { return RegisterWindowMessageA(name); }
@@ -136,10 +139,12 @@ void post(const zelk_notification& notification) {
       PostMessageA(HWND_BROADCAST, notification.message, sender, name);
       break;
     case ZELK_NOTIFY_WINDOW:
+      if (!notification.handle) break;  // the system takes no window for the calling thread
       PostMessageA(static_cast<HWND>(notification.handle), notification.message, sender, name);
       break;
     case ZELK_NOTIFY_THREAD: {
-      const auto thread_id = static_cast<DWORD>(reinterpret_cast<std::uintptr_t>(notification.handle));
+      const auto thread_id =
+          static_cast<DWORD>(reinterpret_cast<std::uintptr_t>(notification.handle));
       PostThreadMessageA(thread_id, notification.message, sender, name);
       break;
     }

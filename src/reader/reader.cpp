@@ -22,9 +22,11 @@ void Reader::accept() {
 
 namespace {
 
-/// Reads an open file; memory that runs out is an error like any other.
-int read_open_file(const ModelHeads& heads, platform::File file) {
+/// Memory that runs out is an error like any other.
+int open_and_read(const char* file_name, const ModelHeads& heads) {
   try {
+    platform::File file = platform::open_for_reading(file_name);
+    if (!file) zelk_report(ZELK_ERR_NOT_FOUND, kNoLine, file_name, 1);
     return Reader(heads, std::move(file)).run();
   } catch (const ZelkException&) {
     error_state().read_error_reported = true;  // also when memory for a text ran out
@@ -41,12 +43,7 @@ std::uint32_t read_file(const char* file_name, const ModelHeads& heads) {
   if (!heads.version) heads.version = copy_text("").release();
   error_state().read_error_reported = false;
   if (!file_name) return ZELK_OK;
-  platform::File file = platform::open_for_reading(file_name);
-  if (!file) {
-    zelk_read_error(ZELK_ERR_NOT_FOUND, kNoLine, file_name);
-    return ZELK_ERR_NOT_FOUND;
-  }
-  return static_cast<std::uint32_t>(read_open_file(heads, std::move(file)));
+  return static_cast<std::uint32_t>(open_and_read(file_name, heads));
 }
 
 }  // namespace

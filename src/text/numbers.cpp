@@ -109,7 +109,7 @@ bool NumberText::set_short(double number) {
   if (result.ec != std::errc{}) return false;
   size_ = static_cast<std::size_t>(result.ptr - buffer_.data());
   const std::string_view digits = view().substr(std::min(view().find_first_not_of("-0."), size_));
-  const bool has_point = digits.find('.') != std::string_view::npos;
+  const bool has_point = std::find(digits.begin(), digits.end(), '.') != digits.end();
   return digits.size() - (has_point ? 1 : 0) <= kWrittenDigits;
 }
 

@@ -2,13 +2,12 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <random>
 
 #include "support/database.hpp"
 #include "support/failing_calloc.hpp"
 #include "support/failing_new.hpp"
+#include "support/files.hpp"
 
 // Whatever the file holds, a read ends with a number, and what it leaves behind can be walked and
 // released; the sanitizers tell when it cannot.
@@ -17,18 +16,13 @@ namespace {
 
 constexpr char kEveryStatement[] = ZELK_SOURCE_DIR "/tests/data/ok_every_statement.dbc";
 
-std::string content_of(const char* path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
 TEST(HostileFiles, CutShort) {
   const struct {
     const char* path;
     std::uintmax_t step;  // in bytes; the large file is cut at some of its bytes only
   } cases[] = {{kEveryStatement, 1}, {ZELK_SOURCE_DIR "/examples/powertrain.dbc", 29}};
   for (const auto& c : cases) {
-    const TemporaryFile file(content_of(c.path));
+    const TemporaryFile file(bytes_of(c.path));
     std::size_t accepted = 0;
     std::uintmax_t size = std::filesystem::file_size(file.path());
     ASSERT_GT(size, 1000u);
@@ -87,7 +81,7 @@ TEST(HostileFiles, ContainersWithoutMemory) {
 }
 
 TEST(HostileFiles, RandomBytesAndTokens) {
-  const std::string good = content_of(kEveryStatement);
+  const std::string good = bytes_of(kEveryStatement);
   std::mt19937 random(20240229);
   const auto below = [&](std::size_t limit) { return random() % limit; };
   std::vector<std::string> words;  // the file's own, so that the soup often makes sense
@@ -122,7 +116,7 @@ TEST(HostileFiles, RandomBytesAndTokens) {
 }
 
 TEST(HostileFiles, BlanksThatPartEveryToken) {
-  const std::string text = content_of(ZELK_SOURCE_DIR "/tests/data/ok_windows_line_ends.dbc") +
+  const std::string text = bytes_of(ZELK_SOURCE_DIR "/tests/data/ok_windows_line_ends.dbc") +
                            " BA_DEF_ \"D\" ENUM \"a\" , \"b\" ; BA_ \"D\" BU_ B \"b\" ;\n";
   Database plain, parted;
   EXPECT_EQ(plain.read(text), 0u);

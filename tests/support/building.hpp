@@ -2,11 +2,9 @@
 #ifndef ZELK_TESTS_SUPPORT_BUILDING_HPP
 #define ZELK_TESTS_SUPPORT_BUILDING_HPP
 
-#include <fstream>
-#include <iterator>
-
 #include "model/memory.hpp"
 #include "support/database.hpp"
+#include "support/files.hpp"
 
 inline void set(char*& field, std::string_view content) {
   zelk::assign_text(field, zelk::copy_text(content));
@@ -66,12 +64,6 @@ inline void add_range(sigblk* signal, uint32_t low, uint32_t high) {
   muxor_val_range* const range = append(signal->mux_ranges, zelk_create_muxor_value_range());
   range->low = low;
   range->high = high;
-}
-
-/// The file, every line ended by a line feed.
-inline std::string content_of(const std::string& path) {
-  std::ifstream file(path);
-  return {std::istreambuf_iterator<char>(file), {}};
 }
 
 inline uint32_t write_to(const char* path, const Database& d, uint8_t with_ranges = 1) {

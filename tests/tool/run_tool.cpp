@@ -1,12 +1,10 @@
 #include "run_tool.hpp"
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
-#include <iterator>
+
+#include "support/files.hpp"
 
 namespace {
 
@@ -19,23 +17,17 @@ std::filesystem::path test_folder() {
   return folder;
 }
 
-std::string content_of(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
 }  // namespace
 
 void write_file(const std::string& name, const std::string& content) {
-  std::ofstream(test_folder() / name, std::ios::binary) << content;
+  const std::filesystem::path path = test_folder() / std::u8string(name.begin(), name.end());
+  std::ofstream(path, std::ios::binary) << content;
 }
 
-ToolRun run_tool(const std::string& arguments) {
+ToolRun run_tool(const std::string& arguments, Output output) {
   const std::filesystem::path folder = test_folder();
-  // What `arguments` redirect themselves takes precedence, as it stands behind.
-  const std::string command =
-      "cd '" + folder.string() + "' && '" ZELK_PROGRAM "' >out.txt 2>err.txt " + arguments;
-  const int status = std::system(command.c_str());
-  const int exit_code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  return {exit_code, content_of(folder / "out.txt"), content_of(folder / "err.txt")};
+  std::filesystem::remove(folder / "out.txt");
+  std::filesystem::remove(folder / "err.txt");
+  const int exit_code = run_program(folder, arguments, output);
+  return {exit_code, bytes_of(folder / "out.txt"), content_of(folder / "err.txt")};
 }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "support/building.hpp"
+#include "support/system.hpp"
 
 // In the expected texts of this file an apostrophe stands for a double quote.
 
@@ -34,6 +35,14 @@ TEST(Lines, WholeFiles) {
   const Sample sample;
   EXPECT_EQ(written(sample, 1), kWhole);
   EXPECT_EQ(written(sample, 0), kWhole.substr(0, kWhole.find("\nSG_MUL_VAL_ 1")));
+}
+
+TEST(Lines, EndAsTheSystemsTextFilesDo) {
+  const TemporaryFile file("");
+  ASSERT_EQ(write_to(file.path(), Database(), 0), 0u);
+  const std::string end = kLineEnd;
+  EXPECT_EQ(bytes_of(file.path()),
+            "VERSION \"\"" + end + end + "BS_:" + end + end + "BU_:" + end + end + end + end + end);
 }
 
 TEST(Lines, NewSymbolsAreListedWhereTheyMayBeNeeded) {

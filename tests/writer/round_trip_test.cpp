@@ -14,6 +14,7 @@
 
 #include "support/building.hpp"
 #include "support/failing_new.hpp"
+#include "support/system.hpp"
 #include "zelk/exception.hpp"
 
 namespace {
@@ -293,19 +294,6 @@ TEST(RoundTrip, OfFiles) {
   EXPECT_GE(files, 4);
 }
 
-/// Enters a locale made for the test; false when the system cannot make it.
-bool enter_locale(const std::string& source, const std::string& charset) {
-  const std::string name = "zelk_" + source, log = name + ".log";
-  const std::string command = "localedef -c -i " + source + " -f " + charset + " ./" + name;
-  const bool is_entered = std::system((command + " >" + log + " 2>&1").c_str()) >= 0 &&
-                          putenv(const_cast<char*>("LOCPATH=.")) == 0 &&
-                          std::setlocale(LC_ALL, name.c_str());
-  putenv(const_cast<char*>("LOCPATH="));
-  std::filesystem::remove(log);
-  std::filesystem::remove_all(name);
-  return is_entered;
-}
-
 TEST(RoundTrip, UnderALocaleWithDecimalComma) {
   struct Comma : std::numpunct<char> {
     char do_decimal_point() const override { return ','; }
@@ -316,7 +304,7 @@ TEST(RoundTrip, UnderALocaleWithDecimalComma) {
   const std::string text = written(model);
   const std::locale old_locale =
       std::locale::global(std::locale(std::locale::classic(), new Comma));  // of streams alone
-  const bool is_entered = std::setlocale(LC_ALL, "German") || enter_locale("de_DE", "UTF-8");
+  const bool is_entered = enter_decimal_comma();
   const bool has_comma = *std::localeconv()->decimal_point == ',';
   const std::string same_text = written(model);
   const uint32_t number = same_model.read(text);
@@ -333,7 +321,7 @@ TEST(RoundTrip, UnderALocaleWithDecimalComma) {
 
 // In Shift-JIS 0x83 0x5C is one character, whose second byte is a backslash elsewhere.
 TEST(RoundTrip, OfDoubleByteCharacters) {
-  if (!enter_locale("ja_JP", "SHIFT_JIS")) GTEST_SKIP() << "the system cannot make the locale";
+  if (!enter_double_byte_characters()) GTEST_SKIP() << "not with this system's characters";
   for (const char* text :
        {"\x83\x5C", "a\x83\x5C\"b\x83\x5C", "\x83\x83\x5C\"", "\xB1\"", "\x83"}) {
     Database model, read_back;

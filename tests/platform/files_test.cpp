@@ -1,0 +1,130 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdio>
+
+#include "platform/folder.hpp"
+#include "platform/platform.hpp"
+#include "support/files.hpp"
+#include "support/system.hpp"
+
+namespace {
+
+using namespace zelk::platform;
+namespace fs = std::filesystem;
+
+std::string read_all(const std::string& path) {
+  const File file = open_for_reading(path.c_str());
+  if (!file) return "not opened";
+  char bytes[100];
+  return {bytes, std::fread(bytes, 1, sizeof bytes, file.get())};
+}
+
+// The line ends, the end-of-file character of text files, and a zero byte among them.
+TEST(Files, ReadAsTheyAre) {
+  const Folder folder;
+  constexpr std::string_view kBytes("a\r\nb\n\x1A\0\xFFz", 9);
+  for (const fs::path name : {u8"two words.dbc", u8"Gr\u00F6\u00DFe.dbc"}) {
+    put_bytes(name, kBytes);
+    EXPECT_EQ(read_all(encoded(name)), kBytes) << name;
+    EXPECT_EQ(read_all(encoded(folder.path() / name)), kBytes) << name;
+  }
+}
+
+TEST(Files, OpenedOrNot) {
+  const Folder folder;
+  put_bytes("here.dbc", "x");
+  fs::create_directory("sub");
+  const struct {
+    const char* path;
+    bool exists, readable, writable;
+  } cases[] = {
+      {"here.dbc", true, true, true},      {"./sub/../here.dbc", true, true, true},
+      {"sub", true, false, false},         {".", true, false, false},
+      {"new.dbc", false, false, true},     {"missing/new.dbc", false, false, false},
+      {"here.dbc/x", false, false, false}, {"", false, false, false},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(file_status(c.path).has_value(), c.exists) << c.path;
+    EXPECT_EQ(open_for_reading(c.path) != nullptr, c.readable) << c.path;
+    EXPECT_EQ(open_for_writing(c.path) != nullptr, c.writable) << c.path;
+  }
+  EXPECT_FALSE(fs::exists("missing"));
+}
+
+TEST(Files, WrittenWithTheLineEndOfTheSystem) {
+  const Folder folder;
+  put_bytes("out.dbc", "what was there before");
+  File file = open_for_writing("out.dbc");
+  std::fputs("a\n\nb\r\xE4", file.get());
+  std::string expected = "a";
+  expected.append(kLineEnd).append(kLineEnd).append("b\r\xE4");
+  EXPECT_EQ(bytes_of("out.dbc"), expected) << "before it is closed: there is no buffer";
+  file.reset();
+  EXPECT_EQ(bytes_of("out.dbc"), expected);
+}
+
+TEST(Files, LongerThan260Characters) {
+  const Folder folder;
+  fs::path relative;
+  for (const char letter : {'a', 'b', 'c'}) {
+    relative /= std::string(100, letter);
+    fs::create_directory(at_any_length(folder.path() / relative));
+  }
+  const std::string absolute = encoded(folder.path() / relative / "long.dbc");
+  std::fputs("x", open_for_writing(absolute.c_str()).get());
+  for (const std::string& path : {absolute, encoded(relative / "long.dbc")}) {
+    EXPECT_EQ(read_all(path), "x");
+    EXPECT_TRUE(file_status(path.c_str()).has_value());
+    EXPECT_TRUE(is_same_path(path.c_str(), absolute.c_str()));
+    EXPECT_FALSE(is_same_path(path.c_str(), (absolute + "x").c_str()));
+  }
+  // Not every C++ library can remove the tree at once.
+  for (relative /= "long.dbc"; !relative.empty(); relative = relative.parent_path()) {
+    fs::remove(at_any_length(folder.path() / relative));
+  }
+}
+
+TEST(Files, Status) {
+  const Folder folder;
+  put_bytes("f.dbc", "x");
+  const FileTime before = file_status("f.dbc")->modified;
+  EXPECT_EQ(file_status("./f.dbc")->modified, before);
+  fs::last_write_time("f.dbc", fs::last_write_time("f.dbc") - std::chrono::seconds(2));
+  EXPECT_NE(file_status("f.dbc")->modified, before);
+  for (const bool may_write : {false, true}) {
+    const auto option = may_write ? fs::perm_options::add : fs::perm_options::remove;
+    fs::permissions("f.dbc", fs::perms::owner_write, option);
+    EXPECT_EQ(file_status("f.dbc")->owner_may_write, may_write);
+  }
+}
+
+TEST(Files, Same) {
+  const Folder folder;
+  put_bytes("here.dbc", "x");
+  put_bytes("there.dbc", "x");
+  fs::create_directory("sub");
+  const std::string absolute = encoded(folder.path() / "here.dbc");
+  const struct {
+    std::string a, b;
+    bool same;
+  } cases[] = {
+      {"here.dbc", ".//sub/../here.dbc", true},
+      {"here.dbc", absolute, true},
+      {"here.dbc", "HERE.dbc", true},
+      {"HERE.DBC", absolute, true},
+      {"missing.dbc", "./Missing.dbc", true},
+      {"missing/../here.dbc", "here.dbc", true},
+      {"here.dbc", "there.dbc", false},
+      {"here.dbc", "sub/here.dbc", false},
+      {"missing.dbc", "here.dbc", false},
+      {"", "here.dbc", false},
+      {"", "", false},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(is_same_path(c.a.c_str(), c.b.c_str()), c.same) << c.a << " " << c.b;
+    EXPECT_EQ(is_same_path(c.b.c_str(), c.a.c_str()), c.same) << c.b << " " << c.a;
+  }
+}
+
+}  // namespace

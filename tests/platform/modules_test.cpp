@@ -1,0 +1,104 @@
+#include <gtest/gtest.h>
+
+#include "platform/folder.hpp"
+#include "platform/module_entry.hpp"
+#include "platform/platform.hpp"
+#include "zelk/errors.h"
+#include "zelk/library.h"
+
+namespace {
+
+using namespace zelk::platform;
+namespace fs = std::filesystem;
+
+template <typename Signature>
+Signature* function(const Module& module, const char* name) {
+  return reinterpret_cast<Signature*>(find_function(module, name));
+}
+
+TEST(Modules, NotToBeLoaded) {
+  const Folder folder;
+  put_bytes("text.dbc", "VERSION \"\"\n");
+  fs::create_directory("sub");
+  for (const char* path : {"", "missing.zelk", "./text.dbc", "./sub"}) {
+    EXPECT_FALSE(load_module(path)) << path;
+  }
+}
+
+TEST(Modules, FunctionsByName) {
+  const Module library = load_module(ZELK_LIBRARY);
+  ASSERT_TRUE(library);
+  EXPECT_TRUE(find_function(library, "zelk_read"));
+  for (const char* name : {"zelk_nonsense", "zelk_rea", "ZELK_READ", ""}) {
+    EXPECT_FALSE(find_function(library, name)) << name;
+  }
+}
+
+// A name relative to the working folder means another file once that has changed.
+TEST(Modules, TheLibraryKnowsItsFileInEveryWorkingFolder) {
+  const Folder folder;
+  const fs::path name = u8"Gr\u00F6\u00DFe.zelk";
+  fs::copy_file(ZELK_LIBRARY, name);
+  const Module library = load_module(encoded("." / name).c_str());
+  ASSERT_TRUE(library);
+  fs::create_directory("sub");
+  fs::current_path("sub");
+  const auto get =
+      function<decltype(ZELKMSGetModuleParameters)>(library, "ZELKMSGetModuleParameters");
+  char file_name[1000] = {};
+  EXPECT_TRUE(get(file_name, sizeof file_name, nullptr, 0, 331));
+  EXPECT_EQ(file_name, encoded(folder.path() / name));
+}
+
+// What a module has noted is gone with it.
+TEST(Modules, AreUnloaded) {
+  const Folder folder;
+  fs::copy_file(ZELK_LIBRARY, "copy.zelk");
+  for (int round = 1; round <= 2; ++round) {
+    const Module library = load_module("./copy.zelk");
+    ASSERT_TRUE(library);
+    const auto text = function<decltype(zelk_get_error_text)>(library, "zelk_get_error_text");
+    EXPECT_STREQ(text(), "") << round;
+    function<decltype(zelk_note)>(library, "zelk_note")(26, 1, "X");
+    EXPECT_STRNE(text(), "");
+  }
+}
+
+TEST(Modules, OwnFileNameIsCut) {
+  char whole[1000];
+  own_file_name(whole, sizeof whole);
+  const fs::path path = whole;
+  EXPECT_EQ(path.stem(), "zelk_tests");
+  EXPECT_TRUE(fs::exists(path)) << path;
+  const std::string name = whole;
+  for (const std::uint32_t size_bytes : {0, 1, 2, 5}) {
+    char buffer[] = "########";
+    own_file_name(buffer, size_bytes);
+    if (size_bytes != 0) {
+      EXPECT_EQ(std::string(buffer), name.substr(0, size_bytes - 1));
+    }
+    EXPECT_EQ(std::string(buffer + size_bytes), std::string(8 - size_bytes, '#')) << size_bytes;
+  }
+}
+
+TEST(ModuleEntry, CountsProcesses) {
+  const ModuleEntry before = module_entry();
+  module_entry() = {};
+  int first = 0, second = 0;
+  const struct {
+    void* attached;  // null: detach
+    void* module;
+    std::uint32_t count;
+  } steps[] = {
+      {&first, &first, 1},   {&second, &first, 2},  {nullptr, &first, 1},
+      {nullptr, nullptr, 0}, {&second, &second, 1},
+  };
+  for (const auto& step : steps) {
+    step.attached ? attach(step.attached) : detach();
+    EXPECT_EQ(module_entry().module, step.module);
+    EXPECT_EQ(module_entry().attach_count, step.count);
+  }
+  module_entry() = before;
+}
+
+}  // namespace

@@ -1,0 +1,65 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <clocale>
+
+#include "platform/folder.hpp"
+#include "platform/hooks.hpp"
+#include "platform/module_entry.hpp"
+#include "platform/platform.hpp"
+
+namespace {
+
+using namespace zelk::platform;
+namespace fs = std::filesystem;
+
+TEST(FilesOfPosix, DifferInCaseAlone) {
+  const Folder folder;
+  put_bytes("one.dbc", "x");
+  put_bytes("One.dbc", "x");
+  fs::create_hard_link("one.dbc", "ONE.dbc");
+  EXPECT_FALSE(is_same_path("ONE.dbc", "./One.dbc"));
+  EXPECT_TRUE(is_same_path("one.dbc", "ONE.dbc"));
+}
+
+TEST(FilesOfPosix, RelativeToAFolderThatIsGone) {
+  const Folder folder;
+  fs::create_directory("gone");
+  fs::current_path("gone");
+  fs::remove(folder.path() / "gone");
+  EXPECT_FALSE(is_same_path("f.dbc", "f.dbc"));
+  EXPECT_FALSE(is_same_path("f.dbc", "/f.dbc"));
+  EXPECT_TRUE(is_same_path("/f.dbc", "/F.dbc"));
+}
+
+TEST(FilesOfPosix, TimeInNanoseconds) {
+  const Folder folder;
+  put_bytes("f.dbc", "x");
+  const timespec times[] = {{0, 0}, {1'000'000'000, 123'456'789}};
+  ASSERT_EQ(utimensat(AT_FDCWD, "f.dbc", times, 0), 0);
+  EXPECT_EQ(file_status("f.dbc")->modified.ticks, 1'000'000'000'123'456'789);
+}
+
+TEST(CodePageOfPosix, NoLeadBytes) {
+  const std::string before = std::setlocale(LC_CTYPE, nullptr);
+  for (const char* locale : {"C", "C.UTF-8"}) {
+    ASSERT_TRUE(std::setlocale(LC_CTYPE, locale));
+    EXPECT_EQ(std::ranges::count(lead_bytes(), true), 0) << locale;
+  }
+  std::setlocale(LC_CTYPE, before.c_str());
+}
+
+TEST(ModuleEntryOfPosix, AttachedByTheLoader) {
+  EXPECT_EQ(module_entry().attach_count, 1U);
+  EXPECT_TRUE(module_entry().module);
+}
+
+TEST(MessageBoxOfPosix, IsALineOnStandardError) {
+  testing::internal::CaptureStderr();
+  tell_user("Refused!\n100 %s", "TITLE", 0x2010);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "TITLE: Refused!\n100 %s\n");
+}
+
+}  // namespace
