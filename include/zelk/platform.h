@@ -13,9 +13,9 @@
 
 #include "zelk/export.h"
 
-/// A window and a module as Windows declares them; opaque pointers everywhere else.
-typedef struct HWND__* HWND;
-typedef struct HINSTANCE__* HINSTANCE;
+/// A window and a module, by the names that Windows declares; opaque pointers everywhere else.
+typedef struct HWND__* HWND;            // NOLINT(bugprone-reserved-identifier)
+typedef struct HINSTANCE__* HINSTANCE;  // NOLINT(bugprone-reserved-identifier)
 
 ZELK_EXTERN_C_BEGIN
 
