@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "model/symbols.hpp"
-#include "text/new_symbols.hpp"
 #include "text/numbers.hpp"
 #include "text/words.hpp"
 
@@ -32,12 +31,6 @@ std::string_view item_list(const attr_def& definition) {
 /// An item of an ENUM as the file spells it.
 std::string_view item_text(TokenText text) {
   return text.view() == kEmptyItem ? std::string_view() : text.view();
-}
-
-/// Whether a written file could hold `name` as the name of an object, so that it would be read
-/// back.
-bool can_be_written(std::string_view name, bool is_node) {
-  return is_name(name) && !is_new_symbol(name) && !(is_node && is_no_node(name));
 }
 
 }  // namespace
@@ -193,7 +186,7 @@ void AttributeActions::append_object_value(attr*& list, attr_def& definition, ch
 void AttributeActions::defer_name(char** field, bool is_node) {
   OwnedText name = text_value();
   if (*name == '\0') return;
-  if (field && can_be_written(name.get(), is_node)) {
+  if (field && can_name_object(name.get(), is_node)) {
     deferred_names_.push_back({field, std::move(name)});
   } else {
     context_.note(ZELK_ERR_FORMAT, name.get());

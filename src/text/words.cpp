@@ -4,12 +4,17 @@
 
 #include "text/characters.hpp"
 #include "text/keywords.hpp"
+#include "text/new_symbols.hpp"
 
 namespace zelk {
 
 bool is_name(std::string_view text) {
   return !text.empty() && is_letter(text[0]) &&
          std::all_of(text.begin(), text.end(), is_name_character) && !find_keyword(text);
+}
+
+bool can_name_object(std::string_view name, bool is_node) {
+  return is_name(name) && !is_new_symbol(name) && !(is_node && is_no_node(name));
 }
 
 }  // namespace zelk

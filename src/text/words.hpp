@@ -42,6 +42,10 @@ inline bool is_no_node(std::string_view name) { return name == ZELK_NO_NODE; }
 /// a keyword.
 bool is_name(std::string_view text);
 
+/// Whether a written file could hold `name` as the name of an object, so that it would be read
+/// back.
+bool can_name_object(std::string_view name, bool is_node);
+
 }  // namespace zelk
 
 #endif
