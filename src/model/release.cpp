@@ -15,7 +15,7 @@ void release_members(rxblk& link) { release_list(link.attrs); }
 
 void release_members(siggroupblk& group) {
   release_list(group.signals);
-  release_each(group.extra, [](siggroup_extra&) {});
+  release_list(group.extra);
   zelk_mfree(group.comment);
 }
 
@@ -86,6 +86,7 @@ void release_list(rxblk* list) { release_with_members(list); }
 void release_list(catlink* list) { release_plain(list); }
 void release_list(muxor_val_range* list) { release_plain(list); }
 void release_list(siglistblk* list) { release_plain(list); }
+void release_list(siggroup_extra* list) { release_plain(list); }
 void release_list(siggroupblk* list) { release_with_members(list); }
 void release_list(sigblk* list) { release_with_members(list); }
 void release_list(msgblk* list) { release_with_members(list); }

@@ -29,6 +29,7 @@ void release_list(rxblk* list);
 void release_list(catlink* list);
 void release_list(muxor_val_range* list);
 void release_list(siglistblk* list);
+void release_list(siggroup_extra* list);
 void release_list(siggroupblk* list);
 void release_list(sigblk* list);
 void release_list(msgblk* list);

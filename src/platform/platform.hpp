@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <filesystem>
 #include <memory>
 #include <optional>
 
@@ -35,6 +36,37 @@ File open_for_reading(const char* path);
 ///
 /// @return null when the file cannot be opened for writing
 File open_for_writing(const char* path);
+
+/// A file that takes the place of another one in a single step, once it is whole: whoever opens the
+/// other sees all of the old content or all of the new. What is no regular file, such as a device,
+/// has no place to take and is written to directly.
+class Replacement {
+ public:
+  /// Creates an empty file for text in the folder of `path`, or of the file that `path` links to,
+  /// with the permissions of the file that is there.
+  explicit Replacement(const char* path);
+  Replacement(const Replacement&) = delete;
+  Replacement& operator=(const Replacement&) = delete;
+  /// Removes the file unless it has taken its place.
+  ~Replacement();
+
+  /// The stream to write to, without a buffer of its own; null when no file could be created.
+  std::FILE* file() const { return file_.get(); }
+
+  /// Puts the content on the disk and the file in its place, and closes it.
+  ///
+  /// @return false when the system did not do all of that; the other file is as it was then
+  bool take_place();
+
+ private:
+  void create();
+
+  std::filesystem::path target_;
+  /// Of the file to remove; empty when there is none. A text, which is moved without allocating: no
+  /// file stays behind when memory runs out.
+  std::filesystem::path::string_type path_;
+  File file_;
+};
 
 /// When a file was last changed, to what the file system keeps; two readings of an unchanged file
 /// are equal.

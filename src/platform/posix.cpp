@@ -4,12 +4,14 @@
 #include <stdlib.h>
 #include <strings.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cstring>
 #include <cwchar>
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/module_entry.hpp"
@@ -48,6 +50,13 @@ bool are_different_files(const char* a, const char* b) {
          (status_a.st_dev != status_b.st_dev || status_a.st_ino != status_b.st_ino);
 }
 
+/// Permissions that new files of this process do not get.
+mode_t creation_mask() {
+  const mode_t mask = umask(0);
+  umask(mask);
+  return mask;
+}
+
 /// The file that holds this code, as it was found when the library was loaded: a relative name
 /// means nothing any more once the host has changed its working folder.
 struct OwnFile {
@@ -84,6 +93,48 @@ File open_for_writing(const char* path) {
   File file(std::fopen(path, "we"));
   if (file) std::setvbuf(file.get(), nullptr, _IONBF, 0);
   return file;
+}
+
+Replacement::Replacement(const char* path) : target_(path) {
+  std::error_code error;
+  const std::filesystem::path linked = std::filesystem::canonical(target_, error);
+  if (!error) target_ = linked;
+  const bool is_special = !error && !std::filesystem::is_regular_file(target_, error);
+  if (is_special) {
+    file_ = open_for_writing(target_.c_str());
+  } else {
+    create();
+  }
+}
+
+void Replacement::create() {
+  std::string name = (target_.parent_path() / ".zelk-XXXXXX").string();
+  const int descriptor = mkstemp(name.data());
+  if (descriptor < 0) return;
+  path_ = std::move(name);
+  file_.reset(fdopen(descriptor, "w"));
+  if (!file_) {
+    close(descriptor);
+    return;
+  }
+  std::setvbuf(file_.get(), nullptr, _IONBF, 0);
+  struct stat status = {};
+  fchmod(descriptor,
+         stat(target_.c_str(), &status) == 0 ? status.st_mode & 07777 : 0666 & ~creation_mask());
+}
+
+bool Replacement::take_place() {
+  if (path_.empty()) return std::fclose(file_.release()) == 0;
+  const bool is_on_disk = fsync(fileno(file_.get())) == 0;
+  const bool is_closed = std::fclose(file_.release()) == 0;
+  if (!is_on_disk || !is_closed || rename(path_.c_str(), target_.c_str()) != 0) return false;
+  path_.clear();
+  return true;
+}
+
+Replacement::~Replacement() {
+  file_.reset();
+  if (!path_.empty()) unlink(path_.c_str());
 }
 
 std::optional<FileStatus> file_status(const char* path) {

@@ -1,8 +1,10 @@
+#include <fcntl.h>
 #include <io.h>
 #include <windows.h>
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 #include "platform/module_entry.hpp"
 #include "platform/platform.hpp"
@@ -30,11 +32,14 @@ std::wstring absolute_path(const char* path) {
   return absolute;
 }
 
+/// The longest path that is used as it is written: it leaves room for another name in its folder.
+constexpr std::size_t kPlainPathMax = MAX_PATH - 60;
+
 /// The path as the system takes it at any length. A short one stays as it is written, since the
 /// prefix would take the meaning from names such as "NUL".
 std::wstring system_path(const char* path) {
   const std::wstring absolute = absolute_path(path);
-  if (absolute.size() < MAX_PATH) return wide(path);
+  if (absolute.size() < kPlainPathMax) return wide(path);
   if (absolute.starts_with(L"\\\\?\\") || absolute.starts_with(L"\\\\.\\")) return absolute;
   if (absolute.starts_with(L"\\\\")) return L"\\\\?\\UNC" + absolute.substr(1);
   return L"\\\\?\\" + absolute;
@@ -54,18 +59,31 @@ struct HandleCloser {
 
 using Handle = std::unique_ptr<void, HandleCloser>;
 
-/// Opens nothing but what tells which file it is; null when it does not exist.
-Handle open_for_identity(const char* path) {
+/// Opens a file or folder only to be asked what it is, beside whoever uses it; null when it does
+/// not exist.
+Handle open_to_ask(const std::filesystem::path& path) {
   constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-  const HANDLE handle = CreateFileW(system_path(path).c_str(), 0, kShareAll, nullptr, OPEN_EXISTING,
+  const HANDLE handle = CreateFileW(path.c_str(), 0, kShareAll, nullptr, OPEN_EXISTING,
                                     FILE_FLAG_BACKUP_SEMANTICS, nullptr);
   return Handle(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
 }
 
+/// Whether a path names a device, such as "NUL" or a pipe, and no place on a disk.
+bool is_device(const std::filesystem::path& path) {
+  const Handle handle = open_to_ask(path);
+  return handle && GetFileType(handle.get()) != FILE_TYPE_DISK;
+}
+
+/// A name that no other replacement of this process or another running one has.
+std::wstring replacement_name() {
+  static unsigned counter = 0;
+  return L".zelk-" + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(++counter);
+}
+
 /// Whether both files exist and are not the same one; folders may tell "a" and "A" apart.
 bool are_different_files(const char* a, const char* b) {
-  const Handle handle_a = open_for_identity(a);
-  const Handle handle_b = open_for_identity(b);
+  const Handle handle_a = open_to_ask(system_path(a));
+  const Handle handle_b = open_to_ask(system_path(b));
   BY_HANDLE_FILE_INFORMATION info_a = {};
   BY_HANDLE_FILE_INFORMATION info_b = {};
   if (!handle_a || !handle_b || !GetFileInformationByHandle(handle_a.get(), &info_a) ||
@@ -82,6 +100,54 @@ bool are_different_files(const char* a, const char* b) {
 File open_for_reading(const char* path) { return open_file(path, L"rbN"); }
 
 File open_for_writing(const char* path) { return open_file(path, L"wtN"); }
+
+Replacement::Replacement(const char* path) : target_(system_path(path)) {
+  if (is_device(target_)) {
+    file_ = open_for_writing(path);
+  } else {
+    create();
+  }
+}
+
+void Replacement::create() {
+  if (target_.empty()) return;
+  std::wstring path = (target_.parent_path() / replacement_name()).wstring();
+  const HANDLE handle = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                    FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (handle == INVALID_HANDLE_VALUE) return;
+  path_ = std::move(path);
+  const int descriptor = _open_osfhandle(reinterpret_cast<intptr_t>(handle), _O_TEXT);
+  if (descriptor < 0) {
+    CloseHandle(handle);
+    return;
+  }
+  file_.reset(_fdopen(descriptor, "wt"));
+  if (file_) {
+    std::setvbuf(file_.get(), nullptr, _IONBF, 0);
+  } else {
+    _close(descriptor);
+  }
+}
+
+bool Replacement::take_place() {
+  if (path_.empty()) return std::fclose(file_.release()) == 0;
+  const bool is_on_disk = _commit(_fileno(file_.get())) == 0;
+  const bool is_closed = std::fclose(file_.release()) == 0;
+  if (!is_on_disk || !is_closed) return false;
+  // Replacing keeps what Windows knows about the old file, such as who may use it.
+  const bool is_there = GetFileAttributesW(target_.c_str()) != INVALID_FILE_ATTRIBUTES;
+  const bool is_in_place =
+      is_there ? ReplaceFileW(target_.c_str(), path_.c_str(), nullptr,
+                              REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr, nullptr) != 0
+               : MoveFileExW(path_.c_str(), target_.c_str(), MOVEFILE_WRITE_THROUGH) != 0;
+  if (is_in_place) path_.clear();
+  return is_in_place;
+}
+
+Replacement::~Replacement() {
+  file_.reset();
+  if (!path_.empty()) DeleteFileW(path_.c_str());
+}
 
 std::optional<FileStatus> file_status(const char* path) {
   WIN32_FILE_ATTRIBUTE_DATA data = {};

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <utility>
 
+#include "platform/platform.hpp"
 #include "text/characters.hpp"
 #include "text/numbers.hpp"
 
@@ -16,11 +17,11 @@ constexpr std::size_t kIntegerMax = 11;  // characters of a 32-bit integer with 
 
 }  // namespace
 
-TextOutput::TextOutput(platform::File file)
-    : file_(std::move(file)), leads_(platform::lead_bytes()), buffer_(kBufferSize) {}
+TextOutput::TextOutput(std::FILE* file)
+    : file_(file), leads_(platform::lead_bytes()), buffer_(kBufferSize) {}
 
 bool TextOutput::flush() {
-  const std::size_t written = std::fwrite(buffer_.data(), 1, used_, file_.get());
+  const std::size_t written = std::fwrite(buffer_.data(), 1, used_, file_);
   has_failed_ |= written != std::exchange(used_, 0);
   return !has_failed_;
 }

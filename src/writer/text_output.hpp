@@ -7,10 +7,9 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <string_view>
 #include <vector>
-
-#include "platform/platform.hpp"
 
 namespace zelk {
 
@@ -27,7 +26,8 @@ struct Hexadecimal {
 
 class TextOutput {
  public:
-  explicit TextOutput(platform::File file);
+  /// @param file  an open stream, which outlives this
+  explicit TextOutput(std::FILE* file);
   TextOutput(const TextOutput&) = delete;
   TextOutput& operator=(const TextOutput&) = delete;
   ~TextOutput() { flush(); }
@@ -67,7 +67,7 @@ class TextOutput {
   bool ends_in_lead(std::string_view text) const;
   bool is_lead(char character) const { return leads_[static_cast<unsigned char>(character)]; }
 
-  platform::File file_;
+  std::FILE* file_;
   std::array<bool, 256> leads_;  ///< first bytes of double-byte characters
   std::vector<char> buffer_;
   std::size_t used_ = 0;

@@ -1,7 +1,9 @@
+#include "writer/write.hpp"
+
 #include <new>
-#include <utility>
 
 #include "model/errors.hpp"
+#include "platform/platform.hpp"
 #include "writer/writer.hpp"
 #include "zelk/dbc.h"
 
@@ -32,17 +34,30 @@ std::string_view Writer::name(const env_var_blk& variable) {
 
 namespace {
 
+/// @return whether the stream took everything
+bool write_model(std::FILE* file, const ModelView& model, bool with_multiplexor_ranges) {
+  TextOutput out(file);
+  Writer(model, short_name_cache(), out).write(with_multiplexor_ranges);
+  return out.flush();
+}
+
 std::uint32_t write_file(const char* path, const ModelView& model, bool with_multiplexor_ranges) {
-  ShortNameCache& names = short_name_cache();
-  names.reset(model);
-  platform::File file = path ? platform::open_for_writing(path) : nullptr;
+  short_name_cache().reset(model);
+  const platform::File file = path ? platform::open_for_writing(path) : nullptr;
   if (!file) return ZELK_ERR_WRITE;
-  TextOutput out(std::move(file));
-  Writer(model, names, out).write(with_multiplexor_ranges);
+  write_model(file.get(), model, with_multiplexor_ranges);
   return ZELK_OK;
 }
 
 }  // namespace
+
+bool save(const char* path, const ModelView& model, bool with_multiplexor_ranges) {
+  short_name_cache().reset(model);
+  platform::Replacement file(path);
+  return file.file() && write_model(file.file(), model, with_multiplexor_ranges) &&
+         file.take_place();
+}
+
 }  // namespace zelk
 
 extern "C" {

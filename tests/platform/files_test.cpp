@@ -22,7 +22,7 @@ std::string read_all(const std::string& path) {
 
 // The line ends, the end-of-file character of text files, and a zero byte among them.
 TEST(Files, ReadAsTheyAre) {
-  const Folder folder;
+  const WorkingFolder folder;
   constexpr std::string_view kBytes("a\r\nb\n\x1A\0\xFFz", 9);
   for (const fs::path name : {u8"two words.dbc", u8"Gr\u00F6\u00DFe.dbc"}) {
     put_bytes(name, kBytes);
@@ -32,7 +32,7 @@ TEST(Files, ReadAsTheyAre) {
 }
 
 TEST(Files, OpenedOrNot) {
-  const Folder folder;
+  const WorkingFolder folder;
   put_bytes("here.dbc", "x");
   fs::create_directory("sub");
   const struct {
@@ -53,7 +53,7 @@ TEST(Files, OpenedOrNot) {
 }
 
 TEST(Files, WrittenWithTheLineEndOfTheSystem) {
-  const Folder folder;
+  const WorkingFolder folder;
   put_bytes("out.dbc", "what was there before");
   File file = open_for_writing("out.dbc");
   std::fputs("a\n\nb\r\xE4", file.get());
@@ -65,7 +65,7 @@ TEST(Files, WrittenWithTheLineEndOfTheSystem) {
 }
 
 TEST(Files, LongerThan260Characters) {
-  const Folder folder;
+  const WorkingFolder folder;
   fs::path relative;
   for (const char letter : {'a', 'b', 'c'}) {
     relative /= std::string(100, letter);
@@ -86,7 +86,7 @@ TEST(Files, LongerThan260Characters) {
 }
 
 TEST(Files, Status) {
-  const Folder folder;
+  const WorkingFolder folder;
   put_bytes("f.dbc", "x");
   const FileTime before = file_status("f.dbc")->modified;
   EXPECT_EQ(file_status("./f.dbc")->modified, before);
@@ -100,7 +100,7 @@ TEST(Files, Status) {
 }
 
 TEST(Files, Same) {
-  const Folder folder;
+  const WorkingFolder folder;
   put_bytes("here.dbc", "x");
   put_bytes("there.dbc", "x");
   fs::create_directory("sub");

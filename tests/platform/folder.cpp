@@ -6,7 +6,7 @@
 
 namespace fs = std::filesystem;
 
-Folder::Folder() : previous_(fs::current_path()) {
+WorkingFolder::WorkingFolder() : previous_(fs::current_path()) {
   const auto* test = testing::UnitTest::GetInstance()->current_test_info();
   path_ = previous_ / (std::string(test->test_suite_name()) + "." + test->name());
   std::error_code error;
@@ -15,7 +15,7 @@ Folder::Folder() : previous_(fs::current_path()) {
   fs::current_path(path_);
 }
 
-Folder::~Folder() {
+WorkingFolder::~WorkingFolder() {
   std::error_code error;
   fs::current_path(previous_, error);
   fs::remove_all(path_, error);

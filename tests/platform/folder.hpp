@@ -14,12 +14,12 @@ std::filesystem::path at_any_length(const std::filesystem::path& absolute);
 
 /// A new folder, which is the working folder while it lives and goes with all that is in it. One
 /// per test at a time.
-class Folder {
+class WorkingFolder {
  public:
-  Folder();
-  Folder(const Folder&) = delete;
-  Folder& operator=(const Folder&) = delete;
-  ~Folder();
+  WorkingFolder();
+  WorkingFolder(const WorkingFolder&) = delete;
+  WorkingFolder& operator=(const WorkingFolder&) = delete;
+  ~WorkingFolder();
   const std::filesystem::path& path() const { return path_; }
 
  private:

@@ -17,7 +17,7 @@ Signature* function(const Module& module, const char* name) {
 }
 
 TEST(Modules, NotToBeLoaded) {
-  const Folder folder;
+  const WorkingFolder folder;
   put_bytes("text.dbc", "VERSION \"\"\n");
   fs::create_directory("sub");
   for (const char* path : {"", "missing.zelk", "./text.dbc", "./sub"}) {
@@ -36,7 +36,7 @@ TEST(Modules, FunctionsByName) {
 
 // A name relative to the working folder means another file once that has changed.
 TEST(Modules, TheLibraryKnowsItsFileInEveryWorkingFolder) {
-  const Folder folder;
+  const WorkingFolder folder;
   const fs::path name = u8"Gr\u00F6\u00DFe.zelk";
   fs::copy_file(ZELK_LIBRARY, name);
   const Module library = load_module(encoded("." / name).c_str());
@@ -52,7 +52,7 @@ TEST(Modules, TheLibraryKnowsItsFileInEveryWorkingFolder) {
 
 // What a module has noted is gone with it.
 TEST(Modules, AreUnloaded) {
-  const Folder folder;
+  const WorkingFolder folder;
   fs::copy_file(ZELK_LIBRARY, "copy.zelk");
   for (int round = 1; round <= 2; ++round) {
     const Module library = load_module("./copy.zelk");

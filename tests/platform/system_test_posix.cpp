@@ -16,7 +16,7 @@ using namespace zelk::platform;
 namespace fs = std::filesystem;
 
 TEST(FilesOfPosix, DifferInCaseAlone) {
-  const Folder folder;
+  const WorkingFolder folder;
   put_bytes("one.dbc", "x");
   put_bytes("One.dbc", "x");
   fs::create_hard_link("one.dbc", "ONE.dbc");
@@ -25,7 +25,7 @@ TEST(FilesOfPosix, DifferInCaseAlone) {
 }
 
 TEST(FilesOfPosix, RelativeToAFolderThatIsGone) {
-  const Folder folder;
+  const WorkingFolder folder;
   fs::create_directory("gone");
   fs::current_path("gone");
   fs::remove(folder.path() / "gone");
@@ -35,7 +35,7 @@ TEST(FilesOfPosix, RelativeToAFolderThatIsGone) {
 }
 
 TEST(FilesOfPosix, TimeInNanoseconds) {
-  const Folder folder;
+  const WorkingFolder folder;
   put_bytes("f.dbc", "x");
   const timespec times[] = {{0, 0}, {1'000'000'000, 123'456'789}};
   ASSERT_EQ(utimensat(AT_FDCWD, "f.dbc", times, 0), 0);

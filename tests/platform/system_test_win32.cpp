@@ -14,7 +14,7 @@ namespace {
 using namespace zelk::platform;
 
 TEST(FilesOfWindows, Same) {
-  const Folder folder;
+  const WorkingFolder folder;
   std::filesystem::create_directory("sub");
   put_bytes("sub/f.dbc", "x");
   EXPECT_TRUE(is_same_path("sub/f.dbc", ".\\SUB\\f.dbc"));

@@ -24,6 +24,11 @@ bool FailingNew::has_failed() const { return !armed; }
 
 void* operator new(std::size_t size) { return take(size); }
 void* operator new[](std::size_t size) { return take(size); }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept try {
+  return take(size);
+} catch (const std::bad_alloc&) {
+  return nullptr;
+}
 void operator delete(void* block) noexcept { std::free(block); }
 void operator delete[](void* block) noexcept { std::free(block); }
 void operator delete(void* block, std::size_t) noexcept { std::free(block); }

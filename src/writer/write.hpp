@@ -1,0 +1,19 @@
+/// \file
+/// Saving a database without ever costing the file that is there.
+
+#ifndef ZELK_WRITER_WRITE_HPP
+#define ZELK_WRITER_WRITE_HPP
+
+#include "writer/model_view.hpp"
+
+namespace zelk {
+
+/// Writes what `zelk_write` writes beside the file at `path`, and then puts it in its place.
+///
+/// @return false when the file could not be written whole; the one that was there is as it was
+/// @throws std::bad_alloc, with the same effect
+bool save(const char* path, const ModelView& model, bool with_multiplexor_ranges);
+
+}  // namespace zelk
+
+#endif
