@@ -1,0 +1,232 @@
+/// \file
+/// One loaded database: the lists of a file, shared between the managers that hold them.
+
+#ifndef ZELK_DATABASE_HPP
+#define ZELK_DATABASE_HPP
+
+#include "zelk/types.hpp"
+
+namespace zelk {
+class DatabaseCopier;
+}
+
+/// The definitions of the four attributes that carry names longer than the text format takes.
+class ZELK_API ZelkPredefinedAttributes {
+ public:
+  /// Whether `definition` is string-valued and bears one of the four names (compared on 32
+  /// characters): "SystemSignalLongSymbol", "SystemMessageLongSymbol", "SystemNodeLongSymbol",
+  /// "SystemEnvVarLongSymbol".
+  static bool IsPredefinedAttribute(const attr_def& definition);
+
+  /// Remembers `definition` under its name, in place of an earlier one.
+  ///
+  /// @return false, with nothing changed, when it is none of the four
+  bool Insert(const attr_def& definition);
+  /// Forgets `definition`.
+  ///
+  /// @return false when it was not remembered
+  bool Remove(const attr_def& definition);
+  void ClearAll();
+
+  /// Borrowed from the database's definitions, null when absent; in the order signal, message,
+  /// node, environment variable.
+  attr_def* slots[4] = {};
+};
+
+/// One loaded database file.
+///
+/// Databases are made and destroyed by managers (manager.hpp), which share them: all databases of
+/// the process stand in one list, found by their file. A host gets one from
+/// `ZelkManager::GetDatabase` and keeps it as long as that manager has it open. The lists may be
+/// read and handed to the C interface; they are the database's, and are released with it.
+///
+/// Nothing raises but for the constructors and `CreateDatabase`, which raise `ZelkException` for a
+/// file that cannot be read. An exhausted heap is told in the error text.
+class ZELK_API ZelkDatabase {
+ public:
+  std::uint32_t ref_count = 1;    ///< managers that hold the database
+  std::uint32_t cache_count = 0;  ///< releases that asked to keep it in the cache
+  char* path = nullptr;  ///< owned; the file it was read from or last written to; null for none
+  std::int64_t file_time = 0;  ///< modification time of `path` when it was read or written, in the
+                               ///< system's own ticks; only equality means something
+  symblk* nodes = nullptr;
+  msgblk* messages = nullptr;
+  env_var_blk* env_vars = nullptr;
+  btlblk* bit_timings = nullptr;
+  attr_def* attr_defs = nullptr;
+  attr* attr_values = nullptr;  ///< of the network itself
+  cat* categories = nullptr;
+  filter_t filter = {};
+  char* comment = nullptr;    ///< owned; of the network
+  char* user_data = nullptr;  ///< owned; the text of the "VERSION" line; null only after `Clear`
+  sigtype* signal_types = nullptr;
+  valtable* value_tables = nullptr;
+  std::uint8_t symbols_shortened = 0;  ///< 1: names were cut while the file was read
+  ZelkPredefinedAttributes predefined;
+  std::uint8_t write_ext_mux = 1;  ///< 1: `Write` puts extended multiplexing into the file
+
+  /// The same instance, or the same unchanged file: `IsPathEqual(other.path)`.
+  bool operator==(const ZelkDatabase& other) const;
+
+  /// Whether `path` names this database's file, unchanged since it was read or written: equal as
+  /// absolute paths without regard to case (but for file systems that tell two such files apart),
+  /// and of the same modification time. False when either path is null or the file is gone.
+  bool IsPathEqual(const char* path) const;
+
+  // --- The file ---
+
+  /// Reads the own file afresh into the emptied database; every record of it is released first.
+  /// `file_time` stays as it is.
+  ///
+  /// @return 0; 2 without a path; 1 when the file cannot be read, which leaves what stands before
+  /// the fault and its message line in the error text
+  ZelkError ReopenDatabaseFile();
+
+  /// Writes the database, and then overwrites another instance of the same file (`Commit`).
+  ///
+  /// The file is replaced in one step once all of it is on the disk: on a failure it is as it was.
+  /// A given path becomes the database's own as soon as the file is found to be writable.
+  ///
+  /// @param path  null: the own file
+  /// @return 0; 2 without any path; 8 for a read-only file; 9 when the file could not be written
+  /// or names were shortened on reading (error 30 enters the error text); 10 when another open
+  /// database has the file
+  ZelkError Write(const char* path);
+
+  /// Copies this database over the other one of the same file that stands in the process's list;
+  /// does nothing when there is none.
+  void Commit();
+
+  /// Releases all lists and texts. The path, the counts, `file_time` and `write_ext_mux` stay.
+  void Clear();
+
+  /// Whether names were cut while the file was read.
+  bool SymbolsShortenedOnRead() const { return symbols_shortened != 0; }
+
+  // --- Objects ---
+  //
+  // Lookups: first match in list order, names byte by byte as in query.h; null when there is none
+  // or the name is null. The records are the database's.
+  //
+  // Creation: a record with the values of model.h, linked in front of the record at position
+  // `index` (0: the first), behind the last one when there are fewer. Null when the heap is
+  // exhausted.
+  //
+  // Deletion: as the functions `can_delete_*` of model.h, which tell what is not released and that
+  // other records' references are the caller's to settle.
+
+  symblk* GetNode(const char* name) const;
+  symblk* CreateNode(unsigned index);
+  void DeleteNode(symblk& node);
+
+  msgblk* GetMessage(const char* name) const;
+  msgblk* GetMessage(unsigned long id) const;  ///< all 32 bits count; bit 31: extended
+  msgblk* CreateMessage(unsigned index);
+  void DeleteMessage(msgblk& message);
+
+  env_var_blk* GetEnvvar(const char* name) const;
+  env_var_blk* CreateEnvvar(unsigned index);
+  void DeleteEnvvar(env_var_blk& variable);
+
+  btlblk* GetBitTiming(unsigned short baudrate) const;
+  btlblk* CreateBitTiming(unsigned index);
+  void DeleteBitTiming(btlblk& bit_timing);
+
+  valtable* GetValueTable(const char* name) const;
+  valtable* CreateValueTable(unsigned index);
+  void DeleteValueTable(valtable& table);
+
+  sigtype* GetSignalType(const char* name) const;
+  sigtype* CreateSignalType(unsigned index);
+  void DeleteSignalType(sigtype& type);
+
+  cat* CreateCategory(unsigned index);
+  void DeleteCategory(cat& category);
+
+  attr_def* GetAttrDef(const char* name) const;
+  attr_def* CreateAttrDef(unsigned index);
+  /// Also forgets the definition as one of the long-name attributes.
+  void DeleteAttrDef(attr_def& definition);
+  /// Gives the definition another name, cut to 32 characters. One that takes on the name of a
+  /// long-name attribute gives its values to the objects as their names at once.
+  void RenameAttrDef(attr_def& definition, const char* name);
+
+  /// The message of a J1939 frame, as `zelk_get_j1939_message` finds it.
+  ///
+  /// @param id     identifier of the frame; without bit 31 it is looked up as it is
+  /// @param flags  `ZELK_J1939_PGN_IDS`, `ZELK_J1939_FRAME_FORMAT`; without either the first counts
+  /// when `HasJ1939GroupNumbers`, else the second
+  msgblk* GetJ1939Message(unsigned long id, unsigned long flags) const;
+  /// Whether the database says that its messages' identifiers are J1939 group numbers: the network
+  /// attribute "J1939PGN", or else "IsNMEA", has a value or a default above 0.
+  bool HasJ1939GroupNumbers() const;
+
+  /// The largest `id` of an environment variable; 0 when there is none.
+  unsigned long GetMaxEnvvarHandle() const;
+
+  // --- Texts and settings ---
+
+  void SetComment(const char* text);   ///< copied; null: no comment
+  void SetUserData(const char* text);  ///< copied; null: the empty text
+  void WriteExtendedMultiplexing(bool on) { write_ext_mux = on ? 1 : 0; }
+
+  /// The name that the database has by itself: the network attribute "DBName" (its value, else its
+  /// default) when that is defined as a text, else the file's name without folder and extension.
+  /// Characters that no database name has are dropped, in front of the first valid one replaced by
+  /// "_", as is a leading digit; at most 32 characters are left.
+  ///
+  /// @return released by the caller with `zelk_mfree`; null when the heap is exhausted
+  char* GetDefaultName() const;
+
+  /// Enters a definition that is one of the long-name attributes: its values become the names of
+  /// their objects, but for those that no file could hold as a name.
+  void CheckAndInsertPredefinedAttrs(attr_def& definition);
+  /// Forgets the definition as one of the long-name attributes. Names stay: they are the only ones
+  /// that the objects have.
+  void CheckAndRemovePredefinedAttrs(attr_def& definition);
+
+ protected:
+  friend class ZelkManager;
+  friend class zelk::DatabaseCopier;
+
+  /// An empty database without a path.
+  ZelkDatabase();
+  /// Reads a file; null gives an empty database.
+  ///
+  /// @throws ZelkException when the file cannot be read, with nothing left of it
+  explicit ZelkDatabase(const char* path);
+  /// Deep copies: records of their own, which refer to each other as the source's do. A reference
+  /// to a record that the source does not own leads to the first record of that name or number in
+  /// the copy, else it is null; an attribute value without a definition comes out without a value.
+  /// A list for which memory runs out comes out empty. The copy has holders, marks and a file time
+  /// of its own; assigning keeps those of the target, and its `symbols_shortened` and
+  /// `write_ext_mux`.
+  ZelkDatabase(const ZelkDatabase& other);
+  ZelkDatabase& operator=(const ZelkDatabase& other);
+  virtual ~ZelkDatabase();
+
+  // The process-wide list, newest first.
+
+  /// The shared database of a file, with one more hold: the one in the list, or else a new one,
+  /// read from the file. Null gives a new empty database, which is found by no path.
+  ///
+  /// @throws ZelkException when the file cannot be read; nothing is entered then
+  static ZelkDatabase& CreateDatabase(const char* path);
+  /// Gives one hold back. With `keep_in_cache` the database stays in the list with one more mark;
+  /// without, it is destroyed when nobody holds it and no mark is left.
+  static void DestroyDatabase(ZelkDatabase& database, bool keep_in_cache);
+  /// Destroys every database that nobody holds, marked or not.
+  static void ReleaseCache();
+  static void ListInsertDb(ZelkDatabase& database);
+  static void ListRemoveDb(ZelkDatabase& database);
+  /// The first one whose `IsPathEqual(path)` holds; null when there is none.
+  static ZelkDatabase* ListFindDb(const char* path);
+
+ private:
+  void ReadFile();
+  ZelkError WriteOwn(const char* target);
+  ZelkDatabase* FindListed() const;
+  static void Destroy(ZelkDatabase& database);
+};
+
+#endif

@@ -1,0 +1,89 @@
+/// \file
+/// Marks by which the managers of a process keep out of each other's way.
+
+#ifndef ZELK_LOCK_HPP
+#define ZELK_LOCK_HPP
+
+#include "zelk/manager.hpp"
+
+/// A manager's announcement that it reads or changes a database. Locks are advisory: they refuse
+/// other locks, not access, and are no thread synchronisation.
+///
+/// All locks stand in one process-wide list, the newest first, which owns them. A manager takes
+/// them by `LockDatabase`; one goes when the manager unlocks or closes the database. A manager may
+/// hold any number of locks on a database; its own never refuse it.
+class ZELK_API ZelkLock {
+ public:
+  ZelkLock(const ZelkLock&) = delete;
+  ZelkLock& operator=(const ZelkLock&) = delete;
+
+  virtual bool IsWriteLock() const = 0;
+  /// Takes the lock out of the list.
+  virtual ~ZelkLock();
+
+  /// What the owner told when it took the lock; null when nothing.
+  const char* Reason() const { return reason_; }
+  /// Tells the user that this lock refuses another one, and by which reason (platform.h).
+  void ShowMessage() const;
+
+  static void FreeLock(ZelkManager& manager);                          ///< all of a manager
+  static void FreeLock(ZelkManager& manager, ZelkDatabase& database);  ///< its own on a database
+
+ protected:
+  ZelkLock(ZelkManager& manager, ZelkDatabase& database, const char* reason);
+
+  static void ListInsertLock(ZelkLock& lock);
+  static void ListRemoveLock(ZelkLock& lock);  ///< and destroys it
+  static void ListRemoveLocks(ZelkManager& manager);
+  static void ListRemoveLocks(ZelkManager& manager, ZelkDatabase& database);
+
+  /// The first lock of another manager on the same file (`ZelkDatabase::operator==`); null when
+  /// there is none.
+  static ZelkLock* FindForeign(const ZelkManager& manager, const ZelkDatabase& database,
+                               bool write_locks_only);
+
+  template <typename Lock>
+  static Lock* CreateUnlessRefused(ZelkManager& manager, const char* db, const char* reason);
+
+ private:
+  ZelkManager& manager_;
+  ZelkDatabase& database_;
+  char* reason_;
+};
+
+class ZELK_API ZelkReadLock : public ZelkLock {
+ public:
+  bool IsWriteLock() const override { return false; }
+
+  /// Takes a read lock. Another manager's write lock refuses it, which the user is told.
+  ///
+  /// @param db      handle of one of the manager's databases
+  /// @param reason  copied; may be null
+  /// @return the lock, owned by the list; null when it is refused, there is no such database, or
+  /// the heap is exhausted
+  static ZelkReadLock* Create(ZelkManager& manager, const char* db, const char* reason);
+  /// The lock that would refuse a read lock; null when none would.
+  ///
+  /// @throws std::bad_alloc when there is no memory to compare paths
+  static ZelkLock* GetLock(ZelkManager& manager, ZelkDatabase& database);
+
+ private:
+  friend class ZelkLock;
+  using ZelkLock::ZelkLock;
+};
+
+class ZELK_API ZelkWriteLock : public ZelkLock {
+ public:
+  bool IsWriteLock() const override { return true; }
+
+  /// Takes a write lock, as `ZelkReadLock::Create`; every lock of another manager refuses it.
+  static ZelkWriteLock* Create(ZelkManager& manager, const char* db, const char* reason);
+  /// The lock that would refuse a write lock, as `ZelkReadLock::GetLock`.
+  static ZelkLock* GetLock(ZelkManager& manager, ZelkDatabase& database);
+
+ private:
+  friend class ZelkLock;
+  using ZelkLock::ZelkLock;
+};
+
+#endif

@@ -1,0 +1,191 @@
+// Names and settings of open databases, and what else is asked about one by its name.
+
+#include "manager/names.hpp"
+
+#include <algorithm>
+#include <cstring>
+
+#include "capi/list_walk.hpp"
+#include "model/memory.hpp"
+#include "zelk/exception.hpp"
+#include "zelk/manager.hpp"
+
+namespace {
+
+constexpr std::uint32_t kFound = 0;
+constexpr std::uint32_t kNotFound = 2;
+constexpr int kExtendedMultiplexing = 1;
+
+}  // namespace
+
+bool ZelkVerifyDatabaseName(const char* text) {
+  const std::string_view name = text ? text : "";
+  return !name.empty() && name.size() <= zelk::kDatabaseNameMax && zelk::is_letter(name[0]) &&
+         std::all_of(name.begin(), name.end(), zelk::is_name_character);
+}
+
+bool ZelkSplitQualifiedName(char* text, const char** db, const char** object) {
+  *db = text;
+  *object = nullptr;
+  char* const colon = text ? std::strchr(text, ':') : nullptr;
+  if (!colon || colon[1] != ':') return false;
+  *colon = '\0';
+  *object = colon + 2;
+  return true;
+}
+
+const char* ZelkManager::GetUniqueDatabaseName(const char* text) {
+  const DbListNode* const node = ListFindName(text);
+  status_ = node ? kFound : kNotFound;
+  return node ? node->name : nullptr;
+}
+
+const char* ZelkManager::GetDatabasePath(const char* text) {
+  const DbListNode* const node = ListFindName(text);
+  status_ = node ? kFound : kNotFound;
+  return node ? node->database.path : nullptr;
+}
+
+bool ZelkManager::IsDatabaseName(const char* db) { return ListFindDatabase(db) != nullptr; }
+
+ZelkDatabase* ZelkManager::GetDatabase(const char* db) {
+  DbListNode* const node = ListFindDatabase(db);
+  return node ? &node->database : nullptr;
+}
+
+const char* ZelkManager::GetDatabaseName(const char* path) try {
+  status_ = kFound;
+  const DbListNode* const open = ListFindPath(path);
+  if (open) return open->name;
+  if (GetDatabaseFileInfo(path) == ZelkErrorOk) {
+    ZelkDatabase& database = AssignDatabase(path);
+    const char* const name = database.GetDefaultName();
+    ReleaseDatabase(database, true);
+    return name;
+  }
+  status_ = kNotFound;
+  return nullptr;
+} catch (const ZelkException&) {  // has told of itself in the error text
+  status_ = kNotFound;
+  return nullptr;
+} catch (const std::bad_alloc&) {
+  status_ = kNotFound;
+  return nullptr;
+}
+
+ZelkError ZelkManager::SetDatabaseName(const char* db, const char** name, const char* new_name) {
+  DbListNode* const node = ListFindDatabase(db);
+  if (!node) return ZelkErrorNoDatabase;
+  if (!ZelkVerifyDatabaseName(new_name)) return ZelkErrorInvalidName;
+  const DbListNode* const holder = ListFindName(new_name);
+  if (holder && holder != node) return ZelkErrorNameUsed;
+  if (!holder) {
+    try {
+      zelk::assign_text(node->name, zelk::copy_text(new_name));
+    } catch (const ZelkException&) {
+      return ZelkErrorNoDatabase;
+    }
+  }
+  if (name) *name = node->name;
+  return ZelkErrorOk;
+}
+
+bool ZelkManager::GetDefaultDatabaseName(const char* db, char* buffer, std::size_t size) {
+  const ZelkDatabase* const database = GetDatabase(db);
+  if (!database) return false;
+  const zelk::OwnedText name(database->GetDefaultName());
+  if (!name || size == 0) return false;
+  const std::string_view whole = name.get();
+  buffer[whole.copy(buffer, size - 1)] = '\0';
+  return whole.size() < size;
+}
+
+bool ZelkManager::AssignSelectionPattern(const ZelkSelectionPattern& pattern, const char* db) {
+  DbListNode* const node = ListFindDatabase(db);
+  if (node) node->pattern = pattern;
+  return node != nullptr;
+}
+
+const ZelkSelectionPattern& ZelkManager::GetSelectionPattern(const char* db) {
+  static constexpr ZelkSelectionPattern kNone = {0, 0};
+  const DbListNode* const node = ListFindDatabase(db);
+  return node ? node->pattern : kNone;
+}
+
+const char* ZelkManager::GetDbNameBySelectionPattern(const ZelkSelection& selection) {
+  status_ = kFound;
+  const DbListNode* partial = nullptr;
+  const DbListNode* any = nullptr;
+  for (const DbListNode* node = databases_; node; node = node->next) {
+    if (node->pattern.IsExact(selection)) return node->name;
+    if (node->pattern.IsPartial(selection)) partial = node;
+    if (node->pattern.IsCatchAll()) any = node;
+  }
+  status_ = kNotFound;
+  const DbListNode* const best = partial ? partial : any;
+  return best ? best->name : nullptr;
+}
+
+unsigned ZelkManager::GetPriority(const char* db) {
+  const DbListNode* const node = ListFindDatabase(db);
+  return node ? node->priority : 0;
+}
+
+bool ZelkManager::AssignDatabaseInfo(void* info, const char* db) {
+  DbListNode* const node = ListFindDatabase(db);
+  if (node) node->info = info;
+  return node != nullptr;
+}
+
+void* ZelkManager::GetDatabaseInfo(const char* db) {
+  const DbListNode* const node = ListFindDatabase(db);
+  return node ? node->info : nullptr;
+}
+
+unsigned ZelkManager::DatabaseCount() const {
+  unsigned count = 0;
+  for (const DbListNode* node = databases_; node; node = node->next) ++count;
+  return count;
+}
+
+bool ZelkManager::SymbolsShortenedOnRead(const char* db) {
+  const ZelkDatabase* const database = GetDatabase(db);
+  return database && database->SymbolsShortenedOnRead();
+}
+
+// --- Features ---
+
+namespace {
+
+/// Whether the signal is there for more than one value of its multiplexor.
+bool has_further_values(const sigblk& signal) {
+  const muxor_val_range* const first = signal.mux_ranges;
+  return zelk::find_first(first, [first](const muxor_val_range& range) {
+           return range.low != first->low || range.high != first->low;
+         }) != nullptr;
+}
+
+bool uses_extended_multiplexing(const msgblk& message) {
+  const sigblk* multiplexor = nullptr;
+  for (const sigblk* signal = message.signals; signal; signal = signal->next) {
+    if (has_further_values(*signal)) return true;
+    if (!signal->mux_signal) continue;
+    if ((signal->flags & ZELK_SIGNAL_MULTIPLEXOR) != 0) return true;
+    if (multiplexor && multiplexor != signal->mux_signal) return true;
+    multiplexor = signal->mux_signal;
+  }
+  return false;
+}
+
+}  // namespace
+
+int ZelkManager::IsNewFeatureUsed(int feature, const char* db) {
+  if (!IsSavingOfNewFeaturePossible(feature)) return -1;
+  const ZelkDatabase* const database = GetDatabase(db);
+  const msgblk* const messages = database ? database->messages : nullptr;
+  return zelk::find_first(messages, uses_extended_multiplexing) ? 1 : 0;
+}
+
+bool ZelkManager::IsSavingOfNewFeaturePossible(int feature) const {
+  return feature == kExtendedMultiplexing;
+}

@@ -1,0 +1,285 @@
+#include <algorithm>
+#include <map>
+#include <memory>
+#include <vector>
+
+#include "manager/own_database.hpp"
+#include "support/failing_calloc.hpp"
+#include "support/failing_new.hpp"
+
+namespace {
+
+using Copy = DatabaseTest;
+
+const std::string kEveryStatement = ZELK_SOURCE_DIR "/tests/data/ok_every_statement.dbc";
+
+/// What each reference of a database's records, one after the other, leads to: the number of a
+/// record among the database's own ones (from 1, in list order), 0 for null, -1 for a stranger.
+class References {
+ public:
+  explicit References(const ZelkDatabase& d) {
+    number(d.nodes);
+    number(d.messages);
+    number(d.categories);
+    number(d.attr_defs);
+    number(d.signal_types);
+    number(d.value_tables);
+    for (const auto* m = d.messages; m; m = m->next) number(m->signals);
+    attributes(d.attr_values);
+    for (const auto* node = d.nodes; node; node = node->next) object(*node);
+    for (const auto* variable = d.env_vars; variable; variable = variable->next) {
+      object(*variable);
+      links(variable->access_nodes);
+    }
+    for (const auto* type = d.signal_types; type; type = type->next) {
+      add(type->valtable);
+      attributes(type->attrs);
+    }
+    for (const auto* message = d.messages; message; message = message->next) visit(*message);
+    for (const auto* link = d.filter.categories; link; link = link->next) add(link->category);
+    links(d.filter.nodes);
+  }
+
+  std::vector<int> found;
+
+ private:
+  template <typename Record>
+  void number(const Record* list) {
+    for (; list; list = list->next) numbers_.emplace(list, static_cast<int>(numbers_.size()) + 1);
+  }
+  void add(const void* record) {
+    const auto known = numbers_.find(record);
+    found.push_back(!record ? 0 : known == numbers_.end() ? -1 : known->second);
+  }
+  void attributes(const attr* list) {
+    for (; list; list = list->next) add(list->def);
+  }
+  void links(const rxblk* list) {
+    for (; list; list = list->next) {
+      add(list->node);
+      attributes(list->attrs);
+    }
+  }
+  template <typename Object>
+  void object(const Object& object) {
+    add(object.category);
+    attributes(object.attrs);
+  }
+  void visit(const msgblk& message) {
+    object(message);
+    add(message.transmitter);
+    links(message.tx_nodes);
+    for (const auto* signal = message.signals; signal; signal = signal->next) {
+      add(signal->message);
+      add(signal->mux_signal);
+      add(signal->sigtype);
+      links(signal->receivers);
+      attributes(signal->attrs);
+    }
+    for (const auto* group = message.siggroups; group; group = group->next) {
+      add(group->message);
+      for (const auto* member = group->signals; member; member = member->next) add(member->signal);
+    }
+  }
+
+  std::map<const void*, int> numbers_;
+};
+
+template <typename Record>
+uint32_t length(const Record* list) {
+  uint32_t count = 0;
+  for (; list; list = list->next) ++count;
+  return count;
+}
+
+/// Lengths of the lists and whether there are the texts, in the order in which they are copied.
+std::vector<uint32_t> sizes(const ZelkDatabase& d) {
+  return {length(d.attr_defs),
+          length(d.attr_values),
+          length(d.categories),
+          length(d.value_tables),
+          length(d.signal_types),
+          length(d.nodes),
+          length(d.messages),
+          length(d.env_vars),
+          length(d.bit_timings),
+          length(d.filter.categories),
+          length(d.filter.nodes),
+          uint32_t{d.user_data != nullptr},
+          uint32_t{d.comment != nullptr},
+          uint32_t{d.path != nullptr}};
+}
+
+TEST_F(Copy, HasAllRecordsForItself) {
+  for (const std::string& path :
+       {kEveryStatement, ZELK_SOURCE_DIR + std::string("/tests/writer/whole.dbc"),
+        ZELK_SOURCE_DIR + std::string("/examples/powertrain.dbc")}) {
+    auto source = std::make_unique<OwnDatabase>(path);
+    siggroupblk* const group = source->messages->siggroups;
+    int item = 0;
+    if (group) {
+      set(group->comment, "a group");
+      append(group->extra, zelk::create_record<siggroup_extra>())->item = &item;
+    }
+    source->ref_count = source->cache_count = 4;
+    source->write_ext_mux = 0;
+    const std::string before = describe(*source);
+    const std::vector<int> references = References(*source).found;
+    EXPECT_EQ(std::count(references.begin(), references.end(), -1), 0) << path;
+    const OwnDatabase copy(*source);
+    EXPECT_EQ(describe(*source), before) << "changed by the copy, " << path;
+    source.reset();
+    EXPECT_EQ(describe(copy), before) << path;
+    EXPECT_EQ(References(copy).found, references) << path;
+    EXPECT_EQ(copy.path, path);
+    EXPECT_EQ(copy.ref_count, 1u);
+    EXPECT_EQ(copy.cache_count, 0u);
+    EXPECT_EQ(copy.write_ext_mux, 0);
+    const siggroupblk* const copied = copy.messages->siggroups;
+    if (!group) continue;
+    EXPECT_STREQ(copied->comment, "a group");
+    EXPECT_EQ(copied->extra->item, &item);
+    EXPECT_EQ(copied->extra->next, nullptr);
+  }
+}
+
+TEST_F(Copy, KeepsNamesakesApart) {
+  OwnDatabase source(kEveryStatement);
+  set(source.CreateNode(0)->name, "A");
+  source.CreateCategory(0)->number = 1;
+  set(source.CreateValueTable(0)->name, "Gears");
+  set(source.CreateSignalType(0)->name, "Celsius");
+  for (const char* name : {"Var", "Sig", "RelSig", "SystemSignalLongSymbol"}) {
+    attr_def* const definition = source.CreateAttrDef(0);
+    set(definition->name, name);
+    definition->object_type = ZELK_OBJ_ENVVAR;
+    definition->value_type = ZELK_ATTR_STRING;
+  }
+  sigblk* const signal = zelk_create_sigblk();
+  set(signal->name, "T");
+  can_insert_sig(source.messages, signal, 0);
+  signal->message = source.messages;
+  const OwnDatabase copy(source);
+  EXPECT_EQ(describe(copy), describe(source));
+  EXPECT_EQ(References(copy).found, References(source).found);
+  EXPECT_EQ(copy.predefined.slots[0], copy.attr_defs);
+  EXPECT_EQ(copy.predefined.slots[2], nullptr);
+  EXPECT_EQ(source.predefined.slots[0], nullptr);
+}
+
+TEST_F(Copy, TurnsForeignReferencesByNameOrDropsThem) {
+  const OwnDatabase foreign(kEveryStatement);
+  for (const bool has_namesakes : {true, false}) {
+    const OwnDatabase own(kEveryStatement);
+    OwnDatabase source;
+    if (has_namesakes) source.assign(own);
+    msgblk* const message = source.CreateMessage(1000);
+    set(message->name, "Foreign");
+    message->transmitter = foreign.nodes->next;
+    message->category = foreign.categories;
+    add_value(message->attrs, foreign.GetAttrDef("Msg"))->value.number = 2;
+    append(message->tx_nodes, zelk_create_tx(foreign.nodes));
+    sigblk* const signal = add_signal(message, "T");
+    signal->sigtype = foreign.signal_types;
+    signal->mux_signal = foreign.messages->signals;
+    append(message->siggroups, zelk_create_siggroup(message))->signals =
+        zelk_create_siglist(foreign.messages->signals->next);
+    sigtype* const type = source.CreateSignalType(1000);
+    type->valtable = foreign.value_tables;
+    append(source.filter.categories, zelk::create_record<catlink>())->category = foreign.categories;
+    source.filter.mode = -3;
+
+    const OwnDatabase copy(source);
+    const msgblk* const copied = copy.GetMessage("Foreign");
+    const sigblk* const copied_signal = copied->signals;
+    const sigtype* last = copy.signal_types;
+    while (last->next) last = last->next;
+    EXPECT_EQ(copied->transmitter, copy.GetNode("B"));
+    EXPECT_EQ(copied->category, copy.categories);
+    EXPECT_EQ(copied->tx_nodes->node, copy.GetNode("A"));
+    EXPECT_EQ(copied->attrs->def, copy.GetAttrDef("Msg"));
+    EXPECT_EQ(copied_signal->sigtype, copy.GetSignalType("Celsius"));
+    EXPECT_EQ(copied_signal->mux_signal, nullptr) << "no signal of the message has the name";
+    EXPECT_EQ(copied->siggroups->signals->signal, copied_signal);
+    EXPECT_EQ(last->valtable, copy.value_tables);
+    EXPECT_EQ(copy.filter.mode, -3);
+    EXPECT_EQ(copy.nodes != nullptr, has_namesakes);
+  }
+}
+
+TEST_F(Copy, AssignedKeepsWhatTheTargetIs) {
+  const OwnDatabase source(kEveryStatement);
+  OwnDatabase target(folder_.write("target.dbc", "BS_:\nBU_: Z\nCM_ \"old\";\n"));
+  target.ref_count = 4;
+  target.cache_count = 5;
+  target.write_ext_mux = 0;
+  target.symbols_shortened = 1;
+  target.filter.mode = 9;
+  const int64_t time = target.file_time;
+  for (int twice = 0; twice < 2; ++twice) {
+    target.assign(source);
+    EXPECT_EQ(describe(target), describe(source));
+    EXPECT_EQ(References(target).found, References(source).found);
+    EXPECT_EQ(target.path, kEveryStatement);
+    EXPECT_NE(target.path, source.path);
+    EXPECT_EQ(target.ref_count, 4u);
+    EXPECT_EQ(target.cache_count, 5u);
+    EXPECT_EQ(target.file_time, time);
+    EXPECT_EQ(target.symbols_shortened, 1);
+    EXPECT_EQ(target.write_ext_mux, 0);
+  }
+  const symblk* const nodes = target.nodes;
+  target.assign(target);
+  EXPECT_EQ(target.nodes, nodes);
+  EXPECT_EQ(describe(target), describe(source));
+  OwnDatabase empty;
+  empty.Clear();
+  target.assign(empty);
+  EXPECT_EQ(target.path, nullptr);
+  EXPECT_STREQ(target.user_data, "");
+  EXPECT_EQ(describe(target), "");
+}
+
+/// Copies while the `n`-th allocation fails, for all of them: no more than the list that it was for
+/// is missing.
+template <typename Failure>
+std::size_t copy_while_allocations_fail(const ZelkDatabase& source) {
+  const std::vector<uint32_t> complete = sizes(source);
+  const std::string before = describe(source);
+  for (std::size_t n = 0;; ++n) {
+    OwnDatabase copy;
+    zelk_clear_error_text();
+    bool has_failed = false;
+    {
+      const Failure failure(n);
+      copy.assign(source);
+      has_failed = failure.has_failed();
+    }
+    const std::vector<int> references = References(copy).found;
+    EXPECT_EQ(std::count(references.begin(), references.end(), -1), 0) << n;
+    if (!has_failed) {
+      EXPECT_EQ(describe(copy), before);
+      return n;
+    }
+    EXPECT_STREQ(zelk_get_error_text(), "not enough memory\n") << n;
+    const std::vector<uint32_t> copied = sizes(copy);
+    int missing = 0;
+    for (std::size_t i = 0; i < complete.size(); ++i) {
+      if (copied[i] == complete[i]) continue;
+      EXPECT_EQ(copied[i], 0u) << "list " << i << ", allocation " << n;
+      ++missing;
+    }
+    EXPECT_EQ(missing, 1) << n;
+    const TemporaryFile file("");
+    set(copy.path, file.path());
+    EXPECT_EQ(copy.Write(nullptr), 0) << "what is left can be used, allocation " << n;
+  }
+}
+
+TEST_F(Copy, LacksOneListWithoutMemory) {
+  const OwnDatabase source(kEveryStatement);
+  EXPECT_GT(copy_while_allocations_fail<FailingCalloc>(source), 80u);
+  EXPECT_GT(copy_while_allocations_fail<FailingNew>(source), 10u);
+}
+
+}  // namespace

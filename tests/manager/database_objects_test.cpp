@@ -1,0 +1,289 @@
+// A database's objects, the texts it has by itself, and the long names of its objects.
+
+#include <vector>
+
+#include "manager/own_database.hpp"
+#include "support/failing_calloc.hpp"
+
+namespace {
+
+using Objects = DatabaseTest;
+
+template <typename Record>
+std::vector<Record*> records(Record* list) {
+  std::vector<Record*> result;
+  for (; list; list = list->next) result.push_back(list);
+  return result;
+}
+
+template <typename Record>
+void expect_creation_anywhere(const char* name, Record* ZelkDatabase::*list,
+                              Record* (ZelkDatabase::*create)(unsigned),
+                              void (ZelkDatabase::*remove)(Record&)) {
+  OwnDatabase database;
+  std::vector<Record*> expected;
+  struct Step {
+    unsigned index, position;
+  };
+  for (const auto& [index, position] : std::vector<Step>{
+           {5, 0}, {0, 0}, {1, 1}, {1000, 3}, {4, 4}, {2, 2}, {0xFFFFFFFF, 6}, {0, 0}}) {
+    Record* const record = (database.*create)(index);
+    expected.insert(expected.begin() + position, record);
+    ASSERT_EQ(records(database.*list), expected) << name << ", in front of " << index;
+  }
+  for (const int position : {3, 0, 5, 4}) {
+    (database.*remove)(*expected[static_cast<std::size_t>(position)]);
+    expected.erase(expected.begin() + position);
+    EXPECT_EQ(records(database.*list), expected) << name << ", deleted " << position;
+  }
+  const FailingCalloc failure(0);
+  EXPECT_EQ((database.*create)(0), nullptr) << name;
+  EXPECT_EQ(records(database.*list), expected) << name << ", without memory";
+}
+
+TEST_F(Objects, AreCreatedAndDeletedAnywhere) {
+  using D = ZelkDatabase;
+  expect_creation_anywhere("node", &D::nodes, &D::CreateNode, &D::DeleteNode);
+  expect_creation_anywhere("message", &D::messages, &D::CreateMessage, &D::DeleteMessage);
+  expect_creation_anywhere("variable", &D::env_vars, &D::CreateEnvvar, &D::DeleteEnvvar);
+  expect_creation_anywhere("bit timing", &D::bit_timings, &D::CreateBitTiming, &D::DeleteBitTiming);
+  expect_creation_anywhere("table", &D::value_tables, &D::CreateValueTable, &D::DeleteValueTable);
+  expect_creation_anywhere("type", &D::signal_types, &D::CreateSignalType, &D::DeleteSignalType);
+  expect_creation_anywhere("category", &D::categories, &D::CreateCategory, &D::DeleteCategory);
+  expect_creation_anywhere("definition", &D::attr_defs, &D::CreateAttrDef, &D::DeleteAttrDef);
+}
+
+TEST_F(Objects, AreFoundInTheOwnLists) {
+  const OwnDatabase d(ZELK_SOURCE_DIR "/tests/writer/whole.dbc");
+  EXPECT_TRUE(d.GetNode("B") == d.nodes->next && d.GetMessage("N") == d.messages->next &&
+              d.GetMessage(static_cast<unsigned long>(0x7780000001ull)) == d.messages->next &&
+              d.GetEnvvar("D") == d.env_vars->next && d.GetBitTiming(500) == d.bit_timings &&
+              d.GetValueTable("Tab") == d.value_tables && d.GetSignalType("Y") == d.signal_types &&
+              d.GetAttrDef("Nod") == d.attr_defs->next);
+  const char* const none = nullptr;
+  EXPECT_FALSE(d.GetNode(none) || d.GetMessage(none) || d.GetEnvvar(none) ||
+               d.GetValueTable(none) || d.GetSignalType(none) || d.GetAttrDef(none));
+}
+
+TEST_F(Objects, HaveALargestHandle) {
+  OwnDatabase d;
+  EXPECT_EQ(d.GetMaxEnvvarHandle(), 0u);
+  for (const uint32_t id : {7u, 0xFFFFFFFFu, 9u}) d.CreateEnvvar(0)->id = id;
+  EXPECT_EQ(d.GetMaxEnvvarHandle(), 0xFFFFFFFFu);
+  d.DeleteEnvvar(*d.env_vars->next);
+  EXPECT_EQ(d.GetMaxEnvvarHandle(), 9u);
+}
+
+// The frame 0x98FEF121 has the group number 0xFEF1. The message "Id" stores identifiers, "Group" a
+// group number. A message of any source is found by its identifier only with the frame format.
+TEST_F(Objects, OfJ1939FramesAsTheNetworkAttributesSay) {
+  const std::string messages =
+      "BS_:\nBU_:\nBO_ 2566844705 Id: 8 Ostrel__XXX\n\nBO_ 2147548913 Group: 8 Ostrel__XXX\n\n"
+      "BO_ 1 Standard: 8 Ostrel__XXX\n\nBO_ 2566844926 Any: 8 Ostrel__XXX\n\n"
+      "BA_DEF_ \"J1939PGN\" INT -1 1;\nBA_DEF_ \"IsNMEA\" ENUM \"no\",\"yes\";\n"
+      "BA_DEF_ BO_ \"VFrameFormat\" STRING ;\n";
+  const std::string on = "BA_ \"J1939PGN\" 1;\n", off = "BA_ \"J1939PGN\" 0;\n";
+  const std::string default_on = "BA_DEF_DEF_ \"J1939PGN\" 1;\n", nmea = "BA_ \"IsNMEA\" 1;\n";
+  struct Case {
+    std::string statements;
+    unsigned long id, flags;
+    const char* expected;
+  };
+  const unsigned long frame = 0x98FEF121, other_source = 0x98FEF122;
+  for (const Case& c :
+       std::vector<Case>{{"", frame, 0, "Id"},
+                         {on, 1, 1, "Standard"},
+                         {"", 0x18FEF121, 0, nullptr},
+                         {on, frame, 0, "Group"},
+                         {off, frame, 0, "Id"},
+                         {"BA_ \"J1939PGN\" -1;\n", frame, 0, "Id"},
+                         {default_on, frame, 0, "Group"},
+                         {default_on + off, frame, 0, "Group"},
+                         {nmea, frame, 0, "Group"},
+                         {off + nmea, frame, 0, "Group"},
+                         {"BA_DEF_DEF_ \"IsNMEA\" \"yes\";\n", frame, 0, "Id"},
+                         {on, frame, 2, "Id"},
+                         {"", frame, 1, "Group"},
+                         {on, frame, 4, "Group"},
+                         {"", other_source, 0, nullptr},
+                         {on, other_source, 0, "Group"},
+                         {"BA_DEF_DEF_ \"VFrameFormat\" \"J1939PG\";\n", other_source, 0, "Any"}}) {
+    const OwnDatabase d(folder_.write("a.dbc", messages + c.statements));
+    const msgblk* const found = d.GetJ1939Message(c.id, c.flags);
+    EXPECT_STREQ(found ? found->name : nullptr, c.expected) << c.statements << c.id << c.flags;
+  }
+}
+
+// --- Texts ---
+
+using Texts = DatabaseTest;
+
+TEST_F(Texts, AreCopiedAndReplaced) {
+  OwnDatabase d;
+  d.SetComment("one");
+  d.SetUserData("1");
+  d.SetComment(d.comment + 1);
+  d.SetUserData(d.user_data);
+  EXPECT_EQ(describe(d), "version \"1\"\ncomment \"ne\"\n");
+  for (const bool is_comment : {true, false}) {
+    const FailingCalloc failure(0);
+    is_comment ? d.SetComment("lost") : d.SetUserData("lost");
+  }
+  EXPECT_EQ(describe(d), "version \"1\"\ncomment \"ne\"\n") << "without memory the old ones stay";
+  d.SetComment("");
+  EXPECT_STREQ(d.comment, "");
+  d.SetComment(nullptr);
+  d.SetUserData(nullptr);
+  EXPECT_EQ(d.comment, nullptr);
+  EXPECT_STREQ(d.user_data, "");
+  d.WriteExtendedMultiplexing(false);
+  EXPECT_EQ(d.write_ext_mux, 0);
+}
+
+std::string default_name(const ZelkDatabase& database) {
+  return zelk::OwnedText(database.GetDefaultName()).get();
+}
+
+TEST_F(Texts, DefaultNameIsThatOfTheFile) {
+  struct Case {
+    const char *path, *expected;
+  };
+  for (const Case& c : std::vector<Case>{
+           {"1-My Net.dbc", "__MyNet"},
+           {"9.dbc", "_"},
+           {"Net", "Net"},
+           {"Net.old.2.dbc", "Netold2"},
+           {"folder.d/Net", "Net"},
+           {"/a b/../Net 1.dbc", "Net1"},
+           {"C:\\a.b\\Net.dbc", "Net"},
+           {"folder/", ""},
+           {".dbc", ""},
+           {"", ""},
+           {"2024.dbc", "____"},
+           {"_2024.dbc", "_2024"},
+           {"- - .dbc", "____"},
+           {"a- -b.dbc", "ab"},
+           {"\xC3\x84.dbc", "__"},
+           {"a\xC3\x84.dbc", "a"},
+           {"abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMN.dbc", "abcdefghijklmnopqrstuvwxyzABCDEF"},
+           {"-abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMN", "_abcdefghijklmnopqrstuvwxyzABCDE"},
+           {"7777777777777777777777777777777777777777a", "________________________________"}}) {
+    OwnDatabase d;
+    set(d.path, c.path);
+    EXPECT_EQ(default_name(d), c.expected) << c.path;
+  }
+  const OwnDatabase none;
+  EXPECT_EQ(default_name(none), "");
+  const FailingCalloc failure(0);
+  EXPECT_EQ(none.GetDefaultName(), nullptr);
+}
+
+TEST_F(Texts, DefaultNameIsThatOfTheNetworkAttribute) {
+  const std::string text = "BA_DEF_ \"DBName\" STRING ;\n";
+  const std::string with_default = text + "BA_DEF_DEF_ \"DBName\" \"De fault\";\n";
+  struct Case {
+    const char* name;
+    std::string statements, expected;
+  };
+  for (const Case& c : std::vector<Case>{
+           {"value", with_default + "BA_ \"DBName\" \"1 My-Net\";\n", "__MyNet"},
+           {"default", with_default, "Default"},
+           {"empty value", with_default + "BA_ \"DBName\" \"\";\n", ""},
+           {"neither", text, ""},
+           {"too long", text + "BA_ \"DBName\" \"" + std::string(40, 'n') + "\";\n",
+            std::string(32, 'n')},
+           {"of a message", "BA_DEF_ BO_ \"DBName\" STRING ;\n", "file"},
+           {"a number", "BA_DEF_ \"DBName\" INT 0 9;\nBA_ \"DBName\" 7;\n", "file"},
+           {"an item", "BA_DEF_ \"DBName\" ENUM \"a\";\nBA_ \"DBName\" 0;\n", "file"},
+           {"another name", "BA_DEF_ \"DbName\" STRING ;\nBA_ \"DbName\" \"x\";\n", "file"}}) {
+    const OwnDatabase d(folder_.write("file.dbc", "BS_:\nBU_:\n" + c.statements));
+    EXPECT_EQ(default_name(d), c.expected) << c.name;
+  }
+}
+
+// --- Long names ---
+
+using LongNames = DatabaseTest;
+
+constexpr std::string_view kNamed =
+    "BS_:\nBU_: A\nBO_ 1 M: 8 A\n SG_ S : 0|8@1+ (1,0) [0|0] \"\" A\n\n"
+    "EV_ V: 0 [0|0] \"\" 0 1 DUMMY_NODE_OSTREL0 A;\n"
+    "BA_DEF_ BU_ \"NodeAlias\" STRING ;\nBA_DEF_ BO_ \"MessageAlias\" STRING ;\n"
+    "BA_DEF_ SG_ \"SignalAlias\" STRING ;\nBA_DEF_ EV_ \"VariableAlias\" STRING ;\n"
+    "BA_ \"NodeAlias\" BU_ A \"NewA\";\nBA_ \"MessageAlias\" BO_ 1 \"NewM\";\n"
+    "BA_ \"SignalAlias\" SG_ 1 S \"NewS\";\nBA_ \"VariableAlias\" EV_ V \"NewV\";\n";
+
+TEST_F(LongNames, FollowTheNameOfTheDefinition) {
+  struct Case {
+    const char *alias, *name;
+    int slot;
+    const char* names;  // of node, message, signal and variable
+  };
+  for (const Case& c :
+       std::vector<Case>{{"SignalAlias", "SystemSignalLongSymbol", 0, "A M NewS V"},
+                         {"MessageAlias", "SystemMessageLongSymbol", 1, "A NewM S V"},
+                         {"NodeAlias", "SystemNodeLongSymbol", 2, "NewA M S V"},
+                         {"VariableAlias", "SystemEnvVarLongSymbol", 3, "A M S NewV"},
+                         {"NodeAlias", "SystemMessageLongSymbol", 1, "NewA M S V"},
+                         {"NodeAlias", "SystemNodeLongSymbolOfSomeoneElse", -1, "A M S V"},
+                         {"NodeAlias", "systemnodelongsymbol", -1, "A M S V"}}) {
+    OwnDatabase d(folder_.write("a.dbc", kNamed));
+    attr_def& definition = *d.GetAttrDef(c.alias);
+    const auto expect_slot = [&](int slot) {
+      for (int i = 0; i < 4; ++i) {
+        EXPECT_EQ(d.predefined.slots[i], i == slot ? &definition : nullptr) << c.name << i;
+      }
+      const std::string names = std::string(d.nodes->name) + " " + d.messages->name + " " +
+                                d.messages->signals->name + " " + d.env_vars->name;
+      EXPECT_EQ(names, c.names) << c.name << slot;
+    };
+    d.RenameAttrDef(definition, c.name);
+    EXPECT_EQ(definition.name, std::string(c.name).substr(0, 32));
+    EXPECT_EQ(ZelkPredefinedAttributes::IsPredefinedAttribute(definition), c.slot >= 0) << c.name;
+    expect_slot(c.slot);
+    d.RenameAttrDef(definition, c.alias);
+    expect_slot(-1);
+    d.RenameAttrDef(definition, c.name);
+    d.CheckAndRemovePredefinedAttrs(definition);
+    expect_slot(-1);
+    EXPECT_FALSE(d.predefined.Remove(definition)) << c.name;
+  }
+}
+
+TEST_F(LongNames, AreTextsOnly) {
+  OwnDatabase d;
+  attr_def& definition = *d.CreateAttrDef(0);
+  set(definition.name, "SystemNodeLongSymbol");
+  for (const int32_t type : {ZELK_ATTR_INT, ZELK_ATTR_FLOAT, ZELK_ATTR_ENUM, ZELK_ATTR_HEX}) {
+    definition.value_type = type;
+    EXPECT_FALSE(d.predefined.Insert(definition)) << type;
+  }
+  definition.value_type = ZELK_ATTR_STRING;
+  EXPECT_TRUE(d.predefined.Insert(definition));
+  EXPECT_EQ(d.predefined.slots[2], &definition);
+  d.DeleteAttrDef(definition);
+  EXPECT_EQ(d.predefined.slots[2], nullptr);
+}
+
+TEST_F(LongNames, AreSuchAsAFileCanHold) {
+  OwnDatabase d(folder_.write("a.dbc", kNamed));
+  attr_def& definition = *d.GetAttrDef("NodeAlias");
+  for (const char* refused : {"", "two words", "1st", "BO_", "\xC3\x84", "a\nb", ZELK_NO_NODE}) {
+    set(d.nodes->attrs->value.text, refused);
+    d.RenameAttrDef(definition, "SystemNodeLongSymbol");
+    EXPECT_STREQ(d.nodes->name, "A") << refused;
+  }
+  zelk_mfree(std::exchange(d.nodes->attrs->value.text, nullptr));
+  d.CheckAndInsertPredefinedAttrs(definition);
+  EXPECT_STREQ(d.nodes->name, "A");
+  set(d.nodes->attrs->value.text, std::string(200, 'n'));
+  {
+    const FailingCalloc failure(0);
+    d.CheckAndInsertPredefinedAttrs(definition);
+  }
+  EXPECT_STREQ(d.nodes->name, "A") << "without memory";
+  d.CheckAndInsertPredefinedAttrs(definition);
+  EXPECT_EQ(d.nodes->name, std::string(200, 'n'));
+}
+
+}  // namespace

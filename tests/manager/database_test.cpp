@@ -1,0 +1,261 @@
+// Which file is which database, who holds it, and what reading it afresh makes of it.
+
+#include <iterator>
+#include <new>
+#include <vector>
+
+#include "manager/own_database.hpp"
+#include "support/failing_calloc.hpp"
+#include "support/failing_new.hpp"
+#include "zelk/exception.hpp"
+
+namespace {
+
+constexpr std::string_view kNodes = "BS_:\nBU_: A B\n";
+
+using Sharing = DatabaseTest;
+
+TEST_F(Sharing, OfOneFileUnderAllItsPaths) {
+  const std::string path = folder_.write("a.dbc", kNodes);
+  std::filesystem::create_directory(folder_.path("sub"));
+  ZelkDatabase& first = OwnDatabase::open(path);
+  EXPECT_EQ(first.ref_count, 1u);
+  EXPECT_EQ(first.path, path);
+  uint32_t holds = 1;
+  for (const std::string& same :
+       {path, "./" + path, folder_.path("./a.dbc"), folder_.path("sub/../a.dbc"),
+        folder_.path("/a.dbc"), std::filesystem::absolute(path).string()}) {
+    EXPECT_EQ(&OwnDatabase::open(same), &first) << same;
+    EXPECT_EQ(first.ref_count, ++holds) << same;
+  }
+  while (holds-- > 0) OwnDatabase::DestroyDatabase(first, false);
+}
+
+TEST_F(Sharing, EndsWhenTheFileChanges) {
+  const std::string path = folder_.write("a.dbc", kNodes);
+  ZelkDatabase& old = OwnDatabase::open(path);
+  Folder::touch(path, 1);
+  EXPECT_EQ(OwnDatabase::find(path), nullptr);
+  ZelkDatabase& fresh = OwnDatabase::open(path);
+  EXPECT_NE(&fresh, &old);
+  EXPECT_EQ(zelk::database_list().front(), &fresh) << "the newest comes first";
+  EXPECT_EQ(&OwnDatabase::open(path), &fresh);
+  EXPECT_EQ(old.ref_count, 1u);
+  EXPECT_EQ(fresh.ref_count, 2u);
+  OwnDatabase::DestroyDatabase(old, false);
+  OwnDatabase::DestroyDatabase(fresh, false);
+  OwnDatabase::DestroyDatabase(fresh, false);
+}
+
+TEST_F(Sharing, NeverOfNull) {
+  ZelkDatabase& first = OwnDatabase::CreateDatabase(nullptr);
+  ZelkDatabase& second = OwnDatabase::CreateDatabase(nullptr);
+  EXPECT_NE(&first, &second);
+  EXPECT_EQ(first.ref_count, 1u);
+  EXPECT_EQ(first.path, nullptr);
+  EXPECT_STREQ(first.user_data, "");
+  EXPECT_EQ(first.write_ext_mux, 1);
+  EXPECT_EQ(describe(first), "");
+  EXPECT_EQ(OwnDatabase::ListFindDb(nullptr), nullptr);
+  EXPECT_EQ(OwnDatabase::find(""), nullptr);
+  OwnDatabase::DestroyDatabase(first, false);
+  OwnDatabase::DestroyDatabase(second, false);
+}
+
+// Each letter is a step: o opens the file, d and k give a hold back, k for the cache, r releases
+// what nobody holds. Expected are holds and marks, or nothing for a database that is gone.
+TEST_F(Sharing, UntilTheLastHoldAndMark) {
+  const std::string path = folder_.write("a.dbc", kNodes);
+  const std::string_view cases[] = {
+      "od",   "",    "or",    "1,0", "ood",   "1,0", "oodd",   "",    "odo",      "1,0",
+      "ok",   "0,1", "okr",   "",    "oko",   "1,0", "okod",   "",    "oodk",     "0,1",
+      "ookd", "0,1", "ookr",  "1,1", "ookrd", "0,1", "ooko",   "2,0", "ookodd",   "",
+      "ookk", "0,2", "ookkr", "",    "ookko", "1,1", "ookkod", "0,1", "ookkoodd", ""};
+  for (std::size_t i = 0; i < std::size(cases); i += 2) {
+    for (const char step : cases[i]) {
+      if (step == 'o') OwnDatabase::open(path);
+      if (step == 'r') OwnDatabase::ReleaseCache();
+      if (step != 'd' && step != 'k') continue;
+      OwnDatabase::DestroyDatabase(*zelk::database_list().front(), step == 'k');
+    }
+    std::string counts;
+    for (const ZelkDatabase* d : zelk::database_list()) {
+      counts += std::to_string(d->ref_count) + "," + std::to_string(d->cache_count);
+    }
+    ASSERT_EQ(counts, cases[i + 1]) << cases[i];
+    if (counts.empty()) continue;
+    zelk::database_list().front()->ref_count = 0;
+    OwnDatabase::ReleaseCache();
+  }
+}
+
+TEST_F(Sharing, CacheLetsGoOfWhatNobodyHolds) {
+  std::vector<ZelkDatabase*> open;
+  for (const char* name : {"0.dbc", "1.dbc", "2.dbc", "3.dbc", "4.dbc"}) {
+    open.push_back(&OwnDatabase::open(folder_.write(name, kNodes)));
+  }
+  for (const int kept : {0, 2, 4}) OwnDatabase::DestroyDatabase(*open[kept], true);
+  OwnDatabase::ReleaseCache();
+  const auto& list = zelk::database_list();
+  EXPECT_EQ(std::vector(list.begin(), list.end()), std::vector({open[3], open[1]}));
+  OwnDatabase::DestroyDatabase(*open[1], false);
+  OwnDatabase::DestroyDatabase(*open[3], false);
+}
+
+TEST_F(Sharing, LeavesNothingOfAFileThatFails) {
+  const std::string whole = content_of(ZELK_SOURCE_DIR "/tests/data/ok_every_statement.dbc");
+  const std::string path = folder_.write("faulty.dbc", whole + "SG_MUL_VAL_ 1 T S 1-;\n");
+  for (const std::string& file :
+       {path, folder_.path("missing.dbc"), folder_.path(""), std::string()}) {
+    EXPECT_THROW(OwnDatabase::open(file), ZelkException) << file;
+    EXPECT_TRUE(zelk::database_list().empty()) << file;
+  }
+}
+
+template <typename Failure>
+std::size_t fail_each_allocation(const std::string& path) {
+  for (std::size_t n = 0;; ++n) {
+    const Failure failure(n);
+    try {
+      OwnDatabase::DestroyDatabase(OwnDatabase::open(path), false);
+    } catch (const ZelkException&) {
+    } catch (const std::bad_alloc&) {
+    }
+    EXPECT_TRUE(zelk::database_list().empty()) << n;
+    if (!failure.has_failed()) return n;
+  }
+}
+
+TEST_F(Sharing, LeavesNothingWithoutMemory) {
+  const std::string path = folder_.write("a.dbc", kNodes);
+  EXPECT_GT(fail_each_allocation<FailingCalloc>(path), 5u);
+  EXPECT_GT(fail_each_allocation<FailingNew>(path), 5u);
+}
+
+// --- Identity ---
+
+using Identity = DatabaseTest;
+
+TEST_F(Identity, IsThatOfTheUnchangedFile) {
+  const std::string path = folder_.write("a.dbc", kNodes), other = folder_.write("b.dbc", kNodes);
+  const OwnDatabase one(path), same(path), different(other), none, none_either;
+  EXPECT_TRUE(one == same && same == one);
+  EXPECT_FALSE(one == different || one == none || none == one || none == none_either);
+  EXPECT_TRUE(none == none) << "also without a path";
+  EXPECT_FALSE(one.IsPathEqual(nullptr));
+  EXPECT_FALSE(none.IsPathEqual(nullptr));
+  EXPECT_FALSE(none.IsPathEqual(path.c_str()));
+  for (const char* name : {"b.dbc", "a.db", "a.dbcx", "", "missing.dbc"}) {
+    EXPECT_FALSE(one.IsPathEqual(folder_.path(name).c_str())) << name;
+  }
+  const std::string capitals = folder_.path("A.DBC");
+  EXPECT_EQ(one.IsPathEqual(capitals.c_str()), std::filesystem::exists(capitals));
+  Folder::touch(path, 1);
+  EXPECT_FALSE(one.IsPathEqual(path.c_str()));
+  EXPECT_FALSE(one == same);
+  EXPECT_TRUE(one == one);
+  std::filesystem::remove(other);
+  EXPECT_FALSE(different.IsPathEqual(other.c_str()));
+}
+
+// --- The content as a whole ---
+
+using Content = DatabaseTest;
+
+TEST_F(Content, IsClearedButForWhatBelongsToTheFile) {
+  const std::string text = content_of(ZELK_SOURCE_DIR "/tests/data/ok_every_statement.dbc");
+  OwnDatabase database(folder_.write("a.dbc", text));
+  const int64_t time = database.file_time;
+  database.ref_count = 3;
+  database.cache_count = 2;
+  database.write_ext_mux = 0;
+  database.symbols_shortened = 1;
+  database.RenameAttrDef(*database.GetAttrDef("Var"), "SystemNodeLongSymbol");
+  EXPECT_NE(database.predefined.slots[2], nullptr);
+  for (int twice = 0; twice < 2; ++twice) {
+    database.Clear();
+    EXPECT_EQ(database.user_data, nullptr);
+    EXPECT_EQ(database.symbols_shortened, 0);
+    EXPECT_EQ(database.predefined.slots[2], nullptr);
+    EXPECT_EQ(database.path, folder_.path("a.dbc"));
+    EXPECT_EQ(database.file_time, time);
+    EXPECT_EQ(database.ref_count, 3u);
+    EXPECT_EQ(database.cache_count, 2u);
+    EXPECT_EQ(database.write_ext_mux, 0);
+  }
+  database.SetUserData(nullptr);
+  EXPECT_EQ(describe(database), "");
+}
+
+TEST_F(Content, IsReadAfresh) {
+  const std::string path = folder_.write("a.dbc", kNodes);
+  OwnDatabase none, database(path);
+  const int64_t time = database.file_time;
+  EXPECT_EQ(none.ReopenDatabaseFile(), 2);
+  struct Case {
+    const char* name;
+    std::string_view content;
+    int expected;
+    const char *model, *told;
+  };
+  for (const Case& c : std::vector<Case>{
+           {"changed", "VERSION \"2\"\nBS_:\nBU_: C\n", 0, "version \"2\"\nnode C\n", ""},
+           {"smaller", "BS_:\nBU_:\n", 0, "", ""},
+           {"faulty", "BS_:\nBU_: D\nBO_ 1 M 8 D\n", 1, "node D\n", ", line 2, error: syntax\n"},
+           {"well again", kNodes, 0, "node A\nnode B\n", ""}}) {
+    folder_.write("a.dbc", c.content, 1);
+    zelk_clear_error_text();
+    database.symbols_shortened = 1;
+    database.filter.mode = 5;
+    EXPECT_EQ(database.ReopenDatabaseFile(), c.expected) << c.name;
+    EXPECT_EQ(describe(database), c.model) << c.name;
+    EXPECT_STREQ(zelk_get_error_text(), c.told) << c.name;
+    EXPECT_FALSE(database.SymbolsShortenedOnRead()) << c.name;
+    EXPECT_EQ(database.file_time, time) << c.name;
+    EXPECT_FALSE(database.IsPathEqual(path.c_str())) << c.name;
+  }
+  std::filesystem::remove(path);
+  EXPECT_EQ(database.ReopenDatabaseFile(), 1);
+  EXPECT_EQ(describe(database), "");
+}
+
+TEST_F(Content, RemembersThatNamesWereCut) {
+  const std::string longest(32, 'u'), unit = "\"" + longest + "x\"";
+  const std::string text =
+      "BS_:\nBU_:\nBO_ 1 M: 8 Ostrel__XXX\n SG_ S : 0|8@1+ (1,0) [0|0] " + unit;
+  const std::string path = folder_.write("a.dbc", text + " Ostrel__XXX\n");
+  OwnDatabase database(path);
+  EXPECT_TRUE(database.SymbolsShortenedOnRead());
+  EXPECT_EQ(database.messages->signals->unit, longest);
+  folder_.write("a.dbc", kNodes);
+  EXPECT_EQ(database.ReopenDatabaseFile(), 0);
+  EXPECT_FALSE(database.SymbolsShortenedOnRead());
+}
+
+TEST_F(Content, IsCommittedToTheOtherInstance) {
+  const std::string path = folder_.write("a.dbc", kNodes);
+  ZelkDatabase& listed = OwnDatabase::open(path);
+  OwnDatabase changed(path), none;
+  changed.SetComment("changed");
+  set(changed.nodes->name, "Z");
+  changed.ref_count = 7;
+  changed.write_ext_mux = 0;
+  changed.symbols_shortened = 1;
+  none.Commit();
+  listed.Commit();
+  EXPECT_EQ(describe(listed), "node A\nnode B\n") << "its own instance";
+  changed.Commit();
+  EXPECT_EQ(describe(listed), "comment \"changed\"\nnode Z\nnode B\n");
+  EXPECT_EQ(describe(changed), "comment \"changed\"\nnode Z\nnode B\n");
+  EXPECT_EQ(listed.ref_count, 1u);
+  EXPECT_EQ(listed.write_ext_mux, 1);
+  EXPECT_FALSE(listed.SymbolsShortenedOnRead());
+  EXPECT_EQ(OwnDatabase::find(path), &listed);
+  changed.SetComment("later");
+  Folder::touch(path, 1);
+  changed.Commit();
+  EXPECT_STREQ(listed.comment, "changed") << "no instance of the changed file is listed";
+  OwnDatabase::DestroyDatabase(listed, false);
+}
+
+}  // namespace

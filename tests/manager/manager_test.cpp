@@ -1,0 +1,403 @@
+#include "manager/manager_test.hpp"
+
+#include <array>
+#include <memory>
+
+#include "model/memory.hpp"
+#include "support/failing_calloc.hpp"
+#include "support/failing_new.hpp"
+#include "zelk/errors.h"
+
+namespace {
+
+using Opening = ManagerTest;
+using Caching = ManagerTest;
+using Notifications = ManagerTest;
+
+/// Tells in which order its virtual operations are called, and refuses as it is told.
+struct Observed : Manager {
+  ZelkError GetDatabaseFileInfo(const char* path) const override {
+    calls += "info ";
+    return info != 0 ? info : ZelkManager::GetDatabaseFileInfo(path);
+  }
+  ZelkError CheckForWriteOpen(const char*) const override {
+    calls += "check ";
+    return refusal;
+  }
+  ZelkDatabase& AssignDatabase(const char* path) override {
+    calls += "assign ";
+    return ZelkManager::AssignDatabase(path);
+  }
+  void ReleaseDatabase(ZelkDatabase& database, bool keep_in_cache) override {
+    calls += std::filesystem::path(database.path).stem().string() + (keep_in_cache ? "+ " : "- ");
+    ZelkManager::ReleaseDatabase(database, keep_in_cache);
+  }
+
+  ZelkError info = ZelkErrorOk;
+  ZelkError refusal = ZelkErrorOk;
+  mutable std::string calls;
+};
+
+// Most cases fail for more than one reason: the result is that of the first test.
+TEST_F(Opening, TestsInOrder) {
+  const std::string opened = folder.write("opened.dbc", kDatabase);
+  const std::string faulty = folder.write("faulty.dbc", kFaulty);
+  const std::string twin = folder.write("other/opened.dbc", kDatabase);
+  const std::string faulty_twin = folder.write("faulty/opened.dbc", kFaulty);
+  const std::string named = folder.write("named.dbc",
+                                         "BS_:\nBU_:\nBA_DEF_ \"DBName\" STRING ;\n"
+                                         "BA_DEF_DEF_ \"DBName\" \"opened\";\n");
+  const std::string missing = folder.path("missing.dbc");
+  const std::string inside_file = opened + "/x.dbc";
+  const std::string detour = folder.path("other/../opened.dbc");
+  const std::string other_folder = folder.path("other");
+  const struct {
+    const char* path;
+    const char* wanted_name;
+    int expected;
+    const char* calls;
+  } cases[] = {
+      {missing.c_str(), "1x", 7, ""},
+      {nullptr, "", 7, ""},
+      {opened.c_str(), "a-b", 7, ""},
+      {missing.c_str(), "opened", 3, ""},
+      {opened.c_str(), "opened", 3, ""},
+      {missing.c_str(), "OPENED", 2, "info "},
+      {missing.c_str(), nullptr, 2, "info "},
+      {inside_file.c_str(), nullptr, 2, "info "},
+      {nullptr, nullptr, 2, "info "},
+      {"", nullptr, 2, "info "},
+      {opened.c_str(), nullptr, 4, "info "},
+      {opened.c_str(), "free", 4, "info "},
+      {detour.c_str(), nullptr, 4, "info "},
+      {faulty.c_str(), nullptr, 1, "info check assign "},
+      {faulty.c_str(), "free", 1, "info check assign "},
+      {faulty_twin.c_str(), nullptr, 1, "info check assign "},
+      {other_folder.c_str(), nullptr, 1, "info check assign "},
+      {twin.c_str(), nullptr, 3, "info check assign opened- "},
+      {named.c_str(), nullptr, 3, "info check assign named- "},
+  };
+  Observed manager;
+  const char* const held = open(manager, opened);
+  for (const auto& c : cases) {
+    const std::string what =
+        (c.path ? c.path : "null") + std::string(" as ") + (c.wanted_name ? c.wanted_name : "null");
+    const char* name = "untouched";
+    manager.calls.clear();
+    EXPECT_EQ(manager.OpenDatabase(c.path, &name, c.wanted_name, 1), c.expected) << what;
+    EXPECT_STREQ(name, c.expected == 4 ? "opened" : "untouched") << what;
+    EXPECT_EQ(manager.calls, c.calls) << what;
+    EXPECT_EQ(manager.OpenDatabase(c.path, nullptr, c.wanted_name, 1), c.expected) << what;
+    EXPECT_EQ(databases_alive(), 1) << what;
+    EXPECT_EQ(manager.DatabaseCount(), 1U) << what;
+  }
+  EXPECT_EQ(manager.GetUniqueDatabaseName("opened"), held);
+  EXPECT_EQ(manager.OpenDatabase(twin.c_str(), nullptr, "twin", 0), 0);
+}
+
+TEST_F(Opening, AsksDerivedManagers) {
+  const std::string path = folder.write("a.dbc", kDatabase);
+  Observed manager;
+  manager.refusal = ZelkErrorOpenForWrite;
+  EXPECT_EQ(manager.OpenDatabase(path.c_str(), nullptr, 0), 5);
+  manager.info = ZelkErrorReadOnly;
+  EXPECT_EQ(manager.OpenDatabase(path.c_str(), nullptr, 0), 8);
+  EXPECT_EQ(manager.calls, "info check info ");
+  manager.info = manager.refusal = ZelkErrorOk;
+  const char* const name = open(manager, path);
+  manager.info = ZelkErrorReadOnly;
+  EXPECT_EQ(manager.ReopenDatabase(name), 8);
+}
+
+TEST_F(Opening, TakesReadOnlyFiles) {
+  using std::filesystem::perms;
+  const std::string path = folder.write("a.dbc", kDatabase);
+  std::filesystem::permissions(path, perms::owner_write | perms::group_write | perms::others_write,
+                               std::filesystem::perm_options::remove);
+  Manager manager;
+  EXPECT_EQ(manager.GetDatabaseFileInfo(path.c_str()), 0);
+  open(manager, path);
+  std::filesystem::permissions(path, perms::owner_write, std::filesystem::perm_options::add);
+}
+
+TEST_F(Opening, OrdersByPriority) {
+  const struct {
+    const char* name;
+    const char* wanted_name;
+    unsigned priority;
+    unsigned stored;
+  } files[] = {{"low", nullptr, 1, 1},    {"first", nullptr, 5, 5},   {"wanted", "w", 9, 0},
+               {"second", nullptr, 5, 5}, {"top", nullptr, ~0U, ~0U}, {"zero", nullptr, 0, 0}};
+  Observed manager;
+  for (const auto& file : files) {
+    const std::string path = folder.write(std::string(file.name) + ".dbc", kDatabase);
+    const char* const name = open(manager, path, file.wanted_name, file.priority);
+    EXPECT_EQ(manager.GetPriority(name), file.stored) << file.name;
+  }
+  EXPECT_EQ(manager.DatabaseCount(), 6U);
+  manager.calls.clear();
+  manager.CloseDatabase(true);
+  EXPECT_EQ(manager.calls, "top+ first+ second+ low+ wanted+ zero+ ");
+  EXPECT_EQ(manager.DatabaseCount(), 0U);
+}
+
+TEST_F(Opening, SharesUnchangedFiles) {
+  const std::string path = folder.write("a.dbc", kDatabase);
+  Manager first;
+  Manager second;
+  EXPECT_EQ(&ZelkManager::GetManagersList()->manager, &second);
+  EXPECT_EQ(&ZelkManager::GetManagersList()->next->manager, &first);
+  ZelkDatabase* const shared = first.GetDatabase(open(first, path));
+  EXPECT_EQ(second.GetDatabase(open(second, path, "other_name")), shared);
+  EXPECT_EQ(shared->ref_count, 2U);
+  Folder::touch(path, 1);
+  // Another default name is wanted: the touched file is not the open one.
+  EXPECT_EQ(first.OpenDatabase(path.c_str(), nullptr, 0), 3);
+  EXPECT_NE(first.GetDatabase(open(first, path, "fresh")), shared);
+  std::filesystem::remove(path);
+  EXPECT_EQ(first.OpenDatabase(path.c_str(), nullptr, "gone", 0), 2);
+  EXPECT_STREQ(shared->nodes->name, "A");
+}
+
+TEST_F(Opening, KeepsTheErrorText) {
+  const std::string good = folder.write("good.dbc", kDatabase);
+  const std::string odd = folder.write("odd.dbc", "NS_: FOO\nBS_:\nBU_: A\nFOO 1;\n");
+  const std::string faulty = folder.write("faulty.dbc", kFaulty);
+  const struct {
+    const char* path;
+    int expected;
+    const char* text;
+  } steps[] = {{good.c_str(), 0, ""},
+               {faulty.c_str(), 1, ", line 3, error: syntax\n"},
+               {good.c_str(), 4, ", line 3, error: syntax\n"},  // it is not opened
+               {odd.c_str(), 0, "new symbol not supported, line 3, FOO\n"},
+               {faulty.c_str(), 1, ", line 3, error: syntax\n"}};
+  Manager manager;
+  EXPECT_STREQ(manager.GetLastOpenError(), "");
+  for (const auto& step : steps) {
+    EXPECT_EQ(manager.OpenDatabase(step.path, nullptr, 0), step.expected) << step.path;
+    zelk_note(ZELK_ERR_MEMORY, 0, nullptr);
+    EXPECT_STREQ(manager.GetLastOpenError(), step.text) << step.path;
+  }
+  manager.CloseDatabase(true);
+  EXPECT_EQ(manager.OpenDatabase(odd.c_str(), nullptr, 0), 0);
+  EXPECT_STREQ(manager.GetLastOpenError(), "") << "it was not read";
+}
+
+TEST_F(Opening, ReadsAfresh) {
+  const std::string paths[] = {folder.write("x.dbc", kDatabase), folder.write("y.dbc", kDatabase),
+                               folder.write("z.dbc", kDatabase)};
+  Manager manager;
+  const char* names[3];
+  for (int i = 0; i < 3; ++i) names[i] = open(manager, paths[i]);
+  ZelkDatabase* const x = manager.GetDatabase(names[0]);
+  folder.write("x.dbc", "BS_:\nBU_: B\n", 1);
+  folder.write("y.dbc", kFaulty, 1);
+  std::filesystem::remove(paths[2]);
+  EXPECT_EQ(manager.ReopenDatabase(names[0]), 0);
+  EXPECT_EQ(manager.GetDatabase(names[0]), x);
+  EXPECT_STREQ(x->nodes->name, "B");
+  EXPECT_EQ(manager.ReopenDatabase(names[1]), 1);
+  EXPECT_EQ(manager.ReopenDatabase(names[2]), 2);
+  EXPECT_EQ(manager.ReopenDatabase(nullptr), 2) << "the last one met";
+  folder.write("z.dbc", "BS_:\nBU_: C\n", 1);
+  EXPECT_EQ(manager.ReopenDatabase(nullptr), 1) << "later ones are read nevertheless";
+  EXPECT_STREQ(manager.GetDatabase(names[2])->nodes->name, "C");
+  folder.write("y.dbc", kDatabase, 1);
+  EXPECT_EQ(manager.ReopenDatabase(nullptr), 0);
+  manager.CloseDatabase(names[2], true);
+  EXPECT_EQ(databases_alive(), 3);
+  EXPECT_EQ(manager.ReopenDatabase(names[0]), 0);
+  EXPECT_EQ(databases_alive(), 2) << "the cache is flushed first";
+}
+
+/// Loops over all calls of an operation that allocates, each failing in turn.
+///
+/// @return how often the file was opened although one had failed
+template <typename Failing>
+int opened_nevertheless(const char* open_path, const char* path) {
+  int opened = 0;
+  for (std::size_t n = 0;; ++n) {
+    Manager manager;
+    EXPECT_EQ(manager.OpenDatabase(open_path, nullptr, 0), 0);
+    const char* name = nullptr;
+    ZelkError result = ZelkErrorOk;
+    bool has_failed = false;
+    {
+      const Failing failing(n);
+      result = manager.OpenDatabase(path, &name, 0);
+      has_failed = failing.has_failed();
+    }
+    EXPECT_EQ(result, name ? 0 : 1) << n;
+    EXPECT_EQ(databases_alive(), name ? 2 : 1) << n;
+    EXPECT_EQ(manager.OpenDatabase(path, nullptr, 0), name ? 4 : 0) << n;
+    if (!has_failed) {
+      EXPECT_GT(n, 0U);
+      return opened;
+    }
+    opened += name ? 1 : 0;
+  }
+}
+
+TEST_F(Opening, WithoutMemory) {
+  const std::string a = folder.write("a.dbc", kDatabase);
+  const std::string b = folder.write("b.dbc", kDatabase);
+  constexpr int kWithoutErrorText = 1;  // its copy is not worth the database
+  EXPECT_EQ(opened_nevertheless<FailingCalloc>(a.c_str(), b.c_str()), kWithoutErrorText);
+  EXPECT_EQ(opened_nevertheless<FailingNew>(a.c_str(), b.c_str()), 0);
+}
+
+/// Two managers with one file. A letter is a step of the first one, a capital one of the second:
+/// open, close, keep (close into the cache), flush, name; "!" changes the content but not the time,
+/// "@" both.
+struct TwoManagers {
+  void take(char step) {
+    const std::size_t side = step >= 'a' ? 0 : 1;
+    switch (step | 0x20) {
+      case 'o':
+        managers[side]->OpenDatabase(path.c_str(), &names[side], 0);
+        break;
+      case 'n':
+        zelk_mfree(const_cast<char*>(managers[side]->GetDatabaseName(path.c_str())));
+        break;
+      case 'c':
+      case 'k':
+        managers[side]->CloseDatabase((step | 0x20) == 'k');
+        names[side] = nullptr;
+        break;
+      case 'f':
+        managers[side]->FlushDatabaseCache();
+        break;
+      default:
+        folder.write("a.dbc", "BS_:\nBU_: New\n", step == '@' ? 1 : 0);
+    }
+  }
+
+  ZelkDatabase* database(std::size_t side) const {
+    return managers[side]->GetDatabase(names[side]);
+  }
+
+  const Folder& folder;
+  const std::string path = folder.write("a.dbc", "BS_:\nBU_: Old\n");
+  std::array<std::unique_ptr<Manager>, 2> managers = {std::make_unique<Manager>(),
+                                                      std::make_unique<Manager>()};
+  std::array<const char*, 2> names = {};
+};
+
+TEST_F(Caching, SparesReading) {
+  const struct {
+    const char* steps;  ///< the last one opens
+    const char* node;   ///< what it finds
+  } cases[] = {
+      {"oc!o", "New"},    {"ok!o", "Old"},
+      {"ok!oco", "New"},  // opening takes the mark away
+      {"okf!o", "New"},   {"okok!o", "Old"},
+      {"okokf!o", "New"}, {"ok!O", "Old"},  // of another manager too
+      {"okF!o", "Old"},   {"n!o", "Old"},
+      {"nf!o", "New"},    {"nn!O", "Old"},
+      {"oOkC!o", "Old"},  {"oOkCf!o", "New"},
+      {"oOkf!o", "Old"},  // the other one holds it
+      {"oOkK!fo", "Old"}, {"oOkKf!FO", "New"},
+      {"okOC!o", "New"},   // the second open took away the first one's mark
+      {"okOKf!O", "New"},  // and the first one's flush that of the second
+  };
+  for (const auto& c : cases) {
+    TwoManagers two{folder};
+    const std::string steps = c.steps;
+    for (const char step : steps) two.take(step);
+    const ZelkDatabase* const opened = two.database(steps.back() == 'o' ? 0 : 1);
+    ASSERT_NE(opened, nullptr) << steps;
+    EXPECT_STREQ(opened->nodes->name, c.node) << steps;
+  }
+}
+
+/// Whether what both managers hold is alive and the same; a sanitizer sees it when it is not.
+void check_held(const TwoManagers& two, const std::string& steps) {
+  const ZelkDatabase* const held[] = {two.names[0] ? two.database(0) : nullptr,
+                                      two.names[1] ? two.database(1) : nullptr};
+  for (const ZelkDatabase* const database : held) {
+    if (database) {
+      EXPECT_STREQ(database->nodes->name, "Old") << steps;
+    }
+  }
+  if (held[0] && held[1]) {
+    EXPECT_EQ(held[0], held[1]) << steps;
+  }
+}
+
+TEST_F(Caching, InAllOrders) {
+  constexpr std::string_view kSteps = "ockfOCKF";
+  for (unsigned order = 0; order < 8U * 8 * 8; ++order) {
+    TwoManagers two{folder};
+    std::string steps = "o";
+    two.take('o');
+    for (unsigned rest = order, i = 0; i < 3; ++i, rest /= 8) {
+      steps += kSteps[rest % 8];
+      two.take(steps.back());
+      check_held(two, steps);
+    }
+    const std::size_t gone = order / 3 % 2;
+    two.managers[gone].reset();
+    two.names[gone] = nullptr;
+    check_held(two, steps);
+    two.managers = {};
+    ASSERT_EQ(databases_alive(), 0) << steps;
+  }
+}
+
+TEST_F(Notifications, TellEveryHolder) {
+  const std::string a = folder.write("a.dbc", kDatabase);
+  const std::string b = folder.write("b.dbc", kDatabase);
+  ZelkManager first(handle<HWND>(0x10));
+  ZelkManager sender(handle<void*>(0x700000020));
+  ZelkManager deaf(handle<HWND>(0));
+  ZelkManager other(handle<HWND>(0x30));
+  ZelkManager last(handle<HWND>(0x40));
+  const char* const name = open(sender, a, "sent");
+  const ZelkDatabase& changed = *sender.GetDatabase(name);
+  open(first, b, "b");
+  open(first, a, "one");
+  open(deaf, a);
+  open(other, b);
+  open(last, a);
+  const auto told = [&](const ZelkManager& by, const ZelkDatabase& database) {
+    host.notifications.clear();
+    ZelkManager::NotifyChanges(by, database);
+    return host.notifications;
+  };
+  using Lines = std::vector<std::string>;
+  // A window is told of the sender's window, a thread of its thread.
+  EXPECT_EQ(told(sender, changed), (Lines{"all 0 from 0: -", "thread 700000020 from 20: sent",
+                                          "window 40 from 0: a", "window 10 from 0: one"}));
+  EXPECT_GE(host.number, 0xC000U);
+  EXPECT_LE(host.number, 0xFFFFU);
+  sender.SetHandle(handle<HWND>(0x500000050));
+  EXPECT_EQ(told(sender, changed), (Lines{"all 0 from 0: -", "window 500000050 from 50: sent",
+                                          "window 40 from 50: a", "window 10 from 50: one"}));
+  last.SetHandle(handle<void*>(0x60));
+  first.SetHandle(handle<void*>(0));
+  EXPECT_EQ(told(last, changed),
+            (Lines{"all 0 from 0: -", "thread 60 from 60: a", "window 500000050 from 0: sent"}));
+  sender.CloseDatabase(name, true);
+  EXPECT_EQ(told(deaf, changed), (Lines{"all 0 from 0: -", "thread 60 from 0: a"}));
+  host.notifications.clear();
+  other.NotifyChanges(changed, sender);
+  last.NotifyChanges(changed, first);
+  EXPECT_EQ(host.notifications, (Lines{"thread 60 from 0: a"}));
+}
+
+TEST_F(Notifications, OfATouchedFile) {
+  const std::string path = folder.write("a.dbc", kDatabase);
+  ZelkManager manager(handle<HWND>(0x10));
+  const ZelkDatabase& read_before = *manager.GetDatabase(open(manager, path, "before"));
+  Folder::touch(path, 1);
+  const ZelkDatabase& read_after = *manager.GetDatabase(open(manager, path, "after"));
+  manager.NotifyChanges(read_before, manager);
+  manager.NotifyChanges(read_after, manager);
+  // The older one is itself, and the newer one has its file; but it is not the file that is there.
+  EXPECT_EQ(host.notifications,
+            (std::vector<std::string>{"window 10 from 10: before", "window 10 from 10: after",
+                                      "window 10 from 10: after"}));
+}
+
+}  // namespace

@@ -1,0 +1,52 @@
+/// Managers under test, and that nothing is left of them.
+#ifndef ZELK_TESTS_MANAGER_MANAGER_TEST_HPP
+#define ZELK_TESTS_MANAGER_MANAGER_TEST_HPP
+
+#include <gtest/gtest.h>
+
+#include <iterator>
+#include <string>
+
+#include "manager/database_list.hpp"
+#include "manager/lock_list.hpp"
+#include "support/folder.hpp"
+#include "support/host.hpp"
+
+inline constexpr char kDatabase[] = "BS_:\nBU_: A\n";
+inline constexpr char kFaulty[] = "BS_:\nBU_: A\nBO_ 1\n";
+
+inline std::ptrdiff_t databases_alive() {
+  return std::distance(zelk::database_list().begin(), zelk::database_list().end());
+}
+
+inline std::ptrdiff_t locks_alive() {
+  return std::distance(zelk::lock_list().begin(), zelk::lock_list().end());
+}
+
+/// Managers live in the body of a test, so that all must be gone at its end.
+class ManagerTest : public testing::Test {
+ protected:
+  void TearDown() override {
+    EXPECT_EQ(databases_alive(), 0);
+    EXPECT_EQ(locks_alive(), 0);
+    EXPECT_EQ(ZelkManager::GetManagersList(), nullptr);
+  }
+
+  /// The handle of a file that can be opened.
+  static const char* open(ZelkManager& manager, const std::string& path,
+                          const char* wanted_name = nullptr, unsigned priority = 0) {
+    const char* name = nullptr;
+    EXPECT_EQ(manager.OpenDatabase(path.c_str(), &name, wanted_name, priority), 0) << path;
+    return name;
+  }
+
+  const Folder folder;
+  Host host;
+};
+
+/// A manager whom nobody hears of.
+struct Manager : ZelkManager {
+  Manager() : ZelkManager(static_cast<void*>(nullptr)) {}
+};
+
+#endif

@@ -1,0 +1,243 @@
+#include "manager/manager_test.hpp"
+#include "support/building.hpp"
+
+namespace {
+
+using Names = ManagerTest;
+using Settings = ManagerTest;
+
+TEST(DatabaseNames, AreVerified) {
+  const struct {
+    const char* text;
+    bool is_valid;
+  } cases[] = {{"_1", true},
+               {"a", true},
+               {"_", true},
+               {"Az_09", true},
+               {"abcdefghijklmnopqrstuvwxyz012345", true},
+               {"abcdefghijklmnopqrstuvwxyz0123456", false},
+               {"", false},
+               {nullptr, false},
+               {"1abc", false},
+               {"a-b", false},
+               {"-ab", false},
+               {"a ", false},
+               {"a\n", false},
+               {"a::b", false},
+               {"\xE4", false},
+               {"a\xE4", false}};
+  for (const auto& c : cases) {
+    EXPECT_EQ(ZelkVerifyDatabaseName(c.text), c.is_valid) << (c.text ? c.text : "null");
+  }
+}
+
+TEST(DatabaseNames, AreSplitFromObjects) {
+  const struct {
+    const char* text;
+    bool is_split;
+    const char* db;
+    const char* object;
+  } cases[] = {{"A::B", true, "A", "B"},
+               {"a::b::c", true, "a", "b::c"},
+               {"::", true, "", ""},
+               {"::b", true, "", "b"},
+               {"a::", true, "a", ""},
+               {"a:::b", true, "a", ":b"},
+               {"", false, "", nullptr},
+               {"AB", false, "AB", nullptr},
+               {":", false, ":", nullptr},
+               {"A:B", false, "A:B", nullptr},
+               {"A:", false, "A:", nullptr},
+               {":a::b", false, ":a::b", nullptr},
+               {"a:b::c", false, "a:b::c", nullptr}};
+  for (const auto& c : cases) {
+    std::string text = c.text;
+    const char* db = nullptr;
+    const char* object = "untouched";
+    EXPECT_EQ(ZelkSplitQualifiedName(text.data(), &db, &object), c.is_split) << c.text;
+    EXPECT_EQ(db, text.data()) << c.text;
+    EXPECT_STREQ(db, c.db) << c.text;
+    EXPECT_STREQ(object, c.object) << c.text;
+  }
+  const char* db = "untouched";
+  const char* object = "untouched";
+  EXPECT_FALSE(ZelkSplitQualifiedName(nullptr, &db, &object));
+  EXPECT_EQ(db, nullptr);
+  EXPECT_EQ(object, nullptr);
+}
+
+TEST_F(Names, AreComparedByAddress) {
+  const std::string path = folder.write("a.dbc", kDatabase);
+  Manager manager;
+  Manager other;
+  const char* const own = open(manager, path);
+  const char* const foreign = open(other, path);
+  ASSERT_TRUE(other.LockDatabase(foreign, nullptr));
+  ASSERT_TRUE(manager.LockDatabase(own, nullptr));
+  const auto is_unknown = [&](auto result) {
+    const bool is_told = !result && manager.Status() == 2;
+    return is_told && manager.IsDatabaseName(own) && manager.Status() == 0;
+  };
+  const std::string same_text = "a";
+  const char* const nothing = nullptr;
+  for (const char* const db : {same_text.c_str(), foreign, nothing}) {
+    char buffer[] = "#";
+    EXPECT_TRUE(is_unknown(manager.IsDatabaseName(db)));
+    EXPECT_TRUE(is_unknown(manager.GetDatabase(db)));
+    EXPECT_TRUE(is_unknown(manager.GetPriority(db)));
+    EXPECT_TRUE(is_unknown(manager.AssignDatabaseInfo(&manager, db)));
+    EXPECT_TRUE(is_unknown(manager.GetDatabaseInfo(db)));
+    EXPECT_TRUE(is_unknown(manager.AssignSelectionPattern({1, 2}, db)));
+    EXPECT_TRUE(is_unknown(manager.GetSelectionPattern(db).key));
+    EXPECT_TRUE(is_unknown(manager.SymbolsShortenedOnRead(db)));
+    EXPECT_TRUE(is_unknown(manager.IsNewFeatureUsed(1, db)));
+    EXPECT_TRUE(is_unknown(manager.GetDefaultDatabaseName(db, buffer, sizeof buffer)));
+    EXPECT_STREQ(buffer, "#");
+    EXPECT_TRUE(is_unknown(manager.LockDatabase(db, "reason")));
+    EXPECT_EQ(manager.SetDatabaseName(db, nullptr, "free"), 1);
+    if (!db) continue;
+    EXPECT_EQ(manager.ReopenDatabase(db), 1);
+    manager.UnlockDatabase(db);
+    manager.CloseDatabase(db, false);
+  }
+  EXPECT_EQ(manager.DatabaseCount(), 1U);
+  EXPECT_EQ(locks_alive(), 2);
+  EXPECT_EQ(host.messages.size(), 0U);
+}
+
+TEST_F(Names, AreFoundByText) {
+  const std::string path = folder.write("a.dbc", kDatabase);
+  Manager manager;
+  const char* const name = open(manager, path);
+  const struct {
+    const char* text;
+    bool is_found;
+  } cases[] = {{"a", true}, {"A", false}, {"", false}, {"a ", false}, {nullptr, false}};
+  for (const auto& c : cases) {
+    EXPECT_EQ(manager.GetUniqueDatabaseName(c.text), c.is_found ? name : nullptr);
+    EXPECT_EQ(manager.Status(), c.is_found ? 0U : 2U);
+    EXPECT_STREQ(manager.GetDatabasePath(c.text), c.is_found ? path.c_str() : nullptr);
+    EXPECT_EQ(manager.Status(), c.is_found ? 0U : 2U);
+  }
+}
+
+TEST_F(Names, CanBeChanged) {
+  Manager manager;
+  const char* name = open(manager, folder.write("a.dbc", kDatabase));
+  open(manager, folder.write("b.dbc", kDatabase));
+  const struct {
+    const char* new_name;
+    int expected;
+    const char* name;
+  } cases[] = {{"1x", 7, "a"}, {nullptr, 7, "a"}, {"", 7, "a"},    {"b", 3, "a"},
+               {"a", 0, "a"},  {"B", 0, "B"},     {"A1", 0, "A1"}, {"b", 3, "A1"}};
+  for (const auto& c : cases) {
+    const char* const before = name;
+    const char* received = "untouched";
+    EXPECT_EQ(manager.SetDatabaseName(name, &received, c.new_name), c.expected);
+    name = manager.GetUniqueDatabaseName(c.name);
+    EXPECT_STREQ(received, c.expected == 0 ? c.name : "untouched");
+    EXPECT_TRUE(manager.IsDatabaseName(name)) << c.name;
+    if (c.expected != 0 || c.name == std::string("a")) {
+      EXPECT_EQ(name, before);
+    }
+  }
+  EXPECT_EQ(manager.SetDatabaseName(name, nullptr, "unseen"), 0);
+  EXPECT_NE(manager.GetUniqueDatabaseName("unseen"), nullptr);
+}
+
+TEST_F(Names, OfFiles) {
+  const std::string a = folder.write("1-My Net.dbc", "BS_:\nBU_: Old\n");
+  const std::string faulty = folder.write("faulty.dbc", kFaulty);
+  Manager manager;
+  const zelk::OwnedText default_name(const_cast<char*>(manager.GetDatabaseName(a.c_str())));
+  EXPECT_STREQ(default_name.get(), "__MyNet");
+  EXPECT_EQ(manager.Status(), 0U);
+  EXPECT_EQ(manager.DatabaseCount(), 0U);
+  folder.write("1-My Net.dbc", "BS_:\nBU_: New\n");
+  const char* const name = open(manager, a, "wanted");
+  EXPECT_STREQ(manager.GetDatabase(name)->nodes->name, "Old") << "it was in the cache";
+  EXPECT_EQ(manager.GetDatabaseName(a.c_str()), name);
+  for (const char* const path :
+       {"missing.dbc", faulty.c_str(), static_cast<const char*>(nullptr)}) {
+    EXPECT_EQ(manager.GetDatabaseName(path), nullptr);
+    EXPECT_EQ(manager.Status(), 2U);
+  }
+  EXPECT_EQ(databases_alive(), 1);
+}
+
+TEST_F(Names, GoIntoBuffers) {
+  Manager manager;
+  const char* const name = open(manager, folder.write("motor.dbc", kDatabase), "wanted");
+  const struct {
+    std::size_t size;
+    bool is_whole;
+    const char* text;  ///< in a buffer of "########"
+  } cases[] = {{0, false, "########"}, {1, false, ""},     {2, false, "m"},
+               {5, false, "moto"},     {6, true, "motor"}, {7, true, "motor"}};
+  for (const auto& c : cases) {
+    char buffer[] = "########";
+    EXPECT_EQ(manager.GetDefaultDatabaseName(name, buffer, c.size), c.is_whole) << c.size;
+    EXPECT_STREQ(buffer, c.text) << c.size;
+    EXPECT_EQ(buffer[c.size], '#') << c.size;
+  }
+}
+
+TEST_F(Settings, BelongToOneDatabase) {
+  Manager manager;
+  const char* const a = open(manager, folder.write("a.dbc", kDatabase));
+  const char* const b = open(manager, folder.write("b.dbc", kDatabase));
+  EXPECT_EQ(manager.GetDatabaseInfo(a), nullptr);
+  EXPECT_TRUE(manager.GetSelectionPattern(a).IsCatchAll());
+  EXPECT_TRUE(manager.AssignDatabaseInfo(&manager, a));
+  EXPECT_TRUE(manager.AssignSelectionPattern({3, 4}, a));
+  EXPECT_EQ(manager.GetDatabaseInfo(a), &manager);
+  EXPECT_TRUE(manager.GetSelectionPattern(a).IsExact({3, 4}));
+  EXPECT_EQ(manager.GetDatabaseInfo(b), nullptr);
+  EXPECT_TRUE(manager.GetSelectionPattern(b).IsCatchAll());
+}
+
+TEST_F(Settings, TellOfExtendedMultiplexing) {
+  const struct {
+    const char* what;
+    int expected;
+    void (*edit)(sigblk& s, sigblk& t, sigblk& u);
+  } cases[] = {
+      {"none", 0, [](auto&, auto&, auto&) {}},
+      {"plain", 0,
+       [](auto& s, auto& t, auto& u) {
+         s.flags |= 4;
+         t.mux_signal = u.mux_signal = &s;
+         add_range(&t, 1, 1);
+         add_range(&u, 2, 2);
+       }},
+      {"multiplexed multiplexor", 1,
+       [](auto& s, auto& t, auto&) { t.flags |= 4, t.mux_signal = &s; }},
+      {"two multiplexors", 1,
+       [](auto& s, auto& t, auto& u) { t.mux_signal = &s, s.mux_signal = &u; }},
+      {"a wide range", 1, [](auto&, auto&, auto& u) { add_range(&u, 1, 2); }},
+      {"the same range twice", 0,
+       [](auto&, auto&, auto& u) { add_range(&u, 1, 1), add_range(&u, 1, 1); }},
+      {"further ranges", 1,
+       [](auto&, auto&, auto& u) { add_range(&u, 1, 1), add_range(&u, 3, 3); }},
+  };
+  Manager manager;
+  const char* const name =
+      open(manager, folder.write("a.dbc",
+                                 "BS_:\nBU_: A\nBO_ 1 Empty: 8 A\nBO_ 2 M: 8 A\n"
+                                 "SG_ S : 0|8 (1,0) [0|0] \"\" A\nSG_ T : 0|8 (1,0) [0|0] \"\" A\n"
+                                 "SG_ U : 0|8 (1,0) [0|0] \"\" A\n"));
+  for (const auto& c : cases) {
+    ASSERT_EQ(manager.ReopenDatabase(name), 0);
+    sigblk* const s = manager.GetDatabase(name)->messages->next->signals;
+    c.edit(*s, *s->next, *s->next->next);
+    EXPECT_EQ(manager.IsNewFeatureUsed(1, name), c.expected) << c.what;
+  }
+  for (const int unknown : {0, 2, -1, 1 << 16}) {
+    EXPECT_EQ(manager.IsNewFeatureUsed(unknown, name), -1) << unknown;
+    EXPECT_FALSE(manager.IsSavingOfNewFeaturePossible(unknown)) << unknown;
+  }
+  EXPECT_TRUE(manager.IsSavingOfNewFeaturePossible(1));
+}
+
+}  // namespace

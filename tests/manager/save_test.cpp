@@ -1,0 +1,225 @@
+// Writing a database over its file: what is refused, and that a failure leaves the old file alone.
+
+#include <new>
+#include <vector>
+
+#include "manager/own_database.hpp"
+#include "support/failing_calloc.hpp"
+#include "support/failing_new.hpp"
+#include "support/failing_write.hpp"
+#include "zelk/exception.hpp"
+
+namespace {
+
+using Save = DatabaseTest;
+
+constexpr std::string_view kNodes = "BS_:\nBU_: A B\n";
+constexpr char kShortened[] =
+    "Can't save database.\nSymbols e.g. object names will be shortend while writing the database.\n"
+    "This will lead to loss of data.\n";
+
+TEST_F(Save, ChecksInOrder) {
+  struct Case {
+    const char* name;
+    const char *own, *target;  // null for none
+    bool is_shortened;
+    int expected;
+    const char *own_after, *told;
+  };
+  const char* const none = nullptr;
+  for (const Case& c : std::vector<Case>{
+           {"no path", none, none, false, 2, none, ""},
+           {"no path comes first", none, none, true, 2, none, ""},
+           {"another's", "own", "open", false, 10, "own", ""},
+           {"another's, read-only, cut names", "own", "open_fixed", true, 10, "own", ""},
+           {"another's, but no own path", none, "open", false, 10, none, ""},
+           {"read-only", "own", "fixed", false, 8, "own", ""},
+           {"read-only, cut names", "own", "fixed", true, 8, "own", ""},
+           {"own read-only", "fixed", none, false, 8, "fixed", ""},
+           {"cut names", "own", none, true, 9, "own", kShortened},
+           {"cut names, new path", "own", "new", true, 9, "new", kShortened},
+           {"no folder", "own", "none/new", false, 9, "none/new", ""},
+           {"a folder", "own", "folder", false, 9, "folder", ""},
+           {"own", "own", none, false, 0, "own", ""},
+           {"own, named", "own", "own", false, 0, "own", ""},
+           {"new", "own", "new", false, 0, "new", ""},
+           {"first path", none, "new", false, 0, "new", ""},
+           {"nobody's", "own", "other", false, 0, "other", ""}}) {
+    const Folder folder;
+    for (const char* file : {"own", "open", "open_fixed", "fixed", "other"}) {
+      folder.write(file, kNodes);
+    }
+    std::filesystem::create_directory(folder.path("folder"));
+    ZelkDatabase& open = OwnDatabase::open(folder.path("open"));
+    ZelkDatabase& open_fixed = OwnDatabase::open(folder.path("open_fixed"));
+    for (const char* file : {"fixed", "open_fixed"}) set_read_only(folder.path(file), true);
+    {
+      OwnDatabase database;
+      if (c.own) database.assign(OwnDatabase(folder.path(c.own)));
+      database.SetComment("saved");
+      database.symbols_shortened = c.is_shortened;
+      const std::string target = c.target ? folder.path(c.target) : "";
+      zelk_clear_error_text();
+      EXPECT_EQ(database.Write(c.target ? target.c_str() : nullptr), c.expected) << c.name;
+      EXPECT_STREQ(zelk_get_error_text(), c.told) << c.name;
+      EXPECT_EQ(database.path ? database.path : "",
+                c.own_after ? folder.path(c.own_after) : std::string())
+          << c.name;
+      for (const char* file : {"own", "open", "open_fixed", "fixed", "other"}) {
+        const bool is_saved = c.expected == 0 && c.own_after == std::string(file);
+        EXPECT_EQ(content_of(folder.path(file)) == kNodes, !is_saved) << c.name << ", " << file;
+      }
+      const bool is_new = c.expected == 0 && c.own_after == std::string("new");
+      EXPECT_EQ(names_in(folder), std::string("fixed folder ") + (is_new ? "new " : "") +
+                                      "open open_fixed other own ")
+          << c.name;
+    }
+    for (const char* file : {"fixed", "open_fixed"}) set_read_only(folder.path(file), false);
+    OwnDatabase::DestroyDatabase(open, false);
+    OwnDatabase::DestroyDatabase(open_fixed, false);
+  }
+}
+
+TEST_F(Save, WritesAllStatements) {
+  const std::string whole = content_of(ZELK_SOURCE_DIR "/tests/writer/whole.dbc");
+  const std::string ranges = "SG_MUL_VAL_ 1 T S 1-3, 7-9;\n";
+  const std::string path = folder_.path("a.dbc");
+  OwnDatabase database(ZELK_SOURCE_DIR "/tests/writer/whole.dbc");
+  EXPECT_EQ(database.Write(path.c_str()), 0);
+  EXPECT_EQ(content_of(path), whole);
+  EXPECT_EQ(names_in(folder_), "a.dbc ");
+  database.WriteExtendedMultiplexing(false);
+  EXPECT_EQ(database.Write(nullptr), 0);
+  EXPECT_EQ(content_of(path).find(ranges), std::string::npos);
+  database.WriteExtendedMultiplexing(true);
+  EXPECT_EQ(database.Write(nullptr), 0);
+  EXPECT_EQ(content_of(path), whole);
+  database.Clear();
+  EXPECT_EQ(database.Write(nullptr), 0) << "without texts";
+  const OwnDatabase empty(path);
+  EXPECT_EQ(describe(empty), "");
+}
+
+TEST_F(Save, KeepsTheDatabaseItself) {
+  const std::string path = folder_.write("a.dbc", kNodes), moved = folder_.path("b.dbc");
+  ZelkDatabase& database = OwnDatabase::open(path);
+  const OwnDatabase before(path);
+  EXPECT_EQ(database.Write(nullptr), 0);
+  EXPECT_TRUE(database.IsPathEqual(path.c_str()));
+  EXPECT_FALSE(before.IsPathEqual(path.c_str())) << "the file is another one";
+  EXPECT_EQ(&OwnDatabase::open(path), &database);
+  EXPECT_EQ(database.Write(moved.c_str()), 0);
+  EXPECT_EQ(OwnDatabase::find(moved), &database);
+  EXPECT_EQ(OwnDatabase::find(path), nullptr);
+  EXPECT_EQ(database.ref_count, 2u);
+  EXPECT_EQ(names_in(folder_), "a.dbc b.dbc ");
+  OwnDatabase::DestroyDatabase(database, false);
+  OwnDatabase::DestroyDatabase(database, false);
+}
+
+TEST_F(Save, CommitsToTheOtherInstance) {
+  const std::string path = folder_.write("a.dbc", kNodes);
+  ZelkDatabase& listed = OwnDatabase::open(path);
+  OwnDatabase changed(path);
+  changed.SetComment("changed");
+  EXPECT_EQ(changed.Write(path.c_str()), 10);
+  EXPECT_EQ(changed.Write(nullptr), 0);
+  EXPECT_STREQ(listed.comment, "changed");
+  EXPECT_TRUE(listed == changed);
+  EXPECT_EQ(OwnDatabase::find(path), &listed);
+  changed.SetComment("lost");
+  {
+    const FailingWrite failure(0);
+    EXPECT_EQ(changed.Write(nullptr), 9);
+  }
+  EXPECT_STREQ(listed.comment, "changed");
+  OwnDatabase::DestroyDatabase(listed, false);
+}
+
+/// Files and their contents, of which a failure changes nothing.
+struct Before {
+  explicit Before(const Folder& where) : folder(where), names(names_in(where)) {}
+  void expect(const std::string& file, std::string_view content, std::size_t n) const {
+    EXPECT_EQ(names_in(folder), names) << n;
+    EXPECT_EQ(content_of(file), content) << n;
+  }
+
+  const Folder& folder;
+  const std::string names;
+};
+
+TEST_F(Save, OnAFullDiskLeavesTheOldFile) {
+  const std::string path = folder_.write("a.dbc", kNodes), missing = folder_.path("new.dbc");
+  OwnDatabase database(path);
+  database.SetComment(std::string(200000, 'c').c_str());
+  const std::string whole = [this, &database] {
+    OwnDatabase copy(database);
+    EXPECT_EQ(copy.Write(folder_.path("copy.dbc").c_str()), 0);
+    return content_of(copy.path);
+  }();
+  const int64_t time = database.file_time;
+  const Before before(folder_);
+  std::vector<std::size_t> sizes = {0, 1, 65535, 65536, 65537, 131072, whole.size() - 1};
+  for (std::size_t size = 2; size < 500; ++size) sizes.push_back(size);
+  for (const std::size_t size : sizes) {
+    int old_file = 0, new_file = 0;
+    {
+      const FailingWrite failure(size);
+      old_file = database.Write(path.c_str());
+    }
+    EXPECT_TRUE(database.IsPathEqual(path.c_str())) << size;
+    {
+      const FailingWrite failure(size);
+      new_file = database.Write(missing.c_str());
+    }
+    EXPECT_EQ(old_file, 9) << size;
+    EXPECT_EQ(new_file, 9) << size;
+    EXPECT_EQ(database.file_time, time) << size;
+    before.expect(path, kNodes, size);
+  }
+  const FailingWrite failure(whole.size());
+  EXPECT_EQ(database.Write(path.c_str()), 0);
+  EXPECT_FALSE(failure.has_failed());
+  EXPECT_EQ(content_of(path), whole);
+}
+
+template <typename Failure>
+std::size_t save_while_allocations_fail(const ZelkDatabase& source, const Folder& folder) {
+  for (std::size_t n = 0;; ++n) {
+    const std::string path = folder.write("a.dbc", kNodes);
+    const std::string content = describe(source);
+    const Before before(folder);
+    OwnDatabase database(source);
+    zelk_clear_error_text();
+    int result = -1;
+    bool has_failed = false;
+    {
+      const Failure failure(n);
+      try {
+        result = database.Write(path.c_str());
+      } catch (const std::bad_alloc&) {
+        ADD_FAILURE() << "raised at allocation " << n;
+      }
+      has_failed = failure.has_failed();
+    }
+    EXPECT_EQ(describe(database), content) << n;
+    if (!has_failed) {
+      EXPECT_EQ(result, 0);
+      return n;
+    }
+    if (result == 0) continue;
+    EXPECT_EQ(result, 9) << n;
+    EXPECT_STREQ(zelk_get_error_text(), "not enough memory\n") << n;
+    before.expect(path, kNodes, n);
+  }
+}
+
+TEST_F(Save, WithoutMemoryLeavesTheOldFile) {
+  const OwnDatabase source(ZELK_SOURCE_DIR "/tests/writer/whole.dbc");
+  ZelkDatabase& listed = OwnDatabase::open(folder_.write("listed.dbc", kNodes));
+  EXPECT_GT(save_while_allocations_fail<FailingNew>(source, folder_), 5u);
+  EXPECT_EQ(save_while_allocations_fail<FailingCalloc>(source, folder_), 1u) << "the path";
+  OwnDatabase::DestroyDatabase(listed, false);
+}
+
+}  // namespace
