@@ -11,7 +11,7 @@ namespace zelk::tool {
 namespace {
 
 /// "3 nodes, 1 message, ...". What few databases have is told only when it is there.
-std::string counts(const Database& database) {
+std::string counts(const ZelkDatabase& database) {
   std::size_t signals = 0;
   std::size_t groups = 0;
   for (const msgblk& message : each(database.messages)) {
@@ -22,9 +22,9 @@ std::string counts(const Database& database) {
       fmt::format("{}, {}, {}, {}, {}, {}", counted(each(database.nodes).size(), "node"),
                   counted(each(database.messages).size(), "message"), counted(signals, "signal"),
                   counted(each(database.env_vars).size(), "environment variable"),
-                  counted(each(database.val_tables).size(), "value table"),
+                  counted(each(database.value_tables).size(), "value table"),
                   counted(each(database.attr_defs).size(), "attribute definition"));
-  const std::size_t types = each(database.sig_types).size();
+  const std::size_t types = each(database.signal_types).size();
   const std::size_t categories = each(database.categories).size();
   if (types) text += ", " + counted(types, "signal type");
   if (groups) text += ", " + counted(groups, "signal group");
@@ -33,16 +33,17 @@ std::string counts(const Database& database) {
 }
 
 bool check_file(const std::string& path, Output& out) {
-  Database database;
-  if (!database.read(path)) {
+  DatabaseFile file;
+  const ZelkDatabase* const database = file.open(path);
+  if (!database) {
     out.flush();  // keeps the order of files where both outputs meet
-    for (const std::string& line : report_lines()) print_error(behind_path(path, line));
+    for (const std::string& line : file.reports()) print_error(behind_path(path, line));
     return false;
   }
-  out.line("{}: ok, {}", escaped(path), counts(database));
+  out.line("{}: ok, {}", escaped(path), counts(*database));
   const Output::Indent indent(out);
-  for (const std::string& line : report_lines()) out.line("warning: {}", line);
-  if (zelk_symbols_shortened()) out.line("warning: {}", kShortenedWarning);
+  for (const std::string& line : file.reports()) out.line("warning: {}", line);
+  if (database->SymbolsShortenedOnRead()) out.line("warning: {}", kShortenedWarning);
   return true;
 }
 

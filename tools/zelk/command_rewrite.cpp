@@ -9,40 +9,49 @@ namespace zelk::tool {
 
 namespace {
 
-ExitCode rewrite(const std::string& in, const std::string& out_path) {
-  Database database;
-  const bool readable = database.read(in);
-  for (const std::string& line : report_lines()) {
-    print_error(behind_path(in, readable ? "warning: " + line : line));
+struct Arguments {
+  std::string in;
+  std::string out;
+  bool allow_cut = false;
+};
+
+/// Why `out` was not written.
+std::string complaint(ZelkError error, const ZelkDatabase& database) {
+  if (error == ZelkErrorReadOnly) return "the file is read-only";
+  if (database.SymbolsShortenedOnRead()) {
+    return "not written: names or units were cut, and the file would lose them; --allow-cut writes "
+           "it all the same";
   }
-  if (!readable) return kExitFailure;
-  if (zelk_symbols_shortened()) {
-    print_error(fmt::format("{}: warning: {}", escaped(in), kShortenedWarning));
-  }
-  if (database.write(out_path)) return kExitSuccess;
-  print_error(behind_path(out_path, zelk_format_error(ZELK_ERR_WRITE, 0, nullptr)));
+  return zelk_format_error(ZELK_ERR_WRITE, 0, nullptr);
+}
+
+ExitCode rewrite(const Arguments& arguments) {
+  DatabaseFile file;
+  ZelkDatabase* const database = open_and_report(file, arguments.in);
+  if (!database) return kExitFailure;
+  if (arguments.allow_cut) database->symbols_shortened = 0;
+  const ZelkError error = database->Write(arguments.out.c_str());
+  if (error == ZelkErrorOk) return kExitSuccess;
+  print_error(behind_path(arguments.out, complaint(error, *database)));
   return kExitFailure;
 }
 
 }  // namespace
 
 void add_rewrite_command(CLI::App& app, Action& action) {
-  struct Arguments {
-    std::string in;
-    std::string out;
-  };
   CLI::App* command = app.add_subcommand(
       "rewrite", "Read a database and write it again, in the library's own order and form");
   const auto arguments = std::make_shared<Arguments>();
   command->add_option("IN", arguments->in, "Database to read")->required()->option_text(" ");
   command
       ->add_option("OUT", arguments->out,
-                   "File to write; it is created or replaced, and not checked for a full disk")
+                   "File to write; one that is there is replaced once all is written, or stays")
       ->required()
       ->option_text(" ");
-  command->callback([arguments, &action] {
-    action = [arguments](Output&) { return rewrite(arguments->in, arguments->out); };
-  });
+  command->add_flag("--allow-cut", arguments->allow_cut,
+                    "Write although names or units were too long for the library, and were cut");
+  command->callback(
+      [arguments, &action] { action = [arguments](Output&) { return rewrite(*arguments); }; });
 }
 
 }  // namespace zelk::tool

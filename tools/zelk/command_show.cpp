@@ -28,7 +28,7 @@ std::optional<std::uint32_t> parse_id(std::string_view text) {
 /// Calls `visit(name, show)` for every named record of the database, in the order in which they are
 /// shown; `show()` describes it.
 template <typename Visit>
-void for_each_named(const Database& database, const Describer& describer, const Visit& visit) {
+void for_each_named(const ZelkDatabase& database, const Describer& describer, const Visit& visit) {
   for (const symblk& node : each(database.nodes))
     visit(view(node.name), [&] { describer.node_and_traffic(node); });
   for (const msgblk& message : each(database.messages)) {
@@ -40,9 +40,9 @@ void for_each_named(const Database& database, const Describer& describer, const 
   }
   for (const env_var_blk& variable : each(database.env_vars))
     visit(view(variable.name), [&] { describer.env_var(variable); });
-  for (const valtable& table : each(database.val_tables))
+  for (const valtable& table : each(database.value_tables))
     visit(view(table.name), [&] { describer.value_table(table); });
-  for (const sigtype& type : each(database.sig_types))
+  for (const sigtype& type : each(database.signal_types))
     visit(view(type.name), [&] { describer.signal_type(type); });
   for (const attr_def& definition : each(database.attr_defs))
     visit(view(definition.name), [&] { describer.definition(definition); });
@@ -51,7 +51,8 @@ void for_each_named(const Database& database, const Describer& describer, const 
 }
 
 /// Shows the messages with this identifier, whose format bit matters only when it is given.
-bool show_id(const Database& database, const Describer& describer, std::uint32_t id, Output& out) {
+bool show_id(const ZelkDatabase& database, const Describer& describer, std::uint32_t id,
+             Output& out) {
   bool found = false;
   for (const msgblk& message : each(database.messages)) {
     if (message.id != id && message.id != (id | ZELK_ID_EXTENDED)) continue;
@@ -62,7 +63,7 @@ bool show_id(const Database& database, const Describer& describer, std::uint32_t
   return found;
 }
 
-bool show_name(const Database& database, const Describer& describer, std::string_view name,
+bool show_name(const ZelkDatabase& database, const Describer& describer, std::string_view name,
                Output& out) {
   bool found = false;
   for_each_named(database, describer, [&](std::string_view candidate, const auto& show) {
@@ -76,7 +77,7 @@ bool show_name(const Database& database, const Describer& describer, std::string
 
 /// The names that somebody who typed `name` may have meant, nearest first: ", did you mean A, B?";
 /// empty for none.
-std::string suggestion(const Database& database, const Describer& describer,
+std::string suggestion(const ZelkDatabase& database, const Describer& describer,
                        std::string_view name) {
   constexpr std::size_t kMaxNames = 6;
   const std::size_t limit = std::min<std::size_t>(2, name.size() / 3);
@@ -95,8 +96,8 @@ std::string suggestion(const Database& database, const Describer& describer,
   return text.empty() ? text : text + "?";
 }
 
-ExitCode show_object(const std::string& path, const Database& database, const Describer& describer,
-                     const std::string& object, Output& out) {
+ExitCode show_object(const std::string& path, const ZelkDatabase& database,
+                     const Describer& describer, const std::string& object, Output& out) {
   if (const std::optional<std::uint32_t> id = parse_id(object)) {
     if (show_id(database, describer, *id, out)) return kExitSuccess;
     print_error(
@@ -110,13 +111,10 @@ ExitCode show_object(const std::string& path, const Database& database, const De
 }
 
 ExitCode show(const std::string& path, const std::optional<std::string>& object, Output& out) {
-  Database database;
-  const bool readable = database.read(path);
-  for (const std::string& line : report_lines())
-    print_error(behind_path(path, readable ? "warning: " + line : line));
-  if (!readable) return kExitFailure;
-  if (zelk_symbols_shortened())
-    print_error(fmt::format("{}: warning: {}", escaped(path), kShortenedWarning));
+  DatabaseFile file;
+  const ZelkDatabase* const opened = open_and_report(file, path);
+  if (!opened) return kExitFailure;
+  const ZelkDatabase& database = *opened;
 
   const Describer describer(database, out);
   if (object) return show_object(path, database, describer, *object, out);

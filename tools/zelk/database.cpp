@@ -1,29 +1,29 @@
 #include "database.hpp"
 
+#include "output.hpp"
 #include "text.hpp"
 
 namespace zelk::tool {
 
-Database::~Database() {
-  zelk_free(nodes, messages, env_vars, bit_timings, attr_defs, attrs, categories, &filter, comment,
-            version, sig_types, val_tables);
+ZelkDatabase* DatabaseFile::open(const std::string& path) {
+  const char* name = nullptr;
+  const ZelkError error = manager_.OpenDatabase(path.c_str(), &name, 0);
+  reports_ = escaped_lines(error == ZelkErrorFileNotFound
+                               ? zelk_format_error(ZELK_ERR_NOT_FOUND, 0, path.c_str())
+                               : manager_.GetLastOpenError());
+  return error == ZelkErrorOk ? manager_.GetDatabase(name) : nullptr;
 }
 
-bool Database::read(const std::string& path) {
-  attr_def* slots[4] = {};
-  zelk_clear_error_text();
-  zelk_reset_symbols_shortened();
-  return zelk_try_read(path.c_str(), &nodes, &messages, &env_vars, &bit_timings, &attr_defs, &attrs,
-                       &categories, &filter, &comment, &version, &sig_types, &val_tables,
-                       slots) == ZELK_OK;
+ZelkDatabase* open_and_report(DatabaseFile& file, const std::string& path) {
+  ZelkDatabase* const database = file.open(path);
+  for (const std::string& line : file.reports()) {
+    print_error(behind_path(path, database ? "warning: " + line : line));
+  }
+  if (database && database->SymbolsShortenedOnRead()) {
+    print_error(fmt::format("{}: warning: {}", escaped(path), kShortenedWarning));
+  }
+  return database;
 }
-
-bool Database::write(const std::string& path) const {
-  return zelk_write(path.c_str(), nodes, messages, env_vars, bit_timings, attr_defs, attrs,
-                    categories, filter, comment, version, sig_types, val_tables, 1) == ZELK_OK;
-}
-
-std::vector<std::string> report_lines() { return escaped_lines(view(zelk_get_error_text())); }
 
 std::string behind_path(const std::string& path, const std::string& line) {
   // A syntax error has no text of its own: its line begins with the comma in front of "line N".

@@ -10,50 +10,34 @@
 #include <string_view>
 #include <vector>
 
+#include "zelk/manager.hpp"
 #include "zelk/zelk.h"
 
 namespace zelk::tool {
 
-/// The records of one file: all list heads, released together.
-struct Database {
-  Database() = default;
-  ~Database();
-  Database(const Database&) = delete;
-  Database& operator=(const Database&) = delete;
-
-  /// Reads `path` into the lists, once. The library's error text is cleared before; afterwards it
-  /// tells every fault and warning of this file, and `zelk_symbols_shortened` whether this file's
-  /// names were cut.
+/// A database file, held by a manager of its own until this goes.
+class DatabaseFile {
+ public:
+  /// Opens and reads `path`, once.
   ///
-  /// @return true on success; otherwise the lists hold what stands in front of the fault
-  bool read(const std::string& path);
+  /// @return the database; null when it cannot be read: `reports` tells why
+  ZelkDatabase* open(const std::string& path);
 
-  /// Writes the lists to `path`, multiplexor ranges included.
-  /// @return false when the file cannot be opened
-  bool write(const std::string& path) const;
+  /// What there is to tell of the reading: one text per fault or warning, `escaped`.
+  const std::vector<std::string>& reports() const { return reports_; }
 
-  symblk* nodes = nullptr;
-  msgblk* messages = nullptr;
-  env_var_blk* env_vars = nullptr;
-  btlblk* bit_timings = nullptr;
-  attr_def* attr_defs = nullptr;
-  attr* attrs = nullptr;  ///< the database's own attribute values
-  cat* categories = nullptr;
-  filter_t filter = {};
-  char* comment = nullptr;
-  char* version = nullptr;
-  sigtype* sig_types = nullptr;
-  valtable* val_tables = nullptr;
+ private:
+  ZelkManager manager_{static_cast<void*>(nullptr)};
+  std::vector<std::string> reports_;
 };
 
-/// What the library's error text says of the file read last: one text per fault or warning,
-/// `escaped`.
-std::vector<std::string> report_lines();
+/// `DatabaseFile::open`, with its reports told on standard error.
+ZelkDatabase* open_and_report(DatabaseFile& file, const std::string& path);
 
-/// One of these lines, unchanged behind the file that it is about.
+/// A line of the library's error text, `escaped`, behind the file that it is about.
 std::string behind_path(const std::string& path, const std::string& line);
 
-/// What is to be told when `zelk_symbols_shortened`.
+/// What is to be told when `ZelkDatabase::SymbolsShortenedOnRead`.
 inline constexpr std::string_view kShortenedWarning =
     "names or units are longer than the library keeps, and were cut";
 

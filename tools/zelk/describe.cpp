@@ -35,21 +35,21 @@ void section(Output& out, std::string_view heading, const Record* head, const Sh
 
 }  // namespace
 
-Describer::Describer(const Database& database, Output& out)
+Describer::Describer(const ZelkDatabase& database, Output& out)
     : database_(database), out_(out), j1939_(database) {}
 
 void Describer::database(std::string_view path) const {
   out_.line("Database {}", escaped(path));
   {
     const Output::Indent indent(out_);
-    if (!view(database_.version).empty())
-      out_.line("version: {}", in_quotes(view(database_.version)));
+    if (!view(database_.user_data).empty())
+      out_.line("version: {}", in_quotes(view(database_.user_data)));
     comment(database_.comment);
     for (const btlblk& timing : each(database_.bit_timings)) {
       out_.line("bit timing: baud rate {}, BTR1 0x{:02X}, BTR2 0x{:02X}", timing.baudrate,
                 timing.btr1, timing.btr2);
     }
-    attributes(database_.attrs);
+    attributes(database_.attr_values);
     filter();
   }
   section(out_, "Nodes", database_.nodes, [this](const symblk& record) { node(record); });
@@ -59,9 +59,9 @@ void Describer::database(std::string_view path) const {
   });
   section(out_, "Environment variables", database_.env_vars,
           [this](const env_var_blk& record) { env_var(record); });
-  section(out_, "Value tables", database_.val_tables,
+  section(out_, "Value tables", database_.value_tables,
           [this](const valtable& record) { value_table(record); });
-  section(out_, "Signal types", database_.sig_types,
+  section(out_, "Signal types", database_.signal_types,
           [this](const sigtype& record) { signal_type(record); });
   section(out_, "Attribute definitions", database_.attr_defs,
           [this](const attr_def& record) { definition(record); });

@@ -19,7 +19,7 @@ namespace zelk::tool {
 class Describer {
  public:
   /// Both must outlive the object.
-  Describer(const Database& database, Output& out);
+  Describer(const ZelkDatabase& database, Output& out);
 
   void database(std::string_view path) const;
 
@@ -57,7 +57,7 @@ class Describer {
 
   static GroupsOfSignal groups_of(const msgblk& message);
 
-  const Database& database_;
+  const ZelkDatabase& database_;
   Output& out_;
   J1939 j1939_;
 };

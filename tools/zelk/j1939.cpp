@@ -12,16 +12,6 @@ namespace {
 constexpr std::uint32_t kFirstPdu2Format = 240;
 constexpr std::uint32_t kAnyAddress = 0xFE;
 
-/// True when the database's own value of a number attribute, or else its default, is above 0.
-bool is_switched_on(const Database& database, const char* name) {
-  const attr_def* definition = zelk_get_attr_def_name(database.attr_defs, name);
-  if (!definition || definition->value_type == ZELK_ATTR_STRING) return false;
-  if (zelk_is_db_attribute_defined(database.attrs, name) &&
-      zelk_get_db_attrval(database.attrs, name).number > 0)
-    return true;
-  return definition->value_type != ZELK_ATTR_ENUM && definition->default_value.number > 0;
-}
-
 std::string address_text(std::uint32_t address) {
   return address == kAnyAddress ? "any" : fmt::format("0x{:02X} ({})", address, address);
 }
@@ -30,9 +20,9 @@ std::string group_text(std::uint32_t group) { return fmt::format("PGN 0x{:X} ({}
 
 }  // namespace
 
-J1939::J1939(const Database& database)
+J1939::J1939(const ZelkDatabase& database)
     : frame_format_(zelk_get_attr_def_name(database.attr_defs, "VFrameFormat")),
-      group_numbers_(is_switched_on(database, "J1939PGN") || is_switched_on(database, "IsNMEA")) {}
+      group_numbers_(database.HasJ1939GroupNumbers()) {}
 
 bool J1939::has_group_format(const msgblk& message) const {
   if (!frame_format_) return false;

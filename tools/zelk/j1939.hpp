@@ -16,7 +16,7 @@ namespace zelk::tool {
 /// object.
 class J1939 {
  public:
-  explicit J1939(const Database& database);
+  explicit J1939(const ZelkDatabase& database);
 
   /// What the message's identifier says of a parameter group: "PGN 0xFEF1 (65265), priority 6,
   /// source 0x21 (33)", for groups with a destination (PDU1) also that. None for a message that is
