@@ -53,7 +53,7 @@ class ZELK_API ZelkLock {
 
 class ZELK_API ZelkReadLock : public ZelkLock {
  public:
-  bool IsWriteLock() const override { return false; }
+  bool IsWriteLock() const override;
 
   /// Takes a read lock. Another manager's write lock refuses it, which the user is told.
   ///
@@ -74,7 +74,7 @@ class ZELK_API ZelkReadLock : public ZelkLock {
 
 class ZELK_API ZelkWriteLock : public ZelkLock {
  public:
-  bool IsWriteLock() const override { return true; }
+  bool IsWriteLock() const override;
 
   /// Takes a write lock, as `ZelkReadLock::Create`; every lock of another manager refuses it.
   static ZelkWriteLock* Create(ZelkManager& manager, const char* db, const char* reason);

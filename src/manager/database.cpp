@@ -36,9 +36,13 @@ ZelkError writability(const char* path) {
 
 namespace {
 
-std::int64_t modification_time(const char* path) {
+/// 0, by which no file is found, also when there is no memory to ask: a file that has been saved is
+/// saved.
+std::int64_t modification_time(const char* path) try {
   const auto status = platform::file_status(path);
   return status ? status->modified.ticks : 0;
+} catch (const std::bad_alloc&) {
+  return 0;
 }
 
 }  // namespace

@@ -102,6 +102,8 @@ Lock* ZelkLock::CreateUnlessRefused(ZelkManager& manager, const char* db, const 
   return nullptr;
 }
 
+bool ZelkReadLock::IsWriteLock() const { return false; }
+
 ZelkReadLock* ZelkReadLock::Create(ZelkManager& manager, const char* db, const char* reason) {
   return CreateUnlessRefused<ZelkReadLock>(manager, db, reason);
 }
@@ -110,6 +112,8 @@ ZelkLock* ZelkReadLock::GetLock(ZelkManager& manager, ZelkDatabase& database) {
   constexpr bool kWriteLocksOnly = true;
   return FindForeign(manager, database, kWriteLocksOnly);
 }
+
+bool ZelkWriteLock::IsWriteLock() const { return true; }
 
 ZelkWriteLock* ZelkWriteLock::Create(ZelkManager& manager, const char* db, const char* reason) {
   return CreateUnlessRefused<ZelkWriteLock>(manager, db, reason);

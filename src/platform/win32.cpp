@@ -134,12 +134,12 @@ bool Replacement::take_place() {
   const bool is_on_disk = _commit(_fileno(file_.get())) == 0;
   const bool is_closed = std::fclose(file_.release()) == 0;
   if (!is_on_disk || !is_closed) return false;
-  // Replacing keeps what Windows knows about the old file, such as who may use it.
-  const bool is_there = GetFileAttributesW(target_.c_str()) != INVALID_FILE_ATTRIBUTES;
-  const bool is_in_place =
-      is_there ? ReplaceFileW(target_.c_str(), path_.c_str(), nullptr,
-                              REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr, nullptr) != 0
-               : MoveFileExW(path_.c_str(), target_.c_str(), MOVEFILE_WRITE_THROUGH) != 0;
+  // The first way keeps what Windows knows about the old file, such as who may use it; it wants one
+  // to be there, and a file system that can do it.
+  const bool is_in_place = ReplaceFileW(target_.c_str(), path_.c_str(), nullptr,
+                                        REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr, nullptr) != 0 ||
+                           MoveFileExW(path_.c_str(), target_.c_str(),
+                                       MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
   if (is_in_place) path_.clear();
   return is_in_place;
 }

@@ -10,7 +10,7 @@ namespace {
 
 using namespace zelk::platform;
 
-TEST(Notifications, GoToTheSinkOfTheHost) {
+TEST(Hooks, GoToTheSinkOfTheHost) {
   std::vector<zelk_notification> received;
   zelk_set_notification_sink(
       [](const zelk_notification* notification, void* context) {
