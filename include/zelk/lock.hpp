@@ -24,6 +24,8 @@ class ZELK_API ZelkLock {
   /// What the owner told when it took the lock; null when nothing.
   const char* Reason() const { return reason_; }
   /// Tells the user that this lock refuses another one, and by which reason (platform.h).
+  ///
+  /// @throws std::bad_alloc
   void ShowMessage() const;
 
   static void FreeLock(ZelkManager& manager);                          ///< all of a manager
@@ -42,8 +44,9 @@ class ZELK_API ZelkLock {
   static ZelkLock* FindForeign(const ZelkManager& manager, const ZelkDatabase& database,
                                bool write_locks_only);
 
-  template <typename Lock>
-  static Lock* CreateUnlessRefused(ZelkManager& manager, const char* db, const char* reason);
+  /// What `Create` of both kinds does.
+  static ZelkLock* CreateUnlessRefused(ZelkManager& manager, const char* db, const char* reason,
+                                       bool is_write_lock);
 
  private:
   ZelkManager& manager_;

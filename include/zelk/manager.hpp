@@ -29,8 +29,8 @@ struct ZelkManagerNode {
 /// **Sharing.** Managers that open the same unchanged file share one `ZelkDatabase`, and so see
 /// each other's edits at once.
 ///
-/// Nothing raises. Managers, their databases and locks are process-wide and unguarded: one thread
-/// at a time.
+/// Nothing raises but for the constructors, when the heap is exhausted. Managers, their databases
+/// and locks are process-wide and unguarded: one thread at a time.
 class ZELK_API ZelkManager {
  public:
   /// One open database of a manager.
@@ -63,6 +63,8 @@ class ZELK_API ZelkManager {
   virtual bool LockDatabase(const char* db, const char* reason);
   /// Takes a lock on every database in list order, until the first refusal; that frees all locks of
   /// this manager, also older ones.
+  ///
+  /// @return false when one is refused
   virtual bool LockAllDatabases(const char* reason);
   /// Frees this manager's locks on a database; null: all its locks.
   virtual void UnlockDatabase(const char* db);
@@ -71,9 +73,9 @@ class ZELK_API ZelkManager {
   ///
   /// @return 0; 2 when it does not exist
   virtual ZelkError GetDatabaseFileInfo(const char* path) const;
-  /// Whether the file may be opened beside the managers that edit it.
+  /// Whether the file may be opened beside the managers that edit it: here always, with 0.
   virtual ZelkError CheckForWriteOpen(const char* path) const;
-  /// Whether this manager has the file open for writing.
+  /// Whether this manager has the file open for writing: here never.
   virtual bool OwnsDatabaseForWrite(const char* path) const;
 
  protected:
@@ -136,8 +138,8 @@ class ZELK_API ZelkManager {
   /// Gives a database another name. The old handle is no longer valid.
   ///
   /// @param name  receives the new handle, on success only; may be null
-  /// @return 0; 1 when there is no such database; 3 when another database of this manager has the
-  /// name; 7 when no database can have it
+  /// @return 0; 1 when there is no such database, or no memory; 3 when another database of this
+  /// manager has the name; 7 when no database can have it
   ZelkError SetDatabaseName(const char* db, const char** name, const char* new_name);
   /// The handle whose characters are those of `text`; null, with status 2, when there is none.
   const char* GetUniqueDatabaseName(const char* text);
@@ -148,7 +150,7 @@ class ZELK_API ZelkManager {
   /// Path of the database whose name has the characters of `text`; null, with status 2, when there
   /// is none. The database's own text.
   const char* GetDatabasePath(const char* text);
-  bool IsDatabaseName(const char* db);
+  bool IsDatabaseName(const char* db);  ///< whether it is a handle of this manager; sets the status
   /// The database, valid while it is open here; null, with status 2, when there is none.
   ZelkDatabase* GetDatabase(const char* db);
 
@@ -168,13 +170,16 @@ class ZELK_API ZelkManager {
 
   // --- Queries ---
 
-  unsigned DatabaseCount() const;
+  unsigned DatabaseCount() const;  ///< of the databases that are open here
+  /// Whether names of the database were cut while its file was read; false, with status 2, when
+  /// there is no such database.
   bool SymbolsShortenedOnRead(const char* db);
   /// Whether a database uses a feature that older readers do not know.
   ///
   /// @param feature  1: extended multiplexing
   /// @return 1 or 0; -1 for an unknown feature. 0, with status 2, when there is no such database
   int IsNewFeatureUsed(int feature, const char* db);
+  /// Whether the library can write databases that use the feature: true for 1.
   bool IsSavingOfNewFeaturePossible(int feature) const;
   /// Result of the last operation that looked for a database by name: 0 found, 2 not found.
   std::uint32_t Status() const { return status_; }
@@ -189,6 +194,156 @@ class ZELK_API ZelkManager {
 
   /// Head of the process-wide list of managers, the newest first; null when there is none.
   static const ZelkManagerNode* GetManagersList();
+
+  // --- Signal values ---
+  //
+  // These ask nothing of the manager or its databases: all they need is the signal and the frame.
+  // `frame` is the first data byte; the caller answers for the frame having all bytes that the
+  // signal and the multiplexors above it touch (`zelk_sig_mask_t::min_data_length`). `message` may
+  // be any. To decode whole frames of known length use frame_decoder.hpp.
+  //
+  // Bits are numbered as in DBC files: byte * 8 + bit, bit 0 least significant. Raw values of
+  // signed signals are two's complement; in an `unsigned long` they fill 32 bits, zero-extended.
+  // Outputs are written also when the result tells a fault, unless said otherwise.
+
+  static const sigblk* GetMultiplexorSignal(const sigblk* signal);  ///< null for none, and for null
+  static bool SignalIsMultiplexor(const sigblk* signal);            ///< false for null
+  /// Whether the signal has a multiplexor or a range of its values; false for null.
+  static bool SignalIsMultiplexed(const sigblk* signal);
+  /// Whether the signal is multiplexed and one of its ranges, both ends included, has `value` (32
+  /// bits); false for null.
+  static bool SignalIsMultiplexedByValue(const sigblk* signal, unsigned long value);
+  static const muxor_val_range* GetMultiplexorValueRanges(const sigblk* signal);  ///< or null
+
+  /// Where the signal's bits lie.
+  void GetSignalAccessMask(const sigblk& signal, zelk_sig_mask_t& mask) const;
+  /// Whether the frame holds the signal: it is not multiplexed, or its multiplexor is there itself
+  /// and reads a value within one of the signal's ranges. False for ranges without a multiplexor, a
+  /// multiplexor without ranges, one of more than 64 bits (signed: 32), and multiplexors in a
+  /// circle.
+  bool CheckSignalModeValue(const unsigned char& frame, const sigblk& signal,
+                            const msgblk& message) const;
+
+  /// physical = raw * factor + offset, in IEEE double arithmetic, each operation rounded.
+  ///
+  /// @param raw  32 bits, signed when the signal is
+  /// @return 0; 4 when the result is outside [minimum, maximum], unless both are 0
+  ZelkSigvalueResult RawToPhysicalValue(const unsigned long& raw, const sigblk& signal,
+                                        double& physical) const;
+  ZelkSigvalueResult RawToPhysicalValueInt64(const long long& raw, const sigblk& signal,
+                                             double& physical) const;  ///< 64 bits likewise
+  ZelkSigvalueResult RawToPhysicalValue(const double& raw, const sigblk& signal,
+                                        double& physical) const;  ///< of an IEEE signal
+
+  /// raw = (physical - offset) / factor, rounded half away from zero by adding 0.5 and cutting.
+  /// What the type cannot hold becomes its nearest value, not-a-number 0; nothing is limited to the
+  /// signal's bits. Of an unsigned signal the 32-bit form gives the low 32 of 64 bits.
+  ///
+  /// @return 0; 4 when `physical` is outside [minimum, maximum], unless both are 0
+  ZelkSigvalueResult PhysicalToRawValue(const double& physical, const sigblk& signal,
+                                        unsigned long& raw) const;
+  ZelkSigvalueResult PhysicalToRawValueInt64(const double& physical, const sigblk& signal,
+                                             long long& raw) const;
+  ZelkSigvalueResult PhysicalToRawValue(const double& physical, const sigblk& signal,
+                                        double& raw) const;  ///< of an IEEE signal: not rounded
+
+  /// The low 32 bits of the signal.
+  ///
+  /// @return 0; 3 for more than 64 bits (nothing is written) and for a signed signal of more than
+  /// 32; 5 when the frame does not hold the signal
+  ZelkSigvalueResult GetSignalRawValue(const unsigned char& frame, const sigblk& signal,
+                                       const msgblk& message, unsigned long& raw) const;
+  /// Up to 64 bits of the signal, sign-extended when it is signed. Of a signal that reaches into a
+  /// ninth byte the bits there read as 0.
+  ///
+  /// @return 0; 3 for more than 64 bits (nothing is written); 5 when the frame does not hold it
+  ZelkSigvalueResult GetSignalRawValueInt64(const unsigned char& frame, const sigblk& signal,
+                                            const msgblk& message, long long& raw) const;
+  /// The number in an IEEE signal: 32 or 64 bits by its value type, whatever its length.
+  ///
+  /// @return 0; 2 for an integer signal (nothing is written); 5 when the frame does not hold it
+  ZelkSigvalueResult GetSignalRawValue(const unsigned char& frame, const sigblk& signal,
+                                       const msgblk& message, double& raw) const;
+
+  // The same with a signal's access record, which saves the arithmetic of positions. The 64-bit
+  // form is right for signals of up to 32 bits only: of 33 to 63 it gives the low (length - 32)
+  // bits, of 64 the low 32. The IEEE form wants a record of 32 or 64 bits (else 3). The 32-bit form
+  // masks likewise.
+
+  ZelkSigvalueResult GetSignalRawValue(const unsigned char& frame, const zelk_sig_mask_t& mask,
+                                       const sigblk& signal, const msgblk& message,
+                                       unsigned long& raw) const;
+  ZelkSigvalueResult GetSignalRawValueInt64(const unsigned char& frame, const zelk_sig_mask_t& mask,
+                                            const sigblk& signal, const msgblk& message,
+                                            long long& raw) const;
+  ZelkSigvalueResult GetSignalRawValue(const unsigned char& frame, const zelk_sig_mask_t& mask,
+                                       const sigblk& signal, const msgblk& message,
+                                       double& raw) const;
+
+  // Raw and physical value in one; the result is the reading's, or when that is 0 the conversion's.
+  // The physical value is computed from `raw` as it stands then.
+
+  ZelkSigvalueResult GetSignalValue(const unsigned char& frame, const sigblk& signal,
+                                    const msgblk& message, unsigned long& raw,
+                                    double& physical) const;
+  ZelkSigvalueResult GetSignalValueInt64(const unsigned char& frame, const sigblk& signal,
+                                         const msgblk& message, long long& raw,
+                                         double& physical) const;
+  ZelkSigvalueResult GetSignalValue(const unsigned char& frame, const sigblk& signal,
+                                    const msgblk& message, double& raw, double& physical) const;
+  ZelkSigvalueResult GetSignalValue(const unsigned char& frame, const zelk_sig_mask_t& mask,
+                                    const sigblk& signal, const msgblk& message, unsigned long& raw,
+                                    double& physical) const;
+  ZelkSigvalueResult GetSignalValueInt64(const unsigned char& frame, const zelk_sig_mask_t& mask,
+                                         const sigblk& signal, const msgblk& message,
+                                         long long& raw, double& physical) const;
+  ZelkSigvalueResult GetSignalValue(const unsigned char& frame, const zelk_sig_mask_t& mask,
+                                    const sigblk& signal, const msgblk& message, double& raw,
+                                    double& physical) const;
+  /// The physical value, by the IEEE form for IEEE signals and by the 64-bit form for all others.
+  ZelkSigvalueResult GetSignalPhysicalValue(const unsigned char& frame, const sigblk& signal,
+                                            const msgblk& message, double& physical) const;
+  /// The value as a text.
+  ///
+  /// @param text    receives the text, terminated; untouched with results 1 and 6
+  /// @param size    bytes in `text`; the byte formats want 4 (decimal) or 3 (hexadecimal) for each
+  /// byte of the signal
+  /// @param format  for the decimal ("%d"), hexadecimal ("%x") and physical ("%lg", with unit "%lg
+  /// %s") formats another format of `printf`, for an argument of the same type, printed in the
+  /// process's locale; null: those, in the C locale
+  /// @return in this order: 3 for more than 96 bits, 1 for 90 or more, an unknown format, and no
+  /// value description, 6 when the text does not fit, 3 for more than 32 bits in the formats that
+  /// print a number (of the low 32), 4 for a physical value out of range, 5 when the frame does not
+  /// hold the signal, 0
+  ZelkSigvalueResult GetSignalValue(const unsigned char& frame, const sigblk& signal,
+                                    const msgblk& message, char* text, unsigned long size,
+                                    ZelkSigvalueFormat text_format, const char* format);
+
+  // Writing puts a raw value into the frame. Every other bit of the frame stays, as long as the
+  // value fits into the signal. The multiplexing test is made on the frame as it is then. A signal
+  // of 90 bits or more is not written at all (result 3).
+
+  /// @param raw  32 bits; of a signed signal two's complement
+  /// @return 0; 3 for a signal of more than 32 bits, written zero-extended; 5 when the frame does
+  /// not hold the signal
+  ZelkSigvalueResult SetSignalRawValue(unsigned char& frame, const sigblk& signal,
+                                       const msgblk& message, const unsigned long& raw) const;
+  /// @return 0; 3 for a signal of more than 64 bits, written zero-extended; 5 likewise
+  ZelkSigvalueResult SetSignalRawValueInt64(unsigned char& frame, const sigblk& signal,
+                                            const msgblk& message, const long long& raw) const;
+  /// Writes 32 or 64 bits by the signal's value type, whatever its length.
+  ///
+  /// @return 0; 2 for an integer signal, into which the double's bits have been written; 5 likewise
+  ZelkSigvalueResult SetSignalRawValue(unsigned char& frame, const sigblk& signal,
+                                       const msgblk& message, const double& raw) const;
+  /// @param bytes  (length + 7) / 8 bytes, least significant first
+  ZelkSigvalueResult SetSignalRawValue(unsigned char& frame, const sigblk& signal,
+                                       const msgblk& message, const unsigned char*& bytes) const;
+  /// Converts and writes; a value out of range is written all the same.
+  ///
+  /// @return the writing's result, or when that is 0 the conversion's
+  ZelkSigvalueResult SetSignalPhysicalValue(unsigned char& frame, const sigblk& signal,
+                                            const msgblk& message, const double& physical) const;
 
  private:
   friend class ZelkDatabase;

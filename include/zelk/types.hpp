@@ -26,6 +26,44 @@ enum ZelkError : int {
   ZelkErrorLocked = 11        ///< another manager holds a lock
 };
 
+/// Results of the operations on signal values.
+enum ZelkSigvalueResult : int {
+  ZelkSigvalueOk = 0,
+  ZelkSigvalueError = 1,           ///< no bits (90 or more), unknown format, no value description
+  ZelkSigvalueWrongType = 2,       ///< an IEEE operation on an integer signal
+  ZelkSigvalueTooLong = 3,         ///< the signal is longer than the operation can hold
+  ZelkSigvalueOutOfRange = 4,      ///< the physical value is outside [minimum, maximum]
+  ZelkSigvalueNotPresent = 5,      ///< the frame's multiplexor does not select the signal
+  ZelkSigvalueBufferTooSmall = 6,  ///< the text does not fit
+};
+
+/// Forms in which a signal's value is told as a text.
+enum ZelkSigvalueFormat : int {
+  ZelkFormatDecimal = 0,
+  ZelkFormatHex = 1,
+  ZelkFormatDecimalBytes = 2,  ///< most significant first, "  1 255"
+  ZelkFormatHexBytes = 3,      ///< most significant first, "01 FF"
+  ZelkFormatPhysical = 4,
+  ZelkFormatPhysicalUnit = 5,
+  ZelkFormatValueDescription = 6,
+  ZelkFormatNone = 7,    ///< no text, only the test whether the signal is present
+  ZelkFormatBinary = 8,  ///< most significant bit first
+};
+
+/// Where a signal's bits lie, computed once for many frames (`ZelkManager::GetSignalAccessMask`).
+/// Valid while the signal's start bit, length and byte order stay as they are.
+struct zelk_sig_mask_t {
+  std::uint32_t mask;        ///< of the valid bits in the topmost 32-bit word of the value; for 90
+                             ///< bits and more left as it was
+  std::uint32_t bit_offset;  ///< of the least significant bit in its byte, 0 to 7
+  std::uint32_t motorola;    ///< 1 for Motorola byte order, 0 for Intel
+  std::uint32_t length;      ///< in bits
+  std::uint32_t byte_count;  ///< bytes of the frame that the signal touches
+  std::uint32_t lsb_byte;    ///< index of the byte with the least significant bit
+  std::uint32_t bit_span;    ///< `length` + `bit_offset`
+  std::uint32_t min_data_length;  ///< bytes that a frame needs to hold the signal
+};
+
 /// What a caller asks for: which of several databases shall answer.
 struct ZelkSelection {
   std::uint32_t key = 0;      ///< primary selector; its meaning is the caller's

@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <forward_list>
 #include <memory>
+#include <new>
 #include <string>
 
 #include "manager/database_list.hpp"
 #include "manager/lock_list.hpp"
+#include "model/errors.hpp"
 #include "model/memory.hpp"
 #include "platform/hooks.hpp"
 #include "zelk/exception.hpp"
@@ -83,29 +85,35 @@ ZelkLock* ZelkLock::FindForeign(const ZelkManager& manager, const ZelkDatabase& 
   return found == list.end() ? nullptr : *found;
 }
 
-template <typename Lock>
-Lock* ZelkLock::CreateUnlessRefused(ZelkManager& manager, const char* db, const char* reason) try {
+ZelkLock* ZelkLock::CreateUnlessRefused(ZelkManager& manager, const char* db, const char* reason,
+                                        bool is_write_lock) try {
   ZelkDatabase* const database = manager.GetDatabase(db);
   if (!database) return nullptr;
-  const ZelkLock* const refusing = Lock::GetLock(manager, *database);
+  const bool write_locks_only = !is_write_lock;
+  const ZelkLock* const refusing = FindForeign(manager, *database, write_locks_only);
   if (refusing) {
     refusing->ShowMessage();
     return nullptr;
   }
-  std::unique_ptr<Lock> lock(new Lock(manager, *database, reason));
+  std::unique_ptr<ZelkLock> lock;
+  if (is_write_lock) {
+    lock.reset(new ZelkWriteLock(manager, *database, reason));
+  } else {
+    lock.reset(new ZelkReadLock(manager, *database, reason));
+  }
   ListInsertLock(*lock);
   return lock.release();
 } catch (const ZelkException&) {  // has told of itself in the error text
   return nullptr;
 } catch (const std::bad_alloc&) {
-  zelk_note(ZELK_ERR_MEMORY, 0, nullptr);
+  zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
   return nullptr;
 }
 
 bool ZelkReadLock::IsWriteLock() const { return false; }
 
 ZelkReadLock* ZelkReadLock::Create(ZelkManager& manager, const char* db, const char* reason) {
-  return CreateUnlessRefused<ZelkReadLock>(manager, db, reason);
+  return static_cast<ZelkReadLock*>(CreateUnlessRefused(manager, db, reason, false));
 }
 
 ZelkLock* ZelkReadLock::GetLock(ZelkManager& manager, ZelkDatabase& database) {
@@ -116,7 +124,7 @@ ZelkLock* ZelkReadLock::GetLock(ZelkManager& manager, ZelkDatabase& database) {
 bool ZelkWriteLock::IsWriteLock() const { return true; }
 
 ZelkWriteLock* ZelkWriteLock::Create(ZelkManager& manager, const char* db, const char* reason) {
-  return CreateUnlessRefused<ZelkWriteLock>(manager, db, reason);
+  return static_cast<ZelkWriteLock*>(CreateUnlessRefused(manager, db, reason, true));
 }
 
 ZelkLock* ZelkWriteLock::GetLock(ZelkManager& manager, ZelkDatabase& database) {
