@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "capi/list_walk.hpp"
+#include "model/errors.hpp"
 #include "model/memory.hpp"
 #include "model/release.hpp"
 #include "zelk/exception.hpp"
@@ -97,7 +98,7 @@ void DatabaseCopier::copy_whole(Record*& target, const Record* source, CopyMembe
     return;
   } catch (const ZelkException&) {  // has told of itself in the error text
   } catch (const std::bad_alloc&) {
-    zelk_note(ZELK_ERR_MEMORY, 0, nullptr);
+    zelk_note(ZELK_ERR_MEMORY, kNoLine, nullptr);
   }
   forget(source);
 }

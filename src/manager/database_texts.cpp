@@ -11,6 +11,7 @@
 #include "zelk/database.hpp"
 #include "zelk/exception.hpp"
 #include "zelk/library.h"
+#include "zelk/query.h"
 
 namespace zelk {
 
@@ -35,7 +36,8 @@ namespace {
 /// The value of the network attribute for the name, else its default; none when the attribute is
 /// not defined as a text of the network.
 std::optional<std::string_view> own_name(const ZelkDatabase& database) {
-  const attr_def* definition = database.GetAttrDef(ZelkDatabaseNameAttribute);
+  const attr_def* definition =
+      zelk_get_attr_def_name(database.attr_defs, ZelkDatabaseNameAttribute);
   if (!definition || definition->object_type != ZELK_OBJ_NETWORK ||
       definition->value_type != ZELK_ATTR_STRING) {
     return std::nullopt;
@@ -45,8 +47,11 @@ std::optional<std::string_view> own_name(const ZelkDatabase& database) {
   return default_text(*definition).value_or("");
 }
 
-/// The name of a file without its folder, in the notation of any system, and without extension.
+/// The name of a file without its folder or drive, in the notation of any system, and without
+/// extension.
 std::string_view file_stem(std::string_view path) {
+  const bool has_drive = path.size() > 1 && path[1] == ':' && is_letter(path[0]) && path[0] != '_';
+  if (has_drive) path.remove_prefix(2);
   const std::string_view name = path.substr(path.find_last_of("/\\") + 1);
   return name.substr(0, name.rfind('.'));
 }
@@ -130,6 +135,7 @@ void ZelkPredefinedAttributes::ClearAll() {
 
 void ZelkDatabase::CheckAndInsertPredefinedAttrs(attr_def& definition) try {
   if (!predefined.Insert(definition)) return;
+  DropIndex();
   switch (definition.object_type) {
     case ZELK_OBJ_NODE:
       take_long_names(nodes, definition, true);

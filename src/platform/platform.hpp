@@ -43,7 +43,7 @@ File open_for_writing(const char* path);
 class Replacement {
  public:
   /// Creates an empty file for text in the folder of `path`, or of the file that `path` links to,
-  /// with the permissions of the file that is there.
+  /// with the owner and the permissions of the file that is there, as far as the system lets it.
   explicit Replacement(const char* path);
   Replacement(const Replacement&) = delete;
   Replacement& operator=(const Replacement&) = delete;

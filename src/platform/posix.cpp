@@ -1,4 +1,5 @@
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <langinfo.h>
 #include <limits.h>
 #include <stdlib.h>
@@ -11,6 +12,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -20,7 +22,7 @@
 namespace zelk::platform {
 namespace {
 
-constexpr std::int64_t kNanosecondsPerSecond = 1'000'000'000;
+constexpr std::uint64_t kNanosecondsPerSecond = 1'000'000'000;
 constexpr std::uint32_t kFirstMessage = 0xC000;
 constexpr std::uint32_t kLastMessage = 0xFFFF;
 
@@ -42,6 +44,16 @@ std::string absolute_path(const char* path) {
   return error ? std::string() : absolute.lexically_normal().string();
 }
 
+/// What a path names in the end, there or not.
+std::filesystem::path behind_links(std::filesystem::path path) {
+  constexpr int kMostLinks = 40;  // no more than the system follows
+  std::error_code error;
+  for (int links = 0; links < kMostLinks && is_symlink(path, error); ++links) {
+    path = path.parent_path() / read_symlink(path, error);
+  }
+  return path;
+}
+
 /// Whether both files exist and are not the same one.
 bool are_different_files(const char* a, const char* b) {
   struct stat status_a = {};
@@ -50,11 +62,27 @@ bool are_different_files(const char* a, const char* b) {
          (status_a.st_dev != status_b.st_dev || status_a.st_ino != status_b.st_ino);
 }
 
+/// Since 1970, modulo 2^64: a file may say that it is of any year.
+std::int64_t nanoseconds(const timespec& time) {
+  return static_cast<std::int64_t>(static_cast<std::uint64_t>(time.tv_sec) * kNanosecondsPerSecond +
+                                   static_cast<std::uint64_t>(time.tv_nsec));
+}
+
 /// Permissions that new files of this process do not get.
 mode_t creation_mask() {
   const mode_t mask = umask(0);
   umask(mask);
   return mask;
+}
+
+/// Gives a new file the owner and the permissions of the file that it shall replace. Who may not
+/// give files away hands on the group, at least.
+void take_over(int descriptor, const struct stat& replaced) {
+  if (fchown(descriptor, replaced.st_uid, replaced.st_gid) != 0) {
+    constexpr uid_t kSameOwner = static_cast<uid_t>(-1);
+    std::ignore = fchown(descriptor, kSameOwner, replaced.st_gid);
+  }
+  fchmod(descriptor, replaced.st_mode & 07777);  // after the owner, who takes some of it away
 }
 
 /// The file that holds this code, as it was found when the library was loaded: a relative name
@@ -95,13 +123,12 @@ File open_for_writing(const char* path) {
   return file;
 }
 
-Replacement::Replacement(const char* path) : target_(path) {
+Replacement::Replacement(const char* path) : target_(behind_links(path)) {
+  // Asked of the path as it is: "/dev/stdout" may link to a pipe, which has no other name.
   std::error_code error;
-  const std::filesystem::path linked = std::filesystem::canonical(target_, error);
-  if (!error) target_ = linked;
-  const bool is_special = !error && !std::filesystem::is_regular_file(target_, error);
-  if (is_special) {
-    file_ = open_for_writing(target_.c_str());
+  const auto status = std::filesystem::status(path, error);
+  if (exists(status) && !is_regular_file(status)) {
+    file_ = open_for_writing(path);
   } else {
     create();
   }
@@ -109,7 +136,7 @@ Replacement::Replacement(const char* path) : target_(path) {
 
 void Replacement::create() {
   std::string name = (target_.parent_path() / ".zelk-XXXXXX").string();
-  const int descriptor = mkstemp(name.data());
+  const int descriptor = mkostemp(name.data(), O_CLOEXEC);
   if (descriptor < 0) return;
   path_ = std::move(name);
   file_.reset(fdopen(descriptor, "w"));
@@ -118,9 +145,12 @@ void Replacement::create() {
     return;
   }
   std::setvbuf(file_.get(), nullptr, _IONBF, 0);
-  struct stat status = {};
-  fchmod(descriptor,
-         stat(target_.c_str(), &status) == 0 ? status.st_mode & 07777 : 0666 & ~creation_mask());
+  struct stat replaced = {};
+  if (stat(target_.c_str(), &replaced) == 0) {
+    take_over(descriptor, replaced);
+  } else {
+    fchmod(descriptor, 0666 & ~creation_mask());
+  }
 }
 
 bool Replacement::take_place() {
@@ -140,8 +170,7 @@ Replacement::~Replacement() {
 std::optional<FileStatus> file_status(const char* path) {
   struct stat status = {};
   if (stat(path, &status) != 0) return std::nullopt;
-  const std::int64_t ticks = status.st_mtim.tv_sec * kNanosecondsPerSecond + status.st_mtim.tv_nsec;
-  return FileStatus{{ticks}, (status.st_mode & S_IWUSR) != 0};
+  return FileStatus{{nanoseconds(status.st_mtim)}, (status.st_mode & S_IWUSR) != 0};
 }
 
 bool is_same_path(const char* a, const char* b) {

@@ -102,6 +102,9 @@ File open_for_reading(const char* path) { return open_file(path, L"rbN"); }
 File open_for_writing(const char* path) { return open_file(path, L"wtN"); }
 
 Replacement::Replacement(const char* path) : target_(system_path(path)) {
+  std::error_code error;
+  const std::filesystem::path linked = std::filesystem::canonical(target_, error);
+  if (!error && std::filesystem::is_symlink(target_, error)) target_ = linked;
   if (is_device(target_)) {
     file_ = open_for_writing(path);
   } else {
@@ -134,13 +137,18 @@ bool Replacement::take_place() {
   const bool is_on_disk = _commit(_fileno(file_.get())) == 0;
   const bool is_closed = std::fclose(file_.release()) == 0;
   if (!is_on_disk || !is_closed) return false;
+  const auto is_there = [this] {
+    return GetFileAttributesW(target_.c_str()) != INVALID_FILE_ATTRIBUTES;
+  };
+  const bool was_there = is_there();
   // The first way keeps what Windows knows about the old file, such as who may use it; it wants one
   // to be there, and a file system that can do it.
   const bool is_in_place = ReplaceFileW(target_.c_str(), path_.c_str(), nullptr,
                                         REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr, nullptr) != 0 ||
                            MoveFileExW(path_.c_str(), target_.c_str(),
                                        MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
-  if (is_in_place) path_.clear();
+  // The first way can fail after it has removed the old file: the new one is all there is then.
+  if (is_in_place || (was_there && !is_there())) path_.clear();
   return is_in_place;
 }
 

@@ -31,22 +31,6 @@ TEST_F(Sharing, OfOneFileUnderAllItsPaths) {
   while (holds-- > 0) OwnDatabase::DestroyDatabase(first, false);
 }
 
-TEST_F(Sharing, EndsWhenTheFileChanges) {
-  const std::string path = folder_.write("a.dbc", kNodes);
-  ZelkDatabase& old = OwnDatabase::open(path);
-  Folder::touch(path, 1);
-  EXPECT_EQ(OwnDatabase::find(path), nullptr);
-  ZelkDatabase& fresh = OwnDatabase::open(path);
-  EXPECT_NE(&fresh, &old);
-  EXPECT_EQ(zelk::database_list().front(), &fresh) << "the newest comes first";
-  EXPECT_EQ(&OwnDatabase::open(path), &fresh);
-  EXPECT_EQ(old.ref_count, 1u);
-  EXPECT_EQ(fresh.ref_count, 2u);
-  OwnDatabase::DestroyDatabase(old, false);
-  OwnDatabase::DestroyDatabase(fresh, false);
-  OwnDatabase::DestroyDatabase(fresh, false);
-}
-
 TEST_F(Sharing, NeverOfNull) {
   ZelkDatabase& first = OwnDatabase::CreateDatabase(nullptr);
   ZelkDatabase& second = OwnDatabase::CreateDatabase(nullptr);

@@ -11,7 +11,6 @@ TEST(DatabaseNames, AreVerified) {
     const char* text;
     bool is_valid;
   } cases[] = {{"_1", true},
-               {"a", true},
                {"_", true},
                {"Az_09", true},
                {"abcdefghijklmnopqrstuvwxyz012345", true},
@@ -20,10 +19,7 @@ TEST(DatabaseNames, AreVerified) {
                {nullptr, false},
                {"1abc", false},
                {"a-b", false},
-               {"-ab", false},
-               {"a ", false},
                {"a\n", false},
-               {"a::b", false},
                {"\xE4", false},
                {"a\xE4", false}};
   for (const auto& c : cases) {
@@ -40,14 +36,10 @@ TEST(DatabaseNames, AreSplitFromObjects) {
   } cases[] = {{"A::B", true, "A", "B"},
                {"a::b::c", true, "a", "b::c"},
                {"::", true, "", ""},
-               {"::b", true, "", "b"},
-               {"a::", true, "a", ""},
                {"a:::b", true, "a", ":b"},
                {"", false, "", nullptr},
-               {"AB", false, "AB", nullptr},
                {":", false, ":", nullptr},
                {"A:B", false, "A:B", nullptr},
-               {"A:", false, "A:", nullptr},
                {":a::b", false, ":a::b", nullptr},
                {"a:b::c", false, "a:b::c", nullptr}};
   for (const auto& c : cases) {

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstdio>
 
 #include "platform/folder.hpp"
@@ -82,20 +81,6 @@ TEST(Files, LongerThan260Characters) {
   // Not every C++ library can remove the tree at once.
   for (relative /= "long.dbc"; !relative.empty(); relative = relative.parent_path()) {
     fs::remove(at_any_length(folder.path() / relative));
-  }
-}
-
-TEST(Files, Status) {
-  const WorkingFolder folder;
-  put_bytes("f.dbc", "x");
-  const FileTime before = file_status("f.dbc")->modified;
-  EXPECT_EQ(file_status("./f.dbc")->modified, before);
-  fs::last_write_time("f.dbc", fs::last_write_time("f.dbc") - std::chrono::seconds(2));
-  EXPECT_NE(file_status("f.dbc")->modified, before);
-  for (const bool may_write : {false, true}) {
-    const auto option = may_write ? fs::perm_options::add : fs::perm_options::remove;
-    fs::permissions("f.dbc", fs::perms::owner_write, option);
-    EXPECT_EQ(file_status("f.dbc")->owner_may_write, may_write);
   }
 }
 

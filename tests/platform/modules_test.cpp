@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "platform/folder.hpp"
-#include "platform/module_entry.hpp"
 #include "platform/platform.hpp"
 #include "zelk/errors.h"
 #include "zelk/library.h"
@@ -62,43 +61,6 @@ TEST(Modules, AreUnloaded) {
     function<decltype(zelk_note)>(library, "zelk_note")(26, 1, "X");
     EXPECT_STRNE(text(), "");
   }
-}
-
-TEST(Modules, OwnFileNameIsCut) {
-  char whole[1000];
-  own_file_name(whole, sizeof whole);
-  const fs::path path = whole;
-  EXPECT_EQ(path.stem(), "zelk_tests");
-  EXPECT_TRUE(fs::exists(path)) << path;
-  const std::string name = whole;
-  for (const std::uint32_t size_bytes : {0, 1, 2, 5}) {
-    char buffer[] = "########";
-    own_file_name(buffer, size_bytes);
-    if (size_bytes != 0) {
-      EXPECT_EQ(std::string(buffer), name.substr(0, size_bytes - 1));
-    }
-    EXPECT_EQ(std::string(buffer + size_bytes), std::string(8 - size_bytes, '#')) << size_bytes;
-  }
-}
-
-TEST(ModuleEntry, CountsProcesses) {
-  const ModuleEntry before = module_entry();
-  module_entry() = {};
-  int first = 0, second = 0;
-  const struct {
-    void* attached;  // null: detach
-    void* module;
-    std::uint32_t count;
-  } steps[] = {
-      {&first, &first, 1},   {&second, &first, 2},  {nullptr, &first, 1},
-      {nullptr, nullptr, 0}, {&second, &second, 1},
-  };
-  for (const auto& step : steps) {
-    step.attached ? attach(step.attached) : detach();
-    EXPECT_EQ(module_entry().module, step.module);
-    EXPECT_EQ(module_entry().attach_count, step.count);
-  }
-  module_entry() = before;
 }
 
 }  // namespace

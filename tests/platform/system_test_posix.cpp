@@ -39,7 +39,11 @@ TEST(FilesOfPosix, TimeInNanoseconds) {
   put_bytes("f.dbc", "x");
   const timespec times[] = {{0, 0}, {1'000'000'000, 123'456'789}};
   ASSERT_EQ(utimensat(AT_FDCWD, "f.dbc", times, 0), 0);
-  EXPECT_EQ(file_status("f.dbc")->modified.ticks, 1'000'000'000'123'456'789);
+  const FileTime time = file_status("f.dbc")->modified;
+  EXPECT_EQ(time.ticks, 1'000'000'000'123'456'789);
+  const timespec beyond_64_bits[] = {{0, 0}, {10'000'000'000, 0}};
+  ASSERT_EQ(utimensat(AT_FDCWD, "f.dbc", beyond_64_bits, 0), 0);
+  EXPECT_NE(file_status("f.dbc")->modified, time);
 }
 
 TEST(CodePageOfPosix, NoLeadBytes) {

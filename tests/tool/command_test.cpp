@@ -78,6 +78,36 @@ TEST(Tool, ExitCodes) {
   }
 }
 
+TEST(Tool, RewriteLosesNothing) {
+  using std::filesystem::perms;
+  const std::string unit(32, 'u');
+  write_file("good.dbc", kSmall);
+  write_file("cut.dbc", "BS_:\nBU_:\nBO_ 1 M: 8 Ostrel__XXX\n SG_ S : 0|8@1+ (1,0) [0|0] \"" +
+                            unit + "x\" Ostrel__XXX\n");
+  const std::filesystem::path fixed = write_file("fixed.dbc", one_message(1, {"Old : 0|8@1+"}));
+  std::filesystem::permissions(fixed, perms::owner_write | perms::group_write | perms::others_write,
+                               std::filesystem::perm_options::remove);
+  const struct {
+    const char* arguments;
+    int exit_code;
+    std::string told;  // on either stream
+  } cases[] = {
+      {"rewrite cut.dbc refused.dbc", 1, "refused.dbc: not written: names or units were cut"},
+      {"check refused.dbc", 1, "not found"},
+      {"rewrite --allow-cut cut.dbc out.dbc", 0, "cut.dbc: warning: names or units are longer"},
+      {"show out.dbc S", 0, "unit \"" + unit + "\""},
+      {"rewrite good.dbc fixed.dbc", 1, "fixed.dbc: the file is read-only\n"},
+      {"show fixed.dbc Old", 0, "Signal Old"},
+  };
+  for (const auto& c : cases) {
+    const ToolRun run = run_tool(c.arguments);
+    EXPECT_EQ(run.exit_code, c.exit_code) << c.arguments;
+    EXPECT_TRUE(contains(run.out + run.err, c.told.c_str())) << c.arguments << "\n"
+                                                             << run.out << run.err;
+  }
+  std::filesystem::permissions(fixed, perms::owner_write, std::filesystem::perm_options::add);
+}
+
 TEST(Tool, OutputThatCannotBeWritten) {
   write_file("good.dbc", kSmall);
   for (const char* command : {"check good.dbc", "show good.dbc", "--help"}) {

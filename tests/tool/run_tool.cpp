@@ -19,9 +19,10 @@ std::filesystem::path test_folder() {
 
 }  // namespace
 
-void write_file(const std::string& name, const std::string& content) {
+std::filesystem::path write_file(const std::string& name, const std::string& content) {
   const std::filesystem::path path = test_folder() / std::u8string(name.begin(), name.end());
   std::ofstream(path, std::ios::binary) << content;
+  return path;
 }
 
 ToolRun run_tool(const std::string& arguments, Output output) {

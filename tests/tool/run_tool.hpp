@@ -25,8 +25,9 @@ struct ToolRun {
 /// test. A file that `write_file` made is named as it was there.
 ToolRun run_tool(const std::string& arguments, Output output = Output::kFile);
 
-/// Writes `content` to the file `name`, which is in UTF-8, in the running test's folder.
-void write_file(const std::string& name, const std::string& content);
+/// Writes `content` to the file `name`, which is in UTF-8, in the running test's folder; returns
+/// where that is.
+std::filesystem::path write_file(const std::string& name, const std::string& content);
 
 /// Runs the program in `folder` with standard error led into `err.txt` there, and standard output
 /// into `out.txt` if into a file; returns the exit code, as in `ToolRun`. Each system has its own.
