@@ -4,11 +4,21 @@
 #ifndef ZELK_DATABASE_HPP
 #define ZELK_DATABASE_HPP
 
+#include <memory>
+
 #include "zelk/types.hpp"
+
+// Windows' own header makes this name a macro. Hosts that call the system's function use the name
+// that the macro stands for.
+#ifdef GetMessage
+#undef GetMessage
+#endif
 
 namespace zelk {
 class DatabaseCopier;
-}
+class DatabaseIndex;
+struct DatabaseLookup;
+}  // namespace zelk
 
 /// The definitions of the four attributes that carry names longer than the text format takes.
 class ZELK_API ZelkPredefinedAttributes {
@@ -108,6 +118,9 @@ class ZELK_API ZelkDatabase {
   // Lookups: first match in list order, names byte by byte as in query.h; null when there is none
   // or the name is null. The records are the database's.
   //
+  // Who gets a record or the database itself this way can change it: from then on, and for good,
+  // managers look its objects up by walks over the lists and no more by an index.
+  //
   // Creation: a record with the values of model.h, linked in front of the record at position
   // `index` (0: the first), behind the last one when there are fewer. Null when the heap is
   // exhausted.
@@ -157,12 +170,22 @@ class ZELK_API ZelkDatabase {
   /// @param flags  `ZELK_J1939_PGN_IDS`, `ZELK_J1939_FRAME_FORMAT`; without either the first counts
   /// when `HasJ1939GroupNumbers`, else the second
   msgblk* GetJ1939Message(unsigned long id, unsigned long flags) const;
+  /// `flags` with what the database decides when they say nothing.
+  static std::uint32_t J1939Flags(std::uint32_t flags, bool has_group_numbers);
   /// Whether the database says that its messages' identifiers are J1939 group numbers: the network
   /// attribute "J1939PGN", or else "IsNMEA", has a value or a default above 0.
   bool HasJ1939GroupNumbers() const;
 
   /// The largest `id` of an environment variable; 0 when there is none.
   unsigned long GetMaxEnvvarHandle() const;
+
+  /// For the construction of an iterator over a kind of objects: the first one for null, else the
+  /// next one. `T` is one of the database's record types, or it with const; `rxblk` and `catlink`
+  /// are the links of the view filter, `attr` the network's own attribute values.
+  template <typename T>
+  T* Walk(T* object) {
+    return object ? object->next : ListOf(static_cast<const T*>(nullptr));
+  }
 
   // --- Texts and settings ---
 
@@ -188,6 +211,7 @@ class ZELK_API ZelkDatabase {
  protected:
   friend class ZelkManager;
   friend class zelk::DatabaseCopier;
+  friend struct zelk::DatabaseLookup;
 
   /// An empty database without a path.
   ZelkDatabase();
@@ -223,10 +247,32 @@ class ZELK_API ZelkDatabase {
   static ZelkDatabase* ListFindDb(const char* path);
 
  private:
+  symblk* ListOf(const symblk*) const { return nodes; }
+  msgblk* ListOf(const msgblk*) const { return messages; }
+  env_var_blk* ListOf(const env_var_blk*) const { return env_vars; }
+  btlblk* ListOf(const btlblk*) const { return bit_timings; }
+  attr_def* ListOf(const attr_def*) const { return attr_defs; }
+  attr* ListOf(const attr*) const { return attr_values; }
+  cat* ListOf(const cat*) const { return categories; }
+  sigtype* ListOf(const sigtype*) const { return signal_types; }
+  valtable* ListOf(const valtable*) const { return value_tables; }
+  catlink* ListOf(const catlink*) const { return filter.categories; }
+  rxblk* ListOf(const rxblk*) const { return filter.nodes; }
+
+  /// Null when the lists are to be walked.
+  const zelk::DatabaseIndex* Index() const;
+  /// The lists have changed.
+  void DropIndex() const;
+  /// The lists can change without being told.
+  void ForbidIndex() const;
+
   void ReadFile();
   ZelkError WriteOwn(const char* target);
   ZelkDatabase* FindListed() const;
   static void Destroy(ZelkDatabase& database);
+
+  mutable std::unique_ptr<const zelk::DatabaseIndex> index_;  ///< made when it is first wanted
+  mutable bool is_index_forbidden_ = false;
 };
 
 #endif

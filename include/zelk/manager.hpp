@@ -7,7 +7,17 @@
 #include "zelk/database.hpp"
 #include "zelk/types.hpp"
 
+namespace zelk {
+struct ManagerLookups;
+struct ManagerAttributes;
+}  // namespace zelk
+
 class ZelkManager;
+class MultiplexedBySignalPredicate;
+class ValidMultiplexorPredicate;
+class ValidSignalPredicate;
+template <typename T>
+class ZelkIterator;
 
 /// Entry of the process-wide list of managers.
 struct ZelkManagerNode {
@@ -345,8 +355,235 @@ class ZELK_API ZelkManager {
   ZelkSigvalueResult SetSignalPhysicalValue(unsigned char& frame, const sigblk& signal,
                                             const msgblk& message, const double& physical) const;
 
+  // --- Lookups across databases ---
+  //
+  // Databases are visited in the order of the list; the first that has the object answers, and a
+  // database answers with the first object of its list. Names are compared byte by byte, those that
+  // records hold inline on 32 characters; a null name is not found. Records are borrowed and valid
+  // while their database is open and unchanged; null when there is none. Each lookup has these
+  // forms:
+  //
+  // - `db`: only that database; null: all.
+  // - `db_name`: all databases; receives the name of the one that answered, when one did. Not null.
+  // - `selection`: first the databases whose pattern is exactly the selection, then those with its
+  //   key and any sub key, then those that answer to everything. The status is 0 for an answer in
+  //   the first pass, else 2.
+  // - `selection` and `db_name`: both.
+  //
+  // With a literal null pointer say which form is meant.
+  //
+  // While nobody can change a database (it was not handed out by `GetDatabase`) lookups by name, by
+  // identifier and for J1939 frames take the same time whatever its size.
+
+  const symblk* GetNode(const char* name, const char* db);
+  const symblk* GetNode(const char* name, const char** db_name);
+  const symblk* GetNode(const char* name, const ZelkSelection& selection);
+  const symblk* GetNode(const char* name, const ZelkSelection& selection, const char** db_name);
+  const msgblk* GetMessage(const char* name, const char* db);
+  const msgblk* GetMessage(const char* name, const char** db_name);
+  const msgblk* GetMessage(const char* name, const ZelkSelection& selection);
+  const msgblk* GetMessage(const char* name, const ZelkSelection& selection, const char** db_name);
+  /// All 32 bits count; bit 31: an extended identifier.
+  const msgblk* GetMessage(unsigned long id, const char* db);
+  const msgblk* GetMessage(unsigned long id, const char** db_name);
+  const msgblk* GetMessage(unsigned long id, const ZelkSelection& selection);
+  const msgblk* GetMessage(unsigned long id, const ZelkSelection& selection, const char** db_name);
+  /// As `ZelkDatabase::GetJ1939Message`, in each database.
+  const msgblk* GetJ1939Message(unsigned long id, unsigned long flags, const char* db);
+  const msgblk* GetJ1939Message(unsigned long id, unsigned long flags, const char** db_name);
+  const msgblk* GetJ1939Message(unsigned long id, unsigned long flags,
+                                const ZelkSelection& selection);
+  const msgblk* GetJ1939Message(unsigned long id, unsigned long flags,
+                                const ZelkSelection& selection, const char** db_name);
+  const env_var_blk* GetEnvvar(const char* name, const char* db);
+  const env_var_blk* GetEnvvar(const char* name, const char** db_name);
+  const env_var_blk* GetEnvvar(const char* name, const ZelkSelection& selection);
+  const env_var_blk* GetEnvvar(const char* name, const ZelkSelection& selection,
+                               const char** db_name);
+  const btlblk* GetBitTiming(unsigned short baudrate, const char* db);
+  const btlblk* GetBitTiming(unsigned short baudrate, const char** db_name);
+  const btlblk* GetBitTiming(unsigned short baudrate, const ZelkSelection& selection);
+  const btlblk* GetBitTiming(unsigned short baudrate, const ZelkSelection& selection,
+                             const char** db_name);
+  const cat* GetCategory(const char* name, const char* db);
+  const cat* GetCategory(const char* name, const char** db_name);
+  const sigtype* GetSignalType(const char* name, const char* db);
+  const sigtype* GetSignalType(const char* name, const char** db_name);
+  const sigtype* GetSignalType(const char* name, const ZelkSelection& selection);
+  const sigtype* GetSignalType(const char* name, const ZelkSelection& selection,
+                               const char** db_name);
+  const valtable* GetValueTable(const char* name, const char* db);
+  const valtable* GetValueTable(const char* name, const char** db_name);
+  const valtable* GetValueTable(const char* name, const ZelkSelection& selection);
+  const valtable* GetValueTable(const char* name, const ZelkSelection& selection,
+                                const char** db_name);
+  const attr_def* GetAttrDefinition(const char* name, const char* db);
+  const attr_def* GetAttrDefinition(const char* name, const char** db_name);
+
+  // In one object, first match; null when there is none.
+
+  const sigblk* GetSignal(const msgblk& message, const char* name) const;
+  const siggroupblk* GetSignalGroup(const msgblk& message, const char* name) const;
+  const sigblk* GetSignal(const siggroupblk& group, const char* name) const;
+
+  // --- Iterators (iterator.hpp) ---
+  //
+  // Over the objects of one database, or of all for null; none for an unknown name. They are valid
+  // while the databases are neither closed nor changed, and go on with a record's `next`.
+
+  ZelkIterator<const DbListNode> GetDatabaseNameIterator() const;
+  ZelkIterator<const symblk> GetNodeIterator(const char* db) const;
+  ZelkIterator<const msgblk> GetMessageIterator(const char* db) const;
+  ZelkIterator<const env_var_blk> GetEnvvarIterator(const char* db) const;
+  ZelkIterator<const btlblk> GetBitTimingIterator(const char* db) const;
+  ZelkIterator<const attr_def> GetAttrDefinitionIterator(const char* db) const;
+  ZelkIterator<const cat> GetCategoryIterator(const char* db) const;
+  ZelkIterator<const sigtype> GetSignalTypeIterator(const char* db) const;
+  ZelkIterator<const valtable> GetValueTableIterator(const char* db) const;
+  /// Of the network itself.
+  ZelkIterator<const attr> GetAttributeIterator(const char* db) const;
+  /// The view filter's links; a null link stands for `ZelkNoneFilterCategory`,
+  /// `ZelkNoneFilterNode`.
+  ZelkIterator<const catlink> GetFilterCategoryIterator(const char* db) const;
+  ZelkIterator<const rxblk> GetFilterNodeIterator(const char* db) const;
+
+  // Over what one object owns; their database name is null.
+
+  ZelkIterator<const sigblk> GetSignalIterator(const msgblk& message) const;
+  ZelkIterator<const sigblk> GetValidSignalIterator(const msgblk& message,
+                                                    ValidSignalPredicate& predicate) const;
+  ZelkIterator<const sigblk> GetValidMultiplexorSignalIterator(
+      const msgblk& message, ValidMultiplexorPredicate& predicate) const;
+  ZelkIterator<const sigblk> GetMultiplexedSignalIterator(
+      const msgblk& message, MultiplexedBySignalPredicate& predicate) const;
+  ZelkIterator<const sigblk> GetMultiplexorSignalIterator(const msgblk& message) const;
+  ZelkIterator<const siggroupblk> GetSignalGroupIterator(const msgblk& message) const;
+  ZelkIterator<const siglistblk> GetSubsignalIterator(const siggroupblk& group) const;
+  ZelkIterator<const rxblk> GetReceiverIterator(const sigblk& signal) const;
+  ZelkIterator<const rxblk> GetTransmitterIterator(const msgblk& message) const;
+  ZelkIterator<const rxblk> GetAccessNodeIterator(const env_var_blk& variable) const;
+  ZelkIterator<const val> GetValueDescriptionIterator(const sigblk& signal) const;
+  ZelkIterator<const val> GetValueDescriptionIterator(const env_var_blk& variable) const;
+  ZelkIterator<const val> GetValueDescriptionIterator(const valtable& table) const;
+  ZelkIterator<const attr> GetAttributeIterator(const symblk& node) const;
+  ZelkIterator<const attr> GetAttributeIterator(const msgblk& message) const;
+  ZelkIterator<const attr> GetAttributeIterator(const sigblk& signal) const;
+  ZelkIterator<const attr> GetAttributeIterator(const env_var_blk& variable) const;
+  ZelkIterator<const attr> GetAttributeIterator(const sigtype& type) const;
+  ZelkIterator<const attr> GetAttributeIterator(const rxblk& link) const;
+
+  // --- Counts ---
+  //
+  // Each steps an iterator to its end; `db` null: all databases.
+
+  unsigned NodeCount(const char* db) const;
+  unsigned MessageCount(const char* db) const;
+  unsigned EnvvarCount(const char* db) const;
+  unsigned BitTimingCount(const char* db) const;
+  unsigned AttrDefinitionCount(const char* db) const;
+  unsigned CategoryCount(const char* db) const;
+  unsigned SignalTypeCount(const char* db) const;
+  unsigned ValueTableCount(const char* db) const;
+  unsigned AttributeCount(const char* db) const;  ///< values of the network itself
+  unsigned AttributeCount(const symblk& node) const;
+  unsigned AttributeCount(const msgblk& message) const;
+  unsigned AttributeCount(const env_var_blk& variable) const;
+  unsigned AttributeCount(const sigblk& signal) const;
+  unsigned SignalCount(const msgblk& message) const;
+  unsigned SignalCount(const siggroupblk& group) const;
+  unsigned SignalGroupCount(const msgblk& message) const;
+
+  // --- Attributes ---
+  //
+  // The effective value is the object's own, else the default of the definition. Names are compared
+  // on 32 characters. Values are the records' own: texts are borrowed. An ENUM's own value is the
+  // index of its item, as a number; its default is a text, but for `GetAttrDefaultEx`, which gives
+  // the index. Link means a receiver of a signal.
+
+  /// Effective value; zeroed when there is none. The default is taken from the database that holds
+  /// the object, and from all databases, in list order, when none does.
+  zelk_attr_value_t GetAttrValue(const char* name, const char* db);
+  zelk_attr_value_t GetAttrValue(const symblk& node, const char* name);
+  zelk_attr_value_t GetAttrValue(const msgblk& message, const char* name);
+  zelk_attr_value_t GetAttrValue(const env_var_blk& variable, const char* name);
+  zelk_attr_value_t GetAttrValue(const sigtype& type, const char* name);
+  zelk_attr_value_t GetAttrValue(const sigblk& signal, const char* name);
+  zelk_attr_value_t GetAttrValue(const rxblk& link, const char* name);
+
+  /// Effective value with a status, which becomes the manager's too. `value` is written on 0 only.
+  ///
+  /// @param db  database whose definitions count; null: the one that holds the object
+  /// @return 0; 2 when there is no such database; 5 when nothing of that name is defined for this
+  /// kind of object
+  ZelkStatus GetAttrValueEx(const char* name, zelk_attr_value_t& value, const char* db);
+  ZelkStatus GetAttrValueEx(const symblk& node, const char* name, zelk_attr_value_t& value,
+                            const char* db);
+  ZelkStatus GetAttrValueEx(const msgblk& message, const char* name, zelk_attr_value_t& value,
+                            const char* db);
+  ZelkStatus GetAttrValueEx(const env_var_blk& variable, const char* name, zelk_attr_value_t& value,
+                            const char* db);
+  /// A signal type that no database holds counts for all of them.
+  ZelkStatus GetAttrValueEx(const sigtype& type, const char* name, zelk_attr_value_t& value,
+                            const char* db);
+  ZelkStatus GetAttrValueEx(const sigblk& signal, const char* name, zelk_attr_value_t& value,
+                            const char* db);
+  ZelkStatus GetAttrValueEx(const rxblk& link, const char* name, zelk_attr_value_t& value,
+                            const char* db);
+
+  /// Default of the first definition of that name; zeroed when there is none.
+  ///
+  /// @param db  null: all databases
+  zelk_attr_value_t GetAttrDefault(const char* name, const char* db) const;
+  /// The same, an ENUM's as the index of its item (`GetAttrValueIndex`).
+  ///
+  /// @return 0; 5 when there is no such definition
+  ZelkStatus GetAttrDefaultEx(const char* name, zelk_attr_value_t& value, const char* db);
+
+  /// Whether there is a definition of that name for that kind of object; `db` null: in any
+  /// database.
+  bool IsAttributeDefined(const char* name, zelk_obj_t type, const char* db) const;
+  /// Whether the network, or the object, has a value of its own; `db` null: in any database.
+  bool IsAttrValueDefined(const char* name, const char* db) const;
+  bool IsAttrValueDefined(const symblk& node, const char* name) const;
+  bool IsAttrValueDefined(const msgblk& message, const char* name) const;
+  bool IsAttrValueDefined(const env_var_blk& variable, const char* name) const;
+  bool IsAttrValueDefined(const sigtype& type, const char* name) const;
+  bool IsAttrValueDefined(const sigblk& signal, const char* name) const;
+  bool IsAttrValueDefined(const rxblk& link, const char* name) const;
+
+  /// Item of an ENUM. Empty items count; below 0 is the first.
+  ///
+  /// @return a new text, released by the caller with `zelk_mfree`; null past the end, for a
+  /// definition without items, and when the heap is exhausted
+  const char* GetAttrValueString(const char* name, long index, const char* db) const;
+  const char* GetAttrValueString(const attr_def& definition, long index) const;
+  /// Position of an item of an ENUM. Empty items do not count, other than above.
+  ///
+  /// @return -1 when there is none
+  long GetAttrValueIndex(const char* name, const char* text, const char* db) const;
+  long GetAttrValueIndex(const attr_def& definition, const char* text) const;
+
+  /// Text of the first value description with this number (32 bits); null, with status 4, when
+  /// there is none.
+  const char* GetValueDescription(const sigblk& signal, long value);
+  const char* GetValueDescription(const env_var_blk& variable, long value);
+  /// Number of the first value description with this text; 0x7FFFFFFF, with status 3, when there is
+  /// none.
+  long GetDescriptionValue(const sigblk& signal, const char* text);
+  long GetDescriptionValue(const env_var_blk& variable, const char* text);
+
+  /// Whether the view filter of a database (null: of any) links to this very record; the
+  /// placeholder stands for a null link.
+  bool IsCategoryInFilter(const cat& category, const char* db) const;
+  bool IsNodeInFilter(const symblk& node, const char* db) const;
+
  private:
   friend class ZelkDatabase;
+  friend class ZelkLock;
+  friend struct zelk::ManagerLookups;
+  friend struct zelk::ManagerAttributes;
+  template <typename T>
+  friend class ZelkIterator;
 
   struct CacheNode {
     ZelkDatabase& database;
@@ -364,11 +601,22 @@ class ZELK_API ZelkManager {
   ZelkError Reopen(ZelkDatabase& database) const;
   void RemoveFromCache(const ZelkDatabase& database);
 
+  const attr_def* FindDefinition(const char* name, const char* db) const;
+  ZelkStatus DefaultFor(zelk_obj_t type, const char* name, zelk_attr_value_t& value,
+                        const char* db);
+  ZelkStatus Answer(ZelkStatus status);
+  const char* DescriptionOf(const val* descriptions, long value);
+  long NumberOf(const val* descriptions, const char* text);
+
   /// @return the stored name
   /// @throws ZelkException, std::bad_alloc
   const char* ListInsertDatabase(ZelkDatabase& database, const char* name, std::uint32_t priority);
   /// By handle; sets the status.
   DbListNode* ListFindDatabase(const char* db);
+  /// By handle, without the status.
+  DbListNode* ListFindNode(const char* db) const;
+  /// `GetDatabase` for who does not hand it out.
+  ZelkDatabase* FindDatabase(const char* db);
   /// By characters.
   DbListNode* ListFindName(const char* text) const;
   DbListNode* ListFindPath(const char* path) const;
@@ -400,5 +648,13 @@ ZELK_API bool ZelkVerifyDatabaseName(const char* text);
 /// or there is none
 /// @return whether the text was split
 ZELK_API bool ZelkSplitQualifiedName(char* text, const char** db, const char** object);
+
+/// Stand for a null link of a view filter: what it says of objects without a category (category 0),
+/// or without a node ("Ostrel__XXX"). Records of the library, in no list, and never to be changed.
+ZELK_API cat& ZelkNoneFilterCategory();
+ZELK_API symblk& ZelkNoneFilterNode();
+
+// The iterators' members need the manager, and its members return them.
+#include "zelk/iterator.hpp"
 
 #endif

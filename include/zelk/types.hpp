@@ -26,6 +26,15 @@ enum ZelkError : int {
   ZelkErrorLocked = 11        ///< another manager holds a lock
 };
 
+/// What became of a query; also the manager's status word.
+enum ZelkStatus : int {
+  ZelkStatusOk = 0,
+  ZelkStatusNotFound = 2,       ///< no such database or object
+  ZelkStatusNoNumber = 3,       ///< no value description with that text
+  ZelkStatusNoDescription = 4,  ///< no value description with that number
+  ZelkStatusNotDefined = 5      ///< no such attribute for this kind of object
+};
+
 /// Results of the operations on signal values.
 enum ZelkSigvalueResult : int {
   ZelkSigvalueOk = 0,

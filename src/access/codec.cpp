@@ -22,6 +22,14 @@ std::uint32_t carry(std::uint8_t top_byte, std::uint32_t bit_offset) {
 
 // --- Reading bits ---
 
+std::uint64_t low_word_at_wrap(const unsigned char* frame, const Position& at) {
+  std::uint64_t word = 0;
+  for (std::uint32_t i = 0; i < at.byte_count && i < 8; ++i) {
+    word |= std::uint64_t{touched_byte(frame, at, i)} << (8 * i);
+  }
+  return word;
+}
+
 bool extract_string(const unsigned char* frame, const Position& at, unsigned length_bits,
                     Words& words) {
   constexpr std::uint32_t kTouchedMax = 12;
@@ -127,10 +135,21 @@ ZelkSigvalueResult read(const unsigned char* frame, const sigblk& signal, std::u
   return presence(frame, signal);
 }
 
-ZelkSigvalueResult read(const unsigned char* frame, const sigblk& signal, std::int64_t& raw) {
+namespace {
+
+/// Inlined into the most frequent call of all, that for a physical value.
+[[gnu::always_inline]] inline ZelkSigvalueResult read_int64(const unsigned char* frame,
+                                                            const sigblk& signal,
+                                                            std::int64_t& raw) {
   if (signal.length > kInt64Max) return ZelkSigvalueTooLong;
   raw = sign_handled64(extract_int64(frame, locate(signal), signal.length), signal);
   return presence(frame, signal);
+}
+
+}  // namespace
+
+ZelkSigvalueResult read(const unsigned char* frame, const sigblk& signal, std::int64_t& raw) {
+  return read_int64(frame, signal, raw);
 }
 
 ZelkSigvalueResult read(const unsigned char* frame, const sigblk& signal, double& raw) {
@@ -228,7 +247,7 @@ ZelkSigvalueResult read_physical(const unsigned char* frame, const sigblk& signa
     return read_both(read(frame, signal, raw), signal, raw, physical);
   }
   std::int64_t raw = 0;
-  return read_both(read(frame, signal, raw), signal, raw, physical);
+  return read_both(read_int64(frame, signal, raw), signal, raw, physical);
 }
 
 // --- Writing ---
@@ -257,8 +276,8 @@ Words shifted_value(const std::array<std::uint8_t, 12>& value, const Position& a
 
 void insert(const void* value, std::size_t size_bytes, std::uint16_t start_bit,
             std::uint16_t length_bits, bool motorola, unsigned char* frame) {
+  if (length_bits == 0 || length_bits > kStringMax) return;
   const Position at = locate(start_bit, length_bits, motorola);
-  if (length_bits > kStringMax || at.byte_count == 0) return;
   std::array<std::uint8_t, 12> own = {};
   std::memcpy(own.data(), value, std::min(size_bytes, own.size()));
   const Words words = shifted_value(own, at, length_bits);

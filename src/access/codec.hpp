@@ -107,6 +107,9 @@ inline std::uint8_t touched_byte(const unsigned char* frame, const Position& at,
   return index <= at.lsb_byte ? frame[at.lsb_byte - index] : std::uint8_t{0};
 }
 
+/// `low_word` of a signal that reaches below the first byte.
+std::uint64_t low_word_at_wrap(const unsigned char* frame, const Position& at);
+
 /// The lowest touched bytes, eight at most, as a number.
 inline std::uint64_t low_word(const unsigned char* frame, const Position& at) {
   const std::uint32_t count = at.byte_count < 8 ? at.byte_count : 8;
@@ -116,11 +119,7 @@ inline std::uint64_t low_word(const unsigned char* frame, const Position& at) {
     const std::uint64_t reversed = load_bytes(frame + at.lsb_byte + 1 - count, count);
     return __builtin_bswap64(reversed) >> (64 - 8 * count);
   }
-  std::uint64_t word = 0;
-  for (std::uint32_t i = 0; i < count; ++i) {
-    word |= std::uint64_t{touched_byte(frame, at, i)} << (8 * i);
-  }
-  return word;
+  return low_word_at_wrap(frame, at);
 }
 
 /// Up to 64 bits; those in a ninth byte are left out.
@@ -133,7 +132,7 @@ inline std::uint64_t extract_int64(const unsigned char* frame, const Position& a
 inline std::uint64_t extract_whole(const unsigned char* frame, const Position& at,
                                    unsigned length_bits) {
   std::uint64_t bits = low_word(frame, at) >> at.bit_offset;
-  if (at.byte_count > 8) {
+  if (at.byte_count > 8 && at.bit_offset > 0) {
     bits |= std::uint64_t{touched_byte(frame, at, 8)} << (64 - at.bit_offset);
   }
   return bits & low_bits(length_bits);

@@ -69,7 +69,9 @@ double physical_value(const FramePlan& plan, const SlowSignal& slow, const unsig
 /// Whether the multiplexor's value, read as `ZelkManager::CheckSignalModeValue` reads it, is one of
 /// those that select the signal.
 bool is_selected(const FramePlan& plan, const zelk::DependentSignal& signal,
-                 const unsigned char* data) {
+                 const unsigned char* data, std::size_t length) {
+  // As a multiplexor an IEEE signal has its own length, which may reach further.
+  if (plan.masks[signal.multiplexor].min_data_length > length) return false;
   std::uint32_t value = 0;
   if (codec::read_masked(data, plan.masks[signal.multiplexor], plan.signals[signal.multiplexor],
                          value) != ZelkSigvalueOk) {
@@ -83,16 +85,22 @@ bool is_selected(const FramePlan& plan, const zelk::DependentSignal& signal,
 
 void find_present(const FramePlan& plan, const unsigned char* data, std::size_t length,
                   std::uint64_t* present) {
-  std::fill_n(present, plan.all_present.size(), 0);
+  std::fill_n(present, plan.presence_words, 0);
   for (const std::uint32_t index : plan.unconditional) {
     if (plan.bytes_needed[index] <= length) set(present, index);
   }
   for (const zelk::DependentSignal& signal : plan.dependent) {
     if (plan.bytes_needed[signal.index] <= length && is_set(present, signal.multiplexor) &&
-        is_selected(plan, signal, data)) {
+        is_selected(plan, signal, data, length)) {
       set(present, signal.index);
     }
   }
+}
+
+void set_all(const FramePlan& plan, std::uint64_t* present) {
+  if (plan.presence_words == 0) return;
+  for (std::size_t i = 1; i < plan.presence_words; ++i) *present++ = ~std::uint64_t{0};
+  *present = plan.last_word;
 }
 
 /// Calls `decode_quick` and `decode_slow` for the signals that the frame holds.
@@ -101,7 +109,7 @@ void decode(const FramePlan& plan, const unsigned char* data, std::size_t length
             std::uint64_t* present, DecodeQuick decode_quick, DecodeSlow decode_slow) {
   const FrameWords frame(data, length);
   if (length >= plan.bytes_for_all) {
-    std::copy(plan.all_present.begin(), plan.all_present.end(), present);
+    set_all(plan, present);
     for (const QuickSignal& signal : plan.quick) values[signal.index] = decode_quick(signal, frame);
     for (const SlowSignal& signal : plan.slow) values[signal.index] = decode_slow(signal);
     return;
@@ -247,16 +255,27 @@ bool ZelkFrameEncoder::Encode(const double* values, const std::uint64_t* present
     return plan.bytes_needed[index] <= length;
   };
   std::uint64_t word = FrameWords(data, length).words[0];
+  const auto store = [&] {
+    if (length > 0) std::memcpy(data, &word, std::min(length, kWordBytes));
+  };
+  auto slow = plan.slow.begin();
+  const auto write_slow_before = [&](std::uint32_t index) {
+    if (slow == plan.slow.end() || slow->index >= index) return;
+    store();
+    for (; slow != plan.slow.end() && slow->index < index; ++slow) {
+      if (is_written(slow->index)) holds &= encode_slow(plan, *slow, values[slow->index], data);
+    }
+    word = FrameWords(data, length).words[0];
+  };
   for (const QuickSignal& signal : plan.quick) {
+    write_slow_before(signal.index);
     if (!is_written(signal.index)) continue;
     holds &= signal.mask <= kExactMask
                  ? encode_quick(signal, plan.signals[signal.index], values[signal.index], word)
                  : encode_wide(signal, plan.signals[signal.index], values[signal.index], word);
   }
-  if (length > 0) std::memcpy(data, &word, std::min(length, kWordBytes));
-  for (const SlowSignal& signal : plan.slow) {
-    if (is_written(signal.index)) holds &= encode_slow(plan, signal, values[signal.index], data);
-  }
+  store();
+  write_slow_before(UINT32_MAX);
   for (const std::uint32_t index : plan.never_fitting) holds &= present && !is_set(present, index);
   return holds;
 }

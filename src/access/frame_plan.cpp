@@ -35,7 +35,6 @@ std::size_t bytes_needed_by(const sigblk& signal) {
   const std::uint16_t length = length_in_frame(signal);
   const codec::Position at = codec::locate(signal.start_bit, length, codec::is_motorola(signal));
   if (length > codec::kInt64Max) return FramePlan::kNeverFits;
-  if (length == 0) return 0;
   if (!at.motorola) return std::size_t{at.lsb_byte} + at.byte_count;
   return at.byte_count > at.lsb_byte + 1 ? FramePlan::kNeverFits : std::size_t{at.lsb_byte} + 1;
 }
@@ -43,10 +42,9 @@ std::size_t bytes_needed_by(const sigblk& signal) {
 FramePlan::FramePlan(const msgblk& of) : message(of) {
   for (const sigblk* signal = of.signals; signal; signal = signal->next) add(*signal);
   add_dependents();
-  all_present.assign((records.size() + kWordBits - 1) / kWordBits, 0);
-  for (std::size_t i = 0; i < records.size(); ++i) {
-    all_present[i / kWordBits] |= std::uint64_t{1} << (i % kWordBits);
-  }
+  presence_words = static_cast<std::uint32_t>((records.size() + kWordBits - 1) / kWordBits);
+  last_word =
+      codec::low_bits(static_cast<unsigned>((records.size() + kWordBits - 1) % kWordBits) + 1);
 }
 
 void FramePlan::add(const sigblk& signal) {

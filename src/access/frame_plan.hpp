@@ -44,11 +44,20 @@ struct ValueRange {
 };
 
 /// Everything is told by the index of a signal in the message's list.
-struct FramePlan {
+struct alignas(64) FramePlan {
   explicit FramePlan(const msgblk& message);
 
   /// Never fits: 65 bits and more, or positions that wrap.
   static constexpr std::size_t kNeverFits = SIZE_MAX;
+
+  // What most frames need, and no more, stands first: one line of the cache.
+
+  /// Bytes by which a frame holds all signals; `kNeverFits` when some signal is not always present.
+  std::size_t bytes_for_all = 0;
+  std::vector<QuickSignal> quick;
+  std::vector<SlowSignal> slow;
+  std::uint32_t presence_words = 0;
+  std::uint64_t last_word = 0;  ///< of the presence mask of a frame that holds all signals
 
   const msgblk& message;
   std::vector<const sigblk*> records;
@@ -59,12 +68,7 @@ struct FramePlan {
   /// Those that can be present; a multiplexor stands in front of the signals that it selects.
   std::vector<DependentSignal> dependent;
   std::vector<ValueRange> ranges;
-  std::vector<QuickSignal> quick;
-  std::vector<SlowSignal> slow;
   std::vector<std::uint32_t> never_fitting;  ///< indexes
-  std::vector<std::uint64_t> all_present;    ///< presence mask of a frame that holds all signals
-  /// Bytes by which a frame holds all signals; `kNeverFits` when some signal is not always present.
-  std::size_t bytes_for_all = 0;
 
  private:
   enum class Standing : std::uint8_t { kUnknown, kUnderWay, kKnown, kNever };

@@ -131,6 +131,12 @@ ZelkSigvalueResult put_description(Target target, std::uint32_t low, const sigbl
   return text ? put(target, text) : ZelkSigvalueError;
 }
 
+/// The low word as a number: signed when it is the whole of a signed signal.
+double low_number(std::uint32_t low, const sigblk& signal) {
+  if (!is_signed(signal) || signal.length > kLongMax) return low;
+  return static_cast<std::int32_t>(sign_handled(low, signal));
+}
+
 /// A number was printed of the low word alone: it is the value of no longer signal.
 ZelkSigvalueResult unless_long(ZelkSigvalueResult result, const sigblk& signal) {
   return result == ZelkSigvalueOk && signal.length > kLongMax ? ZelkSigvalueTooLong : result;
@@ -139,8 +145,7 @@ ZelkSigvalueResult unless_long(ZelkSigvalueResult result, const sigblk& signal) 
 ZelkSigvalueResult put_value(Target target, const Words& words, const sigblk& signal,
                              ZelkSigvalueFormat text_format, const char* format) {
   double physical = 0;
-  const ZelkSigvalueResult range = to_physical(
-      signal.length > kLongMax ? words[0] : sign_handled(words[0], signal), signal, physical);
+  const ZelkSigvalueResult range = to_physical(low_number(words[0], signal), signal, physical);
   switch (text_format) {
     case ZelkFormatDecimal:
       return unless_long(put_decimal(target, words[0], signal, format), signal);

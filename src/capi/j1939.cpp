@@ -1,192 +1,38 @@
-// The message that describes a J1939 frame. Layout of a 29-bit identifier (SAE J1939-21):
-//
-//    28  26 25  24 23        16 15           8 7          0
-//   +------+------+------------+--------------+------------+
-//   | prio | DP   | PDU format | PDU specific | source     |
-//   +------+------+------------+--------------+------------+
-//          |<---- parameter group number ---->|
-//
-// A PDU format below 240 (PDU1) makes the PDU specific byte a destination address, which is no part
-// of the group number; from 240 on (PDU2) it extends the group number and the frame goes to
-// everybody.
-
-#include <cstdint>
-#include <optional>
-#include <string_view>
-
-#include "capi/attribute_text.hpp"
-#include "capi/list_walk.hpp"
-#include "zelk/query.h"
-
-namespace zelk {
+#include "capi/j1939.hpp"
 
 namespace {
 
-constexpr std::uint32_t kFirstPdu2Format = 240;
-constexpr std::uint32_t kProprietaryPdu1Format = 0xEF;
-constexpr std::uint32_t kProprietaryPdu2Format = 0xFF;
-constexpr std::uint32_t kAnyAddress = 0xFE;
-constexpr std::uint32_t kGlobalAddress = 0xFF;
-constexpr char kFrameFormatAttribute[] = "VFrameFormat";
-constexpr std::string_view kJ1939FrameFormat = "J1939PG";
+/// A list of messages as a range of pointers.
+class MessageRange {
+ public:
+  explicit MessageRange(msgblk* head) : head_(head) {}
 
-/// What a group number names: the group itself and, for PDU1, the destination in its lowest byte.
-struct Group {
-  std::uint32_t key;
-  std::uint32_t destination;
-  bool is_pdu1;
-};
-
-/// @param number  group number with the PDU specific byte, in bits 0..17; higher bits are ignored
-Group group_of_number(std::uint32_t number) {
-  const std::uint32_t format = (number >> 8) & 0xFF;
-  if (format < kFirstPdu2Format) return {number & 0x3FF00, number & 0xFF, true};
-  return {number & 0x3FFFF, kGlobalAddress, false};
-}
-
-struct FrameId {
-  Group group;
-  std::uint32_t format;
-  std::uint32_t source;
-  std::uint32_t priority;  ///< 0 is the most urgent
-};
-
-FrameId frame_of_id(std::uint32_t id) {
-  return {group_of_number(id >> 8), (id >> 16) & 0xFF, id & 0xFF, (id >> 26) & 7};
-}
-
-/// Candidates by preference; null while empty.
-struct Slots {
-  msgblk* exact = nullptr;
-  msgblk* any_destination = nullptr;
-  msgblk* any_source = nullptr;
-  msgblk* any_both = nullptr;
-
-  msgblk* best() const {
-    if (exact != nullptr) return exact;
-    if (any_destination != nullptr) return any_destination;
-    return any_source != nullptr ? any_source : any_both;
-  }
-};
-
-std::uint32_t priority_of(const msgblk& message) { return frame_of_id(message.id).priority; }
-
-void offer_exact(msgblk*& slot, msgblk& message) {
-  if (slot == nullptr || priority_of(message) < priority_of(*slot)) slot = &message;
-}
-
-/// The frame's own priority beats every other, the last such message winning; else the lowest
-/// number, the first winning.
-void offer_wildcard(msgblk*& slot, msgblk& message, std::uint32_t frame_priority) {
-  if (slot == nullptr || priority_of(message) == frame_priority ||
-      (priority_of(*slot) != frame_priority && priority_of(message) < priority_of(*slot))) {
-    slot = &message;
-  }
-}
-
-/// The wildcard slot that a message stored as a CAN identifier competes for; null when it names
-/// other addresses.
-msgblk** wildcard_slot(Slots& slots, const FrameId& stored, const FrameId& frame) {
-  const bool any_destination = stored.group.is_pdu1 && stored.group.destination == kAnyAddress;
-  const bool any_source = stored.source == kAnyAddress;
-  if (any_destination && stored.source == frame.source) return &slots.any_destination;
-  // For PDU2 both destinations are the global address.
-  if (any_source && stored.group.destination == frame.group.destination) return &slots.any_source;
-  if (any_source && any_destination) return &slots.any_both;
-  return nullptr;
-}
-
-void offer(Slots& slots, msgblk& message, const FrameId& frame) {
-  const FrameId stored = frame_of_id(message.id);
-  if (stored.group.key != frame.group.key) return;
-  if (stored.source == frame.source && stored.group.destination == frame.group.destination) {
-    offer_exact(slots.exact, message);
-  }
-  if (msgblk** slot = wildcard_slot(slots, stored, frame)) {
-    offer_wildcard(*slot, message, frame.priority);
-  }
-}
-
-/// A match, and whether it is one that the frame-format test does not concern.
-struct Match {
-  msgblk* message;
-  bool is_final;
-};
-
-Match match_can_ids(msgblk* messages, std::uint32_t id) {
-  const FrameId frame = frame_of_id(id);
-  Slots slots;
-  for (msgblk* message = messages; message != nullptr; message = message->next) {
-    if (message->id == id) return {message, true};
-    offer(slots, *message, frame);
-  }
-  return {slots.best(), false};
-}
-
-/// Messages of the two proprietary groups carry a source address above their group number:
-///
-///    31         28        21 20   18 17               0
-///   +-----+----+------------+-------+------------------+ | ext | 0  | source     | 0     | group
-///   number     | +-----+----+------------+-------+------------------+
-Match match_proprietary_groups(msgblk* messages, const FrameId& frame) {
-  Slots slots;
-  for (msgblk* message = messages; message != nullptr; message = message->next) {
-    if ((message->id & ZELK_ID_EXTENDED) == 0) continue;
-    const Group group = group_of_number(message->id);
-    if (group.key != frame.group.key) continue;
-    const std::uint32_t source = (message->id >> 21) & 0xFF;
-    const bool same_source = source == frame.source;
-    const bool same_destination = group.destination == frame.group.destination;
-    if (same_source && same_destination) return {message, true};
-    if (group.destination == kAnyAddress && same_source) {
-      slots.any_destination = message;
-    } else if (source == kAnyAddress && same_destination) {
-      slots.any_source = message;
-    } else if (source == kAnyAddress && frame.group.destination == kAnyAddress) {
-      // The frame's destination, not the message's: a stored group for any source and another
-      // address still describes frames to address 0xFE.
-      slots.any_both = message;
+  class Iterator {
+   public:
+    explicit Iterator(msgblk* message) : message_(message) {}
+    msgblk* operator*() const { return message_; }
+    Iterator& operator++() {
+      message_ = message_->next;
+      return *this;
     }
-  }
-  return {slots.best(), false};
-}
+    bool operator==(const Iterator&) const = default;
 
-Match match_group_numbers(msgblk* messages, std::uint32_t id) {
-  const FrameId frame = frame_of_id(id);
-  if (frame.format == kProprietaryPdu1Format || frame.format == kProprietaryPdu2Format) {
-    return match_proprietary_groups(messages, frame);
-  }
-  const bool id_is_key = (id & ZELK_ID_EXTENDED) == 0;
-  const std::uint32_t group_id = frame.group.key | ZELK_ID_EXTENDED;
-  return {find_first(messages,
-                     [=](const msgblk& message) {
-                       return (id_is_key && message.id == id) || message.id == group_id;
-                     }),
-          true};
-}
+   private:
+    msgblk* message_;
+  };
 
-bool is_j1939_format(std::optional<std::string_view> text) {
-  return text.has_value() && text->starts_with(kJ1939FrameFormat);
-}
+  Iterator begin() const { return Iterator(head_); }
+  Iterator end() const { return Iterator(nullptr); }
 
-/// The default decides also for a message that states another format.
-bool has_j1939_format(const msgblk& message, attr_def* definitions) {
-  const attr* value = find_attribute_value(message.attrs, kFrameFormatAttribute);
-  if (value != nullptr && is_j1939_format(attribute_text(*value))) return true;
-  const attr_def* definition = find_inline_name(definitions, kFrameFormatAttribute);
-  return definition != nullptr && is_j1939_format(default_text(*definition));
-}
+ private:
+  msgblk* head_;
+};
 
 }  // namespace
 
-}  // namespace zelk
-
 extern "C" msgblk* zelk_get_j1939_message(msgblk* messages, attr_def* definitions, uint32_t id,
                                           uint32_t flags) {
-  const zelk::Match match = (flags & ZELK_J1939_PGN_IDS) != 0
-                                ? zelk::match_group_numbers(messages, id)
-                                : zelk::match_can_ids(messages, id);
-  const bool is_tested = (flags & ZELK_J1939_FRAME_FORMAT) != 0 && !match.is_final;
-  if (match.message == nullptr || !is_tested) return match.message;
-  return zelk::has_j1939_format(*match.message, definitions) ? match.message : nullptr;
+  return zelk::j1939::find_message(MessageRange(messages), id, flags, [definitions] {
+    return zelk::j1939::default_is_j1939_format(definitions);
+  });
 }

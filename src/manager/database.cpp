@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "manager/copier.hpp"
+#include "manager/database_index.hpp"
 #include "manager/database_list.hpp"
 #include "model/errors.hpp"
 #include "model/memory.hpp"
@@ -36,11 +37,17 @@ ZelkError writability(const char* path) {
 
 namespace {
 
-/// 0, by which no file is found, also when there is no memory to ask: a file that has been saved is
-/// saved.
-std::int64_t modification_time(const char* path) try {
+/// @return 0 when there is no file
+/// @throws std::bad_alloc
+std::int64_t modification_time(const char* path) {
   const auto status = platform::file_status(path);
   return status ? status->modified.ticks : 0;
+}
+
+/// 0 also when there is no memory to ask: a file that has been saved is saved, only that nobody
+/// finds its database by it.
+std::int64_t time_of_saved(const char* path) try {
+  return modification_time(path);
 } catch (const std::bad_alloc&) {
   return 0;
 }
@@ -146,7 +153,7 @@ ZelkError ZelkDatabase::WriteOwn(const char* target) {
   // Saving changes the time of the file, by which another instance of it is found.
   ZelkDatabase* const listed = FindListed();
   if (!zelk::save(path, model, write_ext_mux != 0)) return ZelkErrorNotWritten;
-  file_time = zelk::modification_time(path);
+  file_time = zelk::time_of_saved(path);
   if (listed) {
     *listed = *this;
     listed->file_time = file_time;
@@ -168,6 +175,7 @@ ZelkDatabase* ZelkDatabase::FindListed() const {
 }
 
 void ZelkDatabase::Clear() {
+  DropIndex();
   zelk_free(std::exchange(nodes, nullptr), std::exchange(messages, nullptr),
             std::exchange(env_vars, nullptr), std::exchange(bit_timings, nullptr),
             std::exchange(attr_defs, nullptr), std::exchange(attr_values, nullptr),

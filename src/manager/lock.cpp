@@ -87,7 +87,7 @@ ZelkLock* ZelkLock::FindForeign(const ZelkManager& manager, const ZelkDatabase& 
 
 ZelkLock* ZelkLock::CreateUnlessRefused(ZelkManager& manager, const char* db, const char* reason,
                                         bool is_write_lock) try {
-  ZelkDatabase* const database = manager.GetDatabase(db);
+  ZelkDatabase* const database = manager.FindDatabase(db);
   if (!database) return nullptr;
   const bool write_locks_only = !is_write_lock;
   const ZelkLock* const refusing = FindForeign(manager, *database, write_locks_only);
@@ -149,6 +149,6 @@ bool ZelkManager::LockAllDatabases(const char* reason) {
 
 void ZelkManager::UnlockDatabase(const char* db) {
   if (!db) return ZelkLock::FreeLock(*this);
-  ZelkDatabase* const database = GetDatabase(db);
+  ZelkDatabase* const database = FindDatabase(db);
   if (database) ZelkLock::FreeLock(*this, *database);
 }

@@ -252,17 +252,20 @@ void ZelkManager::ListRemoveDatabase(DbListNode& node) {
 }
 
 ZelkManager::DbListNode* ZelkManager::ListFindDatabase(const char* db) {
+  DbListNode* const found = ListFindNode(db);
+  status_ = found ? ZelkStatusOk : ZelkStatusNotFound;
+  return found;
+}
+
+ZelkManager::DbListNode* ZelkManager::ListFindNode(const char* db) const {
   Managers& all = managers();
-  if (!all.last_found || all.finder != this || all.last_found->name != db) {
-    DbListNode* const found =
-        zelk::find_first(databases_, [db](const DbListNode& node) { return node.name == db; });
-    status_ = found ? 0 : 2;
-    if (!found) return nullptr;
-    all.last_found = found;
-    all.finder = this;
-  }
-  status_ = 0;
-  return all.last_found;
+  if (all.last_found && all.finder == this && all.last_found->name == db) return all.last_found;
+  DbListNode* const found =
+      zelk::find_first(databases_, [db](const DbListNode& node) { return node.name == db; });
+  if (!found) return nullptr;
+  all.last_found = found;
+  all.finder = this;
+  return found;
 }
 
 ZelkManager::DbListNode* ZelkManager::ListFindName(const char* text) const {

@@ -4,8 +4,10 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 #include "capi/list_walk.hpp"
+#include "model/errors.hpp"
 #include "model/memory.hpp"
 #include "zelk/exception.hpp"
 #include "zelk/manager.hpp"
@@ -49,6 +51,12 @@ const char* ZelkManager::GetDatabasePath(const char* text) {
 bool ZelkManager::IsDatabaseName(const char* db) { return ListFindDatabase(db) != nullptr; }
 
 ZelkDatabase* ZelkManager::GetDatabase(const char* db) {
+  ZelkDatabase* const database = FindDatabase(db);
+  if (database) database->ForbidIndex();
+  return database;
+}
+
+ZelkDatabase* ZelkManager::FindDatabase(const char* db) {
   DbListNode* const node = ListFindDatabase(db);
   return node ? &node->database : nullptr;
 }
@@ -69,6 +77,7 @@ const char* ZelkManager::GetDatabaseName(const char* path) try {
   status_ = kNotFound;
   return nullptr;
 } catch (const std::bad_alloc&) {
+  zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
   status_ = kNotFound;
   return nullptr;
 }
@@ -91,7 +100,7 @@ ZelkError ZelkManager::SetDatabaseName(const char* db, const char** name, const 
 }
 
 bool ZelkManager::GetDefaultDatabaseName(const char* db, char* buffer, std::size_t size) {
-  const ZelkDatabase* const database = GetDatabase(db);
+  const ZelkDatabase* const database = FindDatabase(db);
   if (!database) return false;
   const zelk::OwnedText name(database->GetDefaultName());
   if (!name || size == 0) return false;
@@ -149,7 +158,7 @@ unsigned ZelkManager::DatabaseCount() const {
 }
 
 bool ZelkManager::SymbolsShortenedOnRead(const char* db) {
-  const ZelkDatabase* const database = GetDatabase(db);
+  const ZelkDatabase* const database = FindDatabase(db);
   return database && database->SymbolsShortenedOnRead();
 }
 
@@ -181,7 +190,7 @@ bool uses_extended_multiplexing(const msgblk& message) {
 
 int ZelkManager::IsNewFeatureUsed(int feature, const char* db) {
   if (!IsSavingOfNewFeaturePossible(feature)) return -1;
-  const ZelkDatabase* const database = GetDatabase(db);
+  const ZelkDatabase* const database = FindDatabase(db);
   const msgblk* const messages = database ? database->messages : nullptr;
   return zelk::find_first(messages, uses_extended_multiplexing) ? 1 : 0;
 }
