@@ -5,6 +5,7 @@
 #define ZELK_DATABASE_HPP
 
 #include <memory>
+#include <type_traits>
 
 #include "zelk/types.hpp"
 
@@ -78,10 +79,10 @@ class ZELK_API ZelkDatabase {
   /// The same instance, or the same unchanged file: `IsPathEqual(other.path)`.
   bool operator==(const ZelkDatabase& other) const;
 
-  /// Whether `path` names this database's file, unchanged since it was read or written: equal as
+  /// Whether `file` names this database's file, unchanged since it was read or written: equal as
   /// absolute paths without regard to case (but for file systems that tell two such files apart),
-  /// and of the same modification time. False when either path is null or the file is gone.
-  bool IsPathEqual(const char* path) const;
+  /// and of the same modification time. False when either one is null or the file is gone.
+  bool IsPathEqual(const char* file) const;
 
   // --- The file ---
 
@@ -95,13 +96,13 @@ class ZELK_API ZelkDatabase {
   /// Writes the database, and then overwrites another instance of the same file (`Commit`).
   ///
   /// The file is replaced in one step once all of it is on the disk: on a failure it is as it was.
-  /// A given path becomes the database's own as soon as the file is found to be writable.
+  /// A given file becomes the database's own as soon as it is found to be writable.
   ///
-  /// @param path  null: the own file
+  /// @param file  null: the own file
   /// @return 0; 2 without any path; 8 for a read-only file; 9 when the file could not be written
   /// or names were shortened on reading (error 30 enters the error text); 10 when another open
   /// database has the file
-  ZelkError Write(const char* path);
+  ZelkError Write(const char* file);
 
   /// Copies this database over the other one of the same file that stands in the process's list;
   /// does nothing when there is none.
@@ -181,9 +182,11 @@ class ZELK_API ZelkDatabase {
 
   /// For the construction of an iterator over a kind of objects: the first one for null, else the
   /// next one. `T` is one of the database's record types, or it with const; `rxblk` and `catlink`
-  /// are the links of the view filter, `attr` the network's own attribute values.
+  /// are the links of the view filter, `attr` the network's own attribute values. Without const it
+  /// gives the records away to be changed, as the lookups above do.
   template <typename T>
   T* Walk(T* object) {
+    if constexpr (!std::is_const_v<T>) ForbidIndex();
     return object ? object->next : ListOf(static_cast<const T*>(nullptr));
   }
 
@@ -218,7 +221,7 @@ class ZELK_API ZelkDatabase {
   /// Reads a file; null gives an empty database.
   ///
   /// @throws ZelkException when the file cannot be read, with nothing left of it
-  explicit ZelkDatabase(const char* path);
+  explicit ZelkDatabase(const char* file);
   /// Deep copies: records of their own, which refer to each other as the source's do. A reference
   /// to a record that the source does not own leads to the first record of that name or number in
   /// the copy, else it is null; an attribute value without a definition comes out without a value.
@@ -235,7 +238,7 @@ class ZELK_API ZelkDatabase {
   /// read from the file. Null gives a new empty database, which is found by no path.
   ///
   /// @throws ZelkException when the file cannot be read; nothing is entered then
-  static ZelkDatabase& CreateDatabase(const char* path);
+  static ZelkDatabase& CreateDatabase(const char* file);
   /// Gives one hold back. With `keep_in_cache` the database stays in the list with one more mark;
   /// without, it is destroyed when nobody holds it and no mark is left.
   static void DestroyDatabase(ZelkDatabase& database, bool keep_in_cache);
@@ -243,8 +246,8 @@ class ZELK_API ZelkDatabase {
   static void ReleaseCache();
   static void ListInsertDb(ZelkDatabase& database);
   static void ListRemoveDb(ZelkDatabase& database);
-  /// The first one whose `IsPathEqual(path)` holds; null when there is none.
-  static ZelkDatabase* ListFindDb(const char* path);
+  /// The first one whose `IsPathEqual(file)` holds; null when there is none.
+  static ZelkDatabase* ListFindDb(const char* file);
 
  private:
   symblk* ListOf(const symblk*) const { return nodes; }

@@ -100,6 +100,7 @@ class ZelkIterator {
   /// Name of the database that holds the object; as given when it never leaves one.
   const char* DatabaseName() const { return name_; }
 
+  /// For range-based `for`: a copy, without what a derived class does in `SeekNextValid`.
   ZelkIterator begin() const { return *this; }
   static ZelkIteratorEnd end() { return {}; }
   bool operator==(ZelkIteratorEnd) const { return current_ == nullptr; }

@@ -45,8 +45,8 @@ class ZELK_API ZelkManager {
  public:
   /// One open database of a manager.
   struct DbListNode {
-    char* name;  ///< owned; the handle
-    ZelkDatabase& database;
+    char* name;              ///< owned; the handle
+    ZelkDatabase& database;  ///< to be read; who changes it gets it from `GetDatabase`
     std::uint32_t priority;
     ZelkSelectionPattern pattern;
     std::uint32_t envvar_handle_base;  ///< the manager's when the database was opened

@@ -22,7 +22,7 @@ std::uint32_t carry(std::uint8_t top_byte, std::uint32_t bit_offset) {
 
 // --- Reading bits ---
 
-std::uint64_t low_word_at_wrap(const unsigned char* frame, const Position& at) {
+std::uint64_t low_word_at_wrap(const unsigned char* frame, Position at) {
   std::uint64_t word = 0;
   for (std::uint32_t i = 0; i < at.byte_count && i < 8; ++i) {
     word |= std::uint64_t{touched_byte(frame, at, i)} << (8 * i);
@@ -135,21 +135,10 @@ ZelkSigvalueResult read(const unsigned char* frame, const sigblk& signal, std::u
   return presence(frame, signal);
 }
 
-namespace {
-
-/// Inlined into the most frequent call of all, that for a physical value.
-[[gnu::always_inline]] inline ZelkSigvalueResult read_int64(const unsigned char* frame,
-                                                            const sigblk& signal,
-                                                            std::int64_t& raw) {
+ZelkSigvalueResult read(const unsigned char* frame, const sigblk& signal, std::int64_t& raw) {
   if (signal.length > kInt64Max) return ZelkSigvalueTooLong;
   raw = sign_handled64(extract_int64(frame, locate(signal), signal.length), signal);
   return presence(frame, signal);
-}
-
-}  // namespace
-
-ZelkSigvalueResult read(const unsigned char* frame, const sigblk& signal, std::int64_t& raw) {
-  return read_int64(frame, signal, raw);
 }
 
 ZelkSigvalueResult read(const unsigned char* frame, const sigblk& signal, double& raw) {
@@ -210,7 +199,8 @@ Integer saturated(double number) {
   using Limits = std::numeric_limits<Integer>;
   // The first number above the type is a power of two, and so a double.
   constexpr double kLow = static_cast<double>(Limits::min());
-  constexpr double kAbove = 2.0 * static_cast<double>(Limits::max() / 2 + 1);
+  constexpr Integer kHalf = Limits::max() / 2 + 1;
+  constexpr double kAbove = 2.0 * static_cast<double>(kHalf);
   if (std::isnan(number)) return 0;
   if (number >= kAbove) return Limits::max();
   return number <= kLow ? Limits::min() : static_cast<Integer>(number);
@@ -223,14 +213,14 @@ std::int64_t to_int64(double number) { return saturated<std::int64_t>(number); }
 std::uint64_t to_uint64(double number) { return saturated<std::uint64_t>(number); }
 
 ZelkSigvalueResult to_raw(double physical, const sigblk& signal, std::uint32_t& raw) {
-  const double rounded = rounded_quotient(physical, signal);
+  const double rounded = rounded_quotient(physical, signal.factor, signal.offset);
   raw = is_signed(signal) ? static_cast<std::uint32_t>(to_int32(rounded))
                           : static_cast<std::uint32_t>(to_int64(rounded));
   return range_test(physical, signal);
 }
 
 ZelkSigvalueResult to_raw(double physical, const sigblk& signal, std::int64_t& raw) {
-  const double rounded = rounded_quotient(physical, signal);
+  const double rounded = rounded_quotient(physical, signal.factor, signal.offset);
   raw = is_signed(signal) ? to_int64(rounded) : static_cast<std::int64_t>(to_uint64(rounded));
   return range_test(physical, signal);
 }
@@ -240,14 +230,28 @@ ZelkSigvalueResult to_raw(double physical, const sigblk& signal, double& raw) {
   return range_test(physical, signal);
 }
 
-ZelkSigvalueResult read_physical(const unsigned char* frame, const sigblk& signal,
-                                 double& physical) {
+namespace {
+
+[[gnu::noinline]] ZelkSigvalueResult read_physical_of_any(const unsigned char* frame,
+                                                          const sigblk& signal, double& physical) {
   if (is_ieee(signal)) {
     double raw = 0;
     return read_both(read(frame, signal, raw), signal, raw, physical);
   }
   std::int64_t raw = 0;
-  return read_both(read_int64(frame, signal, raw), signal, raw, physical);
+  return read_both(read(frame, signal, raw), signal, raw, physical);
+}
+
+}  // namespace
+
+/// The most frequent call of all, and of the most frequent signals: they need no further call.
+ZelkSigvalueResult read_physical(const unsigned char* frame, const sigblk& signal,
+                                 double& physical) {
+  if (is_ieee(signal) || is_multiplexed(signal) || signal.length > kInt64Max) {
+    return read_physical_of_any(frame, signal, physical);
+  }
+  const std::uint64_t bits = extract_int64(frame, locate(signal), signal.length);
+  return to_physical(sign_handled64(bits, signal), signal, physical);
 }
 
 // --- Writing ---

@@ -19,6 +19,7 @@
 
 #include <array>
 #include <bit>
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 
@@ -84,7 +85,8 @@ constexpr std::int64_t sign_extended(std::uint64_t bits, unsigned length_bits) {
 
 /// 1 to 8 bytes, the first one lowest. Two loads that overlap cover any number without reaching
 /// beyond.
-inline std::uint64_t load_bytes(const unsigned char* bytes, std::uint32_t count) {
+[[gnu::always_inline]] inline std::uint64_t load_bytes(const unsigned char* bytes,
+                                                       std::uint32_t count) {
   if (count >= 4) {
     std::uint32_t low = 0;
     std::uint32_t high = 0;
@@ -108,10 +110,11 @@ inline std::uint8_t touched_byte(const unsigned char* frame, const Position& at,
 }
 
 /// `low_word` of a signal that reaches below the first byte.
-std::uint64_t low_word_at_wrap(const unsigned char* frame, const Position& at);
+std::uint64_t low_word_at_wrap(const unsigned char* frame, Position at);
 
 /// The lowest touched bytes, eight at most, as a number.
-inline std::uint64_t low_word(const unsigned char* frame, const Position& at) {
+[[gnu::always_inline]] inline std::uint64_t low_word(const unsigned char* frame,
+                                                     const Position& at) {
   const std::uint32_t count = at.byte_count < 8 ? at.byte_count : 8;
   if (count == 0) return 0;
   if (!at.motorola) return load_bytes(frame + at.lsb_byte, count);
@@ -123,8 +126,9 @@ inline std::uint64_t low_word(const unsigned char* frame, const Position& at) {
 }
 
 /// Up to 64 bits; those in a ninth byte are left out.
-inline std::uint64_t extract_int64(const unsigned char* frame, const Position& at,
-                                   unsigned length_bits) {
+[[gnu::always_inline]] inline std::uint64_t extract_int64(const unsigned char* frame,
+                                                          const Position& at,
+                                                          unsigned length_bits) {
   return low_word(frame, at) >> at.bit_offset & low_bits(length_bits);
 }
 
@@ -209,9 +213,9 @@ ZelkSigvalueResult to_physical(std::int64_t raw, const sigblk& signal, double& p
 ZelkSigvalueResult to_physical(double raw, const sigblk& signal, double& physical);
 
 /// (physical - offset) / factor, rounded half away from zero but not yet cut to a whole number.
-inline double rounded_quotient(double physical, const sigblk& signal) {
-  const double quotient = (physical - signal.offset) / signal.factor;
-  return quotient >= 0 ? quotient + 0.5 : quotient - 0.5;
+inline double rounded_quotient(double physical, double factor, double offset) {
+  const double quotient = (physical - offset) / factor;
+  return quotient + std::copysign(0.5, quotient);
 }
 
 /// Cut toward zero; the nearest value of the type for numbers beyond it, 0 for not-a-number.

@@ -106,8 +106,8 @@ bool ZelkDatabase::operator==(const ZelkDatabase& other) const {
   return this == &other || IsPathEqual(other.path);
 }
 
-bool ZelkDatabase::IsPathEqual(const char* other) const try {
-  return zelk::is_file_of(*this, other);
+bool ZelkDatabase::IsPathEqual(const char* file) const try {
+  return zelk::is_file_of(*this, file);
 } catch (const std::bad_alloc&) {
   zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
   return false;
@@ -125,12 +125,12 @@ ZelkError ZelkDatabase::ReopenDatabaseFile() {
   return ZelkErrorOk;
 }
 
-ZelkError ZelkDatabase::Write(const char* target) {
-  if (!target && !path) return ZelkErrorFileNotFound;
+ZelkError ZelkDatabase::Write(const char* file) {
+  if (!file && !path) return ZelkErrorFileNotFound;
   try {
-    const ZelkDatabase* owner = target ? ListFindDb(target) : nullptr;
+    const ZelkDatabase* owner = file ? ListFindDb(file) : nullptr;
     if (owner && owner != this) return ZelkErrorFileBelongs;
-    return WriteOwn(target ? target : path);
+    return WriteOwn(file ? file : path);
   } catch (const std::bad_alloc&) {
     zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
   } catch (const ZelkException&) {  // has told of itself in the error text

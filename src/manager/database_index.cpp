@@ -1,48 +1,81 @@
 #include "manager/database_index.hpp"
 
+#include <algorithm>
+#include <array>
+#include <span>
+
 #include "capi/j1939.hpp"
 
 namespace zelk {
+namespace {
 
 template <typename Record>
-void DatabaseIndex::enter_names(NameMap<Record>& map, Record* list) {
+std::size_t length_of(const Record* list) {
+  std::size_t length = 0;
+  for (; list; list = list->next) ++length;
+  return length;
+}
+
+}  // namespace
+
+template <typename Record>
+FirstTable<Record> DatabaseIndex::by_name(Record* list) const {
+  FirstTable<Record> table(length_of(list));
   for (Record* record = list; record; record = record->next) {
-    if constexpr (std::is_pointer_v<decltype(record->name)>) {
-      if (!record->name) continue;
-    }
-    const std::string_view name = static_cast<const char*>(record->name);
-    map.try_emplace(name.substr(0, key_length(record)), record);
+    const char* const name = record->name;
+    if (!name) continue;
+    table.enter(key_of<Record>(name), record,
+                [name](const Record& other) { return bears(other, name); });
   }
+  return table;
+}
+
+void DatabaseIndex::CandidateTable::enter(std::uint32_t key, msgblk* message) {
+  Candidates* candidates = table.find(key);
+  if (!candidates) candidates = table.enter(key, &all.emplace_back());
+  candidates->push_back(message);
 }
 
 DatabaseIndex::DatabaseIndex(const ZelkDatabase& database)
-    : has_group_numbers_(database.HasJ1939GroupNumbers()),
+    : nodes_(by_name(database.nodes)),
+      messages_(by_name(database.messages)),
+      variables_(by_name(database.env_vars)),
+      tables_(by_name(database.value_tables)),
+      types_(by_name(database.signal_types)),
+      definitions_(by_name(database.attr_defs)),
+      messages_by_id_(length_of(database.messages)),
+      by_addresses_(length_of(database.messages)),
+      by_group_and_source_(length_of(database.messages)),
+      has_group_numbers_(database.HasJ1939GroupNumbers()),
       default_is_j1939_(j1939::default_is_j1939_format(database.attr_defs)) {
-  enter_names(nodes_, database.nodes);
-  enter_names(messages_, database.messages);
-  enter_names(variables_, database.env_vars);
-  enter_names(tables_, database.value_tables);
-  enter_names(types_, database.signal_types);
-  enter_names(definitions_, database.attr_defs);
   for (msgblk* message = database.messages; message; message = message->next) {
-    messages_by_id_.try_emplace(message->id, message);
-    groups_of_ids_[j1939::frame_of_id(message->id).group.key].push_back(message);
-    groups_of_numbers_[j1939::group_of_number(message->id).key].push_back(message);
+    messages_by_id_.enter(message->id, message);
+    by_addresses_.enter(j1939::address_key(message->id), message);
+    by_group_and_source_.enter(j1939::proprietary_key(message->id), message);
   }
 }
 
-msgblk* DatabaseIndex::message(std::uint32_t id) const {
-  const auto found = messages_by_id_.find(id);
-  return found == messages_by_id_.end() ? nullptr : found->second;
-}
-
+/// Without the messages that no rule takes for this frame.
 msgblk* DatabaseIndex::j1939_message(std::uint32_t id, std::uint32_t flags) const {
   if ((id & ZELK_ID_EXTENDED) == 0) return message(id);
   flags = ZelkDatabase::J1939Flags(flags, has_group_numbers_);
-  const GroupMap& groups = (flags & ZELK_J1939_PGN_IDS) != 0 ? groups_of_numbers_ : groups_of_ids_;
-  const auto found = groups.find(j1939::frame_of_id(id).group.key);
-  if (found == groups.end()) return nullptr;
-  return j1939::find_message(found->second, id, flags, [this] { return default_is_j1939_; });
+  const j1939::FrameId frame = j1939::frame_of_id(id);
+  const bool stores_numbers = (flags & ZELK_J1939_PGN_IDS) != 0;
+  if (stores_numbers && !j1939::is_proprietary(frame))
+    return message(j1939::stored_id(frame.group));
+  msgblk* const same = stores_numbers ? nullptr : message(id);
+  if (same) return same;
+
+  const CandidateTable& table = stores_numbers ? by_group_and_source_ : by_addresses_;
+  const auto keys = stores_numbers ? j1939::proprietary_keys(frame) : j1939::address_keys(frame);
+  std::array<std::span<msgblk* const>, keys.size()> lists;
+  for (std::size_t i = 0; i < keys.size(); ++i) {
+    const auto* const key = keys.begin() + i;
+    const bool is_repeated = std::find(keys.begin(), key, *key) != key;
+    const Candidates* const candidates = is_repeated ? nullptr : table.table.find(*key);
+    if (candidates) lists[i] = *candidates;
+  }
+  return j1939::find_message(lists, id, flags, [this] { return default_is_j1939_; });
 }
 
 }  // namespace zelk

@@ -5,11 +5,13 @@
 #define ZELK_MANAGER_DATABASE_INDEX_HPP
 
 #include <cstdint>
+#include <deque>
 #include <string_view>
-#include <unordered_map>
+#include <type_traits>
 #include <vector>
 
-#include "text/seeded_hash.hpp"
+#include "capi/list_walk.hpp"
+#include "manager/first_table.hpp"
 #include "zelk/database.hpp"
 
 namespace zelk {
@@ -21,44 +23,63 @@ class DatabaseIndex {
   explicit DatabaseIndex(const ZelkDatabase& database);
 
   /// Null when there is none.
+  ///
+  /// @param name  not null
   template <typename Record>
-  Record* named(std::string_view name) const {
-    const NameMap<Record>& map = names_of(static_cast<const Record*>(nullptr));
-    const auto found = map.find(name.substr(0, key_length(static_cast<Record*>(nullptr))));
-    return found == map.end() ? nullptr : found->second;
+  Record* named(const char* name) const {
+    const auto& names = names_of(static_cast<const Record*>(nullptr));
+    return names.find(key_of<Record>(name),
+                      [name](const Record& record) { return bears(record, name); });
   }
-  msgblk* message(std::uint32_t id) const;
+  msgblk* message(std::uint32_t id) const { return messages_by_id_.find(id); }
   msgblk* j1939_message(std::uint32_t id, std::uint32_t flags) const;
 
  private:
-  template <typename Record>
-  using NameMap = std::unordered_map<std::string_view, Record*, SeededHash, std::equal_to<>>;
-  using GroupMap = std::unordered_map<std::uint32_t, std::vector<msgblk*>, SeededHash>;
+  /// Messages that compete for the same frames.
+  using Candidates = std::vector<msgblk*>;
 
-  const NameMap<symblk>& names_of(const symblk*) const { return nodes_; }
-  const NameMap<msgblk>& names_of(const msgblk*) const { return messages_; }
-  const NameMap<env_var_blk>& names_of(const env_var_blk*) const { return variables_; }
-  const NameMap<valtable>& names_of(const valtable*) const { return tables_; }
-  const NameMap<sigtype>& names_of(const sigtype*) const { return types_; }
-  const NameMap<attr_def>& names_of(const attr_def*) const { return definitions_; }
+  /// Candidates by a part of the identifier.
+  struct CandidateTable {
+    explicit CandidateTable(std::size_t capacity) : table(capacity) {}
+    void enter(std::uint32_t key, msgblk* message);
 
-  /// Characters of a name that count: all of an object's own, as many as fit of an inline one.
+    FirstTable<Candidates> table;
+    std::deque<Candidates> all;
+  };
+
+  const FirstTable<symblk>& names_of(const symblk*) const { return nodes_; }
+  const FirstTable<msgblk>& names_of(const msgblk*) const { return messages_; }
+  const FirstTable<env_var_blk>& names_of(const env_var_blk*) const { return variables_; }
+  const FirstTable<valtable>& names_of(const valtable*) const { return tables_; }
+  const FirstTable<sigtype>& names_of(const sigtype*) const { return types_; }
+  const FirstTable<attr_def>& names_of(const attr_def*) const { return definitions_; }
+
   template <typename Record>
-  static constexpr std::size_t key_length(const Record*) {
-    return std::is_array_v<decltype(Record::name)> ? ZELK_INLINE_NAME_MAX : std::string_view::npos;
+  static constexpr bool kHasInlineName = std::is_array_v<decltype(Record::name)>;
+
+  template <typename Record>
+  static bool bears(const Record& record, const char* name) {
+    if constexpr (kHasInlineName<Record>) return same_inline_name(record.name, name);
+    return same_text(record.name, name);
+  }
+  /// Of the characters that count.
+  template <typename Record>
+  std::uint64_t key_of(std::string_view name) const {
+    return hash_(kHasInlineName<Record> ? name.substr(0, ZELK_INLINE_NAME_MAX) : name);
   }
   template <typename Record>
-  static void enter_names(NameMap<Record>& map, Record* list);
+  FirstTable<Record> by_name(Record* list) const;
 
-  NameMap<symblk> nodes_;
-  NameMap<msgblk> messages_;
-  NameMap<env_var_blk> variables_;
-  NameMap<valtable> tables_;
-  NameMap<sigtype> types_;
-  NameMap<attr_def> definitions_;
-  std::unordered_map<std::uint32_t, msgblk*, SeededHash> messages_by_id_;
-  GroupMap groups_of_ids_;      ///< by the group number within a CAN identifier
-  GroupMap groups_of_numbers_;  ///< by the group number that is stored for an identifier
+  SeededHash hash_;
+  FirstTable<symblk> nodes_;
+  FirstTable<msgblk> messages_;
+  FirstTable<env_var_blk> variables_;
+  FirstTable<valtable> tables_;
+  FirstTable<sigtype> types_;
+  FirstTable<attr_def> definitions_;
+  FirstTable<msgblk> messages_by_id_;
+  CandidateTable by_addresses_;         ///< `j1939::address_key` of CAN identifiers
+  CandidateTable by_group_and_source_;  ///< `j1939::proprietary_key` of stored group numbers
   bool has_group_numbers_;
   bool default_is_j1939_;
 };

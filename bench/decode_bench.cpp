@@ -1,0 +1,236 @@
+// Decoding and encoding streams of frames, beside loops written by hand for the same signals.
+//
+// 200 messages of 8 bytes have 8 signals each, 5 Intel and 3 Motorola, 4 of them signed, with
+// factors and offsets. 4096 frames of random content and message are decoded again and again.
+
+#include <benchmark/benchmark.h>
+
+#include <array>
+#include <cstring>
+#include <random>
+#include <vector>
+
+#include "zelk/frame_decoder.hpp"
+#include "zelk/manager.hpp"
+
+namespace zelk::bench {
+namespace {
+
+constexpr std::size_t kMessages = 200;
+constexpr std::size_t kSignals = 8;
+constexpr std::size_t kFrames = 4096;
+constexpr std::size_t kFrameBytes = 8;
+
+struct Frame {
+  std::uint32_t id;
+  std::uint32_t message;
+  unsigned char data[kFrameBytes];
+};
+
+struct Layout {
+  std::uint16_t start_bit;
+  std::uint16_t length;
+  std::uint16_t flags;
+};
+
+constexpr std::uint16_t kMotorola = ZELK_SIGNAL_MOTOROLA;
+constexpr std::uint16_t kSigned = ZELK_SIGNAL_SIGNED;
+/// The whole frame: bytes 0 to 2 and 5 to 7 Intel, the rest Motorola, neighbours in one byte.
+constexpr Layout kLayout[kSignals] = {{0, 12, 0},         {12, 5, kSigned},
+                                      {17, 7, 0},         {31, 10, kMotorola},
+                                      {37, 3, kMotorola}, {34, 3, kMotorola | kSigned},
+                                      {40, 16, kSigned},  {56, 8, kSigned}};
+
+/// Messages and frames, the same for all benchmarks.
+struct Traffic {
+  Traffic() {
+    for (std::size_t m = 0; m < kMessages; ++m) {
+      messages[m].id = static_cast<std::uint32_t>(random() & 0x1FFFFFFF) | ZELK_ID_EXTENDED;
+      if (m > 0) messages[m - 1].next = &messages[m];
+      for (std::size_t s = 0; s < kSignals; ++s) add_signal(m, s);
+    }
+    for (Frame& frame : frames) {
+      frame.message = static_cast<std::uint32_t>(random() % kMessages);
+      frame.id = messages[frame.message].id;
+      const std::uint64_t content = random();
+      std::memcpy(frame.data, &content, kFrameBytes);
+    }
+  }
+
+  /// The messages differ in how their signals are scaled.
+  void add_signal(std::size_t m, std::size_t s) {
+    sigblk& signal = signals[m * kSignals + s];
+    signal.start_bit = kLayout[s].start_bit;
+    signal.length = kLayout[s].length;
+    signal.flags = kLayout[s].flags;
+    signal.factor = 0.01 * static_cast<double>(1 + random() % 99);
+    signal.offset = 0.5 * static_cast<double>(random() % 99) - 20.25;
+    signal.message = &messages[m];
+    if (s > 0) signals[m * kSignals + s - 1].next = &signal;
+    if (s == 0) messages[m].signals = &signal;
+  }
+
+  std::mt19937_64 random;
+  std::vector<msgblk> messages{kMessages};
+  std::vector<sigblk> signals{kMessages * kSignals};
+  std::vector<Frame> frames{kFrames};
+};
+
+Traffic& traffic() {
+  static Traffic traffic;
+  return traffic;
+}
+
+/// Reports frames a second, nanoseconds a frame, and that times `values_per_frame`.
+void count_frames(benchmark::State& state, std::size_t values_per_frame) {
+  using benchmark::Counter;
+  const auto frames = static_cast<double>(state.iterations()) * kFrames;
+  state.SetItemsProcessed(static_cast<std::int64_t>(frames));
+  state.counters["ns/frame"] = Counter(frames / 1e9, Counter::kIsRate | Counter::kInvert);
+  state.counters["ns/value"] = Counter(frames * static_cast<double>(values_per_frame) / 1e9,
+                                       Counter::kIsRate | Counter::kInvert);
+}
+
+// --- By hand ---
+
+struct HandSignal {
+  double factor;
+  double offset;
+  std::uint64_t mask;
+  std::uint64_t sign;
+  std::uint32_t is_motorola;
+  std::uint32_t shift;
+};
+
+/// The shift of a Motorola signal is that in the frame read as a big-endian number.
+std::vector<std::array<HandSignal, kSignals>> hand_table() {
+  std::vector<std::array<HandSignal, kSignals>> table(kMessages);
+  for (std::size_t m = 0; m < kMessages; ++m) {
+    for (std::size_t s = 0; s < kSignals; ++s) {
+      const sigblk& signal = traffic().signals[m * kSignals + s];
+      const bool is_motorola = (signal.flags & kMotorola) != 0;
+      const unsigned first = signal.start_bit / 8U * 8 + 7 - signal.start_bit % 8U;
+      const std::uint64_t top = std::uint64_t{1} << (signal.length - 1);
+      table[m][s] = {
+          signal.factor,         signal.offset,
+          2 * top - 1,           (signal.flags & kSigned) != 0 ? top : 0,
+          is_motorola ? 1U : 0U, is_motorola ? 64 - first - signal.length : signal.start_bit};
+    }
+  }
+  return table;
+}
+
+void decode_by_hand(benchmark::State& state) {
+  const auto table = hand_table();
+  double values[kSignals];
+  for (auto _ : state) {
+    for (const Frame& frame : traffic().frames) {
+      std::uint64_t words[2];
+      std::memcpy(&words[0], frame.data, kFrameBytes);
+      words[1] = __builtin_bswap64(words[0]);
+      const auto& signals = table[frame.message];
+      for (std::size_t s = 0; s < kSignals; ++s) {
+        const HandSignal& signal = signals[s];
+        const std::uint64_t bits = words[signal.is_motorola] >> signal.shift & signal.mask;
+        const auto raw = static_cast<std::int64_t>((bits ^ signal.sign) - signal.sign);
+        values[s] = static_cast<double>(raw) * signal.factor + signal.offset;
+      }
+      benchmark::DoNotOptimize(values);
+    }
+  }
+  count_frames(state, kSignals);
+}
+BENCHMARK(decode_by_hand);
+
+/// What every frame's signals are, as the decoder says.
+std::vector<std::array<double, kSignals>> decoded_frames() {
+  const ZelkFrameDecoderTable table(traffic().messages.data());
+  std::vector<std::array<double, kSignals>> decoded(kFrames);
+  for (std::size_t i = 0; i < kFrames; ++i) {
+    const Frame& frame = traffic().frames[i];
+    std::uint64_t present = 0;
+    table.Find(frame.id)->Decode(frame.data, kFrameBytes, decoded[i].data(), &present);
+  }
+  return decoded;
+}
+
+void encode_by_hand(benchmark::State& state) {
+  const auto table = hand_table();
+  const auto values = decoded_frames();
+  const auto& frames = traffic().frames;
+  for (auto _ : state) {
+    for (std::size_t i = 0; i < kFrames; ++i) {
+      std::uint64_t words[2] = {};
+      const auto& signals = table[frames[i].message];
+      for (std::size_t s = 0; s < kSignals; ++s) {
+        const HandSignal& signal = signals[s];
+        const double quotient = (values[i][s] - signal.offset) / signal.factor;
+        const double low = -static_cast<double>(signal.sign);
+        const auto high = static_cast<double>(signal.mask - signal.sign);
+        const double limited = quotient < low ? low : quotient > high ? high : quotient;
+        const auto raw = static_cast<std::int64_t>(limited + (limited < 0 ? -0.5 : 0.5));
+        words[signal.is_motorola] |= (static_cast<std::uint64_t>(raw) & signal.mask)
+                                     << signal.shift;
+      }
+      std::uint64_t content = words[0] | __builtin_bswap64(words[1]);
+      benchmark::DoNotOptimize(content);
+    }
+  }
+  count_frames(state, kSignals);
+}
+BENCHMARK(encode_by_hand);
+
+// --- By the library ---
+
+void decode_frames(benchmark::State& state) {
+  const ZelkFrameDecoderTable table(traffic().messages.data());
+  double values[kSignals];
+  std::uint64_t present = 0;
+  for (auto _ : state) {
+    for (const Frame& frame : traffic().frames) {
+      table.Find(frame.id)->Decode(frame.data, kFrameBytes, values, &present);
+      benchmark::DoNotOptimize(values);
+    }
+  }
+  count_frames(state, kSignals);
+}
+BENCHMARK(decode_frames);
+
+/// One signal of each frame.
+void read_physical_value(benchmark::State& state) {
+  const ZelkManager manager(static_cast<void*>(nullptr));
+  std::vector<const sigblk*> signals;
+  for (const Frame& frame : traffic().frames) {
+    signals.push_back(&traffic().signals[frame.message * kSignals + signals.size() % kSignals]);
+  }
+  const msgblk& message = traffic().messages.front();
+  for (auto _ : state) {
+    const sigblk* const* signal = signals.data();
+    for (const Frame& frame : traffic().frames) {
+      double physical = 0.0;
+      manager.GetSignalPhysicalValue(frame.data[0], **signal++, message, physical);
+      benchmark::DoNotOptimize(physical);
+    }
+  }
+  count_frames(state, 1);
+}
+BENCHMARK(read_physical_value);
+
+void encode_frames(benchmark::State& state) {
+  std::vector<ZelkFrameEncoder> encoders;
+  for (const msgblk& message : traffic().messages) encoders.emplace_back(message);
+  const auto values = decoded_frames();
+  const auto& frames = traffic().frames;
+  for (auto _ : state) {
+    for (std::size_t i = 0; i < kFrames; ++i) {
+      unsigned char data[kFrameBytes] = {};
+      encoders[frames[i].message].Encode(values[i].data(), nullptr, data, kFrameBytes);
+      benchmark::DoNotOptimize(data);
+    }
+  }
+  count_frames(state, kSignals);
+}
+BENCHMARK(encode_frames);
+
+}  // namespace
+}  // namespace zelk::bench

@@ -1,0 +1,132 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "access/frames.hpp"
+
+namespace {
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+
+sigblk scaled(unsigned flags, double factor, double offset) {
+  sigblk signal = make_signal(0, 8, flags);
+  signal.factor = factor;
+  signal.offset = offset;
+  return signal;
+}
+
+TEST(Conversion, OfRawValues) {
+  const Manager manager;
+  const struct {
+    unsigned flags;
+    unsigned long raw;
+    long long raw_64;
+    double factor, offset, physical, physical_64;
+  } cases[] = {
+      {0, 5, 5, 1.0, 0.0, 5.0, 5.0},
+      {0, 0xFFFFFFFF, -1, 1.0, 0.0, 4294967295.0, 0x1p64},
+      {kSigned, 0xFFFFFFFF, -1, 1.0, 0.0, -1.0, -1.0},
+      {kSigned, 0x80000000, std::numeric_limits<long long>::min(), 0.5, 1.0, -0x1p30 + 1, -0x1p62},
+      {0, 0x80000000, std::numeric_limits<long long>::min(), 2.0, 0.0, 0x1p32, 0x1p64},
+      // The product is rounded before it is added to: fused, this would be 0x1p-55.
+      {0, 3, 3, 0.1, -0.3, 0x1p-54, 0x1p-54},
+      {0, 200, 200, 0.0, -7.5, -7.5, -7.5},
+      // Only 32 bits of an `unsigned long` count, where it has more.
+      {0, static_cast<unsigned long>(0x700000005), 0x700000005, 1.0, 0.0, 5.0, 30064771077.0},
+  };
+  for (const auto& c : cases) {
+    const sigblk signal = scaled(c.flags, c.factor, c.offset);
+    double physical = kNan;
+    EXPECT_EQ(manager.RawToPhysicalValue(c.raw, signal, physical), 0);
+    EXPECT_EQ(physical, c.physical) << c.raw;
+    EXPECT_EQ(manager.RawToPhysicalValueInt64(c.raw_64, signal, physical), 0);
+    EXPECT_EQ(physical, c.physical_64) << c.raw_64;
+  }
+  double physical = 0.0;
+  EXPECT_EQ(manager.RawToPhysicalValue(-2.5, scaled(0, 2.0, 1.0), physical), 0);
+  EXPECT_EQ(physical, -4.0);
+}
+
+TEST(Conversion, OfPhysicalValues) {
+  const Manager manager;
+  constexpr long long kMost = std::numeric_limits<long long>::max();
+  constexpr long long kLeast = std::numeric_limits<long long>::min();
+  const struct {
+    double physical, factor, offset;
+    unsigned long raw_unsigned, raw_signed;
+    long long raw_64_unsigned, raw_64_signed;
+  } cases[] = {
+      {2.5, 1.0, 0.0, 3, 3, 3, 3},
+      {-2.5, 1.0, 0.0, 0xFFFFFFFD, 0xFFFFFFFD, 0, -3},
+      {-0.5, 1.0, 0.0, 0xFFFFFFFF, 0xFFFFFFFF, 0, -1},
+      // Half is added in double arithmetic, which makes whole ones of these two.
+      {0.49999999999999994, 1.0, 0.0, 1, 1, 1, 1},
+      {-0.49999999999999994, 1.0, 0.0, 0xFFFFFFFF, 0xFFFFFFFF, 0, -1},
+      {0x1p52 + 1, 1.0, 0.0, 2, 0x7FFFFFFF, 0x10000000000002, 0x10000000000002},
+      {25.0, -0.5, 10.0, 0xFFFFFFE2, 0xFFFFFFE2, 0, -30},
+      {4294967301.0, 1.0, 0.0, 5, 0x7FFFFFFF, 4294967301, 4294967301},
+      {2147483647.5, 1.0, 0.0, 0x80000000, 0x7FFFFFFF, 2147483648, 2147483648},
+      {-2147483648.5, 1.0, 0.0, 0x7FFFFFFF, 0x80000000, 0, -2147483649},
+      {0x1p63, 1.0, 0.0, 0xFFFFFFFF, 0x7FFFFFFF, kLeast, kMost},
+      {0x1p63 - 1024, 1.0, 0.0, 0xFFFFFC00, 0x7FFFFFFF, kMost - 1023, kMost - 1023},
+      {-0x1p63, 1.0, 0.0, 0, 0x80000000, 0, kLeast},
+      {0x1p64, 1.0, 0.0, 0xFFFFFFFF, 0x7FFFFFFF, -1, kMost},
+      {kInfinity, 1.0, 0.0, 0xFFFFFFFF, 0x7FFFFFFF, -1, kMost},
+      {-kInfinity, 1.0, 0.0, 0, 0x80000000, 0, kLeast},
+      {kNan, 1.0, 0.0, 0, 0, 0, 0},
+      {3.0, 0.0, 2.0, 0xFFFFFFFF, 0x7FFFFFFF, -1, kMost},
+      {2.0, 0.0, 2.0, 0, 0, 0, 0},
+  };
+  for (const auto& c : cases) {
+    const sigblk of_unsigned = scaled(0, c.factor, c.offset);
+    const sigblk of_signed = scaled(kSigned, c.factor, c.offset);
+    unsigned long raw = 77;
+    long long raw_64 = 77;
+    EXPECT_EQ(manager.PhysicalToRawValue(c.physical, of_unsigned, raw), 0);
+    EXPECT_EQ(raw, c.raw_unsigned) << c.physical;
+    EXPECT_EQ(manager.PhysicalToRawValue(c.physical, of_signed, raw), 0);
+    EXPECT_EQ(raw, c.raw_signed) << c.physical;
+    EXPECT_EQ(manager.PhysicalToRawValueInt64(c.physical, of_unsigned, raw_64), 0);
+    EXPECT_EQ(raw_64, c.raw_64_unsigned) << c.physical;
+    EXPECT_EQ(manager.PhysicalToRawValueInt64(c.physical, of_signed, raw_64), 0);
+    EXPECT_EQ(raw_64, c.raw_64_signed) << c.physical;
+  }
+  double raw = 0.0;
+  EXPECT_EQ(manager.PhysicalToRawValue(2.6, scaled(0, 0.5, 0.1), raw), 0);
+  EXPECT_EQ(raw, 5.0);
+  EXPECT_EQ(manager.PhysicalToRawValue(0.7, scaled(0, 1.0, 0.0), raw), 0);
+  EXPECT_EQ(raw, 0.7);
+}
+
+TEST(Conversion, TestsTheRangeOfThePhysicalValue) {
+  const Manager manager;
+  const struct {
+    double minimum, maximum, physical;
+    int result;
+  } cases[] = {{0.0, 0.0, 1e8, 0},   {-0.0, 0.0, -1e8, 0},    {0.0, 10.0, 10.5, 4},
+               {0.0, 10.0, 10.0, 0}, {0.0, 10.0, 0.0, 0},     {0.0, 10.0, -0.25, 4},
+               {5.0, 0.0, 3.0, 4},   {-5.0, 0.0, 1.0, 4},     {-5.0, 0.0, -5.0, 0},
+               {0.0, 1.0, kNan, 0},  {0.0, 1.0, kInfinity, 4}};
+  for (const auto& c : cases) {
+    sigblk signal = scaled(kSigned, 0.25, 0.0);
+    signal.minimum = c.minimum;
+    signal.maximum = c.maximum;
+    double raw = 77.0, physical = 77.0;
+    unsigned long raw_32 = 77;
+    long long raw_64 = 77;
+    EXPECT_EQ(manager.PhysicalToRawValue(c.physical, signal, raw), c.result) << c.physical;
+    EXPECT_EQ(manager.PhysicalToRawValue(c.physical, signal, raw_32), c.result) << c.physical;
+    EXPECT_EQ(manager.PhysicalToRawValueInt64(c.physical, signal, raw_64), c.result) << c.physical;
+    EXPECT_EQ(manager.RawToPhysicalValue(raw, signal, physical), c.result) << c.physical;
+    if (!std::isfinite(c.physical)) continue;
+    EXPECT_EQ(physical, c.physical);
+    EXPECT_EQ(manager.RawToPhysicalValue(raw_32, signal, physical), c.result) << c.physical;
+    EXPECT_EQ(physical, c.physical);
+    EXPECT_EQ(manager.RawToPhysicalValueInt64(raw_64, signal, physical), c.result) << c.physical;
+    EXPECT_EQ(physical, c.physical);
+  }
+}
+
+}  // namespace

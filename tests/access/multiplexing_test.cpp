@@ -1,0 +1,144 @@
+#include <gtest/gtest.h>
+
+#include "access/frames.hpp"
+
+namespace {
+
+TEST(MultiplexedSignals, FactsOfASignal) {
+  EXPECT_EQ(ZelkManager::GetMultiplexorSignal(nullptr), nullptr);
+  EXPECT_FALSE(ZelkManager::SignalIsMultiplexor(nullptr));
+  EXPECT_FALSE(ZelkManager::SignalIsMultiplexed(nullptr));
+  EXPECT_FALSE(ZelkManager::SignalIsMultiplexedByValue(nullptr, 0));
+  EXPECT_EQ(ZelkManager::GetMultiplexorValueRanges(nullptr), nullptr);
+
+  Message message;
+  sigblk& multiplexor = message.add(make_signal(0, 8, kMultiplexor));
+  sigblk& linked = message.add(make_signal(8, 8));
+  linked.mux_signal = &multiplexor;
+  sigblk& ranged = message.add(make_signal(8, 8));
+  message.add_range(ranged, 0xFFFFFFFE, 0xFFFFFFFF);
+  message.add_range(ranged, 9, 3);
+  message.add_range(ranged, 1, 3);
+  for (const sigblk* signal : {&multiplexor, &linked, &ranged}) {
+    EXPECT_EQ(ZelkManager::SignalIsMultiplexor(signal), signal == &multiplexor);
+    EXPECT_EQ(ZelkManager::SignalIsMultiplexed(signal), signal != &multiplexor);
+    EXPECT_EQ(ZelkManager::GetMultiplexorSignal(signal), signal->mux_signal);
+    EXPECT_EQ(ZelkManager::GetMultiplexorValueRanges(signal), signal->mux_ranges);
+  }
+  const struct {
+    unsigned long value;
+    bool is_selected;
+  } values[] = {{0, false}, {1, true},           {3, true},          {4, false},
+                {9, false}, {0xFFFFFFFD, false}, {0xFFFFFFFE, true}, {0xFFFFFFFF, true}};
+  for (const auto& v : values) {
+    EXPECT_EQ(ZelkManager::SignalIsMultiplexedByValue(&ranged, v.value), v.is_selected) << v.value;
+    EXPECT_FALSE(ZelkManager::SignalIsMultiplexedByValue(&linked, v.value)) << v.value;
+    EXPECT_FALSE(ZelkManager::SignalIsMultiplexedByValue(&multiplexor, v.value)) << v.value;
+  }
+}
+
+/// Whether a signal at byte 12 is present, by the test itself and by the result of a reading.
+bool is_present(const Frame& frame, const sigblk& signal) {
+  const Manager manager;
+  const msgblk other = {};
+  const bool present = manager.CheckSignalModeValue(frame[0], signal, other);
+  long long raw = 0;
+  EXPECT_EQ(manager.GetSignalRawValueInt64(frame[0], signal, other, raw), present ? 0 : 5);
+  EXPECT_EQ(raw, 0x5A);
+  return present;
+}
+
+TEST(MultiplexedSignals, PresenceByTheMultiplexor) {
+  const struct {
+    sigblk multiplexor;
+    std::uint32_t low, high;
+    bool is_present;
+  } cases[] = {
+      // The frame counts: byte 0 is 0xF0, byte 1 0xF1 ...
+      {make_signal(0, 8), 0xF0, 0xF0, true},
+      {make_signal(0, 8), 0xF1, 0xFFFFFFFF, false},
+      {make_signal(0, 8), 0, 0xEF, false},
+      {make_signal(0, 8), 0, 0xFFFFFFFF, true},
+      {make_signal(0, 8), 0xF1, 0xEF, false},
+      {make_signal(15, 16, kMotorola), 0xF1F2, 0xF1F2, true},
+      // Two's complement of 32 bits.
+      {make_signal(0, 8, kSigned), 0xF0, 0xF0, false},
+      {make_signal(0, 8, kSigned), 0xFFFFFFF0, 0xFFFFFFF0, true},
+      {make_signal(0, 32), 0xF3F2F1F0, 0xF3F2F1F0, true},
+      // Of 33 to 63 bits the low (length - 32) ones are compared, of 64 the low 32.
+      {make_signal(0, 33), 0, 0, true},
+      {make_signal(0, 40), 0xF0, 0xF0, true},
+      {make_signal(0, 40), 0xF3F2F1F0, 0xF3F2F1F0, false},
+      {make_signal(0, 63), 0x73F2F1F0, 0x73F2F1F0, true},
+      {make_signal(0, 64), 0xF3F2F1F0, 0xF3F2F1F0, true},
+      {make_signal(0, 33, kSigned), 0, 0xFFFFFFFF, false},
+      {make_signal(0, 65), 0, 0xFFFFFFFF, false},
+      {make_signal(0, 0), 0, 0, true},
+  };
+  Frame frame(13);
+  for (std::size_t i = 0; i < 12; ++i) frame[i] = static_cast<unsigned char>(0xF0 + i);
+  frame[12] = 0x5A;
+  for (const auto& c : cases) {
+    Message message;
+    sigblk& multiplexor = message.add(c.multiplexor);
+    sigblk& signal = message.add(make_signal(96, 8));
+    message.select(signal, multiplexor, c.low, c.high);
+    EXPECT_EQ(is_present(frame, signal), c.is_present)
+        << c.multiplexor.length << ", " << c.low << ", " << c.high;
+  }
+}
+
+TEST(MultiplexedSignals, SeveralRangesOrNone) {
+  Frame frame(13);
+  frame[0] = 5;
+  frame[12] = 0x5A;
+  Message message;
+  sigblk& multiplexor = message.add(make_signal(0, 8, kMultiplexor));
+  sigblk& signal = message.add(make_signal(96, 8));
+  EXPECT_TRUE(is_present(frame, signal));
+  signal.mux_signal = &multiplexor;
+  EXPECT_FALSE(is_present(frame, signal));
+  message.add_range(signal, 1, 3);
+  EXPECT_FALSE(is_present(frame, signal));
+  message.add_range(signal, 5, 5);
+  EXPECT_TRUE(is_present(frame, signal));
+  signal.mux_signal = nullptr;
+  EXPECT_TRUE(ZelkManager::SignalIsMultiplexedByValue(&signal, 5));
+  EXPECT_FALSE(is_present(frame, signal));
+}
+
+TEST(MultiplexedSignals, IsNested) {
+  Message message;
+  sigblk& top = message.add(make_signal(0, 8, kMultiplexor));
+  sigblk& middle = message.add(make_signal(8, 8, kMultiplexor));
+  sigblk& inner = message.add(make_signal(16, 8, kMultiplexor));
+  sigblk& signal = message.add(make_signal(96, 8));
+  message.select(middle, top, 1, 1);
+  message.select(inner, middle, 2, 2);
+  message.select(signal, inner, 3, 3);
+  for (unsigned selected = 0; selected < 8; ++selected) {
+    Frame frame(13);
+    for (unsigned i = 0; i < 3; ++i) {
+      frame[i] = static_cast<unsigned char>((selected >> i & 1U) != 0 ? i + 1 : 0);
+    }
+    frame[12] = 0x5A;
+    EXPECT_EQ(is_present(frame, signal), selected == 7) << selected;
+  }
+}
+
+TEST(MultiplexedSignals, InACircleIsNeverPresent) {
+  Frame frame(13);
+  frame[12] = 0x5A;
+  for (std::size_t members = 1; members <= 5; ++members) {
+    Message message;
+    for (std::size_t i = 0; i < members; ++i) message.add(make_signal(96, 8, kMultiplexor));
+    sigblk& outside = message.add(make_signal(96, 8));
+    for (std::size_t i = 0; i < members; ++i) {
+      message.select(message.signals[i], message.signals[(i + 1) % members], 0, 255);
+    }
+    message.select(outside, message.signals[0], 0, 255);
+    for (const sigblk& signal : message.signals) EXPECT_FALSE(is_present(frame, signal)) << members;
+  }
+}
+
+}  // namespace
