@@ -1,5 +1,7 @@
 #include "capi/j1939.hpp"
 
+#include <array>
+
 namespace {
 
 /// A list of messages as a range of pointers.
@@ -32,7 +34,7 @@ class MessageRange {
 
 extern "C" msgblk* zelk_get_j1939_message(msgblk* messages, attr_def* definitions, uint32_t id,
                                           uint32_t flags) {
-  return zelk::j1939::find_message(MessageRange(messages), id, flags, [definitions] {
-    return zelk::j1939::default_is_j1939_format(definitions);
-  });
+  const std::array list = {MessageRange(messages)};
+  return zelk::j1939::find_message(
+      list, id, flags, [definitions] { return zelk::j1939::default_is_j1939_format(definitions); });
 }

@@ -16,6 +16,7 @@
 #ifndef ZELK_CAPI_J1939_HPP
 #define ZELK_CAPI_J1939_HPP
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -117,15 +118,32 @@ struct Match {
   bool is_final;
 };
 
-template <typename Messages>
-Match match_can_ids(const Messages& messages, std::uint32_t id) {
+template <typename Lists>
+Match match_can_ids(const Lists& lists, std::uint32_t id) {
   const FrameId frame = frame_of_id(id);
   Slots slots;
-  for (msgblk* message : messages) {
-    if (message->id == id) return {message, true};
-    offer(slots, *message, frame);
+  for (const auto& messages : lists) {
+    for (msgblk* message : messages) {
+      if (message->id == id) return {message, true};
+      offer(slots, *message, frame);
+    }
   }
   return {slots.best(), false};
+}
+
+/// Equal for the messages that compete for one slot of a frame: their group, destination and
+/// source.
+constexpr std::uint32_t address_key(std::uint32_t id) { return id & 0x3FFFFFF; }
+
+/// Keys of all messages that `match_can_ids` may take for a frame, in any order; they may repeat.
+inline std::array<std::uint32_t, 4> address_keys(const FrameId& frame) {
+  const std::uint32_t group = frame.group.key << 8;
+  const auto destination = [&frame](std::uint32_t address) {
+    return frame.group.is_pdu1 ? address << 8 : 0;
+  };
+  const std::uint32_t own = group | destination(frame.group.destination);
+  const std::uint32_t any = group | destination(kAnyAddress);
+  return {own | frame.source, any | frame.source, own | kAnyAddress, any | kAnyAddress};
 }
 
 /// Messages of the two proprietary groups carry a source address above their group number:
@@ -134,40 +152,64 @@ Match match_can_ids(const Messages& messages, std::uint32_t id) {
 ///   +-----+----+------------+-------+------------------+
 ///   | ext | 0  | source     | 0     | group number     |
 ///   +-----+----+------------+-------+------------------+
-template <typename Messages>
-Match match_proprietary_groups(const Messages& messages, const FrameId& frame) {
+constexpr std::uint32_t source_of_number(std::uint32_t id) { return (id >> 21) & 0xFF; }
+
+template <typename Lists>
+Match match_proprietary_groups(const Lists& lists, const FrameId& frame) {
   Slots slots;
-  for (msgblk* message : messages) {
-    if ((message->id & ZELK_ID_EXTENDED) == 0) continue;
-    const Group group = group_of_number(message->id);
-    if (group.key != frame.group.key) continue;
-    const std::uint32_t source = (message->id >> 21) & 0xFF;
-    const bool same_source = source == frame.source;
-    const bool same_destination = group.destination == frame.group.destination;
-    if (same_source && same_destination) return {message, true};
-    if (group.destination == kAnyAddress && same_source) {
-      slots.any_destination = message;
-    } else if (source == kAnyAddress && same_destination) {
-      slots.any_source = message;
-    } else if (source == kAnyAddress && frame.group.destination == kAnyAddress) {
-      // The frame's destination, not the message's: a stored group for any source and another
-      // address still describes frames to address 0xFE.
-      slots.any_both = message;
+  for (const auto& messages : lists) {
+    for (msgblk* message : messages) {
+      if ((message->id & ZELK_ID_EXTENDED) == 0) continue;
+      const Group group = group_of_number(message->id);
+      if (group.key != frame.group.key) continue;
+      const std::uint32_t source = source_of_number(message->id);
+      const bool same_source = source == frame.source;
+      const bool same_destination = group.destination == frame.group.destination;
+      if (same_source && same_destination) return {message, true};
+      if (group.destination == kAnyAddress && same_source) {
+        slots.any_destination = message;
+      } else if (source == kAnyAddress && same_destination) {
+        slots.any_source = message;
+      } else if (source == kAnyAddress && frame.group.destination == kAnyAddress) {
+        // The frame's destination, not the message's: a stored group for any source and another
+        // address still describes frames to address 0xFE.
+        slots.any_both = message;
+      }
     }
   }
   return {slots.best(), false};
 }
 
-template <typename Messages>
-Match match_group_numbers(const Messages& messages, std::uint32_t id) {
+/// Equal for the messages that compete for one slot of a frame: their group and source.
+inline std::uint32_t proprietary_key(std::uint32_t id) {
+  return group_of_number(id).key | source_of_number(id) << 21;
+}
+
+/// Keys of all messages that `match_proprietary_groups` may take for a frame, in any order; they
+/// repeat.
+inline std::array<std::uint32_t, 4> proprietary_keys(const FrameId& frame) {
+  const std::uint32_t own = frame.group.key | frame.source << 21;
+  const std::uint32_t any = frame.group.key | kAnyAddress << 21;
+  return {own, any, own, any};
+}
+
+inline bool is_proprietary(const FrameId& frame) {
+  return frame.format == kProprietaryPdu1Format || frame.format == kProprietaryPdu2Format;
+}
+
+/// The identifier that stores the number of a group that is not proprietary.
+inline std::uint32_t stored_id(const Group& group) { return group.key | ZELK_ID_EXTENDED; }
+
+template <typename Lists>
+Match match_group_numbers(const Lists& lists, std::uint32_t id) {
   const FrameId frame = frame_of_id(id);
-  if (frame.format == kProprietaryPdu1Format || frame.format == kProprietaryPdu2Format) {
-    return match_proprietary_groups(messages, frame);
-  }
+  if (is_proprietary(frame)) return match_proprietary_groups(lists, frame);
   const bool id_is_key = (id & ZELK_ID_EXTENDED) == 0;
-  const std::uint32_t group_id = frame.group.key | ZELK_ID_EXTENDED;
-  for (msgblk* message : messages) {
-    if ((id_is_key && message->id == id) || message->id == group_id) return {message, true};
+  const std::uint32_t group_id = stored_id(frame.group);
+  for (const auto& messages : lists) {
+    for (msgblk* message : messages) {
+      if ((id_is_key && message->id == id) || message->id == group_id) return {message, true};
+    }
   }
   return {nullptr, true};
 }
@@ -186,17 +228,17 @@ inline bool value_is_j1939_format(const msgblk& message) {
   return value != nullptr && is_j1939_format(attribute_text(*value));
 }
 
-/// What `zelk_get_j1939_message` finds among messages in their list's order. A message of another
-/// group than the frame's changes nothing, and may be left out.
+/// What `zelk_get_j1939_message` finds among messages.
 ///
-/// @param messages                 a range of pointers
+/// @param lists                    a range of ranges of pointers: messages that compete for one
+/// slot stand in one range, in their list's order; those that no rule takes may be left out
 /// @param default_is_j1939_format  tells, when it is asked, whether the default of the frame format
 /// does; it decides also for a message that states another format
-template <typename Messages, typename DefaultFormat>
-msgblk* find_message(const Messages& messages, std::uint32_t id, std::uint32_t flags,
+template <typename Lists, typename DefaultFormat>
+msgblk* find_message(const Lists& lists, std::uint32_t id, std::uint32_t flags,
                      DefaultFormat default_is_j1939_format) {
-  const Match match = (flags & ZELK_J1939_PGN_IDS) != 0 ? match_group_numbers(messages, id)
-                                                        : match_can_ids(messages, id);
+  const Match match =
+      (flags & ZELK_J1939_PGN_IDS) != 0 ? match_group_numbers(lists, id) : match_can_ids(lists, id);
   const bool is_tested = (flags & ZELK_J1939_FRAME_FORMAT) != 0 && !match.is_final;
   if (match.message == nullptr || !is_tested) return match.message;
   const bool has_format = value_is_j1939_format(*match.message) || default_is_j1939_format();

@@ -25,10 +25,10 @@ std::filesystem::path write_file(const std::string& name, const std::string& con
   return path;
 }
 
-ToolRun run_tool(const std::string& arguments, Output output) {
+ToolRun run_tool(const std::string& arguments, Output output, const std::string& input) {
   const std::filesystem::path folder = test_folder();
   std::filesystem::remove(folder / "out.txt");
   std::filesystem::remove(folder / "err.txt");
-  const int exit_code = run_program(folder, arguments, output);
+  const int exit_code = run_program(folder, arguments, output, input);
   return {exit_code, bytes_of(folder / "out.txt"), content_of(folder / "err.txt")};
 }

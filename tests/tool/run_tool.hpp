@@ -23,7 +23,10 @@ struct ToolRun {
 
 /// Runs the program with `arguments`, parted by blanks and in UTF-8, in a folder of the running
 /// test. A file that `write_file` made is named as it was there.
-ToolRun run_tool(const std::string& arguments, Output output = Output::kFile);
+///
+/// @param input  file that standard input comes from; empty for an empty input
+ToolRun run_tool(const std::string& arguments, Output output = Output::kFile,
+                 const std::string& input = "");
 
 /// Writes `content` to the file `name`, which is in UTF-8, in the running test's folder; returns
 /// where that is.
@@ -31,6 +34,7 @@ std::filesystem::path write_file(const std::string& name, const std::string& con
 
 /// Runs the program in `folder` with standard error led into `err.txt` there, and standard output
 /// into `out.txt` if into a file; returns the exit code, as in `ToolRun`. Each system has its own.
-int run_program(const std::filesystem::path& folder, const std::string& arguments, Output output);
+int run_program(const std::filesystem::path& folder, const std::string& arguments, Output output,
+                const std::string& input);
 
 #endif

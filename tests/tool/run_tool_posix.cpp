@@ -19,8 +19,11 @@ std::string redirected(const std::string& command, Output output) {
 
 }  // namespace
 
-int run_program(const std::filesystem::path& folder, const std::string& arguments, Output output) {
-  const std::string command = redirected("'" ZELK_PROGRAM "' " + arguments + " 2>err.txt", output);
+int run_program(const std::filesystem::path& folder, const std::string& arguments, Output output,
+                const std::string& input) {
+  const std::string source = input.empty() ? "/dev/null" : input;
+  const std::string command =
+      redirected("'" ZELK_PROGRAM "' " + arguments + " <'" + source + "' 2>err.txt", output);
   const int status = std::system(("cd '" + folder.string() + "' && " + command).c_str());
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }

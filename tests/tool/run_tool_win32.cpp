@@ -20,6 +20,11 @@ Handle open_file(const std::filesystem::path& path, DWORD access, DWORD creation
                             creation, FILE_ATTRIBUTE_NORMAL, nullptr));
 }
 
+Handle open_input(const std::filesystem::path& folder, const std::string& input) {
+  const std::filesystem::path name(std::u8string(input.begin(), input.end()));
+  return open_file(input.empty() ? "NUL" : folder / name, GENERIC_READ, OPEN_EXISTING);
+}
+
 Handle open_output(const std::filesystem::path& folder, Output output) {
   if (output == Output::kFile) return open_file(folder / "out.txt", GENERIC_WRITE, CREATE_ALWAYS);
   if (output == Output::kRefused) return open_file("NUL", GENERIC_READ, OPEN_EXISTING);
@@ -37,12 +42,15 @@ std::wstring command_line(const std::string& arguments) {
 
 }  // namespace
 
-int run_program(const std::filesystem::path& folder, const std::string& arguments, Output output) {
+int run_program(const std::filesystem::path& folder, const std::string& arguments, Output output,
+                const std::string& input) {
+  const Handle in = open_input(folder, input);
   const Handle out = open_output(folder, output);
   const Handle err = open_file(folder / "err.txt", GENERIC_WRITE, CREATE_ALWAYS);
   STARTUPINFOW startup = {};
   startup.cb = sizeof startup;
   startup.dwFlags = STARTF_USESTDHANDLES;
+  startup.hStdInput = in.get();
   startup.hStdOutput = out.get();
   startup.hStdError = err.get();
   PROCESS_INFORMATION started = {};

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <optional>
 
+#include "database.hpp"
 #include "text.hpp"
 
 namespace zelk::tool {
@@ -49,6 +50,13 @@ std::string_view attribute_text(const attr& value) {
 
 std::string_view default_text(const attr_def& definition) {
   return is_text(definition) ? view(definition.default_value.text) : std::string_view();
+}
+
+std::string_view attribute_text(const attr* values, const attr_def* definition) {
+  if (!definition) return {};
+  for (const attr& value : each(values))
+    if (value.def == definition) return attribute_text(value);
+  return default_text(*definition);
 }
 
 std::string shown_value(const attr& value) {

@@ -18,6 +18,10 @@ std::string_view attribute_text(const attr& value);
 /// The text of a default: that of a STRING or ENUM; empty for numbers and for no text.
 std::string_view default_text(const attr_def& definition);
 
+/// The text that an object with the attribute values `values` has for `definition`: its own, else
+/// the default. Empty without a definition.
+std::string_view attribute_text(const attr* values, const attr_def* definition);
+
 /// A value as it is shown: 5, 0x1F (31), "text", "item" (0).
 std::string shown_value(const attr& value);
 

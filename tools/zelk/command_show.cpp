@@ -1,29 +1,18 @@
-#include <algorithm>
-#include <charconv>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "commands.hpp"
 #include "database.hpp"
 #include "describe.hpp"
+#include "lookup.hpp"
 #include "text.hpp"
 
 namespace zelk::tool {
 
 namespace {
-
-/// A whole number of at most 32 bits, decimal or hexadecimal behind "0x".
-std::optional<std::uint32_t> parse_id(std::string_view text) {
-  const bool hexadecimal = text.starts_with("0x") || text.starts_with("0X");
-  if (hexadecimal) text.remove_prefix(2);
-  std::uint32_t number = 0;
-  const char* end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, number, hexadecimal ? 16 : 10);
-  if (error != std::errc() || stop != end) return std::nullopt;
-  return number;
-}
 
 /// Calls `visit(name, show)` for every named record of the database, in the order in which they are
 /// shown; `show()` describes it.
@@ -75,25 +64,12 @@ bool show_name(const ZelkDatabase& database, const Describer& describer, std::st
   return found;
 }
 
-/// The names that somebody who typed `name` may have meant, nearest first: ", did you mean A, B?";
-/// empty for none.
-std::string suggestion(const ZelkDatabase& database, const Describer& describer,
-                       std::string_view name) {
-  constexpr std::size_t kMaxNames = 6;
-  const std::size_t limit = std::min<std::size_t>(2, name.size() / 3);
-  std::vector<std::pair<std::size_t, std::string_view>> near;
-  for_each_named(database, describer, [&](std::string_view candidate, const auto&) {
-    const std::size_t distance = edit_distance(candidate, name, limit);
-    if (distance <= limit) near.emplace_back(distance, candidate);
-  });
-  std::ranges::sort(near);
-  near.erase(std::unique(near.begin(), near.end()), near.end());
-  near.resize(std::min(near.size(), kMaxNames));
-
-  std::string text;
-  for (const auto& [distance, candidate] : near)
-    text += (text.empty() ? "; did you mean " : ", ") + escaped(candidate);
-  return text.empty() ? text : text + "?";
+/// All that `show_name` finds.
+std::vector<std::string_view> all_names(const ZelkDatabase& database, const Describer& describer) {
+  std::vector<std::string_view> names;
+  for_each_named(database, describer,
+                 [&](std::string_view name, const auto&) { names.push_back(name); });
+  return names;
 }
 
 ExitCode show_object(const std::string& path, const ZelkDatabase& database,
@@ -106,7 +82,7 @@ ExitCode show_object(const std::string& path, const ZelkDatabase& database,
   }
   if (show_name(database, describer, object, out)) return kExitSuccess;
   print_error(fmt::format("{}: nothing is named {}{}", escaped(path), in_quotes(object),
-                          suggestion(database, describer, object)));
+                          suggestion(all_names(database, describer), object)));
   return kExitFailure;
 }
 

@@ -14,9 +14,9 @@ namespace zelk::tool {
 /// Exit codes of the program.
 enum ExitCode {
   kExitSuccess = 0,
-  kExitFailure =
-      1,  ///< a file cannot be read, an object is not found, or the output cannot be written
-  kExitUsage = 2  ///< the command line is wrong
+  kExitFailure = 1,  ///< a file cannot be read, an object is not found, a value cannot be encoded,
+                     ///< or the output cannot be written
+  kExitUsage = 2     ///< the command line is wrong
 };
 
 /// What the command line asks for. Results go to the output, failures to standard error.
@@ -27,7 +27,11 @@ using Action = std::function<ExitCode(Output&)>;
 
 void add_check_command(CLI::App& app, Action& action);
 void add_show_command(CLI::App& app, Action& action);
+void add_list_command(CLI::App& app, Action& action);
+void add_find_command(CLI::App& app, Action& action);
 void add_rewrite_command(CLI::App& app, Action& action);
+void add_decode_command(CLI::App& app, Action& action);
+void add_encode_command(CLI::App& app, Action& action);
 
 }  // namespace zelk::tool
 

@@ -7,6 +7,19 @@ namespace zelk::tool {
 
 namespace {
 
+/// Runs `show` for each record of a list under a heading with their number; an empty list leaves no
+/// trace.
+template <typename Record, typename Show>
+void section(Output& out, std::string_view heading, const Record* head, const Show& show) {
+  if (!head) return;
+  out.blank();
+  out.line("{} ({})", heading, each(head).size());
+  const Output::Indent indent(out);
+  for (const Record& record : each(head)) show(record);
+}
+
+}  // namespace
+
 std::string_view env_var_type(std::uint32_t type) {
   switch (type) {
     case ZELK_ENVVAR_INTEGER:
@@ -21,19 +34,6 @@ std::string_view env_var_type(std::uint32_t type) {
       return "unknown type";
   }
 }
-
-/// Runs `show` for each record of a list under a heading with their number; an empty list leaves no
-/// trace.
-template <typename Record, typename Show>
-void section(Output& out, std::string_view heading, const Record* head, const Show& show) {
-  if (!head) return;
-  out.blank();
-  out.line("{} ({})", heading, each(head).size());
-  const Output::Indent indent(out);
-  for (const Record& record : each(head)) show(record);
-}
-
-}  // namespace
 
 Describer::Describer(const ZelkDatabase& database, Output& out)
     : database_(database), out_(out), j1939_(database) {}

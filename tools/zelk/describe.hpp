@@ -4,6 +4,8 @@
 #ifndef ZELK_TOOL_DESCRIBE_HPP
 #define ZELK_TOOL_DESCRIBE_HPP
 
+#include <cstdint>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -61,6 +63,12 @@ class Describer {
   Output& out_;
   J1939 j1939_;
 };
+
+/// "integer", "string", ...: the type of an environment variable (`ZELK_ENVVAR_*`).
+std::string_view env_var_type(std::uint32_t type);
+
+/// "signed", "IEEE single", ...: how the bits of a signal or signal type are read.
+std::string number_format(std::uint16_t flags, std::uint32_t value_type);
 
 /// "0x123 (291), 11-bit": the identifier without its format bit, and its format.
 std::string shown_id(std::uint32_t id);

@@ -13,21 +13,6 @@ namespace {
 constexpr std::uint32_t kLargestStandardId = 0x7FF;
 constexpr std::uint32_t kLargestExtendedId = 0x1FFFFFFF;
 
-/// "integer", "IEEE single", ...
-std::string number_format(std::uint16_t flags, std::uint32_t value_type) {
-  switch (value_type) {
-    case ZELK_VALUE_INTEGER:
-      return flags & ZELK_SIGNAL_SIGNED ? "signed" : "unsigned";
-    case ZELK_VALUE_IEEE_SINGLE:
-      return "IEEE single";
-    case ZELK_VALUE_IEEE_DOUBLE:
-      return "IEEE double";
-    default:
-      return fmt::format("{}, value type {}", flags & ZELK_SIGNAL_SIGNED ? "signed" : "unsigned",
-                         value_type);
-  }
-}
-
 /// "16 bits, Intel, unsigned"
 template <typename Coded>
 std::string coding(const Coded& coded) {
@@ -88,6 +73,20 @@ std::string place_text(const sigblk& signal) {
 }
 
 }  // namespace
+
+std::string number_format(std::uint16_t flags, std::uint32_t value_type) {
+  switch (value_type) {
+    case ZELK_VALUE_INTEGER:
+      return flags & ZELK_SIGNAL_SIGNED ? "signed" : "unsigned";
+    case ZELK_VALUE_IEEE_SINGLE:
+      return "IEEE single";
+    case ZELK_VALUE_IEEE_DOUBLE:
+      return "IEEE double";
+    default:
+      return fmt::format("{}, value type {}", flags & ZELK_SIGNAL_SIGNED ? "signed" : "unsigned",
+                         value_type);
+  }
+}
 
 std::string shown_id(std::uint32_t id) {
   const bool extended = id & ZELK_ID_EXTENDED;

@@ -17,7 +17,8 @@ namespace {
 constexpr const char* kExitCodes =
     "Exit codes:\n"
     "  0  success\n"
-    "  1  a file cannot be read, an object is not found, or the output cannot be written\n"
+    "  1  a file cannot be read, an object is not found, a value cannot be encoded, or the output\n"
+    "     cannot be written\n"
     "  2  the command line is wrong";
 
 /// Tells what is wrong with the command line.
@@ -51,7 +52,11 @@ ExitCode run(int argc, char** argv, Output& out) {
   app.footer(kExitCodes);        // subcommands added from here on take it over
   add_check_command(app, action);
   add_show_command(app, action);
+  add_list_command(app, action);
+  add_find_command(app, action);
   add_rewrite_command(app, action);
+  add_decode_command(app, action);
+  add_encode_command(app, action);
 
   try {
     app.parse(argc, argv);

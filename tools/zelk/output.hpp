@@ -39,6 +39,10 @@ class Output {
   /// A text as it stands, without indentation.
   void raw(std::string_view text) { buffer_ += text; }
 
+  /// A long text as it stands, handed to the system behind all that came before.
+  /// @throws std::system_error as `flush`
+  void write_through(std::string_view text);
+
   /// Hands everything to the system.
   /// @throws std::system_error when it does not take it; what is buffered is dropped
   void flush();
@@ -58,6 +62,8 @@ class Output {
  private:
   static constexpr std::size_t kIndentColumns = 2;
   static constexpr std::size_t kFlushBytes = 1 << 16;
+
+  void hand_over(std::string_view text);
 
   void end_line() {
     buffer_ += '\n';

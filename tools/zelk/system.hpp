@@ -4,11 +4,28 @@
 #ifndef ZELK_TOOL_SYSTEM_HPP
 #define ZELK_TOOL_SYSTEM_HPP
 
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <optional>
+
 namespace zelk::tool {
 
 /// Sees to it that a closed pipe is a failed write and not the end of the process, and that every
-/// system gets the same bytes on standard output.
+/// system gets the same bytes on standard input and output.
 void prepare_process();
+
+/// Reads what is there, and waits only while nothing is; past the buffer of `file`.
+///
+/// @return number of bytes put into `buffer`, at most `size`; 0 at the end
+/// @throws std::system_error
+std::size_t read_some(std::FILE* file, char* buffer, std::size_t size);
+
+/// Bytes of a regular file; none for a pipe, a device or anything else.
+std::optional<std::uint64_t> size_of_regular_file(std::FILE* file);
+
+/// Whether a user watches.
+bool is_terminal(std::FILE* file);
 
 }  // namespace zelk::tool
 

@@ -1,0 +1,238 @@
+// Effective attribute values, texts of enumerations, value descriptions, membership in filters.
+
+#include <initializer_list>
+#include <utility>
+#include <vector>
+
+#include "manager/manager_test.hpp"
+#include "model/memory.hpp"
+#include "support/failing_calloc.hpp"
+#include "zelk/iterator.hpp"
+
+namespace {
+
+constexpr const char* kAll = nullptr;
+constexpr const char* kNoName = nullptr;
+
+/// Of each kind a first object, with a value of its own kind's attribute (20 to 26), and a second
+/// one without; the defaults are 10 to 16.
+const std::string kObjects =
+    "BS_:\nBU_: A B\nVAL_TABLE_ Tab;\nBO_ 1 M: 8 A\n SG_ S : 0|8@1+ (1,0) [0|0] \"\" B,A\n"
+    " SG_ T : 8|8@1+ (1,0) [0|0] \"\" Ostrel__XXX\n\nBO_ 2 N: 8 A\n\n"
+    "EV_ V: 0 [0|0] \"\" 0 0 DUMMY_NODE_OSTREL0 Ostrel__XXX;\n"
+    "EV_ W: 0 [0|0] \"\" 0 0 DUMMY_NODE_OSTREL0 Ostrel__XXX;\n"
+    "SGTYPE_ Y : 8@1+ (1,0) [0|0] \"\" 0 Tab;\nSGTYPE_ Z : 8@1+ (1,0) [0|0] \"\" 0 Tab;\n"
+    "BA_DEF_ \"Net\" INT 0 99;\nBA_DEF_ BU_ \"Nod\" INT 0 99;\nBA_DEF_ BO_ \"Msg\" INT 0 99;\n"
+    "BA_DEF_ SG_ \"Sig\" INT 0 99;\nBA_DEF_ EV_ \"Var\" INT 0 99;\n"
+    "BA_DEF_ \"Switch\" ENUM \"On\",\"Off\";\nBA_DEF_ BO_ \"Holes\" ENUM \"A\",\"\",\"B\",\"\";\n"
+    "BA_DEF_ \"Text\" STRING ;\nBA_DEF_ SG_ \"Typ\" INT 0 99;\nBA_DEF_SGTYPE_ \"Typ\";\n"
+    "BA_DEF_REL_ BU_SG_REL_ \"Rel\" INT 0 99;\n"
+    "BA_DEF_DEF_ \"Net\" 10;\nBA_DEF_DEF_ \"Nod\" 11;\nBA_DEF_DEF_ \"Msg\" 12;\n"
+    "BA_DEF_DEF_ \"Sig\" 13;\nBA_DEF_DEF_ \"Var\" 14;\nBA_DEF_DEF_ \"Typ\" 15;\n"
+    "BA_DEF_DEF_ \"Switch\" \"Off\";\nBA_DEF_DEF_ \"Holes\" \"B\";\n"
+    "BA_DEF_DEF_ \"Text\" \"t\";\nBA_DEF_DEF_REL_ \"Rel\" 16;\n";
+constexpr char kValues[] =
+    "BA_ \"Net\" 20;\nBA_ \"Nod\" BU_ A 21;\nBA_ \"Msg\" BO_ 1 22;\nBA_ \"Sig\" SG_ 1 S 23;\n"
+    "BA_ \"Var\" EV_ V 24;\nBA_SGTYPE_ \"Typ\" SGTYPE_ Y 25;\n"
+    "BA_REL_ \"Rel\" BU_SG_REL_ B SG_ 1 S 26;\n"
+    "VAL_ 1 S 0 \"off\" 1 \"on\" 1 \"again\" 4294967295 \"top\" 7 \"off\" ;\nVAL_ V 5 \"five\" ;\n"
+    "CAT_DEF_ 1 In 0;\nCAT_DEF_ 2 Out 0;\nFILTER 1 CAT_ 1 BU_ A ;\n";
+
+class AttributeAccess : public ManagerTest {
+ protected:
+  /// Opens two databases of the same objects, the second of which has defaults of 20 more and no
+  /// values.
+  void open_both(ZelkManager& manager) {
+    std::string others = kObjects;
+    for (std::size_t at; (at = others.find("\" 1")) != std::string::npos;) others[at + 2] = '3';
+    first = open(manager, folder.write("first.dbc", kObjects + kValues), nullptr, 2);
+    second = open(manager, folder.write("second.dbc", others), nullptr, 1);
+  }
+
+  const char* first = nullptr;
+  const char* second = nullptr;
+};
+
+/// What `GetAttrValueEx` gives: the value, or the negative status; -99 when they disagree on what
+/// is written, or with the manager.
+template <typename... Arguments>
+int value_ex(ZelkManager& m, const char* db, const char* name, const Arguments&... object) {
+  zelk_attr_value_t value = {.number = -1};
+  const ZelkStatus status = m.GetAttrValueEx(object..., name, value, db);
+  if (m.Status() != static_cast<unsigned>(status) || (status != 0) != (value.number == -1)) {
+    return -99;
+  }
+  return status == 0 ? static_cast<int>(value.number) : -status;
+}
+
+/// @param own      an object of the first database with a value, `expected` + 10
+/// @param without  one of the same database without: the default is `expected`
+/// @param other    one of the second database without: there it is 20 more
+template <typename Object>
+void expect_values(ZelkManager& m, const Object& own, const Object& without, const Object& other,
+                   const char* name, int expected, const char* first, const char* second) {
+  SCOPED_TRACE(name);
+  EXPECT_EQ(m.GetAttrValue(own, name).number, expected + 10);
+  EXPECT_EQ(m.GetAttrValue(without, name).number, expected);
+  EXPECT_EQ(m.GetAttrValue(other, name).number, expected + 20);
+  EXPECT_EQ(m.GetAttrValue(own, "none").number, 0);
+  EXPECT_EQ(m.GetAttrValue(own, kNoName).number, 0);
+  EXPECT_TRUE(m.IsAttrValueDefined(own, name));
+  EXPECT_FALSE(m.IsAttrValueDefined(without, name) || m.IsAttrValueDefined(own, "none") ||
+               m.IsAttrValueDefined(own, kNoName));
+  EXPECT_EQ(value_ex(m, kAll, name, own), expected + 10);
+  EXPECT_EQ(value_ex(m, kAll, name, without), expected);
+  EXPECT_EQ(value_ex(m, kAll, name, other), expected + 20);
+  EXPECT_EQ(value_ex(m, second, name, without), expected + 20);
+  EXPECT_EQ(value_ex(m, first, name, other), expected);
+  EXPECT_EQ(value_ex(m, kAll, "Net", own), -5) << "another kind's";
+  EXPECT_EQ(value_ex(m, kAll, kNoName, own), -5);
+  EXPECT_EQ(value_ex(m, "no handle", name, without), -2);
+  EXPECT_EQ(value_ex(m, "no handle", name, own), expected + 10);
+  const Object held_by_none = {};
+  constexpr bool kIsType = std::is_same_v<Object, sigtype>;
+  EXPECT_EQ(value_ex(m, kAll, name, held_by_none), kIsType ? expected : -2);
+  EXPECT_EQ(value_ex(m, second, name, held_by_none), expected + 20);
+}
+
+TEST_F(AttributeAccess, OfObjectsOfEveryKind) {
+  Manager m;
+  open_both(m);
+  const auto message = [&](const char* db) -> const msgblk& { return *m.GetMessage("M", db); };
+  const auto signal = [&](const char* db) -> const sigblk& { return *message(db).signals; };
+  expect_values(m, *m.GetNode("A", first), *m.GetNode("B", first), *m.GetNode("A", second), "Nod",
+                11, first, second);
+  expect_values(m, message(first), *m.GetMessage("N", first), message(second), "Msg", 12, first,
+                second);
+  expect_values(m, signal(first), *signal(first).next, signal(second), "Sig", 13, first, second);
+  expect_values(m, *m.GetEnvvar("V", first), *m.GetEnvvar("W", first), *m.GetEnvvar("V", second),
+                "Var", 14, first, second);
+  expect_values(m, *m.GetSignalType("Y", first), *m.GetSignalType("Z", first),
+                *m.GetSignalType("Y", second), "Typ", 15, first, second);
+  const rxblk& link = *signal(first).receivers;
+  expect_values(m, link, *link.next, *signal(second).receivers, "Rel", 16, first, second);
+}
+
+TEST_F(AttributeAccess, OfTheNetwork) {
+  Manager m;
+  open_both(m);
+  EXPECT_EQ(m.GetAttrValue("Net", first).number, 20);
+  EXPECT_EQ(m.GetAttrValue("Net", second).number, 30);
+  EXPECT_EQ(m.GetAttrValue("Net", kAll).number, 0);
+  EXPECT_EQ(m.GetAttrValue(kNoName, first).number, 0);
+  EXPECT_EQ(value_ex(m, first, "Net"), 20);
+  EXPECT_EQ(value_ex(m, second, "Net"), 30);
+  EXPECT_EQ(value_ex(m, first, "Msg"), -5);
+  EXPECT_EQ(value_ex(m, first, "Switch"), 1);
+  EXPECT_EQ(value_ex(m, kAll, "Net"), -2);
+  EXPECT_EQ(value_ex(m, "first", "Net"), -2);
+  EXPECT_TRUE(m.IsAttrValueDefined("Net", first) && m.IsAttrValueDefined("Net", kAll));
+  EXPECT_FALSE(m.IsAttrValueDefined("Net", second) || m.IsAttrValueDefined("Nod", first) ||
+               m.IsAttrValueDefined(kNoName, kAll) || m.IsAttrValueDefined("Net", "first"));
+  EXPECT_TRUE(m.IsAttributeDefined("Net", ZELK_OBJ_NETWORK, second) &&
+              m.IsAttributeDefined("Typ", ZELK_OBJ_SIGTYPE, kAll) &&
+              m.IsAttributeDefined("Rel", ZELK_OBJ_REL_SIGNAL, kAll));
+  EXPECT_FALSE(m.IsAttributeDefined("Typ", ZELK_OBJ_SIGNAL, kAll) ||
+               m.IsAttributeDefined("net", ZELK_OBJ_NETWORK, kAll) ||
+               m.IsAttributeDefined("Net", ZELK_OBJ_NETWORK, "first") ||
+               m.IsAttributeDefined(kNoName, ZELK_OBJ_NODE, kAll));
+}
+
+TEST_F(AttributeAccess, HaveDefaults) {
+  Manager m;
+  open_both(m);
+  EXPECT_STREQ(m.GetAttrDefault("Switch", kAll).text, "Off");
+  EXPECT_STREQ(m.GetAttrDefault("Text", second).text, "t");
+  EXPECT_EQ(m.GetAttrDefault("Msg", kAll).number, 12);
+  EXPECT_EQ(m.GetAttrDefault("Msg", second).number, 32);
+  EXPECT_EQ(m.GetAttrDefault("none", kAll).text, nullptr);
+  EXPECT_EQ(m.GetAttrDefault(kNoName, kAll).text, nullptr);
+  zelk_attr_value_t value = {};
+  const auto default_ex = [&](const char* name, const char* db) {
+    const ZelkStatus status = m.GetAttrDefaultEx(name, value, db);
+    EXPECT_EQ(m.Status(), static_cast<unsigned>(status));
+    return status == 0 ? value.number : -status;
+  };
+  EXPECT_EQ(default_ex("Switch", kAll), 1);
+  EXPECT_EQ(default_ex("Holes", kAll), 1) << "empty items do not count";
+  EXPECT_EQ(default_ex("Msg", second), 32);
+  EXPECT_EQ(default_ex("none", kAll), -5);
+  EXPECT_EQ(default_ex("Msg", "first"), -5);
+  EXPECT_EQ(value.number, 32) << "written on success only";
+  default_ex("Text", kAll);
+  EXPECT_STREQ(value.text, "t");
+}
+
+// Empty items count for the text of an index, and not for the index of a text.
+TEST_F(AttributeAccess, EnumerationsHaveTexts) {
+  Manager m;
+  open_both(m);
+  const auto items = [&m](const char* name, std::initializer_list<long> indexes) {
+    std::string texts;
+    for (const long index : indexes) {
+      const zelk::OwnedText text(const_cast<char*>(m.GetAttrValueString(name, index, kAll)));
+      texts += (text ? text.get() : std::string("null")) + ",";
+    }
+    return texts;
+  };
+  EXPECT_EQ(items("Switch", {-1, 0, 1, 2, 0x7FFFFFFF}), "On,On,Off,null,null,");
+  EXPECT_EQ(items("Holes", {0, 1, 2, 3, 4}), "A,,B,,null,");
+  EXPECT_EQ(items("Net", {0}) + items("Text", {0}) + items("none", {0}) + items(kNoName, {0}),
+            "null,null,null,null,");
+  const auto indexes = [&m](const char* name, std::initializer_list<const char*> texts) {
+    std::vector<long> found;
+    for (const char* text : texts) found.push_back(m.GetAttrValueIndex(name, text, kAll));
+    return found;
+  };
+  EXPECT_EQ(indexes("Switch", {"On", "Off", "O", "On\nOff", "", kNoName}),
+            (std::vector<long>{0, 1, -1, -1, -1, -1}));
+  EXPECT_EQ(indexes("Holes", {"A", "B", ""}), (std::vector<long>{0, 1, -1}));
+  EXPECT_EQ(indexes("Net", {"0"}), std::vector<long>{-1});
+  EXPECT_EQ(indexes(kNoName, {"On"}), std::vector<long>{-1});
+  EXPECT_EQ(m.GetAttrValueIndex("Switch", "On", "first"), -1);
+  const FailingCalloc failure(0);
+  EXPECT_EQ(m.GetAttrValueString("Switch", 0, kAll), nullptr) << "without memory";
+}
+
+TEST_F(AttributeAccess, ValuesHaveDescriptions) {
+  Manager m;
+  open_both(m);
+  const sigblk& signal = *m.GetMessage("M", first)->signals;
+  const env_var_blk& variable = *m.GetEnvvar("V", first);
+  const std::pair<long, const char*> texts[] = {{0, "off"}, {1, "on"},    {-1, "top"},
+                                                {7, "off"}, {2, nullptr}, {5, nullptr}};
+  for (const auto& [value, text] : texts) {
+    EXPECT_STREQ(m.GetValueDescription(signal, value), text) << value;
+    EXPECT_EQ(m.Status(), text ? 0U : 4U);
+  }
+  const std::pair<const char*, long> values[] = {{"off", 0},       {"again", 1},
+                                                 {"top", -1},      {"OFF", 0x7FFFFFFF},
+                                                 {"", 0x7FFFFFFF}, {nullptr, 0x7FFFFFFF}};
+  for (const auto& [text, value] : values) {
+    EXPECT_EQ(m.GetDescriptionValue(signal, text), value);
+    EXPECT_EQ(m.Status(), value == 0x7FFFFFFF ? 3U : 0U);
+  }
+  EXPECT_STREQ(m.GetValueDescription(variable, 5), "five");
+  EXPECT_EQ(m.GetDescriptionValue(variable, "five"), 5);
+}
+
+TEST_F(AttributeAccess, FiltersKnowTheirOwnRecords) {
+  Manager m;
+  open_both(m);
+  const char* const empty =
+      open(m, folder.write("none.dbc", "BS_:\nBU_:\nFILTER 1 CAT_ 0 BU_ \"<<none>>\" ;\n"));
+  const cat& category = *m.GetCategory("In", first);
+  const symblk& node = *m.GetNode("A", first);
+  EXPECT_TRUE(m.IsCategoryInFilter(category, first) && m.IsCategoryInFilter(category, kAll) &&
+              m.IsNodeInFilter(node, first) && m.IsNodeInFilter(node, kAll));
+  EXPECT_FALSE(m.IsCategoryInFilter(*m.GetCategory("Out", first), first) ||
+               m.IsCategoryInFilter(category, second) || m.IsCategoryInFilter(category, "first") ||
+               m.IsNodeInFilter(*m.GetNode("B", first), first) ||
+               m.IsNodeInFilter(*m.GetNode("A", second), kAll) || m.IsNodeInFilter(node, second));
+  EXPECT_TRUE(m.IsCategoryInFilter(ZelkNoneFilterCategory(), empty) &&
+              m.IsNodeInFilter(ZelkNoneFilterNode(), empty));
+  EXPECT_FALSE(m.IsCategoryInFilter(ZelkNoneFilterCategory(), first) ||
+               m.IsNodeInFilter(ZelkNoneFilterNode(), first));
+}
+
+}  // namespace

@@ -1,0 +1,134 @@
+// Which signals of a message an iterator stops at.
+
+#include "zelk/predicates.hpp"
+
+#include "access/frames.hpp"
+
+namespace {
+
+using Predicates = ManagerTest;
+
+bool is_valid(const Frame& frame, unsigned data_length, const sigblk* signal) {
+  Manager manager;
+  static const unsigned char none = 0;
+  ValidSignalPredicate predicate(frame.empty() ? none : frame[0], data_length);
+  return predicate(signal, manager, nullptr);
+}
+
+TEST_F(Predicates, AcceptSignalsThatFitInTheData) {
+  const struct {
+    sigblk signal;
+    unsigned bytes;  ///< the least that it fits in
+  } cases[] = {{make_signal(0, 1), 1},
+               {make_signal(7, 1), 1},
+               {make_signal(15, 1), 2},
+               {make_signal(16, 1), 3},
+               {make_signal(7, 2), 2},
+               {make_signal(0, 64), 8},
+               {make_signal(1, 64), 9},
+               {make_signal(0, 0), 1},
+               {make_signal(1, 0), 1},
+               {make_signal(16, 0), 2},
+               {make_signal(17, 0), 3},
+               {make_signal(0, 1, kMotorola), 1},
+               {make_signal(7, 8, kMotorola), 1},
+               {make_signal(7, 9, kMotorola), 2},
+               {make_signal(0, 2, kMotorola), 2},
+               {make_signal(8, 1, kMotorola), 2},
+               {make_signal(7, 64, kMotorola), 8},
+               {make_signal(6, 64, kMotorola), 9},
+               {make_signal(0xFFFF, 0xFFFF), 16384}};
+  for (const auto& c : cases) {
+    Message message;
+    const sigblk& signal = message.add(c.signal);
+    SCOPED_TRACE(std::to_string(signal.start_bit) + "|" + std::to_string(signal.length));
+    EXPECT_TRUE(is_valid(Frame(c.bytes), c.bytes, &signal));
+    EXPECT_FALSE(is_valid(Frame(c.bytes - 1), c.bytes - 1, &signal));
+    EXPECT_TRUE(is_valid(Frame(c.bytes), 0xFFFFFFFF, &signal));
+  }
+  const sigblk ownerless = make_signal(0, 1);
+  EXPECT_FALSE(is_valid(Frame(1), 1, &ownerless));
+  EXPECT_FALSE(is_valid(Frame(1), 1, nullptr));
+}
+
+TEST_F(Predicates, ChooseAmongTheSignalsOfAMessage) {
+  Manager m;
+  Message message;
+  sigblk& top = message.add(make_signal(0, 8, kMultiplexor));
+  sigblk& inner = message.add(make_signal(16, 8, kMultiplexor));
+  sigblk& leaf = message.add(make_signal(8, 8));
+  sigblk& other = message.add(make_signal(8, 8));
+  sigblk& linkless = message.add(make_signal(8, 8));
+  const sigblk& last = message.add(make_signal(24, 8));
+  message.select(inner, top, 1, 1);
+  message.select(leaf, inner, 5, 6);
+  message.select(other, top, 2, 9);
+  message.add_range(linkless, 0, 255);
+  const std::vector<std::pair<const sigblk*, char>> letters = {
+      {&top, 't'}, {&inner, 'i'}, {&leaf, 'l'}, {&other, 'o'}, {&linkless, 'n'}, {&last, 'p'}};
+  const auto walk = [&](ZelkIterator<const sigblk> it) {
+    std::string text;
+    for (; it; ++it) {
+      for (const auto& [signal, letter] : letters)
+        text += signal == *it ? std::string(1, letter) : "";
+    }
+    return text;
+  };
+  const struct {
+    Frame frame;
+    const char* valid;
+    const char* multiplexors;
+  } cases[] = {
+      {{1, 0, 5, 0}, "tilp", "ti"}, {{1, 0, 6, 0}, "tilp", "ti"}, {{1, 0, 7, 0}, "tip", "ti"},
+      {{9, 0, 5, 0}, "top", "t"},   {{0, 0, 5, 0}, "tp", "t"},    {{1, 0, 5}, "til", "ti"},
+      {{1, 0}, "t", "t"},           {{2, 0}, "to", "t"},          {{2}, "t", "t"}};
+  for (const auto& c : cases) {
+    const auto length = static_cast<unsigned>(c.frame.size());
+    ValidSignalPredicate is_valid(c.frame[0], length);
+    ValidMultiplexorPredicate is_multiplexor(c.frame[0], length);
+    EXPECT_EQ(walk(m.GetValidSignalIterator(message.record, is_valid)), c.valid);
+    EXPECT_EQ(walk(m.GetValidMultiplexorSignalIterator(message.record, is_multiplexor)),
+              c.multiplexors);
+  }
+  MultiplexedBySignalPredicate by_top(top), by_inner(inner), by_none(last);
+  EXPECT_EQ(walk(m.GetMultiplexedSignalIterator(message.record, by_top)), "io");
+  EXPECT_EQ(walk(m.GetMultiplexedSignalIterator(message.record, by_inner)), "l");
+  EXPECT_EQ(walk(m.GetMultiplexedSignalIterator(message.record, by_none)), "");
+  EXPECT_EQ(walk(m.GetMultiplexorSignalIterator(message.record)), "ti");
+  MultiplexedSignalPredicate is_multiplexed;
+  const sigblk* const first = &top;
+  EXPECT_EQ(walk(ZelkIterator(m, first, is_multiplexed, nullptr)), "ilon");
+  EXPECT_FALSE(MultiplexorPredicate()(nullptr, m, nullptr) || is_multiplexed(nullptr, m, nullptr) ||
+               by_top(nullptr, m, nullptr));
+}
+
+// Each frame ends where its memory ends. A third of the multiplexors go round in a circle.
+TEST_F(Predicates, ReadNothingBeyondTheData) {
+  Manager m;
+  Random random;
+  unsigned accepted = 0;
+  for (int round = 0; round < 3000; ++round) {
+    Message message;
+    std::vector<std::size_t> ends;
+    const unsigned levels = random.between(1, 4);
+    for (unsigned level = 0; level < levels; ++level) {
+      sigblk& signal = message.add(random.signal(random.between(1, 40), 8));
+      ends.push_back(bytes_for(bits_of(signal)));
+      if (level == 0) continue;
+      message.select(signal, message.signals[level - 1], 0, random.one_in(8) ? 0 : 0xFFFFFFFF);
+    }
+    const bool is_circle = levels > 1 && random.one_in(3);
+    if (is_circle) message.select(message.signals.front(), message.signals.back(), 0, 0xFFFFFFFF);
+    const auto length = random.between(1, 10);
+    const Frame frame = random.frame(length);
+    const sigblk& signal = message.signals.back();
+    const bool fits = *std::max_element(ends.begin(), ends.end()) <= length;
+    const bool expected = fits && m.CheckSignalModeValue(frame[0], signal, message.record);
+    EXPECT_EQ(is_valid(frame, length, &signal), expected) << round;
+    EXPECT_FALSE(expected && is_circle);
+    accepted += expected ? 1 : 0;
+  }
+  EXPECT_GT(accepted, 500U);
+}
+
+}  // namespace

@@ -1,0 +1,298 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "run_tool.hpp"
+
+namespace {
+
+bool contains(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
+}
+
+// Speed 0x3E8 is 100 km/h, Gear -1 "R"; Mux 0 selects A, 1 to 2 select B; Far lies in byte 63.
+constexpr const char* kCar =
+    "BS_:\n\nBU_: N\n\n"
+    "BO_ 291 Motion: 4 N\n SG_ Speed : 0|16@1+ (0.1,0) [0|0] \"km/h\" N\n"
+    " SG_ Gear : 16|4@1- (1,0) [0|0] \"\" N\n SG_ Load : 24|8@1+ (0.5,-40) [0|0] \"\xB0\x43\" N\n\n"
+    "BO_ 292 Pages: 2 N\n SG_ Mux M : 0|8@1+ (1,0) [0|0] \"\" N\n"
+    " SG_ A m0 : 8|8@1+ (1,0) [0|0] \"\" N\n SG_ B m1 : 8|8@1+ (1,0) [0|0] \"\" N\n\n"
+    "BO_ 293 Big: 64 N\n SG_ Far : 504|8@1+ (1,0) [0|0] \"\" N\n\n"
+    "BO_ 294 Empty: 0 N\n\n"
+    "BO_ 295 Ieee: 8 N\n SG_ Single : 0|32@1- (1,0) [0|0] \"\" N\n\n"
+    "BO_ 2566844926 Group: 1 N\n SG_ Level : 0|8@1+ (1,0) [0|0] \"%\" N\n\n"
+    "BA_DEF_ BO_ \"VFrameFormat\" ENUM \"Standard\",\"J1939PG\";\n"
+    "BA_DEF_DEF_ \"VFrameFormat\" \"Standard\";\nBA_ \"VFrameFormat\" BO_ 2566844926 1;\n"
+    "VAL_ 291 Gear -1 \"R\" 3 \"say \\\"3\\\", fast\" ;\n"
+    "SIG_VALTYPE_ 295 Single : 1;\n\nSG_MUL_VAL_ 292 B Mux 1-2;\n";
+
+constexpr const char* kOther =
+    "BS_:\n\nBU_: N\n\nBO_ 291 Other: 1 N\n SG_ X : 0|8@1+ (1,0) [0|0] \"\" N\n\n";
+
+ToolRun decode(const std::string& log, const std::string& arguments = "car.dbc") {
+  write_file("car.dbc", kCar);
+  write_file("log", log);
+  return run_tool("decode " + arguments, Output::kFile, "log");
+}
+
+TEST(Decode, FormsOfLines) {
+  const std::string zeros(126, '0');
+  std::string fd_bytes = "  can0  125  [64] ";
+  for (int i = 0; i < 63; ++i) fd_bytes += " 00";
+  const struct {
+    std::string line;
+    std::string out;  // empty: the line is reported as malformed
+  } cases[] = {
+      {"(1.5) can0 123#E803FF50",
+       "(1.5) can0 Motion Speed=100 km/h Gear=-1 \"R\" Load=0 \xB0\x43\n"},
+      {"(1.5) can0 123#E8.03.FF.50 R",
+       "(1.5) can0 Motion Speed=100 km/h Gear=-1 \"R\" Load=0 \xB0\x43\n"},
+      {"can0 124#0007\r", "can0 Pages Mux=0 A=7\n"},
+      {" (2023-11-14 22:13:20.1)  can0  124   [2]  02 08",
+       "(2023-11-14 22:13:20.1) can0 Pages Mux=2 B=8\n"},
+      {"  can0  RX - -  124   [2]  03 08   '..'", "can0 Pages Mux=3\n"},
+      {"vcan1 124##10009", "vcan1 Pages Mux=0 A=9\n"},
+      {"can0 125##5" + zeros + "2A T", "can0 Big Far=42\n"},
+      {fd_bytes + " 2A", "can0 Big Far=42\n"},
+      {"can0 126#", "can0 Empty\n"},
+      {"can0 126   [0]", "can0 Empty\n"},
+      {"can0 18FEF117#32", "can0 Group Level=50 %\n"},
+      {"can0 127#CDCCCC3D00000000_A", "can0 Ieee Single=0.1\n"},
+      {"can0 127#0000807F00000000", "can0 Ieee Single=inf\n"},
+      {"can0 124#05", "can0 Pages Mux=5\n"},
+      {"can0 123#", "can0 Motion\n"},
+      {"nonsense", ""},
+      {"can0 123", ""},
+      {"can0 123#E", ""},
+      {"can0 123#0G", ""},
+      {"can0 123#00..00", ""},
+      {"can0 123#001122334455667788", ""},
+      {"can0 123##", ""},
+      {"can0 125##0" + zeros + "2A00", ""},
+      {"can0 800#00", ""},
+      {"can0 1234#00", ""},
+      {"can0 F8FEF117#32", ""},
+      {"can0 123#00 X", ""},
+      {"(soon) can0 123#00", ""},
+      {"(1.5 can0 123#00", ""},
+      {"can0 124 [3] 00 01", ""},
+      {"can0 124 [1] 00 01", ""},
+      {"can0 124 [9] 00 01 02 03 04 05 06 07 08", ""},
+      {"can0 124 [2] 0001", ""},
+      {std::string(100000, 'x'), ""},
+  };
+  for (const auto& c : cases) {
+    const ToolRun run = decode(c.line + "\ncan0 126#\n");
+    EXPECT_EQ(run.exit_code, 0) << c.line;
+    EXPECT_EQ(run.out, c.out + "can0 Empty\n") << c.line;
+    EXPECT_EQ(contains(run.err, "log, line 1: not a frame: ") ||
+                  contains(run.err, "standard input, line 1: not a frame: \""),
+              c.out.empty())
+        << c.line << run.err;
+  }
+}
+
+TEST(Decode, Formats) {
+  const char* const log =
+      "(0012.5) ca,n0 123#010003C8\n(0012.5) ca,n0 18FEF117#32\n(x) \nca,n0 127#0000C07F\n";
+  const struct {
+    const char* options;
+    std::string out;
+  } cases[] = {
+      {"--format text --numbers",
+       "(0012.5) ca,n0 Motion Speed=0.1 km/h Gear=3 Load=60 \xB0\x43\n"
+       "(0012.5) ca,n0 Group Level=50 %\nca,n0 Ieee Single=nan\n"},
+      {"--raw",
+       "(0012.5) ca,n0 Motion Speed=1 Gear=3 \"say \\\"3\\\", fast\" Load=200\n"
+       "(0012.5) ca,n0 Group Level=50\nca,n0 Ieee Single=nan\n"},
+      {"--format json",
+       R"({"time":12.5,"interface":"ca,n0","id":291,"extended":false,"message":"Motion",)"
+       R"("signals":{"Speed":0.1,"Gear":3,"Load":60},"texts":{"Gear":"say \"3\", fast"}})"
+       "\n"
+       R"({"time":12.5,"interface":"ca,n0","id":419361047,"extended":true,"message":"Group",)"
+       R"("signals":{"Level":50}})"
+       "\n"
+       R"({"interface":"ca,n0","id":295,"extended":false,"message":"Ieee",)"
+       R"("signals":{"Single":null}})"
+       "\n"},
+      {"--format csv",
+       "time,interface,id,message,signal,raw,value,unit,text\r\n"
+       "0012.5,\"ca,n0\",0x123,Motion,Speed,1,0.1,km/h,\r\n"
+       "0012.5,\"ca,n0\",0x123,Motion,Gear,3,3,,\"say \"\"3\"\", fast\"\r\n"
+       "0012.5,\"ca,n0\",0x123,Motion,Load,200,60,\xB0\x43,\r\n"
+       "0012.5,\"ca,n0\",0x18FEF117,Group,Level,50,50,%,\r\n"
+       ",\"ca,n0\",0x127,Ieee,Single,nan,nan,,\r\n"},
+      {"--message \"M*n\" --message Gr?up --signal Motion.S*d --signal Level",
+       "(0012.5) ca,n0 Motion Speed=0.1 km/h\n(0012.5) ca,n0 Group Level=50 %\n"},
+      {"--signal B", ""},
+  };
+  for (const auto& c : cases) {
+    const ToolRun run = decode(log, std::string("car.dbc ") + c.options);
+    EXPECT_EQ(run.exit_code, 0) << c.options << run.err;
+    EXPECT_EQ(run.out, c.out) << c.options;
+  }
+}
+
+TEST(Decode, Databases) {
+  write_file("other.dbc", kOther);
+  write_file("can0=other.dbc", kOther);
+  write_file("bad.dbc", "BO_ nonsense");
+  const struct {
+    const char* arguments;
+    int exit_code;
+    std::string out;
+    const char* err;
+  } cases[] = {
+      {"other.dbc car.dbc", 0, "can0 Other X=1\ncan1 Other X=1\ncan1 Pages Mux=5\n", ""},
+      {"can1=other.dbc car.dbc", 0,
+       "can0 Motion Speed=0.1 km/h\ncan1 Other X=1\ncan1 Pages Mux=5\n", ""},
+      {"can0=car.dbc", 0, "can0 Motion Speed=0.1 km/h\n", ""},
+      {"can0=other.dbc", 0, "can0 Other X=1\ncan1 Other X=1\n", ""},  // a file of that name
+      {"bad.dbc other.dbc", 0, "can0 Other X=1\ncan1 Other X=1\n", "bad.dbc, error: syntax"},
+      {"bad.dbc", 1, "", "bad.dbc, error: syntax"},
+      {"car.dbc --log missing", 1, "", "zelk: cannot open missing"},
+      {"car.dbc --message Moton", 1, "", "no message is named \"Moton\"; did you mean Motion?"},
+      {"car.dbc --signal Motion.B", 1, "", "no signal is named \"Motion.B\""},
+      {"car.dbc --format xml", 2, "", "xml"},
+      {"car.dbc --threads 0", 2, "", "--threads"},
+  };
+  for (const auto& c : cases) {
+    const ToolRun run = decode("can0 123#0100\ncan1 123#0100\ncan1 124#05\n", c.arguments);
+    EXPECT_EQ(run.exit_code, c.exit_code) << c.arguments;
+    EXPECT_EQ(run.out, c.out) << c.arguments;
+    EXPECT_TRUE(contains(run.err, c.err)) << c.arguments << run.err;
+    EXPECT_EQ(run.err.empty(), *c.err == '\0') << c.arguments << run.err;
+  }
+}
+
+TEST(Decode, Statistics) {
+  std::string log =
+      "can0 124#0001\ncan0 124#00\n\ncan0 123#R\ncan0 124#R8\ncan0 123 [2] remote request\n"
+      "can0 20000080#0000000000000000\ncan0 7FF#\ncan0 7FF#\ncan1 7FF#\ncan0 00000124#\n";
+  for (int i = 0; i < 12; ++i) log += "x\n";
+  const ToolRun run = decode(log, "car.dbc --stats");
+  EXPECT_EQ(run.exit_code, 0);
+  EXPECT_EQ(run.err.find("standard input, line 12: not a frame: \"x\"\n"), 0u) << run.err;
+  EXPECT_TRUE(contains(run.err, "line 21: ")) << run.err;
+  EXPECT_FALSE(contains(run.err, "line 22: ")) << run.err;
+  EXPECT_TRUE(contains(run.err,
+                       "standard input: 12 lines in all that are not frames\n"
+                       "lines            23\n"
+                       "frames           10\n"
+                       "  decoded        2\n"
+                       "    too short    1\n"
+                       "  unknown        4, of 2 identifiers: 0x7FF (3), 0x00000124 (1)\n"
+                       "  remote         3\n"
+                       "  error          1\n"
+                       "malformed lines  12\n"))
+      << run.err;
+}
+
+TEST(Decode, ThreadsKeepTheOrder) {
+  std::string log;
+  for (int i = 0; i < 60000; ++i) {
+    log += "(" + std::to_string(i) + ".25) can" + std::to_string(i % 3) + " 123#" +
+           std::to_string(10000000 + i) + "\n";
+    if (i % 5000 == 0) log += "fault " + std::to_string(i) + "\n";
+  }
+  log += "can0 7FF#\ncan0 126#";  // the last line without a line feed
+  const ToolRun one = decode(log, "car.dbc --stats --threads 1");
+  const ToolRun four = decode(log, "car.dbc --stats --threads 4");
+  EXPECT_EQ(one.exit_code, 0);
+  EXPECT_TRUE(one.out.ends_with("can0 Empty\n"));
+  EXPECT_TRUE(contains(one.err, "line 5003: not a frame: \"fault 5000\"\n")) << one.err;
+  EXPECT_TRUE(one.out == four.out);
+  EXPECT_EQ(one.err, four.err);
+  const std::string csv = run_tool("decode car.dbc --log log --format csv").out;
+  EXPECT_EQ(std::ranges::count(csv, '\n'), 1 + 3 * 60000);  // three signals for each frame
+  for (const char* threads : {"1", "4"}) {
+    const std::string arguments = std::string("decode car.dbc --log log --threads ") + threads;
+    EXPECT_EQ(run_tool(arguments, Output::kClosedPipe).exit_code, 1) << threads;
+    EXPECT_EQ(run_tool(arguments, Output::kRefused).exit_code, 1) << threads;
+  }
+}
+
+TEST(Decode, Utf8InJson) {
+  const struct {
+    const char* unit;
+    const char* description;  // of the value 0, as JSON
+  } cases[] = {
+      {"\xC2\xB0\x43", "\"\xC2\xB0\x43\""},
+      {"\xB0\x43", "\"\\u00B0C\""},
+      {"a\\b\t", R"("a\\b\u0009")"},
+      {"\xC0\x80", "\"\\u00C0\\u0080\""},
+      {"\xED\xA0\x80", R"("\u00ED\u00A0\u0080")"},
+      {"\xF0\x9F\x9A\x97", "\"\xF0\x9F\x9A\x97\""},
+  };
+  for (const auto& c : cases) {
+    write_file("text.dbc", std::string(kOther) + "VAL_ 291 X 0 \"" + c.unit + "\" ;\n");
+    const ToolRun run = decode("can0 123#00\n", "--format json text.dbc");
+    EXPECT_TRUE(contains(run.out, std::string("\"texts\":{\"X\":") + c.description + "}}"))
+        << run.out << run.err;
+  }
+}
+
+double number_of(std::string_view text) {
+  double value = NAN;
+  std::from_chars(text.data(), text.data() + text.size(), value);
+  return value;
+}
+
+/// The shortest text of a double without an exponent.
+std::string shortest(double value) {
+  char buffer[400];
+  return {buffer,
+          std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed).ptr};
+}
+
+std::size_t decimals_of(std::string_view text) {
+  const std::size_t point = text.find('.');
+  return point == std::string_view::npos ? 0 : text.size() - point - 1;
+}
+
+// Scales of few decimals give values of no more, and every number is the shortest for its double.
+TEST(Decode, Numbers) {
+  const struct {
+    const char* factor;
+    const char* offset;
+    std::size_t decimals;
+  } scales[] = {{"1", "0", 0},         {"0.1", "0", 1},        {"0.01", "-273.15", 2},
+                {"-0.7", "12.345", 3}, {"0.03125", "-273", 5}, {"5E-05", "0", 5},
+                {"1000000", "0.5", 1}, {"1E+12", "0", 0},      {"0.333333333333333333", "0", 20}};
+  std::string database = "BS_:\n\nBU_: N\n\nBO_ 1 M: 2 N\n";
+  for (std::size_t i = 0; i < std::size(scales); ++i) {
+    database += " SG_ S" + std::to_string(i) + " : 0|16@1- (" + scales[i].factor + "," +
+                scales[i].offset + ") [0|0] \"\" N\n";
+  }
+  write_file("scales.dbc", database);
+  std::ostringstream log;
+  std::vector<int> raws;
+  for (int raw = -32768; raw < 32768; raw += 7) raws.push_back(raw);
+  for (const int raw : raws) {
+    log << "can0 001#" << std::hex << std::uppercase;
+    for (const int byte : {raw & 0xFF, raw >> 8 & 0xFF}) log << byte / 16 << byte % 16;
+    log << "\n";
+  }
+  std::istringstream out(decode(log.str(), "scales.dbc").out);
+  std::string word;
+  for (const int raw : raws) {
+    out >> word >> word;
+    for (const auto& scale : scales) {
+      out >> word;
+      const std::string text = word.substr(word.find('=') + 1);
+      const double binary = raw * number_of(scale.factor) + number_of(scale.offset);
+      ASSERT_NEAR(number_of(text), binary, 1e-15 * (std::abs(binary) + 300)) << raw << word;
+      if (!contains(text, "e")) {
+        ASSERT_LE(decimals_of(text), scale.decimals) << raw << " " << word;
+        ASSERT_EQ(text, shortest(number_of(text))) << raw << " " << word;
+      }
+    }
+  }
+}
+
+}  // namespace

@@ -1,0 +1,31 @@
+/// \file
+/// Attribute values as cells of tables.
+
+#ifndef ZELK_TOOL_ATTRIBUTE_CELLS_HPP
+#define ZELK_TOOL_ATTRIBUTE_CELLS_HPP
+
+#include <string_view>
+
+#include "cell.hpp"
+#include "database.hpp"
+
+namespace zelk::tool {
+
+/// The value: a number, or a text of a STRING and of the item of an ENUM.
+Cell value_cell(const attr& value);
+
+/// The default, likewise.
+Cell default_cell(const attr_def& definition);
+
+/// The definition of the attribute `name` for one kind of objects; null when there is none.
+const attr_def* find_definition(const ZelkDatabase& database, zelk_obj_t type,
+                                std::string_view name);
+
+/// The value that an object with the attribute values `values` has: its own, else the default.
+///
+/// @param definition  of the attribute; null gives none
+Cell effective_value(const attr* values, const attr_def* definition);
+
+}  // namespace zelk::tool
+
+#endif

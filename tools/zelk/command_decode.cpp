@@ -1,0 +1,115 @@
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+#include "commands.hpp"
+#include "frame_catalog.hpp"
+#include "frame_writer.hpp"
+#include "log_input.hpp"
+#include "log_pipeline.hpp"
+#include "log_reports.hpp"
+#include "text.hpp"
+
+namespace zelk::tool {
+
+namespace {
+
+struct Arguments {
+  std::string format = "text";
+  std::vector<std::string> databases;
+  std::optional<std::string> log;
+  FrameOptions options;
+  bool stats = false;
+  unsigned threads = 0;  // 0: by the size of the log
+};
+
+FrameFormat format_of(const std::string& name) {
+  if (name == "json") return FrameFormat::kJson;
+  return name == "csv" ? FrameFormat::kCsv : FrameFormat::kText;
+}
+
+/// A pipe is decoded as it comes; a small file is done before a thread has started.
+unsigned threads_for(const LogInput& input, unsigned wanted) {
+  constexpr std::uint64_t kWorthThreads = 4'000'000;  // bytes
+  if (wanted > 0) return wanted;
+  if (input.size().value_or(0) < kWorthThreads) return 1;
+  return std::max(1u, std::thread::hardware_concurrency());
+}
+
+ExitCode decode_log(const Arguments& arguments, const FrameCatalog& catalog, LogInput& input,
+                    Output& out) {
+  out.raw(heading(arguments.options.format));
+  LogReport report(input.name());
+  LogPipeline pipeline(catalog, input, out, report);
+  pipeline.run(threads_for(input, arguments.threads));
+  report.tell_rest();
+  if (arguments.stats) report.tell_counts(pipeline.unknown());
+  return kExitSuccess;
+}
+
+ExitCode decode(const Arguments& arguments, Output& out) {
+  FrameCatalog catalog(arguments.options);
+  for (const std::string& database : arguments.databases) catalog.open(database);
+  if (catalog.empty() || !catalog.check_filter()) return kExitFailure;
+  LogInput input(arguments.log);
+  return decode_log(arguments, catalog, input, out);
+}
+
+void add_filter_options(CLI::App& command, NameFilter& filter) {
+  command
+      .add_option("--message", filter.messages,
+                  "Only messages of this name, in which * stands for any characters and ? for\n"
+                  "one; may be given several times")
+      ->type_name("NAME")
+      ->allow_extra_args(false);
+  command
+      .add_option("--signal", filter.signals,
+                  "Only signals of this name, or of this message and name \"M.S\"; likewise")
+      ->type_name("NAME")
+      ->allow_extra_args(false);
+}
+
+}  // namespace
+
+void add_decode_command(CLI::App& app, Action& action) {
+  CLI::App* command =
+      app.add_subcommand("decode", "Turn a recorded log of frames into named physical values");
+  const auto arguments = std::make_shared<Arguments>();
+  command
+      ->add_option("DATABASE", arguments->databases,
+                   "Databases to read; INTERFACE=FILE for the frames of one interface only. The\n"
+                   "first one with a frame's identifier counts.")
+      ->required()
+      ->option_text("...");
+  command
+      ->add_option("--log", arguments->log,
+                   "Log to decode, as candump writes it, to a file or a terminal; else it comes\n"
+                   "from standard input")
+      ->type_name("FILE");
+  command
+      ->add_option("--format", arguments->format,
+                   "text (a line for each frame), json (an object in a line for each frame) or\n"
+                   "csv (a line for each signal)")
+      ->type_name("FORMAT")
+      ->check(CLI::IsMember({"text", "json", "csv"}).description(""));
+  command->add_flag("--raw", arguments->options.raw, "Raw values instead of physical ones");
+  command->add_flag("--numbers", arguments->options.numbers, "No value descriptions");
+  add_filter_options(*command, arguments->options.filter);
+  command->add_flag("--stats", arguments->stats,
+                    "Tell at the end, on standard error, what was met");
+  command
+      ->add_option("--threads", arguments->threads,
+                   "Threads to decode with; else as many as there are cores for a large file")
+      ->type_name("N")
+      ->check(CLI::Range(1u, 256u).description(""));
+  command->callback([arguments, &action] {
+    arguments->options.format = format_of(arguments->format);
+    action = [arguments](Output& out) { return decode(*arguments, out); };
+  });
+}
+
+}  // namespace zelk::tool

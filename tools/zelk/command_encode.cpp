@@ -1,0 +1,135 @@
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "attributes.hpp"
+#include "candump_log.hpp"
+#include "commands.hpp"
+#include "database.hpp"
+#include "frame_encoder.hpp"
+#include "lookup.hpp"
+#include "text.hpp"
+
+namespace zelk::tool {
+
+namespace {
+
+struct Arguments {
+  std::string database;
+  std::string message;
+  std::vector<std::string> signals;
+  std::optional<std::string> from;
+  ValueOptions values;
+};
+
+/// The message of a name or an identifier, whose format bit matters only when it is given.
+const msgblk& find_message(const ZelkDatabase& database, const std::string& wanted) {
+  const std::optional<std::uint32_t> id = parse_id(wanted);
+  std::vector<std::string_view> names;
+  for (const msgblk& message : each(database.messages)) {
+    const bool is_it = id ? message.id == *id || message.id == (*id | ZELK_ID_EXTENDED)
+                          : view(message.name) == wanted;
+    if (is_it) return message;
+    names.push_back(view(message.name));
+  }
+  if (id) throw EncodeError(fmt::format("no message has the identifier 0x{:X} ({})", *id, *id));
+  throw EncodeError(
+      fmt::format("no message is named {}{}", in_quotes(wanted), suggestion(names, wanted)));
+}
+
+bool has_fd_format(const ZelkDatabase& database, const msgblk& message) {
+  return attribute_text(message.attrs, database.GetAttrDef("VFrameFormat")).ends_with("FD");
+}
+
+LogFrame empty_frame(const ZelkDatabase& database, const msgblk& message) {
+  if (message.dlc > kFdDataBytes) {
+    throw EncodeError(fmt::format("{} has {}, and a frame at most {}", escaped(view(message.name)),
+                                  counted(message.dlc, "byte"), kFdDataBytes));
+  }
+  LogFrame frame;
+  frame.id = message.id;
+  frame.length = message.dlc;
+  frame.is_fd = message.dlc > kClassicDataBytes || has_fd_format(database, message);
+  return frame;
+}
+
+/// A frame of the message, in which signals are to be changed. The addresses of a parameter group
+/// may be others than in the database.
+LogFrame parse_given_frame(const ZelkDatabase& database, const msgblk& message,
+                           const std::string& text) {
+  LogFrame frame;
+  if (parse_frame(text, frame) != LogLine::kData) {
+    throw EncodeError(
+        fmt::format("{} is not a frame with data, such as 123#DEADBEEF", in_quotes(text)));
+  }
+  const bool is_extended = frame.id & ZELK_ID_EXTENDED;
+  if (frame.id != message.id &&
+      !(is_extended && database.GetJ1939Message(frame.id, 0) == &message)) {
+    throw EncodeError(
+        fmt::format("{} is not a frame of {}", in_quotes(text), escaped(view(message.name))));
+  }
+  return frame;
+}
+
+LogFrame encoded(const ZelkDatabase& database, const Arguments& arguments) {
+  const msgblk& message = find_message(database, arguments.message);
+  const LogFrame start = arguments.from ? parse_given_frame(database, message, *arguments.from)
+                                        : empty_frame(database, message);
+  FrameEncoder encoder(message, start, arguments.from.has_value());
+  for (const std::string& text : arguments.signals) {
+    const std::size_t mark = text.find('=');
+    if (mark == std::string::npos)
+      throw EncodeError(fmt::format("{} is not SIGNAL=VALUE", in_quotes(text)));
+    const std::string_view whole = text;
+    encoder.set(whole.substr(0, mark), whole.substr(mark + 1), arguments.values);
+  }
+  return encoder.finish();
+}
+
+ExitCode encode(const Arguments& arguments, Output& out) {
+  DatabaseFile file;
+  const ZelkDatabase* const database = open_and_report(file, arguments.database);
+  if (!database) return kExitFailure;
+  try {
+    out.line("{}", frame_text(encoded(*database, arguments)));
+  } catch (const EncodeError& error) {
+    print_error(behind_path(arguments.database, error.what()));
+    return kExitFailure;
+  }
+  return kExitSuccess;
+}
+
+}  // namespace
+
+void add_encode_command(CLI::App& app, Action& action) {
+  CLI::App* command = app.add_subcommand("encode", "Make a frame of values, as candump writes it");
+  const auto arguments = std::make_shared<Arguments>();
+  command->add_option("DATABASE", arguments->database, "Database to read")
+      ->required()
+      ->option_text(" ");
+  command
+      ->add_option("MESSAGE", arguments->message,
+                   "Name or identifier of the message, decimal or hexadecimal behind 0x")
+      ->required()
+      ->option_text(" ");
+  command
+      ->add_option("SIGNAL=VALUE", arguments->signals,
+                   "Physical value of a signal, or the text of a value description. A multiplexor\n"
+                   "of which only one value selects what is given need not be given. All other\n"
+                   "bits are 0.")
+      ->option_text("...");
+  command
+      ->add_option("--from", arguments->from,
+                   "Frame to change, such as 123#DEADBEEF, instead of one of zeros")
+      ->type_name("FRAME");
+  command->add_flag("--raw", arguments->values.raw, "Values are raw ones");
+  command->add_flag("--force", arguments->values.force,
+                    "Take values that are out of range; of what the bits cannot hold the nearest");
+  command->callback([arguments, &action] {
+    action = [arguments](Output& out) { return encode(*arguments, out); };
+  });
+}
+
+}  // namespace zelk::tool

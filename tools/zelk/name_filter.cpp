@@ -1,0 +1,53 @@
+#include "name_filter.hpp"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "text.hpp"
+
+namespace zelk::tool {
+
+namespace {
+
+bool matches_any(const std::vector<std::string>& patterns, std::string_view name) {
+  return std::ranges::any_of(
+      patterns, [&](const std::string& pattern) { return matches_wildcards(pattern, name); });
+}
+
+}  // namespace
+
+// Only the last "*" is ever gone back to: what an earlier one could take more of, it can too.
+bool matches_wildcards(std::string_view pattern, std::string_view text) {
+  constexpr std::size_t kNone = std::string_view::npos;
+  std::size_t p = 0;
+  std::size_t star = kNone;   // the last "*" in the pattern
+  std::size_t behind_it = 0;  // where the text goes on behind what it took
+  for (std::size_t t = 0; t < text.size();) {
+    if (p < pattern.size() && pattern[p] == '*') {
+      star = p++;
+      behind_it = t;
+    } else if (p < pattern.size() && (pattern[p] == '?' || pattern[p] == text[t])) {
+      ++p;
+      ++t;
+    } else if (star != kNone) {
+      p = star + 1;
+      t = ++behind_it;
+    } else {
+      return false;
+    }
+  }
+  return pattern.find_first_not_of('*', p) == kNone;
+}
+
+bool NameFilter::takes(const msgblk& message) const {
+  return messages.empty() || matches_any(messages, view(message.name));
+}
+
+bool NameFilter::takes(const msgblk& message, const sigblk& signal) const {
+  if (signals.empty()) return true;
+  const std::string qualified =
+      std::string(view(message.name)) + "." + std::string(view(signal.name));
+  return matches_any(signals, view(signal.name)) || matches_any(signals, qualified);
+}
+
+}  // namespace zelk::tool

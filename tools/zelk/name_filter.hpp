@@ -1,0 +1,30 @@
+/// \file
+/// The choice of messages and signals by name.
+
+#ifndef ZELK_TOOL_NAME_FILTER_HPP
+#define ZELK_TOOL_NAME_FILTER_HPP
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "zelk/records.h"
+
+namespace zelk::tool {
+
+/// Whether all of `text` matches `pattern`, in which "*" stands for any characters and "?" for any
+/// one.
+bool matches_wildcards(std::string_view pattern, std::string_view text);
+
+/// Patterns of names; an empty list leaves everything in.
+struct NameFilter {
+  std::vector<std::string> messages;
+  std::vector<std::string> signals;  ///< of a signal, or of "Message.Signal"
+
+  bool takes(const msgblk& message) const;
+  bool takes(const msgblk& message, const sigblk& signal) const;
+};
+
+}  // namespace zelk::tool
+
+#endif
