@@ -94,7 +94,8 @@ class ZelkIterator {
   }
 
   /// Whether it stands on an object.
-  explicit operator bool() const { return current_ != nullptr; }
+  // NOLINTNEXTLINE(google-explicit-constructor): hosts assign it to a bool
+  operator bool() const { return current_ != nullptr; }
   /// The object it stands on; null behind the last one.
   T* operator*() const { return current_; }
   /// Name of the database that holds the object; as given when it never leaves one.
