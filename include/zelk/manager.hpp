@@ -522,7 +522,7 @@ class ZELK_API ZelkManager {
                             const char* db);
   ZelkStatus GetAttrValueEx(const env_var_blk& variable, const char* name, zelk_attr_value_t& value,
                             const char* db);
-  /// A signal type that no database holds counts for all of them.
+  /// A signal type that no database holds counts for all of them; an unknown `db` gives 5.
   ZelkStatus GetAttrValueEx(const sigtype& type, const char* name, zelk_attr_value_t& value,
                             const char* db);
   ZelkStatus GetAttrValueEx(const sigblk& signal, const char* name, zelk_attr_value_t& value,

@@ -176,10 +176,10 @@ struct zelk::ManagerAttributes {
       value = own->value;
       return manager.Answer(ZelkStatusOk);
     }
-    if (db && !manager.ListFindNode(db)) return manager.Answer(ZelkStatusNotFound);
     const char* const holder = db ? db : name_of_holder(manager, object);
-    constexpr bool kNeedsHolder = !std::is_same_v<Object, sigtype>;
-    if (kNeedsHolder && !holder) return manager.Answer(ZelkStatusNotFound);
+    constexpr bool kNeedsDatabase = !std::is_same_v<Object, sigtype>;
+    const bool is_known = holder && manager.ListFindNode(holder);
+    if (kNeedsDatabase && !is_known) return manager.Answer(ZelkStatusNotFound);
     return manager.DefaultFor(kind_of(object), name, value, holder);
   }
 };
