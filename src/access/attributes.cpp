@@ -6,6 +6,7 @@
 
 #include "capi/attribute_text.hpp"
 #include "capi/list_walk.hpp"
+#include "manager/holding.hpp"
 #include "model/memory.hpp"
 #include "text/words.hpp"
 #include "zelk/exception.hpp"
@@ -34,46 +35,6 @@ std::string_view take_item(std::string_view& items) {
   items.remove_prefix(std::min(end + 1, items.size()));
   return item;
 }
-
-/// Whether the list has this very record.
-template <typename Record>
-bool contains(const Record* list, const Record& record) {
-  return zelk::find_first(list, [&record](const Record& other) { return &other == &record; });
-}
-
-bool contains(const ZelkDatabase& database, const symblk& node) {
-  return contains<symblk>(database.nodes, node);
-}
-bool contains(const ZelkDatabase& database, const msgblk& message) {
-  return contains<msgblk>(database.messages, message);
-}
-bool contains(const ZelkDatabase& database, const env_var_blk& variable) {
-  return contains<env_var_blk>(database.env_vars, variable);
-}
-bool contains(const ZelkDatabase& database, const sigtype& type) {
-  return contains<sigtype>(database.signal_types, type);
-}
-bool contains(const ZelkDatabase& database, const sigblk& signal) {
-  return signal.message && contains(database, *signal.message);
-}
-bool contains(const ZelkDatabase& database, const rxblk& link) {
-  for (const msgblk* message = database.messages; message; message = message->next) {
-    if (contains<rxblk>(message->tx_nodes, link)) return true;
-    for (const sigblk* signal = message->signals; signal; signal = signal->next) {
-      if (contains<rxblk>(signal->receivers, link)) return true;
-    }
-  }
-  return zelk::find_first(database.env_vars, [&link](const env_var_blk& variable) {
-    return contains<rxblk>(variable.access_nodes, link);
-  });
-}
-
-constexpr zelk_obj_t kind_of(const symblk&) { return ZELK_OBJ_NODE; }
-constexpr zelk_obj_t kind_of(const msgblk&) { return ZELK_OBJ_MESSAGE; }
-constexpr zelk_obj_t kind_of(const env_var_blk&) { return ZELK_OBJ_ENVVAR; }
-constexpr zelk_obj_t kind_of(const sigtype&) { return ZELK_OBJ_SIGTYPE; }
-constexpr zelk_obj_t kind_of(const sigblk&) { return ZELK_OBJ_SIGNAL; }
-constexpr zelk_obj_t kind_of(const rxblk&) { return ZELK_OBJ_REL_SIGNAL; }
 
 }  // namespace
 
@@ -158,7 +119,7 @@ struct zelk::ManagerAttributes {
   static const char* name_of_holder(const ZelkManager& manager, const Object& object) {
     const ZelkManager::DbListNode* const node = find_first(
         manager.databases_,
-        [&object](const ZelkManager::DbListNode& open) { return contains(open.database, object); });
+        [&object](const ZelkManager::DbListNode& open) { return holds(open.database, object); });
     return node ? node->name : nullptr;
   }
 

@@ -100,6 +100,7 @@ void DatabaseCopier::copy_whole(Record*& target, const Record* source, CopyMembe
   } catch (const std::bad_alloc&) {
     zelk_note(ZELK_ERR_MEMORY, kNoLine, nullptr);
   }
+  is_complete_ = false;
   forget(source);
 }
 
@@ -194,7 +195,7 @@ rxblk* DatabaseCopier::copy_links(const rxblk* source) const {
 
 // --- The database's lists ---
 
-void DatabaseCopier::copy() {
+bool DatabaseCopier::copy() {
   copy_definitions();
   copy_whole(target_.attr_values, source_.attr_values,
              [this](const attr& value, attr& copy) { copy_attr(value, copy); });
@@ -213,6 +214,7 @@ void DatabaseCopier::copy() {
              [this](const rxblk& link, rxblk& copy) { copy_link(link, copy); });
   target_.filter.mode = source_.filter.mode;
   copy_texts();
+  return is_complete_;
 }
 
 void DatabaseCopier::copy_definitions() {
@@ -306,6 +308,7 @@ void DatabaseCopier::copy_whole(char*& target, const char* source) {
   try {
     assign_text(target, copy_of(source));
   } catch (const ZelkException&) {  // has told of itself in the error text
+    is_complete_ = false;
   }
 }
 

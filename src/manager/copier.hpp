@@ -19,14 +19,15 @@ class DatabaseCopier {
   DatabaseCopier(const ZelkDatabase& source, ZelkDatabase& target)
       : source_(source), target_(target) {}
 
-  void copy();
+  /// @return false when memory ran out for some of it, which the error text tells
+  bool copy();
 
  private:
   template <typename Record, typename CopyMembers>
   Record* copy_list(const Record* source, CopyMembers copy_members) const;
   template <typename Record, typename CopyMembers>
   void copy_whole(Record*& target, const Record* source, CopyMembers copy_members);
-  static void copy_whole(char*& target, const char* source);
+  void copy_whole(char*& target, const char* source);
   template <typename Record>
   void remember(const Record* source, Record* copy);
   template <typename Record>
@@ -58,6 +59,7 @@ class DatabaseCopier {
   const ZelkDatabase& source_;
   ZelkDatabase& target_;
   std::unordered_map<const void*, void*> copies_;  ///< of the records that others refer to
+  bool is_complete_ = true;
 };
 
 }  // namespace zelk

@@ -7,6 +7,7 @@
 #include "capi/list_walk.hpp"
 #include "manager/database_index.hpp"
 #include "manager/database_lookup.hpp"
+#include "model/list_edit.hpp"
 #include "model/symbols.hpp"
 #include "zelk/database.hpp"
 #include "zelk/exception.hpp"
@@ -20,10 +21,7 @@ template <typename Record>
 Record* create_at(Record*& list, unsigned index, Record* (*create)()) try {
   Record* const record = create();
   if (!record) return nullptr;
-  Record** link = &list;
-  for (; index > 0 && *link; --index) link = &(*link)->next;
-  record->next = *link;
-  *link = record;
+  zelk::link_at(list, index, record);
   return record;
 } catch (const ZelkException&) {
   return nullptr;

@@ -3,17 +3,12 @@
 #include <cstdint>
 #include <utility>
 
+#include "model/list_edit.hpp"
 #include "model/release.hpp"
 #include "zelk/model.h"
 
 namespace zelk {
 namespace {
-
-template <typename Record>
-void link_in_front(Record*& head, Record* record) {
-  record->next = head;
-  head = record;
-}
 
 /// Links `record` behind the element at `position` (from 1) and returns that element.
 template <typename Record>
@@ -29,14 +24,6 @@ void* insert(Record** head, Record* record, std::uint32_t position) {
   if (position > 0) return link_behind(*head, record, position);
   link_in_front(*head, record);
   return static_cast<void*>(head);
-}
-
-/// Takes `record` out of the list; a record that is not in it leaves the list as it is.
-template <typename Record>
-void unlink(Record*& head, Record* record) {
-  Record** link = &head;
-  while (*link && *link != record) link = &(*link)->next;
-  if (*link) *link = record->next;
 }
 
 template <typename Record>

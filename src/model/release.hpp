@@ -41,6 +41,13 @@ void release_list(valtable* list);
 void release_list(sigtype* list);
 void release_list(attr_def* list);
 
+/// Releases one record, which is in no list any more, and all that it owns.
+template <typename Record>
+void release_one(Record* record) {
+  record->next = nullptr;
+  release_list(record);
+}
+
 struct ListDeleter {
   template <typename Record>
   void operator()(Record* list) const {

@@ -108,7 +108,7 @@ Module load_module(const char* path);
 using Function = void (*)();
 
 /// @return null when `module` exports no function of that name
-Function find_function(const Module& module, const char* name);
+Function find_function(void* module, const char* name);
 
 /// Puts the full file name of the library (of the program, where the library is linked into it)
 /// into `buffer`, cut to `size_bytes` - 1 characters and terminated; nothing when `size_bytes` is

@@ -197,8 +197,8 @@ Module load_module(const char* path) {
   return Module(dlopen(path, RTLD_NOW | RTLD_LOCAL));
 }
 
-Function find_function(const Module& module, const char* name) {
-  return reinterpret_cast<Function>(dlsym(module.get(), name));
+Function find_function(void* module, const char* name) {
+  return reinterpret_cast<Function>(dlsym(module, name));
 }
 
 void own_file_name(char* buffer, std::uint32_t size_bytes) {

@@ -192,8 +192,8 @@ void ModuleUnloader::operator()(void* module) const noexcept {
 
 Module load_module(const char* path) { return Module(LoadLibraryW(system_path(path).c_str())); }
 
-Function find_function(const Module& module, const char* name) {
-  return reinterpret_cast<Function>(GetProcAddress(static_cast<HMODULE>(module.get()), name));
+Function find_function(void* module, const char* name) {
+  return reinterpret_cast<Function>(GetProcAddress(static_cast<HMODULE>(module), name));
 }
 
 void own_file_name(char* buffer, std::uint32_t size_bytes) {

@@ -12,7 +12,7 @@ namespace fs = std::filesystem;
 
 template <typename Signature>
 Signature* function(const Module& module, const char* name) {
-  return reinterpret_cast<Signature*>(find_function(module, name));
+  return reinterpret_cast<Signature*>(find_function(module.get(), name));
 }
 
 TEST(Modules, NotToBeLoaded) {
@@ -27,9 +27,9 @@ TEST(Modules, NotToBeLoaded) {
 TEST(Modules, FunctionsByName) {
   const Module library = load_module(ZELK_LIBRARY);
   ASSERT_TRUE(library);
-  EXPECT_TRUE(find_function(library, "zelk_read"));
+  EXPECT_TRUE(find_function(library.get(), "zelk_read"));
   for (const char* name : {"zelk_nonsense", "zelk_rea", "ZELK_READ", ""}) {
-    EXPECT_FALSE(find_function(library, name)) << name;
+    EXPECT_FALSE(find_function(library.get(), name)) << name;
   }
 }
 
