@@ -212,7 +212,9 @@ class ZELK_API ZelkDatabase {
   void CheckAndRemovePredefinedAttrs(attr_def& definition);
 
  protected:
+  friend class ZelkImporter;
   friend class ZelkManager;
+  friend class ZelkWriteManager;
   friend class zelk::DatabaseCopier;
   friend struct zelk::DatabaseLookup;
 

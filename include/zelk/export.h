@@ -19,6 +19,13 @@
 #define ZELK_API __attribute__((visibility("default")))
 #endif
 
+/* In front of the functions that a converter module exports (module.h). */
+#if defined(_WIN32)
+#define ZELK_MODULE_EXPORT __declspec(dllexport)
+#else
+#define ZELK_MODULE_EXPORT __attribute__((visibility("default")))
+#endif
+
 #ifdef __cplusplus
 #define ZELK_EXTERN_C_BEGIN extern "C" {
 #define ZELK_EXTERN_C_END }

@@ -8,8 +8,9 @@
 #include "zelk/types.hpp"
 
 namespace zelk {
-struct ManagerLookups;
 struct ManagerAttributes;
+struct ManagerEdits;
+struct ManagerLookups;
 }  // namespace zelk
 
 class ZelkManager;
@@ -579,7 +580,10 @@ class ZELK_API ZelkManager {
 
  private:
   friend class ZelkDatabase;
+  friend class ZelkExporter;
   friend class ZelkLock;
+  friend class ZelkWriteManager;
+  friend struct zelk::ManagerEdits;
   friend struct zelk::ManagerLookups;
   friend struct zelk::ManagerAttributes;
   template <typename T>

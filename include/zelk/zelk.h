@@ -28,6 +28,7 @@
 #include "zelk/export.h"
 #include "zelk/library.h"
 #include "zelk/model.h"
+#include "zelk/module.h"
 #include "zelk/platform.h"
 #include "zelk/query.h"
 #include "zelk/records.h"

@@ -1,0 +1,134 @@
+/// \file
+/// Other file formats, read and written by converter modules.
+
+#ifndef ZELK_CONVERTER_HPP
+#define ZELK_CONVERTER_HPP
+
+#include <cstdint>
+
+#include "zelk/module.h"
+#include "zelk/platform.h"
+#include "zelk/write_manager.hpp"
+
+/// What importers and exporters have in common: a loaded module, its conversion function, and the
+/// manager whose database is converted.
+///
+/// module.h tells what a module does. What went wrong stands in the error text
+/// (`zelk_get_error_text`), which a conversion empties when it begins. Nothing raises but for the
+/// constructors, when the heap is exhausted. A converter must not outlive its manager.
+class ZELK_API ZelkConverter {
+ public:
+  /// The address of a function of a module, whatever its type.
+  using Function = void (*)();
+
+  ZelkConverter(const ZelkConverter&) = delete;
+  ZelkConverter& operator=(const ZelkConverter&) = delete;
+
+  // The virtual operations, in the order of their slots; the derived classes go on with theirs.
+
+  /// Lets go of the module.
+  virtual ~ZelkConverter();
+
+ protected:
+  /// Takes over the lists that a module filled, once they are copied. Here it does nothing.
+  ///
+  /// @return true
+  virtual bool PostProcess(symblk* nodes, msgblk* messages, env_var_blk* env_vars,
+                           btlblk* bit_timings, attr_def* attr_defs, attr* attr_values,
+                           cat* categories, filter_t filter, char* comment, char* user_data,
+                           sigtype* signal_types, valtable* value_tables);
+
+ public:
+  /// A function that the module exports; null when it has none of that name, or is not loaded.
+  Function GetFunction(const char* name) const;
+  /// The manager's database of that handle; null when there is none.
+  ZelkDatabase* GetDatabase(const char* db) const;
+  /// 0 after a success; 1 while a conversion runs, after a failed one, and when the module could
+  /// not be loaded.
+  std::uint32_t Status() const { return status_; }
+  /// Asks something of the module, in the module's own words (`zelk_conversion::option`); null is
+  /// the empty text. The text must live as long as it is asked.
+  void SetOption(const char* option) { option_ = option ? option : ""; }
+
+ protected:
+  /// Loads a module. That it cannot be loaded is told by `Status`, and by the conversion.
+  ///
+  /// @param module    file name as the system's loader takes it: a bare name is searched for on the
+  /// system's path; null: none
+  /// @param function  the conversion function's name; null: none
+  ZelkConverter(ZelkManager& manager, const char* module, const char* function);
+
+  std::uint32_t status_ = 0;
+  ZelkManager& manager_;
+  ZelkDatabase* database_ = nullptr;  ///< the one that is converted; null until it is found
+  HINSTANCE module_ = nullptr;        ///< null when it could not be loaded
+  Function function_ = nullptr;       ///< null when the module does not have it
+  const char* option_ = "";
+};
+
+/// Fills new databases from files of another format.
+class ZELK_API ZelkImporter : public ZelkConverter {
+ public:
+  /// @param module, function  as the module is told to `ZelkConverter`
+  ZelkImporter(ZelkWriteManager& manager, const char* module, const char* function);
+
+  /// Makes a database out of a file. It is for the file of the same name with the extension ".DBC",
+  /// which is not written until the application writes the database.
+  ///
+  /// @param db    name for the database
+  /// @param name  receives the handle on success; may be null
+  /// @param file  the other format's; its owner must be allowed to write it
+  /// @return tested in this order: 2 when the file does not exist, 8 when it is read-only, 3 when
+  /// the manager has a database of that name, 7 when no database can have it, 10 when the ".DBC"
+  /// file exists, 1 without a conversion function, when that fails, and when the heap is exhausted;
+  /// or 0. On all but 0 no database is left behind
+  virtual ZelkError Import(const char* db, const char** name, const char* file);
+
+ protected:
+  /// Releases the lists.
+  bool PostProcess(symblk* nodes, msgblk* messages, env_var_blk* env_vars, btlblk* bit_timings,
+                   attr_def* attr_defs, attr* attr_values, cat* categories, filter_t filter,
+                   char* comment, char* user_data, sigtype* signal_types,
+                   valtable* value_tables) override;
+  /// Lets the module fill the lists of the database that is converted.
+  ///
+  /// @return whether it succeeded; false without a conversion function
+  virtual bool ProcessFile(const char* file);
+
+  // The parts of `Import`, for importers that choose the database's file by themselves.
+
+  /// Makes the empty database for `file` with the extension ".DBC".
+  ///
+  /// @return as `Import`, from 3 on
+  ZelkError CreateDatabase(const char* db, const char** name, const char* file);
+  /// Fills the database of the handle `name`, which it closes when that fails.
+  ///
+  /// @return 0; 1 when there is no such database or it could not be filled
+  ZelkError FillDatabase(const char* name, const char* file);
+  /// Turns what a module filled into records of the database's own: deep copies, whose references
+  /// lead to records of this database alone; the originals go to `PostProcess`.
+  ///
+  /// @return false when memory ran out, or `PostProcess` says so
+  bool CopyDatabaseLists();
+};
+
+/// Writes open databases to files of another format.
+class ZELK_API ZelkExporter : public ZelkConverter {
+ public:
+  /// @param module, function  as the module is told to `ZelkConverter`
+  ZelkExporter(ZelkManager& manager, const char* module, const char* function);
+
+  /// Writes a database to a new file.
+  ///
+  /// @return 0, also without a conversion function (nothing is written then); 10 when the file
+  /// exists; 9 when there is no such database, and when the conversion function fails
+  virtual ZelkError Export(const char* db, const char* file);
+
+ protected:
+  /// Lets the module write the database that is converted.
+  ///
+  /// @return whether it succeeded; true without a conversion function
+  virtual bool ProcessFile(const char* file);
+};
+
+#endif

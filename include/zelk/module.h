@@ -1,0 +1,80 @@
+/// \file
+/// The contract of converter modules: dynamic libraries that fill a database from a file of another
+/// format, or write one to it.
+///
+/// A module exports one function for each direction that it serves, with C linkage and under any
+/// name; `zelk_import` and `zelk_export` are what the command-line program looks for. A host loads
+/// the module and calls the function by `ZelkImporter` and `ZelkExporter` (converter.hpp). The
+/// smallest module is examples/csv_module.c.
+///
+/// **Memory.** Records and texts come from the library (`zelk_malloc`, `zelk_create_*`), each block
+/// has exactly one owner, as records.h describes it, and no list runs in a circle. Nothing else is
+/// taken for granted: missing names, counts that do not agree, references that lead to records of
+/// other databases, and values outside their ranges do no harm here. After a successful import the
+/// library copies all lists, drops references to what is in none of them, and releases the
+/// originals as `zelk_free` does: the module keeps no pointer into them. When the function fails
+/// the library releases whatever is in the lists by then.
+///
+/// **Errors.** A function tells what is wrong, and where, by `zelk_note` (errors.h), before it
+/// returns: number 17 (`ZELK_ERR_CONVERTED_FORMAT`) with the line for a faulty file, 18
+/// (`ZELK_ERR_CONVERT`) for one that cannot be written, 15 (`ZELK_ERR_FORMAT`) for what the other
+/// format cannot hold and is left out. The host finds the lines in the error text. C++ exceptions
+/// end here: an escaping one counts as a failure.
+///
+/// A function is called on the host's thread, once for each conversion; the host's other calls to
+/// the library wait.
+
+#ifndef ZELK_MODULE_H
+#define ZELK_MODULE_H
+
+#include <stdint.h>
+
+#include "zelk/errors.h"
+#include "zelk/export.h"
+#include "zelk/model.h"
+#include "zelk/records.h"
+
+ZELK_EXTERN_C_BEGIN
+
+/// Fills the empty database from `file`.
+///
+/// @param file  path as the host gave it, in the system's encoding; never null
+/// @param messages, nodes, env_vars, attr_defs, attr_values  heads of the database's lists, null at
+/// the start; `attr_values` are those of the network itself
+/// @return non-zero for success; 0 makes the import fail, and the database goes
+typedef int (*zelk_import_function)(const char* file, msgblk** messages, symblk** nodes,
+                                    env_var_blk** env_vars, attr_def** attr_defs,
+                                    attr** attr_values);
+
+/// Writes the database to `file`, which does not exist; a function that fails leaves none behind.
+///
+/// @param messages, nodes, env_vars, attr_defs, attr_values  the database's lists, borrowed and not
+/// to be changed; null for empty ones
+/// @return non-zero for success
+typedef int (*zelk_export_function)(const char* file, const msgblk* messages, const symblk* nodes,
+                                    const env_var_blk* env_vars, const attr_def* attr_defs,
+                                    const attr* attr_values);
+
+/// What a conversion has beside the arguments of its function: the database's other lists, for a
+/// module that holds them too. An import fills them, an export only reads.
+typedef struct zelk_conversion {
+  /// What the host asks of this module, in the module's own words; empty for nothing, never null.
+  const char* option;
+  btlblk** bit_timings;
+  cat** categories;
+  filter_t* filter;
+  char** comment;    ///< owned by the database; null for none
+  char** user_data;  ///< the text of the "VERSION" line, owned by the database; an import finds the
+                     ///< empty text and may release and replace it
+  sigtype** signal_types;
+  valtable** value_tables;
+} zelk_conversion;
+
+/// The conversion that is running.
+///
+/// @return valid until the module's function returns; null when none is running
+ZELK_API const zelk_conversion* zelk_get_conversion(void);
+
+ZELK_EXTERN_C_END
+
+#endif
