@@ -1,6 +1,6 @@
 #include "manager/copier.hpp"
 
-#include <cstring>
+#include <cstddef>
 #include <new>
 #include <utility>
 
@@ -15,6 +15,12 @@ namespace {
 
 OwnedText copy_of(const char* text) { return text ? copy_text(text) : nullptr; }
 
+/// An inline text whose array a host has filled to the last byte has no end.
+template <std::size_t kSize>
+void terminate(char (&field)[kSize]) {
+  field[kSize - 1] = '\0';
+}
+
 // Each takes away what a record that was copied byte by byte shares with its source: what it owns.
 // References to other records are the caller's to turn.
 void disown(attr& value) { value.value = {}; }
@@ -24,15 +30,20 @@ void disown(catlink&) {}
 void disown(muxor_val_range&) {}
 void disown(siglistblk&) {}
 void disown(siggroup_extra&) {}
-void disown(cat&) {}
+void disown(cat& category) { terminate(category.name); }
 void disown(btlblk&) {}
-void disown(valtable& table) { table.values = nullptr; }
+void disown(valtable& table) {
+  terminate(table.name);
+  table.values = nullptr;
+}
 void disown(siggroupblk& group) {
+  terminate(group.name);
   group.signals = nullptr;
   group.extra = nullptr;
   group.comment = nullptr;
 }
 void disown(sigblk& signal) {
+  terminate(signal.unit);
   signal.name = signal.comment = nullptr;
   signal.receivers = nullptr;
   signal.attrs = nullptr;
@@ -51,16 +62,20 @@ void disown(symblk& node) {
   node.attrs = nullptr;
 }
 void disown(env_var_blk& variable) {
+  terminate(variable.unit);
   variable.name = variable.comment = nullptr;
   variable.access_nodes = nullptr;
   variable.attrs = nullptr;
   variable.values = nullptr;
 }
 void disown(sigtype& type) {
+  terminate(type.name);
+  terminate(type.unit);
   type.comment = nullptr;
   type.attrs = nullptr;
 }
 void disown(attr_def& definition) {
+  terminate(definition.name);
   const bool is_enum = definition.value_type == ZELK_ATTR_ENUM;
   if (is_enum) definition.enum_values = nullptr;
   if (is_enum || definition.value_type == ZELK_ATTR_STRING) definition.default_value = {};

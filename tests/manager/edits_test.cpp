@@ -1,0 +1,518 @@
+// Every edit of the write manager, told by what it changes in the written file.
+
+#include <algorithm>
+#include <cstring>
+#include <functional>
+#include <sstream>
+
+#include "manager/manager_test.hpp"
+#include "support/failing_calloc.hpp"
+#include "support/failing_new.hpp"
+#include "support/files.hpp"
+#include "zelk/errors.h"
+#include "zelk/write_manager.hpp"
+
+namespace {
+
+using Edits = ManagerTest;
+
+/// A database with every kind of object, in a write manager.
+class Edited : public ZelkWriteManager {
+ public:
+  explicit Edited(const Folder& folder) : ZelkWriteManager(static_cast<void*>(nullptr)) {
+    const std::string source = ZELK_SOURCE_DIR "/tests/data/ok_every_statement.dbc";
+    const std::string path = folder.write("edited.dbc", bytes_of(source));
+    EXPECT_EQ(OpenDatabase(path.c_str(), &db, "edited", 0), 0);
+  }
+
+  symblk& node(const char* name) { return *GetNode(name, db); }
+  msgblk& message() { return *GetMessage(1UL, db); }
+  sigblk& signal(const char* name) { return *GetSignal(message(), name); }
+  env_var_blk& variable() { return *GetEnvvar("V", db); }
+  siggroupblk& group() { return *GetSignalGroup(message(), "G"); }
+
+  /// The lines of the file that is written now.
+  std::vector<std::string> lines() {
+    EXPECT_EQ(GetDatabase(db)->Write(nullptr), 0);
+    std::istringstream content(content_of(GetDatabasePath("edited")));
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(content, line);) {
+      if (!line.empty()) lines.push_back(line);
+    }
+    return lines;
+  }
+
+  const char* db = nullptr;
+};
+
+/// The lines that are in one of them only: "-" and those gone, "+" and those come.
+std::string difference(std::vector<std::string> before, std::vector<std::string> after) {
+  std::string result;
+  for (const std::string& line : before) {
+    const auto same = std::find(after.begin(), after.end(), line);
+    if (same == after.end()) {
+      result += "-" + line + "\n";
+    } else {
+      after.erase(same);
+    }
+  }
+  for (const std::string& line : after) result += "+" + line + "\n";
+  return result;
+}
+
+zelk_attr_value_t number(double value) { return {.number = value}; }
+zelk_attr_value_t text(const char* value) { return {.text = const_cast<char*>(value)}; }
+
+struct Case {
+  const char* what;
+  std::function<void(Edited&)> edit;
+  const char* expected;
+};
+
+const Case kCases[] = {
+    {"nothing", [](Edited&) {}, "\n"},
+    {"new nodes",
+     [](Edited& e) {
+       e.SetName(*e.CreateNode(e.db, 1), "New");
+       e.SetName(*e.CreateNode(e.db, 99), "Last");
+     },
+     R"(
+-BU_: A B ANodeWhoseNameIsLongerThanThirty D E
++BU_: A New B ANodeWhoseNameIsLongerThanThirty D E Last
+)"},
+    {"new message",
+     [](Edited& e) {
+       msgblk& message = *e.CreateMessage(e.db, 0);
+       message.id = 5;
+       e.SetName(message, "New");
+       e.AddTransmitter(message, e.node("B"));
+       e.AddTransmitter(message, e.node("A"));
+       sigblk& signal = *e.CreateSignal(message, 0);
+       e.SetName(signal, "Late");
+       e.SetName(*e.CreateSignal(message, 0), "Early");
+       if (signal.message != &message || message.signal_count != 3) e.SetName(message, "wrong");
+       siggroupblk& group = *e.CreateSignalGroup(message, 7);
+       std::strcpy(group.name, "Both");
+       e.AddSignal(group, signal);
+     },
+     R"(
++BO_ 5 New: 1 B
++ SG_ Early : 0|1@1+ (1,0) [0|0] "" Ostrel__XXX
++ SG_ Late : 0|1@1+ (1,0) [0|0] "" Ostrel__XXX
++BO_TX_BU_ 5 : A,B;
++SIG_GROUP_ 5 Both 1 : Late;
+)"},
+    {"new records",
+     [](Edited& e) {
+       e.SetName(*e.CreateEnvvar(e.db, 0), "NewVar");
+       e.CreateBitTiming(e.db, 1)->baudrate = 100;
+       cat& category = *e.CreateCategory(e.db, 0);
+       category.number = 4;
+       std::strcpy(category.name, "Cat");
+       std::strcpy(e.CreateSignalType(e.db, 0)->name, "Type");
+       std::strcpy(e.CreateValueTable(e.db, 0)->name, "Table");
+       std::strcpy(e.CreateAttrDefinition(e.db, 0)->name, "Def");
+     },
+     R"(
++   100:  0,  0
++VAL_TABLE_ Table ;
++EV_ NewVar: 0 [0|0] "" 0 0 DUMMY_NODE_OSTREL0 Ostrel__XXX;
++SGTYPE_ Type : 0@1+ (0,0) [0|0] ""  0;
++BA_DEF_  "Def" INT 0 0;
++BA_DEF_DEF_  "Def" 0;
++CAT_DEF_ 4 Cat 0;
+)"},
+    {"names",
+     [](Edited& e) {
+       e.SetName(e.node("D"), "D2");
+       e.SetName(e.message(), "M2");
+       e.SetName(*e.GetEnvvar("W", e.db), "W2");
+       e.SetName(e.signal("T"), "T2");
+       e.SetName(e.node("B"), nullptr);
+     },
+     R"(
+-BU_: A B ANodeWhoseNameIsLongerThanThirty D E
+-BO_ 1 M: 8 A
+- SG_ T m1M : 8|8@0- (0.5,-40) [-40|87.5] "degC"  B,D
+-EV_ W: 0 [0|1] "" 0 10 DUMMY_NODE_OSTREL0 Ostrel__XXX;
+-ENVVAR_DATA_ W: 4;
+-SIG_TYPE_REF_ 1 T : Celsius;
+-SIG_GROUP_ 1 G 1 : S T;
+-SG_MUL_VAL_ 1 T S 1-1;
+-SG_MUL_VAL_ 1 U T 2-3, 7-9;
++BU_: A B ANodeWhoseNameIsLongerThanThirty D2 E
++BO_ 1 M2: 8 A
++ SG_ T2 m1M : 8|8@0- (0.5,-40) [-40|87.5] "degC"  B,D2
++EV_ W2: 0 [0|1] "" 0 10 DUMMY_NODE_OSTREL0 Ostrel__XXX;
++ENVVAR_DATA_ W2: 4;
++SIG_TYPE_REF_ 1 T2 : Celsius;
++SIG_GROUP_ 1 G 1 : S T2;
++SG_MUL_VAL_ 1 T2 S 1-1;
++SG_MUL_VAL_ 1 U T2 2-3, 7-9;
+)"},
+    {"comments",
+     [](Edited& e) {
+       e.SetComment(e.node("A"), "n");
+       e.SetComment(e.message(), nullptr);
+       e.SetComment(e.variable(), "v");
+       e.SetComment(e.signal("S"), "s");
+       e.SetComment(*e.GetSignalType("Celsius", e.db), "t");
+       e.SetDatabaseComment(e.db, nullptr);
+       e.SetUserData(e.db, "8");
+     },
+     R"(
+-VERSION "7.1 \"beta\""
+-CM_ "the
+-network";
+-CM_ BU_ A "a node";
+-CM_ BO_ 1 "a message";
+-CM_ SG_ 1 S "a signal";
+-CM_ EV_ V "a variable";
+-CM_ SGTYPE_ Celsius "a type";
++VERSION "8"
++CM_ BU_ A "n";
++CM_ SG_ 1 S "s";
++CM_ EV_ V "v";
++CM_ SGTYPE_ Celsius "t";
+)"},
+    {"value descriptions",
+     [](Edited& e) {
+       e.SetValueDescription(*e.signal("S").values, 7, "seven");
+       e.SetValueDescription(e.signal("S"), 1, "ON");
+       e.SetValueDescription(e.signal("S"), -2, "new");
+       e.SetValueDescription(e.variable(), 0, nullptr);
+       e.SetValueDescription(*e.GetValueTable("Gears", e.db), 0xFFFFFFFFUL, "-1");
+     },
+     R"(
+-VAL_TABLE_ Gears -1 "reverse" 0 "neutral" ;
+-VAL_ 1 S 0 "off" 1 "on" ;
+-VAL_ V 0 "low" ;
++VAL_TABLE_ Gears -1 "-1" 0 "neutral" ;
++VAL_ 1 S -2 "new" 7 "seven" 1 "ON" ;
++VAL_ V 0 "" ;
+)"},
+    {"receivers",
+     [](Edited& e) {
+       sigblk& signal = e.signal("S");
+       e.AddReceiver(signal, e.node("D"));
+       e.AddReceiver(signal, e.node("D"));
+       if (signal.receiver_count != 4) e.SetName(signal, "wrong");
+       e.RemoveReceiver(signal, e.node("D"));
+       e.AddReceiver(e.signal("U"), e.node("D"));
+       if (signal.receiver_count != 2) e.SetName(signal, "wrong");
+     },
+     R"(
+- SG_ U m2 : 16|32@1- (1,0) [0|0] "\"" Ostrel__XXX
++ SG_ U m2 : 16|32@1- (1,0) [0|0] "\""  D
+)"},
+    {"transmitters",
+     [](Edited& e) {
+       e.RemoveTransmitter(e.message(), e.node("A"));
+       e.AddTransmitter(e.message(), e.node("D"));
+     },
+     R"(
+-BO_ 1 M: 8 A
+-BO_TX_BU_ 1 : A,E;
++BO_ 1 M: 8 E
++BO_TX_BU_ 1 : D,E;
+)"},
+    {"access nodes", [](Edited& e) { e.AddAccessNode(e.variable(), e.node("D")); }, R"(
+-EV_ V: 0 [-0.5|10] "V" 2.5 9 DUMMY_NODE_OSTREL8003  A,B;
++EV_ V: 0 [-0.5|10] "V" 2.5 9 DUMMY_NODE_OSTREL8003  D,A,B;
+)"},
+    {"group",
+     [](Edited& e) {
+       e.AddSignal(e.group(), e.signal("T"));
+       e.RemoveSignal(e.group(), e.signal("T"));
+       e.AddSignal(e.group(), e.signal("U"));
+     },
+     R"(
+-SIG_GROUP_ 1 G 1 : S T;
++SIG_GROUP_ 1 G 1 : U S;
+)"},
+    {"filter",
+     [](Edited& e) {
+       e.AddFilterCategory(ZelkNoneFilterCategory(), e.db);
+       e.AddFilterNode(ZelkNoneFilterNode(), e.db);
+       e.AddFilterNode(e.node("B"), e.db);
+       e.RemoveFilterCategory(*e.GetCategory("Drive", e.db), e.db);
+       e.RemoveFilterNode(e.node("A"), e.db);
+       e.RemoveFilterNode(ZelkNoneFilterNode(), e.db);
+       e.RemoveFilterCategory(ZelkNoneFilterCategory(), e.db);
+     },
+     R"(
+-FILTER 3 CAT_ 1 0 BU_ A "<<none>>" ;
++FILTER 3 CAT_ 0 0 BU_ B "<<none>>" "<<none>>" ;
+)"},
+    {"attribute values",
+     [](Edited& e) {
+       e.SetAttrValue(e.db, "Net", number(11));
+       e.SetAttrValue(e.db, "Net", number(12));
+       e.SetAttrValue(e.node("A"), "Nd", number(1), e.db);
+       e.SetAttrValue(e.node("A"), "Nd", number(2));
+       e.SetAttrValue(e.message(), "Msg", number(2));
+       e.SetAttrValue(e.signal("S"), "Sig", number(-0.5));
+       e.SetAttrValue(e.signal("T"), "Sig", number(3));
+       e.SetAttrValue(e.variable(), "Var", text("second"));
+     },
+     R"(
+-BA_ "Net" 7;
+-BA_ "Msg" BO_ 1 0;
+-BA_ "Sig" SG_ 1 S 0.25;
+-BA_ "Var" EV_ V "text";
++BA_ "Net" 12;
++BA_ "Nd" BU_ A 2;
++BA_ "Msg" BO_ 1 2;
++BA_ "Sig" SG_ 1 S -0.5;
++BA_ "Sig" SG_ 1 T 3;
++BA_ "Var" EV_ V "second";
+)"},
+    {"no such attribute or database",
+     [](Edited& e) {
+       e.SetAttrValue(e.db, "No", number(11));
+       e.SetAttrValue(e.db, nullptr, number(11));
+       e.SetAttrValue("edited", "Net", number(11));
+       e.SetAttrValue(e.signal("T"), "Sig", number(3), "edited");
+       e.ResetAttrValue(e.db, "Msg");
+       e.ResetAttrValue(e.node("A"), "Nd");
+       e.ResetAttrValue("edited", "Net");
+       e.AddFilterNode(e.node("B"), "edited");
+       e.SetDatabaseComment("edited", "x");
+       e.DeleteNode(e.node("B"), "edited");
+     },
+     "\n"},
+    {"reset",
+     [](Edited& e) {
+       e.ResetAttrValue(e.db, "Net");
+       e.ResetAttrValue(e.node("B"), "Nd");
+       e.ResetAttrValue(e.message(), "Msg");
+       e.ResetAttrValue(e.signal("S"), "Sig");
+       e.ResetAttrValue(e.variable(), "Var");
+     },
+     R"(
+-BA_ "Net" 7;
+-BA_ "Nd" BU_ B 255;
+-BA_ "Msg" BO_ 1 0;
+-BA_ "Sig" SG_ 1 S 0.25;
+-BA_ "Var" EV_ V "text";
+)"},
+    {"delete a node", [](Edited& e) { e.DeleteNode(e.node("A")); }, R"(
+-BU_: A B ANodeWhoseNameIsLongerThanThirty D E
+-BO_ 1 M: 8 A
+- SG_ S M : 0|8@1+ (1,0) [0|255] ""  A,B
+-BO_TX_BU_ 1 : A,E;
+-EV_ V: 0 [-0.5|10] "V" 2.5 9 DUMMY_NODE_OSTREL8003  A,B;
+-CM_ BU_ A "a node";
+-BA_REL_ "RelVar" BU_EV_REL_ A V 1;
+-CAT_ BU_ A 1;
+-FILTER 3 CAT_ 1 0 BU_ A "<<none>>" ;
++BU_: B ANodeWhoseNameIsLongerThanThirty D E
++BO_ 1 M: 8 E
++ SG_ S M : 0|8@1+ (1,0) [0|255] ""  B
++EV_ V: 0 [-0.5|10] "V" 2.5 9 DUMMY_NODE_OSTREL8003  B;
++FILTER 3 CAT_ 1 0 BU_ "<<none>>" ;
+)"},
+    {"delete a message", [](Edited& e) { e.DeleteMessage(e.message(), e.db); }, R"(
+-BO_ 1 M: 8 A
+- SG_ S M : 0|8@1+ (1,0) [0|255] ""  A,B
+- SG_ T m1M : 8|8@0- (0.5,-40) [-40|87.5] "degC"  B,D
+- SG_ U m2 : 16|32@1- (1,0) [0|0] "\"" Ostrel__XXX
+-BO_TX_BU_ 1 : A,E;
+-CM_ BO_ 1 "a message";
+-CM_ SG_ 1 S "a signal";
+-BA_ "Msg" BO_ 1 0;
+-BA_ "Sig" SG_ 1 S 0.25;
+-BA_REL_ "RelSig" BU_SG_REL_ B SG_ 1 S 3;
+-BA_REL_ "RelMsg" BU_BO_REL_ E 1 "x";
+-VAL_ 1 S 0 "off" 1 "on" ;
+-CAT_ BO_ 1 1;
+-SIG_TYPE_REF_ 1 T : Celsius;
+-SIG_GROUP_ 1 G 1 : S T;
+-SIG_VALTYPE_ 1 U : 1;
+-SG_MUL_VAL_ 1 T S 1-1;
+-SG_MUL_VAL_ 1 U T 2-3, 7-9;
+)"},
+    {"delete a variable", [](Edited& e) { e.DeleteEnvvar(e.variable()); }, R"(
+-EV_ V: 0 [-0.5|10] "V" 2.5 9 DUMMY_NODE_OSTREL8003  A,B;
+-CM_ EV_ V "a variable";
+-BA_ "Var" EV_ V "text";
+-BA_REL_ "RelVar" BU_EV_REL_ A V 1;
+-VAL_ V 0 "low" ;
+-CAT_ EV_ V 1;
+)"},
+    {"delete a multiplexor",
+     [](Edited& e) {
+       e.DeleteSignal(e.signal("S"));
+       if (e.message().signal_count != 2) e.SetName(e.message(), "wrong");
+     },
+     R"(
+- SG_ S M : 0|8@1+ (1,0) [0|255] ""  A,B
+- SG_ T m1M : 8|8@0- (0.5,-40) [-40|87.5] "degC"  B,D
+-CM_ SG_ 1 S "a signal";
+-BA_ "Sig" SG_ 1 S 0.25;
+-BA_REL_ "RelSig" BU_SG_REL_ B SG_ 1 S 3;
+-VAL_ 1 S 0 "off" 1 "on" ;
+-SIG_GROUP_ 1 G 1 : S T;
+-SG_MUL_VAL_ 1 T S 1-1;
++ SG_ T M : 8|8@0- (0.5,-40) [-40|87.5] "degC"  B,D
++SIG_GROUP_ 1 G 1 : T;
+)"},
+    {"delete a multiplexed signal", [](Edited& e) { e.DeleteSignal(e.signal("U"), e.db); }, R"(
+- SG_ T m1M : 8|8@0- (0.5,-40) [-40|87.5] "degC"  B,D
+- SG_ U m2 : 16|32@1- (1,0) [0|0] "\"" Ostrel__XXX
+-SIG_VALTYPE_ 1 U : 1;
+-SG_MUL_VAL_ 1 T S 1-1;
+-SG_MUL_VAL_ 1 U T 2-3, 7-9;
++ SG_ T m1 : 8|8@0- (0.5,-40) [-40|87.5] "degC"  B,D
+)"},
+    {"delete a group", [](Edited& e) { e.DeleteSignalGroup(e.group()); }, R"(
+-SIG_GROUP_ 1 G 1 : S T;
+)"},
+    {"delete definitions",
+     [](Edited& e) {
+       for (const char* name : {"Msg", "Typ", "RelMsg", "SystemNodeLongSymbol"}) {
+         e.DeleteAttrDefinition(*e.GetAttrDefinition(name, e.db));
+       }
+     },
+     R"(
+-BA_DEF_ BO_  "Msg" ENUM  "cyclic","ostrel_leerstring","event";
+-BA_DEF_ SG_  "Typ" STRING ;
+-BA_DEF_SGTYPE_ "Typ";
+-BA_DEF_REL_ BU_BO_REL_  "RelMsg" STRING ;
+-BA_DEF_DEF_  "Msg" "event";
+-BA_DEF_DEF_  "Typ" "";
+-BA_DEF_DEF_REL_ "RelMsg" "";
+-BA_ "Msg" BO_ 1 0;
+-BA_SGTYPE_ "Typ" SGTYPE_ Celsius "x";
+-BA_REL_ "RelMsg" BU_BO_REL_ E 1 "x";
+)"},
+    {"delete what is referred to",
+     [](Edited& e) {
+       e.DeleteCategory(*e.GetCategory("Drive", e.db));
+       e.DeleteSignalType(*e.GetSignalType("Celsius", e.db));
+       e.DeleteBitTiming(*e.GetBitTiming(500, e.db));
+     },
+     R"(
+-   500:  1, 28
+-SGTYPE_ Celsius : 8@1- (0.5,-40) [-40|87.5] "degC"  0 Gears;
+-CM_ SGTYPE_ Celsius "a type";
+-BA_SGTYPE_ "Typ" SGTYPE_ Celsius "x";
+-CAT_DEF_ 1 Drive 2;
+-CAT_ BU_ A 1;
+-CAT_ EV_ V 1;
+-CAT_ BO_ 1 1;
+-FILTER 3 CAT_ 1 0 BU_ A "<<none>>" ;
+-SIG_TYPE_REF_ 1 T : Celsius;
++FILTER 3 CAT_ 0 BU_ A "<<none>>" ;
+)"},
+    {"delete a table", [](Edited& e) { e.DeleteValueTable(*e.GetValueTable("Gears", e.db)); }, R"(
+-VAL_TABLE_ Gears -1 "reverse" 0 "neutral" ;
+-SGTYPE_ Celsius : 8@1- (0.5,-40) [-40|87.5] "degC"  0 Gears;
++SGTYPE_ Celsius : 8@1- (0.5,-40) [-40|87.5] "degC"  0;
+)"},
+};
+
+TEST_F(Edits, ChangeTheFile) {
+  for (const Case& c : kCases) {
+    Edited edited(folder);
+    const auto before = edited.lines();
+    c.edit(edited);
+    EXPECT_EQ("\n" + difference(before, edited.lines()), c.expected) << c.what;
+    EXPECT_EQ(edited.ReopenDatabase(edited.db), 0) << c.what << ": " << zelk_get_error_text();
+  }
+}
+
+// What is deleted leaves nothing behind that leads to it, whatever goes first.
+TEST_F(Edits, DeleteEverything) {
+  const std::vector<std::string> left = {"BS_:", "BU_:", "CM_ \"the", "network\";",
+                                         "FILTER 3 CAT_ 0 BU_ \"<<none>>\" ;"};
+  for (int first = 0; first < 9; ++first) {
+    Edited e(folder);
+    const std::function<void()> deletions[] = {
+        [&] {
+          while (auto* r = *e.GetNodeIterator(e.db)) e.DeleteNode(*r);
+        },
+        [&] {
+          while (auto* r = *e.GetCategoryIterator(e.db)) e.DeleteCategory(*r);
+        },
+        [&] {
+          while (auto* r = *e.GetAttrDefinitionIterator(e.db)) e.DeleteAttrDefinition(*r);
+        },
+        [&] {
+          while (auto* r = *e.GetSignalTypeIterator(e.db)) e.DeleteSignalType(*r);
+        },
+        [&] {
+          while (auto* r = *e.GetValueTableIterator(e.db)) e.DeleteValueTable(*r);
+        },
+        [&] {
+          msgblk* const message = e.GetMessage(1UL, e.db);
+          while (message && message->signals) e.DeleteSignal(*message->signals);
+        },
+        [&] {
+          while (auto* r = *e.GetMessageIterator(e.db)) e.DeleteMessage(*r);
+        },
+        [&] {
+          while (auto* r = *e.GetEnvvarIterator(e.db)) e.DeleteEnvvar(*r);
+        },
+        [&] {
+          while (auto* r = *e.GetBitTimingIterator(e.db)) e.DeleteBitTiming(*r);
+        },
+    };
+    for (int i = 0; i < 9; ++i) {
+      deletions[(first + i) % 9]();
+      e.lines();
+    }
+    const auto lines = e.lines();
+    const auto body = std::find(lines.begin(), lines.end(), "BS_:");
+    EXPECT_EQ(std::vector<std::string>(body, lines.end()), left) << first;
+    EXPECT_EQ(e.ReopenDatabase(e.db), 0) << zelk_get_error_text();
+  }
+}
+
+// A record of another database, or of none, is not this one's to delete.
+TEST_F(Edits, DeleteOnlyWhatTheDatabaseHolds) {
+  Edited e(folder);
+  const char* other = nullptr;
+  ASSERT_EQ(e.CreateDatabase("other", &other, nullptr), 0);
+  symblk& foreign = *e.CreateNode(other, 0);
+  e.SetName(foreign, "Foreign");
+  const auto before = e.lines();
+  e.DeleteNode(foreign, e.db);
+  e.DeleteMessage(e.message(), other);
+  e.DeleteSignal(e.signal("S"), other);
+  e.DeleteSignalGroup(e.group(), other);
+  symblk unlisted = {};
+  sigblk loose = {};
+  e.DeleteNode(unlisted);
+  e.DeleteSignal(loose);
+  EXPECT_EQ(difference(before, e.lines()), "");
+  EXPECT_EQ(e.NodeCount(other), 1U);
+  e.DeleteNode(foreign);
+  EXPECT_EQ(e.NodeCount(other), 0U);
+}
+
+template <typename Failing>
+void edit_without_memory(const Folder& folder) {
+  for (const Case& c : kCases) {
+    // What cannot be created cannot be named either.
+    if (std::string_view(c.what).starts_with("new")) continue;
+    bool has_failed = true;
+    for (std::size_t n = 0; has_failed; ++n) {
+      Edited edited(folder);
+      {
+        const Failing failing(n);
+        c.edit(edited);
+        has_failed = failing.has_failed();
+      }
+      edited.lines();
+      EXPECT_EQ(edited.ReopenDatabase(edited.db), 0) << c.what << ", allocation " << n;
+    }
+  }
+}
+
+TEST_F(Edits, WithoutMemory) {
+  edit_without_memory<FailingCalloc>(folder);
+  edit_without_memory<FailingNew>(folder);
+}
+
+}  // namespace

@@ -1,0 +1,188 @@
+#include "zelk/write_manager.hpp"
+
+#include "manager/manager_test.hpp"
+#include "support/failing_calloc.hpp"
+#include "support/failing_new.hpp"
+#include "support/files.hpp"
+#include "zelk/errors.h"
+#include "zelk/lock.hpp"
+
+namespace {
+
+using WriteManagers = ManagerTest;
+
+constexpr void* kNobody = nullptr;
+
+struct WriteManager : ZelkWriteManager {
+  WriteManager() : ZelkWriteManager(kNobody) {}
+};
+
+const char* create(ZelkWriteManager& manager, const char* db, const char* path = nullptr) {
+  const char* name = nullptr;
+  EXPECT_EQ(manager.CreateDatabase(db, &name, path), 0) << db;
+  EXPECT_STREQ(name, db);
+  EXPECT_NE(name, db);
+  return name;
+}
+
+TEST_F(WriteManagers, OwnTheirFiles) {
+  const std::string path = folder.write("a.dbc", kDatabase);
+  const std::string other = folder.write("b.dbc", kDatabase);
+  Manager reader;
+  open(reader, path, "early");
+  WriteManager first;
+  WriteManager second;
+  const char* const name = open(first, path, "a");
+  EXPECT_EQ(second.OpenDatabase(path.c_str(), nullptr, "a", 0), 5);
+  EXPECT_EQ(first.OpenDatabase(path.c_str(), nullptr, "again", 0), 4);
+  EXPECT_EQ(second.DatabaseCount(), 0U);
+  open(reader, other, "other");
+  open(second, other);
+  EXPECT_TRUE(first.OwnsDatabaseForWrite(path.c_str()));
+  EXPECT_FALSE(first.OwnsDatabaseForWrite(other.c_str()));
+  EXPECT_FALSE(reader.OwnsDatabaseForWrite(path.c_str()));
+  EXPECT_EQ(first.CheckForWriteOpen(other.c_str()), 5);
+  EXPECT_EQ(reader.CheckForWriteOpen(other.c_str()), 0);
+  first.CloseDatabase(name, false);
+  open(second, path, "a");
+}
+
+TEST_F(WriteManagers, TakeWriteLocks) {
+  const std::string path = folder.write("a.dbc", kDatabase);
+  WriteManager writer;
+  Manager reader;
+  const char* const written = open(writer, path, "w");
+  const char* const read = open(reader, path, "r");
+  EXPECT_TRUE(writer.LockDatabase(written, "editing"));
+  EXPECT_FALSE(reader.LockDatabase(read, "reading"));
+  writer.UnlockDatabase(nullptr);
+  EXPECT_TRUE(reader.LockDatabase(read, "reading"));
+  EXPECT_FALSE(writer.LockAllDatabases("editing"));
+}
+
+TEST_F(WriteManagers, CreateDatabases) {
+  WriteManager manager;
+  create(manager, "taken");
+  const std::string existing = folder.write("old.dbc", kDatabase);
+  const struct {
+    const char* db;
+    const char* path;
+    int expected;
+  } refused[] = {{"", nullptr, 7},          {"1st", nullptr, 7},     {nullptr, nullptr, 7},
+                 {"taken", nullptr, 3},     {"taken", "old.dbc", 3}, {"new", existing.c_str(), 10},
+                 {"bad name", "old.dbc", 7}};
+  for (const auto& c : refused) {
+    const char* name = "untouched";
+    EXPECT_EQ(manager.CreateDatabase(c.db, &name, c.path), c.expected);
+    EXPECT_STREQ(name, "untouched");
+  }
+  EXPECT_EQ(manager.DatabaseCount(), 1U);
+  EXPECT_EQ(databases_alive(), 1);
+
+  const std::string path = folder.path("new.dbc");
+  const char* const name = create(manager, "fresh", path.c_str());
+  EXPECT_STREQ(manager.GetDatabasePath("fresh"), path.c_str());
+  EXPECT_FALSE(std::filesystem::exists(path));
+  manager.SetName(*manager.CreateNode(name, 0), "Node");
+  ASSERT_EQ(manager.WriteDatabase(name, nullptr), 0);
+  Manager reader;
+  EXPECT_TRUE(reader.GetNode("Node", open(reader, path, "copy")));
+}
+
+TEST_F(WriteManagers, WriteAndAnnounce) {
+  const std::string path = folder.write("a.dbc", kDatabase);
+  ZelkWriteManager writer(handle<HWND>(0x10));
+  ZelkManager reader(handle<HWND>(0x20));
+  const char* const name = open(writer, path, "mine");
+  open(reader, path, "yours");
+  writer.SetDatabaseComment(name, "edited");
+  EXPECT_EQ(writer.WriteDatabase("mine", nullptr), 9) << "a text that is no handle";
+  EXPECT_TRUE(host.notifications.empty());
+  EXPECT_EQ(writer.WriteDatabase(name, nullptr), 0);
+  const std::vector<std::string> told = {"all 0 from 0: -", "window 10 from 10: mine",
+                                         "window 20 from 10: yours"};
+  EXPECT_EQ(host.notifications, told);
+  EXPECT_NE(content_of(path.c_str()).find("CM_ \"edited\""), std::string::npos);
+
+  host.notifications.clear();
+  writer.CommitDatabase(name);
+  EXPECT_EQ(host.notifications, told) << "a commit is announced whether or not it copied";
+  host.notifications.clear();
+  writer.CommitDatabase("mine");
+  writer.ClearDatabase(name);
+  EXPECT_TRUE(host.notifications.empty());
+  EXPECT_FALSE(writer.GetDatabase(name)->nodes);
+}
+
+TEST_F(WriteManagers, WriteNothingThatIsLocked) {
+  const std::string paths[] = {folder.write("a.dbc", kDatabase), folder.write("b.dbc", kDatabase)};
+  WriteManager writer;
+  Manager reader;
+  const char* const first = open(writer, paths[0], "a");
+  const char* const second = open(writer, paths[1], "b");
+  for (const char* name : {first, second}) writer.SetDatabaseComment(name, "edited");
+  ASSERT_TRUE(reader.LockDatabase(open(reader, paths[1], "held"), "in use"));
+  EXPECT_EQ(writer.WriteDatabase(nullptr, nullptr), 11);
+  EXPECT_EQ(writer.WriteDatabase(second, nullptr), 11);
+  EXPECT_EQ(host.messages,
+            std::vector<std::string>(2, "ZELKMS.DLL|Database access refused!\nin use|8208"));
+  for (const auto& path : paths) EXPECT_EQ(content_of(path.c_str()), kDatabase);
+  reader.UnlockDatabase(nullptr);
+  ASSERT_TRUE(writer.LockAllDatabases("own locks do not refuse"));
+  EXPECT_EQ(writer.WriteDatabase(nullptr, "ignored.dbc"), 0);
+  for (const auto& path : paths) EXPECT_NE(content_of(path.c_str()), kDatabase);
+}
+
+TEST_F(WriteManagers, WriteAllAndTellTheFirstError) {
+  WriteManager writer;
+  const std::string path = folder.path("new.dbc");
+  create(writer, "nowhere");
+  create(writer, "somewhere", path.c_str());
+  EXPECT_EQ(writer.WriteDatabase(nullptr, nullptr), 2);
+  EXPECT_TRUE(std::filesystem::exists(path));
+  EXPECT_FALSE(writer.WriteExtendedMultiplexing("nowhere", false)) << "no handle";
+  const char* const name = writer.GetUniqueDatabaseName("nowhere");
+  EXPECT_TRUE(writer.WriteExtendedMultiplexing(name, false));
+  EXPECT_EQ(writer.GetDatabase(name)->write_ext_mux, 0);
+  writer.ClearDatabase(nullptr);
+}
+
+template <typename Failing>
+void create_without_memory() {
+  bool has_failed = true;
+  for (std::size_t n = 0; has_failed; ++n) {
+    WriteManager manager;
+    ZelkError result{};
+    {
+      const Failing failing(n);
+      result = manager.CreateDatabase("new", nullptr, "new.dbc");
+      has_failed = failing.has_failed();
+    }
+    // Without memory for the error text alone the database is there.
+    EXPECT_TRUE(result == 0 || (has_failed && result == 1)) << n;
+    EXPECT_EQ(manager.DatabaseCount(), result == 0 ? 1U : 0U) << n;
+    EXPECT_EQ(databases_alive(), result == 0 ? 1 : 0) << n;
+  }
+}
+
+TEST_F(WriteManagers, CreateNothingWithoutMemory) {
+  create_without_memory<FailingCalloc>();
+  create_without_memory<FailingNew>();
+}
+
+// A second instance of a file: opened before it was touched, and so no more the same.
+TEST_F(WriteManagers, CommitToTheOtherInstance) {
+  const std::string path = folder.write("a.dbc", kDatabase);
+  WriteManager writer;
+  const char* const name = open(writer, path, "mine");
+  Folder::touch(path, 1);
+  Manager reader;
+  const char* const other = open(reader, path, "theirs");
+  ASSERT_NE(writer.GetDatabase(name), reader.GetDatabase(other));
+  writer.SetName(*writer.GetNode("A", name), "B");
+  writer.CommitDatabase(nullptr);
+  EXPECT_TRUE(reader.GetNode("B", other));
+  EXPECT_EQ(content_of(path.c_str()), kDatabase);
+}
+
+}  // namespace
