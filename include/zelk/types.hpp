@@ -14,15 +14,15 @@
 /// Results of the class interface.
 enum ZelkError : int {
   ZelkErrorOk = 0,
-  ZelkErrorNoDatabase = 1,    ///< no database of that name, or the file could not be read
+  ZelkErrorNoDatabase = 1,    ///< no database of that name, or it could not be read or imported
   ZelkErrorFileNotFound = 2,  ///< the file does not exist, or no file is named
   ZelkErrorNameUsed = 3,      ///< the manager has a database of that name
   ZelkErrorAlreadyOpen = 4,   ///< the manager has the file open
   ZelkErrorOpenForWrite = 5,  ///< a write manager has the file open
   ZelkErrorInvalidName = 7,   ///< not a name for a database
   ZelkErrorReadOnly = 8,      ///< the file is read-only
-  ZelkErrorNotWritten = 9,    ///< the file could not be written; it is as it was
-  ZelkErrorFileBelongs = 10,  ///< the file belongs to another open database
+  ZelkErrorNotWritten = 9,    ///< not written, and the file as it was; also for no such database
+  ZelkErrorFileBelongs = 10,  ///< another open database has the file, or a new one exists already
   ZelkErrorLocked = 11        ///< another manager holds a lock
 };
 
