@@ -39,19 +39,21 @@ class ZELK_API ZelkConverter {
                            sigtype* signal_types, valtable* value_tables);
 
  public:
-  /// A function that the module exports; null when it has none of that name, or is not loaded.
+  /// A function that the module exports; null when it has none of that name, or is not loaded, and
+  /// for null.
   Function GetFunction(const char* name) const;
   /// The manager's database of that handle; null when there is none.
   ZelkDatabase* GetDatabase(const char* db) const;
-  /// 0 after a success; 1 while a conversion runs, after a failed one, and when the module could
-  /// not be loaded.
+  /// 0 after a success; 1 while a conversion runs and after a failed one. Before the first one 1
+  /// when the module could not be loaded, else 0.
   std::uint32_t Status() const { return status_; }
   /// Asks something of the module, in the module's own words (`zelk_conversion::option`); null is
   /// the empty text. The text must live as long as it is asked.
   void SetOption(const char* option) { option_ = option ? option : ""; }
 
  protected:
-  /// Loads a module. That it cannot be loaded is told by `Status`, and by the conversion.
+  /// Loads a module. That it cannot be loaded, or does not have the function, is told in the error
+  /// text of a conversion.
   ///
   /// @param module    file name as the system's loader takes it: a bare name is searched for on the
   /// system's path; null: none
@@ -60,10 +62,11 @@ class ZELK_API ZelkConverter {
 
   std::uint32_t status_ = 0;
   ZelkManager& manager_;
-  ZelkDatabase* database_ = nullptr;  ///< the one that is converted; null until it is found
+  ZelkDatabase* database_ = nullptr;  ///< the one that is converted; null while none is
   HINSTANCE module_ = nullptr;        ///< null when it could not be loaded
   Function function_ = nullptr;       ///< null when the module does not have it
   const char* option_ = "";
+  bool is_function_wanted_;  ///< a module or a function was named
 };
 
 /// Fills new databases from files of another format.
@@ -120,8 +123,9 @@ class ZELK_API ZelkExporter : public ZelkConverter {
 
   /// Writes a database to a new file.
   ///
-  /// @return 0, also without a conversion function (nothing is written then); 10 when the file
-  /// exists; 9 when there is no such database, and when the conversion function fails
+  /// @return 0, also without a conversion function (nothing is written then, and the error text
+  /// says so if one was named); 10 when the file exists; 9 when there is no such database, and when
+  /// the conversion function fails
   virtual ZelkError Export(const char* db, const char* file);
 
  protected:

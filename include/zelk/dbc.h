@@ -78,6 +78,15 @@ ZELK_API uint32_t zelk_write(const char* path, symblk* nodes, msgblk* messages,
                              const char* version, sigtype* sigtypes, valtable* valtables,
                              uint8_t write_mul_val);
 
+/// Whether a file can hold a name for a node, message, signal or environment variable, so that it
+/// is read back: letters, digits and "_" of ASCII, the first no digit; no keyword, and no symbol
+/// that the file which this process read last announced ("NS_").
+///
+/// @param name     null is none
+/// @param is_node  not 0: it is a node's, which must not be `ZELK_NO_NODE` either
+/// @return 1 or 0
+ZELK_API int zelk_can_name_object(const char* name, int is_node);
+
 ZELK_EXTERN_C_END
 
 #endif

@@ -11,8 +11,10 @@
 /// has exactly one owner, as records.h describes it, and no list runs in a circle. Nothing else is
 /// taken for granted: missing names, counts that do not agree, references that lead to records of
 /// other databases, and values outside their ranges do no harm here. After a successful import the
-/// library copies all lists, drops references to what is in none of them, and releases the
-/// originals as `zelk_free` does: the module keeps no pointer into them. When the function fails
+/// library copies all lists and releases the originals as `zelk_free` does: the module keeps no
+/// pointer into them. References lead to the copies; one to a record that is in none of the lists
+/// (of signals: in no list of its message) leads to the first of its name or number there, else
+/// nowhere. When the function fails
 /// the library releases whatever is in the lists by then.
 ///
 /// **Errors.** A function tells what is wrong, and where, by `zelk_note` (errors.h), before it

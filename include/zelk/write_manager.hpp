@@ -56,7 +56,7 @@ class ZELK_API ZelkWriteManager : public ZelkManager {
   /// @param name  receives the handle on success; may be null
   /// @param path  the file that it is for; null for none yet
   /// @return tested in this order: 7 for an invalid name, 3 for one that is in use, 10 when the
-  /// file exists, 1 when the heap is exhausted; or 0
+  /// file exists or an open database of any manager is for it, 1 when the heap is exhausted; or 0
   ZelkError CreateDatabase(const char* db, const char** name, const char* path);
   /// Writes a database (`ZelkDatabase::Write`) and announces it to all managers that have it.
   ///
@@ -141,7 +141,8 @@ class ZELK_API ZelkWriteManager : public ZelkManager {
   // --- Links ---
   //
   // Adding puts a new link in front, and does not look for one that is there. Removing releases
-  // every link to the record, but not the relation attribute values that hang on a link.
+  // every link to the record, but not the relation attribute values that hang on a link
+  // (`rxblk::attrs`): who adds such values takes and releases them before.
 
   void AddSignal(siggroupblk& group, const sigblk& signal);
   void RemoveSignal(siggroupblk& group, const sigblk& signal);
@@ -171,7 +172,9 @@ class ZELK_API ZelkWriteManager : public ZelkManager {
   // items are tested.
   //
   // `db` names the database whose definition counts: the first one of that name for the kind of
-  // object, else the first one of that name. Null: the database that holds the object.
+  // object, else the first one of that name for objects of another kind (not for relations: no file
+  // could hold the value). Null: the database that holds the object. With another one than that
+  // nothing happens. A null text is stored as no text, which a file tells as an empty one.
 
   /// Replaces the object's value of that name, or puts a new one in front.
   void SetAttrValue(const char* db, const char* name, const zelk_attr_value_t& value);

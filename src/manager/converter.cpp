@@ -51,6 +51,7 @@ bool run(ZelkDatabase& database, const char* option, std::uint32_t number, Call 
   const Running running(conversion);
   try {
     return call() != 0;
+  } catch (const ZelkException&) {  // has told of itself in the error text
   } catch (const std::exception& error) {
     zelk_note(number, kNoLine, error.what());
   } catch (...) {
@@ -96,7 +97,7 @@ extern "C" const zelk_conversion* zelk_get_conversion(void) { return zelk::runni
 // --- Converter ---
 
 ZelkConverter::ZelkConverter(ZelkManager& manager, const char* module, const char* function)
-    : manager_(manager) {
+    : manager_(manager), is_function_wanted_(module || function) {
   if (module) module_ = static_cast<HINSTANCE>(zelk::platform::load_module(module).release());
   if (!module_) status_ = 1;
   if (function) function_ = GetFunction(function);
@@ -112,7 +113,7 @@ bool ZelkConverter::PostProcess(symblk*, msgblk*, env_var_blk*, btlblk*, attr_de
 }
 
 ZelkConverter::Function ZelkConverter::GetFunction(const char* name) const {
-  return module_ ? zelk::platform::find_function(module_, name) : nullptr;
+  return module_ && name ? zelk::platform::find_function(module_, name) : nullptr;
 }
 
 ZelkDatabase* ZelkConverter::GetDatabase(const char* db) const { return manager_.GetDatabase(db); }
@@ -151,8 +152,9 @@ ZelkError ZelkImporter::FillDatabase(const char* name, const char* file) {
   status_ = 1;
   database_ = GetDatabase(name);
   if (!database_) return ZelkErrorNoDatabase;
-  if (!ProcessFile(file) || !CopyDatabaseLists()) {
-    database_ = nullptr;
+  const bool is_filled = ProcessFile(file) && CopyDatabaseLists();
+  database_ = nullptr;
+  if (!is_filled) {
     manager_.CloseDatabase(name, false);
     return ZelkErrorNoDatabase;
   }
@@ -210,7 +212,9 @@ ZelkError ZelkExporter::Export(const char* db, const char* file) try {
   if (!file) return ZelkErrorNotWritten;
   if (zelk::writability(file) != ZelkErrorFileNotFound) return ZelkErrorFileBelongs;
   database_ = manager_.FindDatabase(db);
-  if (!database_ || !ProcessFile(file)) return ZelkErrorNotWritten;
+  const bool is_written = database_ && ProcessFile(file);
+  database_ = nullptr;
+  if (!is_written) return ZelkErrorNotWritten;
   status_ = 0;
   return ZelkErrorOk;
 } catch (const std::bad_alloc&) {
@@ -219,7 +223,10 @@ ZelkError ZelkExporter::Export(const char* db, const char* file) try {
 }
 
 bool ZelkExporter::ProcessFile(const char* file) {
-  if (!function_) return true;
+  if (!function_) {
+    if (is_function_wanted_) zelk::tell_missing_function(module_ != nullptr);
+    return true;
+  }
   const ZelkDatabase& database = *database_;
   const auto write = reinterpret_cast<zelk_export_function>(function_);
   return zelk::run(*database_, option_, ZELK_ERR_CONVERT, [&] {

@@ -273,6 +273,7 @@ void DatabaseCopier::copy_messages() {
     copy.tx_nodes = copy_links(message.tx_nodes);
     copy_signals(message, copy);
     copy_groups(message, copy);
+    forget(message.signals);  // no other message may refer to them
   });
 }
 

@@ -7,6 +7,7 @@
 #include "capi/list_walk.hpp"
 #include "manager/database_index.hpp"
 #include "manager/database_lookup.hpp"
+#include "model/errors.hpp"
 #include "model/list_edit.hpp"
 #include "model/symbols.hpp"
 #include "zelk/database.hpp"
@@ -20,10 +21,13 @@ namespace {
 template <typename Record>
 Record* create_at(Record*& list, unsigned index, Record* (*create)()) try {
   Record* const record = create();
-  if (!record) return nullptr;
-  zelk::link_at(list, index, record);
+  if (record) {
+    zelk::link_at(list, index, record);
+  } else {
+    zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
+  }
   return record;
-} catch (const ZelkException&) {
+} catch (const ZelkException&) {  // has told of itself in the error text
   return nullptr;
 }
 

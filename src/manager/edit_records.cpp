@@ -182,7 +182,7 @@ sigblk* ZelkWriteManager::CreateSignal(msgblk& message, unsigned index) {
   sigblk* signal = nullptr;
   zelk::edit_or_tell([&] {
     signal = zelk_create_sigblk();
-    if (!signal) return;
+    if (!signal) throw std::bad_alloc();
     zelk::link_at(message.signals, index, signal);
     signal->message = &message;
     ++message.signal_count;

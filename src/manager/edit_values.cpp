@@ -6,6 +6,7 @@
 #include "manager/edits.hpp"
 #include "model/memory.hpp"
 #include "model/release.hpp"
+#include "text/words.hpp"
 #include "zelk/model.h"
 #include "zelk/write_manager.hpp"
 
@@ -49,8 +50,8 @@ void describe(val*& descriptions, long value, const char* text) {
 bool add_link(rxblk*& links, const symblk* node) {
   bool is_added = false;
   edit_or_tell([&] {
-    rxblk* const link = zelk_create_rx(const_cast<symblk*>(node));
-    if (!link) return;
+    auto* const link = create_record<rxblk>();
+    link->node = const_cast<symblk*>(node);
     link_in_front(links, link);
     is_added = true;
   });
@@ -70,12 +71,17 @@ void store(attr& value, const attr_def& definition, const zelk_attr_value_t& new
   }
 }
 
+/// The first definition of that name for the kind of object, else the first one of that name. Those
+/// of relations do not count: no file could hold the value.
 attr_def* find_definition(ZelkDatabase* database, zelk_obj_t kind, const char* name) {
   if (!database) return nullptr;
   attr_def* const of_kind = find_first(database->attr_defs, [=](const attr_def& definition) {
     return definition.object_type == kind && same_inline_name(definition.name, name);
   });
-  return of_kind ? of_kind : find_inline_name(database->attr_defs, name);
+  if (of_kind) return of_kind;
+  return find_first(database->attr_defs, [name](const attr_def& definition) {
+    return !is_relation(definition.object_type) && same_inline_name(definition.name, name);
+  });
 }
 
 /// Replaces the value of that name, or puts a new one in front.
@@ -100,9 +106,11 @@ template <typename Object>
 void set_value(ZelkWriteManager& manager, Object& object, const char* name,
                const zelk_attr_value_t& value, const char* db) {
   set_value(object.attrs, name, value, [&] {
-    ZelkDatabase* const database =
-        db ? ManagerEdits::database(manager, db) : ManagerEdits::holder(manager, object, nullptr);
-    return find_definition(database, kind_of(object), name);
+    ZelkDatabase* const holder = ManagerEdits::holder(manager, object, nullptr);
+    ZelkDatabase* const database = db ? ManagerEdits::database(manager, db) : holder;
+    // A value must not refer to a definition that may be closed before it.
+    const bool is_foreign = holder && holder != database;
+    return is_foreign ? nullptr : find_definition(database, kind_of(object), name);
   });
 }
 

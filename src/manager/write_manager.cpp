@@ -2,13 +2,32 @@
 
 #include "zelk/write_manager.hpp"
 
+#include <algorithm>
 #include <new>
 
 #include "manager/database_list.hpp"
 #include "model/errors.hpp"
 #include "model/memory.hpp"
+#include "platform/platform.hpp"
 #include "zelk/exception.hpp"
 #include "zelk/lock.hpp"
+
+namespace zelk {
+namespace {
+
+/// Whether there is a file, or an open database that is for it: the later one of the two to be
+/// written would replace the other.
+bool is_taken(const char* path) {
+  if (writability(path) != ZelkErrorFileNotFound) return true;
+  const auto& list = database_list();
+  return std::any_of(list.begin(), list.end(), [path](const ZelkDatabase* database) {
+    return database->ref_count > 0 && database->path &&
+           platform::is_same_path(database->path, path);
+  });
+}
+
+}  // namespace
+}  // namespace zelk
 
 ZelkWriteManager::ZelkWriteManager(void* thread) : ZelkManager(thread) {}
 
@@ -47,7 +66,7 @@ ZelkError ZelkWriteManager::CreateDatabase(const char* db, const char** name,
                                            const char* path) try {
   if (!ZelkVerifyDatabaseName(db)) return ZelkErrorInvalidName;
   if (ListFindName(db)) return ZelkErrorNameUsed;
-  if (path && zelk::writability(path) != ZelkErrorFileNotFound) return ZelkErrorFileBelongs;
+  if (path && zelk::is_taken(path)) return ZelkErrorFileBelongs;
   ZelkDatabase& database = AssignDatabase(nullptr);
   try {
     if (path) zelk::assign_text(database.path, zelk::copy_text(path));
@@ -104,6 +123,7 @@ ZelkError ZelkWriteManager::WriteAllDatabases() {
 }
 
 void ZelkWriteManager::CommitDatabase(const char* db) {
+  if (db && !FindDatabase(db)) return;
   for (DbListNode* node = databases_; node; node = node->next) {
     if (db && node->name != db) continue;
     node->database.Commit();
@@ -112,6 +132,7 @@ void ZelkWriteManager::CommitDatabase(const char* db) {
 }
 
 void ZelkWriteManager::ClearDatabase(const char* db) {
+  if (db && !FindDatabase(db)) return;
   for (DbListNode* node = databases_; node; node = node->next) {
     if (!db || node->name == db) node->database.Clear();
   }

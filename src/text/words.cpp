@@ -5,6 +5,7 @@
 #include "text/characters.hpp"
 #include "text/keywords.hpp"
 #include "text/new_symbols.hpp"
+#include "zelk/dbc.h"
 
 namespace zelk {
 
@@ -18,3 +19,7 @@ bool can_name_object(std::string_view name, bool is_node) {
 }
 
 }  // namespace zelk
+
+extern "C" int zelk_can_name_object(const char* name, int is_node) {
+  return name && zelk::can_name_object(name, is_node != 0) ? 1 : 0;
+}

@@ -89,6 +89,18 @@ TEST_F(WriteManagers, CreateDatabases) {
   EXPECT_TRUE(reader.GetNode("Node", open(reader, path, "copy")));
 }
 
+// Of two databases for one new file the later one written would replace the other.
+TEST_F(WriteManagers, CreateOneDatabaseForAFile) {
+  const std::string path = folder.path("new.dbc");
+  WriteManager first;
+  WriteManager second;
+  const char* const name = create(first, "first", path.c_str());
+  EXPECT_EQ(first.CreateDatabase("again", nullptr, path.c_str()), 10);
+  EXPECT_EQ(second.CreateDatabase("second", nullptr, path.c_str()), 10);
+  first.CloseDatabase(name, true);
+  EXPECT_EQ(second.CreateDatabase("second", nullptr, path.c_str()), 0);
+}
+
 TEST_F(WriteManagers, WriteAndAnnounce) {
   const std::string path = folder.write("a.dbc", kDatabase);
   ZelkWriteManager writer(handle<HWND>(0x10));
