@@ -1,4 +1,4 @@
-# `cmake --install`: headers, library, tool, a CMake package (zelkmsnx::zelkmsnx) and a pkg-config file.
+# `cmake --install`: headers, library, modules, tool, a CMake package (zelkmsnx::zelkmsnx) and a pkg-config file.
 
 include(CMakePackageConfigHelpers)
 
@@ -12,6 +12,17 @@ if(ZELK_BUILD_TOOL)
   file(RELATIVE_PATH bin_to_lib /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
   set_target_properties(zelk PROPERTIES INSTALL_RPATH $ORIGIN/${bin_to_lib})
   install(TARGETS zelk RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
+
+if(ZELK_BUILD_MODULES)
+  # In the folder zelkms beside the library, where the program looks for them.
+  if(WIN32)
+    set(module_dir ${CMAKE_INSTALL_BINDIR}/zelkms)
+  else()
+    set(module_dir ${CMAKE_INSTALL_LIBDIR}/zelkms)
+  endif()
+  set_target_properties(zelk-json zelk-kcd PROPERTIES INSTALL_RPATH $ORIGIN/..)
+  install(TARGETS zelk-json zelk-kcd LIBRARY DESTINATION ${module_dir})
 endif()
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zelkmsnx)

@@ -1,8 +1,9 @@
-# The libraries of the program and the tests, from the distribution: CLI11::CLI11, fmt::fmt,
-# nlohmann_json::nlohmann_json, GTest::gmock and GTest::gtest_main.
+# The libraries of the program, the modules and the tests, from the distribution: CLI11::CLI11, fmt::fmt,
+# nlohmann_json::nlohmann_json, pugixml::pugixml, GTest::gmock and GTest::gtest_main.
 #
 # A build for another system takes them from the same packages, in forms that do not depend on a system: headers, copied
-# out of /usr/include because what lies beside them there is of the build machine's system, and GoogleTest's sources.
+# out of /usr/include because what lies beside them there is of the build machine's system, and the sources of GoogleTest
+# and pugixml (scripts/setup fetches the latter, as no package has them).
 
 function(zelk_copy_header_library name folder)
   file(COPY /usr/include/${folder} DESTINATION ${CMAKE_BINARY_DIR}/headers)
@@ -14,7 +15,12 @@ if(NOT CMAKE_CROSSCOMPILING)
   if(ZELK_BUILD_TOOL)
     find_package(CLI11 REQUIRED)
     find_package(fmt REQUIRED)
+  endif()
+  if(ZELK_BUILD_TOOL OR ZELK_BUILD_MODULES)
     find_package(nlohmann_json REQUIRED)
+  endif()
+  if(ZELK_BUILD_MODULES)
+    find_package(pugixml REQUIRED)
   endif()
   if(ZELK_BUILD_TESTS)
     find_package(GTest REQUIRED)
@@ -26,7 +32,15 @@ if(ZELK_BUILD_TOOL)
   zelk_copy_header_library(CLI11::CLI11 CLI)
   zelk_copy_header_library(fmt::fmt fmt)
   target_compile_definitions(fmt::fmt INTERFACE FMT_HEADER_ONLY)
+endif()
+if(ZELK_BUILD_TOOL OR ZELK_BUILD_MODULES)
   zelk_copy_header_library(nlohmann_json::nlohmann_json nlohmann)
+endif()
+if(ZELK_BUILD_MODULES)
+  set(pugixml_sources /usr/src/pugixml/src)
+  add_library(pugixml STATIC ${pugixml_sources}/pugixml.cpp)
+  target_include_directories(pugixml SYSTEM INTERFACE ${pugixml_sources})
+  add_library(pugixml::pugixml ALIAS pugixml)
 endif()
 if(ZELK_BUILD_TESTS)
   set(INSTALL_GTEST OFF)

@@ -1,0 +1,107 @@
+/// \file
+/// Building records, and telling why that cannot be.
+
+#ifndef ZELK_MODULES_COMMON_RECORDS_HPP
+#define ZELK_MODULES_COMMON_RECORDS_HPP
+
+#include <cstddef>
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "zelk/module.h"
+
+namespace zelk::modules {
+
+/// What a file cannot be read or written for.
+class Fault : public std::runtime_error {
+ public:
+  /// @param line  of the file, from 1; 0: none
+  explicit Fault(const std::string& text, std::int32_t line = 0)
+      : std::runtime_error(text), line_(line) {}
+  std::int32_t line() const { return line_; }
+
+ private:
+  std::int32_t line_;
+};
+
+/// Runs the body of a conversion function and tells the library what it throws.
+///
+/// @param number  `ZELK_ERR_CONVERTED_FORMAT` of an import, `ZELK_ERR_CONVERT` of an export
+/// @return what a conversion function returns
+template <typename Body>
+int guarded(std::uint32_t number, Body body) {
+  try {
+    body();
+    return 1;
+  } catch (const Fault& fault) {
+    zelk_note(number, fault.line(), fault.what());
+  } catch (const std::bad_alloc&) {
+    zelk_note(ZELK_ERR_MEMORY, 0, nullptr);
+  } catch (const std::exception& error) {
+    zelk_note(number, 0, error.what());
+  }
+  return 0;
+}
+
+/// A zero-filled block of the library's heap.
+/// @throws std::bad_alloc
+void* allocated(std::size_t size);
+
+/// Appends to a list of records, in constant time.
+template <typename Record>
+class ListTail {
+ public:
+  /// Behind what is in the list.
+  explicit ListTail(Record*& head) : tail_(&head) {
+    while (*tail_) tail_ = &(*tail_)->next;
+  }
+
+  /// @return the new record, zero-filled and owned by the list
+  /// @throws std::bad_alloc
+  Record& append() {
+    auto* const record = static_cast<Record*>(allocated(sizeof(Record)));
+    *tail_ = record;
+    tail_ = &record->next;
+    return *record;
+  }
+
+ private:
+  Record** tail_;
+};
+
+/// Replaces an owned text of a record.
+/// @throws std::bad_alloc; Fault for a text with a NUL character, which no record can hold
+void assign_text(char*& field, std::string_view text);
+
+/// Puts a text into an inline name or unit.
+/// @throws Fault for a longer one than `ZELK_INLINE_NAME_MAX` characters, with `what` in front
+template <std::size_t kSize>
+void assign_inline(char (&field)[kSize], std::string_view text, std::string_view what);
+
+/// A text of a record, null read as empty.
+inline std::string_view view(const char* text) { return text ? text : std::string_view(); }
+
+/// An inline name or unit; its array need not be terminated.
+template <std::size_t kSize>
+std::string_view view(const char (&field)[kSize]) {
+  const std::string_view whole(field, kSize);
+  return whole.substr(0, whole.find('\0'));
+}
+
+// --- Implementation ---
+
+/// @throws Fault
+void check_inline(std::string_view text, std::string_view what);
+
+template <std::size_t kSize>
+void assign_inline(char (&field)[kSize], std::string_view text, std::string_view what) {
+  static_assert(kSize > ZELK_INLINE_NAME_MAX);
+  check_inline(text, what);
+  field[text.copy(field, text.size())] = '\0';
+}
+
+}  // namespace zelk::modules
+
+#endif

@@ -1,0 +1,186 @@
+// Writes a database as the only bus of a file in KCD.
+
+#include <cmath>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "common/encoding.hpp"
+#include "common/file.hpp"
+#include "common/records.hpp"
+#include "kcd/format.hpp"
+#include "kcd/left_out.hpp"
+#include "kcd/message_export.hpp"
+#include "kcd/text_output.hpp"
+#include "zelk/module.h"
+
+namespace zelk::modules::kcd {
+
+namespace {
+
+/// The lists of the database that is written.
+struct Database {
+  const msgblk* messages;
+  const symblk* nodes;
+  const env_var_blk* variables;
+  const attr_def* definitions;
+  const attr* values;
+  const zelk_conversion& other;
+};
+
+bool is_text(const attr_def& definition) { return definition.value_type == ZELK_ATTR_STRING; }
+
+const attr_def* find_definition(const attr_def* definitions, const KcdAttribute& attribute) {
+  const attr_def* each = definitions;
+  while (each &&
+         (each->object_type != attribute.object_type || view(each->name) != attribute.name)) {
+    each = each->next;
+  }
+  const bool is_of_type = each && is_text(*each) == (attribute.value_type == ZELK_ATTR_STRING) &&
+                          each->value_type != ZELK_ATTR_ENUM;
+  return is_of_type ? each : nullptr;
+}
+
+const attr* find_value(const attr* values, const attr_def* definition) {
+  if (!definition) return nullptr;
+  while (values && values->def != definition) values = values->next;
+  return values;
+}
+
+/// The whole number that an object has for a definition; none for another one, and for the default
+/// 0, which says nothing.
+std::optional<std::int32_t> number_of(const attr* value, const attr_def* definition) {
+  if (!definition) return std::nullopt;
+  const double number = value ? value->value.number : definition->default_value.number;
+  if (!(number >= 0 && number <= kMaxAttribute) || number != std::floor(number)) {
+    return std::nullopt;
+  }
+  if (!value && number == 0) return std::nullopt;
+  return static_cast<std::int32_t>(number);
+}
+
+/// Makes an attribute of the element out of the value that `values` has for a definition, or else
+/// of its default.
+///
+/// @return number of the values taken
+std::uint64_t append_number(pugi::xml_node element, const char* tag, const attr* values,
+                            const attr_def* definition) {
+  const attr* const value = find_value(values, definition);
+  const std::optional<std::int32_t> number = number_of(value, definition);
+  if (number) append_attribute(element, tag, std::to_string(*number));
+  return value && number ? 1 : 0;
+}
+
+class Export {
+ public:
+  explicit Export(const Database& database) : database_(database) {}
+
+  void write(const char* file);
+
+ private:
+  void append_document(pugi::xml_node root) const;
+  void append_nodes(pugi::xml_node root);
+  void append_bus(pugi::xml_node root, const char* file);
+  void append_messages(pugi::xml_node bus);
+  std::string bus_name(const char* file) const;
+  void count_left_out();
+
+  const Database& database_;
+  const attr_def* bus_name_ = find_definition(database_.definitions, kBusName);
+  const attr_def* baudrate_ = find_definition(database_.definitions, kBaudrate);
+  const attr_def* interval_ = find_definition(database_.definitions, kInterval);
+  pugi::xml_document document_;
+  LeftOut left_out_;
+  NodeIds ids_;
+};
+
+void Export::write(const char* file) {
+  pugi::xml_node declaration = document_.append_child(pugi::node_declaration);
+  append_attribute(declaration, "version", "1.0");
+  append_attribute(declaration, "encoding", "UTF-8");
+  pugi::xml_node root = append_child(document_, "NetworkDefinition");
+  append_attribute(root, "xmlns", kNamespace);
+  append_document(root);
+  append_nodes(root);
+  append_bus(root, file);
+  count_left_out();
+  const std::string content = to_xml(document_, left_out_);
+  write_new_file(file, content);
+  left_out_.note();
+}
+
+void Export::append_document(pugi::xml_node root) const {
+  append_text(root, "Document", *database_.other.comment);
+  if (!root.first_child()) append_child(root, "Document");
+  const std::string_view version = view(*database_.other.user_data);
+  if (version.empty()) return;
+  append_attribute(root.first_child(), "version", version);
+}
+
+void Export::append_nodes(pugi::xml_node root) {
+  for (const symblk* node = database_.nodes; node; node = node->next) {
+    const std::string id = std::to_string(ids_.size() + 1);
+    ids_.emplace(node, id);
+    pugi::xml_node element = append_child(root, "Node");
+    append_attribute(element, "id", id);
+    append_attribute(element, "name", view(node->name));
+    if (!view(node->comment).empty()) left_out_.add("node comment");
+    left_out_.add("attribute value", "", count(node->attrs));
+  }
+}
+
+std::string Export::bus_name(const char* file) const {
+  const std::string_view option = database_.other.option;
+  if (!option.empty()) return std::string(option);
+  if (bus_name_) {
+    const attr* const value = find_value(database_.values, bus_name_);
+    const std::string_view name = view(value ? value->value.text : bus_name_->default_value.text);
+    if (!name.empty()) return std::string(name);
+  }
+  return std::filesystem::path(file).stem().string();
+}
+
+void Export::append_bus(pugi::xml_node root, const char* file) {
+  pugi::xml_node bus = append_child(root, "Bus");
+  append_attribute(bus, "name", bus_name(file));
+  const std::uint64_t names = find_value(database_.values, bus_name_) ? 1 : 0;
+  const std::uint64_t taken = names + append_number(bus, "baudrate", database_.values, baudrate_);
+  left_out_.add("attribute value", "", count(database_.values) - taken);
+  append_messages(bus);
+}
+
+void Export::append_messages(pugi::xml_node bus) {
+  for (const msgblk* message = database_.messages; message; message = message->next) {
+    pugi::xml_node element = MessageExport(*message, ids_, left_out_).append_to(bus);
+    const std::uint64_t taken = append_number(element, "interval", message->attrs, interval_);
+    left_out_.add("attribute value", "", count(message->attrs) - taken);
+  }
+}
+
+void Export::count_left_out() {
+  const zelk_conversion& other = database_.other;
+  left_out_.add("environment variable", "", count(database_.variables));
+  left_out_.add("bit timing", "", count(*other.bit_timings));
+  left_out_.add("category definition", "", count(*other.categories));
+  left_out_.add("signal type", "", count(*other.signal_types));
+  left_out_.add("value table", "", count(*other.value_tables));
+  if (other.filter->categories || other.filter->nodes) left_out_.add("view filter");
+  for (const attr_def* each = database_.definitions; each; each = each->next) {
+    const bool is_taken = each == bus_name_ || each == baudrate_ || each == interval_;
+    if (!is_taken) left_out_.add("attribute definition");
+  }
+}
+
+}  // namespace
+}  // namespace zelk::modules::kcd
+
+extern "C" ZELK_MODULE_EXPORT int zelk_export(const char* file, const msgblk* messages,
+                                              const symblk* nodes, const env_var_blk* env_vars,
+                                              const attr_def* attr_defs, const attr* attr_values) {
+  using namespace zelk::modules;
+  return guarded(ZELK_ERR_CONVERT, [&] {
+    const kcd::Database database = {messages,  nodes,       env_vars,
+                                    attr_defs, attr_values, *zelk_get_conversion()};
+    kcd::Export(database).write(file);
+  });
+}

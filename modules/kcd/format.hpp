@@ -1,0 +1,72 @@
+/// \file
+/// What importing and exporting KCD have in common.
+///
+///     NetworkDefinition
+///       Document                  version, and the description as text
+///       Node                      id, name
+///       Bus                       name, baudrate
+///         Message                 id, name, length, format, interval
+///           Notes
+///           Producer              NodeRef: the transmitters
+///           Multiplex             a signal that selects others, written like one
+///             MuxGroup            count: the value for which its signals are there
+///               Signal
+///           Signal                name, offset, length, endianess
+///             Notes
+///             Consumer            NodeRef: the receivers
+///             Value               type, slope, intercept, unit, min, max
+///             LabelSet            Label: value and name; LabelGroup: from, to and name
+
+#ifndef ZELK_MODULES_KCD_FORMAT_HPP
+#define ZELK_MODULES_KCD_FORMAT_HPP
+
+#include <cstdint>
+
+#include "zelk/module.h"
+
+namespace zelk::modules::kcd {
+
+inline constexpr const char* kNamespace = "http://kayak.2codeornot2code.org/1.0";
+
+inline constexpr std::uint32_t kMaxDataBytes = 64;
+inline constexpr std::uint32_t kMaxDataBits = kMaxDataBytes * 8;
+inline constexpr std::uint32_t kMaxStandardId = 0x7FF;
+inline constexpr std::uint32_t kMaxExtendedId = 0x1FFFFFFF;
+/// Values of a label group that become descriptions of their own, and of a multiplexor for which a
+/// signal is put into groups of its own.
+inline constexpr std::uint32_t kMaxExpandedValues = 256;
+/// Largest value of the attributes below.
+inline constexpr std::int32_t kMaxAttribute = INT32_MAX;
+
+/// An attribute of the database that has a place of its own in KCD.
+struct KcdAttribute {
+  const char* name;
+  zelk_obj_t object_type;
+  std::int32_t value_type;
+};
+
+inline constexpr KcdAttribute kBusName = {"DBName", ZELK_OBJ_NETWORK, ZELK_ATTR_STRING};
+/// In bit/s.
+inline constexpr KcdAttribute kBaudrate = {"Baudrate", ZELK_OBJ_NETWORK, ZELK_ATTR_INT};
+/// In milliseconds.
+inline constexpr KcdAttribute kInterval = {"GenMsgCycleTime", ZELK_OBJ_MESSAGE, ZELK_ATTR_INT};
+
+/// Number of the data byte behind the last one that a signal reaches into; arguments as in
+/// `sigblk`.
+///
+///     byte     0                   1
+///     bit      7 6 5 4 3 2 1 0     7  6 ... 0
+///     number   7 6 5 4 3 2 1 0    15 14 ... 8
+///
+/// An Intel signal goes up in numbers from its start bit, a Motorola one to the right in the
+/// picture.
+constexpr std::uint32_t end_byte(std::uint32_t start_bit, std::uint32_t length,
+                                 std::uint32_t flags) {
+  const bool is_motorola = (flags & ZELK_SIGNAL_MOTOROLA) != 0;
+  const std::uint32_t first = is_motorola ? start_bit / 8 * 8 + (7 - start_bit % 8) : start_bit;
+  return (first + length + 7) / 8;
+}
+
+}  // namespace zelk::modules::kcd
+
+#endif

@@ -1,0 +1,72 @@
+/// \file
+/// From the records of messages and signals to their elements.
+
+#ifndef ZELK_MODULES_KCD_MESSAGE_EXPORT_HPP
+#define ZELK_MODULES_KCD_MESSAGE_EXPORT_HPP
+
+#include <cstdint>
+#include <map>
+#include <pugixml.hpp>
+#include <set>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "kcd/left_out.hpp"
+#include "zelk/records.h"
+
+namespace zelk::modules::kcd {
+
+/// The identifiers by which a file refers to its nodes.
+using NodeIds = std::unordered_map<const symblk*, std::string>;
+
+/// Builds the element of one message, with the database's texts as they are.
+class MessageExport {
+ public:
+  MessageExport(const msgblk& message, const NodeIds& ids, LeftOut& left_out)
+      : message_(message), ids_(ids), left_out_(left_out) {}
+
+  /// @return the new element, last in `bus`
+  /// @throws Fault for what would make the file a wrong one, were it left out
+  pugi::xml_node append_to(pugi::xml_node bus);
+
+ private:
+  using Group = std::vector<const sigblk*>;
+
+  [[noreturn]] void fail(const sigblk* signal, const std::string& what) const;
+
+  void append_id(pugi::xml_node element) const;
+  void sort_signals();
+  void check_selection(const sigblk& signal) const;
+  std::set<std::uint32_t> selectors(const sigblk& signal) const;
+  void append_multiplexor(pugi::xml_node parent, const sigblk& signal);
+  void append_signal(pugi::xml_node element, const sigblk& signal);
+  void append_geometry(pugi::xml_node element, const sigblk& signal) const;
+  void append_value(pugi::xml_node element, const sigblk& signal);
+  void append_number(pugi::xml_node value, const char* attribute, double number,
+                     const sigblk& signal) const;
+  void append_labels(pugi::xml_node element, const sigblk& signal) const;
+  void append_nodes(pugi::xml_node parent, const char* tag,
+                    const std::vector<const symblk*>& nodes);
+  std::vector<const symblk*> producers();
+  void count_signal(const sigblk& signal);
+
+  const msgblk& message_;
+  const NodeIds& ids_;
+  LeftOut& left_out_;
+  std::set<const sigblk*> multiplexors_;
+  /// Of each multiplexor, the signals that each of its values selects.
+  std::map<const sigblk*, std::map<std::uint32_t, Group>> groups_;
+};
+
+/// Number of the records in a list.
+template <typename Record>
+std::uint64_t count(const Record* list) {
+  std::uint64_t records = 0;
+  for (; list; list = list->next) ++records;
+  return records;
+}
+
+}  // namespace zelk::modules::kcd
+
+#endif

@@ -1,0 +1,65 @@
+#include "kcd/nodes.hpp"
+
+#include <set>
+
+#include "common/records.hpp"
+
+namespace zelk::modules::kcd {
+
+namespace {
+
+/// Collects the identifiers that stand anywhere in a bus.
+class References : public pugi::xml_tree_walker {
+ public:
+  bool for_each(pugi::xml_node& node) override {
+    if (std::string_view(node.name()) == "NodeRef") ids_.insert(node.attribute("id").value());
+    return true;
+  }
+  bool contain(std::string_view id) const { return ids_.contains(id); }
+
+ private:
+  std::set<std::string_view> ids_;
+};
+
+}  // namespace
+
+Nodes::Nodes(Reading& reading, const Element& root, const Element& bus, bool is_only_bus,
+             symblk*& list) {
+  References references;
+  pugi::xml_node inside = bus.node();
+  inside.traverse(references);
+  ListTail<symblk> nodes(list);
+  std::set<std::string> names;
+  root.each("Node", [&](const Element& element) {
+    const std::string_view id = element.text("id");
+    const auto [entry, is_new] = by_id_.try_emplace(id, nullptr);
+    if (!is_new) element.fail("another node has the id \"" + std::string(id) + "\"");
+    if (!is_only_bus && !references.contain(id)) {
+      reading.left_out.add("Node element", " of other buses");
+      return;
+    }
+    element.take({.attributes = {"id", "name"}});
+    const std::string name = element.object_name("name");
+    if (!names.insert(name).second) element.fail("another node has this name");
+    symblk& node = nodes.append();
+    assign_text(node.name, name);
+    entry->second = &node;
+  });
+}
+
+std::vector<symblk*> Nodes::referred(const std::optional<Element>& group) const {
+  std::vector<symblk*> nodes;
+  if (!group) return nodes;
+  group->take({.many = {"NodeRef"}});
+  group->each("NodeRef", [&](const Element& reference) {
+    reference.take({.attributes = {"id"}});
+    const std::string_view id = reference.text("id");
+    const auto found = by_id_.find(id);
+    if (found == by_id_.end()) reference.fail("no node has the id \"" + std::string(id) + "\"");
+    nodes.push_back(found->second);
+  });
+  if (nodes.size() > UINT16_MAX) group->fail("more than 65535 nodes");
+  return nodes;
+}
+
+}  // namespace zelk::modules::kcd

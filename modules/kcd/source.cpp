@@ -1,0 +1,166 @@
+#include "kcd/source.hpp"
+
+#include <algorithm>
+#include <cstring>
+
+#include "common/file.hpp"
+#include "common/records.hpp"
+
+namespace zelk::modules::kcd {
+
+namespace {
+
+constexpr std::uint32_t kMaxCodePoint = 0x10FFFF;
+
+/// The value of a digit; 16 for anything else.
+std::uint32_t digit(std::uint32_t unit) {
+  if (unit >= '0' && unit <= '9') return unit - '0';
+  if (unit >= 'a' && unit <= 'f') return unit - 'a' + 10;
+  return unit >= 'A' && unit <= 'F' ? unit - 'A' + 10 : 16;
+}
+
+/// Finds the encoding that holds all texts, and texts that are broken.
+class EncodingChoice : public pugi::xml_tree_walker {
+ public:
+  explicit EncodingChoice(const Source& source) : source_(source) {}
+
+  bool for_each(pugi::xml_node& node) override {
+    take(node.value(), node.type() == pugi::node_element ? node : node.parent());
+    for (const pugi::xml_attribute& attribute : node.attributes()) take(attribute.value(), node);
+    return true;
+  }
+
+  /// What is Windows-1252 only must not look like UTF-8 in it, or it would be taken for that later.
+  Encoding chosen() const {
+    return all_windows_1252_ && told_from_utf8_ ? Encoding::kWindows1252 : Encoding::kUtf8;
+  }
+
+ private:
+  void take(std::string_view text, const pugi::xml_node& element) {
+    if (!is_utf8(text)) {
+      throw Fault(std::string("a text of ") + element.name() + " is no UTF-8",
+                  source_.line(element));
+    }
+    if (!all_windows_1252_) return;
+    const std::optional<std::string> bytes = from_utf8(text, Encoding::kWindows1252);
+    all_windows_1252_ = bytes.has_value();
+    told_from_utf8_ = told_from_utf8_ || (bytes && !is_utf8(*bytes));
+  }
+
+  const Source& source_;
+  bool all_windows_1252_ = true;
+  bool told_from_utf8_ = false;
+};
+
+}  // namespace
+
+Source::Source(const char* path) : content_(read_file(path)) {
+  parse();
+  check_characters();
+  check_top_level();
+  choose_encoding();
+}
+
+std::string Source::stored(std::string_view text) const {
+  // Every text has been tried.
+  return from_utf8(text, encoding_).value_or(std::string());
+}
+
+std::size_t Source::unit_size() const {
+  switch (file_encoding_) {
+    case pugi::encoding_utf16_le:
+    case pugi::encoding_utf16_be:
+      return 2;
+    case pugi::encoding_utf32_le:
+    case pugi::encoding_utf32_be:
+      return 4;
+    default:
+      return 1;
+  }
+}
+
+std::uint32_t Source::unit(std::size_t index) const {
+  const std::size_t size = unit_size();
+  if (index >= content_.size() / size) return 0;
+  const bool is_big_endian =
+      file_encoding_ == pugi::encoding_utf16_be || file_encoding_ == pugi::encoding_utf32_be;
+  std::uint32_t value = 0;
+  for (std::size_t i = 0; i < size; ++i) {
+    const std::size_t byte = index * size + (is_big_endian ? i : size - 1 - i);
+    value = value << 8 | static_cast<unsigned char>(content_[byte]);
+  }
+  return value;
+}
+
+std::size_t Source::converted_size(std::uint32_t unit) const {
+  if (file_encoding_ == pugi::encoding_utf8 || unit < 0x80) return 1;
+  const bool is_surrogate = unit >= 0xD800 && unit <= 0xDFFF;
+  if (unit < 0x800 || is_surrogate) return 2;
+  return unit < 0x10000 ? 3 : 4;
+}
+
+std::int32_t Source::line_at(std::ptrdiff_t converted_offset) const {
+  std::size_t index = 0;
+  const std::size_t units = content_.size() / unit_size();
+  for (std::ptrdiff_t offset = 0; offset < converted_offset && index < units; ++index) {
+    offset += static_cast<std::ptrdiff_t>(converted_size(unit(index)));
+  }
+  return line_of_unit(index);
+}
+
+std::int32_t Source::line_of_unit(std::size_t index) const {
+  std::int32_t line = 1;
+  for (std::size_t i = 0; i < index; ++i) line += unit(i) == '\n' ? 1 : 0;
+  return line;
+}
+
+void Source::parse() {
+  const pugi::xml_parse_result result = document_.load_buffer(
+      content_.data(), content_.size(), pugi::parse_default | pugi::parse_doctype);
+  file_encoding_ = result.encoding;
+  if (result) return;
+  if (result.status == pugi::status_out_of_memory) throw std::bad_alloc();
+  throw Fault(std::string("no well-formed XML: ") + result.description(), line_at(result.offset));
+}
+
+/// A NUL would end the document or one of its texts before its end.
+void Source::check_characters() const {
+  const std::size_t units = content_.size() / unit_size();
+  for (std::size_t i = 0; i < units; ++i) {
+    const std::uint32_t each = unit(i);
+    if (each == 0) throw Fault("no well-formed XML: a NUL character", line_of_unit(i));
+    if (each == '&' && unit(i + 1) == '#') check_reference(i);
+  }
+}
+
+void Source::check_reference(std::size_t index) const {
+  const bool is_hexadecimal = unit(index + 2) == 'x';
+  const std::uint32_t base = is_hexadecimal ? 16 : 10;
+  std::size_t i = index + (is_hexadecimal ? 3 : 2);
+  std::uint32_t value = 0;
+  for (; digit(unit(i)) < base; ++i) {
+    value = std::min(value * base + digit(unit(i)), kMaxCodePoint + 1);
+  }
+  if (unit(i) == ';' && value != 0 && value <= kMaxCodePoint) return;
+  throw Fault("no well-formed XML: a reference to no character", line_of_unit(index));
+}
+
+void Source::check_top_level() const {
+  for (const pugi::xml_node& node : document_.children()) {
+    if (node.type() == pugi::node_doctype && std::strchr(node.value(), '[')) {
+      throw Fault("a DOCTYPE with declarations, which are not taken");
+    }
+    if (node.type() == pugi::node_element && node != root()) {
+      throw Fault(std::string("no well-formed XML: ") + node.name() + " is a second root element",
+                  line(node));
+    }
+  }
+}
+
+void Source::choose_encoding() {
+  EncodingChoice choice(*this);
+  document_.traverse(choice);
+  encoding_ = choice.chosen();
+}
+
+}  // namespace zelk::modules::kcd

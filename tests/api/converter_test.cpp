@@ -1,0 +1,197 @@
+#include "zelk/converter.hpp"
+
+#include <gtest/gtest.h>
+
+#include "support/files.hpp"
+#include "support/folder.hpp"
+#include "zelk/errors.h"
+
+namespace {
+
+constexpr void* kNobody = nullptr;
+constexpr char kSignals[] =
+    "Engine,0x100,8,Speed,0,16,0.25,-10,rpm\nEngine,0x100,8,Torque,16,8,1,0,Nm\n"
+    "Body,0x80000200,4,Light,3,1,1,0,\n";
+
+class Converters : public testing::Test {
+ protected:
+  ZelkError import(const char* module, const char* function, const std::string& file,
+                   const char* db = "imported") {
+    ZelkImporter importer(manager, module, function);
+    const ZelkError error = importer.Import(db, &name, file.c_str());
+    EXPECT_EQ(importer.Status(), error == 0 ? 0U : 1U);
+    EXPECT_EQ(manager.DatabaseCount(), error == 0 ? 1U : 0U);
+    EXPECT_EQ(zelk_get_conversion(), nullptr);
+    return error;
+  }
+
+  const Folder folder;
+  ZelkWriteManager manager{kNobody};
+  const char* name = nullptr;
+};
+
+TEST_F(Converters, ImportToTheDbcFileBesideTheSource) {
+  const struct {
+    const char* source;
+    const char* target;
+  } cases[] = {{"b.xyz", "b.DBC"},
+               {"no_extension", "no_extension.DBC"},
+               {"dotted.dir/plain", "dotted.dir/plain.DBC"},
+               {"two.dots.csv", "two.dots.DBC"}};
+  for (const auto& c : cases) {
+    const std::string source = folder.write(c.source, kSignals);
+    ASSERT_EQ(import(ZELK_CSV_MODULE, "zelk_import", source), 0) << zelk_get_error_text();
+    EXPECT_EQ(manager.GetDatabasePath("imported"), folder.path(c.target));
+    EXPECT_FALSE(std::filesystem::exists(folder.path(c.target)));
+    ASSERT_EQ(manager.MessageCount(name), 2U);
+    EXPECT_STREQ(manager.GetMessage(0x80000200UL, name)->name, "Body");
+    const sigblk* speed = manager.GetSignal(*manager.GetMessage("Engine", name), "Speed");
+    EXPECT_EQ(speed->factor, 0.25);
+    EXPECT_STREQ(speed->unit, "rpm");
+    EXPECT_EQ(manager.WriteDatabase(name, nullptr), 0);
+    EXPECT_NE(content_of(folder.path(c.target)).find(" SG_ Torque : 16|8@1+"), std::string::npos);
+    manager.CloseDatabase(false);
+  }
+}
+
+TEST_F(Converters, RefuseImports) {
+  const std::string source = folder.write("a.csv", kSignals);
+  const std::string taken = folder.write("taken.csv", kSignals);
+  const std::string locked = folder.write("locked.csv", kSignals);
+  const std::string faulty = folder.write("faulty.csv", std::string(kSignals) + "Body,1\n");
+  folder.write("taken.DBC", "");
+  using std::filesystem::perms;
+  std::filesystem::permissions(locked, perms::owner_read);
+  const struct {
+    const char* module;
+    const char* function;
+    std::string file;
+    const char* db;
+    int expected;
+    const char* told;
+  } cases[] = {
+      {ZELK_CSV_MODULE, "zelk_import", "missing.csv", "a", 2, ""},
+      {ZELK_CSV_MODULE, "zelk_import", locked, "a", 8, ""},
+      {ZELK_CSV_MODULE, "zelk_import", source, "1", 7, ""},
+      {ZELK_CSV_MODULE, "zelk_import", taken, "a", 10, ""},
+      {ZELK_CSV_MODULE, "zelk_import", faulty, "a", 1,
+       "database: format error in converted file, line 4, 9 fields are expected\n"},
+      {ZELK_CSV_MODULE, "zelk_nonsense", source, "a", 1,
+       "database: could not generate converted file, the module has no such function\n"},
+      {ZELK_CSV_MODULE, nullptr, source, "a", 1,
+       "database: could not generate converted file, the module has no such function\n"},
+      {"missing.module", "zelk_import", source, "a", 1,
+       "database: could not generate converted file, the module cannot be loaded\n"},
+      {nullptr, "zelk_import", source, "a", 1,
+       "database: could not generate converted file, the module cannot be loaded\n"},
+      {ZELK_BAD_MODULE, "half", source, "a", 1,
+       "database: format error in converted file, line 7, half\n"},
+      {ZELK_BAD_MODULE, "raise", source, "a", 1,
+       "database: format error in converted file, raised\n"},
+      {ZELK_BAD_MODULE, "raise_memory", source, "a", 1, "not enough memory\n"},
+      {ZELK_BAD_MODULE, "raise_number", source, "a", 1,
+       "database: format error in converted file, the converter module failed\n"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(import(c.module, c.function, c.file, c.db), c.expected) << c.told;
+    EXPECT_STREQ(zelk_get_error_text(), c.told) << c.file;
+    EXPECT_EQ(name, nullptr);
+  }
+  std::filesystem::permissions(locked, perms::owner_all);
+  ASSERT_EQ(import(ZELK_CSV_MODULE, "zelk_import", source, "a"), 0) << "nothing is left in the way";
+  ZelkImporter again(manager, ZELK_CSV_MODULE, "zelk_import");
+  EXPECT_EQ(again.Import("a", nullptr, taken.c_str()), 3) << "tested before the file";
+}
+
+// Whatever a module fills in, nothing of it leads out of the database, and it can be written.
+TEST_F(Converters, NonsenseDoesNoHarm) {
+  ASSERT_EQ(import(ZELK_BAD_MODULE, "nonsense", folder.write("a.x", "")), 0);
+  unsigned links = 0;
+  for (msgblk* message : manager.GetMessageIterator(name)) {
+    EXPECT_EQ(message->transmitter, nullptr);
+    EXPECT_EQ(message->category, nullptr);
+    for (sigblk* signal : manager.GetSignalIterator(*message)) {
+      EXPECT_EQ(signal->message, message);
+      EXPECT_EQ(signal->sigtype, nullptr);
+      const sigblk* const multiplexor = signal->mux_signal;
+      EXPECT_TRUE(!multiplexor || multiplexor->message == message);
+      EXPECT_TRUE(signal != multiplexor || !signal->name) << "only the module's own circle";
+      for (rxblk* link : manager.GetReceiverIterator(*signal)) links += link->node ? 100 : 1;
+    }
+  }
+  EXPECT_EQ(links, 4U);
+  for (const siggroupblk* group :
+       manager.GetSignalGroupIterator(*manager.GetDatabase(name)->messages)) {
+    for (const siglistblk* member : manager.GetSubsignalIterator(*group)) {
+      EXPECT_EQ(member->signal, nullptr);
+    }
+  }
+  EXPECT_EQ(manager.WriteDatabase(name, nullptr), 0) << zelk_get_error_text();
+  manager.ReopenDatabase(name);  // what cannot be a file's name is no file's
+}
+
+TEST_F(Converters, Export) {
+  ASSERT_EQ(import(ZELK_CSV_MODULE, "zelk_import", folder.write("a.csv", kSignals)), 0);
+  const std::string target = folder.path("b.csv");
+  ZelkExporter exporter(manager, ZELK_CSV_MODULE, "zelk_export");
+  EXPECT_EQ(exporter.Export("imported", target.c_str()), 9) << "a text that is no handle";
+  EXPECT_EQ(exporter.Status(), 1U);
+  EXPECT_EQ(exporter.Export(name, target.c_str()), 0);
+  EXPECT_EQ(exporter.Status(), 0U);
+  EXPECT_EQ(content_of(target), kSignals);
+  EXPECT_EQ(exporter.Export(name, target.c_str()), 10);
+  EXPECT_EQ(exporter.Export("imported", target.c_str()), 10) << "tested before the name";
+
+  ZelkExporter mistyped(manager, ZELK_CSV_MODULE, "zelk_exprot");
+  EXPECT_EQ(mistyped.Export(name, folder.path("none.csv").c_str()), 0);
+  EXPECT_STREQ(zelk_get_error_text(),
+               "database: could not generate converted file, the module has no such function\n");
+  ZelkExporter nothing(manager, ZELK_CSV_MODULE, nullptr);
+  EXPECT_EQ(nothing.Export(name, folder.path("none.csv").c_str()), 0);
+  EXPECT_FALSE(std::filesystem::exists(folder.path("none.csv")));
+  EXPECT_TRUE(nothing.GetFunction("zelk_import"));
+  EXPECT_FALSE(nothing.GetFunction("zelk_nonsense"));
+  EXPECT_EQ(nothing.GetDatabase(name), manager.GetDatabase(name));
+
+  ZelkExporter asked(manager, ZELK_BAD_MODULE, "asked");
+  EXPECT_EQ(asked.Export(name, folder.path("asked").c_str()), 9);
+  asked.SetOption("yes");
+  EXPECT_EQ(asked.Export(name, folder.path("asked").c_str()), 0);
+  asked.SetOption(nullptr);
+  EXPECT_EQ(asked.Export(name, folder.path("asked").c_str()), 9);
+}
+
+/// Takes over what the module filled, and says so or not.
+class Keeper : public ZelkImporter {
+ public:
+  Keeper(ZelkWriteManager& manager, bool answer)
+      : ZelkImporter(manager, ZELK_CSV_MODULE, "zelk_import"), answer_(answer) {}
+
+  std::string kept;
+
+ private:
+  bool PostProcess(symblk* nodes, msgblk* messages, env_var_blk* env_vars, btlblk* bit_timings,
+                   attr_def* attr_defs, attr* attr_values, cat* categories, filter_t filter,
+                   char* comment, char* user_data, sigtype* signal_types,
+                   valtable* value_tables) override {
+    kept = messages->name;
+    EXPECT_NE(messages, database_->messages);
+    ZelkImporter::PostProcess(nodes, messages, env_vars, bit_timings, attr_defs, attr_values,
+                              categories, filter, comment, user_data, signal_types, value_tables);
+    return answer_;
+  }
+
+  bool answer_;
+};
+
+TEST_F(Converters, HandTheListsToPostProcess) {
+  const std::string source = folder.write("a.csv", kSignals);
+  for (const bool answer : {false, true}) {
+    Keeper keeper(manager, answer);
+    EXPECT_EQ(keeper.Import("kept", nullptr, source.c_str()), answer ? 0 : 1);
+    EXPECT_EQ(keeper.kept, "Engine");
+    EXPECT_EQ(manager.DatabaseCount(), answer ? 1U : 0U);
+  }
+}
+
+}  // namespace

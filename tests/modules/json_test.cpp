@@ -1,0 +1,211 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "support/files.hpp"
+#include "support/folder.hpp"
+#include "zelk/converter.hpp"
+#include "zelk/zelk.h"
+
+namespace {
+
+using testing::HasSubstr;
+
+const std::string kSources = ZELK_SOURCE_DIR;
+constexpr char kHead[] = R"({"format": "zelk-json", "version": 1, )";
+
+/// A manager with the module in both directions.
+struct Host {
+  /// @return what the error text says; empty for success
+  std::string import(const std::string& content) {
+    const std::string file = folder.write("in.json", content);
+    const ZelkError error = importer.Import("imported", &name, file.c_str());
+    const std::string text = zelk_get_error_text();
+    return error != 0 && text.empty() ? "an error without a text" : text;
+  }
+  ZelkDatabase& imported() { return *manager.GetDatabase(name); }
+
+  std::string exported(const char* db) {
+    const std::string file = folder.path("out.json");
+    const ZelkError error = exporter.Export(db, file.c_str());
+    EXPECT_EQ(std::filesystem::exists(file), error == 0);
+    const std::string text = error == 0 ? bytes_of(file) : zelk_get_error_text();
+    std::filesystem::remove(file);
+    return text;
+  }
+
+  std::string written(const char* db) {
+    manager.WriteExtendedMultiplexing(db, true);
+    const std::string file = folder.path(std::string(db) + ".written");
+    EXPECT_EQ(manager.GetDatabase(db)->Write(file.c_str()), 0);
+    return bytes_of(file);
+  }
+
+  const Folder folder;
+  ZelkWriteManager manager{HWND{}};
+  ZelkImporter importer{manager, ZELK_JSON_MODULE, "zelk_import"};
+  ZelkExporter exporter{manager, ZELK_JSON_MODULE, "zelk_export"};
+  const char* name = nullptr;
+};
+
+class JsonRoundTrip : public testing::TestWithParam<const char*> {};
+
+TEST_P(JsonRoundTrip, KeepsEveryByteOfADbcFile) {
+  Host host;
+  const char* read = nullptr;
+  const std::string file = host.folder.write("read.dbc", bytes_of(kSources + GetParam()));
+  ASSERT_EQ(host.manager.OpenDatabase(file.c_str(), &read, 0), 0);
+  const std::string dbc = host.written(read);
+  const std::string json = host.exported(read);
+  ASSERT_EQ(host.import(json), "");
+  EXPECT_EQ(host.written(host.name), dbc);
+  EXPECT_EQ(host.exported(host.name), json);
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, JsonRoundTrip,
+                         testing::Values("/tests/data/ok_smallest.dbc", "/tests/data/ok_latin1.dbc",
+                                         "/tests/data/ok_every_statement.dbc",
+                                         "/tests/writer/whole.dbc", "/examples/powertrain.dbc"));
+
+/// In the form of an export but for the blanks: all that no DBC file can hold.
+constexpr char kBeyondDbc[] = R"({"format":"zelk-json","version":1,"encoding":"utf-8",
+"version_text":"","comment":"",
+"attribute_definitions":[{"name":"A","object_type":"node","value_type":"enum"},
+{"name":"A","object_type":"node","value_type":"string","maximum":"inf"},
+{"name":"A","object_type":77,"value_type":9,"minimum":"-inf","maximum":-0.0,"default":"nan"}],
+"categories":[{"name":"C","number":-1},{"name":"C","number":2,"level":65535}],
+"signal_types":[{"name":"","length":0,"other_flags":4,"value_type":4294967295,"factor":0}],
+"nodes":[{"name":null,"category":1,"attributes":[{"definition":null},
+{"definition":1,"value":null},{"definition":2,"value":1e-300},{"definition":"A","value":0.1}]},
+{"name":"","category":"C"},{"name":""}],
+"messages":[{"name":null,"id":2147483647,"extended":true,"dlc":65535,"transmitter":0,
+"transmitters":[null,"",2],"signals":[
+{"name":null,"start_bit":65535,"length":65535,"other_flags":65528,"multiplexor":"s",
+"multiplexor_values":[{"low":7,"high":1}],"values":[{"value":-2147483648,"text":null}]},
+{"name":"s","start_bit":0,"length":1,"multiplexor":2},{"name":"s","start_bit":0,"length":1}],
+"signal_groups":[{"name":"g","repetitions":-1,"comment":"","signals":[null,0,"s",2]}]}],
+"environment_variables":[{"name":null,"type":4,"id":4294967295,"access_nodes":[
+{"node":null,"attributes":[{"definition":0,"value":-0.0}]}],"values":[]}],
+"filter":{"mode":-1}})";
+
+/// Without line feeds and the blanks behind them and behind colons; no text here has any.
+std::string without_blanks(std::string text) {
+  std::erase_if(text, [](char character) { return character == '\n' || character == ' '; });
+  return text;
+}
+
+TEST(Json, KeepsWhatNoDbcFileHolds) {
+  Host host;
+  ASSERT_EQ(host.import(kBeyondDbc), "");
+  std::string expected = without_blanks(kBeyondDbc);
+  expected.erase(expected.find(",\"values\":[]"), 12);  // an empty list is none
+  EXPECT_EQ(without_blanks(host.exported(host.name)), expected);
+}
+
+TEST(Json, ImportsTheExampleOfTheDocument) {
+  const std::string document = content_of(kSources + "/docs/json.md");
+  const std::size_t start = document.find("```json\n") + 8;
+  Host host;
+  ASSERT_EQ(host.import(document.substr(start, document.find("```", start) - start)), "");
+  const ZelkDatabase& database = host.imported();
+  const msgblk& message = *database.messages;
+  EXPECT_EQ(message.id, 256U);
+  EXPECT_EQ(message.signal_count, 1);
+  EXPECT_EQ(message.transmitter, database.nodes);
+  EXPECT_EQ(message.attrs->value.number, 20.0);
+  const sigblk& signal = *message.signals;
+  EXPECT_EQ(signal.message, &message);
+  EXPECT_EQ(signal.flags, ZELK_SIGNAL_SIGNED);
+  EXPECT_EQ(signal.factor, 0.5);
+  EXPECT_STREQ(signal.unit,
+               "\xC2\xB0"
+               "C");
+  EXPECT_EQ(signal.receiver_count, 1);
+  EXPECT_EQ(signal.receivers->node, database.nodes->next);
+}
+
+TEST(Json, RefusesFaultyDocumentsAndTellsWhere) {
+  const std::string signal = R"("messages":[{"name":"M","id":1,"dlc":8,"signals":[)";
+  const std::string two = signal + R"({"name":"a","start_bit":0,"length":1,"multiplexor":"b"},)";
+  const struct {
+    std::string members;  ///< behind the format and the version
+    const char* error;
+  } kCases[] = {
+      {"\n\n\"nodes\":[}", ", line 3, syntax error while parsing value"},
+      {"\n\"comment\":\"\xC0\x80\"}", ", line 2, syntax error while parsing value - invalid"},
+      {"\n\"comment\":\"a\",\n\"comment\":\"b\"}", ", line 3, the key \"comment\" stands twice"},
+      {R"("bit_timings":[{"baudrate":1e999}]})", "number overflow"},
+      {R"("nodes":)" + std::string(100000, '['), "more than 32 deep"},
+      {R"("nods":[]})", R"(the document: unknown key "nods")"},
+      {R"("encoding":"latin1"})", R"(encoding: expected "utf-8" or "windows-1252")"},
+      {R"("encoding":"windows-1252","comment":"Ω"})", "comment: a character that Windows-1252"},
+      {R"("comment":"a\u0000b"})", "comment: a NUL character"},
+      {R"("nodes":["A"]})", "nodes[0]: expected an object"},
+      {R"("nodes":[{"name":"A"},{}]})", R"(nodes[1]: the key "name" is missing)"},
+      {R"("nodes":[{"name":"A","category":"C"}]})",
+       R"(nodes[0].category: there is no category "C")"},
+      {R"("value_tables":[{"name":"abcdefghijklmnopqrstuvwxyz0123456"}]})",
+       "has more than 32 char"},
+      {R"("bit_timings":[{"baudrate":1,"btr1":256,"btr2":0}]})",
+       "bit_timings[0].btr1: expected a whole number from 0 to 255"},
+      {R"("categories":[{"name":"C","number":1.0}]})", "from -32768 to 32767"},
+      {R"("filter":{"mode":18446744073709551615}})", "filter.mode: expected a whole number"},
+      {R"("filter":{"nodes":[0]}})", "filter.nodes[0]: expected a name, or a position below 0"},
+      {R"("signal_types":[{"name":"T","length":1,"factor":"1"}]})",
+       "signal_types[0].factor: expec"},
+      {R"("signal_types":[{"name":"T","length":1,"byte_order":1}]})", "expected \"intel\" or"},
+      {R"("signal_types":[{"name":"T","length":1,"other_flags":1}]})", "a bit that has a key of"},
+      {R"("attribute_definitions":[{"name":"E","value_type":"list"}]})",
+       R"(expected "int", "float)"},
+      {R"("attribute_definitions":[{"name":"E","value_type":"enum","items":["a\nb"]}]})",
+       "attribute_definitions[0].items[0]: a line feed"},
+      {R"("attribute_definitions":[{"name":"E","object_type":"node","value_type":"int"}],
+       "attributes":[{"definition":"E","value":1}]})",
+       R"(attributes[0].definition: there is no attribute definition of this kind "E")"},
+      {R"("messages":[{"name":"M","id":2147483648,"dlc":8}]})", "messages[0].id: expected a whole"},
+      {R"("messages":[{"name":"M","id":1,"dlc":8,"extended":1}]})", "expected true or false"},
+      {signal + R"({"name":"a","start_bit":0,"length":65536}]}]})",
+       "messages[0].signals[0].length: expected a whole number from 0 to 65535"},
+      {two + R"({"name":"b","start_bit":0,"length":1,"multiplexor":0}]}]})",
+       R"(messages[0]: the multiplexor of the signal "a" depends on that signal)"},
+      {two + R"({"name":"c","start_bit":0,"length":1}]}]})",
+       R"(messages[0].signals[0].multiplexor: there is no signal "b")"},
+  };
+  Host host;
+  for (const auto& test : kCases) {
+    EXPECT_THAT(host.import(kHead + test.members), HasSubstr(test.error)) << test.members;
+  }
+  EXPECT_THAT(host.import("[]"), HasSubstr("the document: expected an object"));
+  EXPECT_THAT(host.import(R"({"version":1})"), HasSubstr(R"(format: expected "zelk-json")"));
+  EXPECT_THAT(host.import(R"({"format":"zelk-json","version":2})"), HasSubstr("version: expecte"));
+  EXPECT_EQ(host.import(std::string("\xEF\xBB\xBF") + kHead + "\"nodes\":[]}"), "");
+}
+
+TEST(Json, RefusesEveryBeginningOfADocument) {
+  Host host;
+  const std::string whole = kBeyondDbc;
+  for (std::size_t size = 0; size < whole.size(); ++size) {
+    ASSERT_NE(host.import(whole.substr(0, size)), "") << size;
+  }
+}
+
+TEST(Json, ExportsNoReferenceThatLeadsOut) {
+  Host host;
+  ASSERT_EQ(host.import(std::string(kHead) + R"("messages":[{"name":"M","id":1,"dlc":8,"signals":[
+      {"name":"a","start_bit":0,"length":1},{"name":"b","start_bit":0,"length":1}]},
+      {"name":"N","id":2,"dlc":8,"signals":[{"name":"a","start_bit":0,"length":1}]}]})"),
+            "");
+  msgblk& first = *host.imported().messages;
+  first.signals->next->mux_signal = first.next->signals;
+  EXPECT_THAT(
+      host.exported(host.name),
+      HasSubstr("messages[0].signals[1].multiplexor: refers to a record that is no signal"));
+  first.signals->next->mux_signal = first.signals->next;
+  EXPECT_THAT(host.exported(host.name),
+              HasSubstr("messages[0]: the multiplexor of the signal \"b"));
+  first.signals->next->mux_signal = first.signals;
+  EXPECT_THAT(host.exported(host.name), HasSubstr(R"("multiplexor": "a")"));
+}
+
+}  // namespace
