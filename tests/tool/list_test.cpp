@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "run_tool.hpp"
+#include "tool_case.hpp"
 
 namespace {
 
@@ -25,24 +25,9 @@ constexpr const char* kNetwork =
     "BA_REL_ \"Timeout\" BU_SG_REL_ Dash SG_ 100 Oil 5;\nVAL_ Lid 1 \"open\" ;\n"
     "SIG_GROUP_ 100 Air 1 : Oil Page;\n";
 
-struct Case {
-  const char* arguments;
-  int exit_code;
-  std::string out;  // all of it
-  const char* err;  // a part of it; empty when there is none
-};
-
-void check(const Case& c) {
-  const ToolRun run = run_tool(c.arguments);
-  EXPECT_EQ(run.exit_code, c.exit_code) << c.arguments;
-  EXPECT_EQ(run.out, c.out) << c.arguments;
-  EXPECT_NE(run.err.find(c.err), std::string::npos) << c.arguments << "\n" << run.err;
-  EXPECT_EQ(run.err.empty(), *c.err == '\0') << c.arguments << "\n" << run.err;
-}
-
 TEST(List, Tables) {
   write_file("n.dbc", kNetwork);
-  const Case cases[] = {
+  const ToolCase cases[] = {
       {"list nodes n.dbc", 0, "name    category\nEngine  -\nDash    -\n", ""},
       {"list messages n.dbc --attribute Cycle --attribute VFrameFormat --comments", 0,
        "name               id  format  dlc  signals  category  transmitters  Cycle  VFrameFormat  "
@@ -56,18 +41,18 @@ TEST(List, Tables) {
        ""},
       {"list signals n.dbc --attribute Mask --where \"M*.?i?\"", 0,
        "message  name  start  length  order     type      factor  offset  min    max  unit  "
-       "multiplexor  selected_by  selected_for  receivers     Mask\n"
+       "multiplexor  selected_by  selected_for  receivers     signal_type  Mask\n"
        "Motion   Oil       7       8  Motorola  signed       0.5     -40  -40  2e+20  \xB0\x43    "
-       "no           Page         1             Engine, Dash  0x1F\n"
+       "no           Page         1             Engine, Dash  -            0x1F\n"
        "Motion   Air       8       8  Intel     unsigned       1       0    0    255  \u00B0C    "
-       "no           Page         2             Engine        0xFF\n",
+       "no           Page         2             Engine        -            0xFF\n",
        ""},
       {"list tables n.dbc", 0, "name    values\nSwitch  1=\"on, \\\"air\\\"\", 0=\"off\"\n", ""},
       {"list groups n.dbc", 0,
        "message  name  repetitions  signals\nMotion   Air             1  Oil, Page\n", ""},
       {"list variables n.dbc", 0,
-       "name  type     min  max  initial  unit  bytes  access  category  nodes\n"
-       "Lid   integer    0    1      0.5  -     -         0x3  -         Dash\n",
+       "name  id  type     min  max  initial  unit  bytes  access  category  nodes\n"
+       "Lid    7  integer    0    1      0.5  -     -         0x3  -         Dash\n",
        ""},
       {"list descriptions n.dbc", 0, "message  name  value  text\n-        Lid       1  open\n",
        ""},
@@ -85,12 +70,12 @@ TEST(List, Tables) {
        ""},
       {"list attributes n.dbc --where MASK --count", 0, "0\n", ""},
   };
-  for (const Case& c : cases) check(c);
+  for (const ToolCase& c : cases) check(c);
 }
 
 TEST(List, FormsForPrograms) {
   write_file("n.dbc", kNetwork);
-  const Case cases[] = {
+  const ToolCase cases[] = {
       {"list signals n.dbc --json --where Oil", 0,
        "[\n{\"message\":\"Motion\",\"name\":\"Oil\",\"start\":7,\"length\":8,\"order\":"
        "\"Motorola\","
@@ -98,7 +83,7 @@ TEST(List, FormsForPrograms) {
        "\"\u00B0C\","
        "\"multiplexor\":false,\"selected_by\":\"Page\",\"selected_for\":\"1\",\"receivers\":["
        "\"Engine\","
-       "\"Dash\"]}\n]\n",
+       "\"Dash\"],\"signal_type\":null}\n]\n",
        ""},
       {"list messages n.dbc --json --comments --where Mot*", 0,
        "[\n{\"name\":\"Motion\",\"id\":100,\"format\":\"11-bit\",\"dlc\":2,\"signals\":3,"
@@ -119,13 +104,13 @@ TEST(List, FormsForPrograms) {
        "name,values\r\nSwitch,\"1=\"\"on, \\\"\"air\\\"\"\"\", 0=\"\"off\"\"\"\r\n", ""},
       {"find Lid n.dbc --json", 0,
        "[\n{\"database\":\"n\",\"kind\":\"environment "
-       "variable\",\"name\":\"Lid\",\"type\":\"integer\","
+       "variable\",\"name\":\"Lid\",\"id\":7,\"type\":\"integer\","
        "\"min\":0,\"max\":1,\"initial\":0.5,\"unit\":\"\",\"bytes\":null,\"access\":3,\"category\":"
        "null,"
        "\"nodes\":[\"Dash\"]}\n]\n",
        ""},
   };
-  for (const Case& c : cases) check(c);
+  for (const ToolCase& c : cases) check(c);
 }
 
 TEST(List, SeveralDatabases) {
@@ -140,7 +125,7 @@ TEST(List, SeveralDatabases) {
   write_file("defines.dbc",
              "BS_:\n\nBU_:\n\nBA_DEF_ BU_ \"Rack\" INT 0 9;\nBA_DEF_DEF_ \"Rack\" 3;\n");
   const std::string long_files = "list nodes " + longest + "a.dbc " + longest + "b.dbc --csv";
-  const Case cases[] = {
+  const ToolCase cases[] = {
       {"list nodes n.dbc sub/n.dbc --csv", 0,
        "database,name,category\r\nn,Engine,\r\nn_2,Engine,\r\n", ""},
       {long_files.c_str(), 0,
@@ -159,7 +144,7 @@ TEST(List, SeveralDatabases) {
       {"find Engine bad.dbc m.dbc", 1, "m: node Engine\n", "bad.dbc, line 2, error"},
       {"list nodes bad.dbc --json", 1, "", "bad.dbc, line 2, error"},
   };
-  for (const Case& c : cases) check(c);
+  for (const ToolCase& c : cases) check(c);
 }
 
 TEST(List, Finds) {
@@ -168,7 +153,7 @@ TEST(List, Finds) {
       "n: message Broadcast: id 0x18FEF1FE, format 29-bit, dlc 8, signals 0, transmitters Engine\n";
   const std::string addressed =
       "n: message Addressed: id 0x0CEB0021, format 29-bit, dlc 8, signals 0\n";
-  const Case cases[] = {
+  const ToolCase cases[] = {
       {"find Air n.dbc", 0,
        "n: signal Air: message Motion, start 8, length 8, order Intel, type unsigned, factor 1, "
        "offset 0, min 0, max 255, unit \u00B0C, multiplexor no, selected_by Page, selected_for 2, "
@@ -198,7 +183,7 @@ TEST(List, Finds) {
       {"list things n.dbc", 2, "", "things"},
       {"list nodes n.dbc --json --csv", 2, "", "excludes"},
   };
-  for (const Case& c : cases) check(c);
+  for (const ToolCase& c : cases) check(c);
 }
 
 }  // namespace

@@ -24,29 +24,14 @@ struct Arguments {
   ValueOptions values;
 };
 
-/// The message of a name or an identifier, whose format bit matters only when it is given.
-const msgblk& find_message(const ZelkDatabase& database, const std::string& wanted) {
-  const std::optional<std::uint32_t> id = parse_id(wanted);
-  std::vector<std::string_view> names;
-  for (const msgblk& message : each(database.messages)) {
-    const bool is_it = id ? message.id == *id || message.id == (*id | ZELK_ID_EXTENDED)
-                          : view(message.name) == wanted;
-    if (is_it) return message;
-    names.push_back(view(message.name));
-  }
-  if (id) throw EncodeError(fmt::format("no message has the identifier 0x{:X} ({})", *id, *id));
-  throw EncodeError(
-      fmt::format("no message is named {}{}", in_quotes(wanted), suggestion(names, wanted)));
-}
-
 bool has_fd_format(const ZelkDatabase& database, const msgblk& message) {
   return attribute_text(message.attrs, database.GetAttrDef("VFrameFormat")).ends_with("FD");
 }
 
 LogFrame empty_frame(const ZelkDatabase& database, const msgblk& message) {
   if (message.dlc > kFdDataBytes) {
-    throw EncodeError(fmt::format("{} has {}, and a frame at most {}", escaped(view(message.name)),
-                                  counted(message.dlc, "byte"), kFdDataBytes));
+    throw RequestError(fmt::format("{} has {}, and a frame at most {}", escaped(view(message.name)),
+                                   counted(message.dlc, "byte"), kFdDataBytes));
   }
   LogFrame frame;
   frame.id = message.id;
@@ -61,27 +46,27 @@ LogFrame parse_given_frame(const ZelkDatabase& database, const msgblk& message,
                            const std::string& text) {
   LogFrame frame;
   if (parse_frame(text, frame) != LogLine::kData) {
-    throw EncodeError(
+    throw RequestError(
         fmt::format("{} is not a frame with data, such as 123#DEADBEEF", in_quotes(text)));
   }
   const bool is_extended = frame.id & ZELK_ID_EXTENDED;
   if (frame.id != message.id &&
       !(is_extended && database.GetJ1939Message(frame.id, 0) == &message)) {
-    throw EncodeError(
+    throw RequestError(
         fmt::format("{} is not a frame of {}", in_quotes(text), escaped(view(message.name))));
   }
   return frame;
 }
 
 LogFrame encoded(const ZelkDatabase& database, const Arguments& arguments) {
-  const msgblk& message = find_message(database, arguments.message);
+  const msgblk& message = *find_messages(database, arguments.message).front();
   const LogFrame start = arguments.from ? parse_given_frame(database, message, *arguments.from)
                                         : empty_frame(database, message);
   FrameEncoder encoder(message, start, arguments.from.has_value());
   for (const std::string& text : arguments.signals) {
     const std::size_t mark = text.find('=');
     if (mark == std::string::npos)
-      throw EncodeError(fmt::format("{} is not SIGNAL=VALUE", in_quotes(text)));
+      throw RequestError(fmt::format("{} is not SIGNAL=VALUE", in_quotes(text)));
     const std::string_view whole = text;
     encoder.set(whole.substr(0, mark), whole.substr(mark + 1), arguments.values);
   }
@@ -94,7 +79,7 @@ ExitCode encode(const Arguments& arguments, Output& out) {
   if (!database) return kExitFailure;
   try {
     out.line("{}", frame_text(encoded(*database, arguments)));
-  } catch (const EncodeError& error) {
+  } catch (const RequestError& error) {
     print_error(behind_path(arguments.database, error.what()));
     return kExitFailure;
   }

@@ -34,14 +34,6 @@ struct Arguments {
   }
 };
 
-/// With small letters in place of ASCII capitals.
-std::string lowered(std::string_view text) {
-  std::string result(text);
-  for (char& c : result)
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  return result;
-}
-
 /// The choice of objects by name.
 class ObjectFilter {
  public:
@@ -53,8 +45,8 @@ class ObjectFilter {
   bool takes(const Object& object) const {
     if (patterns_.empty()) return true;
     if (matches(object.name)) return true;
-    if (object.message.empty()) return false;
-    return matches(fmt::format("{}.{}", object.message, object.name));
+    if (!object.owner) return false;
+    return matches(fmt::format("{}.{}", view(object.owner->name), object.name));
   }
 
  private:

@@ -3,7 +3,6 @@
 
 #include "commands.hpp"
 #include "database.hpp"
-#include "text.hpp"
 
 namespace zelk::tool {
 
@@ -15,16 +14,6 @@ struct Arguments {
   bool allow_cut = false;
 };
 
-/// Why `out` was not written.
-std::string complaint(ZelkError error, const ZelkDatabase& database) {
-  if (error == ZelkErrorReadOnly) return "the file is read-only";
-  if (database.SymbolsShortenedOnRead()) {
-    return "not written: names or units were cut, and the file would lose them; --allow-cut writes "
-           "it all the same";
-  }
-  return zelk_format_error(ZELK_ERR_WRITE, 0, nullptr);
-}
-
 ExitCode rewrite(const Arguments& arguments) {
   DatabaseFile file;
   ZelkDatabase* const database = open_and_report(file, arguments.in);
@@ -32,7 +21,7 @@ ExitCode rewrite(const Arguments& arguments) {
   if (arguments.allow_cut) database->symbols_shortened = 0;
   const ZelkError error = database->Write(arguments.out.c_str());
   if (error == ZelkErrorOk) return kExitSuccess;
-  print_error(behind_path(arguments.out, complaint(error, *database)));
+  print_error(behind_path(arguments.out, write_complaint(error, *database)));
   return kExitFailure;
 }
 

@@ -5,24 +5,52 @@
 
 namespace zelk::tool {
 
+namespace {
+
+void tell_reports(const ZelkDatabase* database, const std::vector<std::string>& reports,
+                  const std::string& path) {
+  for (const std::string& line : reports)
+    print_error(behind_path(path, database ? "warning: " + line : line));
+  if (database && database->SymbolsShortenedOnRead())
+    print_error(fmt::format("{}: warning: {}", escaped(path), kShortenedWarning));
+}
+
+}  // namespace
+
+OpenedDatabase open_database(ZelkManager& manager, const std::string& path) {
+  OpenedDatabase opened;
+  const ZelkError error = manager.OpenDatabase(path.c_str(), &opened.name, 0);
+  opened.reports = escaped_lines(error == ZelkErrorFileNotFound
+                                     ? zelk_format_error(ZELK_ERR_NOT_FOUND, 0, path.c_str())
+                                     : manager.GetLastOpenError());
+  if (error == ZelkErrorOk) opened.database = manager.GetDatabase(opened.name);
+  return opened;
+}
+
+OpenedDatabase open_and_report(ZelkManager& manager, const std::string& path) {
+  OpenedDatabase opened = open_database(manager, path);
+  tell_reports(opened.database, opened.reports, path);
+  return opened;
+}
+
 ZelkDatabase* DatabaseFile::open(const std::string& path) {
-  const char* name = nullptr;
-  const ZelkError error = manager_.OpenDatabase(path.c_str(), &name, 0);
-  reports_ = escaped_lines(error == ZelkErrorFileNotFound
-                               ? zelk_format_error(ZELK_ERR_NOT_FOUND, 0, path.c_str())
-                               : manager_.GetLastOpenError());
-  return error == ZelkErrorOk ? manager_.GetDatabase(name) : nullptr;
+  opened_ = open_database(manager_, path);
+  return opened_.database;
 }
 
 ZelkDatabase* open_and_report(DatabaseFile& file, const std::string& path) {
   ZelkDatabase* const database = file.open(path);
-  for (const std::string& line : file.reports()) {
-    print_error(behind_path(path, database ? "warning: " + line : line));
-  }
-  if (database && database->SymbolsShortenedOnRead()) {
-    print_error(fmt::format("{}: warning: {}", escaped(path), kShortenedWarning));
-  }
+  tell_reports(database, file.reports(), path);
   return database;
+}
+
+std::string write_complaint(ZelkError error, const ZelkDatabase& database) {
+  if (error == ZelkErrorReadOnly) return "the file is read-only";
+  if (database.SymbolsShortenedOnRead()) {
+    return "not written: names or units were cut, and the file would lose them; zelk rewrite "
+           "--allow-cut writes it all the same";
+  }
+  return zelk_format_error(ZELK_ERR_WRITE, 0, nullptr);
 }
 
 std::string behind_path(const std::string& path, const std::string& line) {

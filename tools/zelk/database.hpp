@@ -15,6 +15,19 @@
 
 namespace zelk::tool {
 
+/// What became of the opening of a file.
+struct OpenedDatabase {
+  const char* name = nullptr;             ///< the manager's handle; null when it cannot be read
+  ZelkDatabase* database = nullptr;       ///< likewise
+  std::vector<std::string> reports = {};  ///< one text per fault or warning, `escaped`
+};
+
+/// Opens and reads `path`; the manager holds it.
+OpenedDatabase open_database(ZelkManager& manager, const std::string& path);
+
+/// `open_database`, with its reports told on standard error.
+OpenedDatabase open_and_report(ZelkManager& manager, const std::string& path);
+
 /// A database file, held by a manager of its own until this goes.
 class DatabaseFile {
  public:
@@ -24,15 +37,18 @@ class DatabaseFile {
   ZelkDatabase* open(const std::string& path);
 
   /// What there is to tell of the reading: one text per fault or warning, `escaped`.
-  const std::vector<std::string>& reports() const { return reports_; }
+  const std::vector<std::string>& reports() const { return opened_.reports; }
 
  private:
   ZelkManager manager_{static_cast<void*>(nullptr)};
-  std::vector<std::string> reports_;
+  OpenedDatabase opened_;
 };
 
 /// `DatabaseFile::open`, with its reports told on standard error.
 ZelkDatabase* open_and_report(DatabaseFile& file, const std::string& path);
+
+/// Why `ZelkDatabase::Write` did not write the database.
+std::string write_complaint(ZelkError error, const ZelkDatabase& database);
 
 /// A line of the library's error text, `escaped`, behind the file that it is about.
 std::string behind_path(const std::string& path, const std::string& line);

@@ -52,11 +52,11 @@ void FrameEncoder::set(std::string_view name, std::string_view value, const Valu
     if (names.back() != name) continue;
     const std::int64_t raw = parse_signal_value(signal, value, options);
     if (!given_.try_emplace(i, raw).second)
-      throw EncodeError(fmt::format("{} is given twice", name_of(signal)));
+      throw RequestError(fmt::format("{} is given twice", name_of(signal)));
     return;
   }
-  throw EncodeError(fmt::format("{} has no signal {}{}", escaped(view(message_.name)),
-                                in_quotes(name), suggestion(names, name)));
+  throw RequestError(fmt::format("{} has no signal {}{}", escaped(view(message_.name)),
+                                 in_quotes(name), suggestion(names, name)));
 }
 
 LogFrame FrameEncoder::finish() {
@@ -89,16 +89,17 @@ void FrameEncoder::settle(const sigblk& multiplexor) {
   std::string names;
   const Ranges ranges = selecting_values(multiplexor, names);
   if (ranges.empty()) {
-    throw EncodeError(fmt::format("no value of {} selects all of {}", name_of(multiplexor), names));
+    throw RequestError(
+        fmt::format("no value of {} selects all of {}", name_of(multiplexor), names));
   }
   if (keeps_selecting(multiplexor, ranges)) return;
   if (given_.contains(index_of(multiplexor))) {
-    throw EncodeError(
+    throw RequestError(
         fmt::format("{} is given a value that does not select {}", name_of(multiplexor), names));
   }
   if (ranges.size() > 1 || ranges.front().low != ranges.front().high) {
-    throw EncodeError(fmt::format("{} must be given: several of its values select {}",
-                                  name_of(multiplexor), names));
+    throw RequestError(fmt::format("{} must be given: several of its values select {}",
+                                   name_of(multiplexor), names));
   }
   given_[index_of(multiplexor)] = std::int64_t{ranges.front().low};
 }
@@ -143,8 +144,8 @@ void FrameEncoder::check_fits(const sigblk& signal) const {
   zelk_sig_mask_t mask = {};
   ZelkManager(static_cast<void*>(nullptr)).GetSignalAccessMask(signal, mask);
   if (mask.min_data_length <= frame_.length) return;
-  throw EncodeError(fmt::format("{} does not fit into a frame of {}", name_of(signal),
-                                counted(frame_.length, "byte")));
+  throw RequestError(fmt::format("{} does not fit into a frame of {}", name_of(signal),
+                                 counted(frame_.length, "byte")));
 }
 
 void FrameEncoder::put(LogFrame& frame, const sigblk& signal, std::int64_t raw) const {
@@ -162,11 +163,11 @@ void FrameEncoder::check(const LogFrame& frame) const {
   for (const auto& [index, wanted] : given_) {
     const sigblk& signal = decoder_.Signal(index);
     if (!(present[index / 64] >> (index % 64) & 1)) {
-      throw EncodeError(fmt::format(
+      throw RequestError(fmt::format(
           "{} would not be in the frame: its multiplexors do not select it", name_of(signal)));
     }
     if (raw[index] != wanted) {
-      throw EncodeError(
+      throw RequestError(
           fmt::format("{} shares bits with another signal that is given", name_of(signal)));
     }
   }

@@ -25,15 +25,15 @@ class FrameEncoder {
   FrameEncoder(const msgblk& message, const LogFrame& frame, bool is_given);
 
   /// Takes the value of a signal by its name.
-  /// @throws EncodeError as `parse_signal_value`, and when there is no such signal, or it has been
+  /// @throws RequestError as `parse_signal_value`, and when there is no such signal, or it has been
   /// given or does not fit into the frame
   void set(std::string_view name, std::string_view value, const ValueOptions& options);
 
   /// Sets all that was given, and the multiplexors that select it. A multiplexor that was not given
   /// keeps its value when that selects the signals, and else gets the only one that does.
   ///
-  /// @throws EncodeError when no value of a multiplexor selects all of its signals that were given,
-  /// or several do; and when the frame would not hold what was given
+  /// @throws RequestError when no value of a multiplexor selects all of its signals that were
+  /// given, or several do; and when the frame would not hold what was given
   LogFrame finish();
 
  private:

@@ -1,5 +1,7 @@
 #include "lookup.hpp"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <charconv>
 #include <cstddef>
@@ -35,6 +37,22 @@ std::string suggestion(const std::vector<std::string_view>& names, std::string_v
   for (const auto& [distance, candidate] : near)
     text += (text.empty() ? "; did you mean " : ", ") + escaped(candidate);
   return text.empty() ? text : text + "?";
+}
+
+std::vector<const msgblk*> find_messages(const ZelkDatabase& database, const std::string& wanted) {
+  const std::optional<std::uint32_t> id = parse_id(wanted);
+  std::vector<const msgblk*> found;
+  std::vector<std::string_view> names;
+  for (const msgblk& message : each(database.messages)) {
+    const bool is_it = id ? message.id == *id || message.id == (*id | ZELK_ID_EXTENDED)
+                          : view(message.name) == wanted;
+    if (is_it) found.push_back(&message);
+    names.push_back(view(message.name));
+  }
+  if (!found.empty()) return found;
+  if (id) throw RequestError(fmt::format("no message has the identifier 0x{:X} ({})", *id, *id));
+  throw RequestError(
+      fmt::format("no message is named {}{}", in_quotes(wanted), suggestion(names, wanted)));
 }
 
 }  // namespace zelk::tool

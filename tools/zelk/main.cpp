@@ -17,8 +17,9 @@ namespace {
 constexpr const char* kExitCodes =
     "Exit codes:\n"
     "  0  success\n"
-    "  1  a file cannot be read, an object is not found, a value cannot be encoded, or the output\n"
-    "     cannot be written\n"
+    "  1  a file cannot be read or converted, an object is not found, a value cannot be encoded, "
+    "an\n"
+    "     edit cannot be made, or the output cannot be written\n"
     "  2  the command line is wrong";
 
 /// Tells what is wrong with the command line.
@@ -43,9 +44,11 @@ ExitCode answer_parse_end(const CLI::App& app, const CLI::ParseError& end, Outpu
   return kExitUsage;
 }
 
-ExitCode run(int argc, char** argv, Output& out) {
+/// @param failure  what to end with when this throws
+ExitCode run(int argc, char** argv, Output& out, ExitCode& failure) {
   Action action;
-  CLI::App app("Reads CAN network databases in the DBC text format.", "zelk");
+  CLI::App app("Reads, compares, edits and converts CAN network databases in the DBC text format.",
+               "zelk");
   app.allow_windows_style_options(false);  // "/" begins a path
   app.set_version_flag("--version", "zelk " ZELK_TOOL_VERSION, "Print the version and exit");
   app.require_subcommand(0, 1);  // none is told below, where a misspelt one has been told already
@@ -57,6 +60,9 @@ ExitCode run(int argc, char** argv, Output& out) {
   add_rewrite_command(app, action);
   add_decode_command(app, action);
   add_encode_command(app, action);
+  add_diff_command(app, action, failure);
+  add_edit_command(app, action);
+  add_convert_command(app, action);
 
   try {
     app.parse(argc, argv);
@@ -77,15 +83,16 @@ ExitCode run(int argc, char** argv, Output& out) {
 /// `run`, with everything that is thrown told on standard error.
 int guarded_main(int argc, char** argv) {
   Output out(stdout);
+  ExitCode failure = kExitFailure;
   try {
-    return run(argc, argv, out);
+    return run(argc, argv, out, failure);
   } catch (const std::system_error& error) {
     // A reader that has seen enough, such as a pager that was left, needs no message.
     if (error.code() != std::errc::broken_pipe) print_error(fmt::format("zelk: {}", error.what()));
   } catch (const std::exception& error) {
     print_error(fmt::format("zelk: {}", error.what()));
   }
-  return kExitFailure;
+  return failure;
 }
 
 }  // namespace zelk::tool

@@ -182,10 +182,12 @@ constexpr Column<sigblk> kSignalColumns[] = {
     {"selected_for",
      [](const sigblk& s) { return s.mux_ranges ? text(presence_values(s)) : none(); }},
     {"receivers", [](const sigblk& s) { return node_names(s.receivers); }},
+    {"signal_type", [](const sigblk& s) { return s.sigtype ? text(s.sigtype->name) : none(); }},
 };
 
 constexpr Column<env_var_blk> kVariableColumns[] = {
     {"name", name_of},
+    {"id", [](const env_var_blk& v) { return number(v.id); }},
     {"type", [](const env_var_blk& v) { return text(env_var_type(v.type)); }},
     {"min", minimum_of},
     {"max", maximum_of},
@@ -262,11 +264,14 @@ constexpr Column<Description> kDescriptionColumns[] = {
 
 template <typename Record>
 Object object_of(const Record& record) {
-  Object object{&record, view(record.name), {}};
-  if constexpr (requires { record.message; })
-    if (record.message) object.message = view(record.message->name);
+  Object object{&record, view(record.name)};
+  if constexpr (requires { record.message; }) object.owner = record.message;
   if constexpr (requires { record.comment; }) object.comment = record.comment;
   if constexpr (requires { record.attrs; }) object.attributes = record.attrs;
+  if constexpr (requires { record.values; }) object.values = record.values;
+  if constexpr (requires { record.tx_nodes; }) object.links = record.tx_nodes;
+  if constexpr (requires { record.receivers; }) object.links = record.receivers;
+  if constexpr (requires { record.access_nodes; }) object.links = record.access_nodes;
   return object;
 }
 

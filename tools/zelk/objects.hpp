@@ -21,9 +21,11 @@ namespace zelk::tool {
 struct Object {
   const void* record;
   std::string_view name;
-  std::string_view message;          ///< name of the message that has it; empty for none
+  const msgblk* owner = nullptr;     ///< the message that has it; null for none
   const char* comment = nullptr;     ///< may be null
   const attr* attributes = nullptr;  ///< its values
+  const val* values = nullptr;       ///< descriptions of its raw values
+  const rxblk* links = nullptr;      ///< to the nodes that send, receive or access it
 };
 
 using VisitObject = std::function<void(const Object&)>;

@@ -24,7 +24,7 @@ namespace {
 constexpr const char* kForceHint = "; --force takes it all the same";
 
 [[noreturn]] void refuse(const sigblk& signal, std::string_view text, const std::string& reason) {
-  throw EncodeError(fmt::format("{}={}: {}", escaped(view(signal.name)), escaped(text), reason));
+  throw RequestError(fmt::format("{}={}: {}", escaped(view(signal.name)), escaped(text), reason));
 }
 
 bool is_signed(const sigblk& signal) { return signal.flags & ZELK_SIGNAL_SIGNED; }

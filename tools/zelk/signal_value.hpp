@@ -5,19 +5,13 @@
 #define ZELK_TOOL_SIGNAL_VALUE_HPP
 
 #include <cstdint>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
+#include "lookup.hpp"
 #include "zelk/records.h"
 
 namespace zelk::tool {
-
-/// Why a frame cannot be made; the text is `escaped`.
-class EncodeError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
 
 struct ValueOptions {
   bool raw = false;    ///< values are raw ones
@@ -28,7 +22,7 @@ struct ValueOptions {
 /// number, which is unsigned for an unsigned signal. As `ZelkFrameDecoder::DecodeRaw` reads it.
 ///
 /// @param text  a number, physical or raw; or the text of a value description
-/// @throws EncodeError when it is neither, or out of the signal's range, or does not fit into it
+/// @throws RequestError when it is neither, or out of the signal's range, or does not fit into it
 std::int64_t parse_signal_value(const sigblk& signal, std::string_view text,
                                 const ValueOptions& options);
 

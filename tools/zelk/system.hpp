@@ -11,6 +11,9 @@
 
 namespace zelk::tool {
 
+/// What the names of modules end in.
+extern const char* const kModuleExtension;
+
 /// Sees to it that a closed pipe is a failed write and not the end of the process, and that every
 /// system gets the same bytes on standard input and output.
 void prepare_process();

@@ -9,6 +9,8 @@
 
 namespace zelk::tool {
 
+const char* const kModuleExtension = ".so";
+
 void prepare_process() { std::signal(SIGPIPE, SIG_IGN); }
 
 std::size_t read_some(std::FILE* file, char* buffer, std::size_t size) {

@@ -11,6 +11,8 @@
 
 namespace zelk::tool {
 
+const char* const kModuleExtension = ".dll";
+
 void prepare_process() {
   _setmode(_fileno(stdin), _O_BINARY);
   _setmode(_fileno(stdout), _O_BINARY);

@@ -75,6 +75,12 @@ std::vector<std::string> escaped_lines(std::string_view text) {
   return lines;
 }
 
+std::string lowered(std::string_view text) {
+  std::string result(text);
+  std::ranges::transform(result, result.begin(), lower);
+  return result;
+}
+
 std::string counted(std::size_t count, std::string_view noun, std::string_view plural) {
   if (count == 1) return fmt::format("1 {}", noun);
   return plural.empty() ? fmt::format("{} {}s", count, noun) : fmt::format("{} {}", count, plural);

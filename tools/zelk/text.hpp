@@ -25,6 +25,9 @@ std::string in_quotes(std::string_view text);
 /// text has none, and a line feed at the very end adds none.
 std::vector<std::string> escaped_lines(std::string_view text);
 
+/// With small letters in place of ASCII capitals.
+std::string lowered(std::string_view text);
+
 /// "1 node", "3 nodes"; the plural is `noun` with an "s" unless it is given.
 std::string counted(std::size_t count, std::string_view noun, std::string_view plural = {});
 

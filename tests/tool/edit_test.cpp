@@ -1,0 +1,111 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tool_case.hpp"
+
+namespace {
+
+constexpr const char* kNetwork =
+    "VERSION \"\"\n\nBS_:\n\nBU_: Engine Dash\n\n"
+    "BO_ 100 Motion: 8 Engine\n"
+    " SG_ Page M : 0|4@1+ (1,0) [0|15] \"\" Dash\n SG_ Speed m1 : 8|16@1+ (1,0) [0|0] \"\" Dash\n\n"
+    "BO_ 200 Twin: 1 Dash\n\nBO_ 201 Twin: 1 Dash\n\n"
+    "EV_ Lid: 0 [0|1] \"\" 0 7 DUMMY_NODE_OSTREL0 Dash;\n\n"
+    "BA_DEF_ BO_ \"Cycle\" INT 0 1000;\nBA_DEF_ BO_ \"Any\" HEX 0 0;\n"
+    "BA_DEF_ SG_ \"Kind\" ENUM \"a\",\"2\",\"c\";\nBA_DEF_ \"Owner\" STRING ;\n"
+    "BA_DEF_DEF_ \"Cycle\" 50;\nBA_DEF_DEF_ \"Any\" 0;\nBA_DEF_DEF_ \"Kind\" \"a\";\n"
+    "BA_DEF_DEF_ \"Owner\" \"\";\nBA_ \"Cycle\" BO_ 100 20;\n"
+    "SIG_GROUP_ 100 Both 1 : Page Speed;\n";
+
+TEST(Edit, Edits) {
+  const std::string name(40, 'n');
+  const struct {
+    std::string edits;
+    std::string told;
+    std::string difference;  // from the file as it was
+  } cases[] = {
+      {"--rename-message Motion Move --set-attribute message:Move Cycle 0x10 --rename-message 0x64 "
+       "Go",
+       "message 0x064 Motion: renamed to Move\nmessage 0x064 Move: attribute \"Cycle\" = 16\n"
+       "message 0x064 Move: renamed to Go\n",
+       "~ message 0x064 Motion\n    name: Motion -> Go\n    attribute \"Cycle\": 20 -> 16\n"},
+      {"--rename-node Engine " + name, "node Engine: renamed to " + name + "\n",
+       "- node Engine\n+ node " + name + "\n~ message 0x064 Motion\n    transmitters: Engine -> " +
+           name + "\n"},
+      {"--reset-attribute message:100 Cycle --set-attribute message:200 Any -7",
+       "message 0x064 Motion: attribute \"Cycle\" = 50, the default\n"
+       "message 0x0C8 Twin: attribute \"Any\" = -7\n",
+       "~ message 0x064 Motion\n    attribute \"Cycle\": 20 -> none\n"
+       "~ message 0x0C8 Twin\n    attribute \"Any\": none -> -7\n"},
+      {"--set-attribute signal:Motion.Page Kind 2 --set-attribute signal:Motion.Speed Kind 0 "
+       "--set-attribute network Owner \"a b\"",
+       "signal Motion.Page: attribute \"Kind\" = \"2\" (1)\n"
+       "signal Motion.Speed: attribute \"Kind\" = \"a\" (0)\n"
+       "network: attribute \"Owner\" = \"a b\"\n",
+       "~ network\n    attribute \"Owner\": none -> \"a b\"\n"
+       "~ signal Motion.Page\n    attribute \"Kind\": none -> \"2\" (1)\n"
+       "~ signal Motion.Speed\n    attribute \"Kind\": none -> \"a\" (0)\n"},
+      {"--set-comment variable:Lid [up,down] --set-comment node:Dash x --set-comment node:Dash "
+       "\"\"",
+       "environment variable Lid: comment \"[up,down]\"\nnode Dash: comment \"x\"\n"
+       "node Dash: comment removed\n",
+       "~ environment variable Lid\n    comment: none -> \"[up,down]\"\n"},
+      {"--delete-signal Motion.Page --delete-message 201",
+       "signal Motion.Page: deleted, also from 1 signal group, multiplexor of 1 signal\n"
+       "message 0x0C9 Twin: deleted, with 0 signals\n",
+       "- message 0x0C9 Twin\n- signal Motion.Page\n~ signal Motion.Speed\n"
+       "    selected_by: Page -> none\n    selected_for: 1 -> none\n"
+       "~ signal group Motion.Both\n    signals: Page, Speed -> Speed\n"},
+      {"--delete-node Engine", "node Engine: deleted, transmitter of 1 message\n",
+       "- node Engine\n~ message 0x064 Motion\n    transmitters: Engine -> none\n"},
+  };
+  for (const auto& c : cases) {
+    write_file("a.dbc", kNetwork);
+    write_file("b.dbc", kNetwork);
+    check({"edit -n b.dbc " + c.edits, 0, c.told + "b.dbc not written\n", ""});
+    check({"diff a.dbc b.dbc", 0, "", ""});
+    check({"edit b.dbc " + c.edits, 0, c.told + "b.dbc written\n", ""});
+    check({"diff a.dbc b.dbc", 1, c.difference, ""});
+  }
+}
+
+TEST(Edit, WritesAllOrNothing) {
+  const struct {
+    std::string edit;
+    int exit_code;
+    const char* err;
+  } cases[] = {
+      {"--rename-message Motio Go", 1, "no message is named \"Motio\"; did you mean Motion?"},
+      {"--rename-message Twin Go", 1, "several messages are named \"Twin\""},
+      {"--rename-message 200 Motion", 1, "\"Motion\" is taken"},
+      {"--rename-message 200 BO_", 1, "keyword"},
+      {"--rename-message 200 2nd", 1, "digit"},
+      {"--rename-node Dash Ostrel__XXX", 1, "no node"},
+      {"--rename-node Dash " + std::string(129, 'n'), 1, "128"},
+      {"--rename-signal Motion.Page Speed", 1, "\"Speed\" is taken"},
+      {"--delete-signal Motion.Pagee", 1, "has no signal \"Pagee\"; did you mean Page?"},
+      {"--set-comment thing:Lid x", 1, "\"thing:Lid\" is no object"},
+      {"--set-attribute message:100 Cycl 1", 1, "did you mean Cycle?"},
+      {"--set-attribute message:100 Owner x", 1, "no attribute \"Owner\""},
+      {"--set-attribute message:100 Cycle 1001", 1, "INT 0 to 1000"},
+      {"--set-attribute message:100 Cycle 1.5", 1, "whole"},
+      {"--set-attribute message:100 Cycle ten", 1, "whole"},
+      {"--set-attribute signal:Motion.Page Kind 3", 1, "is no item"},
+      {"--set-attribute signal:Motion.Page Kind", 2, "--set-attribute"},
+      {"--output missing/b.dbc", 1, "missing/b.dbc: database: could not write"},
+  };
+  write_file("a.dbc", kNetwork);
+  write_file("b.dbc", kNetwork);
+  for (const auto& c : cases) {
+    check({"edit b.dbc --rename-node Engine Motor " + c.edit, c.exit_code, "", c.err});
+    check({"diff a.dbc b.dbc", 0, "", ""});
+  }
+  check({"edit b.dbc -n", 2, "", "at least one edit"});
+  check({"edit b.dbc --output c.dbc --delete-message 201", 0,
+         "message 0x0C9 Twin: deleted, with 0 signals\nc.dbc written\n", ""});
+  check({"diff a.dbc b.dbc", 0, "", ""});
+  check({"diff a.dbc c.dbc", 1, "- message 0x0C9 Twin\n", ""});
+}
+
+}  // namespace

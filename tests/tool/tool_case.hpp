@@ -1,0 +1,28 @@
+/// \file
+/// Runs of the program, with what they are to leave behind.
+
+#ifndef ZELK_TESTS_TOOL_TOOL_CASE_HPP
+#define ZELK_TESTS_TOOL_TOOL_CASE_HPP
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "run_tool.hpp"
+
+struct ToolCase {
+  std::string arguments;
+  int exit_code;
+  std::string out;  ///< all of it
+  std::string err;  ///< a part of it; empty when there is none
+};
+
+inline void check(const ToolCase& c) {
+  const ToolRun run = run_tool(c.arguments);
+  EXPECT_EQ(run.exit_code, c.exit_code) << c.arguments;
+  EXPECT_EQ(run.out, c.out) << c.arguments;
+  EXPECT_NE(run.err.find(c.err), std::string::npos) << c.arguments << "\n" << run.err;
+  EXPECT_EQ(run.err.empty(), c.err.empty()) << c.arguments << "\n" << run.err;
+}
+
+#endif

@@ -1,0 +1,84 @@
+#include "attribute_input.hpp"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <optional>
+#include <string_view>
+#include <system_error>
+
+#include "attributes.hpp"
+#include "lookup.hpp"
+#include "text.hpp"
+
+namespace zelk::tool {
+
+namespace {
+
+[[noreturn]] void fail(const attr_def& definition, std::string_view text, std::string_view fault) {
+  throw RequestError(fmt::format("{} {} of the attribute {}, which is {}", in_quotes(text), fault,
+                                 in_quotes(view(definition.name)), shown_type(definition)));
+}
+
+/// All of `text` as a number; none also for infinities.
+std::optional<double> parse_decimal(std::string_view text) {
+  double number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, number);
+  if (error != std::errc() || stop != end || !std::isfinite(number)) return std::nullopt;
+  return number;
+}
+
+std::optional<double> parse_number(std::string_view text) {
+  if (!text.starts_with("0x") && !text.starts_with("0X")) return parse_decimal(text);
+  const std::optional<std::uint32_t> number = parse_id(text);
+  return number ? std::optional<double>(*number) : std::nullopt;
+}
+
+/// Position of an item in a list parted by line feeds.
+std::optional<double> index_of(std::string_view items, std::string_view item) {
+  for (double index = 0;; ++index) {
+    const std::size_t length = items.find('\n');
+    if (items.substr(0, length) == item) return index;
+    if (length == std::string_view::npos) return std::nullopt;
+    items.remove_prefix(length + 1);
+  }
+}
+
+double parse_item(const attr_def& definition, const std::string& text) {
+  const std::string_view items = view(definition.enum_values);
+  if (const std::optional<double> index = index_of(items, text)) return *index;
+  const std::optional<std::uint32_t> index = parse_id(text);
+  if (!index || *index > static_cast<std::uint64_t>(std::ranges::count(items, '\n')))
+    fail(definition, text, "is no item");
+  return *index;
+}
+
+double parse_in_range(const attr_def& definition, const std::string& text) {
+  const std::optional<double> number = parse_number(text);
+  const bool is_whole = definition.value_type != ZELK_ATTR_FLOAT;
+  if (!number || (is_whole && *number != std::floor(*number)))
+    fail(definition, text, is_whole ? "is no whole number, as are the values" : "is no number");
+  const bool has_range = definition.minimum != 0 || definition.maximum != 0;
+  if (has_range && (*number < definition.minimum || *number > definition.maximum))
+    fail(definition, text, "is out of the range");
+  return *number;
+}
+
+}  // namespace
+
+zelk_attr_value_t parse_attribute_value(const attr_def& definition, std::string& text) {
+  zelk_attr_value_t value{};
+  if (definition.value_type == ZELK_ATTR_STRING) {
+    value.text = text.data();
+  } else if (definition.value_type == ZELK_ATTR_ENUM) {
+    value.number = parse_item(definition, text);
+  } else {
+    value.number = parse_in_range(definition, text);
+  }
+  return value;
+}
+
+}  // namespace zelk::tool

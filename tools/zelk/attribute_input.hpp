@@ -1,0 +1,24 @@
+/// \file
+/// Values of attributes as a user writes them.
+
+#ifndef ZELK_TOOL_ATTRIBUTE_INPUT_HPP
+#define ZELK_TOOL_ATTRIBUTE_INPUT_HPP
+
+#include <string>
+
+#include "zelk/records.h"
+
+namespace zelk::tool {
+
+/// The value that `text` means for an attribute.
+///
+/// @param text  for a STRING the text itself; for an ENUM one of its items, or else the index of
+/// one; for others a number within the definition's range, which does not count when both ends are
+/// 0: a whole one, decimal or hexadecimal behind "0x", for INT and HEX
+/// @return whose text, of a STRING, is that of `text`
+/// @throws RequestError when it is none of these
+zelk_attr_value_t parse_attribute_value(const attr_def& definition, std::string& text);
+
+}  // namespace zelk::tool
+
+#endif

@@ -1,0 +1,181 @@
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "commands.hpp"
+#include "database.hpp"
+#include "formats.hpp"
+#include "lookup.hpp"
+#include "text.hpp"
+#include "zelk/converter.hpp"
+
+namespace zelk::tool {
+
+namespace {
+
+struct Arguments {
+  std::string in;
+  std::string out;
+  std::string from_name;  // empty: by the extension
+  std::string to_name;
+  Format from;
+  Format to;
+  std::string option;
+  std::string import_function = "zelk_import";
+  std::string export_function = "zelk_export";
+};
+
+/// Makes databases that are for no file yet, of files that may be read-only.
+class FileImporter : public ZelkImporter {
+ public:
+  using ZelkImporter::ZelkImporter;
+
+  ZelkError Import(const char* db, const char** name, const char* file) override {
+    status_ = 1;
+    zelk_clear_error_text();
+    const char* stored = nullptr;
+    auto& manager = static_cast<ZelkWriteManager&>(manager_);
+    const ZelkError created = manager.CreateDatabase(db, &stored, nullptr);
+    if (created != ZelkErrorOk) return created;
+    const ZelkError error = FillDatabase(stored, file);
+    if (error == ZelkErrorOk) *name = stored;
+    return error;
+  }
+};
+
+bool exists(const ZelkManager& manager, const std::string& path) {
+  return manager.GetDatabaseFileInfo(path.c_str()) != ZelkErrorFileNotFound;
+}
+
+/// Tells what the library and a module noted about a file.
+///
+/// @param fallback  what is told of a failure of which nothing was noted
+void tell_notes(const std::string& path, bool is_success, const char* fallback) {
+  const std::vector<std::string> lines = escaped_lines(zelk_get_error_text());
+  for (const std::string& line : lines)
+    print_error(behind_path(path, is_success ? "warning: " + line : line));
+  if (!is_success && lines.empty()) print_error(behind_path(path, fallback));
+}
+
+/// Tells why a module cannot be used.
+///
+/// @return whether it can
+bool check_module(const ZelkManager& manager, const ZelkConverter& converter,
+                  const std::string& module, const std::string& function) {
+  std::string fault;
+  if (!exists(manager, module)) {
+    fault = "no such module";
+  } else if (converter.Status() != 0) {
+    fault = "cannot be loaded as a module";
+  } else if (!converter.GetFunction(function.c_str())) {
+    fault = fmt::format("the module has no function {}", in_quotes(function));
+  }
+  if (!fault.empty()) print_error(behind_path(module, fault));
+  return fault.empty();
+}
+
+/// The database of a file of another format; null when that fails, which has been told.
+const char* import(const Arguments& arguments, ZelkWriteManager& manager) {
+  FileImporter importer(manager, arguments.from.module.c_str(), arguments.import_function.c_str());
+  if (!check_module(manager, importer, arguments.from.module, arguments.import_function))
+    return nullptr;
+  if (!exists(manager, arguments.in)) {
+    print_error(
+        behind_path(arguments.in, zelk_format_error(ZELK_ERR_NOT_FOUND, 0, arguments.in.c_str())));
+    return nullptr;
+  }
+  importer.SetOption(arguments.option.c_str());
+  const char* name = nullptr;
+  const ZelkError error = importer.Import("converted", &name, arguments.in.c_str());
+  tell_notes(arguments.in, error == ZelkErrorOk, "cannot be imported");
+  return error == ZelkErrorOk ? name : nullptr;
+}
+
+/// Writes a file of another format.
+///
+/// @return false when that fails, which has been told
+bool export_database(const Arguments& arguments, ZelkWriteManager& manager, const char* name) {
+  ZelkExporter exporter(manager, arguments.to.module.c_str(), arguments.export_function.c_str());
+  if (!check_module(manager, exporter, arguments.to.module, arguments.export_function))
+    return false;
+  exporter.SetOption(arguments.option.c_str());
+  const ZelkError error = exporter.Export(name, arguments.out.c_str());
+  tell_notes(arguments.out, error == ZelkErrorOk, "cannot be exported");
+  return error == ZelkErrorOk;
+}
+
+bool write(const Arguments& arguments, ZelkWriteManager& manager, const char* name) {
+  const ZelkError error = manager.WriteDatabase(name, arguments.out.c_str());
+  if (error == ZelkErrorOk) return true;
+  print_error(behind_path(arguments.out, write_complaint(error, *manager.GetDatabase(name))));
+  return false;
+}
+
+ExitCode convert(const Arguments& arguments) {
+  ZelkWriteManager manager(static_cast<void*>(nullptr));
+  if (exists(manager, arguments.out)) {
+    print_error(behind_path(arguments.out, "exists already, and is not replaced"));
+    return kExitFailure;
+  }
+  const char* const name = arguments.from.is_own() ? open_and_report(manager, arguments.in).name
+                                                   : import(arguments, manager);
+  if (!name) return kExitFailure;
+  const bool is_written = arguments.to.is_own() ? write(arguments, manager, name)
+                                                : export_database(arguments, manager, name);
+  return is_written ? kExitSuccess : kExitFailure;
+}
+
+/// @throws CLI::ValidationError when neither the option nor the file's extension tells it
+Format format_of(const std::string& path, const char* option, const std::string& name) {
+  if (!name.empty()) return format_named(name);
+  if (const std::optional<Format> format = format_of_file(path)) return *format;
+  throw CLI::ValidationError(
+      option, fmt::format("the extension of {} tells no format; this option does: {}, or the "
+                          "file of a module",
+                          in_quotes(path), format_names()));
+}
+
+void add_module_options(CLI::App& command, Arguments& arguments) {
+  command.add_option("--from", arguments.from_name, "Format of IN, whatever its extension")
+      ->type_name("FORMAT|MODULE");
+  command.add_option("--to", arguments.to_name, "Format of OUT, likewise")
+      ->type_name("FORMAT|MODULE");
+  command
+      .add_option("--option", arguments.option, "What is asked of the modules, in their own words")
+      ->type_name("TEXT");
+  command
+      .add_option("--import-function", arguments.import_function,
+                  "Name of the function that reads IN, of a module that has another than\n"
+                  "zelk_import")
+      ->type_name("NAME");
+  command
+      .add_option("--export-function", arguments.export_function,
+                  "Name of the function that writes OUT, likewise for zelk_export")
+      ->type_name("NAME");
+}
+
+}  // namespace
+
+void add_convert_command(CLI::App& app, Action& action) {
+  CLI::App* command = app.add_subcommand("convert", "Convert a database to another file format");
+  command->footer(
+      fmt::format("A FORMAT is one of {}, in this order the library's own one and those of its\n"
+                  "modules. A MODULE is the file of another converter module. Messages about what\n"
+                  "OUT cannot hold are warnings.\n\n{}",
+                  format_names(), command->get_footer()));
+  const auto arguments = std::make_shared<Arguments>();
+  command->add_option("IN", arguments->in, "Database to read; its extension tells the format")
+      ->required()
+      ->option_text(" ");
+  command->add_option("OUT", arguments->out, "File to write, which must not exist; likewise")
+      ->required()
+      ->option_text(" ");
+  add_module_options(*command, *arguments);
+  command->callback([arguments, &action] {
+    arguments->from = format_of(arguments->in, "--from", arguments->from_name);
+    arguments->to = format_of(arguments->out, "--to", arguments->to_name);
+    action = [arguments](Output&) { return convert(*arguments); };
+  });
+}
+
+}  // namespace zelk::tool

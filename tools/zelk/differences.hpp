@@ -1,0 +1,42 @@
+/// \file
+/// What differs between two databases, object by object.
+
+#ifndef ZELK_TOOL_DIFFERENCES_HPP
+#define ZELK_TOOL_DIFFERENCES_HPP
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "database.hpp"
+#include "object_changes.hpp"
+
+namespace zelk::tool {
+
+enum class Presence {
+  kRemoved,  ///< only the first database has it
+  kAdded,    ///< only the second one has it
+  kChanged
+};
+
+/// An object that is not the same in both databases.
+struct Difference {
+  Presence presence;
+  std::string object;           ///< as in text: "message 0x123 Speed", "signal Speed.Gear"
+  Json identity;                ///< as in JSON: {"kind":"message","id":291,...}
+  std::vector<Change> changes;  ///< of a changed object, at least one
+};
+
+/// Visits the differences, kind by kind.
+///
+/// Messages are matched by identifier; those left, of which only one database has the identifier,
+/// by name where that is the only such name in both. Signals and groups are matched by name within
+/// their message, attribute definitions by name and kind of object, everything else by name; where
+/// several are called the same, the n-th with the n-th. What a message has is not visited when the
+/// message is in one database only. Order is no difference. Takes linear time.
+void for_each_difference(const ZelkDatabase& before, const ZelkDatabase& after,
+                         const std::function<void(const Difference&)>& visit);
+
+}  // namespace zelk::tool
+
+#endif
