@@ -1,33 +1,14 @@
 // Reads any bytes as a database, asks it some questions, and releases it. The sanitizers judge.
 
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
 
+#include "memory_file.hpp"
 #include "zelk/zelk.h"
 
 namespace {
-
-/// A file in memory with the given content, under a name that can be opened.
-class MemoryFile {
- public:
-  MemoryFile(const std::uint8_t* data, std::size_t size) : descriptor_(memfd_create("fuzz", 0)) {
-    if (descriptor_ < 0 || write(descriptor_, data, size) != static_cast<ssize_t>(size))
-      std::abort();
-  }
-  MemoryFile(const MemoryFile&) = delete;
-  MemoryFile& operator=(const MemoryFile&) = delete;
-  ~MemoryFile() { close(descriptor_); }
-
-  std::string path() const { return "/proc/self/fd/" + std::to_string(descriptor_); }
-
- private:
-  int descriptor_;
-};
 
 /// Every cross-reference of a signal must lead to a living record.
 void visit(const sigblk& signal) {
