@@ -14,8 +14,7 @@
 #include <vector>
 
 #include "zelk/errors.h"
-#include "zelk/lock.hpp"
-#include "zelk/manager.hpp"
+#include "zelk/write_manager.hpp"
 
 namespace {
 
@@ -68,22 +67,17 @@ void describe(ZelkManager& manager, const char* name) {
 
 /// Changes the comment and writes the database to `copy`, which is its file from then on: for every
 /// manager, as they share it.
-bool edit(ZelkManager& editor, const char* name, const char* copy) {
-  const ZelkWriteLock* const lock = ZelkWriteLock::Create(editor, name, "The editor is writing.");
-  if (lock == nullptr) {
+bool edit(ZelkWriteManager& editor, const char* name, const char* copy) {
+  if (!editor.LockDatabase(name, "The editor is writing.")) {
     std::puts("The write lock is refused.");
     return false;
   }
-  ZelkDatabase& database = *editor.GetDatabase(name);
-  database.SetComment("Edited by an example.");
-  const ZelkError error = database.Write(copy);
+  editor.SetDatabaseComment(name, "Edited by an example.");
+  const ZelkError error = editor.WriteDatabase(name, copy);  // which announces it
   editor.UnlockDatabase(name);
-  if (error != ZelkErrorOk) {
-    std::fprintf(stderr, "%s: error %d\n%s", copy, error, zelk_get_error_text());
-    return false;
-  }
-  ZelkManager::NotifyChanges(editor, database);
-  return true;
+  if (error == ZelkErrorOk) return true;
+  std::fprintf(stderr, "%s: error %d\n%s", copy, error, zelk_get_error_text());
+  return false;
 }
 
 void print_news(const std::vector<News>& news, const void* reader_id) {
@@ -109,7 +103,7 @@ bool run(const std::vector<const char*>& paths, const char* copy, const std::vec
   int reader_id = 0;
   int editor_id = 0;
   ZelkManager reader(&reader_id);
-  ZelkManager editor(&editor_id);
+  ZelkWriteManager editor(&editor_id);
   unsigned priority = static_cast<unsigned>(paths.size());
   for (const char* const path : paths) {
     // A database of higher priority answers first when several know an object of one name.

@@ -73,13 +73,12 @@ void store(attr& value, const attr_def& definition, const zelk_attr_value_t& new
 
 /// The first definition of that name for the kind of object, else the first one of that name. Those
 /// of relations do not count: no file could hold the value.
-attr_def* find_definition(ZelkDatabase* database, zelk_obj_t kind, const char* name) {
-  if (!database) return nullptr;
-  attr_def* const of_kind = find_first(database->attr_defs, [=](const attr_def& definition) {
+attr_def* find_definition(ZelkDatabase& database, zelk_obj_t kind, const char* name) {
+  attr_def* const of_kind = find_first(database.attr_defs, [=](const attr_def& definition) {
     return definition.object_type == kind && same_inline_name(definition.name, name);
   });
   if (of_kind) return of_kind;
-  return find_first(database->attr_defs, [name](const attr_def& definition) {
+  return find_first(database.attr_defs, [name](const attr_def& definition) {
     return !is_relation(definition.object_type) && same_inline_name(definition.name, name);
   });
 }
@@ -106,11 +105,13 @@ template <typename Object>
 void set_value(ZelkWriteManager& manager, Object& object, const char* name,
                const zelk_attr_value_t& value, const char* db) {
   set_value(object.attrs, name, value, [&] {
-    ZelkDatabase* const holder = ManagerEdits::holder(manager, object, nullptr);
-    ZelkDatabase* const database = db ? ManagerEdits::database(manager, db) : holder;
+    ZelkDatabase* const database =
+        db ? ManagerEdits::database(manager, db) : ManagerEdits::holder(manager, object, nullptr);
     // A value must not refer to a definition that may be closed before it.
-    const bool is_foreign = holder && holder != database;
-    return is_foreign ? nullptr : find_definition(database, kind_of(object), name);
+    if (!database || ManagerEdits::is_held_by_another(manager, object, *database)) {
+      return static_cast<attr_def*>(nullptr);
+    }
+    return find_definition(*database, kind_of(object), name);
   });
 }
 
@@ -251,7 +252,7 @@ void ZelkWriteManager::SetAttrValue(const char* db, const char* name,
   ZelkDatabase* const database = FindDatabase(db);
   if (!database) return;
   zelk::set_value(database->attr_values, name, value,
-                  [&] { return zelk::find_definition(database, ZELK_OBJ_NETWORK, name); });
+                  [&] { return zelk::find_definition(*database, ZELK_OBJ_NETWORK, name); });
 }
 void ZelkWriteManager::SetAttrValue(symblk& node, const char* name, const zelk_attr_value_t& value,
                                     const char* db) {

@@ -32,6 +32,15 @@ struct ManagerEdits {
     }
     return nullptr;
   }
+
+  /// Costs nothing while one database is open.
+  template <typename Record>
+  static bool is_held_by_another(ZelkWriteManager& manager, const Record& record,
+                                 const ZelkDatabase& database) {
+    return find_first(manager.databases_, [&](const ZelkManager::DbListNode& node) {
+      return &node.database != &database && holds(node.database, record);
+    });
+  }
 };
 
 /// Removes every link to a node.
