@@ -55,10 +55,12 @@ class ZELK_API ZelkConverter {
   /// Loads a module. That it cannot be loaded, or does not have the function, is told in the error
   /// text of a conversion.
   ///
-  /// @param module    file name as the system's loader takes it: a bare name is searched for on the
+  /// @param module  file name as the system's loader takes it: a bare name is searched for on the
   /// system's path; null: none
-  /// @param function  the conversion function's name; null: none
-  ZelkConverter(ZelkManager& manager, const char* module, const char* function);
+  ZelkConverter(ZelkManager& manager, const char* module);
+
+  /// Looks the conversion function up; null: there shall be none.
+  void FindFunction(const char* function);
 
   std::uint32_t status_ = 0;
   ZelkManager& manager_;
@@ -66,13 +68,14 @@ class ZELK_API ZelkConverter {
   HINSTANCE module_ = nullptr;        ///< null when it could not be loaded
   Function function_ = nullptr;       ///< null when the module does not have it
   const char* option_ = "";
-  bool is_function_wanted_;  ///< a module or a function was named
+  bool is_function_wanted_ = false;  ///< one was named
 };
 
 /// Fills new databases from files of another format.
 class ZELK_API ZelkImporter : public ZelkConverter {
  public:
-  /// @param module, function  as the module is told to `ZelkConverter`
+  /// @param module    as for `ZelkConverter`
+  /// @param function  name of the conversion function; null: none
   ZelkImporter(ZelkWriteManager& manager, const char* module, const char* function);
 
   /// Makes a database out of a file. It is for the file of the same name with the extension ".DBC",
@@ -118,7 +121,8 @@ class ZELK_API ZelkImporter : public ZelkConverter {
 /// Writes open databases to files of another format.
 class ZELK_API ZelkExporter : public ZelkConverter {
  public:
-  /// @param module, function  as the module is told to `ZelkConverter`
+  /// @param module    as for `ZelkConverter`
+  /// @param function  name of the conversion function; null: none
   ZelkExporter(ZelkManager& manager, const char* module, const char* function);
 
   /// Writes a database to a new file.

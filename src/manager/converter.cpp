@@ -96,11 +96,14 @@ extern "C" const zelk_conversion* zelk_get_conversion(void) { return zelk::runni
 
 // --- Converter ---
 
-ZelkConverter::ZelkConverter(ZelkManager& manager, const char* module, const char* function)
-    : manager_(manager), is_function_wanted_(module || function) {
+ZelkConverter::ZelkConverter(ZelkManager& manager, const char* module) : manager_(manager) {
   if (module) module_ = static_cast<HINSTANCE>(zelk::platform::load_module(module).release());
   if (!module_) status_ = 1;
-  if (function) function_ = GetFunction(function);
+}
+
+void ZelkConverter::FindFunction(const char* function) {
+  is_function_wanted_ = function != nullptr;
+  function_ = GetFunction(function);
 }
 
 ZelkConverter::~ZelkConverter() {
@@ -121,7 +124,9 @@ ZelkDatabase* ZelkConverter::GetDatabase(const char* db) const { return manager_
 // --- Importer ---
 
 ZelkImporter::ZelkImporter(ZelkWriteManager& manager, const char* module, const char* function)
-    : ZelkConverter(manager, module, function) {}
+    : ZelkConverter(manager, module) {
+  FindFunction(function);
+}
 
 ZelkError ZelkImporter::Import(const char* db, const char** name, const char* file) try {
   status_ = 1;
@@ -204,7 +209,9 @@ bool ZelkImporter::CopyDatabaseLists() try {
 // --- Exporter ---
 
 ZelkExporter::ZelkExporter(ZelkManager& manager, const char* module, const char* function)
-    : ZelkConverter(manager, module, function) {}
+    : ZelkConverter(manager, module) {
+  FindFunction(function);
+}
 
 ZelkError ZelkExporter::Export(const char* db, const char* file) try {
   status_ = 1;
