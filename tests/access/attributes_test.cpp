@@ -6,7 +6,7 @@
 
 #include "manager/manager_test.hpp"
 #include "model/memory.hpp"
-#include "support/failing_calloc.hpp"
+#include "support/failing.hpp"
 #include "zelk/iterator.hpp"
 
 namespace {

@@ -11,10 +11,7 @@ constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
 sigblk scaled(unsigned flags, double factor, double offset) {
-  sigblk signal = make_signal(0, 8, flags);
-  signal.factor = factor;
-  signal.offset = offset;
-  return signal;
+  return ::scaled(make_signal(0, 8, flags), factor, offset);
 }
 
 TEST(Conversion, OfRawValues) {

@@ -24,6 +24,15 @@ inline sigblk make_signal(unsigned start_bit, unsigned length, unsigned flags = 
   return signal;
 }
 
+inline sigblk scaled(sigblk signal, double factor, double offset, double maximum = 0.0,
+                     std::string_view unit = "") {
+  signal.factor = factor;
+  signal.offset = offset;
+  signal.maximum = maximum;
+  signal.unit[unit.copy(signal.unit, sizeof signal.unit - 1)] = '\0';
+  return signal;
+}
+
 /// A message that has its signals and their ranges; they stay where they are in memory.
 struct Message {
   Message() = default;

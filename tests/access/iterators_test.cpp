@@ -7,26 +7,6 @@
 #include "manager/manager_test.hpp"
 #include "zelk/predicates.hpp"
 
-#define INSTANTIATE_BOTH(T)       \
-  template class ZelkIterator<T>; \
-  template class ZelkIterator<const T>
-INSTANTIATE_BOTH(msgblk);
-INSTANTIATE_BOTH(sigblk);
-INSTANTIATE_BOTH(symblk);
-INSTANTIATE_BOTH(env_var_blk);
-INSTANTIATE_BOTH(btlblk);
-INSTANTIATE_BOTH(attr_def);
-INSTANTIATE_BOTH(cat);
-INSTANTIATE_BOTH(sigtype);
-INSTANTIATE_BOTH(valtable);
-INSTANTIATE_BOTH(siggroupblk);
-INSTANTIATE_BOTH(attr);
-INSTANTIATE_BOTH(val);
-INSTANTIATE_BOTH(rxblk);
-INSTANTIATE_BOTH(siglistblk);
-INSTANTIATE_BOTH(catlink);
-INSTANTIATE_BOTH(ZelkManager::DbListNode);
-
 static_assert(std::ranges::input_range<ZelkIterator<const msgblk>>);
 
 namespace {

@@ -69,23 +69,25 @@ std::array<Reading, 4> read_all(const Frame& frame, const sigblk& signal) {
           Reading(results[3], masked_64)};
 }
 
+std::array<Reading, 4> all(std::uint64_t number) {
+  return {{{0, number}, {0, number}, {0, number}, {0, number}}};
+}
+
 TEST(RawValues, AreReadByHand) {
   const struct {
     sigblk signal;
     Frame frame;
     std::array<Reading, 4> readings;
   } cases[] = {
-      {make_signal(63, 1), {0, 0, 0, 0, 0, 0, 0, 0x80}, {{{0, 1}, {0, 1}, {0, 1}, {0, 1}}}},
-      {make_signal(0, 1, kMotorola), {1}, {{{0, 1}, {0, 1}, {0, 1}, {0, 1}}}},
-      {make_signal(7, 16, kMotorola),
-       {0x12, 0x34},
-       {{{0, 0x1234}, {0, 0x1234}, {0, 0x1234}, {0, 0x1234}}}},
-      {make_signal(0, 16), {0x12, 0x34}, {{{0, 0x3412}, {0, 0x3412}, {0, 0x3412}, {0, 0x3412}}}},
+      {make_signal(63, 1), {0, 0, 0, 0, 0, 0, 0, 0x80}, all(1)},
+      {make_signal(0, 1, kMotorola), {1}, all(1)},
+      {make_signal(7, 16, kMotorola), {0x12, 0x34}, all(0x1234)},
+      {make_signal(0, 16), {0x12, 0x34}, all(0x3412)},
       // Signed: 32 bits zero-extended, 64 bits sign-extended.
       {make_signal(0, 8, kSigned),
        {0xFF},
        {{{0, 0xFFFFFFFF}, {0, ~0ULL}, {0, 0xFFFFFFFF}, {0, ~0ULL}}}},
-      {make_signal(5, 0, kSigned), {0xFF}, {{{0, 0}, {0, 0}, {0, 0}, {0, 0}}}},
+      {make_signal(5, 0, kSigned), {0xFF}, all(0)},
       // Over 32 bits: the access record keeps the low length - 32 only.
       {make_signal(0, 40, kSigned),
        {0x21, 0x43, 0x65, 0x87, 0xF9},

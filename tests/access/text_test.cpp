@@ -27,15 +27,6 @@ Text text_of(Manager& manager, const Frame& frame, const sigblk& signal, std::si
   return {result, is_untouched ? "#" : std::string(buffer.begin(), end)};
 }
 
-sigblk scaled(sigblk signal, double factor, double offset, double maximum = 0.0,
-              const char* unit = "") {
-  signal.factor = factor;
-  signal.offset = offset;
-  signal.maximum = maximum;
-  signal.unit[std::string(unit).copy(signal.unit, sizeof signal.unit - 1)] = '\0';
-  return signal;
-}
-
 TEST(ValueTexts, AreExactlyAsLongAsTheirBuffersMayBe) {
   const Frame ones(13, 0xFF);
   const Frame counting = {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD,

@@ -59,6 +59,11 @@ TEST(RawWrites, ReachNoByteBelowTheFirst) {
 }
 
 TEST(RawWrites, OfValuesThatDoNotFit) {
+  // -1 from bit 4 on, of 32 and of 64 bits.
+  const Frame spilt_32 = {0xF0, 255, 255, 255, 0x0F, 0, 0, 0, 0};
+  const Frame spilt_64 = {0xF0, 255, 255, 255, 255, 255, 255, 255, 0x0F};
+  const Frame folded = {0xF0, 255, 255, 255, 1};
+  const Frame low_32 = {0xFC, 255, 255, 255, 3, 0}, masked_40 = {0xFC, 255, 255, 255, 255, 3};
   const struct {
     sigblk signal;
     long long raw;
@@ -70,40 +75,15 @@ TEST(RawWrites, OfValuesThatDoNotFit) {
       {make_signal(3, 29), -1, 0, 0, {0xF8, 255, 255, 255}, {0xF8, 255, 255, 255}},
       // Up to 32 bits in five bytes: spilt. A negative one of 32 bits is folded into the signal.
       {make_signal(4, 29), -1, 0, 0, {0xF0, 255, 255, 255, 0x0F}, {0xF0, 255, 255, 255, 0x0F}},
-      {make_signal(4, 29, kSigned),
-       -1,
-       0,
-       0,
-       {0xF0, 255, 255, 255, 1},
-       {0xF0, 255, 255, 255, 0x0F}},
+      {make_signal(4, 29, kSigned), -1, 0, 0, folded, {0xF0, 255, 255, 255, 0x0F}},
       // 33 to 64 bits in up to eight bytes: masked; 32 bits are zero-extended.
-      {make_signal(2, 40), -1, 3, 0, {0xFC, 255, 255, 255, 3, 0}, {0xFC, 255, 255, 255, 255, 3}},
-      {make_signal(2, 40, kSigned),
-       -1,
-       3,
-       0,
-       {0xFC, 255, 255, 255, 3, 0},
-       {0xFC, 255, 255, 255, 255, 3}},
+      {make_signal(2, 40), -1, 3, 0, low_32, masked_40},
+      {make_signal(2, 40, kSigned), -1, 3, 0, low_32, masked_40},
       // In nine bytes: spilt.
-      {make_signal(4, 61),
-       -1,
-       3,
-       0,
-       {0xF0, 255, 255, 255, 0x0F, 0, 0, 0, 0},
-       {0xF0, 255, 255, 255, 255, 255, 255, 255, 0x0F}},
-      {make_signal(4, 64),
-       -1,
-       3,
-       0,
-       {0xF0, 255, 255, 255, 0x0F, 0, 0, 0, 0},
-       {0xF0, 255, 255, 255, 255, 255, 255, 255, 0x0F}},
+      {make_signal(4, 61), -1, 3, 0, spilt_32, spilt_64},
+      {make_signal(4, 64), -1, 3, 0, spilt_32, spilt_64},
       // Over 64: zero-extended.
-      {make_signal(4, 70, kSigned),
-       -1,
-       3,
-       3,
-       {0xF0, 255, 255, 255, 0x0F, 0, 0, 0, 0, 0},
-       {0xF0, 255, 255, 255, 255, 255, 255, 255, 0x0F, 0}},
+      {make_signal(4, 68, kSigned), -1, 3, 3, spilt_32, spilt_64},
       {make_signal(0, 90), -1, 3, 3, Frame(12), Frame(12)},
       {make_signal(0, 65535), -1, 3, 3, {0}, {0}},
   };
@@ -165,23 +145,17 @@ TEST(Writes, TestForPresenceAfterwards) {
   } cases[] = {
       {&beside, 7, 5, {0, 7}}, {&across, 0x35, 0, {0x50, 3}}, {&across, 0x34, 5, {0x40, 3}}};
   for (const auto& c : cases) {
-    Frame frame(2);
-    EXPECT_EQ(manager.SetSignalRawValue(frame[0], *c.signal, message.record, c.value + 0UL),
-              c.result);
-    EXPECT_EQ(frame, c.frame);
-    frame.assign(2, 0);
-    EXPECT_EQ(manager.SetSignalRawValueInt64(frame[0], *c.signal, message.record, c.value + 0LL),
-              c.result);
-    EXPECT_EQ(frame, c.frame);
-    frame.assign(2, 0);
+    const auto expect = [&](auto write) {
+      Frame frame(2);
+      EXPECT_EQ(write(frame[0], *c.signal, message.record), c.result);
+      EXPECT_EQ(frame, c.frame);
+    };
     const Frame value = {static_cast<unsigned char>(c.value)};
     const unsigned char* bytes = value.data();
-    EXPECT_EQ(manager.SetSignalRawValue(frame[0], *c.signal, message.record, bytes), c.result);
-    EXPECT_EQ(frame, c.frame);
-    frame.assign(2, 0);
-    EXPECT_EQ(manager.SetSignalPhysicalValue(frame[0], *c.signal, message.record, c.value + 0.0),
-              c.result);
-    EXPECT_EQ(frame, c.frame);
+    expect([&](auto&... to) { return manager.SetSignalRawValue(to..., c.value + 0UL); });
+    expect([&](auto&... to) { return manager.SetSignalRawValueInt64(to..., c.value + 0LL); });
+    expect([&](auto&... to) { return manager.SetSignalRawValue(to..., bytes); });
+    expect([&](auto&... to) { return manager.SetSignalPhysicalValue(to..., c.value + 0.0); });
   }
   // The type or length refuses before presence does.
   Frame frame(9);

@@ -1,35 +1,15 @@
 // Which file is which database, who holds it, and what reading it afresh makes of it.
 
 #include <iterator>
-#include <new>
 #include <vector>
 
 #include "manager/own_database.hpp"
-#include "support/failing_calloc.hpp"
-#include "support/failing_new.hpp"
-#include "zelk/exception.hpp"
 
 namespace {
 
 constexpr std::string_view kNodes = "BS_:\nBU_: A B\n";
 
 using Sharing = DatabaseTest;
-
-TEST_F(Sharing, OfOneFileUnderAllItsPaths) {
-  const std::string path = folder_.write("a.dbc", kNodes);
-  std::filesystem::create_directory(folder_.path("sub"));
-  ZelkDatabase& first = OwnDatabase::open(path);
-  EXPECT_EQ(first.ref_count, 1u);
-  EXPECT_EQ(first.path, path);
-  uint32_t holds = 1;
-  for (const std::string& same :
-       {path, "./" + path, folder_.path("./a.dbc"), folder_.path("sub/../a.dbc"),
-        folder_.path("/a.dbc"), std::filesystem::absolute(path).string()}) {
-    EXPECT_EQ(&OwnDatabase::open(same), &first) << same;
-    EXPECT_EQ(first.ref_count, ++holds) << same;
-  }
-  while (holds-- > 0) OwnDatabase::DestroyDatabase(first, false);
-}
 
 TEST_F(Sharing, NeverOfNull) {
   ZelkDatabase& first = OwnDatabase::CreateDatabase(nullptr);
@@ -84,36 +64,6 @@ TEST_F(Sharing, CacheLetsGoOfWhatNobodyHolds) {
   EXPECT_EQ(std::vector(list.begin(), list.end()), std::vector({open[3], open[1]}));
   OwnDatabase::DestroyDatabase(*open[1], false);
   OwnDatabase::DestroyDatabase(*open[3], false);
-}
-
-TEST_F(Sharing, LeavesNothingOfAFileThatFails) {
-  const std::string whole = content_of(ZELK_SOURCE_DIR "/tests/data/ok_every_statement.dbc");
-  const std::string path = folder_.write("faulty.dbc", whole + "SG_MUL_VAL_ 1 T S 1-;\n");
-  for (const std::string& file :
-       {path, folder_.path("missing.dbc"), folder_.path(""), std::string()}) {
-    EXPECT_THROW(OwnDatabase::open(file), ZelkException) << file;
-    EXPECT_TRUE(zelk::database_list().empty()) << file;
-  }
-}
-
-template <typename Failure>
-std::size_t fail_each_allocation(const std::string& path) {
-  for (std::size_t n = 0;; ++n) {
-    const Failure failure(n);
-    try {
-      OwnDatabase::DestroyDatabase(OwnDatabase::open(path), false);
-    } catch (const ZelkException&) {
-    } catch (const std::bad_alloc&) {
-    }
-    EXPECT_TRUE(zelk::database_list().empty()) << n;
-    if (!failure.has_failed()) return n;
-  }
-}
-
-TEST_F(Sharing, LeavesNothingWithoutMemory) {
-  const std::string path = folder_.write("a.dbc", kNodes);
-  EXPECT_GT(fail_each_allocation<FailingCalloc>(path), 5u);
-  EXPECT_GT(fail_each_allocation<FailingNew>(path), 5u);
 }
 
 // --- Identity ---
@@ -181,39 +131,29 @@ TEST_F(Content, IsReadAfresh) {
     std::string_view content;
     int expected;
     const char *model, *told;
+    bool has_cut_names = false;
   };
   for (const Case& c : std::vector<Case>{
+           {"cut", "BS_:\nBU_:\nVAL_TABLE_ abcdefghijklmnopqrstuvwxyz0123456 ;\n", 0,
+            "table abcdefghijklmnopqrstuvwxyz012345\n", "", true},
            {"changed", "VERSION \"2\"\nBS_:\nBU_: C\n", 0, "version \"2\"\nnode C\n", ""},
            {"smaller", "BS_:\nBU_:\n", 0, "", ""},
            {"faulty", "BS_:\nBU_: D\nBO_ 1 M 8 D\n", 1, "node D\n", ", line 2, error: syntax\n"},
            {"well again", kNodes, 0, "node A\nnode B\n", ""}}) {
     folder_.write("a.dbc", c.content, 1);
     zelk_clear_error_text();
-    database.symbols_shortened = 1;
     database.filter.mode = 5;
     EXPECT_EQ(database.ReopenDatabaseFile(), c.expected) << c.name;
     EXPECT_EQ(describe(database), c.model) << c.name;
     EXPECT_STREQ(zelk_get_error_text(), c.told) << c.name;
-    EXPECT_FALSE(database.SymbolsShortenedOnRead()) << c.name;
+    EXPECT_EQ(database.SymbolsShortenedOnRead(), c.has_cut_names) << c.name;
+    database.symbols_shortened = c.has_cut_names ? 0 : 1;  // a reading tells anew
     EXPECT_EQ(database.file_time, time) << c.name;
     EXPECT_FALSE(database.IsPathEqual(path.c_str())) << c.name;
   }
   std::filesystem::remove(path);
   EXPECT_EQ(database.ReopenDatabaseFile(), 1);
   EXPECT_EQ(describe(database), "");
-}
-
-TEST_F(Content, RemembersThatNamesWereCut) {
-  const std::string longest(32, 'u'), unit = "\"" + longest + "x\"";
-  const std::string text =
-      "BS_:\nBU_:\nBO_ 1 M: 8 Ostrel__XXX\n SG_ S : 0|8@1+ (1,0) [0|0] " + unit;
-  const std::string path = folder_.write("a.dbc", text + " Ostrel__XXX\n");
-  OwnDatabase database(path);
-  EXPECT_TRUE(database.SymbolsShortenedOnRead());
-  EXPECT_EQ(database.messages->signals->unit, longest);
-  folder_.write("a.dbc", kNodes);
-  EXPECT_EQ(database.ReopenDatabaseFile(), 0);
-  EXPECT_FALSE(database.SymbolsShortenedOnRead());
 }
 
 TEST_F(Content, IsCommittedToTheOtherInstance) {

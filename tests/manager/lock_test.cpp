@@ -1,8 +1,7 @@
 #include "zelk/lock.hpp"
 
 #include "manager/manager_test.hpp"
-#include "support/failing_calloc.hpp"
-#include "support/failing_new.hpp"
+#include "support/failing.hpp"
 
 namespace {
 
@@ -154,12 +153,8 @@ void expect_no_locks(ZelkManager& manager, const char* db) {
   const std::ptrdiff_t before = locks_alive();
   for (std::size_t n = 0;; ++n) {
     bool is_granted = false;
-    bool has_failed = false;
-    {
-      const Failing failing(n);
-      is_granted = manager.LockDatabase(db, "reason");
-      has_failed = failing.has_failed();
-    }
+    const bool has_failed =
+        fails_at<Failing>(n, [&] { is_granted = manager.LockDatabase(db, "reason"); });
     EXPECT_EQ(is_granted, !has_failed) << n;
     EXPECT_EQ(locks_alive(), before + (is_granted ? 1 : 0)) << n;
     if (has_failed) continue;

@@ -4,8 +4,7 @@
 #include <memory>
 
 #include "model/memory.hpp"
-#include "support/failing_calloc.hpp"
-#include "support/failing_new.hpp"
+#include "support/failing.hpp"
 #include "zelk/errors.h"
 
 namespace {
@@ -14,15 +13,15 @@ using Opening = ManagerTest;
 using Caching = ManagerTest;
 using Notifications = ManagerTest;
 
-/// Tells in which order its virtual operations are called, and refuses as it is told.
+/// Tells in which order its virtual operations are called.
 struct Observed : Manager {
   ZelkError GetDatabaseFileInfo(const char* path) const override {
     calls += "info ";
-    return info != 0 ? info : ZelkManager::GetDatabaseFileInfo(path);
+    return ZelkManager::GetDatabaseFileInfo(path);
   }
-  ZelkError CheckForWriteOpen(const char*) const override {
+  ZelkError CheckForWriteOpen(const char* path) const override {
     calls += "check ";
-    return refusal;
+    return ZelkManager::CheckForWriteOpen(path);
   }
   ZelkDatabase& AssignDatabase(const char* path) override {
     calls += "assign ";
@@ -33,8 +32,6 @@ struct Observed : Manager {
     ZelkManager::ReleaseDatabase(database, keep_in_cache);
   }
 
-  ZelkError info = ZelkErrorOk;
-  ZelkError refusal = ZelkErrorOk;
   mutable std::string calls;
 };
 
@@ -89,32 +86,19 @@ TEST_F(Opening, TestsInOrder) {
     EXPECT_EQ(manager.DatabaseCount(), 1U) << what;
   }
   EXPECT_EQ(manager.GetUniqueDatabaseName("opened"), held);
+  manager.calls.clear();
+  EXPECT_EQ(manager.ReopenDatabase(held), 0);
+  EXPECT_EQ(manager.calls, "info ");
   EXPECT_EQ(manager.OpenDatabase(twin.c_str(), nullptr, "twin", 0), 0);
 }
 
-TEST_F(Opening, AsksDerivedManagers) {
-  const std::string path = folder.write("a.dbc", kDatabase);
-  Observed manager;
-  manager.refusal = ZelkErrorOpenForWrite;
-  EXPECT_EQ(manager.OpenDatabase(path.c_str(), nullptr, 0), 5);
-  manager.info = ZelkErrorReadOnly;
-  EXPECT_EQ(manager.OpenDatabase(path.c_str(), nullptr, 0), 8);
-  EXPECT_EQ(manager.calls, "info check info ");
-  manager.info = manager.refusal = ZelkErrorOk;
-  const char* const name = open(manager, path);
-  manager.info = ZelkErrorReadOnly;
-  EXPECT_EQ(manager.ReopenDatabase(name), 8);
-}
-
 TEST_F(Opening, TakesReadOnlyFiles) {
-  using std::filesystem::perms;
   const std::string path = folder.write("a.dbc", kDatabase);
-  std::filesystem::permissions(path, perms::owner_write | perms::group_write | perms::others_write,
-                               std::filesystem::perm_options::remove);
+  Folder::set_read_only(path, true);
   Manager manager;
   EXPECT_EQ(manager.GetDatabaseFileInfo(path.c_str()), 0);
   open(manager, path);
-  std::filesystem::permissions(path, perms::owner_write, std::filesystem::perm_options::add);
+  Folder::set_read_only(path, false);
 }
 
 TEST_F(Opening, OrdersByPriority) {
@@ -219,12 +203,8 @@ int opened_nevertheless(const char* open_path, const char* path) {
     EXPECT_EQ(manager.OpenDatabase(open_path, nullptr, 0), 0);
     const char* name = nullptr;
     ZelkError result = ZelkErrorOk;
-    bool has_failed = false;
-    {
-      const Failing failing(n);
-      result = manager.OpenDatabase(path, &name, 0);
-      has_failed = failing.has_failed();
-    }
+    const bool has_failed =
+        fails_at<Failing>(n, [&] { result = manager.OpenDatabase(path, &name, 0); });
     EXPECT_EQ(result, name ? 0 : 1) << n;
     EXPECT_EQ(databases_alive(), name ? 2 : 1) << n;
     EXPECT_EQ(manager.OpenDatabase(path, nullptr, 0), name ? 4 : 0) << n;
@@ -310,15 +290,12 @@ TEST_F(Caching, SparesReading) {
 
 /// Whether what both managers hold is alive and the same; a sanitizer sees it when it is not.
 void check_held(const TwoManagers& two, const std::string& steps) {
-  const ZelkDatabase* const held[] = {two.names[0] ? two.database(0) : nullptr,
-                                      two.names[1] ? two.database(1) : nullptr};
-  for (const ZelkDatabase* const database : held) {
-    if (database) {
-      EXPECT_STREQ(database->nodes->name, "Old") << steps;
+  for (const std::size_t side : {0, 1}) {
+    if (!two.names[side]) continue;
+    EXPECT_STREQ(two.database(side)->nodes->name, "Old") << steps;
+    if (two.names[1 - side]) {
+      EXPECT_EQ(two.database(0), two.database(1)) << steps;
     }
-  }
-  if (held[0] && held[1]) {
-    EXPECT_EQ(held[0], held[1]) << steps;
   }
 }
 

@@ -42,12 +42,6 @@ inline std::string names_in(const Folder& folder) {
   return std::accumulate(names.begin(), names.end(), std::string());
 }
 
-inline void set_read_only(const std::string& file, bool on) {
-  using std::filesystem::perm_options;
-  std::filesystem::permissions(file, std::filesystem::perms::owner_write,
-                               on ? perm_options::remove : perm_options::add);
-}
-
 inline auto heads(Database& d) {
   return std::tie(d.nodes, d.messages, d.variables, d.timings, d.definitions, d.values,
                   d.categories, d.filter, d.comment, d.version, d.types, d.tables);

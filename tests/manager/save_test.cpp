@@ -1,12 +1,9 @@
 // Writing a database over its file: what is refused, and that a failure leaves the old file alone.
 
-#include <new>
 #include <vector>
 
 #include "manager/own_database.hpp"
-#include "support/failing_calloc.hpp"
-#include "support/failing_new.hpp"
-#include "support/failing_write.hpp"
+#include "support/failing.hpp"
 #include "zelk/exception.hpp"
 
 namespace {
@@ -52,7 +49,7 @@ TEST_F(Save, ChecksInOrder) {
     std::filesystem::create_directory(folder.path("folder"));
     ZelkDatabase& open = OwnDatabase::open(folder.path("open"));
     ZelkDatabase& open_fixed = OwnDatabase::open(folder.path("open_fixed"));
-    for (const char* file : {"fixed", "open_fixed"}) set_read_only(folder.path(file), true);
+    for (const char* file : {"fixed", "open_fixed"}) Folder::set_read_only(folder.path(file), true);
     {
       OwnDatabase database;
       if (c.own) database.assign(OwnDatabase(folder.path(c.own)));
@@ -74,7 +71,8 @@ TEST_F(Save, ChecksInOrder) {
                                       "open open_fixed other own ")
           << c.name;
     }
-    for (const char* file : {"fixed", "open_fixed"}) set_read_only(folder.path(file), false);
+    for (const char* file : {"fixed", "open_fixed"})
+      Folder::set_read_only(folder.path(file), false);
     OwnDatabase::DestroyDatabase(open, false);
     OwnDatabase::DestroyDatabase(open_fixed, false);
   }
@@ -162,18 +160,15 @@ TEST_F(Save, OnAFullDiskLeavesTheOldFile) {
   std::vector<std::size_t> sizes = {0, 1, 65535, 65536, 65537, 131072, whole.size() - 1};
   for (std::size_t size = 2; size < 500; ++size) sizes.push_back(size);
   for (const std::size_t size : sizes) {
-    int old_file = 0, new_file = 0;
-    {
-      const FailingWrite failure(size);
-      old_file = database.Write(path.c_str());
+    for (const std::string& file : {path, missing}) {
+      int result = 0;
+      {
+        const FailingWrite failure(size);
+        result = database.Write(file.c_str());
+      }
+      EXPECT_EQ(result, 9) << file << ", " << size;
+      EXPECT_EQ(database.IsPathEqual(path.c_str()), file == path) << file << ", " << size;
     }
-    EXPECT_TRUE(database.IsPathEqual(path.c_str())) << size;
-    {
-      const FailingWrite failure(size);
-      new_file = database.Write(missing.c_str());
-    }
-    EXPECT_EQ(old_file, 9) << size;
-    EXPECT_EQ(new_file, 9) << size;
     EXPECT_EQ(database.file_time, time) << size;
     before.expect(path, kNodes, size);
   }
@@ -192,16 +187,7 @@ std::size_t save_while_allocations_fail(const ZelkDatabase& source, const Folder
     OwnDatabase database(source);
     zelk_clear_error_text();
     int result = -1;
-    bool has_failed = false;
-    {
-      const Failure failure(n);
-      try {
-        result = database.Write(path.c_str());
-      } catch (const std::bad_alloc&) {
-        ADD_FAILURE() << "raised at allocation " << n;
-      }
-      has_failed = failure.has_failed();
-    }
+    const bool has_failed = fails_at<Failure>(n, [&] { result = database.Write(path.c_str()); });
     EXPECT_EQ(describe(database), content) << n;
     if (!has_failed) {
       EXPECT_EQ(result, 0);

@@ -1,10 +1,12 @@
 #include "zelk/write_manager.hpp"
 
 #include "manager/manager_test.hpp"
-#include "support/failing_calloc.hpp"
-#include "support/failing_new.hpp"
+#include "model/memory.hpp"
+#include "support/failing.hpp"
 #include "support/files.hpp"
+#include "zelk/converter.hpp"
 #include "zelk/errors.h"
+#include "zelk/exception.hpp"
 #include "zelk/lock.hpp"
 
 namespace {
@@ -159,27 +161,61 @@ TEST_F(WriteManagers, WriteAllAndTellTheFirstError) {
   writer.ClearDatabase(nullptr);
 }
 
+/// Fills in, without a module, a node that sends a message with an attribute.
+class Filler : public ZelkImporter {
+ public:
+  explicit Filler(ZelkWriteManager& manager) : ZelkImporter(manager, nullptr, nullptr) {}
+
+ private:
+  bool ProcessFile(const char* file) override {
+    try {
+      database_->nodes = zelk::create_record<symblk>();
+      zelk::assign_text(database_->nodes->name, zelk::copy_text(file));
+      database_->attr_defs = zelk::create_record<attr_def>();
+      database_->messages = zelk::create_record<msgblk>();
+      database_->messages->transmitter = database_->nodes;
+      database_->messages->attrs = zelk::create_record<attr>();
+      database_->messages->attrs->def = database_->attr_defs;
+      return true;
+    } catch (const ZelkException&) {
+      return false;
+    }
+  }
+};
+
+/// An import of which a part could not be copied would be a loss that nobody sees.
+///
+/// @param source  the file to import; null makes an empty database
 template <typename Failing>
-void create_without_memory() {
+void create_without_memory(const char* source) {
   bool has_failed = true;
   for (std::size_t n = 0; has_failed; ++n) {
     WriteManager manager;
+    Filler importer(manager);
+    const char* name = nullptr;
     ZelkError result{};
-    {
-      const Failing failing(n);
-      result = manager.CreateDatabase("new", nullptr, "new.dbc");
-      has_failed = failing.has_failed();
-    }
+    has_failed = fails_at<Failing>(n, [&] {
+      result = source ? importer.Import("new", &name, source)
+                      : manager.CreateDatabase("new", &name, "new.dbc");
+    });
     // Without memory for the error text alone the database is there.
     EXPECT_TRUE(result == 0 || (has_failed && result == 1)) << n;
     EXPECT_EQ(manager.DatabaseCount(), result == 0 ? 1U : 0U) << n;
     EXPECT_EQ(databases_alive(), result == 0 ? 1 : 0) << n;
+    if (result != 0 || !source) continue;
+    const ZelkDatabase& database = *manager.GetDatabase(name);
+    EXPECT_STREQ(database.nodes->name, source) << n;
+    EXPECT_EQ(database.messages->transmitter, database.nodes) << n;
+    EXPECT_EQ(database.messages->attrs->def, database.attr_defs) << n;
   }
 }
 
-TEST_F(WriteManagers, CreateNothingWithoutMemory) {
-  create_without_memory<FailingCalloc>();
-  create_without_memory<FailingNew>();
+TEST_F(WriteManagers, CreateAllOrNothingWithoutMemory) {
+  const std::string source = folder.write("a.x", "");
+  for (const char* file : {source.c_str(), static_cast<const char*>(nullptr)}) {
+    create_without_memory<FailingCalloc>(file);
+    create_without_memory<FailingNew>(file);
+  }
 }
 
 // A second instance of a file: opened before it was touched, and so no more the same.

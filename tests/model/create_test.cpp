@@ -4,7 +4,7 @@
 
 #include "model/errors.hpp"
 #include "model/memory.hpp"
-#include "support/failing_calloc.hpp"
+#include "support/failing.hpp"
 #include "zelk/exception.hpp"
 
 namespace {

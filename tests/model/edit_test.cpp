@@ -1,21 +1,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "model/memory.hpp"
 #include "model/release.hpp"
+#include "support/building.hpp"
 
 namespace {
 
 using testing::ElementsAre;
 
 char* text(const char* content) { return zelk::copy_text(content).release(); }
-
-template <typename Record>
-std::vector<Record*> records_of(Record* head) {
-  std::vector<Record*> records;
-  for (; head; head = head->next) records.push_back(head);
-  return records;
-}
 
 template <typename Owner, typename Record>
 void expect_insertion(void* (*insert)(Owner*, Record*, uint32_t), Owner* owner, Record*& head) {
@@ -125,6 +118,21 @@ TEST(Deletion, LeavesWhatItDoesNotName) {
   EXPECT_EQ(owner.siggroups, nullptr);
   can_deallocate_siggroup(nullptr);
   can_delete_siglist(nullptr);
+}
+
+TEST(Release, TakesValuesWithoutDefinitionsAndEmptiesTheFilter) {
+  attr* const values = zelk::create_record<attr>();
+  values->next = zelk::create_record<attr>();
+  filter_t filter{};
+  filter.categories = zelk::create_record<catlink>();
+  filter.nodes = zelk_create_rx(nullptr);
+  filter.nodes->attrs = zelk::create_record<attr>();
+  filter.mode = 3;
+  zelk_free(nullptr, nullptr, nullptr, nullptr, nullptr, values, nullptr, &filter, nullptr, nullptr,
+            nullptr, nullptr);
+  EXPECT_EQ(filter.categories, nullptr);
+  EXPECT_EQ(filter.nodes, nullptr);
+  EXPECT_EQ(filter.mode, 0);
 }
 
 /// A message with two possible multiplexors and two signals to be selected.

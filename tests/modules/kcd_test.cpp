@@ -1,14 +1,6 @@
 // The module for KCD, as a host uses it: files and databases in, databases and files out.
 
-#include <gtest/gtest.h>
-
-#include <string>
-
-#include "support/files.hpp"
-#include "support/folder.hpp"
-#include "zelk/converter.hpp"
-#include "zelk/errors.h"
-#include "zelk/write_manager.hpp"
+#include "modules/conversions.hpp"
 
 namespace {
 
@@ -26,36 +18,21 @@ std::string with_signal(const std::string& attributes, const std::string& conten
   return with_message("<Signal name=\"S\" " + attributes + ">" + content + "</Signal>");
 }
 
-/// The statements of a database, from "BU_" on without empty lines, or the reported errors.
+/// The reported errors, and the statements of a database, from "BU_" on without empty lines.
 std::string imported(const std::string& content, const char* option = "") {
-  const Folder folder;
-  ZelkWriteManager manager(static_cast<HWND>(nullptr));
-  ZelkImporter importer(manager, ZELK_KCD_MODULE, "zelk_import");
-  importer.SetOption(option);
-  const char* name = nullptr;
-  const std::string source = folder.write("in.kcd", content);
-  if (importer.Import("db", &name, source.c_str()) != 0) return zelk_get_error_text();
-  const std::string path = folder.path("out.dbc");
-  EXPECT_EQ(manager.WriteDatabase(name, path.c_str()), 0);
-  std::string text = content_of(path);
+  Conversions conversions(ZELK_KCD_MODULE, option);
+  const std::string told = conversions.import(content);
+  if (!conversions.name) return told;
+  std::string text = conversions.written(conversions.name);
   text.erase(0, text.find("BU_:"));
   for (std::size_t at; (at = text.find("\n\n")) != std::string::npos;) text.erase(at, 1);
-  return zelk_get_error_text() + text;
+  return told + text;
 }
 
-/// The written file, or the reported errors.
+/// The reported errors and the written file.
 std::string exported(const std::string& database, const char* option = "") {
-  const Folder folder;
-  ZelkWriteManager manager(static_cast<HWND>(nullptr));
-  const char* name = nullptr;
-  EXPECT_EQ(manager.OpenDatabase(folder.write("in.dbc", database).c_str(), &name, 0u), 0)
-      << zelk_get_error_text();
-  ZelkExporter exporter(manager, ZELK_KCD_MODULE, "zelk_export");
-  exporter.SetOption(option);
-  const std::string path = folder.path("out.kcd");
-  const ZelkError result = exporter.Export(name, path.c_str());
-  EXPECT_EQ(std::filesystem::exists(path), result == 0);
-  return zelk_get_error_text() + content_of(path);
+  Conversions conversions(ZELK_KCD_MODULE, option);
+  return conversions.exported(conversions.opened(database));
 }
 
 TEST(Kcd, ImportsWhatItCanSay) {

@@ -5,7 +5,6 @@
 #include "platform/folder.hpp"
 #include "platform/platform.hpp"
 #include "support/files.hpp"
-#include "support/system.hpp"
 
 namespace {
 

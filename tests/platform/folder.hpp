@@ -1,32 +1,32 @@
-/// A working folder for a test, and paths as the library and the C++ library take them.
+/// A working folder for a test.
 #ifndef ZELK_TESTS_PLATFORM_FOLDER_HPP
 #define ZELK_TESTS_PLATFORM_FOLDER_HPP
 
-#include <filesystem>
-#include <string>
-#include <string_view>
-
-/// As the library takes it.
-std::string encoded(const std::filesystem::path& path);
-
-/// As the C++ library takes a path of more than 260 characters.
-std::filesystem::path at_any_length(const std::filesystem::path& absolute);
+#include "support/folder.hpp"
+#include "support/system.hpp"
 
 /// A new folder, which is the working folder while it lives and goes with all that is in it. One
 /// per test at a time.
 class WorkingFolder {
  public:
-  WorkingFolder();
+  WorkingFolder() {
+    std::filesystem::remove_all(path_);  // from a run that was cut short
+    std::filesystem::create_directory(path_);
+    std::filesystem::current_path(path_);
+  }
   WorkingFolder(const WorkingFolder&) = delete;
   WorkingFolder& operator=(const WorkingFolder&) = delete;
-  ~WorkingFolder();
+  ~WorkingFolder() { std::filesystem::current_path(previous_); }
   const std::filesystem::path& path() const { return path_; }
 
  private:
-  std::filesystem::path previous_;
-  std::filesystem::path path_;
+  const std::filesystem::path previous_ = std::filesystem::current_path();
+  const Folder folder_;
+  const std::filesystem::path path_ = (previous_ / folder_.path("")).parent_path();
 };
 
-void put_bytes(const std::filesystem::path& path, std::string_view bytes);
+inline void put_bytes(const std::filesystem::path& path, std::string_view bytes) {
+  std::ofstream(path, std::ios::binary) << bytes;
+}
 
 #endif

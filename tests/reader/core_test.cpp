@@ -61,8 +61,8 @@ TEST(CoreReader, NewSymbols) {
   }
   Database database;
   zelk_reset_symbols_shortened();
-  EXPECT_EQ(database.read("NS_:\n B1_ CM_ A1_ " + a40 + "\nBS_:BU_: N\nB1_ 1 \"x\n;\nA1_;" + a32 +
-                          " ; CM_ \"c\" ;"),
+  EXPECT_EQ(database.read("NS_:\n B1_ CM_ A1_ " + a40 + "\nBS_:BU_: N\nB1_ 1 \"x // \xFF\n;\nA1_;" +
+                          a32 + " ; CM_ \"c\" ;"),
             0u);
   EXPECT_EQ(describe(database), "comment \"c\"\nnode N\n");
   EXPECT_EQ(database.reported,

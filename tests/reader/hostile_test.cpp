@@ -5,8 +5,7 @@
 #include <random>
 
 #include "support/database.hpp"
-#include "support/failing_calloc.hpp"
-#include "support/failing_new.hpp"
+#include "support/failing.hpp"
 #include "support/files.hpp"
 
 // Whatever the file holds, a read ends with a number, and what it leaves behind can be walked and
@@ -39,17 +38,15 @@ TEST(HostileFiles, CutShort) {
 }
 
 TEST(HostileFiles, RecordsWithoutMemory) {
-  const std::string whole = [] {
-    Database database;
-    database.read_file(kEveryStatement);
-    return describe(database);
-  }();
+  Database complete;
+  complete.read_file(kEveryStatement);
+  const std::string whole = describe(complete);
   std::size_t calls = 0;
   for (bool has_failed = true; has_failed; ++calls) {
     Database database;
-    const FailingCalloc failing(calls);
-    const uint32_t number = database.read_file(kEveryStatement);
-    has_failed = failing.has_failed();
+    uint32_t number = 0;
+    has_failed =
+        fails_at<FailingCalloc>(calls, [&] { number = database.read_file(kEveryStatement); });
     ASSERT_EQ(number, has_failed ? 24u : 0u) << calls;
     const std::string left = database.version ? describe(database) : "";
     ASSERT_EQ(left == whole, !has_failed) << calls;
@@ -66,11 +63,7 @@ TEST(HostileFiles, ContainersWithoutMemory) {
     Database database;
     zelk_clear_error_text();
     uint32_t number = 0;
-    {
-      const FailingNew failing(calls);
-      number = database.try_read(kEveryStatement);
-      has_failed = failing.has_failed();
-    }
+    has_failed = fails_at<FailingNew>(calls, [&] { number = database.try_read(kEveryStatement); });
     const std::string reported = zelk_get_error_text();
     const bool ends_silently = number == 1 && reported.empty();  // in an "NS_" list
     ASSERT_TRUE(number == (has_failed ? 24 : 0) || ends_silently) << calls << reported;

@@ -8,7 +8,6 @@
 #include "reader/grammar.hpp"
 #include "support/database.hpp"
 #include "support/system.hpp"
-#include "text/new_symbols.hpp"
 #include "zelk/exception.hpp"
 
 namespace {
@@ -78,6 +77,7 @@ TEST(Lexer, NamesAndKeywords) {
        {"\nSpeed\x80 ", "!database: invalid char in symbol, line 1, Speed :\x80"},
        {"x Temp\xE9rature;", "Ix !database: invalid char in symbol, Temp :\xE9"},
        {"BO_\xFF", "!database: invalid char in symbol, BO_ :\xFF"},
+       {"name\r\n", "Iname @1"},
        {"last", "!database: invalid char in symbol, last :\xFF"}});
 }
 
@@ -142,31 +142,8 @@ TEST(Lexer, SeparatorsAndCharacters) {
                  {"1\xFF 2", "S1 @0"},
                  {"", "@0"},
                  {"\xFF", "@0"},
-                 {"1\n// open", "S1 !, line 1, error: syntax"}});
-}
-
-TEST(Lexer, CarriageReturns) {
-  expect_tokens({{"1\r\n2\r3\r\r\n4\r", "S1 S2 S3 S4 @2"},
-                 {"\"a\r\nb\" \"a\rb\" \"a\r\r\nb\" \"\r\n\"", "Qa\nb Qa\rb Qa\r\nb Q\n @3"},
-                 {"// x\r\n1", "S1 @1"},
                  {"// x\r1", "!, error: syntax"},
-                 {"name\r\n", "Iname @1"}});
-}
-
-TEST(Lexer, NewSymbols) {
-  zelk::reset_new_symbols();
-  zelk::zelk_add_new_symbol("FOO_");
-  zelk::zelk_add_new_symbol("BO_");
-  zelk_clear_error_text();
-  expect_tokens({{"\nFOO_ 1 \"x;y\" FOO_2 BO_ foo_ ", "Iy !, line 1, error: syntax"},
-                 {"1 FOO_\n \xFF // ;2", "S1 S2 @1"},
-                 {"FOO_\n", "!, line 1, error: syntax"}});
-  EXPECT_STREQ(zelk_get_error_text(),
-               "new symbol not supported, line 1, FOO_\n, line 1, error: syntax\n"
-               "new symbol not supported, FOO_\nnew symbol not supported, FOO_\n"
-               ", line 1, error: syntax\n");
-  zelk::zelk_free_new_symbols();
-  EXPECT_EQ(tokens("FOO_ ;"), "IFOO_ ; @0");
+                 {"1\n// open", "S1 !, line 1, error: syntax"}});
 }
 
 // The file is read in blocks of 64 KiB: every token meets their boundary at every one of its bytes.

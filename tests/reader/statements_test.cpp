@@ -33,11 +33,6 @@ const std::string kObjects = std::string(kMessages) + kVariable + kType;
 #define TYPE "type Typ 8 flags 0 (1,0) [0|0] '' 0"
 #define UNKNOWN "database: unknown symbol newly defined, line "
 
-std::string with_quotes(std::string text) {
-  std::replace(text.begin(), text.end(), '\'', '"');
-  return text;
-}
-
 struct Outcome {
   uint32_t number;
   std::vector<std::string> lines;  ///< of the description
@@ -163,37 +158,34 @@ TEST(Statements, AttributeDefinitions) {
         "network {" + a32 + "=1 " + a32 + "=2}\ndefinition " + a32 + " of 0 INT [0|0] 3"}});
 }
 
+/// Statements of one definition with a default.
+std::string with_default(const std::string& type, const std::string& value) {
+  return "BA_DEF_ 'D' " + type + "; BA_DEF_DEF_ 'D' " + value + ";";
+}
+
 TEST(Statements, AttributeDefaults) {
-  const struct {
-    std::string type, value, result;  // the definition and its default, or the text of error 14
-    bool fails = false;
-  } cases[] = {{"INT 0 9", "5", "INT [0|9] 5"},
-               {"HEX", "4294967295", "HEX [0|0] 4294967295"},
-               {"FLOAT", "-2.5", "FLOAT [0|0] -2.5"},
-               {"INT", "'-25e-1'", "INT [0|0] -2.5"},
-               {"INT", "", "INT [0|0] 0"},
-               {"STRING", "", "STRING ''"},
-               {"ENUM 'a'", "", "ENUM 'a' ''"},
-               {"INT", "' 5'", ",  5", true},
-               {"INT", "'0x10'", ", 0x10", true},
-               {"FLOAT", "'inf'", ", inf", true},
-               {"INT", "''", "", true},
-               {"STRING", "'ostrel_leerstring'", "STRING 'ostrel_leerstring'"},
-               {"STRING", "123456789012345678", "STRING '1.2345678901235E+17'"},
-               {"STRING", "0.10", "STRING '0.1'"},
-               {"ENUM 'a','b'", "'b'", "ENUM 'a|b' 'b'"},
-               {"ENUM 'a','b'", "1", "ENUM 'a|b' 'b'"},
-               {"ENUM 'a','b'", "''", "ENUM 'a|b' ''"},
-               {"ENUM 'a','b'", "'ostrel_leerstring'", "ENUM 'a|b' ''"},
-               {"ENUM 'a','b'", "'c'", ", c", true}};
-  for (const auto& c : cases) {
-    const Outcome found =
-        outcome("BS_:\nBU_: BA_DEF_ 'D' " + c.type + ";BA_DEF_DEF_ 'D' " + c.value + ";");
-    EXPECT_EQ(found.number, c.fails ? 14u : 0u) << c.value;
-    EXPECT_EQ(found.reported, c.fails ? "database: syntax error, line 1" + c.result + "\n" : "");
-    if (c.fails) continue;
-    EXPECT_EQ(found.lines.back(), with_quotes("definition D of 0 " + c.result));
-  }
+  const std::string found = "definition D of 0 ", error = "database: syntax error, line 9";
+  expect_outcomes({
+      {with_default("INT 0 9", "5"), found + "INT [0|9] 5"},
+      {with_default("HEX", "4294967295"), found + "HEX [0|0] 4294967295"},
+      {with_default("FLOAT", "-2.5"), found + "FLOAT [0|0] -2.5"},
+      {with_default("INT", "'-25e-1'"), found + "INT [0|0] -2.5"},
+      {with_default("INT", ""), found + "INT [0|0] 0"},
+      {with_default("STRING", ""), found + "STRING ''"},
+      {with_default("ENUM 'a'", ""), found + "ENUM 'a' ''"},
+      {with_default("INT", "' 5'"), "", error + ",  5", 14},
+      {with_default("INT", "'0x10'"), "", error + ", 0x10", 14},
+      {with_default("FLOAT", "'inf'"), "", error + ", inf", 14},
+      {with_default("INT", "''"), "", error, 14},
+      {with_default("STRING", "'ostrel_leerstring'"), found + "STRING 'ostrel_leerstring'"},
+      {with_default("STRING", "123456789012345678"), found + "STRING '1.2345678901235E+17'"},
+      {with_default("STRING", "0.10"), found + "STRING '0.1'"},
+      {with_default("ENUM 'a','b'", "'b'"), found + "ENUM 'a|b' 'b'"},
+      {with_default("ENUM 'a','b'", "1"), found + "ENUM 'a|b' 'b'"},
+      {with_default("ENUM 'a','b'", "''"), found + "ENUM 'a|b' ''"},
+      {with_default("ENUM 'a','b'", "'ostrel_leerstring'"), found + "ENUM 'a|b' ''"},
+      {with_default("ENUM 'a','b'", "'c'"), "", error + ", c", 14},
+  });
   expect_outcomes(
       {{"BA_DEF_ 'D' INT; BA_DEF_ BU_ 'D' INT; BA_DEF_DEF_ 'D' 1; BA_DEF_DEF_ 'D' 2;",
         "definition D of 0 INT [0|0] 1\ndefinition D of 1 INT [0|0] 2"},

@@ -2,6 +2,8 @@
 #ifndef ZELK_TESTS_SUPPORT_BUILDING_HPP
 #define ZELK_TESTS_SUPPORT_BUILDING_HPP
 
+#include <vector>
+
 #include "model/memory.hpp"
 #include "support/database.hpp"
 #include "support/files.hpp"
@@ -21,6 +23,13 @@ Record* append(Record*& list, Record* record) {
   Record** end = &list;
   while (*end) end = &(*end)->next;
   return *end = record;
+}
+
+template <typename Record>
+std::vector<Record*> records_of(Record* head) {
+  std::vector<Record*> records;
+  for (; head; head = head->next) records.push_back(head);
+  return records;
 }
 
 template <typename Object>

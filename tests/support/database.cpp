@@ -55,7 +55,8 @@ struct Description {
 
   void attributes(const attr* list) {
     for (const attr* value = list; value; value = value->next) {
-      add(value == list ? " {" : " ", value->def->name, "=");
+      add(value == list ? " {" : " ", value->def ? value->def->name : "-", "=");
+      if (!value->def) continue;
       if (value->def->value_type == ZELK_ATTR_STRING) add(quoted(value->value.text));
       if (value->def->value_type != ZELK_ATTR_STRING) add(value->value.number);
     }

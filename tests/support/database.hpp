@@ -53,4 +53,10 @@ struct Database {
 /// Every record in list order, one per line; parts that are absent are left out.
 std::string describe(const Database& database);
 
+/// A text in which apostrophes stand for double quotes.
+inline std::string with_quotes(std::string text) {
+  for (char& c : text) c = c == '\'' ? '"' : c;
+  return text;
+}
+
 #endif

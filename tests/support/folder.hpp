@@ -16,7 +16,10 @@ class Folder {
   Folder() : path_(name_of_test()) { std::filesystem::create_directories(path_); }
   Folder(const Folder&) = delete;
   Folder& operator=(const Folder&) = delete;
-  ~Folder() { std::filesystem::remove_all(path_); }
+  ~Folder() {
+    std::error_code error;
+    std::filesystem::remove_all(path_, error);
+  }
 
   std::string path(std::string_view name) const { return path_ + "/" + std::string(name); }
 
@@ -36,6 +39,12 @@ class Folder {
     const std::chrono::sys_seconds day = std::chrono::sys_days{std::chrono::year{2020} / 6 / 15};
     const auto time = std::filesystem::file_time_type::clock::from_sys(day);
     std::filesystem::last_write_time(file, time + std::chrono::hours(hour));
+  }
+
+  static void set_read_only(const std::string& file, bool on) {
+    using std::filesystem::perm_options;
+    std::filesystem::permissions(file, std::filesystem::perms::owner_write,
+                                 on ? perm_options::remove : perm_options::add);
   }
 
  private:

@@ -2,8 +2,6 @@
 
 #include <clocale>
 #include <cstdlib>
-#include <filesystem>
-#include <string>
 
 #include "support/system.hpp"
 
@@ -32,3 +30,7 @@ bool enter_decimal_comma() {
 }
 
 bool enter_double_byte_characters() { return enter_locale("ja_JP", "SHIFT_JIS"); }
+
+std::string encoded(const std::filesystem::path& path) { return path.string(); }
+
+std::filesystem::path at_any_length(const std::filesystem::path& absolute) { return absolute; }

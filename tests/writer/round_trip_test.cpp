@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "support/building.hpp"
-#include "support/failing_new.hpp"
+#include "support/failing.hpp"
 #include "support/system.hpp"
 #include "zelk/exception.hpp"
 
@@ -356,14 +356,11 @@ TEST(Write, WithoutMemory) {
   std::size_t failures = 0;
   for (bool failed = true; failed; ++failures) {
     ASSERT_LT(failures, 100000u);
-    const FailingNew new_failure(failures);
     try {
-      EXPECT_EQ(write_to(file.path(), model), 0u);
+      failed = fails_at<FailingNew>(failures, [&] { EXPECT_EQ(write_to(file.path(), model), 0u); });
     } catch (const ZelkException& exception) {
       EXPECT_STREQ(exception.what(), "not enough memory");
-      EXPECT_TRUE(new_failure.has_failed());
     }
-    failed = new_failure.has_failed();
   }
   EXPECT_GT(failures, 5u) << "allocations of a write";
   EXPECT_EQ(describe(model), before);
