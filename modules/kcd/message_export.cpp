@@ -83,7 +83,11 @@ void MessageExport::append_id(pugi::xml_node element) const {
 }
 
 void MessageExport::sort_signals() {
+  std::set<std::string_view> names;
   for (const sigblk* signal = message_.signals; signal; signal = signal->next) {
+    if (!names.insert(view(signal->name)).second) {
+      fail(signal, "another signal of the message has this name");
+    }
     if ((signal->flags & ZELK_SIGNAL_MULTIPLEXOR) != 0) multiplexors_.insert(signal);
     if (signal->mux_signal) multiplexors_.insert(signal->mux_signal);
   }

@@ -56,6 +56,8 @@ TEST(Convert, ThereAndBack) {
 TEST(Convert, Refusals) {
   const std::filesystem::path folder = fresh_folder();
   write_file("b.json", "{ \"format\": ");
+  write_file("c.json",
+             R"({"format":"zelk-json","version":1,"encoding":"utf-8","nodes":[{"name":"a b;"}]})");
   write_file("taken.json", "mine");
   const ToolCase cases[] = {
       {"convert a.dbc taken.json", 1, "", "taken.json: exists already"},
@@ -66,6 +68,7 @@ TEST(Convert, Refusals) {
       {"convert a.dbc out.json --export-function none", 1, "", "no function \"none\""},
       {"convert b.json out.dbc --import-function none", 1, "", "no function \"none\""},
       {"convert b.json out.dbc", 1, "", "b.json: "},
+      {"convert c.json out.dbc", 1, "", "out.dbc: not written, as it could not be read again"},
       {"convert missing.json out.dbc", 1, "", "missing.json: database: not found"},
       {"convert a.dbc no/out.json", 1, "", "no/out.json: "},
       {"convert a.dbc no/out.dbc", 1, "", "no/out.dbc: database: could not write"},

@@ -78,6 +78,9 @@ TEST(Diff, TellsWhatDiffers) {
        "~ message 0x064 Motion\n    attribute \"Cycle\": 20 -> none\n"
        "~ signal Motion.Speed\n    attribute \"Kind\": \"b\" (1) -> \"c\" (1)\n"
        "~ signal attribute \"Kind\"\n    items: a, b -> a, c, b\n"},
+      {{{"ENUM \"a\",\"b\"", "ENUM \"a\",\"b\",\"\""}, {"Speed;\n", "Speed Speed;\n"}},
+       "~ signal group Motion.Both\n    signals: Page, Speed -> Page, Speed, Speed\n"
+       "~ signal attribute \"Kind\"\n    items: a, b -> a, b, \"\"\n"},
       {{{"VERSION \"1\"", "VERSION \"2\\n\""}, {"500 : 1,2", "250 : 1,2"}, {"0 7 D", "0 8 D"}},
        "~ network\n    version: 1 -> \"2\\\\n\"\n"
        "    bit timings: baud rate 500 BTR1 0x01 BTR2 0x02 -> baud rate 250 BTR1 0x01 BTR2 0x02\n"

@@ -11,6 +11,7 @@ constexpr const char* kNetwork =
     "BO_ 100 Motion: 8 Engine\n"
     " SG_ Page M : 0|4@1+ (1,0) [0|15] \"\" Dash\n SG_ Speed m1 : 8|16@1+ (1,0) [0|0] \"\" Dash\n\n"
     "BO_ 200 Twin: 1 Dash\n\nBO_ 201 Twin: 1 Dash\n\n"
+    "BO_ 300 First: 1 Dash\n\nBO_ 300 Second: 1 Dash\n SG_ T : 0|1@1+ (1,0) [0|0] \"\" Dash\n\n"
     "EV_ Lid: 0 [0|1] \"\" 0 7 DUMMY_NODE_OSTREL0 Dash;\n\n"
     "BA_DEF_ BO_ \"Cycle\" INT 0 1000;\nBA_DEF_ BO_ \"Any\" HEX 0 0;\n"
     "BA_DEF_ SG_ \"Kind\" ENUM \"a\",\"2\",\"c\";\nBA_DEF_ \"Owner\" STRING ;\n"
@@ -33,11 +34,11 @@ TEST(Edit, Edits) {
       {"--rename-node Engine " + name, "node Engine: renamed to " + name + "\n",
        "- node Engine\n+ node " + name + "\n~ message 0x064 Motion\n    transmitters: Engine -> " +
            name + "\n"},
-      {"--reset-attribute message:100 Cycle --set-attribute message:200 Any -7",
+      {"--reset-attribute message:100 Cycle --set-attribute message:200 Any 0x1FFFFFFFF",
        "message 0x064 Motion: attribute \"Cycle\" = 50, the default\n"
-       "message 0x0C8 Twin: attribute \"Any\" = -7\n",
+       "message 0x0C8 Twin: attribute \"Any\" = 0x1FFFFFFFF (8589934591)\n",
        "~ message 0x064 Motion\n    attribute \"Cycle\": 20 -> none\n"
-       "~ message 0x0C8 Twin\n    attribute \"Any\": none -> -7\n"},
+       "~ message 0x0C8 Twin\n    attribute \"Any\": none -> 0x1FFFFFFFF (8589934591)\n"},
       {"--set-attribute signal:Motion.Page Kind 2 --set-attribute signal:Motion.Speed Kind 0 "
        "--set-attribute network Owner \"a b\"",
        "signal Motion.Page: attribute \"Kind\" = \"2\" (1)\n"
@@ -93,6 +94,8 @@ TEST(Edit, WritesAllOrNothing) {
       {"--set-attribute message:100 Cycle ten", 1, "whole"},
       {"--set-attribute signal:Motion.Page Kind 3", 1, "is no item"},
       {"--set-attribute signal:Motion.Page Kind", 2, "--set-attribute"},
+      {"--set-comment message:Second x", 1, "shares its identifier"},
+      {"--set-attribute signal:Second.T Kind a", 1, "shares its identifier"},
       {"--output missing/b.dbc", 1, "missing/b.dbc: database: could not write"},
   };
   write_file("a.dbc", kNetwork);
@@ -106,6 +109,25 @@ TEST(Edit, WritesAllOrNothing) {
          "message 0x0C9 Twin: deleted, with 0 signals\nc.dbc written\n", ""});
   check({"diff a.dbc b.dbc", 0, "", ""});
   check({"diff a.dbc c.dbc", 1, "- message 0x0C9 Twin\n", ""});
+}
+
+// What the command line says in UTF-8 enters the file in its own encoding.
+TEST(Edit, KeepsTheEncodingOfTheFile) {
+  const auto latin = write_file("a.dbc", "VERSION \"\xE4\"\nBS_:\nBU_: A\n");
+  check({"edit a.dbc --set-comment node:A T\u00FCr", 0,
+         "node A: comment \"T\xFCr\"\na.dbc written\n", ""});
+  check({"edit a.dbc --set-comment node:A \u0416", 1, "", "not in Windows-1252"});
+  const auto utf8 = write_file("b.dbc", "VERSION \"\u00E4\"\nBS_:\nBU_: A\n");
+  check({"edit b.dbc --set-comment node:A T\u00FCr", 0,
+         "node A: comment \"T\u00FCr\"\nb.dbc written\n", ""});
+}
+
+// Numbers of a file have 14 digits.
+TEST(Edit, TellsWhatTheFileHoldsOtherwise) {
+  write_file("a.dbc", "BS_:\nBU_:\nBA_DEF_ \"F\" FLOAT 0 1;\nBA_DEF_DEF_ \"F\" 0;\n");
+  check({"edit a.dbc --set-attribute network F 0.1234567890123456", 0,
+         "network: attribute \"F\" = 0.1234567890123456\na.dbc written\n",
+         "attribute \"F\": 0.1234567890123456 -> 0.12345678901235"});
 }
 
 }  // namespace

@@ -31,10 +31,18 @@ std::optional<double> parse_decimal(std::string_view text) {
   return number;
 }
 
+std::optional<double> parse_hexadecimal(std::string_view digits) {
+  std::uint64_t number = 0;
+  const char* const end = digits.data() + digits.size();
+  const auto [stop, error] = std::from_chars(digits.data(), end, number, 16);
+  if (error != std::errc() || stop != end) return std::nullopt;
+  return static_cast<double>(number);
+}
+
 std::optional<double> parse_number(std::string_view text) {
-  if (!text.starts_with("0x") && !text.starts_with("0X")) return parse_decimal(text);
-  const std::optional<std::uint32_t> number = parse_id(text);
-  return number ? std::optional<double>(*number) : std::nullopt;
+  if (text.starts_with("0x") || text.starts_with("0X")) return parse_hexadecimal(text.substr(2));
+  const bool has_plus = text.starts_with('+') && !text.starts_with("+-");
+  return parse_decimal(text.substr(has_plus ? 1 : 0));
 }
 
 /// Position of an item in a list parted by line feeds.

@@ -6,6 +6,8 @@
 #include "database.hpp"
 #include "formats.hpp"
 #include "lookup.hpp"
+#include "read_back.hpp"
+#include "system.hpp"
 #include "text.hpp"
 #include "zelk/converter.hpp"
 
@@ -105,6 +107,13 @@ bool export_database(const Arguments& arguments, ZelkWriteManager& manager, cons
 }
 
 bool write(const Arguments& arguments, ZelkWriteManager& manager, const char* name) {
+  try {
+    check_read_back(*manager.GetDatabase(name), arguments.out);
+  } catch (const RequestError& error) {
+    print_error(behind_path(arguments.out, error.what()));
+    return false;
+  }
+  const HeldSignals held;
   const ZelkError error = manager.WriteDatabase(name, arguments.out.c_str());
   if (error == ZelkErrorOk) return true;
   print_error(behind_path(arguments.out, write_complaint(error, *manager.GetDatabase(name))));

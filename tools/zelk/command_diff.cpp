@@ -23,10 +23,7 @@ struct Arguments {
 };
 
 void tell(const Difference& difference, Output& out) {
-  const char sign = difference.presence == Presence::kAdded     ? '+'
-                    : difference.presence == Presence::kRemoved ? '-'
-                                                                : '~';
-  out.line("{} {}", sign, difference.object);
+  out.line("{} {}", sign_of(difference), difference.object);
   const Output::Indent indent(out);
   const Output::Indent indent_more(out);
   for (const Change& change : difference.changes)

@@ -6,7 +6,10 @@
 #include "commands.hpp"
 #include "database.hpp"
 #include "database_editor.hpp"
+#include "file_encoding.hpp"
 #include "lookup.hpp"
+#include "read_back.hpp"
+#include "system.hpp"
 #include "text.hpp"
 
 namespace zelk::tool {
@@ -55,10 +58,11 @@ struct Arguments {
 
 /// Makes the edits one after the other, and tells what each did.
 std::vector<std::string> apply_edits(const Arguments& arguments, DatabaseEditor& editor) {
+  const FileEncoding encoding(arguments.path);
   std::vector<std::string> told;
   for (const Edit& edit : arguments.edits) {
-    std::vector<std::string> words = edit.words;
     try {
+      std::vector<std::string> words = encoding.stored(edit.words);
       told.push_back((editor.*edit.kind->apply)(words));
     } catch (const RequestError& error) {
       throw RequestError(fmt::format("{}: {}", edit.kind->option, error.what()));
@@ -69,6 +73,9 @@ std::vector<std::string> apply_edits(const Arguments& arguments, DatabaseEditor&
 
 /// @throws RequestError when the database cannot be written
 void write(const Arguments& arguments, ZelkWriteManager& manager, const OpenedDatabase& opened) {
+  const HeldSignals held;
+  if (!opened.database->IsPathEqual(arguments.path.c_str()))
+    throw RequestError("somebody has changed the file meanwhile");
   const char* const path = arguments.output.empty() ? nullptr : arguments.output.c_str();
   const ZelkError error = manager.WriteDatabase(opened.name, path);
   if (error != ZelkErrorOk) throw RequestError(write_complaint(error, *opened.database));
@@ -84,6 +91,9 @@ ExitCode edit(const Arguments& arguments, Output& out) {
     DatabaseEditor editor(manager, opened.name);
     const std::vector<std::string> told = apply_edits(arguments, editor);
     place = &arguments.target();
+    if (opened.database->SymbolsShortenedOnRead())
+      throw RequestError(write_complaint(ZelkErrorNotWritten, *opened.database));
+    check_read_back(*opened.database, *place);
     if (!arguments.dry_run) write(arguments, manager, opened);
     for (const std::string& line : told) out.line("{}", line);
   } catch (const RequestError& error) {

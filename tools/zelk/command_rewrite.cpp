@@ -3,6 +3,7 @@
 
 #include "commands.hpp"
 #include "database.hpp"
+#include "system.hpp"
 
 namespace zelk::tool {
 
@@ -19,6 +20,7 @@ ExitCode rewrite(const Arguments& arguments) {
   ZelkDatabase* const database = open_and_report(file, arguments.in);
   if (!database) return kExitFailure;
   if (arguments.allow_cut) database->symbols_shortened = 0;
+  const HeldSignals held;
   const ZelkError error = database->Write(arguments.out.c_str());
   if (error == ZelkErrorOk) return kExitSuccess;
   print_error(behind_path(arguments.out, write_complaint(error, *database)));

@@ -191,6 +191,11 @@ class DatabaseComparison {
 
 }  // namespace
 
+char sign_of(const Difference& difference) {
+  constexpr char kSigns[] = {'-', '+', '~'};
+  return kSigns[static_cast<std::size_t>(difference.presence)];
+}
+
 void for_each_difference(const ZelkDatabase& before, const ZelkDatabase& after,
                          const std::function<void(const Difference&)>& visit) {
   const DatabaseComparison comparison(before, after, visit);

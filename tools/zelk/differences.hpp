@@ -27,6 +27,9 @@ struct Difference {
   std::vector<Change> changes;  ///< of a changed object, at least one
 };
 
+/// What stands in front of it: + for an added object, - for a removed one, ~ for a changed one.
+char sign_of(const Difference& difference);
+
 /// Visits the differences, kind by kind.
 ///
 /// Messages are matched by identifier; those left, of which only one database has the identifier,

@@ -38,6 +38,18 @@ std::string shown_message(const msgblk& message) {
                      escaped(view(message.name)));
 }
 
+/// A file tells comments and attribute values by the identifier of the message.
+///
+/// @throws RequestError when they would become another message's
+void check_sole(const ZelkDatabase& database, const msgblk& message) {
+  const auto count = std::ranges::count_if(
+      each(database.messages), [&message](const msgblk& other) { return other.id == message.id; });
+  if (count == 1) return;
+  throw RequestError(
+      fmt::format("{} shares its identifier, by which a file tells what belongs to it",
+                  shown_message(message)));
+}
+
 struct ShowTarget {
   std::string operator()(std::monostate) const { return "network"; }
   std::string operator()(const symblk* node) const { return "node " + escaped(view(node->name)); }
@@ -87,8 +99,16 @@ EditTarget EditTargets::object(const std::string& name) const {
   const std::string kind = name.substr(0, colon);
   const std::string rest = colon == std::string::npos ? "" : name.substr(colon + 1);
   if (kind == "node") return &node(rest);
-  if (kind == "message") return &message(rest);
-  if (kind == "signal") return &signal(rest);
+  if (kind == "message") {
+    msgblk& found = message(rest);
+    check_sole(database_, found);
+    return &found;
+  }
+  if (kind == "signal") {
+    sigblk& found = signal(rest);
+    check_sole(database_, *found.message);
+    return &found;
+  }
   if (kind == "variable") return &variable(rest);
   throw RequestError(
       fmt::format("{} is no object: network, node:NAME, message:NAME, "

@@ -36,7 +36,7 @@ std::string told(const Cell& cell) {
 
 ChangeSide side(const Cell& cell) { return {told(cell), in_utf8(cell.value)}; }
 
-std::set<Json> as_set(const Json& list) { return {list.begin(), list.end()}; }
+std::multiset<Json> unordered(const Json& list) { return {list.begin(), list.end()}; }
 
 bool same_value(const attr& a, const attr& b) {
   const bool is_text = a.def->value_type == ZELK_ATTR_STRING;
@@ -100,7 +100,7 @@ class Comparison {
   bool field(std::string_view name, const Cell& before, const Cell& after, bool ordered = false) {
     if (before.value == after.value) return false;
     if (!ordered && before.value.is_array() && after.value.is_array() &&
-        as_set(before.value) == as_set(after.value))
+        unordered(before.value) == unordered(after.value))
       return false;
     changes_.push_back({std::string(name), Json{{"field", name}}, side(before), side(after)});
     return true;
@@ -165,9 +165,31 @@ bool is_compared_elsewhere(const ObjectKind& kind, std::string_view heading) {
          (kind.plural == "tables" && heading == "values");
 }
 
+const msgblk& as_message(const Object& object) {
+  return *static_cast<const msgblk*>(object.record);
+}
+
 Cell transmitter(const Object& message) {
-  const symblk* const node = static_cast<const msgblk*>(message.record)->transmitter;
+  const symblk* const node = as_message(message).transmitter;
   return node ? text(node->name) : none();
+}
+
+/// The list of all transmitters. That of one is not written to a file: it has to be the message's.
+Cell transmitter_list(const Object& message) {
+  Cell names{Json::array()};
+  const rxblk* const links = as_message(message).tx_nodes;
+  if (links && !links->next && links->node == as_message(message).transmitter) return names;
+  for (const rxblk& link : each(links))
+    names.value.push_back(link.node ? view(link.node->name) : "");
+  return names;
+}
+
+/// The sign, which the number format of IEEE signals does not tell.
+Cell sign(const ObjectKind& kind, const Object& object) {
+  const unsigned flags = kind.plural == "signals"
+                             ? static_cast<const sigblk*>(object.record)->flags
+                             : static_cast<const sigtype*>(object.record)->flags;
+  return text((flags & ZELK_SIGNAL_SIGNED) != 0 ? "signed" : "unsigned");
 }
 
 Cell bit_timings(const ZelkDatabase& database) {
@@ -208,8 +230,11 @@ std::vector<Change> changes_between(const ObjectKind& kind, const Object& before
     const bool differs =
         comparison.field(heading, kind.cell(before, i), kind.cell(after, i), heading == "items");
     // Of several transmitters, one is the sender; it is the first of the list when that is told.
-    if (heading == "transmitters" && !differs)
-      comparison.field("transmitter", transmitter(before), transmitter(after));
+    if (heading == "transmitters" && !differs &&
+        !comparison.field("transmitter", transmitter(before), transmitter(after)))
+      comparison.field("transmitter list", transmitter_list(before), transmitter_list(after));
+    if (heading == "type" && !differs && (kind.plural == "signals" || kind.plural == "types"))
+      comparison.field("sign", sign(kind, before), sign(kind, after));
   }
   comparison.comment(before.comment, after.comment);
   comparison.attributes(before, after);

@@ -140,8 +140,11 @@ bool has_range(const attr_def& definition) {
 Cell items_of(const attr_def& definition) {
   if (definition.value_type != ZELK_ATTR_ENUM) return none();
   Cell items{Json::array()};
-  std::istringstream rest{std::string(view(definition.enum_values))};
-  for (std::string item; std::getline(rest, item);) items.value.push_back(item);
+  if (!definition.enum_values) return items;
+  std::string_view rest = definition.enum_values;
+  for (std::size_t end; (end = rest.find('\n')) != rest.npos; rest.remove_prefix(end + 1))
+    items.value.push_back(rest.substr(0, end));
+  items.value.push_back(rest);
   return items;
 }
 

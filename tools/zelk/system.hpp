@@ -27,6 +27,16 @@ std::size_t read_some(std::FILE* file, char* buffer, std::size_t size);
 /// Bytes of a regular file; none for a pipe, a device or anything else.
 std::optional<std::uint64_t> size_of_regular_file(std::FILE* file);
 
+/// Holds back the signals by which a user ends a program, so that no half-written file is left
+/// behind: they take effect when this goes.
+class HeldSignals {
+ public:
+  HeldSignals();
+  HeldSignals(const HeldSignals&) = delete;
+  HeldSignals& operator=(const HeldSignals&) = delete;
+  ~HeldSignals();
+};
+
 /// Whether a user watches.
 bool is_terminal(std::FILE* file);
 

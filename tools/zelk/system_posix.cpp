@@ -13,6 +13,27 @@ const char* const kModuleExtension = ".so";
 
 void prepare_process() { std::signal(SIGPIPE, SIG_IGN); }
 
+namespace {
+
+sigset_t ending_signals() {
+  sigset_t set;
+  sigemptyset(&set);
+  for (const int signal : {SIGHUP, SIGINT, SIGTERM}) sigaddset(&set, signal);
+  return set;
+}
+
+}  // namespace
+
+HeldSignals::HeldSignals() {
+  const sigset_t set = ending_signals();
+  pthread_sigmask(SIG_BLOCK, &set, nullptr);
+}
+
+HeldSignals::~HeldSignals() {
+  const sigset_t set = ending_signals();
+  pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
+}
+
 std::size_t read_some(std::FILE* file, char* buffer, std::size_t size) {
   for (;;) {
     const ssize_t count = read(fileno(file), buffer, size);

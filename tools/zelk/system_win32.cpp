@@ -18,6 +18,10 @@ void prepare_process() {
   _setmode(_fileno(stdout), _O_BINARY);
 }
 
+// What Windows ends a program for comes on a thread of its own and leaves no time to hold it back.
+HeldSignals::HeldSignals() = default;
+HeldSignals::~HeldSignals() = default;
+
 std::size_t read_some(std::FILE* file, char* buffer, std::size_t size) {
   const auto most = static_cast<unsigned>(std::min<std::size_t>(size, INT_MAX));
   const int count = _read(_fileno(file), buffer, most);

@@ -1,0 +1,83 @@
+#include "read_back.hpp"
+
+#include <fmt/format.h>
+
+#include <cstddef>
+#include <filesystem>
+#include <random>
+#include <system_error>
+
+#include "database.hpp"
+#include "differences.hpp"
+#include "lookup.hpp"
+#include "output.hpp"
+#include "text.hpp"
+
+namespace zelk::tool {
+
+namespace {
+
+constexpr std::size_t kMostWarnings = 10;
+
+/// A folder that nobody else has, removed with all that is in it.
+class TemporaryFolder {
+ public:
+  TemporaryFolder() {
+    std::random_device random;
+    do {
+      path_ = std::filesystem::temp_directory_path() / fmt::format("zelk-{:08x}", random());
+    } while (!std::filesystem::create_directory(path_));
+    std::filesystem::permissions(path_, std::filesystem::perms::owner_all);
+  }
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+  ~TemporaryFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+  }
+
+  std::string file(const char* name) const { return (path_ / name).string(); }
+
+ private:
+  std::filesystem::path path_;
+};
+
+void write_to(const std::string& path, const ZelkDatabase& d) {
+  const std::uint32_t error =
+      zelk_write(path.c_str(), d.nodes, d.messages, d.env_vars, d.bit_timings, d.attr_defs,
+                 d.attr_values, d.categories, d.filter, d.comment, d.user_data, d.signal_types,
+                 d.value_tables, d.write_ext_mux);
+  if (error != ZELK_OK) throw RequestError(fmt::format("{}: cannot be written", escaped(path)));
+}
+
+std::string shown(const Difference& difference) {
+  std::string line = fmt::format("{} {}", sign_of(difference), difference.object);
+  for (const Change& change : difference.changes) {
+    line += fmt::format("{} {}: {} -> {}", &change == &difference.changes.front() ? ":" : ",",
+                        change.field, change.before.shown, change.after.shown);
+  }
+  return line;
+}
+
+}  // namespace
+
+void check_read_back(const ZelkDatabase& database, const std::string& path) {
+  const TemporaryFolder folder;
+  const std::string written = folder.file("written.dbc");
+  write_to(written, database);
+  DatabaseFile file;
+  const ZelkDatabase* const read = file.open(written);
+  if (!read) {
+    const std::string report = file.reports().empty() ? "" : file.reports().front();
+    throw RequestError(behind_path("not written, as it could not be read again", report));
+  }
+  std::size_t count = 0;
+  for_each_difference(database, *read, [&](const Difference& difference) {
+    if (++count > kMostWarnings) return;
+    print_error(behind_path(path, "warning: in the file this is otherwise: " + shown(difference)));
+  });
+  if (count > kMostWarnings)
+    print_error(behind_path(path, fmt::format("warning: and {} more", count - kMostWarnings)));
+}
+
+}  // namespace zelk::tool
