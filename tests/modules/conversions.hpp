@@ -22,7 +22,7 @@ struct Conversions {
   /// The name of a DBC file of this content.
   const char* opened(const std::string& content) {
     const char* db = nullptr;
-    EXPECT_EQ(manager.OpenDatabase(folder.write("in.dbc", content).c_str(), &db, 0), 0)
+    EXPECT_EQ(manager.OpenDatabase(folder.write("opened.dbc", content).c_str(), &db, 0), 0)
         << zelk_get_error_text();
     return db;
   }
