@@ -85,7 +85,7 @@ ZelkStatus ZelkManager::GetAttrDefaultEx(const char* name, zelk_attr_value_t& va
 }
 
 ZelkStatus ZelkManager::Answer(ZelkStatus status) {
-  status_ = status;
+  status_ = static_cast<std::uint32_t>(status);
   return status;
 }
 
