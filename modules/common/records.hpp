@@ -45,6 +45,10 @@ int guarded(std::uint32_t number, Body body) {
   return 0;
 }
 
+/// The conversion that is running.
+/// @throws Fault when none is: the function was not called by the library
+const zelk_conversion& conversion();
+
 /// A zero-filled block of the library's heap.
 /// @throws std::bad_alloc
 void* allocated(std::size_t size);

@@ -16,12 +16,6 @@ namespace {
 
 constexpr const char* kEncodingWords[] = {"utf-8", "windows-1252"};  // in the order of `Encoding`
 
-const zelk_conversion& conversion() {
-  const zelk_conversion* const running = zelk_get_conversion();
-  if (!running) throw Fault("no conversion is running");
-  return *running;
-}
-
 // --- Import ---
 
 /// @throws Fault unless the document is one of this form
@@ -101,7 +95,7 @@ extern "C" ZELK_MODULE_EXPORT int zelk_import(const char* file, msgblk** message
                                               attr** attr_values) {
   using namespace zelk::modules;
   return guarded(ZELK_ERR_CONVERTED_FORMAT, [=] {
-    const zelk_conversion& more = json::conversion();
+    const zelk_conversion& more = conversion();
     json::read(file, {*messages, *nodes, *env_vars, *attr_defs, *attr_values, *more.bit_timings,
                       *more.categories, *more.filter, *more.comment, *more.user_data,
                       *more.signal_types, *more.value_tables});
@@ -113,7 +107,7 @@ extern "C" ZELK_MODULE_EXPORT int zelk_export(const char* file, const msgblk* me
                                               const attr_def* attr_defs, const attr* attr_values) {
   using namespace zelk::modules;
   return guarded(ZELK_ERR_CONVERT, [=] {
-    const zelk_conversion& more = json::conversion();
+    const zelk_conversion& more = conversion();
     msgblk* own_messages = json::unlocked(messages);
     symblk* own_nodes = json::unlocked(nodes);
     env_var_blk* own_env_vars = json::unlocked(env_vars);

@@ -186,7 +186,7 @@ extern "C" ZELK_MODULE_EXPORT int zelk_export(const char* file, const msgblk* me
   using namespace zelk::modules;
   return guarded(ZELK_ERR_CONVERT, [&] {
     const kcd::Database database = {messages,  nodes,       env_vars,
-                                    attr_defs, attr_values, *zelk_get_conversion()};
+                                    attr_defs, attr_values, conversion()};
     kcd::Export(database).write(file);
   });
 }

@@ -164,15 +164,15 @@ extern "C" ZELK_MODULE_EXPORT int zelk_import(const char* file, msgblk** message
                                               attr** attr_values) {
   using namespace zelk::modules;
   return guarded(ZELK_ERR_CONVERTED_FORMAT, [&] {
-    const zelk_conversion& conversion = *zelk_get_conversion();
-    const Encoding encoding = is_utf8(conversion.option) ? Encoding::kUtf8 : Encoding::kWindows1252;
+    const zelk_conversion& more = conversion();
+    const Encoding encoding = is_utf8(more.option) ? Encoding::kUtf8 : Encoding::kWindows1252;
     kcd::Target target = {*messages,
                           *nodes,
                           *attr_defs,
                           *attr_values,
-                          *conversion.comment,
-                          *conversion.user_data,
-                          to_utf8(conversion.option, encoding)};
+                          *more.comment,
+                          *more.user_data,
+                          to_utf8(more.option, encoding)};
     const kcd::Source source(file);
     kcd::Import(source, target).run();
   });

@@ -101,6 +101,7 @@ bool export_database(const Arguments& arguments, ZelkWriteManager& manager, cons
   if (!check_module(manager, exporter, arguments.to.module, arguments.export_function))
     return false;
   exporter.SetOption(arguments.option.c_str());
+  const HeldSignals held;
   const ZelkError error = exporter.Export(name, arguments.out.c_str());
   tell_notes(arguments.out, error == ZelkErrorOk, "cannot be exported");
   return error == ZelkErrorOk;
