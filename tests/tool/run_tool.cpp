@@ -8,11 +8,27 @@
 
 namespace {
 
-/// Below the working folder, which is another one for every build.
+std::filesystem::path folder_of(const testing::TestInfo& test) {
+  return std::filesystem::current_path() /
+         (std::string(test.test_suite_name()) + "." + test.name());
+}
+
+/// Removes each test's folder when the test ends.
+class FolderRemover : public testing::EmptyTestEventListener {
+  void OnTestEnd(const testing::TestInfo& test) override {
+    std::error_code error;
+    std::filesystem::remove_all(folder_of(test), error);
+  }
+};
+
+/// The running test's own, which goes with all that is in it.
 std::filesystem::path test_folder() {
-  const testing::TestInfo* test = testing::UnitTest::GetInstance()->current_test_info();
-  const auto folder =
-      std::filesystem::current_path() / "tool_test_files" / test->test_suite_name() / test->name();
+  static const bool is_removed_later = [] {
+    testing::UnitTest::GetInstance()->listeners().Append(new FolderRemover);
+    return true;
+  }();
+  static_cast<void>(is_removed_later);
+  const auto folder = folder_of(*testing::UnitTest::GetInstance()->current_test_info());
   std::filesystem::create_directories(folder);
   return folder;
 }
