@@ -1,19 +1,16 @@
 #include <dlfcn.h>
-#include <fcntl.h>
 #include <langinfo.h>
 #include <limits.h>
 #include <stdlib.h>
 #include <strings.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cstring>
 #include <cwchar>
 #include <filesystem>
+#include <mutex>
 #include <string>
 #include <string_view>
-#include <tuple>
-#include <utility>
 #include <vector>
 
 #include "platform/module_entry.hpp"
@@ -44,16 +41,6 @@ std::string absolute_path(const char* path) {
   return error ? std::string() : absolute.lexically_normal().string();
 }
 
-/// What a path names in the end, there or not.
-std::filesystem::path behind_links(std::filesystem::path path) {
-  constexpr int kMostLinks = 40;  // no more than the system follows
-  std::error_code error;
-  for (int links = 0; links < kMostLinks && is_symlink(path, error); ++links) {
-    path = path.parent_path() / read_symlink(path, error);
-  }
-  return path;
-}
-
 /// Whether both files exist and are not the same one.
 bool are_different_files(const char* a, const char* b) {
   struct stat status_a = {};
@@ -66,23 +53,6 @@ bool are_different_files(const char* a, const char* b) {
 std::int64_t nanoseconds(const timespec& time) {
   return static_cast<std::int64_t>(static_cast<std::uint64_t>(time.tv_sec) * kNanosecondsPerSecond +
                                    static_cast<std::uint64_t>(time.tv_nsec));
-}
-
-/// Permissions that new files of this process do not get.
-mode_t creation_mask() {
-  const mode_t mask = umask(0);
-  umask(mask);
-  return mask;
-}
-
-/// Gives a new file the owner and the permissions of the file that it shall replace. Who may not
-/// give files away hands on the group, at least.
-void take_over(int descriptor, const struct stat& replaced) {
-  if (fchown(descriptor, replaced.st_uid, replaced.st_gid) != 0) {
-    constexpr uid_t kSameOwner = static_cast<uid_t>(-1);
-    std::ignore = fchown(descriptor, kSameOwner, replaced.st_gid);
-  }
-  fchmod(descriptor, replaced.st_mode & 07777);  // after the owner, who takes some of it away
 }
 
 /// The file that holds this code, as it was found when the library was loaded: a relative name
@@ -121,50 +91,6 @@ File open_for_writing(const char* path) {
   File file(std::fopen(path, "we"));
   if (file) std::setvbuf(file.get(), nullptr, _IONBF, 0);
   return file;
-}
-
-Replacement::Replacement(const char* path) : target_(behind_links(path)) {
-  // Asked of the path as it is: "/dev/stdout" may link to a pipe, which has no other name.
-  std::error_code error;
-  const auto status = std::filesystem::status(path, error);
-  if (exists(status) && !is_regular_file(status)) {
-    file_ = open_for_writing(path);
-  } else {
-    create();
-  }
-}
-
-void Replacement::create() {
-  std::string name = (target_.parent_path() / ".zelk-XXXXXX").string();
-  const int descriptor = mkostemp(name.data(), O_CLOEXEC);
-  if (descriptor < 0) return;
-  path_ = std::move(name);
-  file_.reset(fdopen(descriptor, "w"));
-  if (!file_) {
-    close(descriptor);
-    return;
-  }
-  std::setvbuf(file_.get(), nullptr, _IONBF, 0);
-  struct stat replaced = {};
-  if (stat(target_.c_str(), &replaced) == 0) {
-    take_over(descriptor, replaced);
-  } else {
-    fchmod(descriptor, 0666 & ~creation_mask());
-  }
-}
-
-bool Replacement::take_place() {
-  if (path_.empty()) return std::fclose(file_.release()) == 0;
-  const bool is_on_disk = fsync(fileno(file_.get())) == 0;
-  const bool is_closed = std::fclose(file_.release()) == 0;
-  if (!is_on_disk || !is_closed || rename(path_.c_str(), target_.c_str()) != 0) return false;
-  path_.clear();
-  return true;
-}
-
-Replacement::~Replacement() {
-  file_.reset();
-  if (!path_.empty()) unlink(path_.c_str());
 }
 
 std::optional<FileStatus> file_status(const char* path) {
@@ -208,7 +134,9 @@ void own_file_name(char* buffer, std::uint32_t size_bytes) {
 }
 
 std::uint32_t registered_message(const char* name) {
-  static std::vector<std::string> names;
+  static std::mutex mutex;
+  static auto& names = *new std::vector<std::string>;  // for whoever asks while the process ends
+  const std::lock_guard lock(mutex);
   std::uint32_t number = kFirstMessage;
   for (const std::string& known : names) {
     if (strcasecmp(known.c_str(), name) == 0) return number;

@@ -1,6 +1,9 @@
 #include "writer/write.hpp"
 
 #include <new>
+#include <string>
+#include <string_view>
+#include <system_error>
 
 #include "model/errors.hpp"
 #include "platform/platform.hpp"
@@ -34,11 +37,12 @@ std::string_view Writer::name(const env_var_blk& variable) {
 
 namespace {
 
-/// @return whether the stream took everything
-bool write_model(std::FILE* file, const ModelView& model, bool with_multiplexor_ranges) {
+/// @return the first error of the stream; 0 when it took everything
+int write_model(std::FILE* file, const ModelView& model, bool with_multiplexor_ranges) {
   TextOutput out(file);
   Writer(model, short_name_cache(), out).write(with_multiplexor_ranges);
-  return out.flush();
+  out.flush();
+  return out.error();
 }
 
 std::uint32_t write_file(const char* path, const ModelView& model, bool with_multiplexor_ranges) {
@@ -49,13 +53,31 @@ std::uint32_t write_file(const char* path, const ModelView& model, bool with_mul
   return ZELK_OK;
 }
 
+/// Adds a line about the file to the error text. Of a path that would not leave room for the
+/// reason, the end is told.
+void note(std::string_view path, const std::string& reason) {
+  constexpr std::size_t kPathMax = ZELK_ERROR_LINE_SIZE - 400;
+  const bool is_cut = path.size() > kPathMax;
+  std::string text = is_cut ? "..." : "";
+  text.append(path.substr(is_cut ? path.size() - kPathMax : 0)).append(": ").append(reason);
+  zelk_note(ZELK_ERR_WRITE, kNoLine, text.c_str());
+}
+
 }  // namespace
 
 bool save(const char* path, const ModelView& model, bool with_multiplexor_ranges) {
   short_name_cache().reset(model);
   platform::Replacement file(path);
-  return file.file() && write_model(file.file(), model, with_multiplexor_ranges) &&
-         file.take_place();
+  if (!file.notice().empty()) note(path, file.notice());
+  const int error = file.file() ? write_model(file.file(), model, with_multiplexor_ranges) : 0;
+  if (error != 0) {
+    note(path, std::generic_category().message(error));
+  } else if (file.file() && file.take_place()) {
+    return true;
+  } else {
+    note(path, file.failure());
+  }
+  return false;
 }
 
 }  // namespace zelk
