@@ -69,7 +69,7 @@ bool is_in_sticky_folder(const fs::path& target) {
 }  // namespace
 
 struct Replacement::State {
-  State(const char* name, std::string& notice);
+  void open(const char* name, std::string& notice);
   void take_place();
   void open_target();
   bool has_other_names() const { return target && status_of(target).st_nlink > 1; }
@@ -81,7 +81,7 @@ struct Replacement::State {
   File stream;                      ///< into `fresh`, or else into the target
 };
 
-Replacement::State::State(const char* name, std::string& notice) {
+void Replacement::State::open(const char* name, std::string& notice) {
   // Asked of the path as it is: "/dev/stdout" may link to a pipe, which has no other name.
   struct stat status = {};
   const bool is_there = stat(name, &status) == 0;
@@ -107,7 +107,7 @@ Replacement::State::State(const char* name, std::string& notice) {
 /// system.
 void Replacement::State::open_target() {
   constexpr int kFlags = O_WRONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-  target = Descriptor(open(path.c_str(), kFlags));
+  target = Descriptor(::open(path.c_str(), kFlags));
   if (!target) fail_save();
 }
 
@@ -127,9 +127,9 @@ void Replacement::State::take_place() {
   }
 }
 
-Replacement::Replacement(const char* path) {
+Replacement::Replacement(const char* path) : state_(std::make_unique<State>()) {
   try {
-    state_ = std::make_unique<State>(path, notice_);
+    state_->open(path, notice_);
   } catch (const SaveFailure& failure) {
     failure_ = failure.what();
   }
@@ -137,7 +137,7 @@ Replacement::Replacement(const char* path) {
 
 Replacement::~Replacement() = default;
 
-std::FILE* Replacement::file() const { return state_ ? state_->stream.get() : nullptr; }
+std::FILE* Replacement::file() const { return state_->stream.get(); }
 
 bool Replacement::take_place() try {
   state_->take_place();

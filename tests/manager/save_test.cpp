@@ -184,6 +184,62 @@ TEST_F(Save, OnAFullDiskLeavesTheOldFile) {
   EXPECT_EQ(content_of(path), whole);
 }
 
+TEST_F(Save, ClearsWhatKilledProcessesLeft) {
+  const std::string path = folder_.write("a.dbc", kNodes);
+  const std::string kept = ".a.dbc.zelk-32 .a.dbc.zelk-x .b.dbc.zelk-0 a.dbc ";
+  for (const char* name :
+       {".a.dbc.zelk-0", ".a.dbc.zelk-31", ".a.dbc.zelk-x", ".b.dbc.zelk-0", ".a.dbc.zelk-32"}) {
+    folder_.write(name, kNodes);
+  }
+  OwnDatabase database(path);
+  EXPECT_EQ(database.Write(nullptr), 0);
+  EXPECT_EQ(names_in(folder_), kept);
+  const std::string long_name(130, 'n');
+  EXPECT_EQ(database.Write(folder_.path(long_name).c_str()), 0);
+  EXPECT_EQ(names_in(folder_), kept + long_name + " ");
+}
+
+// Each case is a moment in which a process was killed while it wrote a file with two names; the
+// save that finds it comes to a full disk.
+TEST_F(Save, EndsAWriteInPlace) {
+  const std::string path = folder_.write("a.dbc", kNodes), copy = ".a.dbc.zelk-whole";
+  const std::string whole = "BS_:\nBU_: C\n", front = "database: could not write, " + path + ": ";
+  const std::string full = front + "No space left on device\n";
+  const std::string ended = front + "an earlier write did not end, and was ended now\n" + full;
+  const std::string changed = front + "it was changed after a write that did not end; " + copy +
+                              " has what was to be written: keep one, and remove that\n";
+  std::filesystem::create_hard_link(path, folder_.path("b.dbc"));
+  OwnDatabase database(path);
+  const struct {
+    std::string_view name, content;
+    int hour;  // of the content; the copy's is 1
+    std::string_view content_after, told;
+  } cases[] = {
+      {"not yet begun", kNodes, 1, whole, ended},
+      {"emptied", "", 2, whole, ended},
+      {"in the middle", "BS_:\nBU", 2, whole, ended},
+      {"only the copy to remove", whole, 2, whole, full},
+      {"changed since", kNodes, 2, kNodes, changed},
+  };
+  for (const auto& c : cases) {
+    folder_.write("a.dbc", c.content, c.hour);
+    folder_.write(copy, whole, 1);
+    zelk_clear_error_text();
+    {
+      const FailingWrite failure(0);
+      EXPECT_EQ(database.Write(nullptr), 9) << c.name;
+    }
+    EXPECT_EQ(zelk_get_error_text(), c.told) << c.name;
+    EXPECT_EQ(content_of(folder_.path("b.dbc")), c.content_after) << c.name;
+    EXPECT_EQ(names_in(folder_), (c.told == changed ? copy + " " : "") + "a.dbc b.dbc ") << c.name;
+    std::filesystem::remove(folder_.path(copy));
+  }
+  EXPECT_EQ(database.Write(nullptr), 0);
+  EXPECT_EQ(describe(OwnDatabase(folder_.path("b.dbc"))), describe(database));
+  EXPECT_EQ(std::filesystem::hard_link_count(path), 2u);
+  EXPECT_EQ(names_in(folder_), "a.dbc b.dbc ");
+}
+
 template <typename Failure>
 std::size_t save_while_allocations_fail(const ZelkDatabase& source, const Folder& folder) {
   for (std::size_t n = 0;; ++n) {
