@@ -95,7 +95,15 @@ class ZELK_API ZelkDatabase {
 
   /// Writes the database, and then overwrites another instance of the same file (`Commit`).
   ///
-  /// The file is replaced in one step once all of it is on the disk: on a failure it is as it was.
+  /// The file is replaced in one step once all of it is on the disk: on a failure it is as it was,
+  /// and a line with the system's reason enters the error text. It keeps its permissions, access
+  /// list and extended attributes, and its owner when the process may give files away; a file that
+  /// this process may not write is not replaced. Links are followed. A file with several hard links
+  /// is written in place while ".NAME.zelk-whole" beside it has the whole new content: when the
+  /// process is killed meanwhile, the next `Write` ends that first, with a line in the error text.
+  /// It also removes the ".NAME.zelk-N" that a killed process has left. What is no file, such as a
+  /// pipe, is written to directly.
+  ///
   /// A given file becomes the database's own as soon as it is found to be writable.
   ///
   /// @param file  null: the own file

@@ -12,7 +12,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kBusy = "another process is writing to it";
+constexpr const char* kBusy = "another save is writing to it";
 
 using Block = std::array<char, 16384>;
 
@@ -154,6 +154,10 @@ bool end_write_in_place(const fs::path& target, const Descriptor& old) {
   if (!whole) fail_save("a write did not end, and " + name + " cannot be opened");
   lock(whole);
   if (!is_named(whole, copy.c_str())) return false;  // that process has just ended its write
+  const uid_t owner = status_of(whole).st_uid;
+  if (owner != geteuid() && (!old || owner != status_of(old).st_uid)) {
+    throw SaveFailure(name + " beside it is somebody else's");
+  }
   const Progress progress = old ? progress_of(target, old, whole) : Progress::kUnknown;
   if (progress == Progress::kUnknown) {
     throw SaveFailure("it was changed after a write that did not end; " + name +

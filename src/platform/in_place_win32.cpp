@@ -10,7 +10,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kBusy = "another process is writing to it";
+constexpr const char* kBusy = "another save is writing to it";
 
 using Block = std::array<char, 16384>;
 
@@ -116,7 +116,7 @@ bool end_write_in_place(const fs::path& target, const fs::path& copy) {
   // Who is about the write holds the copy open, and does not share it with this.
   const Handle whole = open_handle(copy, GENERIC_READ, FILE_SHARE_DELETE, OPEN_EXISTING);
   const DWORD error = whole ? ERROR_SUCCESS : GetLastError();
-  if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND) return false;
+  if (GetFileAttributesW(copy.c_str()) == INVALID_FILE_ATTRIBUTES) return false;
   if (error == ERROR_SHARING_VIOLATION) throw SaveFailure(kBusy);
   const std::string name = copy.filename().string();
   if (!whole) fail_save_of_windows("a write did not end, and " + name + " cannot be opened");

@@ -173,6 +173,7 @@ TEST_F(Save, EndsAWriteInPlace) {
                               " has what was to be written: keep one, and remove that\n";
   std::filesystem::create_hard_link(path, folder_.path("b.dbc"));
   OwnDatabase database(path);
+  database.SetComment("saved");
   const struct {
     std::string_view name, content;
     int hour;  // of the content; the copy's is 1
@@ -199,7 +200,6 @@ TEST_F(Save, EndsAWriteInPlace) {
   }
   EXPECT_EQ(database.Write(nullptr), 0);
   EXPECT_EQ(describe(OwnDatabase(folder_.path("b.dbc"))), describe(database));
-  EXPECT_EQ(std::filesystem::hard_link_count(path), 2u);
   EXPECT_EQ(names_in(folder_), "a.dbc b.dbc ");
 }
 

@@ -59,6 +59,19 @@ TEST(Files, WrittenWithTheLineEndOfTheSystem) {
       << "before it is closed: there is no buffer";
 }
 
+TEST(Files, ReplacedByTwoAtOnce) {
+  const WorkingFolder folder;
+  put_bytes("f.dbc", "old");
+  Replacement first("f.dbc"), second("f.dbc");
+  for (Replacement* replacement : {&first, &second}) {
+    const char* const content = replacement == &first ? "1" : "2";
+    std::fputs(content, replacement->file());
+    EXPECT_TRUE(replacement->take_place()) << replacement->failure();
+    EXPECT_EQ(bytes_of("f.dbc"), content);
+  }
+  EXPECT_EQ(std::distance(fs::directory_iterator("."), {}), 1);
+}
+
 TEST(Files, LongerThan260Characters) {
   const WorkingFolder folder;
   fs::path relative;
