@@ -74,7 +74,7 @@ struct Replacement::State {
 
   fs::path target;    ///< behind a link
   std::wstring path;  ///< of the file to remove; empty when there is none
-  Handle fresh;       ///< held from the beginning to the end; none when the target is a device
+  Handle fresh;       ///< held until it has taken its place; none when the target is a device
   File stream;        ///< into `fresh`, or else into the target
 };
 
@@ -131,6 +131,7 @@ void Replacement::State::take_place() {
   } else {
     replace();
   }
+  fresh.reset();  // the next save cannot replace a file that is held
 }
 
 void Replacement::State::replace() {
