@@ -153,9 +153,12 @@ void Export::append_bus(pugi::xml_node root, const char* file) {
 void Export::append_messages(pugi::xml_node bus) {
   std::set<std::uint32_t> ids;
   for (const msgblk* message = database_.messages; message; message = message->next) {
-    if (!ids.insert(message->id).second) {
-      throw Fault("message " + std::string(view(message->name)) +
-                  ": another message has this identifier");
+    const char* reason = obstacle(*message);
+    const bool is_doubled = !reason && !ids.insert(message->id).second;
+    if (is_doubled) reason = " with the identifier of another one";
+    if (reason) {
+      left_out_.add("message", reason);
+      continue;
     }
     pugi::xml_node element = MessageExport(*message, ids_, left_out_).append_to(bus);
     const std::uint64_t taken = append_number(element, "interval", message->attrs, interval_);
