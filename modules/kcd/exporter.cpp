@@ -106,8 +106,9 @@ void Export::write(const char* file) {
   append_bus(root, file);
   count_left_out();
   const std::string content = to_xml(document_, left_out_);
-  write_new_file(file, content);
   left_out_.note();
+  write_new_file(file,
+                 content);  // last: nothing fails behind it that would have to remove the file
 }
 
 void Export::append_document(pugi::xml_node root) const {

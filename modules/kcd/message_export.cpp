@@ -49,10 +49,10 @@ bool has_range(const sigblk& signal) {
 const char* obstacle(const sigblk& signal) {
   if (signal.length == 0) return " without bits";
   if (end_byte(signal.start_bit, signal.length, signal.flags) > kMaxDataBytes) {
-    return " that end behind byte 64";
+    return " ending behind byte 64";
   }
   const bool is_finite = std::isfinite(signal.factor) && std::isfinite(signal.offset);
-  return is_finite ? nullptr : " whose factor or offset is no finite number";
+  return is_finite ? nullptr : " with a factor or offset that is no finite number";
 }
 
 /// The multiplexor's values for which a signal is there: more than `kMaxExpandedValues` stand for
@@ -130,7 +130,7 @@ void MessageExport::place_signal(const sigblk& signal) {
   const bool is_selected = signal.mux_signal || signal.mux_ranges;
   if (is_multiplexor_.contains(&signal)) {
     multiplexors_.push_back(&signal);
-    if (is_selected) left_out_.add("selection", " of multiplexors by another multiplexor");
+    if (is_selected) left_out_.add("selection", " of a multiplexor by another one");
   } else if (!is_selected) {
     plain_.push_back(&signal);
   } else if (const char* const reason = select(signal)) {
@@ -144,11 +144,12 @@ void MessageExport::place_signal(const sigblk& signal) {
 ///
 /// @return what keeps it out of them; null when nothing does
 const char* MessageExport::select(const sigblk& signal) {
-  if (!is_multiplexor_.contains(signal.mux_signal)) return " whose multiplexor is not in the file";
+  if (!is_multiplexor_.contains(signal.mux_signal))
+    return " with a multiplexor that is not in the file";
   const std::set<std::uint32_t> values = selectors(signal);
-  if (values.empty()) return " that no value of the multiplexor selects";
+  if (values.empty()) return " selected by no value of the multiplexor";
   if (values.size() > kMaxExpandedValues) {
-    return " that more than 256 values of the multiplexor select";
+    return " selected by more than 256 values of the multiplexor";
   }
   for (const std::uint32_t value : values) groups_[signal.mux_signal][value].push_back(&signal);
   return nullptr;

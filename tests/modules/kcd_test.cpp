@@ -1,5 +1,7 @@
 // The module for KCD, as a host uses it: files and databases in, databases and files out.
 
+#include <limits>
+
 #include "modules/conversions.hpp"
 
 namespace {
@@ -104,6 +106,8 @@ BO_ 2147483650 M: 12 B
  SG_ X m1 : 8|8@1+ (1,0) [0|0] "" Ostrel__XXX
  SG_ Mux M : 0|1@1+ (1,0) [0|0] "" Ostrel__XXX
  SG_ D : 0|64@1- (1,0) [0|0] "" Ostrel__XXX
+BO_ 3 N: 1 A
+ SG_ Other : 0|8@1+ (1,0) [0|0] "" Ostrel__XXX
 EV_ V: 0 [0|0] "" 0 1 DUMMY_NODE_OSTREL0 A;
 CM_ " ";
 CM_ BU_ A "gone";
@@ -158,6 +162,12 @@ TEST(Kcd, ExportsWhatItCanHold) {
       <Signal name="D" offset="0" length="64">
         <Value type="double" />
       </Signal>
+    </Message>
+    <Message id="0x3" name="N" length="1" interval="100">
+      <Producer>
+        <NodeRef id="1" />
+      </Producer>
+      <Signal name="Other" offset="0" length="8" />
     </Message>
 )";
   const std::string notes = "database: format error, left out: ";
@@ -230,24 +240,54 @@ TEST(Kcd, RefusesFaultyFiles) {
   }
 }
 
-TEST(Kcd, RefusesWhatAFileWouldTellWrongly) {
+sigblk& signal_of(msgblk& message, int position) {
+  sigblk* signal = message.signals;
+  while (position-- > 0) signal = signal->next;
+  return *signal;
+}
+
+TEST(Kcd, LeavesOutWhatItCannotHold) {
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  const std::string kWhole = "M Plain X Mux D";
+  enum { kPlain, kX, kMux, kD };  // positions of the signals
   const struct {
-    const char* from;
-    const char* to;
-    const char* error;
+    void (*change)(msgblk& message);
+    const char* left_out;
+    std::string gone;  ///< names of messages and signals
   } cases[] = {
-      {"M: 12", "M: 65", "message M: 65 bytes are more than 64"},
-      {"0|64@1-", "449|64@1-", "message M, signal D: ends behind byte 64"},
-      {"Mux 1-2", "Mux 0-256", "message M, signal X: is there for more than 256 values"},
-      {"Mux M :", "Mux m3M :", "message M, signal Mux: is a multiplexor that is multiplexed"},
-      {"2147483650", "2684354562", "message M: identifier 0x20000002 has more than 29 bits"},
+      {[](msgblk& m) { m.id = 0xC0000000; }, "1 message with an identifier of more than 11 bits",
+       kWhole},
+      {[](msgblk& m) { m.id = 0x800; }, "1 message with an identifier of more than 11 bits",
+       kWhole},
+      {[](msgblk& m) { m.dlc = 65; }, "1 message of more than 64 data bytes", kWhole},
+      {[](msgblk& m) { m.next->id = m.id; }, "1 message with the identifier of another one", "N"},
+      {[](msgblk& m) { signal_of(m, kD).length = 0; }, "1 signal without bits", "D"},
+      {[](msgblk& m) { signal_of(m, kD).start_bit = 449; }, "1 signal ending behind byte 64", "D"},
+      {[](msgblk& m) { signal_of(m, kD).factor = kInfinity; }, "1 signal with a factor or", "D"},
+      {[](msgblk& m) { signal_of(m, kPlain).maximum = kInfinity; }, "1 range with a bound", ""},
+      {[](msgblk& m) { signal_of(m, kD).name[0] = 'X'; }, "1 signal with the name of another", "D"},
+      {[](msgblk& m) { signal_of(m, kMux).length = 0; }, "1 signal with a multiplexor that",
+       "X Mux"},
+      {[](msgblk& m) { signal_of(m, kX).mux_signal = m.next->signals; }, "a multiplexor that", "X"},
+      {[](msgblk& m) { signal_of(m, kX).mux_signal = nullptr; }, "a multiplexor that is not", "X"},
+      {[](msgblk& m) { signal_of(m, kX).mux_ranges->low = 9; }, "", ""},  // 5 is left
+      {[](msgblk& m) { signal_of(m, kX).mux_ranges->high = 257; }, "1 signal selected by more",
+       "X"},
+      {[](msgblk& m) { signal_of(m, kX).mux_ranges->high = UINT32_MAX; }, "by more than 256", "X"},
+      {[](msgblk& m) { signal_of(m, kMux).mux_signal = &signal_of(m, kD); },
+       "1 selection of a multiplexor by another one", ""},
   };
   for (const auto& c : cases) {
-    std::string database = kDatabase;
-    for (std::size_t at; (at = database.find(c.from)) != std::string::npos;) {
-      database.replace(at, std::string_view(c.from).size(), c.to);
+    Conversions conversions(ZELK_KCD_MODULE);
+    const char* const db = conversions.opened(kDatabase);
+    c.change(*conversions.manager.GetDatabase(db)->messages);
+    const std::string file = conversions.exported(db);
+    EXPECT_NE(file.find(c.left_out), file.npos) << file;
+    for (const std::string name : {"M", "N", "Plain", "X", "Mux", "D"}) {
+      const bool is_gone = (" " + c.gone + " ").find(" " + name + " ") != std::string::npos;
+      EXPECT_EQ(file.find(" name=\"" + name + '"') == file.npos, is_gone) << name << file;
     }
-    EXPECT_NE(exported(database).find(c.error), std::string::npos) << exported(database);
+    EXPECT_EQ(conversions.import(file.substr(file.find("<?xml"))), "");
   }
 }
 
