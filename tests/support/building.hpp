@@ -76,8 +76,7 @@ inline void add_range(sigblk* signal, uint32_t low, uint32_t high) {
 }
 
 inline uint32_t write_to(const char* path, const Database& d, uint8_t with_ranges = 1) {
-  return zelk_write(path, d.nodes, d.messages, d.variables, d.timings, d.definitions, d.values,
-                    d.categories, d.filter, d.comment, d.version, d.types, d.tables, with_ranges);
+  return d.write(path, with_ranges);
 }
 
 /// What a write makes of a file with another content.
