@@ -46,8 +46,10 @@ static int query_and_edit(struct lists* lists) {
   CHECK(can_insert_sig(message, added, 0) == message && message->signals == added);
   muxor_val_range* range = zelk_add_multiplexor_value_range(added, signal, 3, 5);
   CHECK(range && range->high == 5 && added->mux_signal == signal);
-  can_delete_symbol(&lists->nodes, lists->nodes);
-  CHECK(strcmp(lists->nodes->name, "B") == 0);
+  symblk* node = zelk_create_symbol();
+  CHECK(node && can_insert_symbol(&lists->nodes, node, 1) == lists->nodes);
+  can_delete_symbol(&lists->nodes, node);
+  CHECK(strcmp(zelk_get_symbol_n(lists->nodes, 2)->name, "B") == 0);
   return 0;
 }
 

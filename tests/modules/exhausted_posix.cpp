@@ -1,5 +1,6 @@
 // Conversions without memory and on a full disk. The allocations and writes of the test program,
 // and of all that it loads, come here first: the dynamic linker prefers the program's functions.
+// support/failing.cpp has operator new, which calls malloc, and the full disk.
 
 #include <dlfcn.h>
 #include <gmock/gmock.h>
@@ -7,7 +8,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <new>
 
 #include "modules/conversions.hpp"
 #include "support/failing.hpp"
@@ -15,8 +15,6 @@
 namespace {
 
 using FailingHeap = FailingAllocation<struct Heap>;
-
-bool is_disk_full = false;
 
 /// The function that would have been called without the one here.
 template <typename Function>
@@ -31,12 +29,6 @@ bool fails() {
   return is_the_one;
 }
 
-void* take(std::size_t size) {
-  void* const block = std::malloc(size == 0 ? 1 : size);
-  if (!block) throw std::bad_alloc();
-  return block;
-}
-
 }  // namespace
 
 extern "C" {
@@ -46,46 +38,48 @@ void* malloc(std::size_t size) {
   return fails() ? nullptr : real(size);
 }
 
-void* calloc(std::size_t count, std::size_t size) {
+void* __real_calloc(std::size_t count, std::size_t size) {
   static auto* const real = next<void*(std::size_t, std::size_t)>("calloc");
-  return fails() ? nullptr : real(count, size);
+  return real(count, size);
+}
+
+void* calloc(std::size_t count, std::size_t size) {
+  return fails() ? nullptr : __real_calloc(count, size);
+}
+
+std::size_t __wrap_fwrite(const void* data, std::size_t size, std::size_t count, std::FILE* file);
+
+std::size_t __real_fwrite(const void* data, std::size_t size, std::size_t count, std::FILE* file) {
+  static auto* const real = next<decltype(fwrite)>("fwrite");
+  return real(data, size, count, file);
 }
 
 std::size_t fwrite(const void* data, std::size_t size, std::size_t count, std::FILE* file) {
-  static auto* const real = next<decltype(fwrite)>("fwrite");
-  if (!is_disk_full) return real(data, size, count, file);
-  errno = ENOSPC;
-  return real(data, size, count / 2, file);
+  return __wrap_fwrite(data, size, count, file);
 }
 
 }  // extern "C"
-
-void* operator new(std::size_t size) { return take(size); }
-void* operator new[](std::size_t size) { return take(size); }
-void operator delete(void* block) noexcept { std::free(block); }
-void operator delete[](void* block) noexcept { std::free(block); }
-void operator delete(void* block, std::size_t) noexcept { std::free(block); }
-void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
 
 namespace {
 
 class Exhausted : public testing::TestWithParam<const char*> {
  protected:
-  /// Fails each allocation of an operation in turn, which is to end with `error` then, or well when
-  /// it can do without, and leaves the error text that it had at the end.
+  /// Fails each allocation of an operation in turn. It ends with `error` and a reason then, or well
+  /// when it can do without; of an export, no file is left but by one that ends well.
   template <typename Operation>
   void exhaust(int error, Operation operation) {
     int result = -1;
     std::size_t n = 0;
     for (; fails_at<FailingHeap>(n, [&] { result = operation(); }); ++n) {
-      const std::string text = zelk_get_error_text();
-      const bool is_told = text.find("not enough memory") != std::string::npos;
-      EXPECT_TRUE(result == 0 || (result == error && is_told)) << n << ": " << result << text;
+      const std::string told = zelk_get_error_text();
+      const bool has_reason = told.find("not enough memory") != std::string::npos;
+      EXPECT_TRUE(result == 0 || (result == error && has_reason)) << n << ": " << result << told;
       EXPECT_EQ(std::filesystem::remove(out_), result == 0 && error == ZelkErrorNotWritten) << n;
     }
     EXPECT_GT(n, 100U);
     EXPECT_EQ(result, 0) << zelk_get_error_text();
   }
+  ZelkError exported() { return host_.exporter.Export(db_, out_.c_str()); }
 
   Conversions host_{GetParam()};
   const std::string out_ = host_.folder.path("out.x");
@@ -94,7 +88,7 @@ class Exhausted : public testing::TestWithParam<const char*> {
 };
 
 TEST_P(Exhausted, Heap) {
-  exhaust(ZelkErrorNotWritten, [this] { return host_.exporter.Export(db_, out_.c_str()); });
+  exhaust(ZelkErrorNotWritten, [this] { return exported(); });
   const std::string in = host_.folder.write("in.x", bytes_of(out_));
   std::filesystem::remove(out_);
   exhaust(ZelkErrorNoDatabase, [&] {
@@ -106,11 +100,12 @@ TEST_P(Exhausted, Heap) {
 }
 
 TEST_P(Exhausted, Disk) {
-  is_disk_full = true;
-  EXPECT_EQ(host_.exporter.Export(db_, out_.c_str()), 9);
-  is_disk_full = false;
+  {
+    const FailingWrite full(1000);
+    EXPECT_EQ(exported(), ZelkErrorNotWritten);
+  }
   EXPECT_THAT(zelk_get_error_text(),
-              testing::EndsWith("the file cannot be written: No space left on device\n"));
+              testing::EndsWith("cannot be written: No space left on device\n"));
   EXPECT_FALSE(std::filesystem::exists(out_));
 }
 
