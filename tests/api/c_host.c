@@ -36,7 +36,6 @@ static int query_and_edit(struct lists* lists) {
   msgblk* message = zelk_get_message(lists->messages, 1);
   sigblk* signal = zelk_get_signal(lists->messages, 1, "T");
   CHECK(signal && zelk_get_message_name(lists->messages, "M") == message);
-  CHECK(zelk_get_sig_factor(signal) == 0.5);
   CHECK(zelk_get_db_attrval(lists->values, "Net").number == 7);
 
   sigblk* added = zelk_create_sigblk();

@@ -82,8 +82,6 @@ TEST_F(Converters, RefuseImports) {
        "database: could not generate converted file, the module has no such function\n"},
       {"missing.module", "zelk_import", source, "a", 1,
        "database: could not generate converted file, the module cannot be loaded\n"},
-      {nullptr, "zelk_import", source, "a", 1,
-       "database: could not generate converted file, the module cannot be loaded\n"},
       {ZELK_BAD_MODULE, "half", source, "a", 1,
        "database: format error in converted file, line 7, half\n"},
       {ZELK_BAD_MODULE, "raise", source, "a", 1,
