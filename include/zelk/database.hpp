@@ -5,6 +5,7 @@
 #define ZELK_DATABASE_HPP
 
 #include <memory>
+#include <string>
 #include <type_traits>
 
 #include "zelk/types.hpp"
@@ -18,7 +19,11 @@
 namespace zelk {
 class DatabaseCopier;
 class DatabaseIndex;
+struct DatabaseFile;
 struct DatabaseLookup;
+namespace platform {
+struct FilePath;
+}
 }  // namespace zelk
 
 /// The definitions of the four attributes that carry names longer than the text format takes.
@@ -51,13 +56,18 @@ class ZELK_API ZelkPredefinedAttributes {
 /// `ZelkManager::GetDatabase` and keeps it as long as that manager has it open. The lists may be
 /// read and handed to the C interface; they are the database's, and are released with it.
 ///
+/// The counts, the path and the file time are the library's to set: by the path, as it was when it
+/// was set, and the time it finds a database again. A host that wants another file for a database
+/// gives it to `Write`.
+///
 /// Nothing raises but for the constructors and `CreateDatabase`, which raise `ZelkException` for a
 /// file that cannot be read. An exhausted heap is told in the error text.
 class ZELK_API ZelkDatabase {
  public:
   std::uint32_t ref_count = 1;    ///< managers that hold the database
   std::uint32_t cache_count = 0;  ///< releases that asked to keep it in the cache
-  char* path = nullptr;  ///< owned; the file it was read from or last written to; null for none
+  char* path = nullptr;  ///< owned; the file it was read from or last written to, as it was named;
+                         ///< null for none
   std::int64_t file_time = 0;  ///< modification time of `path` when it was read or written, in the
                                ///< system's own ticks; only equality means something
   symblk* nodes = nullptr;
@@ -81,7 +91,9 @@ class ZELK_API ZelkDatabase {
 
   /// Whether `file` names this database's file, unchanged since it was read or written: equal as
   /// absolute paths without regard to case (but for file systems that tell two such files apart),
-  /// and of the same modification time. False when either one is null or the file is gone.
+  /// and of the same modification time. A relative path leads from the working folder: `file` from
+  /// that of now, the own one from that in which it was set. False when either one is null or the
+  /// file is gone.
   bool IsPathEqual(const char* file) const;
 
   // --- The file ---
@@ -89,8 +101,11 @@ class ZELK_API ZelkDatabase {
   /// Reads the own file afresh into the emptied database; every record of it is released first.
   /// `file_time` stays as it is.
   ///
-  /// @return 0; 2 without a path; 1 when the file cannot be read, which leaves what stands before
-  /// the fault and its message line in the error text
+  /// A database that was not read whole holds what stands before the fault and is not saved:
+  /// `Write` refuses until it is read whole, cleared, or assigned to.
+  ///
+  /// @return `ZelkErrorOk`; `ZelkErrorFileNotFound` without a path; `ZelkErrorNoDatabase` when the
+  /// file cannot be read, with its message line in the error text
   ZelkError ReopenDatabaseFile();
 
   /// Writes the database, and then overwrites another instance of the same file (`Commit`).
@@ -99,16 +114,22 @@ class ZELK_API ZelkDatabase {
   /// A given file becomes the database's own as soon as it is found to be writable.
   ///
   /// @param file  null: the own file
-  /// @return 0; 2 without any path; 8 for a read-only file; 9 when the file could not be written
-  /// or names were shortened on reading (error 30 enters the error text); 10 when another open
-  /// database has the file
+  /// @return tested in this order: `ZelkErrorFileNotFound` without any path;
+  /// `ZelkErrorFileBelongs`, when another open database has the given file, or a manager that does
+  /// not have this database open edits another instance of the own one; `ZelkErrorFileBelongs`,
+  /// when the own file exists although it did not when it became that, and this database has not
+  /// written it since; `ZelkErrorReadOnly`; `ZelkErrorNotWritten`, when names were shortened on
+  /// reading (error 30), the database was not read or copied whole (error 13), or the file could
+  /// not be written, with the reason in the error text; or `ZelkErrorOk`
   ZelkError Write(const char* file);
 
   /// Copies this database over the other one of the same file that stands in the process's list;
-  /// does nothing when there is none.
+  /// does nothing when there is none. It asks nobody: what another manager has changed there and
+  /// not written is gone, and its records are other ones. `Write` refuses instead.
   void Commit();
 
-  /// Releases all lists and texts. The path, the counts, `file_time` and `write_ext_mux` stay.
+  /// Releases all lists and texts. The path, the counts, `file_time` and `write_ext_mux` stay. A
+  /// cleared database may be written, empty as it is.
   void Clear();
 
   /// Whether names were cut while the file was read.
@@ -216,6 +237,7 @@ class ZELK_API ZelkDatabase {
   friend class ZelkManager;
   friend class ZelkWriteManager;
   friend class zelk::DatabaseCopier;
+  friend struct zelk::DatabaseFile;
   friend struct zelk::DatabaseLookup;
 
   /// An empty database without a path.
@@ -227,7 +249,8 @@ class ZELK_API ZelkDatabase {
   /// Deep copies: records of their own, which refer to each other as the source's do. A reference
   /// to a record that the source does not own leads to the first record of that name or number in
   /// the copy, else it is null; an attribute value without a definition comes out without a value.
-  /// A list for which memory runs out comes out empty. The copy has holders, marks and a file time
+  /// A list for which memory runs out comes out empty, and `Write` refuses the copy; so it does the
+  /// copy of a database that was not read whole. The copy has holders, marks and a file time
   /// of its own; assigning keeps those of the target, and its `symbols_shortened` and
   /// `write_ext_mux`.
   ZelkDatabase(const ZelkDatabase& other);
@@ -272,12 +295,27 @@ class ZELK_API ZelkDatabase {
   void ForbidIndex() const;
 
   void ReadFile();
-  ZelkError WriteOwn(const char* target);
+  void CopyFrom(const ZelkDatabase& other);
+  void SetFile(const char* file);
+  void SetFile(char* text, std::shared_ptr<const zelk::platform::FilePath> file);
+  bool TakeFileOf(const ZelkDatabase& other);
+  std::string OwnFile() const;
+  bool BelongsToAnother(const char* target) const;
+  ZelkError WriteOwn(const char* file);
+  bool MayBeSaved() const;
+  ZelkError Save(const char* target);
+  ZelkDatabase* StartSaving();
   ZelkDatabase* FindListed() const;
+  static ZelkDatabase* HoldListed(const char* file);
   static void Destroy(ZelkDatabase& database);
 
   mutable std::unique_ptr<const zelk::DatabaseIndex> index_;  ///< made when it is first wanted
   mutable bool is_index_forbidden_ = false;
+  /// Of `path`, worked out when that was set.
+  std::shared_ptr<const zelk::platform::FilePath> file_;
+  bool is_being_saved_ = false;  ///< the time of the file is about to change
+  bool is_incomplete_ = false;   ///< a part was not read or copied: not to be saved
+  bool is_file_new_ = false;     ///< the own file was not there when it was set, nor written since
 };
 
 #endif

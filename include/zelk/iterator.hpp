@@ -127,7 +127,7 @@ class ZelkIterator {
   void Begin(const char* db) {
     if (db != nullptr) {
       ZelkManager::DbListNode* const node = manager_->ListFindNode(db);
-      if (node != nullptr) current_ = (node->database.*first_)(nullptr);
+      if (node != nullptr) current_ = (ZelkManager::Changeable(*node).*first_)(nullptr);
       return;
     }
     flags_ |= kAllDatabases;
@@ -138,7 +138,7 @@ class ZelkIterator {
   }
 
   void EnterDatabase() {
-    current_ = (node_->database.*first_)(nullptr);
+    current_ = (ZelkManager::Changeable(*node_).*first_)(nullptr);
     if (current_ != nullptr) name_ = node_->name;
   }
 

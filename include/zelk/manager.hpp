@@ -4,6 +4,9 @@
 #ifndef ZELK_MANAGER_HPP
 #define ZELK_MANAGER_HPP
 
+#include <memory>
+#include <vector>
+
 #include "zelk/database.hpp"
 #include "zelk/types.hpp"
 
@@ -11,6 +14,7 @@ namespace zelk {
 struct ManagerAttributes;
 struct ManagerEdits;
 struct ManagerLookups;
+struct ManagerTables;
 }  // namespace zelk
 
 class ZelkManager;
@@ -40,19 +44,37 @@ struct ZelkManagerNode {
 /// **Sharing.** Managers that open the same unchanged file share one `ZelkDatabase`, and so see
 /// each other's edits at once.
 ///
-/// Nothing raises but for the constructors, when the heap is exhausted. Managers, their databases
-/// and locks are process-wide and unguarded: one thread at a time.
+/// **None and all.** Null stands for two things: it is what `GetUniqueDatabaseName` gives when
+/// there is no such name, and as `db` it means all databases to `CloseDatabase`, `ReopenDatabase`,
+/// `UnlockDatabase`, to the write manager's `WriteDatabase`, `CommitDatabase` and `ClearDatabase`,
+/// and to lookups, iterators and counts. So never hand the one on to the other; the safe form is
+///
+///     const char* const db = manager.GetUniqueDatabaseName("motor");
+///     if (db) manager.CloseDatabase(db, false);
+///
+/// **Relative paths** lead from the working folder at the time of the call. A database keeps the
+/// file that its path led to when it was given, wherever the working folder moves later; its `path`
+/// keeps the text.
+///
+/// **Threads.** Managers of different threads may run at once, and share databases, as long as
+/// nobody edits these; one manager belongs to one thread at a time. zelk.h has the whole contract.
+/// The operations that a host overrides run in the thread that called the manager; while
+/// `OwnsDatabaseForWrite` runs, other threads wait for the lists, so that it must not wait for
+/// them.
+///
+/// Nothing raises but for the constructors, when the heap is exhausted.
 class ZELK_API ZelkManager {
  public:
   /// One open database of a manager.
   struct DbListNode {
-    char* name;              ///< owned; the handle
-    ZelkDatabase& database;  ///< to be read; who changes it gets it from `GetDatabase`
+    char* name;                    ///< owned; the handle
+    const ZelkDatabase& database;  ///< `GetDatabase` gives it to be changed
     std::uint32_t priority;
     ZelkSelectionPattern pattern;
     std::uint32_t envvar_handle_base;  ///< the manager's when the database was opened
     void* info;                        ///< the application's own
     DbListNode* next;
+    DbListNode* previous;  ///< null for the first
   };
 
   /// For a thread, whose identifier the low 32 bits of `thread` are; null: nobody is told.
@@ -77,14 +99,16 @@ class ZELK_API ZelkManager {
   ///
   /// @return false when one is refused
   virtual bool LockAllDatabases(const char* reason);
-  /// Frees this manager's locks on a database; null: all its locks.
+  /// Frees this manager's locks on a database; null: all its locks ("None and all" above).
   virtual void UnlockDatabase(const char* db);
 
   /// Whether a file can be opened.
   ///
-  /// @return 0; 2 when it does not exist
+  /// @return `ZelkErrorOk`, also for a read-only file; `ZelkErrorFileNotFound` when it does not
+  /// exist
   virtual ZelkError GetDatabaseFileInfo(const char* path) const;
-  /// Whether the file may be opened beside the managers that edit it: here always, with 0.
+  /// Whether the file may be opened beside the managers that edit it: here always
+  /// (`ZelkErrorOk`).
   virtual ZelkError CheckForWriteOpen(const char* path) const;
   /// Whether this manager has the file open for writing: here never.
   virtual bool OwnsDatabaseForWrite(const char* path) const;
@@ -108,34 +132,43 @@ class ZELK_API ZelkManager {
   /// Opens a file.
   ///
   /// @param path         in the system's encoding
-  /// @param name         receives the handle, on success and with result 4; may be null
+  /// @param name         receives the handle, with `ZelkErrorOk` and `ZelkErrorAlreadyOpen`; may be
+  /// null
   /// @param wanted_name  name for the database; null: its default name (`ZelkDatabase`)
   /// @param priority     counts only without a wanted name; with one it is 0
-  /// @return tested in this order: 7 for an invalid wanted name, 3 for one that is in use, 2 when
-  /// the file does not exist, 4 when this manager has it open, 5 when a write manager refuses, 1
-  /// when it cannot be read (`GetLastOpenError` tells why), 3 when the default name is in use; or
-  /// 0. On all but 0 and 4 nothing has changed
+  /// @return tested in this order: `ZelkErrorInvalidName` for the wanted name, `ZelkErrorNameUsed`
+  /// likewise, `ZelkErrorFileNotFound`, `ZelkErrorAlreadyOpen` when this manager has the file open,
+  /// `ZelkErrorOpenForWrite` when a write manager refuses, `ZelkErrorNoDatabase` when the file
+  /// cannot be read (`GetLastOpenError` tells why), `ZelkErrorNameUsed` for the default name; or
+  /// `ZelkErrorOk`. On all but `ZelkErrorOk` and `ZelkErrorAlreadyOpen` nothing has changed
   ZelkError OpenDatabase(const char* path, const char** name, const char* wanted_name,
                          unsigned priority);
   ZelkError OpenDatabase(const char* path, const char** name, unsigned priority);
-  /// Reads a database's file afresh; its records are other ones afterwards.
+  /// Reads a database's file afresh; its records are other ones afterwards, for every manager that
+  /// has it open.
   ///
-  /// @param db  null: all databases
-  /// @return 0; 1 when there is no such database or its file cannot be read; 2 when the file is
-  /// gone. For all databases the last error met
+  /// @param db  null: all databases ("None and all" above)
+  /// @return `ZelkErrorOk`; `ZelkErrorNoDatabase` when there is no such database, or its file
+  /// cannot be read (`ZelkDatabase::ReopenDatabaseFile`): the reason is in the error text
+  /// (errors.h), which this does not clear, and not in `GetLastOpenError`; `ZelkErrorFileNotFound`,
+  /// with the records as they were, when the file is gone or there is none. For all databases the
+  /// last error met
   ZelkError ReopenDatabase(const char* db);
   /// Closes a database; nothing happens when there is no such one. Its locks by this manager are
-  /// freed.
+  /// freed, and what was not written is gone when no other manager has it open.
   ///
-  /// @param db             null: all databases
+  /// @param db             null: all databases ("None and all" above)
   /// @param keep_in_cache  a following open of the unchanged file finds it without reading, until
   /// `FlushDatabaseCache`
   void CloseDatabase(const char* db, bool keep_in_cache);
   void CloseDatabase(bool keep_in_cache);  ///< all databases
+  /// A name alone, which the language would take for true, closes nothing.
+  template <typename T>
+  void CloseDatabase(T* db) = delete;
   /// Lets go of the databases that this manager closed into the cache.
   void FlushDatabaseCache();
-  /// Message lines of the last open, each with a line feed; empty when there was nothing to tell.
-  /// Valid until the next open.
+  /// Message lines that the calling thread reported while this manager last opened a file, each
+  /// with a line feed; empty when there were none. Valid until the next open.
   const char* GetLastOpenError() const;
 
   // --- Names ---
@@ -143,67 +176,86 @@ class ZELK_API ZelkManager {
   /// The name of the database of a file.
   ///
   /// @return of an open file the handle; of another one its default name, a new text that the
-  /// caller releases with `zelk_mfree` (the file is read into the cache); null and status 2 when
-  /// the file does not exist, null also when it cannot be read
+  /// caller releases with `zelk_mfree` (the file is read into the cache); null, with
+  /// `ZelkStatusNotFound`, when the file does not exist or cannot be read
   const char* GetDatabaseName(const char* path);
   /// Gives a database another name. The old handle is no longer valid.
   ///
   /// @param name  receives the new handle, on success only; may be null
-  /// @return 0; 1 when there is no such database, or no memory; 3 when another database of this
-  /// manager has the name; 7 when no database can have it
+  /// @return `ZelkErrorOk`; `ZelkErrorNoDatabase` when there is no such database, or no memory;
+  /// `ZelkErrorInvalidName` when no database can have the name; `ZelkErrorNameUsed` when another
+  /// database of this manager has it
   ZelkError SetDatabaseName(const char* db, const char** name, const char* new_name);
-  /// The handle whose characters are those of `text`; null, with status 2, when there is none.
+  /// The handle whose characters are those of `text`; null, with `ZelkStatusNotFound`, when there
+  /// is none. Do not pass the result on unseen: see "None and all" above.
   const char* GetUniqueDatabaseName(const char* text);
-  /// Puts the default name of a database into `buffer`, terminated (when `size` is not 0).
+  /// Puts the default name of a database into `buffer`, terminated.
   ///
-  /// @return whether it fitted whole; false, with nothing put, when there is no such database
+  /// @param buffer  null, or a `size` of 0: nothing is put
+  /// @return whether it was put whole; false, with nothing put, when there is no such database
   bool GetDefaultDatabaseName(const char* db, char* buffer, std::size_t size);
-  /// Path of the database whose name has the characters of `text`; null, with status 2, when there
-  /// is none. The database's own text.
+  /// Path of the database whose name has the characters of `text`; null, with `ZelkStatusNotFound`,
+  /// when there is none. The database's own text.
   const char* GetDatabasePath(const char* text);
   bool IsDatabaseName(const char* db);  ///< whether it is a handle of this manager; sets the status
-  /// The database, valid while it is open here; null, with status 2, when there is none.
+  /// The database, to be changed, valid while it is open here; null, with `ZelkStatusNotFound`,
+  /// when there is none. From now on, until it is read afresh, cleared or assigned to, its objects
+  /// are looked up by walks over the lists: who only reads asks for `GetConstDatabase`.
   ZelkDatabase* GetDatabase(const char* db);
+  /// The same database, to be read: its lookups stay fast.
+  const ZelkDatabase* GetConstDatabase(const char* db);
+  /// The same, of a manager that is itself only read, with the status as it was.
+  const ZelkDatabase* GetDatabase(const char* db) const;
 
   // --- Settings of one open database ---
 
-  /// @return false, with status 2, when there is no such database
+  /// @return false, with `ZelkStatusNotFound`, when there is no such database
   bool AssignSelectionPattern(const ZelkSelectionPattern& pattern, const char* db);
-  /// @return the database's pattern, valid while it is open; an empty one, with status 2, when
-  /// there is no such database
+  /// @return the database's pattern, valid while it is open; an empty one, with
+  /// `ZelkStatusNotFound`, when there is no such database
   const ZelkSelectionPattern& GetSelectionPattern(const char* db);
-  unsigned GetPriority(const char* db);  ///< 0, with status 2, when there is no such database
+  /// 0, with `ZelkStatusNotFound`, when there is no such database.
+  unsigned GetPriority(const char* db);
   /// Stores a pointer of the application's own.
   ///
-  /// @return false, with status 2, when there is no such database
+  /// @return false, with `ZelkStatusNotFound`, when there is no such database
   bool AssignDatabaseInfo(void* info, const char* db);
-  void* GetDatabaseInfo(const char* db);  ///< null, with status 2, when there is no such database
+  /// Null, with `ZelkStatusNotFound`, when there is no such database.
+  void* GetDatabaseInfo(const char* db);
 
   // --- Queries ---
 
   unsigned DatabaseCount() const;  ///< of the databases that are open here
-  /// Whether names of the database were cut while its file was read; false, with status 2, when
-  /// there is no such database.
+  /// Whether names of the database were cut while its file was read; false, with
+  /// `ZelkStatusNotFound`, when there is no such database.
   bool SymbolsShortenedOnRead(const char* db);
   /// Whether a database uses a feature that older readers do not know.
   ///
   /// @param feature  1: extended multiplexing
-  /// @return 1 or 0; -1 for an unknown feature. 0, with status 2, when there is no such database
+  /// @return 1 or 0; -1 for an unknown feature. 0, with `ZelkStatusNotFound`, when there is no such
+  /// database
   int IsNewFeatureUsed(int feature, const char* db);
   /// Whether the library can write databases that use the feature: true for 1.
   bool IsSavingOfNewFeaturePossible(int feature) const;
-  /// Result of the last operation that looked for a database by name: 0 found, 2 not found.
+  /// What became of the last operation that sets it: a `ZelkStatus`. `ZelkStatusOk` or
+  /// `ZelkStatusNotFound` from those that look for a database by handle, name, path or selection,
+  /// also from lookups with a `db`, whether or not the object itself is found; the result of
+  /// `GetAttrValueEx` and `GetAttrDefaultEx`, `ZelkStatusNotDefined` among them; and
+  /// `ZelkStatusNoDescription` or `ZelkStatusNoNumber` from lookups of value descriptions. Others
+  /// leave it as it was.
   std::uint32_t Status() const { return status_; }
 
   // --- Notifications ---
 
   /// Announces a change of `database` to all windows, and to every manager that holds it, the
-  /// sender first.
+  /// sender first. A registered sink (platform.h) runs in the calling thread; the characters of a
+  /// name that belongs to another thread's manager are for that thread to read.
   static void NotifyChanges(const ZelkManager& sender, const ZelkDatabase& database);
   /// Tells this manager's window or thread, once for each name that it has for `database`.
   void NotifyChanges(const ZelkDatabase& database, const ZelkManager& sender) const;
 
-  /// Head of the process-wide list of managers, the newest first; null when there is none.
+  /// Head of the process-wide list of managers, the newest first; null when there is none. To be
+  /// walked while no other thread makes or destroys managers.
   static const ZelkManagerNode* GetManagersList();
 
   // --- Signal values ---
@@ -589,21 +641,25 @@ class ZELK_API ZelkManager {
   template <typename T>
   friend class ZelkIterator;
 
-  struct CacheNode {
-    ZelkDatabase& database;
-    CacheNode* next;
-  };
-
-  /// Takes a database that is destroyed out of every manager's cache list.
-  static void ForgetCached(const ZelkDatabase& database);
+  /// Takes a database that is destroyed out of every manager's cache.
+  static void ForgetCached(ZelkDatabase& database);
+  static ZelkDatabase& Changeable(const DbListNode& node) {
+    return const_cast<ZelkDatabase&>(node.database);
+  }
+  static bool OwnsForWrite(const ZelkManager& manager, const char* path);
+  static bool IsFileOwnedByAnother(const ZelkDatabase& database, const char* file);
+  bool IsWrittenByOtherThread(const char* path) const;
   void EnterManagersList();
   void LeaveManagersList();
+  void AddNews(const std::vector<const ZelkDatabase*>& databases, const ZelkManager& sender,
+               std::vector<zelk_notification>& news) const;
   void KeepErrorText() noexcept;
   void CloseNode(DbListNode& node, bool keep_in_cache);
   ZelkError OpenAssigned(const char* path, const char** name, const char* wanted_name,
                          unsigned priority);
   ZelkError Reopen(ZelkDatabase& database) const;
-  void RemoveFromCache(const ZelkDatabase& database);
+  bool PutIntoCache(ZelkDatabase& database);
+  void RemoveFromCache(ZelkDatabase& database);
 
   const attr_def* FindDefinition(const char* name, const char* db) const;
   ZelkStatus DefaultFor(zelk_obj_t type, const char* name, zelk_attr_value_t& value,
@@ -621,6 +677,7 @@ class ZELK_API ZelkManager {
   DbListNode* ListFindNode(const char* db) const;
   /// `GetDatabase` for who does not hand it out.
   ZelkDatabase* FindDatabase(const char* db);
+  bool Rename(DbListNode& node, const char* name);
   /// By characters.
   DbListNode* ListFindName(const char* text) const;
   DbListNode* ListFindPath(const char* path) const;
@@ -637,7 +694,8 @@ class ZELK_API ZelkManager {
   std::uint32_t envvar_handle_base_ = 0;
   char* last_open_error_ = nullptr;
   DbListNode* databases_ = nullptr;
-  CacheNode* cache_ = nullptr;
+  std::unique_ptr<zelk::ManagerTables> tables_;  ///< with the cache
+  mutable DbListNode* last_found_ = nullptr;     ///< lookups tend to ask for the same one again
 };
 
 /// Whether a text can be the name of a database: 1 to 32 letters, digits and "_", the first no
@@ -650,7 +708,8 @@ ZELK_API bool ZelkVerifyDatabaseName(const char* text);
 /// @param db      receives `text`
 /// @param object  receives the part behind the double colon; null when the first colon is single,
 /// or there is none
-/// @return whether the text was split
+/// @return whether its first colon is a double one. Without `db` or `object` that is all: the text
+/// stays as it is
 ZELK_API bool ZelkSplitQualifiedName(char* text, const char** db, const char** object);
 
 /// Stand for a null link of a view filter: what it says of objects without a category (category 0),

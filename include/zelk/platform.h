@@ -41,8 +41,8 @@ typedef struct zelk_notification {
   const char* database_name;
 } zelk_notification;
 
-/// Takes a notification. It is called while the library walks its lists: it notes what it needs and
-/// returns without calling the library.
+/// Takes a notification, in the thread that announces a change. Managers of several threads may
+/// announce at once.
 ///
 /// @param notification  borrowed for the call
 /// @param context       as registered

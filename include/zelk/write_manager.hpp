@@ -39,7 +39,9 @@ class ZELK_API ZelkWriteManager : public ZelkManager {
 
   bool LockDatabase(const char* db, const char* reason) override;
   bool LockAllDatabases(const char* reason) override;
-  /// 5 when any write manager has the file open, this one included; else 0.
+  /// `ZelkErrorOpenForWrite` when any write manager has the file open, this one included; else
+  /// `ZelkErrorOk`. Managers that this thread does not use are not asked by their
+  /// `OwnsDatabaseForWrite`: of those the write managers count.
   ZelkError CheckForWriteOpen(const char* path) const override;
   /// Whether one of this manager's databases is that of the file (`ZelkDatabase::IsPathEqual`).
   bool OwnsDatabaseForWrite(const char* path) const override;
@@ -54,24 +56,28 @@ class ZELK_API ZelkWriteManager : public ZelkManager {
   ///
   /// @param db    its name
   /// @param name  receives the handle on success; may be null
-  /// @param path  the file that it is for; null for none yet
-  /// @return tested in this order: 7 for an invalid name, 3 for one that is in use, 10 when the
-  /// file exists or an open database of any manager is for it, 1 when the heap is exhausted; or 0
+  /// @param path  the file that it is for; null for none yet. Another database may be for it too:
+  /// the one that is written first gets it (`ZelkDatabase::Write`)
+  /// @return tested in this order: `ZelkErrorInvalidName`, `ZelkErrorNameUsed`,
+  /// `ZelkErrorFileBelongs` when the file exists, `ZelkErrorNoDatabase` when the heap is exhausted;
+  /// or `ZelkErrorOk`
   ZelkError CreateDatabase(const char* db, const char** name, const char* path);
   /// Writes a database (`ZelkDatabase::Write`) and announces it to all managers that have it.
   ///
-  /// @param db    null: every database, each to its own file
+  /// @param db    null: every database, each to its own file ("None and all" in `ZelkManager`)
   /// @param path  null: the own file; without `db` it does not count
-  /// @return 9 when there is no such database; 11 when another manager holds a lock on it, which
-  /// the user is told; else as `ZelkDatabase::Write`. For all databases: 11 at the first one that
-  /// is locked, with none written; else the first error met, while the others are written
+  /// @return `ZelkErrorNotWritten` when there is no such database; `ZelkErrorLocked` when another
+  /// manager holds a lock on it, which the user is told; else as `ZelkDatabase::Write`. For all
+  /// databases: `ZelkErrorLocked` at the first one that is locked, with none written; else the
+  /// first error met, while the others are written
   ZelkError WriteDatabase(const char* db, const char* path);
-  /// Copies a database over another instance of the same file (`ZelkDatabase::Commit`), and
-  /// announces it, whether or not there was one.
+  /// Copies a database over another instance of the same file (`ZelkDatabase::Commit`, also for
+  /// what that does to somebody else's edits), and announces it, whether or not there was one.
   ///
-  /// @param db  null: every database
+  /// @param db  null: every database ("None and all" in `ZelkManager`)
   void CommitDatabase(const char* db);
-  /// Empties a database (`ZelkDatabase::Clear`) without announcing it; null: every database.
+  /// Empties a database (`ZelkDatabase::Clear`) without announcing it; null: every database ("None
+  /// and all" in `ZelkManager`).
   void ClearDatabase(const char* db);
   /// Sets whether extended multiplexing is written.
   ///
@@ -420,7 +426,9 @@ class ZELK_API ZelkWriteManager : public ZelkManager {
  private:
   friend struct zelk::ManagerEdits;
 
-  ZelkError CheckForLock(ZelkDatabase& database);
+  template <typename Operation>
+  void ForNamedOrAll(const char* db, Operation operation);
+  ZelkError CheckForLock(const ZelkDatabase& database);
   ZelkError WriteAndNotify(ZelkDatabase& database, const char* path);
   ZelkError WriteAllDatabases();
 };

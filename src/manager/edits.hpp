@@ -28,7 +28,7 @@ struct ManagerEdits {
   static ZelkDatabase* holder(ZelkWriteManager& manager, const Record& record, const char* db) {
     for (ZelkManager::DbListNode* node = manager.databases_; node; node = node->next) {
       if (db && node->name != db) continue;
-      if (holds(node->database, record)) return &node->database;
+      if (holds(node->database, record)) return &ZelkManager::Changeable(*node);
     }
     return nullptr;
   }

@@ -14,6 +14,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <string>
 
 #include "zelk/platform.h"
 
@@ -84,11 +85,24 @@ struct FileStatus {
 /// @return none when nothing of that name exists, or it cannot be asked for
 std::optional<FileStatus> file_status(const char* path);
 
-/// Whether two paths name one file: made absolute, they are equal but for the case of letters, and
-/// where they differ in case they do not lead to two different files.
+/// A path, and where it led when this was made, whatever becomes of the working folder.
+struct FilePath {
+  // NOLINTNEXTLINE(google-explicit-constructor): a path like any other
+  FilePath(const char* path);
+
+  std::string text;  ///< as it was given
+  /// From the root on; as it was given when that cannot be said in the system's encoding.
+  std::string absolute;
+  /// Equal for paths whose absolute forms, without "." and "..", differ in nothing but the case of
+  /// letters. Empty when the path cannot be made absolute.
+  std::string key;
+};
+
+/// Whether two paths name one file: their keys are equal, and they do not lead to two different
+/// files.
 ///
 /// @return false also when a path cannot be made absolute
-bool is_same_path(const char* a, const char* b);
+bool is_same_path(const FilePath& a, const FilePath& b);
 
 /// The bytes that begin a double-byte character in the process's code page; none in single-byte
 /// code pages, nor in those (such as UTF-8) in which no later byte of a character can be an ASCII

@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstring>
 #include <cwchar>
 #include <filesystem>
@@ -38,10 +39,16 @@ bool begins_character(char byte) {
 }
 
 /// Empty when the working folder is gone.
-std::string absolute_path(const char* path) {
+std::filesystem::path absolute_path(const char* path) {
   std::error_code error;
-  const std::filesystem::path absolute = std::filesystem::absolute(path, error);
-  return error ? std::string() : absolute.lexically_normal().string();
+  std::filesystem::path absolute = std::filesystem::absolute(path, error);
+  return error ? std::filesystem::path() : absolute;
+}
+
+/// Case is that of ASCII letters, in whatever locale the process is.
+char lower_case(char character) {
+  const bool is_upper = character >= 'A' && character <= 'Z';
+  return is_upper ? static_cast<char>(character - 'A' + 'a') : character;
 }
 
 /// What a path names in the end, there or not.
@@ -173,12 +180,18 @@ std::optional<FileStatus> file_status(const char* path) {
   return FileStatus{{nanoseconds(status.st_mtim)}, (status.st_mode & S_IWUSR) != 0};
 }
 
-bool is_same_path(const char* a, const char* b) {
-  const std::string absolute_a = absolute_path(a);
-  const std::string absolute_b = absolute_path(b);
-  if (absolute_a.empty() || strcasecmp(absolute_a.c_str(), absolute_b.c_str()) != 0) return false;
-  // Equal texts, too, may lead to two files: behind a link to a folder ".." is another place.
-  return !are_different_files(a, b);
+FilePath::FilePath(const char* path) : text(path), absolute(text) {
+  const std::filesystem::path whole = absolute_path(path);
+  if (whole.empty()) return;
+  absolute = whole.string();
+  key = whole.lexically_normal().string();
+  std::transform(key.begin(), key.end(), key.begin(), lower_case);
+}
+
+bool is_same_path(const FilePath& a, const FilePath& b) {
+  if (a.key.empty() || a.key != b.key) return false;
+  // Equal keys, too, may lead to two files: behind a link to a folder ".." is another place.
+  return a.absolute == b.absolute || !are_different_files(a.absolute.c_str(), b.absolute.c_str());
 }
 
 std::array<bool, 256> lead_bytes() {

@@ -32,6 +32,26 @@ std::wstring absolute_path(const char* path) {
   return absolute;
 }
 
+/// In the process's code page; none when that lacks a character.
+std::optional<std::string> narrow(const std::wstring& text) {
+  const auto size = static_cast<int>(text.size());
+  const int narrow_size =
+      WideCharToMultiByte(CP_ACP, 0, text.data(), size, nullptr, 0, nullptr, nullptr);
+  std::string result(static_cast<std::size_t>(narrow_size), '\0');
+  WideCharToMultiByte(CP_ACP, 0, text.data(), size, result.data(), narrow_size, nullptr, nullptr);
+  if (wide(result.c_str()) != text) return std::nullopt;
+  return result;
+}
+
+/// Letter by letter, as file systems compare names.
+std::wstring upper_case(const std::wstring& text) {
+  std::wstring result(text.size(), L'\0');
+  const auto size = static_cast<int>(text.size());
+  LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_UPPERCASE, text.data(), size, result.data(), size,
+                nullptr, nullptr, 0);
+  return result;
+}
+
 /// The longest path that is used as it is written: it leaves room for another name in its folder.
 constexpr std::size_t kPlainPathMax = MAX_PATH - 60;
 
@@ -167,15 +187,17 @@ std::optional<FileStatus> file_status(const char* path) {
   return FileStatus{{(high << 32) | data.ftLastWriteTime.dwLowDateTime}, !is_read_only};
 }
 
-bool is_same_path(const char* a, const char* b) {
-  const std::wstring absolute_a = absolute_path(a);
-  const std::wstring absolute_b = absolute_path(b);
-  constexpr BOOL kIgnoreCase = TRUE;
-  if (absolute_a.empty() || CompareStringOrdinal(absolute_a.c_str(), -1, absolute_b.c_str(), -1,
-                                                 kIgnoreCase) != CSTR_EQUAL) {
-    return false;
-  }
-  return absolute_a == absolute_b || !are_different_files(a, b);
+FilePath::FilePath(const char* path) : text(path), absolute(text) {
+  const std::wstring whole = absolute_path(path);
+  if (whole.empty()) return;
+  absolute = narrow(whole).value_or(text);
+  const std::wstring folded = upper_case(whole);
+  key.assign(reinterpret_cast<const char*>(folded.data()), folded.size() * sizeof(wchar_t));
+}
+
+bool is_same_path(const FilePath& a, const FilePath& b) {
+  if (a.key.empty() || a.key != b.key) return false;
+  return a.absolute == b.absolute || !are_different_files(a.absolute.c_str(), b.absolute.c_str());
 }
 
 std::array<bool, 256> lead_bytes() {
