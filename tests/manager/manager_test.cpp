@@ -2,12 +2,28 @@
 
 #include <array>
 #include <memory>
+#include <type_traits>
+#include <utility>
 
 #include "model/memory.hpp"
 #include "support/failing.hpp"
+#include "support/files.hpp"
 #include "zelk/errors.h"
 
 namespace {
+
+// A name alone would be converted to true, and close everything.
+template <typename Argument>
+constexpr bool kCanClose = requires(ZelkManager& m, Argument a) {
+  m.CloseDatabase(a);
+};
+static_assert(kCanClose<bool> && kCanClose<int>);
+static_assert(!kCanClose<const char*> && !kCanClose<char*> && !kCanClose<const char (&)[6]>);
+
+// What is there to be read cannot be changed by mistake.
+static_assert(std::is_same_v<decltype(ZelkManager::DbListNode::database), const ZelkDatabase&>);
+static_assert(std::is_same_v<decltype(std::declval<const ZelkManager&>().GetDatabase("a")),
+                             const ZelkDatabase*>);
 
 using Opening = ManagerTest;
 using Caching = ManagerTest;
@@ -89,16 +105,9 @@ TEST_F(Opening, TestsInOrder) {
   manager.calls.clear();
   EXPECT_EQ(manager.ReopenDatabase(held), 0);
   EXPECT_EQ(manager.calls, "info ");
-  EXPECT_EQ(manager.OpenDatabase(twin.c_str(), nullptr, "twin", 0), 0);
-}
-
-TEST_F(Opening, TakesReadOnlyFiles) {
-  const std::string path = folder.write("a.dbc", kDatabase);
-  Folder::set_read_only(path, true);
-  Manager manager;
-  EXPECT_EQ(manager.GetDatabaseFileInfo(path.c_str()), 0);
-  open(manager, path);
-  Folder::set_read_only(path, false);
+  Folder::set_read_only(twin, true);
+  EXPECT_EQ(manager.OpenDatabase(twin.c_str(), nullptr, "twin", 0), 0) << "also a read-only file";
+  Folder::set_read_only(twin, false);
 }
 
 TEST_F(Opening, OrdersByPriority) {
@@ -138,6 +147,41 @@ TEST_F(Opening, SharesUnchangedFiles) {
   std::filesystem::remove(path);
   EXPECT_EQ(first.OpenDatabase(path.c_str(), nullptr, "gone", 0), 2);
   EXPECT_STREQ(shared->nodes->name, "A");
+}
+
+TEST_F(Opening, OrdersAmongMany) {
+  const std::string path = folder.write("a.dbc", kDatabase);
+  Manager manager;
+  std::vector<const char*> names;
+  for (int i = 0; i < 8; ++i) {
+    Folder::touch(path, i);
+    names.push_back(open(manager, path, ("n" + std::to_string(i)).c_str()));
+  }
+  for (const std::size_t closed : {0U, 3U, 7U, 4U}) manager.CloseDatabase(names[closed], false);
+  std::string order;
+  for (const auto* node : manager.GetDatabaseNameIterator()) order += node->name;
+  EXPECT_EQ(order, "n1n2n5n6");
+  EXPECT_EQ(manager.GetUniqueDatabaseName("n3"), nullptr);
+  EXPECT_EQ(manager.GetUniqueDatabaseName("n5"), names[5]);
+}
+
+// What its path led to when it was given stays its file.
+TEST_F(Opening, KeepsTheFileOfARelativePath) {
+  const std::string path = folder.write("a.dbc", kDatabase);
+  const std::filesystem::path here = std::filesystem::current_path();
+  Manager manager;
+  const char* const name = open(manager, path);
+  std::filesystem::create_directories(folder.path("there/" + path));
+  std::filesystem::current_path(folder.path("there"));
+  EXPECT_EQ(manager.OpenDatabase((here / path).string().c_str(), nullptr, 0), 4);
+  EXPECT_EQ(manager.OpenDatabase("a.dbc", nullptr, "elsewhere", 0), 2);
+  EXPECT_EQ(manager.ReopenDatabase(name), 0);
+  manager.GetDatabase(name)->SetComment("saved");
+  EXPECT_EQ(manager.GetDatabase(name)->Write(nullptr), 0);
+  EXPECT_STREQ(manager.GetDatabasePath("a"), path.c_str());
+  std::filesystem::current_path(here);
+  EXPECT_NE(content_of(path), kDatabase);
+  EXPECT_EQ(manager.OpenDatabase(path.c_str(), nullptr, 0), 4);
 }
 
 TEST_F(Opening, KeepsTheErrorText) {
@@ -218,7 +262,7 @@ int opened_nevertheless(const char* open_path, const char* path) {
 
 TEST_F(Opening, WithoutMemory) {
   const std::string a = folder.write("a.dbc", kDatabase);
-  const std::string b = folder.write("b.dbc", kDatabase);
+  const std::string b = folder.write("b.dbc", "NS_: FIRST SECOND\nBS_:\nBU_: A\n");
   constexpr int kWithoutErrorText = 1;  // its copy is not worth the database
   EXPECT_EQ(opened_nevertheless<FailingCalloc>(a.c_str(), b.c_str()), kWithoutErrorText);
   EXPECT_EQ(opened_nevertheless<FailingNew>(a.c_str(), b.c_str()), 0);
@@ -263,28 +307,22 @@ struct TwoManagers {
 
 TEST_F(Caching, SparesReading) {
   const struct {
-    const char* steps;  ///< the last one opens
-    const char* node;   ///< what it finds
+    std::string_view steps;  ///< the last one opens
+    const char* node;        ///< what it finds
   } cases[] = {
-      {"oc!o", "New"},    {"ok!o", "Old"},
-      {"ok!oco", "New"},  // opening takes the mark away
-      {"okf!o", "New"},   {"okok!o", "Old"},
-      {"okokf!o", "New"}, {"ok!O", "Old"},  // of another manager too
-      {"okF!o", "Old"},   {"n!o", "Old"},
-      {"nf!o", "New"},    {"nn!O", "Old"},
-      {"oOkC!o", "Old"},  {"oOkCf!o", "New"},
-      {"oOkf!o", "Old"},  // the other one holds it
-      {"oOkK!fo", "Old"}, {"oOkKf!FO", "New"},
+      {"oc!o", "New"},    {"ok!o", "Old"},    {"ok!oco", "New"},   // opening takes the mark away
+      {"okf!o", "New"},   {"ok!O", "Old"},    {"okokf!o", "New"},  // of another manager too
+      {"okF!o", "Old"},   {"n!o", "Old"},     {"nf!o", "New"},
+      {"oOkC!o", "Old"},  {"oOkCf!o", "New"}, {"oOkf!o", "Old"},  // the other one holds it
       {"okOC!o", "New"},   // the second open took away the first one's mark
       {"okOKf!O", "New"},  // and the first one's flush that of the second
   };
   for (const auto& c : cases) {
     TwoManagers two{folder};
-    const std::string steps = c.steps;
-    for (const char step : steps) two.take(step);
-    const ZelkDatabase* const opened = two.database(steps.back() == 'o' ? 0 : 1);
-    ASSERT_NE(opened, nullptr) << steps;
-    EXPECT_STREQ(opened->nodes->name, c.node) << steps;
+    for (const char step : c.steps) two.take(step);
+    const ZelkDatabase* const opened = two.database(c.steps.back() == 'o' ? 0 : 1);
+    ASSERT_NE(opened, nullptr) << c.steps;
+    EXPECT_STREQ(opened->nodes->name, c.node) << c.steps;
   }
 }
 

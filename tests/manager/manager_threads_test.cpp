@@ -50,7 +50,7 @@ TEST_F(ManagerThreads, ShareWhatTheyRead) {
     Manager manager;
     const std::string own = "own" + std::to_string(thread);
     const char* const a = open(manager, shared, own.c_str());
-    const char* const b = open(manager, folder.write(own + ".dbc", kDatabase));
+    const char* const b = open(manager, folder.write(own + ".dbc", kDatabase), "b");
     EXPECT_EQ(manager.GetConstDatabase(a), held);
     EXPECT_EQ(manager.GetMessage("M", a), held->messages);
     EXPECT_EQ(manager.GetMessage(1UL, static_cast<const char*>(nullptr)), held->messages);
