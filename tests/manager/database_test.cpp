@@ -10,35 +10,6 @@ namespace {
 
 constexpr std::string_view kNodes = "BS_:\nBU_: A B\n";
 
-using Sharing = DatabaseTest;
-
-// Each letter is a step: o opens the file, d and k give a hold back, k for the cache, r releases
-// what nobody holds. Expected are holds and marks, or nothing for a database that is gone.
-TEST_F(Sharing, UntilTheLastHoldAndMark) {
-  const std::string path = folder_.write("a.dbc", kNodes);
-  const std::string_view cases[] = {
-      "od",   "",    "or",    "1,0", "ood",   "1,0", "oodd",   "",    "odo",      "1,0",
-      "ok",   "0,1", "okr",   "",    "oko",   "1,0", "okod",   "",    "oodk",     "0,1",
-      "ookd", "0,1", "ookr",  "1,1", "ookrd", "0,1", "ooko",   "2,0", "ookodd",   "",
-      "ookk", "0,2", "ookkr", "",    "ookko", "1,1", "ookkod", "0,1", "ookkoodd", ""};
-  for (std::size_t i = 0; i < std::size(cases); i += 2) {
-    for (const char step : cases[i]) {
-      if (step == 'o') OwnDatabase::open(path);
-      if (step == 'r') OwnDatabase::ReleaseCache();
-      if (step != 'd' && step != 'k') continue;
-      OwnDatabase::DestroyDatabase(*zelk::database_list().front(), step == 'k');
-    }
-    std::string counts;
-    for (const ZelkDatabase* d : zelk::database_list()) {
-      counts += std::to_string(d->ref_count) + "," + std::to_string(d->cache_count);
-    }
-    ASSERT_EQ(counts, cases[i + 1]) << cases[i];
-    if (counts.empty()) continue;
-    zelk::database_list().front()->ref_count = 0;
-    OwnDatabase::ReleaseCache();
-  }
-}
-
 // --- Identity ---
 
 using Identity = DatabaseTest;
