@@ -11,10 +11,12 @@
 #include "zelk/lock.hpp"
 
 ZelkWriteManager::ZelkWriteManager(void* thread) : ZelkManager(thread) {
+  const zelk::ListGuard guard;
   tables_->is_for_writing = true;
 }
 
 ZelkWriteManager::ZelkWriteManager(HWND window) : ZelkManager(window) {
+  const zelk::ListGuard guard;
   tables_->is_for_writing = true;
 }
 
