@@ -142,29 +142,4 @@ TEST_F(Content, IsNotSavedUnlessItIsWhole) {
   }
 }
 
-TEST_F(Content, IsCommittedToTheOtherInstance) {
-  const std::string path = folder_.write("a.dbc", kNodes);
-  ZelkDatabase& listed = OwnDatabase::open(path);
-  OwnDatabase changed(path), none;
-  changed.SetComment("changed");
-  set(changed.nodes->name, "Z");
-  changed.ref_count = 7;
-  changed.write_ext_mux = 0;
-  changed.symbols_shortened = 1;
-  none.Commit();
-  listed.Commit();
-  changed.Commit();
-  EXPECT_EQ(describe(listed), "comment \"changed\"\nnode Z\nnode B\n");
-  EXPECT_EQ(describe(changed), "comment \"changed\"\nnode Z\nnode B\n");
-  EXPECT_EQ(listed.ref_count, 1u);
-  EXPECT_EQ(listed.write_ext_mux, 1);
-  EXPECT_FALSE(listed.SymbolsShortenedOnRead());
-  EXPECT_EQ(OwnDatabase::find(path), &listed);
-  changed.SetComment("later");
-  Folder::touch(path, 1);
-  changed.Commit();
-  EXPECT_STREQ(listed.comment, "changed") << "no instance of the changed file is listed";
-  OwnDatabase::DestroyDatabase(listed, false);
-}
-
 }  // namespace
