@@ -279,8 +279,8 @@ const char* ZelkManager::ListInsertDatabase(ZelkDatabase& database, const char* 
   const zelk::ListGuard guard;
   tables_->thread = std::this_thread::get_id();
   tables_->enter(*node, databases_);
-  node.release();
-  envvar_handle_base_ += static_cast<std::uint32_t>(database.GetMaxEnvvarHandle());
+  const DbListNode& listed = *node.release();
+  envvar_handle_base_ += static_cast<std::uint32_t>(listed.database.GetMaxEnvvarHandle());
   return copy.release();
 }
 

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -47,7 +48,8 @@ TEST(ProcessExit, DISABLED_Host) {
 TEST(ProcessExit, GlobalObjectsSave) {
   const Folder folder;
   for (const char* name : {"first.dbc", "last.dbc"}) folder.write(name, "BS_:\nBU_: A\n");
-  const std::string output = folder.path("output.txt");
+  const std::string output =
+      std::filesystem::path(folder.path("output.txt")).make_preferred().string();
   const std::string command =
       testing::internal::GetArgvs()[0] +
       " --gtest_also_run_disabled_tests --gtest_filter=ProcessExit.DISABLED_Host > " + output;
