@@ -4,6 +4,7 @@
 #ifndef ZELK_DATABASE_HPP
 #define ZELK_DATABASE_HPP
 
+#include <atomic>
 #include <memory>
 #include <type_traits>
 
@@ -19,6 +20,8 @@ namespace zelk {
 class DatabaseCopier;
 class DatabaseIndex;
 struct DatabaseLookup;
+struct ListEnds;
+struct ManagerEdits;
 }  // namespace zelk
 
 /// The definitions of the four attributes that carry names longer than the text format takes.
@@ -117,52 +120,72 @@ class ZELK_API ZelkDatabase {
   // --- Objects ---
   //
   // Lookups: first match in list order, names byte by byte as in query.h; null when there is none
-  // or the name is null. The records are the database's.
+  // or the name is null. The records are the database's. For a literal null say which type is
+  // meant: `GetMessage(nullptr)` and `GetMessage(0)` are ambiguous.
   //
-  // Who gets a record or the database itself this way can change it: from then on, and for good,
-  // managers look its objects up by walks over the lists and no more by an index.
+  // Lookups go through an index, and take the same time whatever the size of the database, as long
+  // as no host can change its records. A host can do so from the moment when it gets one to be
+  // changed, by a lookup in a database that is not const, `ZelkManager::GetDatabase`, a creation or
+  // a lookup or iterator of a write manager: it may write to such a record at any later time, so
+  // that lookups walk the lists, until the database is next read, cleared or assigned to. Lookups
+  // in a const database, and those of `ZelkManager`, give nothing away. What hangs on a const
+  // record is not to be changed either, although its links are not const.
+  //
+  // Several threads may use lookups in one database as long as all of them are const.
   //
   // Creation: a record with the values of model.h, linked in front of the record at position
   // `index` (0: the first), behind the last one when there are fewer. Null when the heap is
-  // exhausted.
+  // exhausted. Creation behind the last record takes the same time whatever the size of the list,
+  // when nothing was deleted or inserted elsewhere since the last one.
   //
   // Deletion: as the functions `can_delete_*` of model.h, which tell what is not released and that
   // other records' references are the caller's to settle.
 
-  symblk* GetNode(const char* name) const;
+  const symblk* GetNode(const char* name) const;
+  symblk* GetNode(const char* name);
   symblk* CreateNode(unsigned index);
   void DeleteNode(symblk& node);
 
-  msgblk* GetMessage(const char* name) const;
-  msgblk* GetMessage(unsigned long id) const;  ///< all 32 bits count; bit 31: extended
+  const msgblk* GetMessage(const char* name) const;
+  msgblk* GetMessage(const char* name);
+  const msgblk* GetMessage(unsigned long id) const;  ///< all 32 bits count; bit 31: extended
+  msgblk* GetMessage(unsigned long id);
   msgblk* CreateMessage(unsigned index);
   void DeleteMessage(msgblk& message);
 
-  env_var_blk* GetEnvvar(const char* name) const;
+  const env_var_blk* GetEnvvar(const char* name) const;
+  env_var_blk* GetEnvvar(const char* name);
   env_var_blk* CreateEnvvar(unsigned index);
   void DeleteEnvvar(env_var_blk& variable);
 
-  btlblk* GetBitTiming(unsigned short baudrate) const;
+  const btlblk* GetBitTiming(unsigned short baudrate) const;
+  btlblk* GetBitTiming(unsigned short baudrate);
   btlblk* CreateBitTiming(unsigned index);
   void DeleteBitTiming(btlblk& bit_timing);
 
-  valtable* GetValueTable(const char* name) const;
+  const valtable* GetValueTable(const char* name) const;
+  valtable* GetValueTable(const char* name);
   valtable* CreateValueTable(unsigned index);
   void DeleteValueTable(valtable& table);
 
-  sigtype* GetSignalType(const char* name) const;
+  const sigtype* GetSignalType(const char* name) const;
+  sigtype* GetSignalType(const char* name);
   sigtype* CreateSignalType(unsigned index);
   void DeleteSignalType(sigtype& type);
 
   cat* CreateCategory(unsigned index);
   void DeleteCategory(cat& category);
 
-  attr_def* GetAttrDef(const char* name) const;
+  /// The first definition of that name, of whatever kind; `ZelkManager::GetAttrDefinition` gives
+  /// that of an object.
+  const attr_def* GetAttrDef(const char* name) const;
+  attr_def* GetAttrDef(const char* name);
   attr_def* CreateAttrDef(unsigned index);
   /// Also forgets the definition as one of the long-name attributes.
   void DeleteAttrDef(attr_def& definition);
-  /// Gives the definition another name, cut to 32 characters. One that takes on the name of a
-  /// long-name attribute gives its values to the objects as their names at once.
+  /// Gives the definition another name, cut to 32 characters; null: nothing happens. One that takes
+  /// on the name of a long-name attribute gives its values to the objects as their names at once,
+  /// as `CheckAndInsertPredefinedAttrs` does.
   void RenameAttrDef(attr_def& definition, const char* name);
 
   /// The message of a J1939 frame, as `zelk_get_j1939_message` finds it.
@@ -170,7 +193,8 @@ class ZELK_API ZelkDatabase {
   /// @param id     identifier of the frame; without bit 31 it is looked up as it is
   /// @param flags  `ZELK_J1939_PGN_IDS`, `ZELK_J1939_FRAME_FORMAT`; without either the first counts
   /// when `HasJ1939GroupNumbers`, else the second
-  msgblk* GetJ1939Message(unsigned long id, unsigned long flags) const;
+  const msgblk* GetJ1939Message(unsigned long id, unsigned long flags) const;
+  msgblk* GetJ1939Message(unsigned long id, unsigned long flags);
   /// `flags` with what the database decides when they say nothing.
   static std::uint32_t J1939Flags(std::uint32_t flags, bool has_group_numbers);
   /// Whether the database says that its messages' identifiers are J1939 group numbers: the network
@@ -186,8 +210,12 @@ class ZELK_API ZelkDatabase {
   /// gives the records away to be changed, as the lookups above do.
   template <typename T>
   T* Walk(T* object) {
-    if constexpr (!std::is_const_v<T>) ForbidIndex();
-    return object ? object->next : ListOf(static_cast<const T*>(nullptr));
+    T* const found = object ? object->next : ListOf(static_cast<const T*>(nullptr));
+    if constexpr (std::is_const_v<T>) {
+      return found;
+    } else {
+      return HandOut(found);
+    }
   }
 
   // --- Texts and settings ---
@@ -197,15 +225,17 @@ class ZELK_API ZelkDatabase {
   void WriteExtendedMultiplexing(bool on) { write_ext_mux = on ? 1 : 0; }
 
   /// The name that the database has by itself: the network attribute "DBName" (its value, else its
-  /// default) when that is defined as a text, else the file's name without folder and extension.
-  /// Characters that no database name has are dropped, in front of the first valid one replaced by
+  /// default, which also counts for a value whose text is null) when that is defined as a text,
+  /// else the file's name without folder and extension. Characters that no database name has are
+  /// dropped, in front of the first valid one replaced by
   /// "_", as is a leading digit; at most 32 characters are left.
   ///
   /// @return released by the caller with `zelk_mfree`; null when the heap is exhausted
   char* GetDefaultName() const;
 
   /// Enters a definition that is one of the long-name attributes: its values become the names of
-  /// their objects, but for those that no file could hold as a name.
+  /// their objects. A value that no file could hold as a name is left out and reported
+  /// (`ZELK_ERR_FORMAT` with the value enters the error text); an empty one is left out.
   void CheckAndInsertPredefinedAttrs(attr_def& definition);
   /// Forgets the definition as one of the long-name attributes. Names stay: they are the only ones
   /// that the objects have.
@@ -217,6 +247,7 @@ class ZELK_API ZelkDatabase {
   friend class ZelkWriteManager;
   friend class zelk::DatabaseCopier;
   friend struct zelk::DatabaseLookup;
+  friend struct zelk::ManagerEdits;
 
   /// An empty database without a path.
   ZelkDatabase();
@@ -266,18 +297,35 @@ class ZELK_API ZelkDatabase {
 
   /// Null when the lists are to be walked.
   const zelk::DatabaseIndex* Index() const;
-  /// The lists have changed.
+  /// The lists are new ones, of which no host has a record.
   void DropIndex() const;
   /// The lists can change without being told.
   void ForbidIndex() const;
+
+  /// Where every record passes, and the database itself, that a host may change from then on, or
+  /// that the library changes.
+  template <typename T>
+  T* HandOut(const T* found) const {
+    if (found) ForbidIndex();
+    return const_cast<T*>(found);
+  }
+  bool IsHandedOut() const { return makes_no_index_.load(std::memory_order_relaxed) && !index_; }
+  template <typename Record>
+  Record* CreateAt(Record*& list, unsigned index, Record* (*create)());
+  template <typename Record>
+  void Delete(Record*& list, Record& record, void (*remove)(Record**, Record*));
 
   void ReadFile();
   ZelkError WriteOwn(const char* target);
   ZelkDatabase* FindListed() const;
   static void Destroy(ZelkDatabase& database);
 
-  mutable std::unique_ptr<const zelk::DatabaseIndex> index_;  ///< made when it is first wanted
-  mutable bool is_index_forbidden_ = false;
+  /// Made by the first const lookup and published when it is whole; what was made stays until the
+  /// lists go.
+  mutable std::unique_ptr<const zelk::DatabaseIndex> made_index_;
+  mutable std::atomic<const zelk::DatabaseIndex*> index_ = nullptr;
+  mutable std::atomic<bool> makes_no_index_ = false;
+  mutable std::unique_ptr<zelk::ListEnds> ends_;  ///< made when it is first wanted
 };
 
 #endif

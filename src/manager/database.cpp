@@ -8,6 +8,7 @@
 #include "manager/copier.hpp"
 #include "manager/database_index.hpp"
 #include "manager/database_list.hpp"
+#include "manager/list_ends.hpp"
 #include "model/errors.hpp"
 #include "model/memory.hpp"
 #include "platform/platform.hpp"

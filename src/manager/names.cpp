@@ -51,9 +51,8 @@ const char* ZelkManager::GetDatabasePath(const char* text) {
 bool ZelkManager::IsDatabaseName(const char* db) { return ListFindDatabase(db) != nullptr; }
 
 ZelkDatabase* ZelkManager::GetDatabase(const char* db) {
-  ZelkDatabase* const database = FindDatabase(db);
-  if (database) database->ForbidIndex();
-  return database;
+  const ZelkDatabase* const database = FindDatabase(db);
+  return database ? database->HandOut(database) : nullptr;
 }
 
 ZelkDatabase* ZelkManager::FindDatabase(const char* db) {

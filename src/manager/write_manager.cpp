@@ -55,13 +55,6 @@ bool ZelkWriteManager::OwnsDatabaseForWrite(const char* path) const try {
   return true;  // who cannot tell must not let a second one in
 }
 
-/// The records are this manager's to change, and so no index may know them.
-ZelkDatabase& ZelkWriteManager::AssignDatabase(const char* path) {
-  ZelkDatabase& database = ZelkManager::AssignDatabase(path);
-  database.ForbidIndex();
-  return database;
-}
-
 ZelkError ZelkWriteManager::CreateDatabase(const char* db, const char** name,
                                            const char* path) try {
   if (!ZelkVerifyDatabaseName(db)) return ZelkErrorInvalidName;

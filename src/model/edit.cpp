@@ -21,6 +21,7 @@ Record* link_behind(Record* head, Record* record, std::uint32_t position) {
 
 template <typename Record>
 void* insert(Record** head, Record* record, std::uint32_t position) {
+  count_list_change<Record>();
   if (position > 0) return link_behind(*head, record, position);
   link_in_front(*head, record);
   return static_cast<void*>(head);

@@ -51,33 +51,50 @@ TEST(AccessMask, TellsWhereTheBitsAre) {
 }
 
 using Reading = std::pair<int, std::uint64_t>;  ///< result and raw value
-constexpr std::uint64_t kUntouched = 0xA5A5A5A5;
+/// By the forms for 32 bits, 64 bits and all bits, then by the same with an access record.
+using Readings = std::array<Reading, 6>;
 
-/// The four ways to read an integer: 32 and 64 bits, then both with the access record.
-std::array<Reading, 4> read_all(const Frame& frame, const sigblk& signal) {
+constexpr std::uint64_t kUntouched = 0xA5A5A5A5A5A5A5A5;
+/// As much of it as an `unsigned long` holds.
+constexpr Reading kRefused32 = {3, static_cast<unsigned long>(kUntouched)};
+constexpr Reading kRefused = {3, kUntouched};
+
+Readings read_all(const Frame& frame, const sigblk& signal, const sigblk& record) {
   const Manager manager;
   zelk_sig_mask_t mask = {};
-  manager.GetSignalAccessMask(signal, mask);
+  manager.GetSignalAccessMask(record, mask);
   const unsigned char& data = *frame.data();
-  unsigned long raw = kUntouched, masked = kUntouched;
-  long long raw_64 = kUntouched, masked_64 = kUntouched;
-  const int results[] = {manager.GetSignalRawValue(data, signal, kMessage, raw),
-                         manager.GetSignalRawValueInt64(data, signal, kMessage, raw_64),
-                         manager.GetSignalRawValue(data, mask, signal, kMessage, masked),
-                         manager.GetSignalRawValueInt64(data, mask, signal, kMessage, masked_64)};
-  return {Reading(results[0], raw), Reading(results[1], raw_64), Reading(results[2], masked),
-          Reading(results[3], masked_64)};
+  const auto reading = [](auto raw, auto read) {
+    const int result = read(raw);
+    return Reading(result, static_cast<std::uint64_t>(raw));
+  };
+  const auto low = static_cast<unsigned long>(kUntouched);
+  const auto number = static_cast<long long>(kUntouched);
+  const msgblk& m = kMessage;
+  return {
+      reading(low, [&](auto& r) { return manager.GetSignalRawValue(data, signal, m, r); }),
+      reading(number, [&](auto& r) { return manager.GetSignalRawValueInt64(data, signal, m, r); }),
+      reading(kUntouched,
+              [&](auto& r) { return manager.GetSignalRawValueUint64(data, signal, m, r); }),
+      reading(low, [&](auto& r) { return manager.GetSignalRawValue(data, mask, signal, m, r); }),
+      reading(number,
+              [&](auto& r) { return manager.GetSignalRawValueInt64(data, mask, signal, m, r); }),
+      reading(kUntouched,
+              [&](auto& r) { return manager.GetSignalRawValueUint64(data, mask, signal, m, r); })};
 }
 
-std::array<Reading, 4> all(std::uint64_t number) {
-  return {{{0, number}, {0, number}, {0, number}, {0, number}}};
+Readings all(std::uint64_t number) {
+  return {{{0, number}, {0, number}, {0, number}, {0, number}, {0, number}, {0, number}}};
 }
 
 TEST(RawValues, AreReadByHand) {
+  const Frame ones(9, 0xFF);
+  const Frame forty = {0x21, 0x43, 0x65, 0x87, 0xF9};
   const struct {
     sigblk signal;
     Frame frame;
-    std::array<Reading, 4> readings;
+    Readings readings;
+    unsigned record_length = 0xFFFF;  ///< that of the signal
   } cases[] = {
       {make_signal(63, 1), {0, 0, 0, 0, 0, 0, 0, 0x80}, all(1)},
       {make_signal(0, 1, kMotorola), {1}, all(1)},
@@ -86,22 +103,65 @@ TEST(RawValues, AreReadByHand) {
       // Signed: 32 bits zero-extended, 64 bits sign-extended.
       {make_signal(0, 8, kSigned),
        {0xFF},
-       {{{0, 0xFFFFFFFF}, {0, ~0ULL}, {0, 0xFFFFFFFF}, {0, ~0ULL}}}},
+       {{{0, 0xFFFFFFFF}, {0, ~0ULL}, {0, ~0ULL}, {0, 0xFFFFFFFF}, {0, ~0ULL}, {0, ~0ULL}}}},
       {make_signal(5, 0, kSigned), {0xFF}, all(0)},
-      // Over 32 bits: the access record keeps the low length - 32 only.
+      // Over 32 bits: the record's mask keeps the low length - 32 only.
+      {make_signal(0, 40),
+       forty,
+       {{{0, 0x87654321},
+         {0, 0xF987654321},
+         {0, 0xF987654321},
+         {0, 0x21},
+         {0, 0x21},
+         {0, 0xF987654321}}}},
       {make_signal(0, 40, kSigned),
-       {0x21, 0x43, 0x65, 0x87, 0xF9},
-       {{{3, 0x87654321}, {0, 0xFFFFFFF987654321}, {3, 0x21}, {0, 0x21}}}},
-      // The ninth byte does not count.
+       forty,
+       {{{3, 0x87654321},
+         {0, 0xFFFFFFF987654321},
+         {0, 0xFFFFFFF987654321},
+         {3, 0x21},
+         {0, 0x21},
+         {0, 0xFFFFFFF987654321}}}},
+      // The ninth byte counts for all bits alone.
       {make_signal(4, 64, kSigned),
-       Frame(9, 0xFF),
-       {{{3, 0xFFFFFFFF}, {0, 0x0FFFFFFFFFFFFFFF}, {3, 0xFFFFFFFF}, {0, 0xFFFFFFFF}}}},
-      {make_signal(0, 65),
-       Frame(9, 0xFF),
-       {{{3, kUntouched}, {3, kUntouched}, {3, kUntouched}, {3, kUntouched}}}},
+       ones,
+       {{{3, 0xFFFFFFFF},
+         {0, 0x0FFFFFFFFFFFFFFF},
+         {0, ~0ULL},
+         {3, 0xFFFFFFFF},
+         {0, 0xFFFFFFFF},
+         {0, ~0ULL}}}},
+      {make_signal(0, 70),
+       ones,
+       {{kRefused32, kRefused, kRefused, kRefused32, kRefused, kRefused}}},
+      // By the record of a longer signal: 2^n is subtracted, with n of the signal.
+      {make_signal(0, 9, kSigned),
+       {0x0B, 0x44},
+       {{{0, 0x0B}, {0, 0x0B}, {0, 0x0B}, {0, 0x420B}, {0, 0x420B}, {0, 0x420B}}},
+       15},
+      {make_signal(0, 0, kSigned),
+       {0x0B, 0x44},
+       {{{0, 0}, {0, 0}, {0, 0}, {0, 0x440A}, {0, 0x440A}, {0, 0x440A}}},
+       15},
+      {make_signal(0, 31, kSigned),
+       {0, 0, 0, 0xC0},
+       {{{0, 0xC0000000},
+         {0, 0xFFFFFFFFC0000000},
+         {0, 0xFFFFFFFFC0000000},
+         {0, 0x40000000},
+         {0, 0x40000000},
+         {0, 0x40000000}}},
+       32},
+      {make_signal(0, 9, kSigned),
+       ones,
+       {{{0, 0xFFFFFFFF}, {0, ~0ULL}, {0, ~0ULL}, kRefused32, {0, 1}, kRefused}},
+       65},
   };
   for (const auto& c : cases) {
-    EXPECT_EQ(read_all(c.frame, c.signal), c.readings) << c.signal.length;
+    sigblk record = c.signal;
+    if (c.record_length != 0xFFFF) record.length = static_cast<std::uint16_t>(c.record_length);
+    EXPECT_EQ(read_all(c.frame, c.signal, record), c.readings)
+        << c.signal.length << ", " << record.length;
   }
 }
 
@@ -126,10 +186,13 @@ TEST(RawValues, AreThoseOfTheBits) {
     const unsigned kept = length <= 32 ? length : length < 64 ? length - 32 : 32;
     const bool is_signed = (signal.flags & kSigned) != 0;
     const auto extended = [&](std::uint64_t n) { return is_signed ? sign_extended(n, length) : n; };
-    const std::array<Reading, 4> expected = {
-        expected_32(number, signal, 32), Reading(0, extended(in_eight_bytes)),
-        expected_32(number, signal, kept), Reading(0, extended(low_bits(number, kept)))};
-    ASSERT_EQ(read_all(frame, signal), expected)
+    const Readings expected = {expected_32(number, signal, 32),
+                               Reading(0, extended(in_eight_bytes)),
+                               Reading(0, extended(number)),
+                               expected_32(number, signal, kept),
+                               Reading(0, extended(low_bits(number, kept))),
+                               Reading(0, extended(number))};
+    ASSERT_EQ(read_all(frame, signal, signal), expected)
         << signal.start_bit << ", " << length << ", " << signal.flags;
   }
 }
@@ -137,7 +200,7 @@ TEST(RawValues, AreThoseOfTheBits) {
 TEST(RawValues, ReachNoByteBelowTheFirst) {
   const Frame one_byte = {0x80};
   const sigblk across = make_signal(65535, 9, kMotorola);
-  for (const Reading& reading : read_all(one_byte, across)) EXPECT_EQ(reading, Reading(0, 1));
+  EXPECT_EQ(read_all(one_byte, across, across), all(1));
 }
 
 /// The bits of the double, by the signal or with its access record.

@@ -108,7 +108,7 @@ TEST_F(Copy, KeepsNamesakesApart) {
 }
 
 TEST_F(Copy, TurnsForeignReferencesByNameOrDropsThem) {
-  const OwnDatabase foreign(kEveryStatement);
+  OwnDatabase foreign(kEveryStatement);
   for (const bool has_namesakes : {true, false}) {
     const OwnDatabase own(kEveryStatement);
     OwnDatabase source;

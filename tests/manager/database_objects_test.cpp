@@ -1,5 +1,7 @@
 // A database's objects, the texts it has by itself, and the long names of its objects.
 
+#include <algorithm>
+#include <random>
 #include <vector>
 
 #include "manager/own_database.hpp"
@@ -9,41 +11,64 @@ namespace {
 
 using Objects = DatabaseTest;
 
+/// Creates and deletes records anywhere, and now and then behind the database's back with the
+/// functions of the C interface; a vector follows.
 template <typename Record>
 void expect_creation_anywhere(const char* name, Record* ZelkDatabase::*list,
                               Record* (ZelkDatabase::*create)(unsigned),
-                              void (ZelkDatabase::*remove)(Record&)) {
+                              void (ZelkDatabase::*remove)(Record&), Record* (*create_loose)(),
+                              void (*c_remove)(Record**, Record*)) {
   OwnDatabase database;
   std::vector<Record*> expected;
-  struct Step {
-    unsigned index, position;
+  std::mt19937 random;
+  const auto below = [&random](std::size_t limit) {
+    return static_cast<unsigned>(random() % limit);
   };
-  for (const auto& [index, position] : std::vector<Step>{
-           {5, 0}, {0, 0}, {1, 1}, {1000, 3}, {4, 4}, {2, 2}, {0xFFFFFFFF, 6}, {0, 0}}) {
-    Record* const record = (database.*create)(index);
-    expected.insert(expected.begin() + position, record);
-    ASSERT_EQ(records_of(database.*list), expected) << name << ", in front of " << index;
-  }
-  for (const int position : {3, 0, 5, 4}) {
-    (database.*remove)(*expected[static_cast<std::size_t>(position)]);
-    expected.erase(expected.begin() + position);
+  for (int step = 0; step < 600; ++step) {
+    const unsigned at = below(expected.size() + 3);
+    const bool is_inside = at < expected.size();
+    const auto place =
+        expected.begin() + static_cast<std::ptrdiff_t>(std::min<std::size_t>(at, expected.size()));
+    if (step == 300) {
+      database.Clear();
+      expected.clear();
+    } else if (is_inside && below(3) == 0) {
+      if (step % 2 == 0) (database.*remove)(**place);
+      if (step % 2 != 0) c_remove(&(database.*list), *place);
+      expected.erase(place);
+    } else if (below(5) == 0) {
+      Record** link = &(database.*list);
+      while (*link) link = &(*link)->next;
+      expected.push_back(*link = create_loose());
+    } else {
+      const unsigned index = is_inside || below(2) == 0 ? at : 0xFFFFFFFF;
+      expected.insert(place, (database.*create)(index));
+    }
+    ASSERT_EQ(records_of(database.*list), expected) << name << ", " << step;
   }
   const FailingCalloc failure(0);
   EXPECT_EQ((database.*create)(0), nullptr) << name;
-  EXPECT_EQ(records_of(database.*list), expected)
-      << name << ", some deleted, and none made without memory";
+  EXPECT_EQ(records_of(database.*list), expected) << name << ", none made without memory";
 }
 
 TEST_F(Objects, AreCreatedAndDeletedAnywhere) {
   using D = ZelkDatabase;
-  expect_creation_anywhere("node", &D::nodes, &D::CreateNode, &D::DeleteNode);
-  expect_creation_anywhere("message", &D::messages, &D::CreateMessage, &D::DeleteMessage);
-  expect_creation_anywhere("variable", &D::env_vars, &D::CreateEnvvar, &D::DeleteEnvvar);
-  expect_creation_anywhere("bit timing", &D::bit_timings, &D::CreateBitTiming, &D::DeleteBitTiming);
-  expect_creation_anywhere("table", &D::value_tables, &D::CreateValueTable, &D::DeleteValueTable);
-  expect_creation_anywhere("type", &D::signal_types, &D::CreateSignalType, &D::DeleteSignalType);
-  expect_creation_anywhere("category", &D::categories, &D::CreateCategory, &D::DeleteCategory);
-  expect_creation_anywhere("definition", &D::attr_defs, &D::CreateAttrDef, &D::DeleteAttrDef);
+  expect_creation_anywhere("node", &D::nodes, &D::CreateNode, &D::DeleteNode, zelk_create_symbol,
+                           can_delete_symbol);
+  expect_creation_anywhere("message", &D::messages, &D::CreateMessage, &D::DeleteMessage,
+                           zelk_create_msgblk, can_delete_msg);
+  expect_creation_anywhere("variable", &D::env_vars, &D::CreateEnvvar, &D::DeleteEnvvar,
+                           zelk_create_evblk, can_delete_evblk);
+  expect_creation_anywhere("bit timing", &D::bit_timings, &D::CreateBitTiming, &D::DeleteBitTiming,
+                           zelk_create_btlblk, can_delete_btl);
+  expect_creation_anywhere("table", &D::value_tables, &D::CreateValueTable, &D::DeleteValueTable,
+                           zelk_create_valtable, can_delete_valtable);
+  expect_creation_anywhere("type", &D::signal_types, &D::CreateSignalType, &D::DeleteSignalType,
+                           zelk_create_sigtype, can_delete_sigtype);
+  expect_creation_anywhere("category", &D::categories, &D::CreateCategory, &D::DeleteCategory,
+                           zelk_create_category, can_delete_category);
+  expect_creation_anywhere("definition", &D::attr_defs, &D::CreateAttrDef, &D::DeleteAttrDef,
+                           zelk_create_attr_def, can_delete_attr_def);
 }
 
 TEST_F(Objects, AreFoundByTheLow32BitsAndNotByNull) {
@@ -173,8 +198,11 @@ TEST_F(Texts, DefaultNameIsThatOfTheNetworkAttribute) {
            {"a number", "BA_DEF_ \"DBName\" INT 0 9;\nBA_ \"DBName\" 7;\n", "file"},
            {"an item", "BA_DEF_ \"DBName\" ENUM \"a\";\nBA_ \"DBName\" 0;\n", "file"},
            {"another name", "BA_DEF_ \"DbName\" STRING ;\nBA_ \"DbName\" \"x\";\n", "file"}}) {
-    const OwnDatabase d(folder_.write("file.dbc", "BS_:\nBU_:\n" + c.statements));
+    OwnDatabase d(folder_.write("file.dbc", "BS_:\nBU_:\n" + c.statements));
     EXPECT_EQ(default_name(d), c.expected) << c.name;
+    if (c.name != std::string_view("value")) continue;
+    zelk_mfree(std::exchange(d.attr_values->value.text, nullptr));
+    EXPECT_EQ(default_name(d), "Default") << "of a value without a text";
   }
 }
 
@@ -247,8 +275,13 @@ TEST_F(LongNames, AreSuchAsAFileCanHold) {
   attr_def& definition = *d.GetAttrDef("NodeAlias");
   for (const char* refused : {"", "two words", "1st", "BO_", "\xC3\x84", "a\nb", ZELK_NO_NODE}) {
     set(d.nodes->attrs->value.text, refused);
+    zelk_clear_error_text();
+    d.RenameAttrDef(definition, nullptr);
+    EXPECT_STREQ(zelk_get_error_text(), "") << "null is no name";
     d.RenameAttrDef(definition, "SystemNodeLongSymbol");
     EXPECT_STREQ(d.nodes->name, "A") << refused;
+    const std::string line = zelk_format_error(ZELK_ERR_FORMAT, 0, refused);
+    EXPECT_EQ(zelk_get_error_text(), *refused ? line + "\n" : "") << refused;
   }
   zelk_mfree(std::exchange(d.nodes->attrs->value.text, nullptr));
   d.CheckAndInsertPredefinedAttrs(definition);

@@ -247,6 +247,27 @@ const Case kCases[] = {
 +BA_ "Sig" SG_ 1 T -0.5;
 +BA_ "Var" EV_ W "second";
 )"},
+    {"values of doubled definitions",
+     [](Edited& e) {
+       attr_def& first = *e.CreateAttrDefinition(e.db, 0);
+       std::strcpy(first.name, "Two");
+       first.value_type = ZELK_ATTR_STRING;
+       first.object_type = ZELK_OBJ_NODE;
+       attr_def& second = *e.CreateAttrDefinition(e.db, 1);
+       std::strcpy(second.name, "Two");
+       second.object_type = ZELK_OBJ_MESSAGE;
+       const bool is_text = e.GetAttrDefinition(e.message(), "Two")->value_type == ZELK_ATTR_STRING;
+       e.SetAttrValue(e.message(), "Two", is_text ? text("x") : number(7));
+       e.SetAttrValue(e.node("A"), "Two", text("node's"));
+     },
+     R"(
++BA_DEF_ BU_  "Two" STRING ;
++BA_DEF_ BO_  "Two" INT 0 0;
++BA_DEF_DEF_  "Two" "";
++BA_DEF_DEF_  "Two" 0;
++BA_ "Two" BU_ A "node's";
++BA_ "Two" BO_ 1 7;
+)"},
     {"no such attribute or database",
      [](Edited& e) {
        e.SetAttrValue(e.db, "No", number(11));

@@ -7,7 +7,6 @@
 #include <type_traits>
 #include <vector>
 
-#include "attribute_cells.hpp"
 #include "attribute_input.hpp"
 #include "attributes.hpp"
 #include "database.hpp"
@@ -109,11 +108,25 @@ std::string DatabaseEditor::set_comment(Words words) {
   return fmt::format("{}: comment {}", shown_target(target), text ? in_quotes(text) : "removed");
 }
 
+/// The one by which the manager stores a value. One for objects of another kind counts only where
+/// there is a value of it.
 const attr_def& DatabaseEditor::definition(const EditTarget& target,
                                            const std::string& name) const {
   const zelk_obj_t type = attribute_type(target);
-  const attr_def* const found = find_definition(database_, type, name);
-  if (found) return *found;
+  const char* const key = name.c_str();
+  bool has_value = false;
+  const attr_def* const found = std::visit(
+      [&](auto record) -> const attr_def* {
+        if constexpr (kIsNetwork<decltype(record)>) {
+          has_value = manager_.IsAttrValueDefined(key, name_);
+          return manager_.GetNetworkAttrDefinition(name_, key);
+        } else {
+          has_value = manager_.IsAttrValueDefined(record, key);
+          return manager_.GetAttrDefinition(record, key, name_);
+        }
+      },
+      target);
+  if (found && (has_value || found->object_type == type)) return *found;
   std::vector<std::string_view> names;
   for (const attr_def& definition : each(database_.attr_defs))
     if (definition.object_type == type) names.push_back(view(definition.name));
