@@ -32,6 +32,9 @@ TEST(RawWrites, ChangeTheBitsOfTheSignalAlone) {
       const auto raw = static_cast<long long>(number);
       ASSERT_EQ(manager.SetSignalRawValueInt64(*frame.data(), signal, kMessage, raw), 0);
       ASSERT_EQ(frame, expected) << signal.start_bit << ", " << length << ", " << signal.flags;
+      frame = before;
+      ASSERT_EQ(manager.SetSignalRawValueUint64(*frame.data(), signal, kMessage, number), 0);
+      ASSERT_EQ(frame, expected);
     }
     if (length <= 32) {
       frame = before;
@@ -50,12 +53,6 @@ TEST(RawWrites, ChangeTheBitsOfTheSignalAlone) {
     ASSERT_EQ(frame, expected) << signal.start_bit << ", " << length << ", " << signal.flags;
     ASSERT_EQ(given, first);
   }
-}
-
-TEST(RawWrites, ReachNoByteBelowTheFirst) {
-  Frame one_byte(1);
-  Manager().SetSignalRawValueInt64(one_byte[0], make_signal(65535, 9, kMotorola), kMessage, 1);
-  EXPECT_EQ(one_byte[0], 0x80);
 }
 
 TEST(RawWrites, OfValuesThatDoNotFit) {
@@ -85,6 +82,8 @@ TEST(RawWrites, OfValuesThatDoNotFit) {
       // Over 64: zero-extended.
       {make_signal(4, 68, kSigned), -1, 3, 3, spilt_32, spilt_64},
       {make_signal(0, 90), -1, 3, 3, Frame(12), Frame(12)},
+      // Across the first byte: none below it is written.
+      {make_signal(65535, 9, kMotorola), 1, 0, 0, {0x80}, {0x80}},
       {make_signal(0, 65535), -1, 3, 3, {0}, {0}},
   };
   const Manager manager;
