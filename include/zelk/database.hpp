@@ -127,9 +127,10 @@ class ZELK_API ZelkDatabase {
   // as no host can change its records. A host can do so from the moment when it gets one to be
   // changed, by a lookup in a database that is not const, `ZelkManager::GetDatabase`, a creation or
   // a lookup or iterator of a write manager: it may write to such a record at any later time, so
-  // that lookups walk the lists, until the database is next read, cleared or assigned to. Lookups
-  // in a const database, and those of `ZelkManager`, give nothing away. What hangs on a const
-  // record is not to be changed either, although its links are not const.
+  // that lookups walk the lists, until the database is next read, cleared or assigned to. After
+  // that a host that goes on writing to it gets it, or its records, anew. Lookups in a const
+  // database, and those of `ZelkManager`, give nothing away. What hangs on a const record is not to
+  // be changed either, although its links are not const.
   //
   // Several threads may use lookups in one database as long as all of them are const.
   //

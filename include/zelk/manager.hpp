@@ -231,7 +231,10 @@ class ZELK_API ZelkManager {
   //
   // On 64-bit Linux `std::uint64_t` is `unsigned long`: an argument of that type picks the 32-bit
   // form there, and an unsigned signal of 40 bits gives its low half with `ZelkSigvalueOk`. The
-  // forms for 64 bits bear the names `...Uint64` and `...Int64`.
+  // forms for 64 bits bear the names `...Uint64` and `...Int64`:
+  //
+  //     std::uint64_t raw = 0;
+  //     if (manager.GetSignalRawValueUint64(data[0], signal, message, raw) == ZelkSigvalueOk) ...
 
   static const sigblk* GetMultiplexorSignal(const sigblk* signal);  ///< null for none, and for null
   static bool SignalIsMultiplexor(const sigblk* signal);            ///< false for null

@@ -246,32 +246,6 @@ TEST(FrameEncoder, RoundsAndSaturates) {
   }
 }
 
-TEST(FrameEncoder, WritesTheSelectedInTheirOrder) {
-  Message message;
-  message.add(make_signal(0, 8)).value_type = 1;  // 32 bits
-  message.add(make_signal(8, 8));
-  message.add(make_signal(12, 8));
-  message.add(make_signal(40, 65));
-  const ZelkFrameEncoder encoder(message.record);
-  const double values[] = {10.0, 0x55, 0x77, 1.0};
-  const struct {
-    std::uint64_t present;
-    bool holds;
-    Frame frame;
-  } cases[] = {{0b0111, true, {0, 0x75, 0x27, 0x41, 0, 0, 0, 0}},
-               {0b0110, true, {0, 0x75, 7, 0}},
-               {0b0101, true, {0, 0x70, 0x27, 0x41}},
-               {0b0011, false, {0, 0x55, 0}},
-               {0b1111, false, {0, 0x75, 0x27, 0x41, 0, 0, 0, 0, 0}},
-               {0, true, {0}}};
-  for (const auto& c : cases) {
-    Frame frame(c.frame.size());
-    EXPECT_EQ(encoder.Encode(values, &c.present, frame.data(), frame.size()), c.holds) << c.present;
-    EXPECT_EQ(frame, c.frame) << c.present;
-  }
-  EXPECT_FALSE(encoder.Encode(values, nullptr, nullptr, 0));
-}
-
 TEST(FrameDecoderTable, FindsTheFirstOfAnIdentifier) {
   constexpr std::uint32_t kCount = 5000;
   std::vector<msgblk> messages(kCount);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "manager/own_database.hpp"
+#include "model/memory.hpp"
 #include "support/failing.hpp"
 
 namespace {
@@ -14,10 +15,9 @@ using Objects = DatabaseTest;
 /// Creates and deletes records anywhere, and now and then behind the database's back with the
 /// functions of the C interface; a vector follows.
 template <typename Record>
-void expect_creation_anywhere(const char* name, Record* ZelkDatabase::*list,
-                              Record* (ZelkDatabase::*create)(unsigned),
-                              void (ZelkDatabase::*remove)(Record&), Record* (*create_loose)(),
-                              void (*c_remove)(Record**, Record*)) {
+void expect_creation(const char* name, Record* ZelkDatabase::*list,
+                     Record* (ZelkDatabase::*create)(unsigned),
+                     void (ZelkDatabase::*remove)(Record&), void (*c_remove)(Record**, Record*)) {
   OwnDatabase database;
   std::vector<Record*> expected;
   std::mt19937 random;
@@ -39,7 +39,7 @@ void expect_creation_anywhere(const char* name, Record* ZelkDatabase::*list,
     } else if (below(5) == 0) {
       Record** link = &(database.*list);
       while (*link) link = &(*link)->next;
-      expected.push_back(*link = create_loose());
+      expected.push_back(*link = zelk::create_record<Record>());
     } else {
       const unsigned index = is_inside || below(2) == 0 ? at : 0xFFFFFFFF;
       expected.insert(place, (database.*create)(index));
@@ -53,30 +53,19 @@ void expect_creation_anywhere(const char* name, Record* ZelkDatabase::*list,
 
 TEST_F(Objects, AreCreatedAndDeletedAnywhere) {
   using D = ZelkDatabase;
-  expect_creation_anywhere("node", &D::nodes, &D::CreateNode, &D::DeleteNode, zelk_create_symbol,
-                           can_delete_symbol);
-  expect_creation_anywhere("message", &D::messages, &D::CreateMessage, &D::DeleteMessage,
-                           zelk_create_msgblk, can_delete_msg);
-  expect_creation_anywhere("variable", &D::env_vars, &D::CreateEnvvar, &D::DeleteEnvvar,
-                           zelk_create_evblk, can_delete_evblk);
-  expect_creation_anywhere("bit timing", &D::bit_timings, &D::CreateBitTiming, &D::DeleteBitTiming,
-                           zelk_create_btlblk, can_delete_btl);
-  expect_creation_anywhere("table", &D::value_tables, &D::CreateValueTable, &D::DeleteValueTable,
-                           zelk_create_valtable, can_delete_valtable);
-  expect_creation_anywhere("type", &D::signal_types, &D::CreateSignalType, &D::DeleteSignalType,
-                           zelk_create_sigtype, can_delete_sigtype);
-  expect_creation_anywhere("category", &D::categories, &D::CreateCategory, &D::DeleteCategory,
-                           zelk_create_category, can_delete_category);
-  expect_creation_anywhere("definition", &D::attr_defs, &D::CreateAttrDef, &D::DeleteAttrDef,
-                           zelk_create_attr_def, can_delete_attr_def);
-}
-
-TEST_F(Objects, AreFoundByTheLow32BitsAndNotByNull) {
-  const OwnDatabase d(ZELK_SOURCE_DIR "/tests/writer/whole.dbc");
-  EXPECT_EQ(d.GetMessage(static_cast<unsigned long>(0x7780000001ull)), d.messages->next);
-  const char* const none = nullptr;
-  EXPECT_FALSE(d.GetNode(none) || d.GetMessage(none) || d.GetEnvvar(none) ||
-               d.GetValueTable(none) || d.GetSignalType(none) || d.GetAttrDef(none));
+  expect_creation("node", &D::nodes, &D::CreateNode, &D::DeleteNode, can_delete_symbol);
+  expect_creation("message", &D::messages, &D::CreateMessage, &D::DeleteMessage, can_delete_msg);
+  expect_creation("variable", &D::env_vars, &D::CreateEnvvar, &D::DeleteEnvvar, can_delete_evblk);
+  expect_creation("timing", &D::bit_timings, &D::CreateBitTiming, &D::DeleteBitTiming,
+                  can_delete_btl);
+  expect_creation("table", &D::value_tables, &D::CreateValueTable, &D::DeleteValueTable,
+                  can_delete_valtable);
+  expect_creation("type", &D::signal_types, &D::CreateSignalType, &D::DeleteSignalType,
+                  can_delete_sigtype);
+  expect_creation("category", &D::categories, &D::CreateCategory, &D::DeleteCategory,
+                  can_delete_category);
+  expect_creation("definition", &D::attr_defs, &D::CreateAttrDef, &D::DeleteAttrDef,
+                  can_delete_attr_def);
 }
 
 TEST_F(Objects, HaveALargestHandle) {
