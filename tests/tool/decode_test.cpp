@@ -49,9 +49,9 @@ TEST(Decode, FormsOfLines) {
     std::string out;  // empty: the line is reported as malformed
   } cases[] = {
       {"(1.5) can0 123#E803FF50",
-       "(1.5) can0 Motion Speed=100 km/h Gear=-1 \"R\" Load=0 \xB0\x43\n"},
+       "(1.5) can0 Motion Speed=100 km/h Gear=-1 \"R\" Load=0 \u00B0C\n"},
       {"(1.5) can0 123#E8.03.FF.50 R",
-       "(1.5) can0 Motion Speed=100 km/h Gear=-1 \"R\" Load=0 \xB0\x43\n"},
+       "(1.5) can0 Motion Speed=100 km/h Gear=-1 \"R\" Load=0 \u00B0C\n"},
       {"can0 124#0007\r", "can0 Pages Mux=0 A=7\n"},
       {" (2023-11-14 22:13:20.1)  can0  124   [2]  02 08",
        "(2023-11-14 22:13:20.1) can0 Pages Mux=2 B=8\n"},
@@ -105,7 +105,7 @@ TEST(Decode, Formats) {
     std::string out;
   } cases[] = {
       {"--format text --numbers",
-       "(0012.5) ca,n0 Motion Speed=0.1 km/h Gear=3 Load=60 \xB0\x43\n"
+       "(0012.5) ca,n0 Motion Speed=0.1 km/h Gear=3 Load=60 \u00B0C\n"
        "(0012.5) ca,n0 Group Level=50 %\nca,n0 Ieee Single=nan\n"},
       {"--raw",
        "(0012.5) ca,n0 Motion Speed=1 Gear=3 \"say \\\"3\\\", fast\" Load=200\n"
@@ -124,7 +124,7 @@ TEST(Decode, Formats) {
        "time,interface,id,message,signal,raw,value,unit,text\r\n"
        "0012.5,\"ca,n0\",0x123,Motion,Speed,1,0.1,km/h,\r\n"
        "0012.5,\"ca,n0\",0x123,Motion,Gear,3,3,,\"say \"\"3\"\", fast\"\r\n"
-       "0012.5,\"ca,n0\",0x123,Motion,Load,200,60,\xB0\x43,\r\n"
+       "0012.5,\"ca,n0\",0x123,Motion,Load,200,60,\u00B0C,\r\n"
        "0012.5,\"ca,n0\",0x18FEF117,Group,Level,50,50,%,\r\n"
        ",\"ca,n0\",0x127,Ieee,Single,nan,nan,,\r\n"},
       {"--message \"M*n\" --message Gr?up --signal Motion.S*d --signal Level",
@@ -223,10 +223,10 @@ TEST(Decode, Utf8InJson) {
     const char* description;  // of the value 0, as JSON
   } cases[] = {
       {"\xC2\xB0\x43", "\"\xC2\xB0\x43\""},
-      {"\xB0\x43", "\"\\u00B0C\""},
+      {"\xB0\x43\x80", "\"\u00B0C\u20AC\""},
       {"a\\b\t", R"("a\\b\u0009")"},
-      {"\xC0\x80", "\"\\u00C0\\u0080\""},
-      {"\xED\xA0\x80", R"("\u00ED\u00A0\u0080")"},
+      {"\xC0\x80", "\"\u00C0\u20AC\""},
+      {"\xED\xA0\x80", "\"\u00ED\u00A0\u20AC\""},
       {"\xF0\x9F\x9A\x97", "\"\xF0\x9F\x9A\x97\""},
   };
   for (const auto& c : cases) {

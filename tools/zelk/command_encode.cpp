@@ -58,7 +58,10 @@ LogFrame parse_given_frame(const ZelkDatabase& database, const msgblk& message,
   return frame;
 }
 
-LogFrame encoded(const ZelkDatabase& database, const Arguments& arguments) {
+LogFrame encoded(EncodedDatabase of, const Arguments& arguments) {
+  const ZelkDatabase& database = of.records;
+  ValueOptions options = arguments.values;
+  options.encoding = of.encoding;
   const msgblk& message = *find_messages(database, arguments.message).front();
   const LogFrame start = arguments.from ? parse_given_frame(database, message, *arguments.from)
                                         : empty_frame(database, message);
@@ -68,17 +71,16 @@ LogFrame encoded(const ZelkDatabase& database, const Arguments& arguments) {
     if (mark == std::string::npos)
       throw RequestError(fmt::format("{} is not SIGNAL=VALUE", in_quotes(text)));
     const std::string_view whole = text;
-    encoder.set(whole.substr(0, mark), whole.substr(mark + 1), arguments.values);
+    encoder.set(whole.substr(0, mark), whole.substr(mark + 1), options);
   }
   return encoder.finish();
 }
 
 ExitCode encode(const Arguments& arguments, Output& out) {
   DatabaseFile file;
-  const ZelkDatabase* const database = open_and_report(file, arguments.database);
-  if (!database) return kExitFailure;
+  if (!open_and_report(file, arguments.database)) return kExitFailure;
   try {
-    out.line("{}", frame_text(encoded(*database, arguments)));
+    out.line("{}", frame_text(encoded(file.encoded(), arguments)));
   } catch (const RequestError& error) {
     print_error(behind_path(arguments.database, error.what()));
     return kExitFailure;

@@ -61,18 +61,17 @@ std::string shown(const Difference& difference) {
 
 }  // namespace
 
-void check_read_back(const ZelkDatabase& database, const std::string& path) {
+void check_read_back(EncodedDatabase database, const std::string& path) {
   const TemporaryFolder folder;
   const std::string written = folder.file("written.dbc");
-  write_to(written, database);
+  write_to(written, database.records);
   DatabaseFile file;
-  const ZelkDatabase* const read = file.open(written);
-  if (!read) {
+  if (!file.open(written)) {
     const std::string report = file.reports().empty() ? "" : file.reports().front();
     throw RequestError(behind_path("not written, as it could not be read again", report));
   }
   std::size_t count = 0;
-  for_each_difference(database, *read, [&](const Difference& difference) {
+  for_each_difference(database, file.encoded(), [&](const Difference& difference) {
     if (++count > kMostWarnings) return;
     print_error(behind_path(path, "warning: in the file this is otherwise: " + shown(difference)));
   });
