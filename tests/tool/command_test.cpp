@@ -131,7 +131,7 @@ TEST(Tool, SpeaksUtf8WhateverTheFileHolds) {
     };
     for (const ToolCase& c : cases) check_parts(c);
   }
-  check_parts({"check bad.dbc", 1, "", "undefined attribute, line 3, Gr\u00F6\u00DF\n"});
+  check_parts({"check bad.dbc", 1, "", "undefined attribute, line 2, Gr\u00F6\u00DF\n"});
 }
 
 TEST(Tool, OutputThatCannotBeWritten) {
