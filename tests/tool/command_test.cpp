@@ -29,13 +29,9 @@ TEST(Tool, ExitCodes) {
       {"check good.dbc", 0,
        "good.dbc: ok, 2 nodes, 2 messages, 2 signals, 0 environment variables, 0 value tables, 0 "
        "attribute definitions\n"},
-      {"check missing.dbc", 1, "", "missing.dbc: database: not found, missing.dbc\n"},
       {"check Gr\u00F6\u00DFe_\u901F\u5EA6.dbc", 0, "Gr\u00F6\u00DFe_\u901F\u5EA6.dbc: ok"},
-      {"check m\u00E4ngel.dbc", 1, "", "m\u00E4ngel.dbc: database: not found"},
       {"check bad.dbc good.dbc", 1, "good.dbc: ok, 2 nodes", "bad.dbc, line 2, error"},
-      {"show bad.dbc", 1, "", "bad.dbc, line 2, error"},
       {"show good.dbc Motion", 0, "Message Motion, 0x64 (100), 11-bit, 8 bytes\n"},
-      {"show good.dbc 0x64", 0, "Message Motion"},
       {"show good.dbc 0x18FF1100", 0, "Message Lamps, 0x18FF1100 (419369216), 29-bit, 1 byte\n"},
       {"show good.dbc Dash", 0,
        "  sends Lamps, 0x18FF1100 (419369216), 29-bit\n  receives Speed of Motion\n"},
@@ -44,10 +40,9 @@ TEST(Tool, ExitCodes) {
       {"show good.dbc speedd", 1, "",
        "good.dbc: nothing is named \"speedd\"; did you mean Speed?\n"},
       {"show good.dbc 101", 1, "", "good.dbc: no message has the identifier 0x65 (101)\n"},
-      {"rewrite good.dbc rewritten.dbc", 0, ""},
-      {"show rewritten.dbc Lamps", 0, "Message Lamps, 0x18FF1100 (419369216), 29-bit, 1 byte\n"},
       {"rewrite bad.dbc kept.dbc", 1, "", "bad.dbc, line 2, error"},
-      {"check kept.dbc", 1, "", "kept.dbc: database: not found, kept.dbc\n"},
+      {"check kept.dbc m\u00E4ngel.dbc", 1, "",
+       "kept.dbc: database: not found, kept.dbc\nm\u00E4ngel.dbc: database: not found"},
       {"rewrite good.dbc missing/out.dbc", 1, "", "missing/out.dbc: could not be written"},
       {"rewrite good.dbc", 2, "", "OUT"},
       {"", 2, "", "subcommand"},
@@ -150,12 +145,10 @@ TEST(Tool, Shows) {
       "BA_DEF_ BO_ \"VFrameFormat\" ENUM \"Standard\",\"J1939PG\";\n"
       "BA_DEF_DEF_ \"VFrameFormat\" \"J1939PG\";\n";
   const struct {
-    const char* name;
     std::string file;
     std::vector<const char*> parts;
   } cases[] = {
-      {"Intel",
-       one_message(2, {"Speed : 0|12@1+", "Gear : 12|3@1+"}),
+      {one_message(2, {"Speed : 0|12@1+", "Gear : 12|3@1+"}),
        {"  Layout:\n"
         "             7   6   5   4   3   2   1   0\n"
         "           +---+---+---+---+---+---+---+---+\n"
@@ -164,50 +157,28 @@ TEST(Tool, Shows) {
         "           +---+---+---+---+---+---+---+---+\n"
         "    A  Speed  byte 1 bit 3 to byte 0 bit 0\n"
         "    B  Gear   byte 1 bits 6 to 4\n"}},
-      {"Motorola with an overlap",
-       one_message(2, {"Torque : 7|10@0-", "Ok : 11|4@0+", "Bad : 12|2@0+"}),
+      {one_message(2, {"Torque : 7|10@0-", "Ok : 11|4@0+", "Bad : 12|2@0+"}),
        {"    byte 0 |[A | A | A | A | A | A | A | A |\n"
         "    byte 1 | A | A]| . |[C |[#]| B | B | B]|\n"
         "           +---+---+---+---+---+---+---+---+\n"
         "    # overlap of B, C in 1 bit\n"}},
-      {"longer than the frame",
-       one_message(1, {"Wide : 4|8@1+"}),
-       {"    byte 0 | A | A | A | A]| . | . | . | . |\n"
-        "           +---+---+---+---+---+---+---+---+\n"
-        "    byte 1 |   |   |   |   |[A | A | A | A |  outside the data length\n"
-        "           +---+---+---+---+---+---+---+---+\n"
+      {one_message(1, {"Wide : 4|8@1+"}),
+       {"    byte 0 | A | A | A | A]| . | . | . | . |\n",
+        "    byte 1 |   |   |   |   |[A | A | A | A |  outside the data length\n",
         "    A  Wide  byte 1 bit 3 to byte 0 bit 4, beyond the data length\n"}},
-      {"long data",
-       one_message(32767, {"Far : 56|1@1+", "End : 32767|1@1+"}),
-       {"    byte 7    | . | . | . | . | . | . | . |[A]|\n"
-        "              ...\n"
-        "    byte 4095 |[B]|"}},
-      {"multiplexed",
-       one_message(1, {"Mux M : 0|2@1+", "X m1 : 2|4@1+", "Y m2 : 2|2@1+", "Z m1 : 6|2@1+"}),
-       {"  Layout for Mux = 1:\n"
-        "             7   6   5   4   3   2   1   0\n"
-        "           +---+---+---+---+---+---+---+---+\n"
-        "    byte 0 |[D | D]|[B | B | B | B]|[A | A]|\n"
-        "           +---+---+---+---+---+---+---+---+\n"
-        "  Layout for Mux = 2:\n"
-        "             7   6   5   4   3   2   1   0\n"
-        "           +---+---+---+---+---+---+---+---+\n"
-        "    byte 0 | . | . | . | . |[C | C]|[A | A]|\n"
-        "           +---+---+---+---+---+---+---+---+\n"
-        "    A  Mux  byte 0 bits 1 to 0, multiplexor\n"
-        "    B  X    byte 0 bits 5 to 2, for Mux = 1\n"}},
-      {"multiplexor below a multiplexor",
-       one_message(1, {"Top M : 0|2@1+", "Sub m3M : 2|2@1+", "Leaf m9 : 4|4@1+"},
+      {one_message(32767, {"Far : 56|1@1+", "End : 32767|1@1+"}),
+       {"    byte 7    | . | . | . | . | . | . | . |[A]|\n              ...\n    byte 4095 |[B]|"}},
+      {one_message(1, {"Mux M : 0|2@1+", "X m1 : 2|4@1+", "Y m2 : 2|2@1+", "Z m1 : 6|2@1+"}),
+       {"  Layout for Mux = 1:\n", "    byte 0 |[D | D]|[B | B | B | B]|[A | A]|\n",
+        "  Layout for Mux = 2:\n", "    byte 0 | . | . | . | . |[C | C]|[A | A]|\n",
+        "    A  Mux  byte 0 bits 1 to 0, multiplexor\n    B  X    byte 0 bits 5 to 2, for Mux = "
+        "1\n"}},
+      {one_message(1, {"Top M : 0|2@1+", "Sub m3M : 2|2@1+", "Leaf m9 : 4|4@1+"},
                    "SG_MUL_VAL_ 100 Sub Top 3-3, 5-7;\nSG_MUL_VAL_ 100 Leaf Sub 0-1;\n"),
-       {"  Layout for Top = 3, 5..7, Sub = 0..1:\n"
-        "             7   6   5   4   3   2   1   0\n"
-        "           +---+---+---+---+---+---+---+---+\n"
+       {"  Layout for Top = 3, 5..7, Sub = 0..1:\n",
         "    byte 0 |[C | C | C | C]|[B | B]|[A | A]|\n"}},
-      {"multiplexor missing",
-       one_message(1, {"X m4 : 0|1@1+"}),
-       {"  Layout for (no multiplexor) = 4:\n"}},
-      {"records",
-       one_message(8, {"S : 0|8@1-"},
+      {one_message(1, {"X m4 : 0|1@1+"}), {"  Layout for (no multiplexor) = 4:\n"}},
+      {one_message(8, {"S : 0|8@1-"},
                    "EV_ Lid: 0 [0|1] \"\" 0.5 7 DUMMY_NODE_OSTREL0 N;\n\n"
                    "CM_ BO_ 100 \"two\nlines \x1B[31m\";\n"
                    "BA_DEF_ BO_ \"Kind\" ENUM \"cyclic\",\"once\";\n"
@@ -219,8 +190,7 @@ TEST(Tool, Shows) {
         "  value: initially 0.5, range 0 to 1\n",
         "Attribute \"Kind\" of message: ENUM \"cyclic\", \"once\", default \"cyclic\"\n"}},
       // 0x98FEF1FE and 0x8CEB0021; an 11-bit identifier is no parameter group
-      {"parameter groups",
-       "BS_:\n\nBU_:\n\nBO_ 2566844926 Broadcast: 0 Ostrel__XXX\n\nBO_ 2364211233 Addressed: 0 "
+      {"BS_:\n\nBU_:\n\nBO_ 2566844926 Broadcast: 0 Ostrel__XXX\n\nBO_ 2364211233 Addressed: 0 "
        "Ostrel__XXX\n\nBO_ 1 Short: 0 Ostrel__XXX\n\n" +
            group_format,
        {"  J1939: PGN 0xFEF1 (65265), priority 6, source any\n",

@@ -29,15 +29,10 @@ TEST(List, Tables) {
   write_file("n.dbc", kNetwork);
   const ToolCase cases[] = {
       {"list nodes n.dbc", 0, "name    category\nEngine  -\nDash    -\n"},
-      {"list messages n.dbc --attribute Cycle --attribute VFrameFormat --comments", 0,
-       "name               id  format  dlc  signals  category  transmitters  Cycle  VFrameFormat  "
-       "comment\n"
-       "Broadcast  0x18FEF1FE  29-bit    8        0  -         Engine           50  J1939PG       "
-       "-\n"
-       "Addressed  0x0CEB0021  29-bit    8        0  -         -                50  J1939PG       "
-       "-\n"
-       "Motion          0x064  11-bit    2        3  -         Dash             20  Standard      "
-       "two\\nlines, \\x1B[31m\n"},
+      {"list messages n.dbc --attribute Cycle --attribute VFrameFormat --where *o*", 0,
+       "name               id  format  dlc  signals  category  transmitters  Cycle  VFrameFormat\n"
+       "Broadcast  0x18FEF1FE  29-bit    8        0  -         Engine           50  J1939PG\n"
+       "Motion          0x064  11-bit    2        3  -         Dash             20  Standard\n"},
       {"list signals n.dbc --attribute Mask --where \"M*.?i?\"", 0,
        "message  name  start  length  order     type      factor  offset  min    max  unit  "
        "multiplexor  selected_by  selected_for  receivers     signal_type  Mask\n"
@@ -56,8 +51,6 @@ TEST(List, Tables) {
        "name     value  type                      message  object  node\n"
        "Mask      0x1F  signal                    Motion   Oil     -\n"
        "Timeout      5  node and received signal  Motion   Oil     Dash\n"},
-      {"list attributes n.dbc --where \"[?]*\"", 0,
-       "name  object  type  min  max  default  items\n"},
       {"list attributes n.dbc -i --where MASK --where vframe*", 0,
        "name          object   type  min  max  default  items\n"
        "VFrameFormat  message  ENUM    -    -  J1939PG  Standard, J1939PG\n"
@@ -113,24 +106,19 @@ TEST(List, SeveralDatabases) {
   write_file(longest + "a.dbc", small);
   write_file(longest + "b.dbc", small);
   write_file("bad.dbc", "BS_:\nBU_: A\nBO_ nonsense\n");
-  write_file("defines.dbc",
-             "BS_:\n\nBU_:\n\nBA_DEF_ BU_ \"Rack\" INT 0 9;\nBA_DEF_DEF_ \"Rack\" 3;\n");
-  const std::string long_files = "list nodes " + longest + "a.dbc " + longest + "b.dbc --csv";
+  write_file("defines.dbc", "BS_:\nBU_:\nBA_DEF_ BU_ \"Rack\" INT 0 9;\nBA_DEF_DEF_ \"Rack\" 3;\n");
   const ToolCase cases[] = {
       {"list nodes n.dbc sub/n.dbc --csv", 0,
        "database,name,category\r\nn,Engine,\r\nn_2,Engine,\r\n"},
-      {long_files.c_str(), 0,
-       "database,name,category\r\n" + longest + ",Engine,\r\n" + std::string(30, 'n') +
+      {"list nodes " + longest + "a.dbc " + longest + "b.dbc --csv", 0,
+       "database,name,category\r\n" + longest + ",Engine,\r\n" + longest.substr(2) +
            "_2,Engine,\r\n"},
       {"list nodes bad.dbc missing.dbc m.dbc --csv", 1, "database,name,category\r\nm,Engine,\r\n",
        "bad.dbc, line 2, error"},
       {"list nodes m.dbc m.dbc --count", 0, "1\n", "m.dbc: warning: named twice\n"},
       {"list nodes m.dbc defines.dbc --attribute Rack --csv", 0,
        "database,name,category,Rack\r\nm,Engine,,\r\n"},
-      {"find 7 m.dbc n.dbc", 0,
-       "m: message Small: id 0x007, format 11-bit, dlc 1, signals 0, transmitters Engine\n"
-       "n: message Small: id 0x007, format 11-bit, dlc 1, signals 0, transmitters Engine\n"},
-      {"find Engine bad.dbc m.dbc", 1, "m: node Engine\n", "bad.dbc, line 2, error"},
+      {"find Engine bad.dbc m.dbc n.dbc", 1, "m: node Engine\nn: node Engine\n", "bad.dbc, line 2"},
       {"list nodes bad.dbc --json", 1, "", "bad.dbc, line 2, error"},
   };
   for (const ToolCase& c : cases) check(c);
