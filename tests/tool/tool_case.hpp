@@ -13,8 +13,9 @@
 struct ToolCase {
   std::string arguments;
   int exit_code;
-  std::string out = "";  ///< all of it, or a part for `check_parts`; empty when there is none
-  std::string err = "";  ///< a part of it; empty when there is none
+  std::string out = "";    ///< all of it, or a part for `check_parts`; empty when there is none
+  std::string err = "";    ///< a part of it; empty when there is none
+  std::string input = {};  ///< file that standard input comes from; empty for an empty input
 };
 
 inline void check_parts(const ToolCase& c, const ToolRun& run) {
@@ -25,10 +26,12 @@ inline void check_parts(const ToolCase& c, const ToolRun& run) {
   EXPECT_EQ(run.err.empty(), c.err.empty()) << c.arguments << "\n" << run.err;
 }
 
-inline void check_parts(const ToolCase& c) { check_parts(c, run_tool(c.arguments)); }
+inline void check_parts(const ToolCase& c) {
+  check_parts(c, run_tool(c.arguments, Output::kFile, c.input));
+}
 
 inline void check(const ToolCase& c) {
-  const ToolRun run = run_tool(c.arguments);
+  const ToolRun run = run_tool(c.arguments, Output::kFile, c.input);
   check_parts(c, run);
   EXPECT_EQ(run.out, c.out) << c.arguments;
 }

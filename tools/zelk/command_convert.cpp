@@ -67,9 +67,11 @@ bool write(const Arguments& arguments, ZelkWriteManager& manager, const OpenedDa
   const HeldSignals held;
   zelk_clear_error_text();
   const ZelkError error = manager.WriteDatabase(opened.name, arguments.out.c_str());
-  if (error == ZelkErrorOk) return true;
-  print_error(
-      behind_path(arguments.out, write_complaint(error, *opened.database, zelk_get_error_text())));
+  if (error == ZelkErrorOk) {
+    tell_save_notes(*opened.database, arguments.out);
+    return true;
+  }
+  print_error(behind_path(arguments.out, write_complaint(error, *opened.database)));
   return false;
 }
 

@@ -81,8 +81,8 @@ void write(const Arguments& arguments, ZelkWriteManager& manager, const OpenedDa
   const char* const path = arguments.output.empty() ? nullptr : arguments.output.c_str();
   zelk_clear_error_text();
   const ZelkError error = manager.WriteDatabase(opened.name, path);
-  if (error != ZelkErrorOk)
-    throw RequestError(write_complaint(error, *opened.database, zelk_get_error_text()));
+  if (error != ZelkErrorOk) throw RequestError(write_complaint(error, *opened.database));
+  tell_save_notes(*opened.database, arguments.target());
 }
 
 /// What edits leave behind must fit into a file; numbers that they do not touch must stay.
@@ -92,7 +92,7 @@ void write(const Arguments& arguments, ZelkWriteManager& manager, const OpenedDa
 void check_result(const Arguments& arguments, const OpenedDatabase& opened,
                   const std::vector<Rounding>& before) {
   if (opened.database->SymbolsShortenedOnRead())
-    throw RequestError(write_complaint(ZelkErrorNotWritten, *opened.database, ""));
+    throw RequestError(write_complaint(ZelkErrorNotWritten, *opened.database));
   const EncodedDatabase database = {*opened.database, opened.encoding};
   if (!arguments.allow_rounding) {
     std::vector<Rounding> untouched = roundings_of(database);

@@ -29,8 +29,8 @@ void write(const Arguments& arguments, const DatabaseFile& file, ZelkDatabase& d
   const HeldSignals held;
   zelk_clear_error_text();
   const ZelkError error = database.Write(arguments.out.c_str());
-  if (error != ZelkErrorOk)
-    throw RequestError(write_complaint(error, database, zelk_get_error_text()));
+  if (error != ZelkErrorOk) throw RequestError(write_complaint(error, database));
+  tell_save_notes(database, arguments.out);
 }
 
 ExitCode rewrite(const Arguments& arguments) {

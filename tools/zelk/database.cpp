@@ -1,5 +1,7 @@
 #include "database.hpp"
 
+#include <utility>
+
 #include "formats.hpp"
 #include "importing.hpp"
 #include "output.hpp"
@@ -15,6 +17,20 @@ std::string failure_text(ZelkError error, const std::string& path) {
   return error == ZelkErrorFileNotFound
              ? escaped(zelk_format_error(ZELK_ERR_NOT_FOUND, 0, path.c_str()))
              : "out of memory";
+}
+
+/// What the error text has of a save, `escaped`; without the words with which the library begins a
+/// line: what failed, and the file.
+std::vector<std::string> save_notes(const ZelkDatabase& database) {
+  const std::string failure = zelk_format_error(ZELK_ERR_WRITE, 0, nullptr);
+  const std::string leads[] = {failure, ", ", escaped(utf8(view(database.path))) + ": "};
+  std::vector<std::string> notes;
+  for (std::string note : escaped_lines(utf8(zelk_get_error_text()))) {
+    for (const std::string& lead : leads)
+      if (note.starts_with(lead)) note.erase(0, lead.size());
+    if (!note.empty()) notes.push_back(std::move(note));
+  }
+  return notes;
 }
 
 }  // namespace
@@ -69,19 +85,19 @@ ZelkDatabase* open_and_report(DatabaseFile& file, const std::string& path) {
   return database;
 }
 
-std::string write_complaint(ZelkError error, const ZelkDatabase& database, std::string_view text) {
+void tell_save_notes(const ZelkDatabase& database, const std::string& path) {
+  for (const std::string& note : save_notes(database))
+    print_error(behind_path(path, "warning: " + note));
+}
+
+std::string write_complaint(ZelkError error, const ZelkDatabase& database) {
   if (database.SymbolsShortenedOnRead() && error == ZelkErrorNotWritten) {
     return "not written: names or units were cut, and the file would lose them; zelk rewrite "
            "--allow-cut writes it all the same";
   }
-  // The reasons stand one in a line; the library begins the line of one with what has failed.
   std::string reasons;
-  for (std::string line : escaped_lines(utf8(text))) {
-    const std::string_view lead = zelk_format_error(ZELK_ERR_WRITE, 0, nullptr);
-    if (line.starts_with(lead)) line.erase(0, lead.size());
-    line.erase(0, line.find_first_not_of(", :"));
-    if (!line.empty()) reasons += (reasons.empty() ? "" : "; ") + line;
-  }
+  for (const std::string& reason : save_notes(database))
+    reasons += (reasons.empty() ? "" : "; ") + reason;
   if (!reasons.empty()) return "could not be written: " + reasons;
   if (error == ZelkErrorReadOnly) return "could not be written: the file is read-only";
   return "could not be written";

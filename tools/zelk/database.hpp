@@ -69,8 +69,12 @@ class DatabaseFile {
 /// `DatabaseFile::open`, with its reports told on standard error.
 ZelkDatabase* open_and_report(DatabaseFile& file, const std::string& path);
 
-/// Why `ZelkDatabase::Write` did not write the database, of which the library has noted `text`.
-std::string write_complaint(ZelkError error, const ZelkDatabase& database, std::string_view text);
+/// Why `ZelkDatabase::Write` did not write the database, by its result and the error text, which
+/// has been cleared before.
+std::string write_complaint(ZelkError error, const ZelkDatabase& database);
+
+/// Tells on standard error what the error text has of a save of `path` that has succeeded.
+void tell_save_notes(const ZelkDatabase& database, const std::string& path);
 
 /// A line of the library's error text, `escaped`, behind the file that it is about.
 std::string behind_path(const std::string& path, const std::string& line);
