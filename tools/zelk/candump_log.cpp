@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "zelk/records.h"
 
@@ -223,14 +224,10 @@ LogLine parse_log_line(std::string_view line, LogFrame& frame) {
   skip_blanks(line);
   if (line.empty()) return LogLine::kBlank;
   if (!take_time(line, frame)) return LogLine::kMalformed;
-  const std::string_view first = take_word(line);
-  const std::string_view word = take_word(line);
-  if (line.empty() && is_direction(word)) {
-    frame.interface_name = {};
-    return parse_frame(first, frame);
-  }
-  frame.interface_name = first;
-  if (first.size() > kLongestInterface) return LogLine::kMalformed;
+  frame.interface_name = take_word(line);
+  std::string_view word = take_word(line);
+  if (line.empty() && is_direction(word)) word = std::exchange(frame.interface_name, {});
+  if (frame.interface_name.size() > kLongestInterface) return LogLine::kMalformed;
   if (word.find('#') == std::string_view::npos) return parse_terminal(word, line, frame);
   if (!is_direction(line)) return LogLine::kMalformed;
   return parse_frame(word, frame);
