@@ -13,12 +13,13 @@
 struct ToolCase {
   std::string arguments;
   int exit_code;
-  std::string out;  ///< all of it
-  std::string err;  ///< a part of it; empty when there is none
+  std::string out;         ///< all of it
+  std::string err;         ///< a part of it; empty when there is none
+  std::string input = {};  ///< file that standard input comes from; empty for an empty input
 };
 
 inline void check(const ToolCase& c) {
-  const ToolRun run = run_tool(c.arguments);
+  const ToolRun run = run_tool(c.arguments, Output::kFile, c.input);
   EXPECT_EQ(run.exit_code, c.exit_code) << c.arguments;
   EXPECT_EQ(run.out, c.out) << c.arguments;
   EXPECT_NE(run.err.find(c.err), std::string::npos) << c.arguments << "\n" << run.err;
