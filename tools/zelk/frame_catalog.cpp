@@ -3,11 +3,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <optional>
-#include <system_error>
 #include <utility>
 
+#include "file_type.hpp"
 #include "lookup.hpp"
 #include "output.hpp"
 #include "text.hpp"
@@ -20,12 +19,6 @@ struct Binding {
   std::string interface_name;
   std::string path;
 };
-
-bool exists(const std::string& path) {
-  std::error_code ignored;
-  return std::filesystem::exists(std::filesystem::path(std::u8string(path.begin(), path.end())),
-                                 ignored);
-}
 
 Binding parse_binding(const std::string& argument) {
   const std::size_t mark = argument.find('=');

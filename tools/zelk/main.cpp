@@ -23,7 +23,8 @@ constexpr const char* kExitCodes =
     "  1  a file cannot be read or converted, an object is not found, a value cannot be encoded, "
     "an\n"
     "     edit cannot be made, or the output cannot be written\n"
-    "  2  the command line is wrong";
+    "  2  the command line is wrong\n"
+    "Interrupted (130 in a shell), decode still ends with a whole line and its statistics.";
 
 constexpr const char* kHelpHint = "Run with --help for more information.";
 
