@@ -28,7 +28,7 @@ std::string json_string(std::string_view text) {
 }
 
 std::string csv_field(std::string_view text) {
-  const std::string field = escaped_between_lines(utf8(text));
+  std::string field = escaped_between_lines(utf8(text));
   if (field.find_first_of(",\"\r\n") == std::string::npos) return field;
   std::string result = "\"";
   for (const char c : field) {

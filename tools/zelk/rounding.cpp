@@ -159,9 +159,8 @@ void check_roundings(const std::vector<Rounding>& roundings, const std::string& 
         fmt::format("{}{}: {} {} {} {}", lead, rounding.object, rounding.field, rounding.before,
                     are_allowed ? "becomes" : "would become", rounding.after)));
   }
-  if (roundings.size() > kMostShown)
-    print_error(
-        behind_path(path, fmt::format("{}and {} more", lead, roundings.size() - kMostShown)));
+  const std::size_t left = roundings.size() - std::min(roundings.size(), kMostShown);
+  if (left > 0) print_error(behind_path(path, fmt::format("{}and {} more", lead, left)));
   if (are_allowed || roundings.empty()) return;
   throw RequestError(
       "not written: a file keeps 14 digits of a number; --allow-rounding writes it all the same");
