@@ -117,9 +117,11 @@ void zelk_free(symblk* nodes, msgblk* messages, env_var_blk* env_vars, btlblk* b
   zelk::release_list(messages);
   zelk::release_list(nodes);
   zelk::release_list(sigtypes);
-  zelk::release_list(filter->nodes);
-  zelk::release_list(filter->categories);
-  *filter = {};
+  if (filter) {
+    zelk::release_list(filter->nodes);
+    zelk::release_list(filter->categories);
+    *filter = {};
+  }
   zelk::release_list(categories);
   zelk::release_list(attr_defs);  // last: attribute values of all others refer to them
 }
