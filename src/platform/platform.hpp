@@ -105,6 +105,16 @@ using Module = std::unique_ptr<void, ModuleUnloader>;
 /// @return null when there is no loadable module of that name
 Module load_module(const char* path);
 
+/// A pointer of each thread's own; null until the thread sets one.
+void* thread_value() noexcept;
+
+/// Sets the calling thread's pointer. The end of the thread hands it to `release_thread_value`
+/// (module_entry.hpp). The main thread ends with the process: its pointer stays while `atexit`
+/// handlers and destructors of global objects run.
+///
+/// @return false when the system keeps no pointer (any more)
+bool set_thread_value(void* value) noexcept;
+
 using Function = void (*)();
 
 /// @return null when `module` exports no function of that name

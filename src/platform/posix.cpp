@@ -2,20 +2,24 @@
 #include <fcntl.h>
 #include <langinfo.h>
 #include <limits.h>
+#include <pthread.h>
 #include <stdlib.h>
 #include <strings.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cstring>
 #include <cwchar>
 #include <filesystem>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <tuple>
 #include <utility>
 #include <vector>
 
+#include "platform/immortal.hpp"
 #include "platform/module_entry.hpp"
 #include "platform/platform.hpp"
 
@@ -106,7 +110,42 @@ OwnFile& own_file() {
   attach(file.base);
 }
 
-[[gnu::destructor]] void detach_shared_object() { detach(); }
+/// The names of all messages that somebody has asked for, in the order of their numbers.
+struct MessageNames {
+  std::mutex mutex;
+  std::vector<std::string> names;
+};
+
+MessageNames& message_names() {
+  static Immortal<MessageNames> names;
+  return names.get();
+}
+
+/// The system's key for the threads' own pointers.
+struct ThreadKey {
+  ThreadKey() noexcept : is_open(pthread_key_create(&key, release_thread_value) == 0) {}
+
+  pthread_key_t key = 0;
+  std::atomic<bool> is_open;
+};
+
+ThreadKey& thread_key() noexcept {
+  static ThreadKey key;
+  return key;
+}
+
+/// The library may be unloaded now: no thread that ends later may call into it.
+void close_thread_key() noexcept {
+  void* const own = thread_value();
+  if (own && set_thread_value(nullptr)) release_thread_value(own);
+  if (thread_key().is_open.exchange(false)) pthread_key_delete(thread_key().key);
+}
+
+[[gnu::destructor]] void detach_shared_object() {
+  close_thread_key();
+  release_notes();
+  detach();
+}
 
 }  // namespace
 
@@ -207,8 +246,19 @@ void own_file_name(char* buffer, std::uint32_t size_bytes) {
   buffer[path.copy(buffer, size_bytes - 1)] = '\0';
 }
 
+void* thread_value() noexcept {
+  const ThreadKey& key = thread_key();
+  return key.is_open ? pthread_getspecific(key.key) : nullptr;
+}
+
+bool set_thread_value(void* value) noexcept {
+  const ThreadKey& key = thread_key();
+  return key.is_open && pthread_setspecific(key.key, value) == 0;
+}
+
 std::uint32_t registered_message(const char* name) {
-  static std::vector<std::string> names;
+  auto& [mutex, names] = message_names();
+  const std::lock_guard lock(mutex);
   std::uint32_t number = kFirstMessage;
   for (const std::string& known : names) {
     if (strcasecmp(known.c_str(), name) == 0) return number;

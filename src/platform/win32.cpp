@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <atomic>
 #include <string>
 #include <utility>
 
@@ -93,6 +94,26 @@ bool are_different_files(const char* a, const char* b) {
   return info_a.dwVolumeSerialNumber != info_b.dwVolumeSerialNumber ||
          info_a.nFileIndexHigh != info_b.nFileIndexHigh ||
          info_a.nFileIndexLow != info_b.nFileIndexLow;
+}
+
+/// The system's index for the threads' own pointers.
+struct ThreadIndex {
+  ThreadIndex() noexcept
+      : index(FlsAlloc(release_of_thread)), is_open(index != FLS_OUT_OF_INDEXES) {}
+  static void WINAPI release_of_thread(void* value) { release_thread_value(value); }
+
+  DWORD index;
+  std::atomic<bool> is_open;
+};
+
+ThreadIndex& thread_index() noexcept {
+  static ThreadIndex index;
+  return index;
+}
+
+/// The library is unloaded: releases the pointers of all threads.
+void close_thread_index() noexcept {
+  if (thread_index().is_open.exchange(false)) FlsFree(thread_index().index);
 }
 
 }  // namespace
@@ -203,6 +224,16 @@ void own_file_name(char* buffer, std::uint32_t size_bytes) {
   buffer[std::min<DWORD>(length, size_bytes - 1)] = '\0';  // not every system ends a name it cuts
 }
 
+void* thread_value() noexcept {
+  const ThreadIndex& index = thread_index();
+  return index.is_open ? FlsGetValue(index.index) : nullptr;
+}
+
+bool set_thread_value(void* value) noexcept {
+  const ThreadIndex& index = thread_index();
+  return index.is_open && FlsSetValue(index.index, value) != 0;
+}
+
 std::uint32_t registered_message(const char* name) { return RegisterWindowMessageA(name); }
 
 void post(const zelk_notification& notification) {
@@ -231,8 +262,16 @@ void show_message_box(const char* text, const char* title, std::uint32_t style) 
 
 }  // namespace zelk::platform
 
-extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID) {
+extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID process_ends) {
   if (reason == DLL_PROCESS_ATTACH) zelk::platform::attach(module);
-  if (reason == DLL_PROCESS_DETACH) zelk::platform::detach();
+  if (reason == DLL_PROCESS_DETACH) {
+    // With the process the system takes everything; a thread that it ended may hold the heap's
+    // lock.
+    if (!process_ends) {
+      zelk::platform::close_thread_index();
+      zelk::platform::release_notes();
+    }
+    zelk::platform::detach();
+  }
   return TRUE;
 }
