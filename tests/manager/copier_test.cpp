@@ -206,13 +206,13 @@ std::size_t copy_while_allocations_fail(const ZelkDatabase& source) {
     EXPECT_EQ(copy.Write(nullptr), 0) << "what is left can be used, allocation " << n;
     copy.SetUserData(nullptr);
     number(copy, "own");
-    EXPECT_EQ(describe(copy).find('#'), std::string::npos) << "a stranger, allocation " << n;
+    EXPECT_EQ(describe(copy).find("Q__"), std::string::npos) << "a stranger, allocation " << n;
   }
 }
 
 TEST_F(Copy, LacksOneListWithoutMemory) {
   OwnDatabase source(kEveryStatement);
-  number(source, "#");
+  number(source, "Q__");
   EXPECT_GT(copy_while_allocations_fail<FailingCalloc>(source), 80u);
   EXPECT_GT(copy_while_allocations_fail<FailingNew>(source), 10u);
 }

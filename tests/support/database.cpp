@@ -160,7 +160,7 @@ struct Description {
   }
 
   void record(const attr_def& definition) {
-    const char* const types[] = {"INT", "FLOAT", "STRING", "ENUM", "HEX"};
+    const char* const types[] = {"INT", "FLOAT", "STRING", "ENUM", "HEX", "none"};
     const int32_t type = definition.value_type;
     add("definition ", definition.name, " of ", definition.object_type, " ", types[type], " ");
     if (type == ZELK_ATTR_ENUM) add(quoted(definition.enum_values), " ");
