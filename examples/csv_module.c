@@ -4,7 +4,7 @@
  *
  * with numbers as C writes them in the locale of the process. Signals are integers without a sign,
  * in Intel byte order, and in every frame; no text has a comma.
- * Build it as a dynamic library that is linked with zelkmsnx, and load it with
+ * Build it as a shared library that is linked with zelkmsnx, and load it with
  *
  *     zelk convert --from ./csv_module.so signals.csv signals.dbc
  */

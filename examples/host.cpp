@@ -45,7 +45,7 @@ void print_message(const char* text, const char* title, std::uint32_t, void*) {
 bool open(ZelkManager& manager, const char* path, unsigned priority) {
   const ZelkError error = manager.OpenDatabase(path, nullptr, priority);
   if (error == ZelkErrorOk) return true;
-  std::fprintf(stderr, "%s: error %d\n", path, error);
+  std::fprintf(stderr, "%s: %s\n", path, ZelkErrorText(error));
   if (error == ZelkErrorNoDatabase) std::fputs(manager.GetLastOpenError(), stderr);
   return false;
 }
@@ -62,7 +62,7 @@ void describe(ZelkManager& manager, const char* name) {
   char default_name[33];  // one more than the longest name
   manager.GetDefaultDatabaseName(name, default_name, sizeof default_name);
   std::printf("%s (by itself %s), priority %u: %u messages\n", name, default_name,
-              manager.GetPriority(name), count_messages(*manager.GetDatabase(name)));
+              manager.GetPriority(name), count_messages(*manager.GetConstDatabase(name)));
 }
 
 /// Changes the comment and writes the database to `copy`, which is its file from then on: for every
@@ -76,7 +76,7 @@ bool edit(ZelkWriteManager& editor, const char* name, const char* copy) {
   const ZelkError error = editor.WriteDatabase(name, copy);  // which announces it
   editor.UnlockDatabase(name);
   if (error == ZelkErrorOk) return true;
-  std::fprintf(stderr, "%s: error %d\n%s", copy, error, zelk_get_error_text());
+  std::fprintf(stderr, "%s: %s\n%s", copy, ZelkErrorText(error), zelk_get_error_text());
   return false;
 }
 
@@ -92,7 +92,7 @@ void print_news(const std::vector<News>& news, const void* reader_id) {
 bool reopen_from_cache(ZelkManager& manager, const char* name, const char* path) {
   manager.CloseDatabase(name, true);  // from here on `name` means nothing
   if (!open(manager, path, 0)) return false;
-  const ZelkDatabase& database = *manager.GetDatabase(manager.GetDatabaseName(path));
+  const ZelkDatabase& database = *manager.GetConstDatabase(manager.GetDatabaseName(path));
   std::printf("Opened again: %u messages, \"%s\"\n", count_messages(database), database.comment);
   return true;
 }

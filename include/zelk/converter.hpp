@@ -13,7 +13,7 @@
 /// What importers and exporters have in common: a loaded module, its conversion function, and the
 /// manager whose database is converted.
 ///
-/// module.h tells what a module does. What went wrong stands in the error text
+/// module.h has the contract of modules. What went wrong stands in the error text
 /// (`zelk_get_error_text`), which a conversion empties when it begins. Nothing raises but for the
 /// constructors, when the heap is exhausted. A converter must not outlive its manager.
 class ZELK_API ZelkConverter {
@@ -52,8 +52,8 @@ class ZELK_API ZelkConverter {
   void SetOption(const char* option) { option_ = option ? option : ""; }
 
  protected:
-  /// Loads a module. That it cannot be loaded, or does not have the function, is told in the error
-  /// text of a conversion.
+  /// Loads a module. A conversion reports in the error text that the module could not be loaded, or
+  /// does not have the function.
   ///
   /// @param module  file name as the system's loader takes it: a bare name is searched for on the
   /// system's path; null: none
@@ -84,10 +84,10 @@ class ZELK_API ZelkImporter : public ZelkConverter {
   /// @param db    name for the database
   /// @param name  receives the handle on success; may be null
   /// @param file  the other format's; its owner must be allowed to write it
-  /// @return tested in this order: 2 when the file does not exist, 8 when it is read-only, 3 when
-  /// the manager has a database of that name, 7 when no database can have it, 10 when the ".DBC"
-  /// file exists, 1 without a conversion function, when that fails, and when the heap is exhausted;
-  /// or 0. On all but 0 no database is left behind
+  /// @return tested in this order: `ZelkErrorFileNotFound`, `ZelkErrorReadOnly`,
+  /// `ZelkErrorNameUsed`, `ZelkErrorInvalidName`, `ZelkErrorFileBelongs` when the ".DBC" file
+  /// exists, `ZelkErrorNoDatabase` without a conversion function, when that fails, and when the
+  /// heap is exhausted; or `ZelkErrorOk`. On all but `ZelkErrorOk` no database is left behind
   virtual ZelkError Import(const char* db, const char** name, const char* file);
 
  protected:
@@ -105,11 +105,12 @@ class ZELK_API ZelkImporter : public ZelkConverter {
 
   /// Makes the empty database for `file` with the extension ".DBC".
   ///
-  /// @return as `Import`, from 3 on
+  /// @return as `Import`, from `ZelkErrorNameUsed` on
   ZelkError CreateDatabase(const char* db, const char** name, const char* file);
   /// Fills the database of the handle `name`, which it closes when that fails.
   ///
-  /// @return 0; 1 when there is no such database or it could not be filled
+  /// @return `ZelkErrorOk`; `ZelkErrorNoDatabase` when there is no such database or it could not be
+  /// filled
   ZelkError FillDatabase(const char* name, const char* file);
   /// Turns what a module filled into records of the database's own: deep copies, whose references
   /// lead to records of this database alone; the originals go to `PostProcess`.
@@ -127,9 +128,9 @@ class ZELK_API ZelkExporter : public ZelkConverter {
 
   /// Writes a database to a new file.
   ///
-  /// @return 0, also without a conversion function (nothing is written then, and the error text
-  /// says so if one was named); 10 when the file exists; 9 when there is no such database, and when
-  /// the conversion function fails
+  /// @return `ZelkErrorOk`, also without a conversion function (nothing is written then, and the
+  /// error text says so if one was named); `ZelkErrorFileBelongs` when the file exists;
+  /// `ZelkErrorNotWritten` when there is no such database, and when the conversion function fails
   virtual ZelkError Export(const char* db, const char* file);
 
  protected:

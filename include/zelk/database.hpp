@@ -4,7 +4,9 @@
 #ifndef ZELK_DATABASE_HPP
 #define ZELK_DATABASE_HPP
 
+#include <atomic>
 #include <memory>
+#include <string>
 #include <type_traits>
 
 #include "zelk/types.hpp"
@@ -18,7 +20,13 @@
 namespace zelk {
 class DatabaseCopier;
 class DatabaseIndex;
+struct DatabaseFile;
 struct DatabaseLookup;
+struct ListEnds;
+struct ManagerEdits;
+namespace platform {
+struct FilePath;
+}
 }  // namespace zelk
 
 /// The definitions of the four attributes that carry names longer than the text format takes.
@@ -51,13 +59,18 @@ class ZELK_API ZelkPredefinedAttributes {
 /// `ZelkManager::GetDatabase` and keeps it as long as that manager has it open. The lists may be
 /// read and handed to the C interface; they are the database's, and are released with it.
 ///
+/// The counts, the path and the file time are the library's to set: by the path, as it was when it
+/// was set, and the time it finds a database again. A host that wants another file for a database
+/// gives it to `Write`.
+///
 /// Nothing raises but for the constructors and `CreateDatabase`, which raise `ZelkException` for a
 /// file that cannot be read. An exhausted heap is told in the error text.
 class ZELK_API ZelkDatabase {
  public:
   std::uint32_t ref_count = 1;    ///< managers that hold the database
   std::uint32_t cache_count = 0;  ///< releases that asked to keep it in the cache
-  char* path = nullptr;  ///< owned; the file it was read from or last written to; null for none
+  char* path = nullptr;  ///< owned; the file it was read from or last written to, as it was named;
+                         ///< null for none
   std::int64_t file_time = 0;  ///< modification time of `path` when it was read or written, in the
                                ///< system's own ticks; only equality means something
   symblk* nodes = nullptr;
@@ -81,7 +94,9 @@ class ZELK_API ZelkDatabase {
 
   /// Whether `file` names this database's file, unchanged since it was read or written: equal as
   /// absolute paths without regard to case (but for file systems that tell two such files apart),
-  /// and of the same modification time. False when either one is null or the file is gone.
+  /// and of the same modification time. A relative path leads from the working folder: `file` from
+  /// that of now, the own one from that in which it was set. False when either one is null or the
+  /// file is gone.
   bool IsPathEqual(const char* file) const;
 
   // --- The file ---
@@ -89,26 +104,43 @@ class ZELK_API ZelkDatabase {
   /// Reads the own file afresh into the emptied database; every record of it is released first.
   /// `file_time` stays as it is.
   ///
-  /// @return 0; 2 without a path; 1 when the file cannot be read, which leaves what stands before
-  /// the fault and its message line in the error text
+  /// A database that was not read whole holds what stands before the fault and is not saved:
+  /// `Write` refuses until it is read whole, cleared, or assigned to.
+  ///
+  /// @return `ZelkErrorOk`; `ZelkErrorFileNotFound` without a path; `ZelkErrorNoDatabase` when the
+  /// file cannot be read, with its message line in the error text
   ZelkError ReopenDatabaseFile();
 
   /// Writes the database, and then overwrites another instance of the same file (`Commit`).
   ///
-  /// The file is replaced in one step once all of it is on the disk: on a failure it is as it was.
+  /// The file is replaced in one step once all of it is on the disk: on a failure it is as it was,
+  /// and a line with the system's reason enters the error text. It keeps its permissions, access
+  /// list and extended attributes, and its owner when the process may give files away; a file that
+  /// this process may not write is not replaced. Links are followed. A file with several hard links
+  /// is written in place while ".NAME.zelk-whole" beside it has the whole new content: when the
+  /// process is killed meanwhile, the next `Write` ends that first, with a line in the error text.
+  /// It also removes the ".NAME.zelk-N" that a killed process has left. What is no file, such as a
+  /// pipe, is written to directly.
+  ///
   /// A given file becomes the database's own as soon as it is found to be writable.
   ///
   /// @param file  null: the own file
-  /// @return 0; 2 without any path; 8 for a read-only file; 9 when the file could not be written
-  /// or names were shortened on reading (error 30 enters the error text); 10 when another open
-  /// database has the file
+  /// @return tested in this order: `ZelkErrorFileNotFound` without any path;
+  /// `ZelkErrorFileBelongs`, when another open database has the given file, or a manager that does
+  /// not have this database open edits another instance of the own one; `ZelkErrorFileBelongs`,
+  /// when the own file exists although it did not when it became that, and this database has not
+  /// written it since; `ZelkErrorReadOnly`; `ZelkErrorNotWritten`, when names were shortened on
+  /// reading (error 30), the database was not read or copied whole (error 13), or the file could
+  /// not be written, with the reason in the error text; or `ZelkErrorOk`
   ZelkError Write(const char* file);
 
   /// Copies this database over the other one of the same file that stands in the process's list;
-  /// does nothing when there is none.
+  /// does nothing when there is none. It asks nobody: what another manager has changed there and
+  /// not written is gone, and its records are other ones. `Write` refuses instead.
   void Commit();
 
-  /// Releases all lists and texts. The path, the counts, `file_time` and `write_ext_mux` stay.
+  /// Releases all lists and texts. The path, the counts, `file_time` and `write_ext_mux` stay. A
+  /// cleared database may be written, empty as it is.
   void Clear();
 
   /// Whether names were cut while the file was read.
@@ -117,52 +149,73 @@ class ZELK_API ZelkDatabase {
   // --- Objects ---
   //
   // Lookups: first match in list order, names byte by byte as in query.h; null when there is none
-  // or the name is null. The records are the database's.
+  // or the name is null. The records are the database's. For a literal null say which type is
+  // meant: `GetMessage(nullptr)` and `GetMessage(0)` are ambiguous.
   //
-  // Who gets a record or the database itself this way can change it: from then on, and for good,
-  // managers look its objects up by walks over the lists and no more by an index.
+  // Lookups go through an index, and take the same time whatever the size of the database, as long
+  // as no host can change its records. A host can do so from the moment when it gets one to be
+  // changed, by a lookup in a database that is not const, `ZelkManager::GetDatabase`, a creation or
+  // a lookup or iterator of a write manager: it may write to such a record at any later time, so
+  // that lookups walk the lists, until the database is next read, cleared or assigned to. After
+  // that a host that goes on writing to it gets it, or its records, anew. Lookups in a const
+  // database, and those of `ZelkManager`, give nothing away. What hangs on a const record is not to
+  // be changed either, although its links are not const.
+  //
+  // Several threads may use lookups in one database as long as all of them are const.
   //
   // Creation: a record with the values of model.h, linked in front of the record at position
   // `index` (0: the first), behind the last one when there are fewer. Null when the heap is
-  // exhausted.
+  // exhausted. Creation behind the last record takes the same time whatever the size of the list,
+  // when nothing was deleted or inserted elsewhere since the last one.
   //
   // Deletion: as the functions `can_delete_*` of model.h, which tell what is not released and that
   // other records' references are the caller's to settle.
 
-  symblk* GetNode(const char* name) const;
+  const symblk* GetNode(const char* name) const;
+  symblk* GetNode(const char* name);
   symblk* CreateNode(unsigned index);
   void DeleteNode(symblk& node);
 
-  msgblk* GetMessage(const char* name) const;
-  msgblk* GetMessage(unsigned long id) const;  ///< all 32 bits count; bit 31: extended
+  const msgblk* GetMessage(const char* name) const;
+  msgblk* GetMessage(const char* name);
+  const msgblk* GetMessage(unsigned long id) const;  ///< all 32 bits count; bit 31: extended
+  msgblk* GetMessage(unsigned long id);
   msgblk* CreateMessage(unsigned index);
   void DeleteMessage(msgblk& message);
 
-  env_var_blk* GetEnvvar(const char* name) const;
+  const env_var_blk* GetEnvvar(const char* name) const;
+  env_var_blk* GetEnvvar(const char* name);
   env_var_blk* CreateEnvvar(unsigned index);
   void DeleteEnvvar(env_var_blk& variable);
 
-  btlblk* GetBitTiming(unsigned short baudrate) const;
+  const btlblk* GetBitTiming(unsigned short baudrate) const;
+  btlblk* GetBitTiming(unsigned short baudrate);
   btlblk* CreateBitTiming(unsigned index);
   void DeleteBitTiming(btlblk& bit_timing);
 
-  valtable* GetValueTable(const char* name) const;
+  const valtable* GetValueTable(const char* name) const;
+  valtable* GetValueTable(const char* name);
   valtable* CreateValueTable(unsigned index);
   void DeleteValueTable(valtable& table);
 
-  sigtype* GetSignalType(const char* name) const;
+  const sigtype* GetSignalType(const char* name) const;
+  sigtype* GetSignalType(const char* name);
   sigtype* CreateSignalType(unsigned index);
   void DeleteSignalType(sigtype& type);
 
   cat* CreateCategory(unsigned index);
   void DeleteCategory(cat& category);
 
-  attr_def* GetAttrDef(const char* name) const;
+  /// The first definition of that name, of whatever kind; `ZelkManager::GetAttrDefinition` gives
+  /// that of an object.
+  const attr_def* GetAttrDef(const char* name) const;
+  attr_def* GetAttrDef(const char* name);
   attr_def* CreateAttrDef(unsigned index);
   /// Also forgets the definition as one of the long-name attributes.
   void DeleteAttrDef(attr_def& definition);
-  /// Gives the definition another name, cut to 32 characters. One that takes on the name of a
-  /// long-name attribute gives its values to the objects as their names at once.
+  /// Gives the definition another name, cut to 32 characters; null: nothing happens. One that takes
+  /// on the name of a long-name attribute gives its values to the objects as their names at once,
+  /// as `CheckAndInsertPredefinedAttrs` does.
   void RenameAttrDef(attr_def& definition, const char* name);
 
   /// The message of a J1939 frame, as `zelk_get_j1939_message` finds it.
@@ -170,7 +223,8 @@ class ZELK_API ZelkDatabase {
   /// @param id     identifier of the frame; without bit 31 it is looked up as it is
   /// @param flags  `ZELK_J1939_PGN_IDS`, `ZELK_J1939_FRAME_FORMAT`; without either the first counts
   /// when `HasJ1939GroupNumbers`, else the second
-  msgblk* GetJ1939Message(unsigned long id, unsigned long flags) const;
+  const msgblk* GetJ1939Message(unsigned long id, unsigned long flags) const;
+  msgblk* GetJ1939Message(unsigned long id, unsigned long flags);
   /// `flags` with what the database decides when they say nothing.
   static std::uint32_t J1939Flags(std::uint32_t flags, bool has_group_numbers);
   /// Whether the database says that its messages' identifiers are J1939 group numbers: the network
@@ -186,8 +240,12 @@ class ZELK_API ZelkDatabase {
   /// gives the records away to be changed, as the lookups above do.
   template <typename T>
   T* Walk(T* object) {
-    if constexpr (!std::is_const_v<T>) ForbidIndex();
-    return object ? object->next : ListOf(static_cast<const T*>(nullptr));
+    T* const found = object ? object->next : ListOf(static_cast<const T*>(nullptr));
+    if constexpr (std::is_const_v<T>) {
+      return found;
+    } else {
+      return HandOut(found);
+    }
   }
 
   // --- Texts and settings ---
@@ -197,15 +255,17 @@ class ZELK_API ZelkDatabase {
   void WriteExtendedMultiplexing(bool on) { write_ext_mux = on ? 1 : 0; }
 
   /// The name that the database has by itself: the network attribute "DBName" (its value, else its
-  /// default) when that is defined as a text, else the file's name without folder and extension.
-  /// Characters that no database name has are dropped, in front of the first valid one replaced by
+  /// default, which also counts for a value whose text is null) when that is defined as a text,
+  /// else the file's name without folder and extension. Characters that no database name has are
+  /// dropped, in front of the first valid one replaced by
   /// "_", as is a leading digit; at most 32 characters are left.
   ///
   /// @return released by the caller with `zelk_mfree`; null when the heap is exhausted
   char* GetDefaultName() const;
 
   /// Enters a definition that is one of the long-name attributes: its values become the names of
-  /// their objects, but for those that no file could hold as a name.
+  /// their objects. A value that no file could hold as a name is left out and reported
+  /// (`ZELK_ERR_FORMAT` with the value enters the error text); an empty one is left out.
   void CheckAndInsertPredefinedAttrs(attr_def& definition);
   /// Forgets the definition as one of the long-name attributes. Names stay: they are the only ones
   /// that the objects have.
@@ -216,7 +276,9 @@ class ZELK_API ZelkDatabase {
   friend class ZelkManager;
   friend class ZelkWriteManager;
   friend class zelk::DatabaseCopier;
+  friend struct zelk::DatabaseFile;
   friend struct zelk::DatabaseLookup;
+  friend struct zelk::ManagerEdits;
 
   /// An empty database without a path.
   ZelkDatabase();
@@ -227,7 +289,8 @@ class ZELK_API ZelkDatabase {
   /// Deep copies: records of their own, which refer to each other as the source's do. A reference
   /// to a record that the source does not own leads to the first record of that name or number in
   /// the copy, else it is null; an attribute value without a definition comes out without a value.
-  /// A list for which memory runs out comes out empty. The copy has holders, marks and a file time
+  /// A list for which memory runs out comes out empty, and `Write` refuses the copy; so it does the
+  /// copy of a database that was not read whole. The copy has holders, marks and a file time
   /// of its own; assigning keeps those of the target, and its `symbols_shortened` and
   /// `write_ext_mux`.
   ZelkDatabase(const ZelkDatabase& other);
@@ -266,18 +329,50 @@ class ZELK_API ZelkDatabase {
 
   /// Null when the lists are to be walked.
   const zelk::DatabaseIndex* Index() const;
-  /// The lists have changed.
+  /// The lists are new ones, of which no host has a record.
   void DropIndex() const;
   /// The lists can change without being told.
   void ForbidIndex() const;
 
+  /// Where every record passes, and the database itself, that a host may change from then on, or
+  /// that the library changes.
+  template <typename T>
+  T* HandOut(const T* found) const {
+    if (found) ForbidIndex();
+    return const_cast<T*>(found);
+  }
+  bool IsHandedOut() const { return makes_no_index_.load(std::memory_order_relaxed) && !index_; }
+  template <typename Record>
+  Record* CreateAt(Record*& list, unsigned index, Record* (*create)());
+  template <typename Record>
+  void Delete(Record*& list, Record& record, void (*remove)(Record**, Record*));
+
   void ReadFile();
-  ZelkError WriteOwn(const char* target);
+  void CopyFrom(const ZelkDatabase& other);
+  void SetFile(const char* file);
+  void SetFile(char* text, std::shared_ptr<const zelk::platform::FilePath> file);
+  bool TakeFileOf(const ZelkDatabase& other);
+  std::string OwnFile() const;
+  bool BelongsToAnother(const char* target) const;
+  ZelkError WriteOwn(const char* file);
+  bool MayBeSaved() const;
+  ZelkError Save(const char* target);
+  ZelkDatabase* StartSaving();
   ZelkDatabase* FindListed() const;
+  static ZelkDatabase* HoldListed(const char* file);
   static void Destroy(ZelkDatabase& database);
 
-  mutable std::unique_ptr<const zelk::DatabaseIndex> index_;  ///< made when it is first wanted
-  mutable bool is_index_forbidden_ = false;
+  /// Made by the first const lookup and published when it is whole; what was made stays until the
+  /// lists go.
+  mutable std::unique_ptr<const zelk::DatabaseIndex> made_index_;
+  mutable std::atomic<const zelk::DatabaseIndex*> index_ = nullptr;
+  mutable std::atomic<bool> makes_no_index_ = false;
+  mutable std::unique_ptr<zelk::ListEnds> ends_;  ///< made when it is first wanted
+  /// Of `path`, worked out when that was set.
+  std::shared_ptr<const zelk::platform::FilePath> file_;
+  bool is_being_saved_ = false;  ///< the time of the file is about to change
+  bool is_incomplete_ = false;   ///< a part was not read or copied: not to be saved
+  bool is_file_new_ = false;     ///< the own file was not there when it was set, nor written since
 };
 
 #endif

@@ -17,19 +17,25 @@ ZELK_EXTERN_C_BEGIN
 /// What a database has once (comments, the version, the filter) replaces what was there.
 ///
 /// On an error, everything that was linked before the fault stays in the lists and is usable;
-/// nothing is lost or leaked. A carriage return directly before a line feed is dropped; a byte 0xFF
+/// nothing is lost or leaked. A null file name, and a file that cannot be opened, change nothing
+/// but a null `version`. A carriage return directly before a line feed is dropped; a byte 0xFF
 /// between two tokens ends the file.
 ///
-/// @param file_name  path in the platform's encoding; null reads nothing and returns 0
+/// @param file_name  path in the platform's encoding; null reads nothing and returns `ZELK_OK`
 /// @param version    set to an owned empty text when null, also when `file_name` is null
-/// @param slots      four places for the definitions of the long-name attributes, set to null; null
-///                   is allowed. Names too long for the format stand in such attributes: their
-///                   values become the names of the objects once the file is accepted, and their
-///                   definitions leave the list
-/// @return 0; or 1 when there is no memory for a name of the "NS_" list, the one fault without a
-///         report
-/// @throws ZelkException for every other error (numbers in errors.h; 16 for a file that cannot be
-///         opened or read). C hosts, which cannot catch it, use `zelk_try_read`
+/// @param slots      four places for the definitions of the long-name attributes (signal, message,
+///                   node, environment variable); null is allowed. Names too long for the format
+///                   stand in such attributes. The read puts the file's definitions there; once the
+///                   file is accepted, their values become the names of the objects, and all
+///                   definitions of the slots leave the list and are released, those that the
+///                   caller left there and that no value may use any more among them: the slots are
+///                   null then. A file that is refused leaves its definitions in list and slots
+/// @return `ZELK_OK`; or `ZELK_ERR_SYNTAX` when there is no memory for a name of the "NS_" list,
+/// the
+///         one fault that neither raises nor reports. Every number but `ZELK_OK` is a failure
+/// @throws ZelkException for every other error (numbers in errors.h; `ZELK_ERR_NOT_FOUND` for a
+/// file
+///         that cannot be opened or read). C hosts, which cannot catch it, use `zelk_try_read`
 ZELK_API uint32_t zelk_read(const char* file_name, symblk** nodes, msgblk** messages,
                             env_var_blk** env_vars, btlblk** bit_timings, attr_def** attr_defs,
                             attr** net_attrs, cat** categories, filter_t* filter, char** db_comment,
@@ -37,7 +43,8 @@ ZELK_API uint32_t zelk_read(const char* file_name, symblk** nodes, msgblk** mess
                             attr_def* slots[4]);
 
 /// `zelk_read` for hosts that cannot catch: never raises, and returns the number of the error
-/// (errors.h) or 0. The error's message line is the last one of `zelk_get_error_text`.
+/// (errors.h) or `ZELK_OK`. The error's message line is the last one of
+/// `zelk_get_thread_error_text`.
 ZELK_API uint32_t zelk_try_read(const char* file_name, symblk** nodes, msgblk** messages,
                                 env_var_blk** env_vars, btlblk** bit_timings, attr_def** attr_defs,
                                 attr** net_attrs, cat** categories, filter_t* filter,
@@ -46,7 +53,7 @@ ZELK_API uint32_t zelk_try_read(const char* file_name, symblk** nodes, msgblk** 
 
 /// Writes a database as a DBC file, created or emptied. The order of sections and every blank are
 /// fixed. All list heads and texts may be null. The names of the "NS_" list beyond the keywords are
-/// those of the file that this process read last, but for names that are in use here.
+/// those of the file that the calling thread read last, but for names that a record bears here.
 ///
 /// What was read from a file is written so that it is read back into the same records. Names of
 /// nodes, messages, signals and environment variables longer than 32 characters are written
@@ -59,8 +66,21 @@ ZELK_API uint32_t zelk_try_read(const char* file_name, symblk** nodes, msgblk** 
 /// doubles, not-a-number as 0, all numbers with 14 significant digits. A list of one transmitter is
 /// not written: the "BO_" line has one.
 ///
-/// Start bits, lengths, data lengths and baud rates above 32767 are written, but not read back: the
-/// format has no such numbers there.
+/// What the format has not is written as it stands all the same, and such a file is refused when it
+/// is read, or gives other records:
+/// - start bits, lengths, data lengths and baud rates above 32767, and a signal's length of 0;
+/// - a signal's factor of 0, which is read as 1, and its minimum above its maximum, which are read
+///   exchanged;
+/// - names that `zelk_can_name_object` refuses, and inline names that are no such names; inline
+/// names
+///   and units of more than 32 characters;
+/// - types of environment variables and attributes, and kinds of objects, beyond their enumerators;
+///   bit 15 of an access code; the default of an ENUM that is no item;
+/// - records that refer to a definition, category, table, type or filter node that the lists do not
+///   hold, or to a signal of another message; circles of multiplexors; what is said of a message
+///   behind another with its identifier.
+///
+/// `ZelkDatabase::Write` refuses to save such a database.
 ///
 /// The file at `path` is written directly. Faults of the stream after the opening, such as a full
 /// disk, are not detected.
@@ -69,18 +89,28 @@ ZELK_API uint32_t zelk_try_read(const char* file_name, symblk** nodes, msgblk** 
 /// @param filter         by value; its lists are only read. One empty list of two is read back as
 ///                       one link to nothing
 /// @param write_mul_val  not 0: also write the "SG_MUL_VAL_" section (extended multiplexing)
-/// @return 0; 13 when the file cannot be opened, which leaves everything as it was and reports
-///         nothing
-/// @throws ZelkException for error 24, when memory runs out; the file is then incomplete
+/// @return `ZELK_OK`; `ZELK_ERR_WRITE` when the file cannot be opened, which leaves everything as
+/// it
+///         was and reports nothing
+/// @throws ZelkException for `ZELK_ERR_MEMORY`, when memory runs out; the file is then incomplete.
+///         C hosts, which cannot catch it, use `zelk_try_write`
 ZELK_API uint32_t zelk_write(const char* path, symblk* nodes, msgblk* messages,
                              env_var_blk* env_vars, btlblk* bit_timings, attr_def* attr_defs,
                              attr* db_attrs, cat* categories, filter_t filter, const char* comment,
                              const char* version, sigtype* sigtypes, valtable* valtables,
                              uint8_t write_mul_val);
 
+/// `zelk_write` for hosts that cannot catch: never raises, and returns the number of the error
+/// (errors.h) or `ZELK_OK`. `ZELK_ERR_MEMORY` is reported, `ZELK_ERR_WRITE` is not.
+ZELK_API uint32_t zelk_try_write(const char* path, symblk* nodes, msgblk* messages,
+                                 env_var_blk* env_vars, btlblk* bit_timings, attr_def* attr_defs,
+                                 attr* db_attrs, cat* categories, filter_t filter,
+                                 const char* comment, const char* version, sigtype* sigtypes,
+                                 valtable* valtables, uint8_t write_mul_val);
+
 /// Whether a file can hold a name for a node, message, signal or environment variable, so that it
-/// is read back: letters, digits and "_" of ASCII, the first no digit; no keyword, and no symbol
-/// that the file which this process read last announced ("NS_").
+/// is read back: letters, digits and "_" of ASCII, the first no digit; no keyword. A symbol that a
+/// file announced ("NS_") can be a name: what is written announces no name that a record bears.
 ///
 /// @param name     null is none
 /// @param is_node  not 0: it is a node's, which must not be `ZELK_NO_NODE` either

@@ -1,10 +1,10 @@
 /// \file
-/// Error numbers, their texts, and the library's error text.
+/// Error numbers, their texts, and the library's error texts.
 ///
 /// A report becomes one message line: the number's text, ", line N" when the line is above 0, and
-/// ", " with a detail when there is one. Each line is appended to the process-wide *error text*,
-/// followed by a line feed. Aborting errors also raise `ZelkException` (exception.hpp); warnings
-/// are only noted.
+/// ", " with a detail when there is one. Each line is appended, followed by a line feed, to two
+/// *error texts*: that of the process and that of the reporting thread. Aborting errors also raise
+/// `ZelkException` (exception.hpp); warnings are only noted.
 ///
 /// A line is the count of line feeds read before the fault was noticed, so a fault on the first
 /// line of a file has none.
@@ -63,23 +63,33 @@ enum zelk_error_number {
 /// @param number  error number
 /// @param line    line of the fault; 0 or less leaves the line part out
 /// @param text    detail; null or empty leaves it out. Not a line that this function returned
-/// @return the line without a line feed, in a process-wide buffer that the next report or call
-/// overwrites
+/// @return the line without a line feed, in a buffer of the calling thread that its next report or
+///         call overwrites
 ZELK_API const char* zelk_format_error(uint32_t number, int32_t line, const char* text);
 
-/// Formats a message line and appends it to the error text. When `raise` is not 0, raises
+/// Formats a message line and appends it to the error texts. When `raise` is not 0, raises
 /// `ZelkException` (a C++ exception: C hosts pass 0). Arguments as for `zelk_format_error`.
 ZELK_API void zelk_report(uint32_t number, int32_t line, const char* text, int raise);
 
 /// `zelk_report` without raising: a warning.
 ZELK_API void zelk_note(uint32_t number, int32_t line, const char* text);
 
-/// All message lines reported since the error text was last cleared, each ended by a line feed.
+/// The message lines of all threads since the process's error text was last cleared, each ended by
+/// a line feed.
 ///
-/// @return never null; owned by the library and valid until the next report or clearing
+/// @return never null; a copy, owned by the library and valid until the calling thread calls this
+///         function again or ends. When memory for the copy runs out, what
+///         `zelk_get_thread_error_text` returns
 ZELK_API const char* zelk_get_error_text(void);
 
-/// Empties the error text.
+/// The message lines that the calling thread has reported since it last cleared the error text,
+/// each ended by a line feed.
+///
+/// @return never null; owned by the library and valid until the calling thread reports or clears
+///         again, or ends
+ZELK_API const char* zelk_get_thread_error_text(void);
+
+/// Empties the error texts of the process and of the calling thread. Those of other threads stay.
 ZELK_API void zelk_clear_error_text(void);
 
 ZELK_EXTERN_C_END

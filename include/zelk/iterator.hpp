@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
+#include <type_traits>
 
 #include "zelk/database.hpp"
 #include "zelk/manager.hpp"
@@ -40,6 +41,14 @@ struct ZelkIteratorEnd {};
 /// predicate must outlive it. Copies are independent of each other.
 template <typename T>
 class ZelkIterator {
+  /// For records that may be changed: a predicate that only looks at them.
+  struct NoPredicate {};
+  using ConstPredicate =
+      std::conditional_t<std::is_const_v<T>, NoPredicate, ZelkPredicate<const T>>;
+  template <typename U>
+  static constexpr bool kIsComparable =
+      std::is_same_v<std::remove_const_t<T>, std::remove_const_t<U>>;
+
  public:
   /// Gives the first object of a kind for null, else the next; `&ZelkDatabase::Walk<T>`.
   using FirstFunction = T* (ZelkDatabase::*)(T*);
@@ -78,6 +87,14 @@ class ZelkIterator {
         predicate_(&predicate) {
     ZelkIterator::SeekNextValid();
   }
+  ZelkIterator(const ZelkManager& manager, T* start, ConstPredicate& predicate, const char* db)
+      : flags_(kHasPredicate),
+        manager_(&manager),
+        current_(start),
+        name_(db),
+        const_predicate_(&predicate) {
+    ZelkIterator::SeekNextValid();
+  }
   ZelkIterator(const ZelkIterator&) = default;
   ZelkIterator& operator=(const ZelkIterator&) = default;
   virtual ~ZelkIterator() = default;
@@ -106,6 +123,17 @@ class ZelkIterator {
   static ZelkIteratorEnd end() { return {}; }
   bool operator==(ZelkIteratorEnd) const { return current_ == nullptr; }
 
+  /// Whether both stand on the same object, or both behind the last one. Iterators over different
+  /// kinds of objects cannot be compared, and none has an order.
+  template <typename U>
+  bool operator==(const ZelkIterator<U>& other) const requires kIsComparable<U> {
+    return current_ == *other;
+  }
+  template <typename U>
+  bool operator==(const ZelkIterator<U>&) const requires(!kIsComparable<U>) = delete;
+  template <typename U>
+  void operator<=>(const ZelkIterator<U>&) const = delete;
+
  protected:
   void IncreasePosition() {
     if (current_ != nullptr) current_ = current_->next;
@@ -114,20 +142,29 @@ class ZelkIterator {
 
   /// Moves on to the next object, this one included, that the predicate accepts.
   virtual void SeekNextValid() {
-    while (current_ != nullptr &&
-           !(*predicate_)(current_, const_cast<ZelkManager&>(*manager_), name_)) {
-      IncreasePosition();
-    }
+    while (current_ != nullptr && !IsAccepted()) IncreasePosition();
   }
 
  private:
   static constexpr std::uint32_t kAllDatabases = 1;
   static constexpr std::uint32_t kHasPredicate = 2;
 
+  bool IsAccepted() const {
+    auto& manager = const_cast<ZelkManager&>(*manager_);
+    if constexpr (!std::is_const_v<T>) {
+      if (const_predicate_ != nullptr) return (*const_predicate_)(current_, manager, name_);
+    }
+    return (*predicate_)(current_, manager, name_);
+  }
+
+  T* FirstOf(const ZelkManager::DbListNode& node) const {
+    return (const_cast<ZelkDatabase&>(node.database).*first_)(nullptr);
+  }
+
   void Begin(const char* db) {
     if (db != nullptr) {
-      ZelkManager::DbListNode* const node = manager_->ListFindNode(db);
-      if (node != nullptr) current_ = (node->database.*first_)(nullptr);
+      const ZelkManager::DbListNode* const node = manager_->ListFindNode(db);
+      if (node != nullptr) current_ = FirstOf(*node);
       return;
     }
     flags_ |= kAllDatabases;
@@ -138,7 +175,7 @@ class ZelkIterator {
   }
 
   void EnterDatabase() {
-    current_ = (node_->database.*first_)(nullptr);
+    current_ = FirstOf(*node_);
     if (current_ != nullptr) name_ = node_->name;
   }
 
@@ -156,6 +193,7 @@ class ZelkIterator {
   FirstFunction first_ = nullptr;
   ZelkPredicate<T>* predicate_ = nullptr;
   ZelkManager::DbListNode* node_ = nullptr;
+  ConstPredicate* const_predicate_ = nullptr;
 };
 
 /// Receivers, transmitters, access nodes: links to nodes.

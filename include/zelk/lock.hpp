@@ -4,14 +4,24 @@
 #ifndef ZELK_LOCK_HPP
 #define ZELK_LOCK_HPP
 
+#include <cstdint>
+#include <optional>
+#include <string>
+
 #include "zelk/manager.hpp"
 
+namespace zelk {
+class LockList;
+}
+
 /// A manager's announcement that it reads or changes a database. Locks are advisory: they refuse
-/// other locks, not access, and are no thread synchronisation.
+/// other locks, not access, and are no thread synchronisation, though managers of several threads
+/// may take them at once.
 ///
 /// All locks stand in one process-wide list, the newest first, which owns them. A manager takes
-/// them by `LockDatabase`; one goes when the manager unlocks or closes the database. A manager may
-/// hold any number of locks on a database; its own never refuse it.
+/// them by `LockDatabase`; one lives until the manager unlocks or closes the database. A pointer to
+/// a lock of another thread's manager is not to be followed: that thread may free it at any time. A
+/// manager may hold any number of locks on a database; its own never refuse it.
 class ZELK_API ZelkLock {
  public:
   ZelkLock(const ZelkLock&) = delete;
@@ -21,15 +31,16 @@ class ZELK_API ZelkLock {
   /// Takes the lock out of the list.
   virtual ~ZelkLock();
 
-  /// What the owner told when it took the lock; null when nothing.
+  /// What the owner told when it took the lock; null when nothing. Lives as long as the lock.
   const char* Reason() const { return reason_; }
   /// Tells the user that this lock refuses another one, and by which reason (platform.h).
   ///
   /// @throws std::bad_alloc
   void ShowMessage() const;
 
-  static void FreeLock(ZelkManager& manager);                          ///< all of a manager
-  static void FreeLock(ZelkManager& manager, ZelkDatabase& database);  ///< its own on a database
+  static void FreeLock(ZelkManager& manager);  ///< all of a manager
+  /// The manager's own on this instance of a file.
+  static void FreeLock(ZelkManager& manager, ZelkDatabase& database);
 
  protected:
   ZelkLock(ZelkManager& manager, ZelkDatabase& database, const char* reason);
@@ -44,14 +55,28 @@ class ZELK_API ZelkLock {
   static ZelkLock* FindForeign(const ZelkManager& manager, const ZelkDatabase& database,
                                bool write_locks_only);
 
+  /// Tells the user when a lock refuses another manager's, by which reason.
+  ///
+  /// @throws std::bad_alloc
+  static bool IsRefused(const ZelkManager& manager, const ZelkDatabase& database,
+                        bool write_locks_only);
+
   /// What `Create` of both kinds does.
   static ZelkLock* CreateUnlessRefused(ZelkManager& manager, const char* db, const char* reason,
                                        bool is_write_lock);
 
  private:
+  friend class ZelkWriteManager;
+  friend class zelk::LockList;
+
+  std::string Message() const;
+  static std::optional<std::string> Refusal(const ZelkManager& manager,
+                                            const ZelkDatabase& database, bool write_locks_only);
+
   ZelkManager& manager_;
   ZelkDatabase& database_;
   char* reason_;
+  std::uint64_t number_ = 0;  ///< its place in the list: that of a newer lock is larger
 };
 
 class ZELK_API ZelkReadLock : public ZelkLock {
@@ -65,7 +90,8 @@ class ZELK_API ZelkReadLock : public ZelkLock {
   /// @return the lock, owned by the list; null when it is refused, there is no such database, or
   /// the heap is exhausted
   static ZelkReadLock* Create(ZelkManager& manager, const char* db, const char* reason);
-  /// The lock that would refuse a read lock; null when none would.
+  /// The lock that would refuse a read lock: the newest one of several; null when none would. It
+  /// lives until its own manager frees it.
   ///
   /// @throws std::bad_alloc when there is no memory to compare paths
   static ZelkLock* GetLock(ZelkManager& manager, ZelkDatabase& database);

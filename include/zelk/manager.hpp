@@ -4,6 +4,9 @@
 #ifndef ZELK_MANAGER_HPP
 #define ZELK_MANAGER_HPP
 
+#include <memory>
+#include <vector>
+
 #include "zelk/database.hpp"
 #include "zelk/types.hpp"
 
@@ -11,6 +14,19 @@ namespace zelk {
 struct ManagerAttributes;
 struct ManagerEdits;
 struct ManagerLookups;
+struct ManagerTables;
+
+/// Records that carry attribute values: nodes, messages, environment variables, signals, signal
+/// types, links.
+template <typename Record>
+concept AttributeOwner = requires(const Record& record) {
+  record.attrs;
+};
+/// Records that carry value descriptions.
+template <typename Record>
+concept ValueOwner = requires(const Record& record) {
+  record.values;
+};
 }  // namespace zelk
 
 class ZelkManager;
@@ -40,19 +56,37 @@ struct ZelkManagerNode {
 /// **Sharing.** Managers that open the same unchanged file share one `ZelkDatabase`, and so see
 /// each other's edits at once.
 ///
-/// Nothing raises but for the constructors, when the heap is exhausted. Managers, their databases
-/// and locks are process-wide and unguarded: one thread at a time.
+/// **None and all.** Null stands for two things: it is what `GetUniqueDatabaseName` gives when
+/// there is no such name, and as `db` it means all databases to `CloseDatabase`, `ReopenDatabase`,
+/// `UnlockDatabase`, to the write manager's `WriteDatabase`, `CommitDatabase` and `ClearDatabase`,
+/// and to lookups, iterators and counts. So never hand the one on to the other; the safe form is
+///
+///     const char* const db = manager.GetUniqueDatabaseName("motor");
+///     if (db) manager.CloseDatabase(db, false);
+///
+/// **Relative paths** lead from the working folder at the time of the call. A database keeps the
+/// file that its path led to when it was given, wherever the working folder moves later; its `path`
+/// keeps the text.
+///
+/// **Threads.** Managers of different threads may run at once, and share databases, as long as
+/// nobody edits these; one manager belongs to one thread at a time. zelk.h has the whole contract.
+/// The operations that a host overrides run in the thread that called the manager; while
+/// `OwnsDatabaseForWrite` runs, other threads wait for the lists, so that it must not wait for
+/// them.
+///
+/// Nothing raises but for the constructors, when the heap is exhausted.
 class ZELK_API ZelkManager {
  public:
   /// One open database of a manager.
   struct DbListNode {
-    char* name;              ///< owned; the handle
-    ZelkDatabase& database;  ///< to be read; who changes it gets it from `GetDatabase`
+    char* name;                    ///< owned; the handle
+    const ZelkDatabase& database;  ///< `GetDatabase` gives it to be changed
     std::uint32_t priority;
     ZelkSelectionPattern pattern;
     std::uint32_t envvar_handle_base;  ///< the manager's when the database was opened
     void* info;                        ///< the application's own
     DbListNode* next;
+    DbListNode* previous;  ///< null for the first
   };
 
   /// For a thread, whose identifier the low 32 bits of `thread` are; null: nobody is told.
@@ -77,14 +111,16 @@ class ZELK_API ZelkManager {
   ///
   /// @return false when one is refused
   virtual bool LockAllDatabases(const char* reason);
-  /// Frees this manager's locks on a database; null: all its locks.
+  /// Frees this manager's locks on a database; null: all its locks ("None and all" above).
   virtual void UnlockDatabase(const char* db);
 
   /// Whether a file can be opened.
   ///
-  /// @return 0; 2 when it does not exist
+  /// @return `ZelkErrorOk`, also for a read-only file; `ZelkErrorFileNotFound` when it does not
+  /// exist
   virtual ZelkError GetDatabaseFileInfo(const char* path) const;
-  /// Whether the file may be opened beside the managers that edit it: here always, with 0.
+  /// Whether the file may be opened beside the managers that edit it: here always
+  /// (`ZelkErrorOk`).
   virtual ZelkError CheckForWriteOpen(const char* path) const;
   /// Whether this manager has the file open for writing: here never.
   virtual bool OwnsDatabaseForWrite(const char* path) const;
@@ -108,34 +144,43 @@ class ZELK_API ZelkManager {
   /// Opens a file.
   ///
   /// @param path         in the system's encoding
-  /// @param name         receives the handle, on success and with result 4; may be null
+  /// @param name         receives the handle, with `ZelkErrorOk` and `ZelkErrorAlreadyOpen`; may be
+  /// null
   /// @param wanted_name  name for the database; null: its default name (`ZelkDatabase`)
   /// @param priority     counts only without a wanted name; with one it is 0
-  /// @return tested in this order: 7 for an invalid wanted name, 3 for one that is in use, 2 when
-  /// the file does not exist, 4 when this manager has it open, 5 when a write manager refuses, 1
-  /// when it cannot be read (`GetLastOpenError` tells why), 3 when the default name is in use; or
-  /// 0. On all but 0 and 4 nothing has changed
+  /// @return tested in this order: `ZelkErrorInvalidName` for the wanted name, `ZelkErrorNameUsed`
+  /// likewise, `ZelkErrorFileNotFound`, `ZelkErrorAlreadyOpen` when this manager has the file open,
+  /// `ZelkErrorOpenForWrite` when a write manager refuses, `ZelkErrorNoDatabase` when the file
+  /// cannot be read (`GetLastOpenError` tells why), `ZelkErrorNameUsed` for the default name; or
+  /// `ZelkErrorOk`. On all but `ZelkErrorOk` and `ZelkErrorAlreadyOpen` nothing has changed
   ZelkError OpenDatabase(const char* path, const char** name, const char* wanted_name,
                          unsigned priority);
   ZelkError OpenDatabase(const char* path, const char** name, unsigned priority);
-  /// Reads a database's file afresh; its records are other ones afterwards.
+  /// Reads a database's file afresh; its records are other ones afterwards, for every manager that
+  /// has it open.
   ///
-  /// @param db  null: all databases
-  /// @return 0; 1 when there is no such database or its file cannot be read; 2 when the file is
-  /// gone. For all databases the last error met
+  /// @param db  null: all databases ("None and all" above)
+  /// @return `ZelkErrorOk`; `ZelkErrorNoDatabase` when there is no such database, or its file
+  /// cannot be read (`ZelkDatabase::ReopenDatabaseFile`): the reason is in the error text
+  /// (errors.h), which this does not clear, and not in `GetLastOpenError`; `ZelkErrorFileNotFound`,
+  /// with the records as they were, when the file is gone or there is none. For all databases the
+  /// last error met
   ZelkError ReopenDatabase(const char* db);
   /// Closes a database; nothing happens when there is no such one. Its locks by this manager are
-  /// freed.
+  /// freed, and what was not written is gone when no other manager has it open.
   ///
-  /// @param db             null: all databases
+  /// @param db             null: all databases ("None and all" above)
   /// @param keep_in_cache  a following open of the unchanged file finds it without reading, until
   /// `FlushDatabaseCache`
   void CloseDatabase(const char* db, bool keep_in_cache);
   void CloseDatabase(bool keep_in_cache);  ///< all databases
+  /// A name alone, which the language would take for true, closes nothing.
+  template <typename T>
+  void CloseDatabase(T* db) = delete;
   /// Lets go of the databases that this manager closed into the cache.
   void FlushDatabaseCache();
-  /// Message lines of the last open, each with a line feed; empty when there was nothing to tell.
-  /// Valid until the next open.
+  /// Message lines that the calling thread reported while this manager last opened a file, each
+  /// with a line feed; empty when there were none. Valid until the next open.
   const char* GetLastOpenError() const;
 
   // --- Names ---
@@ -143,67 +188,86 @@ class ZELK_API ZelkManager {
   /// The name of the database of a file.
   ///
   /// @return of an open file the handle; of another one its default name, a new text that the
-  /// caller releases with `zelk_mfree` (the file is read into the cache); null and status 2 when
-  /// the file does not exist, null also when it cannot be read
+  /// caller releases with `zelk_mfree` (the file is read into the cache); null, with
+  /// `ZelkStatusNotFound`, when the file does not exist or cannot be read
   const char* GetDatabaseName(const char* path);
   /// Gives a database another name. The old handle is no longer valid.
   ///
   /// @param name  receives the new handle, on success only; may be null
-  /// @return 0; 1 when there is no such database, or no memory; 3 when another database of this
-  /// manager has the name; 7 when no database can have it
+  /// @return `ZelkErrorOk`; `ZelkErrorNoDatabase` when there is no such database, or no memory;
+  /// `ZelkErrorInvalidName` when no database can have the name; `ZelkErrorNameUsed` when another
+  /// database of this manager has it
   ZelkError SetDatabaseName(const char* db, const char** name, const char* new_name);
-  /// The handle whose characters are those of `text`; null, with status 2, when there is none.
+  /// The handle whose characters are those of `text`; null, with `ZelkStatusNotFound`, when there
+  /// is none. Do not pass the result on unseen: see "None and all" above.
   const char* GetUniqueDatabaseName(const char* text);
-  /// Puts the default name of a database into `buffer`, terminated (when `size` is not 0).
+  /// Puts the default name of a database into `buffer`, terminated.
   ///
-  /// @return whether it fitted whole; false, with nothing put, when there is no such database
+  /// @param buffer  null, or a `size` of 0: nothing is put
+  /// @return whether it was put whole; false, with nothing put, when there is no such database
   bool GetDefaultDatabaseName(const char* db, char* buffer, std::size_t size);
-  /// Path of the database whose name has the characters of `text`; null, with status 2, when there
-  /// is none. The database's own text.
+  /// Path of the database whose name has the characters of `text`; null, with `ZelkStatusNotFound`,
+  /// when there is none. The database's own text.
   const char* GetDatabasePath(const char* text);
   bool IsDatabaseName(const char* db);  ///< whether it is a handle of this manager; sets the status
-  /// The database, valid while it is open here; null, with status 2, when there is none.
+  /// The database, to be changed, valid while it is open here; null, with `ZelkStatusNotFound`,
+  /// when there is none. From now on, until it is read afresh, cleared or assigned to, its objects
+  /// are looked up by walks over the lists: who only reads asks for `GetConstDatabase`.
   ZelkDatabase* GetDatabase(const char* db);
+  /// The same database, to be read: its lookups stay fast.
+  const ZelkDatabase* GetConstDatabase(const char* db);
+  /// The same, of a manager that is itself only read, with the status as it was.
+  const ZelkDatabase* GetDatabase(const char* db) const;
 
   // --- Settings of one open database ---
 
-  /// @return false, with status 2, when there is no such database
+  /// @return false, with `ZelkStatusNotFound`, when there is no such database
   bool AssignSelectionPattern(const ZelkSelectionPattern& pattern, const char* db);
-  /// @return the database's pattern, valid while it is open; an empty one, with status 2, when
-  /// there is no such database
+  /// @return the database's pattern, valid while it is open; an empty one, with
+  /// `ZelkStatusNotFound`, when there is no such database
   const ZelkSelectionPattern& GetSelectionPattern(const char* db);
-  unsigned GetPriority(const char* db);  ///< 0, with status 2, when there is no such database
+  /// 0, with `ZelkStatusNotFound`, when there is no such database.
+  unsigned GetPriority(const char* db);
   /// Stores a pointer of the application's own.
   ///
-  /// @return false, with status 2, when there is no such database
+  /// @return false, with `ZelkStatusNotFound`, when there is no such database
   bool AssignDatabaseInfo(void* info, const char* db);
-  void* GetDatabaseInfo(const char* db);  ///< null, with status 2, when there is no such database
+  /// Null, with `ZelkStatusNotFound`, when there is no such database.
+  void* GetDatabaseInfo(const char* db);
 
   // --- Queries ---
 
   unsigned DatabaseCount() const;  ///< of the databases that are open here
-  /// Whether names of the database were cut while its file was read; false, with status 2, when
-  /// there is no such database.
+  /// Whether names of the database were cut while its file was read; false, with
+  /// `ZelkStatusNotFound`, when there is no such database.
   bool SymbolsShortenedOnRead(const char* db);
   /// Whether a database uses a feature that older readers do not know.
   ///
   /// @param feature  1: extended multiplexing
-  /// @return 1 or 0; -1 for an unknown feature. 0, with status 2, when there is no such database
+  /// @return 1 or 0; -1 for an unknown feature. 0, with `ZelkStatusNotFound`, when there is no such
+  /// database
   int IsNewFeatureUsed(int feature, const char* db);
   /// Whether the library can write databases that use the feature: true for 1.
   bool IsSavingOfNewFeaturePossible(int feature) const;
-  /// Result of the last operation that looked for a database by name: 0 found, 2 not found.
+  /// What became of the last operation that sets it: a `ZelkStatus`. `ZelkStatusOk` or
+  /// `ZelkStatusNotFound` from those that look for a database by handle, name, path or selection,
+  /// also from lookups with a `db`, whether or not the object itself is found; the result of
+  /// `GetAttrValueEx` and `GetAttrDefaultEx`, `ZelkStatusNotDefined` among them; and
+  /// `ZelkStatusNoDescription` or `ZelkStatusNoNumber` from lookups of value descriptions. Others
+  /// leave it as it was.
   std::uint32_t Status() const { return status_; }
 
   // --- Notifications ---
 
   /// Announces a change of `database` to all windows, and to every manager that holds it, the
-  /// sender first.
+  /// sender first. A registered sink (platform.h) runs in the calling thread; the characters of a
+  /// name that belongs to another thread's manager are for that thread to read.
   static void NotifyChanges(const ZelkManager& sender, const ZelkDatabase& database);
   /// Tells this manager's window or thread, once for each name that it has for `database`.
   void NotifyChanges(const ZelkDatabase& database, const ZelkManager& sender) const;
 
-  /// Head of the process-wide list of managers, the newest first; null when there is none.
+  /// Head of the process-wide list of managers, the newest first; null when there is none. To be
+  /// walked while no other thread makes or destroys managers.
   static const ZelkManagerNode* GetManagersList();
 
   // --- Signal values ---
@@ -215,7 +279,14 @@ class ZELK_API ZelkManager {
   //
   // Bits are numbered as in DBC files: byte * 8 + bit, bit 0 least significant. Raw values of
   // signed signals are two's complement; in an `unsigned long` they fill 32 bits, zero-extended.
-  // Outputs are written also when the result tells a fault, unless said otherwise.
+  // Outputs are written also when the result tells a fault, unless said otherwise, and never read.
+  //
+  // On 64-bit Linux `std::uint64_t` is `unsigned long`: an argument of that type picks the 32-bit
+  // form there, and an unsigned signal of 40 bits gives its low half with `ZelkSigvalueOk`. The
+  // forms for 64 bits bear the names `...Uint64` and `...Int64`:
+  //
+  //     std::uint64_t raw = 0;
+  //     if (manager.GetSignalRawValueUint64(data[0], signal, message, raw) == ZelkSigvalueOk) ...
 
   static const sigblk* GetMultiplexorSignal(const sigblk* signal);  ///< null for none, and for null
   static bool SignalIsMultiplexor(const sigblk* signal);            ///< false for null
@@ -238,7 +309,8 @@ class ZELK_API ZelkManager {
   /// physical = raw * factor + offset, in IEEE double arithmetic, each operation rounded.
   ///
   /// @param raw  32 bits, signed when the signal is
-  /// @return 0; 4 when the result is outside [minimum, maximum], unless both are 0
+  /// @return `ZelkSigvalueOk`; `ZelkSigvalueOutOfRange` when the result is outside [minimum,
+  /// maximum], unless both are 0
   ZelkSigvalueResult RawToPhysicalValue(const unsigned long& raw, const sigblk& signal,
                                         double& physical) const;
   ZelkSigvalueResult RawToPhysicalValueInt64(const long long& raw, const sigblk& signal,
@@ -250,7 +322,8 @@ class ZELK_API ZelkManager {
   /// What the type cannot hold becomes its nearest value, not-a-number 0; nothing is limited to the
   /// signal's bits. Of an unsigned signal the 32-bit form gives the low 32 of 64 bits.
   ///
-  /// @return 0; 4 when `physical` is outside [minimum, maximum], unless both are 0
+  /// @return `ZelkSigvalueOk`; `ZelkSigvalueOutOfRange` when `physical` is outside [minimum,
+  /// maximum], unless both are 0
   ZelkSigvalueResult PhysicalToRawValue(const double& physical, const sigblk& signal,
                                         unsigned long& raw) const;
   ZelkSigvalueResult PhysicalToRawValueInt64(const double& physical, const sigblk& signal,
@@ -258,28 +331,37 @@ class ZELK_API ZelkManager {
   ZelkSigvalueResult PhysicalToRawValue(const double& physical, const sigblk& signal,
                                         double& raw) const;  ///< of an IEEE signal: not rounded
 
-  /// The low 32 bits of the signal.
+  /// The low 32 bits of the signal. Not for a `std::uint64_t`: see above.
   ///
-  /// @return 0; 3 for more than 64 bits (nothing is written) and for a signed signal of more than
-  /// 32; 5 when the frame does not hold the signal
+  /// @return `ZelkSigvalueOk`; `ZelkSigvalueTooLong` for more than 64 bits (nothing is written) and
+  /// for a signed signal of more than 32; `ZelkSigvalueNotPresent` when the frame does not hold the
+  /// signal
   ZelkSigvalueResult GetSignalRawValue(const unsigned char& frame, const sigblk& signal,
                                        const msgblk& message, unsigned long& raw) const;
   /// Up to 64 bits of the signal, sign-extended when it is signed. Of a signal that reaches into a
   /// ninth byte the bits there read as 0.
   ///
-  /// @return 0; 3 for more than 64 bits (nothing is written); 5 when the frame does not hold it
+  /// @return `ZelkSigvalueOk`; `ZelkSigvalueTooLong` for more than 64 bits (nothing is written);
+  /// `ZelkSigvalueNotPresent` when the frame does not hold it
   ZelkSigvalueResult GetSignalRawValueInt64(const unsigned char& frame, const sigblk& signal,
                                             const msgblk& message, long long& raw) const;
+  /// All bits of a signal of up to 64, those in a ninth byte too; of a signed one two's complement
+  /// of 64 bits. Results as of `GetSignalRawValueInt64`.
+  ZelkSigvalueResult GetSignalRawValueUint64(const unsigned char& frame, const sigblk& signal,
+                                             const msgblk& message, std::uint64_t& raw) const;
   /// The number in an IEEE signal: 32 or 64 bits by its value type, whatever its length.
   ///
-  /// @return 0; 2 for an integer signal (nothing is written); 5 when the frame does not hold it
+  /// @return `ZelkSigvalueOk`; `ZelkSigvalueWrongType` for an integer signal (nothing is written);
+  /// `ZelkSigvalueNotPresent` when the frame does not hold it
   ZelkSigvalueResult GetSignalRawValue(const unsigned char& frame, const sigblk& signal,
                                        const msgblk& message, double& raw) const;
 
-  // The same with a signal's access record, which saves the arithmetic of positions. The 64-bit
-  // form is right for signals of up to 32 bits only: of 33 to 63 it gives the low (length - 32)
-  // bits, of 64 the low 32. The IEEE form wants a record of 32 or 64 bits (else 3). The 32-bit form
-  // masks likewise.
+  // The same with a signal's access record, which saves the arithmetic of positions. The form
+  // `...Int64` is right for signals of up to 32 bits only: of 33 to 63 it gives the low (length -
+  // 32) bits, of 64 the low 32. The 32-bit form masks likewise, `...Uint64` gives all bits of the
+  // record. The IEEE form wants a record of 32 or 64 bits (else `ZelkSigvalueTooLong`, with nothing
+  // written). Of a record that is longer than its signed signal of n bits a value from 2^(n - 1) on
+  // has 2^n subtracted, and keeps its bits above the signal.
 
   ZelkSigvalueResult GetSignalRawValue(const unsigned char& frame, const zelk_sig_mask_t& mask,
                                        const sigblk& signal, const msgblk& message,
@@ -287,12 +369,16 @@ class ZELK_API ZelkManager {
   ZelkSigvalueResult GetSignalRawValueInt64(const unsigned char& frame, const zelk_sig_mask_t& mask,
                                             const sigblk& signal, const msgblk& message,
                                             long long& raw) const;
+  ZelkSigvalueResult GetSignalRawValueUint64(const unsigned char& frame,
+                                             const zelk_sig_mask_t& mask, const sigblk& signal,
+                                             const msgblk& message, std::uint64_t& raw) const;
   ZelkSigvalueResult GetSignalRawValue(const unsigned char& frame, const zelk_sig_mask_t& mask,
                                        const sigblk& signal, const msgblk& message,
                                        double& raw) const;
 
-  // Raw and physical value in one; the result is the reading's, or when that is 0 the conversion's.
-  // The physical value is computed from `raw` as it stands then.
+  // Raw and physical value in one; the result is the reading's, or when that is `ZelkSigvalueOk`
+  // the conversion's. The physical value is computed from `raw` as it stands then: give it a value
+  // before, when the reading may write nothing.
 
   ZelkSigvalueResult GetSignalValue(const unsigned char& frame, const sigblk& signal,
                                     const msgblk& message, unsigned long& raw,
@@ -314,45 +400,55 @@ class ZELK_API ZelkManager {
   /// The physical value, by the IEEE form for IEEE signals and by the 64-bit form for all others.
   ZelkSigvalueResult GetSignalPhysicalValue(const unsigned char& frame, const sigblk& signal,
                                             const msgblk& message, double& physical) const;
-  /// The value as a text.
+  /// The value as a text. An IEEE signal's bits are taken as an integer, as they are, also by the
+  /// physical formats: for its number use `GetSignalPhysicalValue`.
   ///
-  /// @param text    receives the text, terminated; untouched with results 1 and 6
+  /// @param text    receives the text, terminated; untouched with `ZelkSigvalueError` and
+  /// `ZelkSigvalueBufferTooSmall`
   /// @param size    bytes in `text`; the byte formats want 4 (decimal) or 3 (hexadecimal) for each
   /// byte of the signal
   /// @param format  for the decimal ("%d"), hexadecimal ("%x") and physical ("%lg", with unit "%lg
   /// %s") formats another format of `printf`, for an argument of the same type, printed in the
   /// process's locale; null: those, in the C locale
-  /// @return in this order: 3 for more than 96 bits, 1 for 90 or more, an unknown format, and no
-  /// value description, 6 when the text does not fit, 3 for more than 32 bits in the formats that
-  /// print a number (of the low 32), 4 for a physical value out of range, 5 when the frame does not
-  /// hold the signal, 0
+  /// @return in this order: `ZelkSigvalueTooLong` for more than 96 bits, `ZelkSigvalueError` for 90
+  /// or more, an unknown format, and no value description, `ZelkSigvalueBufferTooSmall` when the
+  /// text does not fit, `ZelkSigvalueTooLong` for more than 32 bits in the formats that print a
+  /// number (of the low 32), `ZelkSigvalueOutOfRange` for a physical value out of range,
+  /// `ZelkSigvalueNotPresent` when the frame does not hold the signal, `ZelkSigvalueOk`
   ZelkSigvalueResult GetSignalValue(const unsigned char& frame, const sigblk& signal,
                                     const msgblk& message, char* text, unsigned long size,
                                     ZelkSigvalueFormat text_format, const char* format);
 
   // Writing puts a raw value into the frame. Every other bit of the frame stays, as long as the
   // value fits into the signal. The multiplexing test is made on the frame as it is then. A signal
-  // of 90 bits or more is not written at all (result 3).
+  // of 90 bits or more is not written at all (`ZelkSigvalueTooLong`).
 
+  /// Not for a `std::uint64_t`: see above.
+  ///
   /// @param raw  32 bits; of a signed signal two's complement
-  /// @return 0; 3 for a signal of more than 32 bits, written zero-extended; 5 when the frame does
-  /// not hold the signal
+  /// @return `ZelkSigvalueOk`; `ZelkSigvalueTooLong` for a signal of more than 32 bits, written
+  /// zero-extended; `ZelkSigvalueNotPresent` when the frame does not hold the signal
   ZelkSigvalueResult SetSignalRawValue(unsigned char& frame, const sigblk& signal,
                                        const msgblk& message, const unsigned long& raw) const;
-  /// @return 0; 3 for a signal of more than 64 bits, written zero-extended; 5 likewise
+  /// @return `ZelkSigvalueOk`; `ZelkSigvalueTooLong` for a signal of more than 64 bits, written
+  /// zero-extended; `ZelkSigvalueNotPresent` likewise
   ZelkSigvalueResult SetSignalRawValueInt64(unsigned char& frame, const sigblk& signal,
                                             const msgblk& message, const long long& raw) const;
+  ZelkSigvalueResult SetSignalRawValueUint64(unsigned char& frame, const sigblk& signal,
+                                             const msgblk& message, const std::uint64_t& raw) const;
   /// Writes 32 or 64 bits by the signal's value type, whatever its length.
   ///
-  /// @return 0; 2 for an integer signal, into which the double's bits have been written; 5 likewise
+  /// @return `ZelkSigvalueOk`; `ZelkSigvalueWrongType` for an integer signal, into which the
+  /// double's bits have been written; `ZelkSigvalueNotPresent` likewise
   ZelkSigvalueResult SetSignalRawValue(unsigned char& frame, const sigblk& signal,
                                        const msgblk& message, const double& raw) const;
   /// @param bytes  (length + 7) / 8 bytes, least significant first
+  /// @return `ZelkSigvalueOk`; `ZelkSigvalueNotPresent` likewise
   ZelkSigvalueResult SetSignalRawValue(unsigned char& frame, const sigblk& signal,
                                        const msgblk& message, const unsigned char*& bytes) const;
   /// Converts and writes; a value out of range is written all the same.
   ///
-  /// @return the writing's result, or when that is 0 the conversion's
+  /// @return the writing's result, or when that is `ZelkSigvalueOk` the conversion's
   ZelkSigvalueResult SetSignalPhysicalValue(unsigned char& frame, const sigblk& signal,
                                             const msgblk& message, const double& physical) const;
 
@@ -367,14 +463,17 @@ class ZELK_API ZelkManager {
   // - `db`: only that database; null: all.
   // - `db_name`: all databases; receives the name of the one that answered, when one did. Not null.
   // - `selection`: first the databases whose pattern is exactly the selection, then those with its
-  //   key and any sub key, then those that answer to everything. The status is 0 for an answer in
-  //   the first pass, else 2.
+  //   key and any sub key, then those that answer to everything. The status is `ZelkStatusOk` for
+  //   an answer in the first pass, else `ZelkStatusNotFound`.
   // - `selection` and `db_name`: both.
   //
-  // With a literal null pointer say which form is meant.
+  // With a literal null pointer say which form is meant: `GetNode("A", nullptr)` is ambiguous,
+  // `GetNode("A", static_cast<const char*>(nullptr))` asks all databases.
   //
-  // While nobody can change a database (it was not handed out by `GetDatabase`) lookups by name, by
-  // identifier and for J1939 frames take the same time whatever its size.
+  // While no host can change a database (`ZelkDatabase`: no record of it was handed out to be
+  // changed) lookups by name, by identifier and for J1939 frames take the same time whatever its
+  // size. The lookups of this class hand out nothing to be changed, also those of a write manager
+  // when they are called by this class's name (`manager.ZelkManager::GetNode(name, db)`).
 
   const symblk* GetNode(const char* name, const char* db);
   const symblk* GetNode(const char* name, const char** db_name);
@@ -418,6 +517,8 @@ class ZELK_API ZelkManager {
   const valtable* GetValueTable(const char* name, const ZelkSelection& selection);
   const valtable* GetValueTable(const char* name, const ZelkSelection& selection,
                                 const char** db_name);
+  /// The first definition of that name, of whatever kind: an object's own may be another one
+  /// (`GetAttrDefinition` with the object).
   const attr_def* GetAttrDefinition(const char* name, const char* db);
   const attr_def* GetAttrDefinition(const char* name, const char** db_name);
 
@@ -490,6 +591,10 @@ class ZELK_API ZelkManager {
   unsigned AttributeCount(const msgblk& message) const;
   unsigned AttributeCount(const env_var_blk& variable) const;
   unsigned AttributeCount(const sigblk& signal) const;
+  template <zelk::AttributeOwner Object>
+  unsigned AttributeCount(const Object* object) const {
+    return object ? AttributeCount(*object) : 0;
+  }
   unsigned SignalCount(const msgblk& message) const;
   unsigned SignalCount(const siggroupblk& group) const;
   unsigned SignalGroupCount(const msgblk& message) const;
@@ -500,9 +605,42 @@ class ZELK_API ZelkManager {
   // on 32 characters. Values are the records' own: texts are borrowed. An ENUM's own value is the
   // index of its item, as a number; its default is a text, but for `GetAttrDefaultEx`, which gives
   // the index. Link means a receiver of a signal.
+  //
+  // Objects are given by reference or by pointer. A null pointer, as a lookup gives that finds
+  // nothing, is answered as an object that has neither value nor definition; a reference must not
+  // be made of it.
 
-  /// Effective value; zeroed when there is none. The default is taken from the database that holds
-  /// the object, and from all databases, in list order, when none does.
+  /// The definition by which `SetAttrValue` stores the object's value of that name: the one of the
+  /// value that the object has; else the first one of that name for objects of its kind; else the
+  /// first one of that name for objects of another kind, but for relations. Its `value_type` says
+  /// which member of `zelk_attr_value_t` counts: `text` for `ZELK_ATTR_STRING`, else `number`.
+  ///
+  /// @param db  database whose definitions count; null: the one that holds the object
+  /// @return null when there is none, no such database, or when another database than the named one
+  /// holds the object
+  const attr_def* GetAttrDefinition(const symblk& node, const char* name,
+                                    const char* db = nullptr) const;
+  const attr_def* GetAttrDefinition(const msgblk& message, const char* name,
+                                    const char* db = nullptr) const;
+  const attr_def* GetAttrDefinition(const env_var_blk& variable, const char* name,
+                                    const char* db = nullptr) const;
+  const attr_def* GetAttrDefinition(const sigtype& type, const char* name,
+                                    const char* db = nullptr) const;
+  const attr_def* GetAttrDefinition(const sigblk& signal, const char* name,
+                                    const char* db = nullptr) const;
+  const attr_def* GetAttrDefinition(const rxblk& link, const char* name,
+                                    const char* db = nullptr) const;
+  template <zelk::AttributeOwner Object>
+  const attr_def* GetAttrDefinition(const Object* object, const char* name,
+                                    const char* db = nullptr) const {
+    return object ? GetAttrDefinition(*object, name, db) : nullptr;
+  }
+  /// Likewise of the network itself.
+  const attr_def* GetNetworkAttrDefinition(const char* db, const char* name) const;
+
+  /// Effective value; zeroed when there is none. The default is that of the first definition of
+  /// that name, of whatever kind, in the database that holds the object, and in all databases, in
+  /// list order, when none does. For the type of a default ask `GetAttrDefinition` with the name.
   zelk_attr_value_t GetAttrValue(const char* name, const char* db);
   zelk_attr_value_t GetAttrValue(const symblk& node, const char* name);
   zelk_attr_value_t GetAttrValue(const msgblk& message, const char* name);
@@ -510,12 +648,18 @@ class ZELK_API ZelkManager {
   zelk_attr_value_t GetAttrValue(const sigtype& type, const char* name);
   zelk_attr_value_t GetAttrValue(const sigblk& signal, const char* name);
   zelk_attr_value_t GetAttrValue(const rxblk& link, const char* name);
+  template <zelk::AttributeOwner Object>
+  zelk_attr_value_t GetAttrValue(const Object* object, const char* name) {
+    return object ? GetAttrValue(*object, name) : zelk_attr_value_t{};
+  }
 
-  /// Effective value with a status, which becomes the manager's too. `value` is written on 0 only.
+  /// Effective value with a status, which becomes the manager's too. `value` is written on
+  /// `ZelkStatusOk` only. The default is that of `GetAttrDefaultEx`: of the first definition of
+  /// that name, of whatever kind.
   ///
   /// @param db  database whose definitions count; null: the one that holds the object
-  /// @return 0; 2 when there is no such database; 5 when nothing of that name is defined for this
-  /// kind of object
+  /// @return `ZelkStatusOk`; `ZelkStatusNotFound` when there is no such database, or for a null
+  /// object; `ZelkStatusNotDefined` when nothing of that name is defined for this kind of object
   ZelkStatus GetAttrValueEx(const char* name, zelk_attr_value_t& value, const char* db);
   ZelkStatus GetAttrValueEx(const symblk& node, const char* name, zelk_attr_value_t& value,
                             const char* db);
@@ -523,13 +667,19 @@ class ZELK_API ZelkManager {
                             const char* db);
   ZelkStatus GetAttrValueEx(const env_var_blk& variable, const char* name, zelk_attr_value_t& value,
                             const char* db);
-  /// A signal type that no database holds counts for all of them; an unknown `db` gives 5.
+  /// A signal type that no database holds counts for all of them; an unknown `db` gives
+  /// `ZelkStatusNotDefined`.
   ZelkStatus GetAttrValueEx(const sigtype& type, const char* name, zelk_attr_value_t& value,
                             const char* db);
   ZelkStatus GetAttrValueEx(const sigblk& signal, const char* name, zelk_attr_value_t& value,
                             const char* db);
   ZelkStatus GetAttrValueEx(const rxblk& link, const char* name, zelk_attr_value_t& value,
                             const char* db);
+  template <zelk::AttributeOwner Object>
+  ZelkStatus GetAttrValueEx(const Object* object, const char* name, zelk_attr_value_t& value,
+                            const char* db) {
+    return object ? GetAttrValueEx(*object, name, value, db) : Answer(ZelkStatusNotFound);
+  }
 
   /// Default of the first definition of that name; zeroed when there is none.
   ///
@@ -537,7 +687,7 @@ class ZELK_API ZelkManager {
   zelk_attr_value_t GetAttrDefault(const char* name, const char* db) const;
   /// The same, an ENUM's as the index of its item (`GetAttrValueIndex`).
   ///
-  /// @return 0; 5 when there is no such definition
+  /// @return `ZelkStatusOk`; `ZelkStatusNotDefined` when there is no such definition
   ZelkStatus GetAttrDefaultEx(const char* name, zelk_attr_value_t& value, const char* db);
 
   /// Whether there is a definition of that name for that kind of object; `db` null: in any
@@ -551,27 +701,45 @@ class ZELK_API ZelkManager {
   bool IsAttrValueDefined(const sigtype& type, const char* name) const;
   bool IsAttrValueDefined(const sigblk& signal, const char* name) const;
   bool IsAttrValueDefined(const rxblk& link, const char* name) const;
+  template <zelk::AttributeOwner Object>
+  bool IsAttrValueDefined(const Object* object, const char* name) const {
+    return object && IsAttrValueDefined(*object, name);
+  }
 
   /// Item of an ENUM. Empty items count; below 0 is the first.
   ///
   /// @return a new text, released by the caller with `zelk_mfree`; null past the end, for a
-  /// definition without items, and when the heap is exhausted
+  /// definition without items or none, and when the heap is exhausted
   const char* GetAttrValueString(const char* name, long index, const char* db) const;
   const char* GetAttrValueString(const attr_def& definition, long index) const;
+  const char* GetAttrValueString(const attr_def* definition, long index) const {
+    return definition ? GetAttrValueString(*definition, index) : nullptr;
+  }
   /// Position of an item of an ENUM. Empty items do not count, other than above.
   ///
   /// @return -1 when there is none
   long GetAttrValueIndex(const char* name, const char* text, const char* db) const;
   long GetAttrValueIndex(const attr_def& definition, const char* text) const;
+  long GetAttrValueIndex(const attr_def* definition, const char* text) const {
+    return definition ? GetAttrValueIndex(*definition, text) : -1;
+  }
 
-  /// Text of the first value description with this number (32 bits); null, with status 4, when
-  /// there is none.
+  /// Text of the first value description with this number (32 bits); null, with the status
+  /// `ZelkStatusNoDescription`, when there is none.
   const char* GetValueDescription(const sigblk& signal, long value);
   const char* GetValueDescription(const env_var_blk& variable, long value);
-  /// Number of the first value description with this text; 0x7FFFFFFF, with status 3, when there is
-  /// none.
+  template <zelk::ValueOwner Object>
+  const char* GetValueDescription(const Object* object, long value) {
+    return DescriptionOf(object ? object->values : nullptr, value);
+  }
+  /// Number of the first value description with this text; 0x7FFFFFFF, with the status
+  /// `ZelkStatusNoNumber`, when there is none.
   long GetDescriptionValue(const sigblk& signal, const char* text);
   long GetDescriptionValue(const env_var_blk& variable, const char* text);
+  template <zelk::ValueOwner Object>
+  long GetDescriptionValue(const Object* object, const char* text) {
+    return NumberOf(object ? object->values : nullptr, text);
+  }
 
   /// Whether the view filter of a database (null: of any) links to this very record; the
   /// placeholder stands for a null link.
@@ -589,21 +757,25 @@ class ZELK_API ZelkManager {
   template <typename T>
   friend class ZelkIterator;
 
-  struct CacheNode {
-    ZelkDatabase& database;
-    CacheNode* next;
-  };
-
-  /// Takes a database that is destroyed out of every manager's cache list.
-  static void ForgetCached(const ZelkDatabase& database);
+  /// Takes a database that is destroyed out of every manager's cache.
+  static void ForgetCached(ZelkDatabase& database);
+  static ZelkDatabase& Changeable(const DbListNode& node) {
+    return const_cast<ZelkDatabase&>(node.database);
+  }
+  static bool OwnsForWrite(const ZelkManager& manager, const char* path);
+  static bool IsFileOwnedByAnother(const ZelkDatabase& database, const char* file);
+  bool IsWrittenByOtherThread(const char* path) const;
   void EnterManagersList();
   void LeaveManagersList();
+  void AddNews(const std::vector<const ZelkDatabase*>& databases, const ZelkManager& sender,
+               std::vector<zelk_notification>& news) const;
   void KeepErrorText() noexcept;
   void CloseNode(DbListNode& node, bool keep_in_cache);
   ZelkError OpenAssigned(const char* path, const char** name, const char* wanted_name,
                          unsigned priority);
   ZelkError Reopen(ZelkDatabase& database) const;
-  void RemoveFromCache(const ZelkDatabase& database);
+  bool PutIntoCache(ZelkDatabase& database);
+  void RemoveFromCache(ZelkDatabase& database);
 
   const attr_def* FindDefinition(const char* name, const char* db) const;
   ZelkStatus DefaultFor(zelk_obj_t type, const char* name, zelk_attr_value_t& value,
@@ -621,6 +793,7 @@ class ZELK_API ZelkManager {
   DbListNode* ListFindNode(const char* db) const;
   /// `GetDatabase` for who does not hand it out.
   ZelkDatabase* FindDatabase(const char* db);
+  bool Rename(DbListNode& node, const char* name);
   /// By characters.
   DbListNode* ListFindName(const char* text) const;
   DbListNode* ListFindPath(const char* path) const;
@@ -637,7 +810,9 @@ class ZELK_API ZelkManager {
   std::uint32_t envvar_handle_base_ = 0;
   char* last_open_error_ = nullptr;
   DbListNode* databases_ = nullptr;
-  CacheNode* cache_ = nullptr;
+  std::unique_ptr<zelk::ManagerTables> tables_;  ///< with the cache
+  mutable DbListNode* last_found_ = nullptr;     ///< lookups tend to ask for the same one again
+  const ZelkDatabase* answered_ = nullptr;       ///< whose record the last lookup gave
 };
 
 /// Whether a text can be the name of a database: 1 to 32 letters, digits and "_", the first no
@@ -650,7 +825,8 @@ ZELK_API bool ZelkVerifyDatabaseName(const char* text);
 /// @param db      receives `text`
 /// @param object  receives the part behind the double colon; null when the first colon is single,
 /// or there is none
-/// @return whether the text was split
+/// @return whether its first colon is a double one. Without `db` or `object` that is all: the text
+/// stays as it is
 ZELK_API bool ZelkSplitQualifiedName(char* text, const char** db, const char** object);
 
 /// Stand for a null link of a view filter: what it says of objects without a category (category 0),

@@ -26,11 +26,11 @@ ZELK_API void zelk_mfree(void* block);
 // --- Creation ---
 //
 // Each returns a new record, zero-filled but for what is said, linked nowhere and owned by the
-// caller until it is linked. When the heap is exhausted, error 24 is reported, which raises
-// `ZelkException`; null comes back only from the first nine (up to `zelk_create_evblk`,
-// `zelk_create_value` included) while an error of the last `zelk_read` stands: they then stay
-// silent. C hosts test for null and, since they cannot catch, treat an exhausted heap as the end of
-// the process.
+// caller until it is linked. When the heap is exhausted, `ZELK_ERR_MEMORY` is reported, which
+// raises `ZelkException`; null comes back only from the first nine (up to `zelk_create_evblk`,
+// `zelk_create_value` included) while an error of the calling thread's last `zelk_read` stands:
+// they then stay silent. C hosts test for null and, since they cannot catch, treat an exhausted
+// heap as the end of the process.
 
 ZELK_API msgblk* zelk_create_msgblk(void);  ///< `dlc` 1, `signal_count` 1
 ZELK_API sigblk* zelk_create_sigblk(void);  ///< `length` 1, `factor` 1.0
@@ -51,12 +51,11 @@ ZELK_API siglistblk* zelk_create_siglist(sigblk* signal);  ///< `signal` as give
 // --- Insertion ---
 //
 // `position` 0 makes the record the first of the list, `position` N links it behind the N-th
-// element. The caller answers for `position` being at most the list's length. `head` (or `message`)
-// and `record` must not be null. Only `next` is set: `can_insert_sig` leaves the signal's `message`
-// to the caller, and `signal_count` as it is.
+// element, or behind the last one when there are fewer. Only `next` is set: `can_insert_sig` leaves
+// the signal's `message` to the caller, and `signal_count` as it is.
 //
-// Each returns the element behind which the record was linked; for position 0 the argument `head`
-// (or `message`) itself.
+// Each returns the element behind which the record was linked; the argument `head` (or `message`)
+// itself when it became the first; null, and links nothing, when one of the two is null.
 
 ZELK_API void* can_insert_symbol(symblk** head, symblk* record, uint32_t position);
 ZELK_API void* can_insert_msg(msgblk** head, msgblk* record, uint32_t position);
@@ -73,8 +72,8 @@ ZELK_API void* can_insert_sig(msgblk* message, sigblk* signal, uint32_t position
 // group's `extra` and the default text of an ENUM stay allocated, and other records' pointers to
 // the deleted one are not touched: both are the caller's to settle, before the call.
 //
-// A null record does nothing. A record that is not in the list is released all the same, and the
-// list stays as it is.
+// A null record, head, message or signal does nothing. A record that is not in the list is released
+// all the same, and the list stays as it is.
 
 ZELK_API void can_delete_symbol(symblk** head, symblk* node);  ///< and its comment
 ZELK_API void can_delete_msg(msgblk** head, msgblk* message);  ///< and its comment and signals
@@ -85,8 +84,6 @@ ZELK_API void can_delete_attr_def(
 ZELK_API void can_delete_category(cat** head, cat* category);
 ZELK_API void can_delete_sigtype(sigtype** head, sigtype* type);
 ZELK_API void can_delete_valtable(valtable** head, valtable* table);
-
-// For the following three the record must be in the list, and not null.
 
 /// Unlinks `signal` from its message and releases it as `can_deallocate_sig` does.
 ZELK_API void can_delete_sig(msgblk* message, sigblk* signal);
@@ -126,8 +123,8 @@ ZELK_API muxor_val_range* zelk_add_multiplexor_value_range(sigblk* signal, sigbl
 
 // --- Release of a whole database ---
 
-/// Releases every record and text of a database. Heads may be null. `filter` must be a valid
-/// address; its lists become null and its mode 0. The caller's own heads are left dangling and are
+/// Releases every record and text of a database. Heads may be null, and so may `filter`; its lists
+/// become null and its mode 0. The caller's own heads are left dangling and are
 /// the caller's to clear.
 ZELK_API void zelk_free(symblk* nodes, msgblk* messages, env_var_blk* env_vars, btlblk* bit_timings,
                         attr_def* attr_defs, attr* db_attrs, cat* categories, filter_t* filter,
@@ -138,15 +135,16 @@ ZELK_API void zelk_free_mode_cache(void);
 
 // --- Length of symbols ---
 
-/// Switches the process for good to symbols of at most 32 characters; the limit is 128 before. The
-/// argument does not matter, and only the first call does anything. Inline names and units are
-/// bound to 32 characters in either case.
+/// Switches the process's symbol length from 128 to 32 characters for good; the argument does not
+/// matter. It bounds what has room for more than 32 characters, which no record has: inline names
+/// and units keep 32 characters before and after, all other names are kept whole. For hosts that
+/// call it.
 ZELK_API void zelk_set_symbol_length(uint32_t length);
 
-/// 1 when a name or unit was cut since the start of the process or the last
+/// 1 when the calling thread has cut a name or unit since its start or its last
 /// `zelk_reset_symbols_shortened`, else 0.
 ZELK_API int zelk_symbols_shortened(void);
-/// Clears the mark that `zelk_symbols_shortened` tells.
+/// Clears the calling thread's mark.
 ZELK_API void zelk_reset_symbols_shortened(void);
 
 ZELK_EXTERN_C_END

@@ -23,8 +23,8 @@
 /// format cannot hold and is left out. The host finds the lines in the error text. C++ exceptions
 /// end here: an escaping one counts as a failure.
 ///
-/// A function is called on the host's thread, once for each conversion; the host's other calls to
-/// the library wait.
+/// A function is called on the host's thread, once for each conversion. Conversions of several
+/// threads may run at once: a module keeps no state outside the call.
 
 #ifndef ZELK_MODULE_H
 #define ZELK_MODULE_H
@@ -72,7 +72,7 @@ typedef struct zelk_conversion {
   valtable** value_tables;
 } zelk_conversion;
 
-/// The conversion that is running.
+/// The conversion that is running on the calling thread.
 ///
 /// @return valid until the module's function returns; null when none is running
 ZELK_API const zelk_conversion* zelk_get_conversion(void);

@@ -41,8 +41,8 @@ typedef struct zelk_notification {
   const char* database_name;
 } zelk_notification;
 
-/// Takes a notification. It is called while the library walks its lists: it notes what it needs and
-/// returns without calling the library.
+/// Takes a notification, in the thread that announces a change. Managers of several threads may
+/// announce at once.
 ///
 /// @param notification  borrowed for the call
 /// @param context       as registered
@@ -57,14 +57,17 @@ typedef void (*zelk_notification_sink)(const zelk_notification* notification, vo
 typedef void (*zelk_message_box)(const char* text, const char* title, uint32_t style,
                                  void* context);
 
-/// Registers the function that receives every notification of the process.
+/// Registers the function that receives every notification of the process. It is called in the
+/// thread that notifies (zelk.h, threads), at times in several at once; a call that is under way
+/// when another function is registered still ends in the old one.
 ///
 /// @param function  null: notifications are posted on Windows and go nowhere elsewhere (the state
 /// at the start)
 /// @param context   handed to every call; the host's
 ZELK_API void zelk_set_notification_sink(zelk_notification_sink function, void* context);
 
-/// Registers the function that shows every message of the process.
+/// Registers the function that shows every message of the process; it is called as the one for
+/// notifications is.
 ///
 /// @param function  null: a message box on Windows, a line on standard error elsewhere (the state
 /// at the start)

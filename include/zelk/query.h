@@ -5,7 +5,8 @@
 /// nothing. A returned record or text is owned by its list and valid until it is deleted. A null
 /// list is empty. Names are compared byte by byte, case included, as whole texts; names that
 /// records hold inline (attribute definitions, signal types, value tables) on at most their first
-/// 32 characters. Keys must not be null.
+/// 32 characters. A null name or text matches nothing, and a null record, such as a lookup gives
+/// that found none, has nothing: the answer is the one for what is missing.
 ///
 /// Positions count from 1; 1 and everything below give the first element, past the end gives null.
 
@@ -76,9 +77,9 @@ ZELK_API sigblk* zelk_get_signal_n(msgblk* messages, uint32_t id, int32_t n);
 ZELK_API sigblk* zelk_get_signal_of_msg_n(msgblk* message, int32_t n);
 /// The named signal of `message`; null when there is none and for a null message.
 ZELK_API sigblk* zelk_get_signal_of_msg_name(msgblk* message, const char* name);
-/// Factor of a signal, which must not be null.
+/// Factor of a signal; 0 for a null one.
 ZELK_API double zelk_get_sig_factor(const sigblk* signal);
-/// Offset of a signal, which must not be null.
+/// Offset of a signal; 0 for a null one.
 ZELK_API double zelk_get_sig_offset(const sigblk* signal);
 
 // --- Other objects ---
@@ -105,8 +106,8 @@ ZELK_API valtable* zelk_get_valtable_name(valtable* valtables, const char* name)
 /// Copies a database's comment.
 ///
 /// @param comment  may be null, which copies an empty text
-/// @param buffer   receives at most `size` - 1 characters and a terminating NUL; null is allowed
-/// when `size` is 0
+/// @param buffer   receives at most `size` - 1 characters and a terminating NUL; null copies
+/// nothing
 /// @param size     capacity of `buffer` in bytes; 0 copies nothing
 /// @return length of the text in `buffer`, without the NUL
 ZELK_API uint32_t zelk_get_file_comment(const char* comment, char* buffer, uint32_t size);
@@ -128,7 +129,7 @@ ZELK_API zelk_attr_value_t zelk_get_attrdefault(attr_def* definitions, const cha
 //
 // "Is defined" means that the object itself carries a value; none of these falls back to the
 // default. The value of the first match is returned as it is stored (an ENUM value is the index of
-// its item), all zero when there is none. Objects must not be null.
+// its item), all zero when there is none, and none of a null object is defined.
 
 ZELK_API int zelk_is_attribute_defined(attr* values, const char* name);
 ZELK_API int zelk_is_db_attribute_defined(attr* values,
@@ -149,8 +150,8 @@ ZELK_API zelk_attr_value_t zelk_get_ev_attrval(const env_var_blk* variable, cons
 // --- Value descriptions ---
 //
 // Numbers are compared as unsigned 32-bit values. `..._enumvalue` gives 0 for an unknown text as
-// well as for one whose number is 0; ask `..._enumsymbol` with 0 to tell them apart. Objects must
-// not be null.
+// well as for one whose number is 0; ask `..._enumsymbol` with 0 to tell them apart. A number that
+// is not described, and every number of a null object, gives null.
 
 ZELK_API const char* zelk_get_sig_enumsymbol(const sigblk* signal, uint32_t number);
 ZELK_API uint32_t zelk_get_sig_enumvalue(const sigblk* signal, const char* text);

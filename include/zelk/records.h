@@ -95,13 +95,13 @@ typedef union zelk_attr_value_t {
 
 /// A message (frame), "BO_".
 struct msgblk {
-  char* name;             ///< owned
-  uint32_t id;            ///< CAN identifier; bit 31 (`ZELK_ID_EXTENDED`) marks the extended format
-  uint16_t dlc;           ///< data length in bytes; 1 at creation
-  uint16_t signal_count;  ///< number of `signals` after a read; 1 at creation; inserting and
-                          /// < deleting leave it as it is
-  symblk* transmitter;    ///< borrowed; the sending node of the "BO_" line, null for none
-  sigblk* signals;        ///< owned list
+  char* name;    ///< owned
+  uint32_t id;   ///< CAN identifier; bit 31 (`ZELK_ID_EXTENDED`) marks the extended format
+  uint16_t dlc;  ///< data length in bytes; 1 at creation
+  /// Number of `signals` after a read; 1 at creation. Inserting and deleting leave it as it is.
+  uint16_t signal_count;
+  symblk* transmitter;  ///< borrowed; the sending node of the "BO_" line, null for none
+  sigblk* signals;      ///< owned list
   msgblk* next;
   char* comment;           ///< owned
   attr* attrs;             ///< owned list
@@ -112,11 +112,12 @@ struct msgblk {
 
 /// A signal, "SG_".
 struct sigblk {
-  char* name;          ///< owned
-  uint16_t start_bit;  ///< bit number in the data, byte * 8 + bit, bit 0 least significant; Intel:
-                       /// < of the least significant bit, Motorola: of the most significant bit
-  uint16_t length;     ///< in bits; 1 at creation
-  uint16_t flags;      ///< sum of `ZELK_SIGNAL_*`
+  char* name;  ///< owned
+  /// Bit number in the data, byte * 8 + bit, bit 0 least significant. Intel: of the least
+  /// significant bit, Motorola: of the most significant bit.
+  uint16_t start_bit;
+  uint16_t length;  ///< in bits; 1 at creation
+  uint16_t flags;   ///< sum of `ZELK_SIGNAL_*`
   double offset;
   double factor;   ///< 1.0 at creation
   char unit[40];   ///< at most 32 characters are stored
@@ -129,14 +130,13 @@ struct sigblk {
   attr* attrs;              ///< owned list
   val* values;              ///< owned list of value descriptions
   struct sigtype* sigtype;  ///< borrowed; null for none
-  uint32_t
-      value_type;   ///< `ZELK_VALUE_INTEGER`, ...; other values are kept and written as they stand
-  msgblk* message;  ///< borrowed; the message that owns this signal
-  sigblk* mux_signal;  ///< borrowed; the multiplexor that selects this signal, null for a signal
-                       /// < that is always there
-  muxor_val_range*
-      mux_ranges;  ///< owned list of the multiplexor's values for which this signal is there; the
-                   /// < first one's `low` is the value behind "m" on the "SG_" line
+  uint32_t value_type;      ///< `ZELK_VALUE_*`; other values are kept and written as they stand
+  msgblk* message;          ///< borrowed; the message that owns this signal
+  /// Borrowed; the multiplexor that selects this signal, null for a signal that is always there.
+  sigblk* mux_signal;
+  /// Owned list of the multiplexor's values for which this signal is there; the first one's `low`
+  /// is the value behind "m" on the "SG_" line.
+  muxor_val_range* mux_ranges;
 };
 
 /// A node (control unit), "BU_".
@@ -153,8 +153,7 @@ struct symblk {
 struct rxblk {
   rxblk* next;
   symblk* node;  ///< borrowed; null in a filter stands for the absence of a node
-  attr* attrs;   ///< owned list of relation attribute values ("BA_REL_") between the node and the
-                 /// < list's owner
+  attr* attrs;   ///< owned list: "BA_REL_" values between the node and the list's owner
 };
 
 /// A value description: one raw value and its text.
@@ -176,8 +175,8 @@ struct env_var_blk {
   uint64_t unused;             ///< not used by the library; free for hosts
   uint16_t access_node_count;  ///< number of `access_nodes` after a read
   rxblk* access_nodes;         ///< owned list
-  uint32_t access_type;  ///< access code, the hexadecimal number behind "DUMMY_NODE_OSTREL" without
-                         /// < bit 15
+  /// Access code, the hexadecimal number behind "DUMMY_NODE_OSTREL" without bit 15.
+  uint32_t access_type;
   env_var_blk* next;
   char* comment;       ///< owned
   attr* attrs;         ///< owned list

@@ -22,11 +22,17 @@ enum ZelkError : int {
   ZelkErrorInvalidName = 7,   ///< not a name for a database
   ZelkErrorReadOnly = 8,      ///< the file is read-only
   ZelkErrorNotWritten = 9,    ///< not written, and the file as it was; also for no such database
-  ZelkErrorFileBelongs = 10,  ///< another open database has the file, or a new one exists already
+  ZelkErrorFileBelongs = 10,  ///< another database has the file, or one that was to be new exists
   ZelkErrorLocked = 11        ///< another manager holds a lock
 };
 
-/// What became of a query; also the manager's status word.
+/// The result in words for people, such as "the file is read-only"; the reason in detail is in the
+/// error text (errors.h).
+///
+/// @return a constant of the library; never null, also for a number that is none of the results
+ZELK_API const char* ZelkErrorText(ZelkError error);
+
+/// What became of a query; the values of a manager's status word (`ZelkManager::Status`).
 enum ZelkStatus : int {
   ZelkStatusOk = 0,
   ZelkStatusNotFound = 2,       ///< no such database or object
@@ -46,7 +52,10 @@ enum ZelkSigvalueResult : int {
   ZelkSigvalueBufferTooSmall = 6,  ///< the text does not fit
 };
 
-/// Forms in which a signal's value is told as a text.
+/// The result in words, as `ZelkErrorText`.
+ZELK_API const char* ZelkSigvalueResultText(ZelkSigvalueResult result);
+
+/// Forms of a signal's value as a text.
 enum ZelkSigvalueFormat : int {
   ZelkFormatDecimal = 0,
   ZelkFormatHex = 1,

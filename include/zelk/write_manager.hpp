@@ -9,7 +9,7 @@
 namespace zelk {
 struct ManagerEdits;
 
-/// What a lookup found, in a database whose records its manager may change.
+/// What a lookup found in a record that may be changed.
 template <typename Record>
 Record* changeable(const Record* record) {
   return const_cast<Record*>(record);
@@ -31,7 +31,9 @@ Record* changeable(const Record* record) {
 /// `ZelkManager`; texts are copied. A record that is given must belong to an open database of this
 /// manager; where it refers to another one, nothing tests that both are of the same database.
 ///
-/// Its databases are looked up by walks over the lists (`ZelkDatabase`).
+/// Its lookups hand records out to be changed: from the first one in a database on, lookups there
+/// walk the lists (`ZelkDatabase`). To look up without that name the other class:
+/// `manager.ZelkManager::GetMessage(id, db)`.
 class ZELK_API ZelkWriteManager : public ZelkManager {
  public:
   explicit ZelkWriteManager(void* thread);  ///< as `ZelkManager`
@@ -39,39 +41,41 @@ class ZELK_API ZelkWriteManager : public ZelkManager {
 
   bool LockDatabase(const char* db, const char* reason) override;
   bool LockAllDatabases(const char* reason) override;
-  /// 5 when any write manager has the file open, this one included; else 0.
+  /// `ZelkErrorOpenForWrite` when any write manager has the file open, this one included; else
+  /// `ZelkErrorOk`. Managers that this thread does not use are not asked by their
+  /// `OwnsDatabaseForWrite`: of those the write managers count.
   ZelkError CheckForWriteOpen(const char* path) const override;
   /// Whether one of this manager's databases is that of the file (`ZelkDatabase::IsPathEqual`).
   bool OwnsDatabaseForWrite(const char* path) const override;
 
- protected:
-  ZelkDatabase& AssignDatabase(const char* path) override;
-
- public:
   // --- Whole databases ---
 
   /// Opens a new, empty database, with priority 0. Nothing is written.
   ///
   /// @param db    its name
   /// @param name  receives the handle on success; may be null
-  /// @param path  the file that it is for; null for none yet
-  /// @return tested in this order: 7 for an invalid name, 3 for one that is in use, 10 when the
-  /// file exists or an open database of any manager is for it, 1 when the heap is exhausted; or 0
+  /// @param path  the file that it is for; null for none yet. Another database may be for it too:
+  /// the one that is written first gets it (`ZelkDatabase::Write`)
+  /// @return tested in this order: `ZelkErrorInvalidName`, `ZelkErrorNameUsed`,
+  /// `ZelkErrorFileBelongs` when the file exists, `ZelkErrorNoDatabase` when the heap is exhausted;
+  /// or `ZelkErrorOk`
   ZelkError CreateDatabase(const char* db, const char** name, const char* path);
   /// Writes a database (`ZelkDatabase::Write`) and announces it to all managers that have it.
   ///
-  /// @param db    null: every database, each to its own file
+  /// @param db    null: every database, each to its own file ("None and all" in `ZelkManager`)
   /// @param path  null: the own file; without `db` it does not count
-  /// @return 9 when there is no such database; 11 when another manager holds a lock on it, which
-  /// the user is told; else as `ZelkDatabase::Write`. For all databases: 11 at the first one that
-  /// is locked, with none written; else the first error met, while the others are written
+  /// @return `ZelkErrorNotWritten` when there is no such database; `ZelkErrorLocked` when another
+  /// manager holds a lock on it, which the user is told; else as `ZelkDatabase::Write`. For all
+  /// databases: `ZelkErrorLocked` at the first one that is locked, with none written; else the
+  /// first error met, while the others are written
   ZelkError WriteDatabase(const char* db, const char* path);
-  /// Copies a database over another instance of the same file (`ZelkDatabase::Commit`), and
-  /// announces it, whether or not there was one.
+  /// Copies a database over another instance of the same file (`ZelkDatabase::Commit`, also for
+  /// what that does to somebody else's edits), and announces it, whether or not there was one.
   ///
-  /// @param db  null: every database
+  /// @param db  null: every database ("None and all" in `ZelkManager`)
   void CommitDatabase(const char* db);
-  /// Empties a database (`ZelkDatabase::Clear`) without announcing it; null: every database.
+  /// Empties a database (`ZelkDatabase::Clear`) without announcing it; null: every database ("None
+  /// and all" in `ZelkManager`).
   void ClearDatabase(const char* db);
   /// Sets whether extended multiplexing is written.
   ///
@@ -107,9 +111,10 @@ class ZELK_API ZelkWriteManager : public ZelkManager {
   void DeleteValueTable(valtable& table, const char* db = nullptr);
   attr_def* CreateAttrDefinition(const char* db, unsigned index);
   void DeleteAttrDefinition(attr_def& definition, const char* db = nullptr);
-  /// Also sets the signal's message, and counts it in `signal_count`.
+  /// Also sets the signal's message, and counts it in the message's `signal_count`.
   sigblk* CreateSignal(msgblk& message, unsigned index);
-  /// Also counts it off.
+  /// Also counts it off. The signals that it selects as a multiplexor lose their ranges and are
+  /// always there from then on: to delete them too, delete them first.
   void DeleteSignal(sigblk& signal, const char* db = nullptr);
   siggroupblk* CreateSignalGroup(msgblk& message, unsigned index);
   void DeleteSignalGroup(siggroupblk& group, const char* db = nullptr);
@@ -167,14 +172,16 @@ class ZELK_API ZelkWriteManager : public ZelkManager {
 
   // --- Attribute values ---
   //
-  // Names are compared on 32 characters. A value is a text for a STRING definition, which is
-  // copied, and a number for every other one (the index of the item for an ENUM); neither range nor
-  // items are tested.
+  // Names are compared on 32 characters. Several definitions may bear one name. The one that counts
+  // is that of `ZelkManager::GetAttrDefinition` with the object (of the network:
+  // `GetNetworkAttrDefinition`), and not the first of that name, which `GetAttrDefinition` with the
+  // name alone gives. Its type selects the member of `value` that is read, and the other one is
+  // not: `text` when its `value_type` is `ZELK_ATTR_STRING`, `number` (the index of the item for an
+  // ENUM) for every other one. The text is copied; null is stored as no text, which a file tells as
+  // an empty one. Neither range nor items are tested.
   //
-  // `db` names the database whose definition counts: the first one of that name for the kind of
-  // object, else the first one of that name for objects of another kind (not for relations: no file
-  // could hold the value). Null: the database that holds the object. With another one than that
-  // nothing happens. A null text is stored as no text, which a file tells as an empty one.
+  // `db` names the database whose definitions count; null: the one that holds the object. With
+  // another one than that nothing happens.
 
   /// Replaces the object's value of that name, or puts a new one in front.
   void SetAttrValue(const char* db, const char* name, const zelk_attr_value_t& value);
@@ -199,114 +206,127 @@ class ZELK_API ZelkWriteManager : public ZelkManager {
   // Those of `ZelkManager`, with results that may be changed.
 
   symblk* GetNode(const char* name, const char* db) {
-    return zelk::changeable(ZelkManager::GetNode(name, db));
+    return HandOut(ZelkManager::GetNode(name, db));
   }
   symblk* GetNode(const char* name, const char** db_name) {
-    return zelk::changeable(ZelkManager::GetNode(name, db_name));
+    return HandOut(ZelkManager::GetNode(name, db_name));
   }
   symblk* GetNode(const char* name, const ZelkSelection& selection) {
-    return zelk::changeable(ZelkManager::GetNode(name, selection));
+    return HandOut(ZelkManager::GetNode(name, selection));
   }
   symblk* GetNode(const char* name, const ZelkSelection& selection, const char** db_name) {
-    return zelk::changeable(ZelkManager::GetNode(name, selection, db_name));
+    return HandOut(ZelkManager::GetNode(name, selection, db_name));
   }
   msgblk* GetMessage(const char* name, const char* db) {
-    return zelk::changeable(ZelkManager::GetMessage(name, db));
+    return HandOut(ZelkManager::GetMessage(name, db));
   }
   msgblk* GetMessage(const char* name, const char** db_name) {
-    return zelk::changeable(ZelkManager::GetMessage(name, db_name));
+    return HandOut(ZelkManager::GetMessage(name, db_name));
   }
   msgblk* GetMessage(const char* name, const ZelkSelection& selection) {
-    return zelk::changeable(ZelkManager::GetMessage(name, selection));
+    return HandOut(ZelkManager::GetMessage(name, selection));
   }
   msgblk* GetMessage(const char* name, const ZelkSelection& selection, const char** db_name) {
-    return zelk::changeable(ZelkManager::GetMessage(name, selection, db_name));
+    return HandOut(ZelkManager::GetMessage(name, selection, db_name));
   }
   msgblk* GetMessage(unsigned long id, const char* db) {
-    return zelk::changeable(ZelkManager::GetMessage(id, db));
+    return HandOut(ZelkManager::GetMessage(id, db));
   }
   msgblk* GetMessage(unsigned long id, const char** db_name) {
-    return zelk::changeable(ZelkManager::GetMessage(id, db_name));
+    return HandOut(ZelkManager::GetMessage(id, db_name));
   }
   msgblk* GetMessage(unsigned long id, const ZelkSelection& selection) {
-    return zelk::changeable(ZelkManager::GetMessage(id, selection));
+    return HandOut(ZelkManager::GetMessage(id, selection));
   }
   msgblk* GetMessage(unsigned long id, const ZelkSelection& selection, const char** db_name) {
-    return zelk::changeable(ZelkManager::GetMessage(id, selection, db_name));
+    return HandOut(ZelkManager::GetMessage(id, selection, db_name));
   }
   msgblk* GetJ1939Message(unsigned long id, unsigned long flags, const char* db) {
-    return zelk::changeable(ZelkManager::GetJ1939Message(id, flags, db));
+    return HandOut(ZelkManager::GetJ1939Message(id, flags, db));
   }
   msgblk* GetJ1939Message(unsigned long id, unsigned long flags, const char** db_name) {
-    return zelk::changeable(ZelkManager::GetJ1939Message(id, flags, db_name));
+    return HandOut(ZelkManager::GetJ1939Message(id, flags, db_name));
   }
   msgblk* GetJ1939Message(unsigned long id, unsigned long flags, const ZelkSelection& selection) {
-    return zelk::changeable(ZelkManager::GetJ1939Message(id, flags, selection));
+    return HandOut(ZelkManager::GetJ1939Message(id, flags, selection));
   }
   msgblk* GetJ1939Message(unsigned long id, unsigned long flags, const ZelkSelection& selection,
                           const char** db_name) {
-    return zelk::changeable(ZelkManager::GetJ1939Message(id, flags, selection, db_name));
+    return HandOut(ZelkManager::GetJ1939Message(id, flags, selection, db_name));
   }
   env_var_blk* GetEnvvar(const char* name, const char* db) {
-    return zelk::changeable(ZelkManager::GetEnvvar(name, db));
+    return HandOut(ZelkManager::GetEnvvar(name, db));
   }
   env_var_blk* GetEnvvar(const char* name, const char** db_name) {
-    return zelk::changeable(ZelkManager::GetEnvvar(name, db_name));
+    return HandOut(ZelkManager::GetEnvvar(name, db_name));
   }
   env_var_blk* GetEnvvar(const char* name, const ZelkSelection& selection) {
-    return zelk::changeable(ZelkManager::GetEnvvar(name, selection));
+    return HandOut(ZelkManager::GetEnvvar(name, selection));
   }
   env_var_blk* GetEnvvar(const char* name, const ZelkSelection& selection, const char** db_name) {
-    return zelk::changeable(ZelkManager::GetEnvvar(name, selection, db_name));
+    return HandOut(ZelkManager::GetEnvvar(name, selection, db_name));
   }
   btlblk* GetBitTiming(unsigned short baudrate, const char* db) {
-    return zelk::changeable(ZelkManager::GetBitTiming(baudrate, db));
+    return HandOut(ZelkManager::GetBitTiming(baudrate, db));
   }
   btlblk* GetBitTiming(unsigned short baudrate, const char** db_name) {
-    return zelk::changeable(ZelkManager::GetBitTiming(baudrate, db_name));
+    return HandOut(ZelkManager::GetBitTiming(baudrate, db_name));
   }
   btlblk* GetBitTiming(unsigned short baudrate, const ZelkSelection& selection) {
-    return zelk::changeable(ZelkManager::GetBitTiming(baudrate, selection));
+    return HandOut(ZelkManager::GetBitTiming(baudrate, selection));
   }
   btlblk* GetBitTiming(unsigned short baudrate, const ZelkSelection& selection,
                        const char** db_name) {
-    return zelk::changeable(ZelkManager::GetBitTiming(baudrate, selection, db_name));
+    return HandOut(ZelkManager::GetBitTiming(baudrate, selection, db_name));
   }
   cat* GetCategory(const char* name, const char* db) {
-    return zelk::changeable(ZelkManager::GetCategory(name, db));
+    return HandOut(ZelkManager::GetCategory(name, db));
   }
   cat* GetCategory(const char* name, const char** db_name) {
-    return zelk::changeable(ZelkManager::GetCategory(name, db_name));
+    return HandOut(ZelkManager::GetCategory(name, db_name));
   }
   sigtype* GetSignalType(const char* name, const char* db) {
-    return zelk::changeable(ZelkManager::GetSignalType(name, db));
+    return HandOut(ZelkManager::GetSignalType(name, db));
   }
   sigtype* GetSignalType(const char* name, const char** db_name) {
-    return zelk::changeable(ZelkManager::GetSignalType(name, db_name));
+    return HandOut(ZelkManager::GetSignalType(name, db_name));
   }
   sigtype* GetSignalType(const char* name, const ZelkSelection& selection) {
-    return zelk::changeable(ZelkManager::GetSignalType(name, selection));
+    return HandOut(ZelkManager::GetSignalType(name, selection));
   }
   sigtype* GetSignalType(const char* name, const ZelkSelection& selection, const char** db_name) {
-    return zelk::changeable(ZelkManager::GetSignalType(name, selection, db_name));
+    return HandOut(ZelkManager::GetSignalType(name, selection, db_name));
   }
   valtable* GetValueTable(const char* name, const char* db) {
-    return zelk::changeable(ZelkManager::GetValueTable(name, db));
+    return HandOut(ZelkManager::GetValueTable(name, db));
   }
   valtable* GetValueTable(const char* name, const char** db_name) {
-    return zelk::changeable(ZelkManager::GetValueTable(name, db_name));
+    return HandOut(ZelkManager::GetValueTable(name, db_name));
   }
   valtable* GetValueTable(const char* name, const ZelkSelection& selection) {
-    return zelk::changeable(ZelkManager::GetValueTable(name, selection));
+    return HandOut(ZelkManager::GetValueTable(name, selection));
   }
   valtable* GetValueTable(const char* name, const ZelkSelection& selection, const char** db_name) {
-    return zelk::changeable(ZelkManager::GetValueTable(name, selection, db_name));
+    return HandOut(ZelkManager::GetValueTable(name, selection, db_name));
   }
   attr_def* GetAttrDefinition(const char* name, const char* db) {
-    return zelk::changeable(ZelkManager::GetAttrDefinition(name, db));
+    return HandOut(ZelkManager::GetAttrDefinition(name, db));
   }
   attr_def* GetAttrDefinition(const char* name, const char** db_name) {
-    return zelk::changeable(ZelkManager::GetAttrDefinition(name, db_name));
+    return HandOut(ZelkManager::GetAttrDefinition(name, db_name));
+  }
+
+  /// The definition by which `SetAttrValue` stores the object's value of that name.
+  template <zelk::AttributeOwner Object>
+  attr_def* GetAttrDefinition(const Object& object, const char* name, const char* db = nullptr) {
+    return HandOutDefinition(ZelkManager::GetAttrDefinition(object, name, db));
+  }
+  template <zelk::AttributeOwner Object>
+  attr_def* GetAttrDefinition(const Object* object, const char* name, const char* db = nullptr) {
+    return HandOutDefinition(ZelkManager::GetAttrDefinition(object, name, db));
+  }
+  attr_def* GetNetworkAttrDefinition(const char* db, const char* name) {
+    return HandOutDefinition(ZelkManager::GetNetworkAttrDefinition(db, name));
   }
 
   using ZelkManager::GetMultiplexorSignal;
@@ -365,15 +385,26 @@ class ZELK_API ZelkWriteManager : public ZelkManager {
 
   using ZelkManager::GetAccessNodeIterator;
   using ZelkManager::GetAttributeIterator;
+  using ZelkManager::GetMultiplexedSignalIterator;
+  using ZelkManager::GetMultiplexorSignalIterator;
   using ZelkManager::GetReceiverIterator;
   using ZelkManager::GetSignalGroupIterator;
   using ZelkManager::GetSignalIterator;
   using ZelkManager::GetSubsignalIterator;
   using ZelkManager::GetTransmitterIterator;
+  using ZelkManager::GetValidMultiplexorSignalIterator;
+  using ZelkManager::GetValidSignalIterator;
   using ZelkManager::GetValueDescriptionIterator;
   ZelkIterator<sigblk> GetSignalIterator(msgblk& message) const {
     return {*this, message.signals, nullptr};
   }
+  ZelkIterator<sigblk> GetValidSignalIterator(msgblk& message,
+                                              ValidSignalPredicate& predicate) const;
+  ZelkIterator<sigblk> GetValidMultiplexorSignalIterator(
+      msgblk& message, ValidMultiplexorPredicate& predicate) const;
+  ZelkIterator<sigblk> GetMultiplexedSignalIterator(msgblk& message,
+                                                    MultiplexedBySignalPredicate& predicate) const;
+  ZelkIterator<sigblk> GetMultiplexorSignalIterator(msgblk& message) const;
   ZelkIterator<siggroupblk> GetSignalGroupIterator(msgblk& message) const {
     return {*this, message.siggroups, nullptr};
   }
@@ -420,7 +451,15 @@ class ZELK_API ZelkWriteManager : public ZelkManager {
  private:
   friend struct zelk::ManagerEdits;
 
-  ZelkError CheckForLock(ZelkDatabase& database);
+  template <typename Operation>
+  void ForNamedOrAll(const char* db, Operation operation);
+  /// What the last lookup found, to be changed.
+  template <typename Record>
+  Record* HandOut(const Record* found) const {
+    return found ? answered_->HandOut(found) : nullptr;
+  }
+  attr_def* HandOutDefinition(const attr_def* found);
+  ZelkError CheckForLock(const ZelkDatabase& database);
   ZelkError WriteAndNotify(ZelkDatabase& database, const char* path);
   ZelkError WriteAllDatabases();
 };

@@ -74,6 +74,18 @@ std::optional<char> windows_1252_byte(std::uint32_t code_point) {
   return static_cast<char>(kHighFirst + static_cast<std::uint32_t>(found - kHigh.begin()));
 }
 
+/// `text` with U+FFFD in place of each byte that does not belong to UTF-8.
+std::string well_formed(std::string_view text) {
+  std::string result;
+  result.reserve(text.size());
+  while (!text.empty()) {
+    const std::size_t size = first_code_point(text).size;
+    result += size == 0 ? std::string_view("\xEF\xBF\xBD") : text.substr(0, size);
+    text.remove_prefix(size == 0 ? 1 : size);
+  }
+  return result;
+}
+
 }  // namespace
 
 bool is_utf8(std::string_view text) {
@@ -85,8 +97,13 @@ bool is_utf8(std::string_view text) {
   return true;
 }
 
+Encoding encoding_of(std::string_view text) {
+  return is_utf8(text) ? Encoding::kUtf8 : Encoding::kWindows1252;
+}
+
 std::string to_utf8(std::string_view bytes, Encoding encoding) {
-  if (encoding == Encoding::kUtf8 || is_ascii(bytes)) return std::string(bytes);
+  if (encoding == Encoding::kUtf8) return well_formed(bytes);
+  if (is_ascii(bytes)) return std::string(bytes);
   std::string text;
   text.reserve(bytes.size() * 2);
   for (const char byte : bytes) {

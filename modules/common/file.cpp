@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <memory>
+#include <new>
 #include <system_error>
 
 #include "common/records.hpp"
@@ -18,8 +19,9 @@ struct Closer {
 };
 using File = std::unique_ptr<std::FILE, Closer>;
 
-Fault system_fault(const char* what, int code) {
-  return Fault(what + (": " + std::generic_category().message(code)));
+[[noreturn]] void fail(const char* what, int code) {
+  if (code == ENOMEM) throw std::bad_alloc();
+  throw Fault(what + (": " + std::generic_category().message(code)));
 }
 
 }  // namespace
@@ -27,7 +29,7 @@ Fault system_fault(const char* what, int code) {
 std::string read_file(const char* path) {
   errno = 0;
   const File file(std::fopen(path, "rb"));
-  if (!file) throw system_fault("the file cannot be opened", errno);
+  if (!file) fail("the file cannot be opened", errno);
   std::string content;
   std::size_t count = kBlock;
   while (count == kBlock) {
@@ -37,22 +39,24 @@ std::string read_file(const char* path) {
     content.resize(size + count);
     if (content.size() > kBytesMax) throw Fault("the file has more than 2 GiB");
   }
-  if (std::ferror(file.get()) != 0) throw system_fault("the file cannot be read", errno);
+  if (std::ferror(file.get()) != 0) fail("the file cannot be read", errno);
   return content;
 }
 
 void write_new_file(const char* path, std::string_view content) {
-  if (File(std::fopen(path, "rb"))) throw Fault("the file exists already");
   errno = 0;
+  if (File(std::fopen(path, "rb"))) throw Fault("the file exists already");
+  if (errno != ENOENT) fail("the file cannot be created", errno);
   File file(std::fopen(path, "wb"));
-  if (!file) throw system_fault("the file cannot be created", errno);
+  if (!file) fail("the file cannot be created", errno);
   bool is_whole = std::fwrite(content.data(), 1, content.size(), file.get()) == content.size();
-  is_whole &= std::fflush(file.get()) == 0;
-  const int code = errno;
-  is_whole &= std::fclose(file.release()) == 0;
-  if (is_whole) return;
+  is_whole = is_whole && std::fflush(file.get()) == 0;
+  int code = errno;
+  const bool is_closed = std::fclose(file.release()) == 0;
+  if (is_whole) code = errno;
+  if (is_whole && is_closed) return;
   std::remove(path);
-  throw system_fault("the file cannot be written", code);
+  fail("the file cannot be written", code);
 }
 
 }  // namespace zelk::modules

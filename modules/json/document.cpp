@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <utility>
 #include <vector>
@@ -12,9 +13,9 @@
 namespace zelk::modules::json {
 namespace {
 
-using Json = nlohmann::json;
-
 constexpr std::size_t kDepthMax = 32;
+/// Twice as many as any object of the form has: looking for one of few keys takes constant time.
+constexpr std::size_t kKeysMax = 64;
 
 /// Walks over the text and leaves behind how far the parser has come.
 class Cursor {
@@ -55,11 +56,10 @@ std::string reason(std::string_view message) {
   return std::string(message);
 }
 
-/// Builds the document as the parser meets its parts. The library's own builder would keep the last
-/// of two equal keys, and with a callback to notice it walks each list once per element.
-class Builder : public nlohmann::json_sax<Json> {
+/// Builds the document as the parser meets its parts.
+class Builder : public nlohmann::json_sax<nlohmann::json> {
  public:
-  explicit Builder(Json& document) : next_(&document) {}
+  explicit Builder(Value& document) : next_(&document) {}
 
   bool null() override { return put(nullptr); }
   bool boolean(bool value) override { return put(value); }
@@ -67,44 +67,52 @@ class Builder : public nlohmann::json_sax<Json> {
   bool number_unsigned(number_unsigned_t value) override { return put(value); }
   bool number_float(number_float_t value, const string_t&) override { return put(value); }
   bool string(string_t& value) override { return put(std::move(value)); }
-  bool binary(binary_t& value) override { return put(std::move(value)); }
+  bool binary(binary_t&) override { return false; }  // no text has any
 
-  bool start_object(std::size_t) override { return open(Json::object()); }
-  bool start_array(std::size_t) override { return open(Json::array()); }
+  bool start_object(std::size_t) override { return open(Value::Object()); }
+  bool start_array(std::size_t) override { return open(Value::Array()); }
   bool end_object() override { return close(); }
   bool end_array() override { return close(); }
 
   bool key(string_t& key) override {
-    const auto [member, is_new] = open_.back()->get_ref<Json::object_t&>().emplace(key, nullptr);
-    if (!is_new) throw Fault("the key \"" + key + "\" stands twice in one object");
-    next_ = &member->second;
+    auto& object = std::get<Value::Object>(open_.back()->content);
+    if (open_.back()->find(key)) {
+      throw Fault("the key \"" + key + "\" stands twice in one object");
+    }
+    if (object.size() == kKeysMax) {
+      throw Fault("an object has more than " + std::to_string(kKeysMax) + " keys");
+    }
+    object.push_back({std::move(key), {}});
+    next_ = &object.back().value;
     return true;
   }
 
-  bool parse_error(std::size_t, const std::string&, const Json::exception& error) override {
+  bool parse_error(std::size_t, const std::string&,
+                   const nlohmann::json::exception& error) override {
     throw Fault(reason(error.what()));
   }
 
  private:
   /// The place of the value that comes now.
-  Json& place() {
-    const bool is_element = !open_.empty() && open_.back()->is_array();
-    return is_element ? open_.back()->emplace_back() : *next_;
+  Value& place() {
+    auto* const array = open_.empty() ? nullptr : std::get_if<Value::Array>(&open_.back()->content);
+    return array ? array->emplace_back() : *next_;
   }
 
-  template <typename Value>
-  bool put(Value&& value) {
-    place() = std::forward<Value>(value);
+  template <typename Content>
+  bool put(Content&& content) {
+    place().content = std::forward<Content>(content);
     return true;
   }
 
-  bool open(Json&& value) {
+  template <typename Container>
+  bool open(Container&& container) {
     if (open_.size() == kDepthMax) {
       throw Fault("arrays and objects are more than " + std::to_string(kDepthMax) + " deep");
     }
-    Json& container = place();
-    container = std::move(value);
-    open_.push_back(&container);
+    Value& value = place();
+    value.content = std::forward<Container>(container);
+    open_.push_back(&value);
     return true;
   }
 
@@ -113,19 +121,38 @@ class Builder : public nlohmann::json_sax<Json> {
     return true;
   }
 
-  Json* next_;               ///< for the document itself, and for the value of the last key
-  std::vector<Json*> open_;  ///< arrays and objects, outermost first; only the last one grows
+  Value* next_;               ///< for the document itself, and for the value of the last key
+  std::vector<Value*> open_;  ///< arrays and objects, outermost first; only the last one grows
 };
 
 }  // namespace
 
-nlohmann::json parse(std::string_view text) {
+bool Value::is_text(std::string_view text) const {
+  const auto* const own = get_if<std::string>();
+  return own && *own == text;
+}
+
+bool Value::is_number(double number) const {
+  const auto* const whole = get_if<std::uint64_t>();
+  const auto* const real = get_if<double>();
+  return (whole && static_cast<double>(*whole) == number) || (real && *real == number);
+}
+
+const Value* Value::find(std::string_view key) const {
+  const auto* const object = get_if<Object>();
+  if (!object) return nullptr;
+  const auto found = std::find_if(object->begin(), object->end(),
+                                  [key](const Member& member) { return member.key == key; });
+  return found == object->end() ? nullptr : &found->value;
+}
+
+Value parse(std::string_view text) {
   const char* reached = text.data();
-  Json document;
+  Value document;
   Builder builder(document);
   try {
-    Json::sax_parse(Cursor(text.data(), reached), Cursor(text.data() + text.size(), reached),
-                    &builder);
+    nlohmann::json::sax_parse(Cursor(text.data(), reached),
+                              Cursor(text.data() + text.size(), reached), &builder);
   } catch (const Fault& fault) {
     throw Fault(fault.what(), line_at(text, reached));
   }

@@ -5,32 +5,33 @@
 
 namespace zelk::modules::json {
 
-using Json = nlohmann::json;
-
 // --- Values ---
 
 std::int64_t ValueInput::whole(std::int64_t lowest, std::int64_t highest) const {
-  bool fits = false;
-  if (value_.is_number_unsigned()) {
-    fits = value_.get<std::uint64_t>() <= static_cast<std::uint64_t>(highest);
-  } else if (value_.is_number_integer()) {  // then it is below 0
-    fits = value_.get<std::int64_t>() >= lowest;
+  const auto* const positive = value_.get_if<std::uint64_t>();
+  const auto* const negative = value_.get_if<std::int64_t>();
+  if (positive && *positive <= static_cast<std::uint64_t>(highest)) {
+    return static_cast<std::int64_t>(*positive);
   }
-  if (fits) return value_.get<std::int64_t>();
+  if (negative && *negative >= lowest) return *negative;
   path_.fail("expected a whole number from " + std::to_string(lowest) + " to " +
              std::to_string(highest));
 }
 
 void ValueInput::real(double& field) const {
   using Limits = std::numeric_limits<double>;
-  if (value_.is_number()) {
-    field = value_.get<double>();
+  const auto take = [&field](const auto* number) {
+    if (number) field = static_cast<double>(*number);
+    return number != nullptr;
+  };
+  if (take(value_.get_if<double>()) || take(value_.get_if<std::uint64_t>()) ||
+      take(value_.get_if<std::int64_t>())) {
     return;
   }
   constexpr std::array<std::pair<std::string_view, double>, 3> kWords = {
       {{"inf", Limits::infinity()}, {"-inf", -Limits::infinity()}, {"nan", Limits::quiet_NaN()}}};
   for (const auto& [word, number] : kWords) {
-    if (value_ != word) continue;
+    if (!value_.is_text(word)) continue;
     field = number;
     return;
   }
@@ -38,8 +39,9 @@ void ValueInput::real(double& field) const {
 }
 
 std::string ValueInput::decoded() const {
-  if (!value_.is_string()) path_.fail("expected a text");
-  const auto bytes = from_utf8(value_.get_ref<const std::string&>(), encoding_);
+  const auto* const text = value_.get_if<std::string>();
+  if (!text) path_.fail("expected a text");
+  const auto bytes = from_utf8(*text, encoding_);
   if (!bytes) path_.fail("a character that Windows-1252 does not have");
   if (bytes->find('\0') != std::string::npos) {
     path_.fail("a NUL character, which no database can hold");
@@ -48,7 +50,7 @@ std::string ValueInput::decoded() const {
 }
 
 void ValueInput::text_or_null(char*& field) const {
-  if (!value_.is_null()) text(field);
+  if (!value_.is<std::nullptr_t>()) text(field);
 }
 
 void ValueInput::check_length(std::string_view text) const {
@@ -56,9 +58,8 @@ void ValueInput::check_length(std::string_view text) const {
 }
 
 std::int64_t ValueInput::number_of_word(Words words) const {
-  const auto& text = value_.get_ref<const std::string&>();
   const auto found = std::find_if(words.begin(), words.end(),
-                                  [&text](const Word& word) { return word.text == text; });
+                                  [this](const Word& word) { return value_.is_text(word.text); });
   if (found != words.end()) return found->number;
   std::string known;
   for (const Word& word : words) known += "\"" + std::string(word.text) + "\", ";
@@ -66,13 +67,14 @@ std::int64_t ValueInput::number_of_word(Words words) const {
 }
 
 bool ValueInput::flag() const {
-  if (!value_.is_boolean()) path_.fail("expected true or false");
-  return value_.get<bool>();
+  const auto* const flag = value_.get_if<bool>();
+  if (!flag) path_.fail("expected true or false");
+  return *flag;
 }
 
 void ValueInput::fail_reference(const char* what, std::size_t count) const {
-  if (value_.is_string()) {
-    path_.fail("there is no " + std::string(what) + " \"" + value_.get<std::string>() + "\"");
+  if (const auto* const name = value_.get_if<std::string>()) {
+    path_.fail("there is no " + std::string(what) + " \"" + *name + "\"");
   }
   path_.fail("expected a name, or a position below " + std::to_string(count));
 }
@@ -90,45 +92,45 @@ void ValueInput::items(char*& field) const {
   if (position != 0) assign_text(field, joined);
 }
 
-const Json& ValueInput::array() const {
-  if (!value_.is_array()) path_.fail("expected an array");
-  return value_;
+const Value::Array& ValueInput::array() const {
+  const auto* const array = value_.get_if<Value::Array>();
+  if (!array) path_.fail("expected an array");
+  return *array;
 }
 
 // --- Objects ---
 
-ObjectInput::ObjectInput(const Json& value, const Path& path, Encoding encoding)
+ObjectInput::ObjectInput(const Value& value, const Path& path, Encoding encoding)
     : object_(value), path_(path), encoding_(encoding) {
-  if (!value.is_object()) path_.fail("expected an object");
+  if (!value.is<Value::Object>()) path_.fail("expected an object");
 }
 
-const Json* ObjectInput::find(std::string_view key) {
+const Value* ObjectInput::find(std::string_view key) {
   asked_.push_back(key);
-  const auto found = object_.find(key);
-  if (found == object_.end()) return nullptr;
-  ++found_;
-  return &*found;
+  const Value* const found = object_.find(key);
+  if (found) ++found_;
+  return found;
 }
 
 ValueInput ObjectInput::at(std::string_view key) {
-  const Json* const value = find(key);
+  const Value* const value = find(key);
   if (!value) path_.fail("the key \"" + std::string(key) + "\" is missing");
   return input(key, *value);
 }
 
 void ObjectInput::real(std::string_view key, double& field, double absent) {
   field = absent;
-  if (const Json* const value = find(key)) input(key, *value).real(field);
+  if (const Value* const value = find(key)) input(key, *value).real(field);
 }
 
 void ObjectInput::text(std::string_view key, char*& field) {
-  if (const Json* const value = find(key)) input(key, *value).text(field);
+  if (const Value* const value = find(key)) input(key, *value).text(field);
 }
 
 void ObjectInput::byte_order(std::string_view key, std::uint16_t& flags) {
-  const Json* const value = find(key);
-  if (!value || *value == kIntel) return;
-  if (*value != kMotorola) Path(path_, key).fail(R"(expected "intel" or "motorola")");
+  const Value* const value = find(key);
+  if (!value || value->is_text(kIntel)) return;
+  if (!value->is_text(kMotorola)) Path(path_, key).fail(R"(expected "intel" or "motorola")");
   flags |= ZELK_SIGNAL_MOTOROLA;
 }
 
@@ -140,12 +142,13 @@ void ObjectInput::bits(std::string_view key, std::uint16_t& flags, std::uint16_t
 }
 
 void ObjectInput::items(std::string_view key, char*& field) {
-  if (const Json* const value = find(key)) input(key, *value).items(field);
+  if (const Value* const value = find(key)) input(key, *value).items(field);
 }
 
 void ObjectInput::finish() const {
-  if (found_ == object_.size()) return;
-  for (const auto& [key, value] : object_.items()) {
+  const auto& members = *object_.get_if<Value::Object>();
+  if (found_ == members.size()) return;
+  for (const auto& [key, value] : members) {
     if (std::find(asked_.begin(), asked_.end(), key) == asked_.end()) {
       path_.fail("unknown key \"" + key + "\"");
     }

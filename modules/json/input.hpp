@@ -7,13 +7,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "common/encoding.hpp"
 #include "common/records.hpp"
+#include "document.hpp"
 #include "path.hpp"
 #include "references.hpp"
 #include "words.hpp"
@@ -24,10 +24,10 @@ namespace zelk::modules::json {
 /// with the place when it does not fit.
 class ValueInput {
  public:
-  ValueInput(const nlohmann::json& value, const Path& path, Encoding encoding)
+  ValueInput(const Value& value, const Path& path, Encoding encoding)
       : value_(value), path_(path), encoding_(encoding) {}
 
-  const nlohmann::json& json() const { return value_; }
+  const Value& value() const { return value_; }
   const Path& path() const { return path_; }
 
   template <typename Integer>
@@ -53,8 +53,8 @@ class ValueInput {
   void reference(Record*& field, const References<Record>& list, std::int32_t kind = 0) const;
   /// Elements of an array of texts, as an ENUM has them.
   void items(char*& field) const;
-  const nlohmann::json& array() const;
-  bool is_object(bool) const { return value_.is_object(); }
+  const Value::Array& array() const;
+  bool is_object(bool) const { return value_.is<Value::Object>(); }
   template <typename Fill>
   void object(Fill fill) const;
 
@@ -66,7 +66,7 @@ class ValueInput {
   void check_length(std::string_view text) const;
   [[noreturn]] void fail_reference(const char* what, std::size_t count) const;
 
-  const nlohmann::json& value_;
+  const Value& value_;
   const Path path_;
   const Encoding encoding_;
 };
@@ -78,7 +78,7 @@ class ObjectInput {
   static constexpr bool kReads = true;
 
   /// @throws Fault for a value that is no object
-  ObjectInput(const nlohmann::json& value, const Path& path, Encoding encoding);
+  ObjectInput(const Value& value, const Path& path, Encoding encoding);
 
   const Path& path() const { return path_; }
 
@@ -125,7 +125,7 @@ class ObjectInput {
   void left_out(bool, const char*) const {}
 
   /// Whether the object has a key. For an output: `wanted`.
-  bool has(std::string_view key, bool) const { return object_.contains(key); }
+  bool has(std::string_view key, bool) const { return object_.find(key) != nullptr; }
   /// Takes a key for known.
   void skip(std::string_view key) { find(key); }
 
@@ -133,12 +133,12 @@ class ObjectInput {
   void finish() const;
 
  private:
-  const nlohmann::json* find(std::string_view key);
-  ValueInput input(std::string_view key, const nlohmann::json& value) const {
+  const Value* find(std::string_view key);
+  ValueInput input(std::string_view key, const Value& value) const {
     return {value, Path(path_, key), encoding_};
   }
 
-  const nlohmann::json& object_;
+  const Value& object_;
   const Path path_;
   const Encoding encoding_;
   std::vector<std::string_view> asked_;
@@ -156,7 +156,7 @@ void ValueInput::inline_text(char (&field)[kSize]) const {
 
 template <typename Integer>
 void ValueInput::word(Integer& field, Words words) const {
-  if (value_.is_string()) {
+  if (value_.is<std::string>()) {
     field = static_cast<Integer>(number_of_word(words));
   } else {
     whole(field);
@@ -167,11 +167,12 @@ template <typename Record>
 void ValueInput::reference(Record*& field, const References<Record>& list,
                            std::int32_t kind) const {
   field = nullptr;
-  if (value_.is_null()) return;
-  if (value_.is_string()) {
+  if (value_.is<std::nullptr_t>()) return;
+  const auto* const position = value_.get_if<std::uint64_t>();
+  if (value_.is<std::string>()) {
     field = list.find(decoded(), kind);
-  } else if (value_.is_number_unsigned() && value_.get<std::uint64_t>() < list.size()) {
-    field = list.at(value_.get<std::size_t>());
+  } else if (position && *position < list.size()) {
+    field = list.at(static_cast<std::size_t>(*position));
   }
   if (!field) fail_reference(list.what(), list.size());
 }
@@ -201,14 +202,14 @@ template <typename Record, typename Fill>
 void ObjectInput::named_list(std::string_view key, Record*& head, References<Record>& references,
                              Fill fill) {
   list(key, head, [this](const ValueInput& value, Record& record) {
-    ObjectInput(value.json(), value.path(), encoding_).at("name").text_or_null(record.name);
+    ObjectInput(value.value(), value.path(), encoding_).at("name").text_or_null(record.name);
   });
   references.index(head);
   Record* record = head;
   if (!record) return;
   const Path path(path_, key);
   std::size_t position = 0;
-  for (const auto& element : object_.find(key)->get_ref<const nlohmann::json::array_t&>()) {
+  for (const auto& element : *object_.find(key)->get_if<Value::Array>()) {
     ObjectInput object(element, Path(path, position++), encoding_);
     object.skip("name");
     fill(object, *record);

@@ -1,7 +1,7 @@
 // The module's two functions.
 
-#include <nlohmann/json.hpp>
 #include <string>
+#include <string_view>
 
 #include "common/encoding.hpp"
 #include "common/file.hpp"
@@ -19,29 +19,29 @@ constexpr const char* kEncodingWords[] = {"utf-8", "windows-1252"};  // in the o
 // --- Import ---
 
 /// @throws Fault unless the document is one of this form
-void check_format(const nlohmann::json& document) {
-  if (!document.is_object()) Path().fail("expected an object");
+void check_format(const Value& document) {
+  if (!document.is<Value::Object>()) Path().fail("expected an object");
   const Path root;
-  const auto check = [&](const char* key, const nlohmann::json& expected) {
-    const auto found = document.find(key);
-    if (found == document.end() || *found != expected) {
-      Path(root, key).fail("expected " + expected.dump());
-    }
-  };
-  check("format", kFormat);
-  check("version", kVersion);
+  const Value* const format = document.find("format");
+  if (!format || !format->is_text(kFormat)) {
+    Path(root, "format").fail("expected \"" + std::string(kFormat) + "\"");
+  }
+  const Value* const version = document.find("version");
+  if (!version || !version->is_number(kVersion)) {
+    Path(root, "version").fail("expected " + std::to_string(kVersion));
+  }
 }
 
-Encoding encoding_of(const nlohmann::json& document) {
-  const auto found = document.find("encoding");
-  if (found == document.end() || *found == kEncodingWords[0]) return Encoding::kUtf8;
-  if (*found == kEncodingWords[1]) return Encoding::kWindows1252;
+Encoding encoding_of(const Value& document) {
+  const Value* const found = document.find("encoding");
+  if (!found || found->is_text(kEncodingWords[0])) return Encoding::kUtf8;
+  if (found->is_text(kEncodingWords[1])) return Encoding::kWindows1252;
   const Path root;
   Path(root, "encoding").fail(R"(expected "utf-8" or "windows-1252")");
 }
 
 void read(const char* file, const Database& database) {
-  const nlohmann::json document = parse(read_file(file));
+  const Value document = parse(read_file(file));
   check_format(document);
   ObjectInput object(document, Path(), encoding_of(document));
   for (const char* const key : {"format", "version", "encoding"}) object.skip(key);
@@ -51,35 +51,29 @@ void read(const char* file, const Database& database) {
 
 // --- Export ---
 
-/// Calls `visit` for every text of a document.
-template <typename Visit>
-void for_each_text(nlohmann::ordered_json& value, const Visit& visit) {
-  if (value.is_string()) {
-    visit(value.get_ref<std::string&>());
-  } else if (value.is_structured()) {
-    for (auto& member : value) for_each_text(member, visit);
-  }
+/// The document with the texts as the bytes that they are, taken for UTF-8.
+std::string unencoded_document(const Database& database) {
+  TextOutput out;
+  ValueOutput(out, Path()).object([&database](ObjectOutput& object) {
+    object.at("format").text(kFormat);
+    object.at("version").whole(kVersion);
+    object.at("encoding").text(kEncodingWords[0]);
+    Form(object).database(database);
+  });
+  return out.text() + "\n";
 }
 
-/// The document goes from the characters of the database to UTF-8.
-void encode(nlohmann::ordered_json& document) {
-  bool is_all_utf8 = true;
-  for_each_text(document, [&](const std::string& text) { is_all_utf8 &= is_utf8(text); });
-  if (is_all_utf8) return;
-  document["encoding"] = kEncodingWords[1];
-  for_each_text(document, [](std::string& text) { text = to_utf8(text, Encoding::kWindows1252); });
+/// All of a document but its texts is ASCII, and quotes stand around them: the whole is UTF-8 when
+/// each of them is, and otherwise becomes it as a whole.
+std::string document(const Database& database) {
+  std::string text = unencoded_document(database);
+  if (is_utf8(text)) return text;
+  const std::string_view assumed = kEncodingWords[0];
+  text.replace(text.find(assumed), assumed.size(), kEncodingWords[1]);  // in the third line
+  return to_utf8(text, Encoding::kWindows1252);
 }
 
-void write(const char* file, const Database& database) {
-  nlohmann::ordered_json document;
-  ObjectOutput object(document, Path());
-  document["format"] = kFormat;
-  document["version"] = kVersion;
-  document["encoding"] = kEncodingWords[0];
-  Form(object).database(database);
-  encode(document);
-  write_new_file(file, document.dump(2) + "\n");
-}
+void write(const char* file, const Database& database) { write_new_file(file, document(database)); }
 
 /// An output only reads; a form has one type of records for both directions.
 template <typename Record>

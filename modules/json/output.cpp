@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <nlohmann/json.hpp>
 
 namespace zelk::modules::json {
 namespace {
@@ -18,49 +19,49 @@ bool is_same(double a, double b) {
 
 void ValueOutput::real(double field) const {
   if (std::isnan(field)) {
-    value_ = "nan";
+    out_.string("nan");
   } else if (std::isinf(field)) {
-    value_ = field < 0 ? "-inf" : "inf";
+    out_.string(field < 0 ? "-inf" : "inf");
   } else if (std::abs(field) < kWholeMax && is_same(field, std::trunc(field) + 0.0)) {
-    value_ = static_cast<std::int64_t>(field);
+    whole(static_cast<std::int64_t>(field));
   } else {
-    value_ = field;
+    out_.literal(nlohmann::json(field).dump());  // a number alone, unlike an array, frees nothing
   }
 }
 
 void ValueOutput::text_or_null(const char* field) const {
-  if (field) text(field);
+  if (field) {
+    text(field);
+  } else {
+    out_.literal("null");
+  }
 }
 
 void ValueOutput::short_text(std::string_view text) const {
   if (text.size() > ZELK_INLINE_NAME_MAX) check_inline(text, path_.text());
-  value_ = text;
+  out_.string(text);
 }
 
 void ValueOutput::word(std::int64_t field, Words words) const {
   const auto found = std::find_if(words.begin(), words.end(),
                                   [field](const Word& word) { return word.number == field; });
   if (found == words.end()) {
-    value_ = field;
+    whole(field);
   } else {
-    value_ = found->text;
+    out_.string(found->text);
   }
 }
 
 void ValueOutput::items(const char* field) const {
-  value_ = nlohmann::ordered_json::array();
+  out_.open('[');
   std::string_view rest = view(field);
-  std::size_t end = 0;
-  while ((end = rest.find(kItemSeparator)) != std::string_view::npos) {
-    value_.push_back(rest.substr(0, end));
-    rest.remove_prefix(end + 1);
+  for (std::size_t end = 0; end != std::string_view::npos;) {
+    end = rest.find(kItemSeparator);
+    out_.element();
+    out_.string(rest.substr(0, end));
+    rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
   }
-  value_.push_back(rest);
-}
-
-ObjectOutput::ObjectOutput(nlohmann::ordered_json& value, const Path& path)
-    : object_(value), path_(path) {
-  value = nlohmann::ordered_json::object();
+  out_.close(']');
 }
 
 void ObjectOutput::real(std::string_view key, double field, double absent) {

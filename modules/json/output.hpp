@@ -6,35 +6,38 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <nlohmann/json.hpp>
+#include <string>
 #include <string_view>
 
 #include "common/records.hpp"
 #include "path.hpp"
 #include "references.hpp"
+#include "text_output.hpp"
 #include "words.hpp"
 
 namespace zelk::modules::json {
 
-/// One value of the document, which each function makes out of a field of a record. Texts go in as
-/// the bytes that they are; the names are those of `ValueInput`, which reads the values back.
+/// The value that comes next in the document: one call of a function writes it, out of a field of a
+/// record. Texts go in as the bytes that they are; the names are those of `ValueInput`, which reads
+/// the values back.
 class ValueOutput {
  public:
-  ValueOutput(nlohmann::ordered_json& value, const Path& path) : value_(value), path_(path) {}
+  ValueOutput(TextOutput& out, const Path& path) : out_(out), path_(path) {}
 
   const Path& path() const { return path_; }
 
   template <typename Integer>
   void whole(Integer field) const {
-    value_ = field;
+    out_.literal(std::to_string(field));
   }
+  void flag(bool field) const { out_.literal(field ? "true" : "false"); }
   void real(double field) const;
-  void text(const char* field) const { value_ = view(field); }
+  void text(const char* field) const { out_.string(view(field)); }
   void text_or_null(const char* field) const;
   /// @throws Fault for a text that is longer than it may be
   template <std::size_t kSize>
   void inline_text(const char (&field)[kSize]) const;
-  void identifier(std::uint32_t field) const { value_ = field & ~ZELK_ID_EXTENDED; }
+  void identifier(std::uint32_t field) const { whole(field & ~ZELK_ID_EXTENDED); }
   void word(std::int64_t field, Words words) const;
   /// @throws Fault for a record that is not in `list`
   template <typename Record>
@@ -48,22 +51,25 @@ class ValueOutput {
  private:
   void short_text(std::string_view text) const;
 
-  nlohmann::ordered_json& value_;
+  TextOutput& out_;
   const Path path_;
 };
 
-/// One object of the document. Its functions add keys for fields that are not as they are without
-/// the key, in the order of the calls; the names are those of `ObjectInput`.
+/// An object that is open in the document. Its functions add keys for fields that are not as they
+/// are without the key, in the order of the calls; the names are those of `ObjectInput`.
 class ObjectOutput {
  public:
   static constexpr bool kReads = false;
 
-  /// Makes `value` an empty object.
-  ObjectOutput(nlohmann::ordered_json& value, const Path& path);
+  ObjectOutput(TextOutput& out, const Path& path) : out_(out), path_(path) {}
 
   const Path& path() const { return path_; }
 
-  ValueOutput at(std::string_view key) { return {object_[std::string(key)], Path(path_, key)}; }
+  /// Begins a member, whose value is to be written by the result.
+  ValueOutput at(std::string_view key) {
+    out_.key(key);
+    return {out_, Path(path_, key)};
+  }
 
   template <typename Integer>
   void whole(std::string_view key, Integer field, Integer absent) {
@@ -81,10 +87,10 @@ class ObjectOutput {
     if (field != 0) at(key).word(field, words);
   }
   void flag(std::string_view key, unsigned flags, unsigned bit) {
-    if ((flags & bit) != 0) at(key).whole(true);
+    if ((flags & bit) != 0) at(key).flag(true);
   }
   void byte_order(std::string_view key, unsigned flags) {
-    if ((flags & ZELK_SIGNAL_MOTOROLA) != 0) object_[std::string(key)] = kMotorola;
+    if ((flags & ZELK_SIGNAL_MOTOROLA) != 0) at(key).text(kMotorola);
   }
   void bits(std::string_view key, unsigned flags, unsigned mask) {
     if ((flags & mask) != 0) at(key).whole(flags & mask);
@@ -105,7 +111,7 @@ class ObjectOutput {
   void left_out(bool is_there, const char* what) const;
 
  private:
-  nlohmann::ordered_json& object_;
+  TextOutput& out_;
   const Path path_;
 };
 
@@ -119,33 +125,41 @@ void ValueOutput::inline_text(const char (&field)[kSize]) const {
 template <typename Record>
 void ValueOutput::reference(const Record* field, const References<Record>& list,
                             std::int32_t kind) const {
-  if (!field) return;  // the value is null as it is made
+  if (!field) {
+    out_.literal("null");
+    return;
+  }
   const auto position = list.position(field);
   if (!position) {
     path_.fail("refers to a record that is no " + std::string(list.what()) + " of the list");
   }
   if (list.leads_back(*field, kind)) {
-    value_ = view(field->name);
+    out_.string(view(field->name));
   } else {
-    value_ = *position;
+    whole(*position);
   }
 }
 
 template <typename Fill>
 void ValueOutput::object(Fill fill) const {
-  ObjectOutput object(value_, path_);
+  out_.open('{');
+  ObjectOutput object(out_, path_);
   fill(object);
+  out_.close('}');
 }
 
 template <typename Record, typename Fill>
 void ObjectOutput::list(std::string_view key, Record* head, Fill fill) {
   if (!head) return;
-  auto& array = object_[std::string(key)] = nlohmann::ordered_json::array();
+  out_.key(key);
+  out_.open('[');
   const Path path(path_, key);
   for (std::size_t position = 0; head; head = head->next, ++position) {
-    const ValueOutput item(array.emplace_back(), Path(path, position));
+    out_.element();
+    const ValueOutput item(out_, Path(path, position));
     fill(item, *head);
   }
+  out_.close(']');
 }
 
 template <typename Record, typename Fill>

@@ -21,11 +21,11 @@ struct Word {
 /// All words that a place takes.
 using Words = std::span<const Word>;
 
-inline constexpr std::string_view kFormat = "zelk-json";
+inline constexpr const char* kFormat = "zelk-json";
 inline constexpr int kVersion = 1;
 
-inline constexpr std::string_view kIntel = "intel";
-inline constexpr std::string_view kMotorola = "motorola";
+inline constexpr const char* kIntel = "intel";
+inline constexpr const char* kMotorola = "motorola";
 
 inline constexpr std::array<Word, 3> kValueTypes = {{{"integer", ZELK_VALUE_INTEGER},
                                                      {"ieee_single", ZELK_VALUE_IEEE_SINGLE},

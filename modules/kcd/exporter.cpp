@@ -106,8 +106,9 @@ void Export::write(const char* file) {
   append_bus(root, file);
   count_left_out();
   const std::string content = to_xml(document_, left_out_);
-  write_new_file(file, content);
   left_out_.note();
+  write_new_file(file,
+                 content);  // last: nothing fails behind it that would have to remove the file
 }
 
 void Export::append_document(pugi::xml_node root) const {
@@ -153,9 +154,12 @@ void Export::append_bus(pugi::xml_node root, const char* file) {
 void Export::append_messages(pugi::xml_node bus) {
   std::set<std::uint32_t> ids;
   for (const msgblk* message = database_.messages; message; message = message->next) {
-    if (!ids.insert(message->id).second) {
-      throw Fault("message " + std::string(view(message->name)) +
-                  ": another message has this identifier");
+    const char* reason = obstacle(*message);
+    const bool is_doubled = !reason && !ids.insert(message->id).second;
+    if (is_doubled) reason = " with the identifier of another one";
+    if (reason) {
+      left_out_.add("message", reason);
+      continue;
     }
     pugi::xml_node element = MessageExport(*message, ids_, left_out_).append_to(bus);
     const std::uint64_t taken = append_number(element, "interval", message->attrs, interval_);

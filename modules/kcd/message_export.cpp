@@ -1,6 +1,5 @@
 #include "kcd/message_export.hpp"
 
-#include <algorithm>
 #include <charconv>
 #include <cmath>
 
@@ -40,93 +39,120 @@ const char* value_type(const sigblk& signal) {
   return is_signed(signal) ? "signed" : "unsigned";
 }
 
+/// The physical range; false when it says nothing or cannot be told.
+bool has_range(const sigblk& signal) {
+  return std::isfinite(signal.minimum) && std::isfinite(signal.maximum) &&
+         (signal.minimum != 0 || signal.maximum != 0);
+}
+
+/// What keeps a signal out of the file, whatever its multiplexing; null when nothing does.
+const char* obstacle(const sigblk& signal) {
+  if (signal.length == 0) return " without bits";
+  if (end_byte(signal.start_bit, signal.length, signal.flags) > kMaxDataBytes) {
+    return " ending behind byte 64";
+  }
+  const bool is_finite = std::isfinite(signal.factor) && std::isfinite(signal.offset);
+  return is_finite ? nullptr : " with a factor or offset that is no finite number";
+}
+
+/// The multiplexor's values for which a signal is there: more than `kMaxExpandedValues` stand for
+/// any greater number.
+std::set<std::uint32_t> selectors(const sigblk& signal) {
+  std::set<std::uint32_t> values;
+  for (const muxor_val_range* range = signal.mux_ranges; range; range = range->next) {
+    std::uint64_t value = range->low;
+    for (; value <= range->high && values.size() <= kMaxExpandedValues; ++value) {
+      values.insert(static_cast<std::uint32_t>(value));
+    }
+  }
+  return values;
+}
+
 }  // namespace
 
+const char* obstacle(const msgblk& message) {
+  const bool is_extended = (message.id & ZELK_ID_EXTENDED) != 0;
+  const std::uint32_t id = message.id & ~ZELK_ID_EXTENDED;
+  if (id > (is_extended ? kMaxExtendedId : kMaxStandardId)) {
+    return " with an identifier of more than 11 bits, or 29 in the extended format";
+  }
+  return message.dlc > kMaxDataBytes ? " of more than 64 data bytes" : nullptr;
+}
+
 pugi::xml_node MessageExport::append_to(pugi::xml_node bus) {
-  sort_signals();
+  choose_signals();
+  choose_multiplexors();
+  for (const sigblk* const signal : chosen_) place_signal(*signal);
   pugi::xml_node element = append_child(bus, "Message");
   append_id(element);
   append_text(element, "Notes", message_.comment);
   append_nodes(element, "Producer", producers());
-  for (const sigblk* signal = message_.signals; signal; signal = signal->next) {
-    if (multiplexors_.contains(signal)) append_multiplexor(element, *signal);
-  }
-  for (const sigblk* signal = message_.signals; signal; signal = signal->next) {
-    const bool is_plain = !multiplexors_.contains(signal) && !signal->mux_signal;
-    if (is_plain) append_signal(append_child(element, "Signal"), *signal);
-    count_signal(*signal);
+  for (const sigblk* const signal : multiplexors_) append_multiplexor(element, *signal);
+  for (const sigblk* const signal : plain_) {
+    append_signal(append_child(element, "Signal"), *signal);
   }
   left_out_.add("signal group", "", count(message_.siggroups));
   return element;
 }
 
-void MessageExport::fail(const sigblk* signal, const std::string& what) const {
-  const std::string place = "message " + std::string(view(message_.name));
-  throw Fault(place + (signal ? ", signal " + std::string(view(signal->name)) : "") + ": " + what);
-}
-
 void MessageExport::append_id(pugi::xml_node element) const {
-  const bool is_extended = (message_.id & ZELK_ID_EXTENDED) != 0;
-  const std::uint32_t id = message_.id & ~ZELK_ID_EXTENDED;
-  if (id > (is_extended ? kMaxExtendedId : kMaxStandardId)) {
-    fail(nullptr, "identifier " + hexadecimal(id) + " has more than " +
-                      (is_extended ? "29" : "11") + " bits");
-  }
-  if (message_.dlc > kMaxDataBytes) {
-    fail(nullptr,
-         std::to_string(message_.dlc) + " bytes are more than " + std::to_string(kMaxDataBytes));
-  }
-  append_attribute(element, "id", hexadecimal(id));
+  append_attribute(element, "id", hexadecimal(message_.id & ~ZELK_ID_EXTENDED));
   append_attribute(element, "name", view(message_.name));
   append_attribute(element, "length", std::to_string(message_.dlc));
+  const bool is_extended = (message_.id & ZELK_ID_EXTENDED) != 0;
   if (is_extended) append_attribute(element, "format", "extended");
 }
 
-void MessageExport::sort_signals() {
+void MessageExport::choose_signals() {
   std::set<std::string_view> names;
   for (const sigblk* signal = message_.signals; signal; signal = signal->next) {
-    if (!names.insert(view(signal->name)).second) {
-      fail(signal, "another signal of the message has this name");
-    }
-    if ((signal->flags & ZELK_SIGNAL_MULTIPLEXOR) != 0) multiplexors_.insert(signal);
-    if (signal->mux_signal) multiplexors_.insert(signal->mux_signal);
-  }
-  for (const sigblk* signal = message_.signals; signal; signal = signal->next) {
-    check_selection(*signal);
-    if (!signal->mux_signal) continue;
-    for (const std::uint32_t value : selectors(*signal)) {
-      groups_[signal->mux_signal][value].push_back(signal);
+    const char* const reason = obstacle(*signal);
+    if (reason) {
+      left_out_.add("signal", reason);
+    } else if (!names.insert(view(signal->name)).second) {
+      left_out_.add("signal", " with the name of another one of the message");
+    } else {
+      chosen_.push_back(signal);
     }
   }
 }
 
-void MessageExport::check_selection(const sigblk& signal) const {
-  if (!signal.mux_signal) {
-    if (signal.mux_ranges) fail(&signal, "is multiplexed, but has no multiplexor");
+void MessageExport::choose_multiplexors() {
+  const std::set<const sigblk*> chosen(chosen_.begin(), chosen_.end());
+  for (const sigblk* const signal : chosen_) {
+    if ((signal->flags & ZELK_SIGNAL_MULTIPLEXOR) != 0) is_multiplexor_.insert(signal);
+    if (chosen.contains(signal->mux_signal)) is_multiplexor_.insert(signal->mux_signal);
+  }
+}
+
+/// A multiplexor that another one selects keeps its own signals, and is always there.
+void MessageExport::place_signal(const sigblk& signal) {
+  const bool is_selected = signal.mux_signal || signal.mux_ranges;
+  if (is_multiplexor_.contains(&signal)) {
+    multiplexors_.push_back(&signal);
+    if (is_selected) left_out_.add("selection", " of a multiplexor by another one");
+  } else if (!is_selected) {
+    plain_.push_back(&signal);
+  } else if (const char* const reason = select(signal)) {
+    left_out_.add("signal", reason);
     return;
   }
-  if (multiplexors_.contains(&signal)) fail(&signal, "is a multiplexor that is multiplexed itself");
-  if (!signal.mux_ranges) fail(&signal, "is multiplexed, but there for no value");
-  const sigblk* inside = message_.signals;
-  while (inside && inside != signal.mux_signal) inside = inside->next;
-  if (!inside) fail(&signal, "has a multiplexor that is in another message");
+  count_losses(signal);
 }
 
-std::set<std::uint32_t> MessageExport::selectors(const sigblk& signal) const {
-  std::set<std::uint32_t> values;
-  for (const muxor_val_range* range = signal.mux_ranges; range; range = range->next) {
-    const std::string text = std::to_string(range->low) + "-" + std::to_string(range->high);
-    if (range->low > range->high) fail(&signal, "is there for the empty range " + text);
-    if (range->high - range->low < kMaxExpandedValues) {
-      for (std::uint64_t value = range->low; value <= range->high; ++value) {
-        values.insert(static_cast<std::uint32_t>(value));
-      }
-      if (values.size() <= kMaxExpandedValues) continue;
-    }
-    fail(&signal, "is there for more than " + std::to_string(kMaxExpandedValues) +
-                      " values of its multiplexor, counted up to " + text);
+/// Puts a signal into the groups of its multiplexor.
+///
+/// @return what keeps it out of them; null when nothing does
+const char* MessageExport::select(const sigblk& signal) {
+  if (!is_multiplexor_.contains(signal.mux_signal))
+    return " with a multiplexor that is not in the file";
+  const std::set<std::uint32_t> values = selectors(signal);
+  if (values.empty()) return " selected by no value of the multiplexor";
+  if (values.size() > kMaxExpandedValues) {
+    return " selected by more than 256 values of the multiplexor";
   }
-  return values;
+  for (const std::uint32_t value : values) groups_[signal.mux_signal][value].push_back(&signal);
+  return nullptr;
 }
 
 void MessageExport::append_multiplexor(pugi::xml_node parent, const sigblk& signal) {
@@ -151,11 +177,7 @@ void MessageExport::append_signal(pugi::xml_node element, const sigblk& signal) 
   append_labels(element, signal);
 }
 
-void MessageExport::append_geometry(pugi::xml_node element, const sigblk& signal) const {
-  if (signal.length == 0) fail(&signal, "has no bits");
-  if (end_byte(signal.start_bit, signal.length, signal.flags) > kMaxDataBytes) {
-    fail(&signal, "ends behind byte " + std::to_string(kMaxDataBytes));
-  }
+void MessageExport::append_geometry(pugi::xml_node element, const sigblk& signal) {
   append_attribute(element, "name", view(signal.name));
   append_attribute(element, "offset", std::to_string(signal.start_bit));
   if (signal.length != 1) append_attribute(element, "length", std::to_string(signal.length));
@@ -165,32 +187,26 @@ void MessageExport::append_geometry(pugi::xml_node element, const sigblk& signal
 void MessageExport::append_value(pugi::xml_node element, const sigblk& signal) {
   pugi::xml_node value = append_child(element, "Value");
   if (is_signed(signal) || is_ieee(signal)) append_attribute(value, "type", value_type(signal));
-  if (signal.factor != 1) append_number(value, "slope", signal.factor, signal);
-  if (signal.offset != 0) append_number(value, "intercept", signal.offset, signal);
+  if (signal.factor != 1) append_attribute(value, "slope", digits(signal.factor));
+  if (signal.offset != 0) append_attribute(value, "intercept", digits(signal.offset));
   if (!view(signal.unit).empty()) append_attribute(value, "unit", view(signal.unit));
-  if (signal.minimum != 0 || signal.maximum != 0) {
-    append_number(value, "min", signal.minimum, signal);
-    append_number(value, "max", signal.maximum, signal);
+  if (has_range(signal)) {
+    append_attribute(value, "min", digits(signal.minimum));
+    append_attribute(value, "max", digits(signal.maximum));
   }
   if (!value.first_attribute()) element.remove_child(value);
 }
 
-void MessageExport::append_number(pugi::xml_node value, const char* attribute, double number,
-                                  const sigblk& signal) const {
-  if (!std::isfinite(number)) fail(&signal, std::string(attribute) + " is no finite number");
-  append_attribute(value, attribute, digits(number));
-}
-
-void MessageExport::append_labels(pugi::xml_node element, const sigblk& signal) const {
+void MessageExport::append_labels(pugi::xml_node element, const sigblk& signal) {
   if (!signal.values) return;
   pugi::xml_node labels = append_child(element, "LabelSet");
   for (const val* description = signal.values; description; description = description->next) {
+    const std::int32_t value = description->value;
     pugi::xml_node label = append_child(labels, "Label");
     append_attribute(label, "name", view(description->text));
     append_attribute(label, "value",
-                     is_signed(signal)
-                         ? std::to_string(description->value)
-                         : std::to_string(static_cast<std::uint32_t>(description->value)));
+                     is_signed(signal) ? std::to_string(value)
+                                       : std::to_string(static_cast<std::uint32_t>(value)));
   }
 }
 
@@ -220,7 +236,10 @@ std::vector<const symblk*> MessageExport::producers() {
 }
 
 /// What is left out of a signal, whatever number of groups it stands in.
-void MessageExport::count_signal(const sigblk& signal) {
+void MessageExport::count_losses(const sigblk& signal) {
+  if (!std::isfinite(signal.minimum) || !std::isfinite(signal.maximum)) {
+    left_out_.add("range", " with a bound that is no finite number");
+  }
   if (signal.sigtype) left_out_.add("signal type reference");
   if (is_ieee(signal) && !is_signed(signal)) left_out_.add("plus sign", " of IEEE signals");
   if (signal.value_type > ZELK_VALUE_IEEE_DOUBLE) left_out_.add("unknown value type");

@@ -20,43 +20,47 @@ namespace zelk::modules::kcd {
 /// The identifiers by which a file refers to its nodes.
 using NodeIds = std::unordered_map<const symblk*, std::string>;
 
-/// Builds the element of one message, with the database's texts as they are.
+/// What keeps a message out of the file, as it stands behind the kind in a note; null when nothing
+/// does.
+const char* obstacle(const msgblk& message);
+
+/// Builds the element of one message, with the database's texts as they are. Signals of which the
+/// file would tell something wrong are left out.
 class MessageExport {
  public:
   MessageExport(const msgblk& message, const NodeIds& ids, LeftOut& left_out)
       : message_(message), ids_(ids), left_out_(left_out) {}
 
   /// @return the new element, last in `bus`
-  /// @throws Fault for what would make the file a wrong one, were it left out
   pugi::xml_node append_to(pugi::xml_node bus);
 
  private:
-  using Group = std::vector<const sigblk*>;
-
-  [[noreturn]] void fail(const sigblk* signal, const std::string& what) const;
+  using Signals = std::vector<const sigblk*>;
 
   void append_id(pugi::xml_node element) const;
-  void sort_signals();
-  void check_selection(const sigblk& signal) const;
-  std::set<std::uint32_t> selectors(const sigblk& signal) const;
+  void choose_signals();
+  void choose_multiplexors();
+  void place_signal(const sigblk& signal);
+  const char* select(const sigblk& signal);
   void append_multiplexor(pugi::xml_node parent, const sigblk& signal);
   void append_signal(pugi::xml_node element, const sigblk& signal);
-  void append_geometry(pugi::xml_node element, const sigblk& signal) const;
-  void append_value(pugi::xml_node element, const sigblk& signal);
-  void append_number(pugi::xml_node value, const char* attribute, double number,
-                     const sigblk& signal) const;
-  void append_labels(pugi::xml_node element, const sigblk& signal) const;
+  static void append_geometry(pugi::xml_node element, const sigblk& signal);
+  static void append_value(pugi::xml_node element, const sigblk& signal);
+  static void append_labels(pugi::xml_node element, const sigblk& signal);
   void append_nodes(pugi::xml_node parent, const char* tag,
                     const std::vector<const symblk*>& nodes);
   std::vector<const symblk*> producers();
-  void count_signal(const sigblk& signal);
+  void count_losses(const sigblk& signal);
 
   const msgblk& message_;
   const NodeIds& ids_;
   LeftOut& left_out_;
-  std::set<const sigblk*> multiplexors_;
+  Signals chosen_;  ///< in the order of the list, as are the next two
+  Signals multiplexors_;
+  Signals plain_;
+  std::set<const sigblk*> is_multiplexor_;
   /// Of each multiplexor, the signals that each of its values selects.
-  std::map<const sigblk*, std::map<std::uint32_t, Group>> groups_;
+  std::map<const sigblk*, std::map<std::uint32_t, Signals>> groups_;
 };
 
 /// Number of the records in a list.

@@ -106,14 +106,17 @@ struct StringWriter : pugi::xml_writer {
 
 }  // namespace
 
+// Without memory an element or attribute may also be there without its name.
+
 pugi::xml_node append_child(pugi::xml_node parent, const char* tag) {
-  const pugi::xml_node child = parent.append_child(tag);
-  if (!child) throw std::bad_alloc();
+  pugi::xml_node child = parent.append_child(pugi::node_element);
+  if (!child.set_name(tag)) throw std::bad_alloc();
   return child;
 }
 
 void append_attribute(pugi::xml_node element, const char* attribute, std::string_view text) {
-  if (!element.append_attribute(attribute).set_value(std::string(text).c_str())) {
+  pugi::xml_attribute added = element.append_attribute("");
+  if (!added.set_name(attribute) || !added.set_value(std::string(text).c_str())) {
     throw std::bad_alloc();
   }
 }

@@ -112,8 +112,43 @@ ZelkStatus ZelkManager::GetAttrValueEx(const char* name, zelk_attr_value_t& valu
   return Answer(ZelkStatusOk);
 }
 
-/// Effective values of objects of every kind.
+namespace {
+
+/// The first definition of that name for the kind of object, else the first one of that name. Those
+/// of relations count for links alone: no file could hold the value elsewhere.
+const attr_def* definition_for(const ZelkDatabase& database, zelk_obj_t kind, const char* name) {
+  const attr_def* const list = database.attr_defs;
+  const attr_def* const of_kind = zelk::find_first(list, [=](const attr_def& definition) {
+    return definition.object_type == kind && zelk::same_inline_name(definition.name, name);
+  });
+  if (of_kind) return of_kind;
+  return zelk::find_first(list, [name](const attr_def& definition) {
+    return !zelk::is_relation(definition.object_type) &&
+           zelk::same_inline_name(definition.name, name);
+  });
+}
+
+}  // namespace
+
+/// Effective values of objects of every kind, and what defines them.
 struct zelk::ManagerAttributes {
+  /// An object that another database holds than the named one has no definition: a value must not
+  /// refer to one that may be closed before it. While one database is open nothing is walked.
+  template <typename Object>
+  static const attr_def* definition(const ZelkManager& manager, const Object& object,
+                                    const char* name, const char* db) {
+    if (!name) return nullptr;
+    if (const attr* own = own_value(object.attrs, name)) return own->def;
+    const auto* const node = manager.ListFindNode(db ? db : name_of_holder(manager, object));
+    if (!node) return nullptr;
+    const ZelkDatabase& database = node->database;
+    const bool is_foreign =
+        db && find_first(manager.databases_, [&](const ZelkManager::DbListNode& other) {
+          return &other.database != &database && holds(other.database, object);
+        });
+    return is_foreign ? nullptr : definition_for(database, kind_of(object), name);
+  }
+
   /// Name of the first database that holds the object; null when none does.
   template <typename Object>
   static const char* name_of_holder(const ZelkManager& manager, const Object& object) {
@@ -144,6 +179,37 @@ struct zelk::ManagerAttributes {
     return manager.DefaultFor(kind_of(object), name, value, holder);
   }
 };
+
+const attr_def* ZelkManager::GetNetworkAttrDefinition(const char* db, const char* name) const {
+  const DbListNode* const node = ListFindNode(db);
+  if (!node || !name) return nullptr;
+  const attr* const own = own_value(node->database.attr_values, name);
+  return own ? own->def : definition_for(node->database, ZELK_OBJ_NETWORK, name);
+}
+const attr_def* ZelkManager::GetAttrDefinition(const symblk& node, const char* name,
+                                               const char* db) const {
+  return zelk::ManagerAttributes::definition(*this, node, name, db);
+}
+const attr_def* ZelkManager::GetAttrDefinition(const msgblk& message, const char* name,
+                                               const char* db) const {
+  return zelk::ManagerAttributes::definition(*this, message, name, db);
+}
+const attr_def* ZelkManager::GetAttrDefinition(const env_var_blk& variable, const char* name,
+                                               const char* db) const {
+  return zelk::ManagerAttributes::definition(*this, variable, name, db);
+}
+const attr_def* ZelkManager::GetAttrDefinition(const sigtype& type, const char* name,
+                                               const char* db) const {
+  return zelk::ManagerAttributes::definition(*this, type, name, db);
+}
+const attr_def* ZelkManager::GetAttrDefinition(const sigblk& signal, const char* name,
+                                               const char* db) const {
+  return zelk::ManagerAttributes::definition(*this, signal, name, db);
+}
+const attr_def* ZelkManager::GetAttrDefinition(const rxblk& link, const char* name,
+                                               const char* db) const {
+  return zelk::ManagerAttributes::definition(*this, link, name, db);
+}
 
 zelk_attr_value_t ZelkManager::GetAttrValue(const symblk& node, const char* name) {
   return zelk::ManagerAttributes::value(*this, node, name);

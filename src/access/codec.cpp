@@ -81,10 +81,10 @@ namespace {
 
 /// Whether the signal's multiplexor, taken as present, selects it.
 bool is_selected(const unsigned char* frame, const sigblk& signal) {
-  std::uint32_t value = 0;
+  std::optional<std::uint32_t> value;
   const sigblk& multiplexor = *signal.mux_signal;
   return read_masked(frame, access_mask(multiplexor), multiplexor, value) == ZelkSigvalueOk &&
-         has_in_ranges(signal, value);
+         has_in_ranges(signal, *value);
 }
 
 }  // namespace
@@ -105,17 +105,6 @@ bool is_present_multiplexed(const unsigned char* frame, const sigblk& signal) {
 
 // --- Raw values ---
 
-ZelkSigvalueResult read_masked(const unsigned char* frame, const zelk_sig_mask_t& mask,
-                               const sigblk& signal, std::uint32_t& raw) {
-  if (mask.length > kInt64Max) return ZelkSigvalueTooLong;
-  raw =
-      static_cast<std::uint32_t>(low_word(frame, position_of(mask)) >> mask.bit_offset) & mask.mask;
-  if (!is_signed(signal)) return ZelkSigvalueOk;
-  if (signal.length > kLongMax) return ZelkSigvalueTooLong;
-  raw = sign_handled(raw, signal);
-  return ZelkSigvalueOk;
-}
-
 /// A raw value above the largest positive one stands for a negative one.
 std::uint32_t sign_handled(std::uint32_t raw, const sigblk& signal) {
   if (!is_signed(signal) || signal.length == 0 || signal.length > kLongMax) return raw;
@@ -127,21 +116,63 @@ std::int64_t sign_handled64(std::uint64_t raw, const sigblk& signal) {
   return sign_extended(raw, signal.length);
 }
 
-ZelkSigvalueResult read(const unsigned char* frame, const sigblk& signal, std::uint32_t& raw) {
+namespace {
+
+/// 2^n, modulo 2^64, for what is not below 2^(n - 1); else 0. Of no bits that is 1 for all but 0.
+std::uint64_t wrapped_by(std::uint64_t raw, const sigblk& signal) {
+  if (!is_signed(signal) || signal.length > kInt64Max || raw <= low_bits(signal.length) / 2) {
+    return 0;
+  }
+  return low_bits(signal.length) + 1;
+}
+
+}  // namespace
+
+std::uint32_t record_sign_handled(std::uint32_t raw, const sigblk& signal) {
+  return raw - static_cast<std::uint32_t>(wrapped_by(raw, signal));
+}
+
+std::uint64_t record_sign_handled64(std::uint64_t raw, const sigblk& signal) {
+  return raw - wrapped_by(raw, signal);
+}
+
+ZelkSigvalueResult read_masked(const unsigned char* frame, const zelk_sig_mask_t& mask,
+                               const sigblk& signal, std::optional<std::uint32_t>& raw) {
+  if (mask.length > kInt64Max) return ZelkSigvalueTooLong;
+  const std::uint64_t bits = low_word(frame, position_of(mask)) >> mask.bit_offset & mask.mask;
+  raw = static_cast<std::uint32_t>(bits);
+  if (!is_signed(signal)) return ZelkSigvalueOk;
+  if (signal.length > kLongMax) return ZelkSigvalueTooLong;
+  raw = record_sign_handled(*raw, signal);
+  return ZelkSigvalueOk;
+}
+
+ZelkSigvalueResult read(const unsigned char* frame, const sigblk& signal,
+                        std::optional<std::uint32_t>& raw) {
   if (signal.length > kInt64Max) return ZelkSigvalueTooLong;
   raw = static_cast<std::uint32_t>(extract_int64(frame, locate(signal), signal.length));
   if (is_signed(signal) && signal.length > kLongMax) return ZelkSigvalueTooLong;
-  raw = sign_handled(raw, signal);
+  raw = sign_handled(*raw, signal);
   return presence(frame, signal);
 }
 
-ZelkSigvalueResult read(const unsigned char* frame, const sigblk& signal, std::int64_t& raw) {
+ZelkSigvalueResult read(const unsigned char* frame, const sigblk& signal,
+                        std::optional<std::int64_t>& raw) {
   if (signal.length > kInt64Max) return ZelkSigvalueTooLong;
   raw = sign_handled64(extract_int64(frame, locate(signal), signal.length), signal);
   return presence(frame, signal);
 }
 
-ZelkSigvalueResult read(const unsigned char* frame, const sigblk& signal, double& raw) {
+ZelkSigvalueResult read(const unsigned char* frame, const sigblk& signal,
+                        std::optional<std::uint64_t>& raw) {
+  if (signal.length > kInt64Max) return ZelkSigvalueTooLong;
+  const std::uint64_t bits = extract_whole(frame, locate(signal), signal.length);
+  raw = static_cast<std::uint64_t>(sign_handled64(bits, signal));
+  return presence(frame, signal);
+}
+
+ZelkSigvalueResult read(const unsigned char* frame, const sigblk& signal,
+                        std::optional<double>& raw) {
   if (!is_ieee(signal)) return ZelkSigvalueWrongType;
   const std::uint16_t length = ieee_length(signal);
   const Position at = locate(signal.start_bit, length, is_motorola(signal));
@@ -150,21 +181,33 @@ ZelkSigvalueResult read(const unsigned char* frame, const sigblk& signal, double
 }
 
 ZelkSigvalueResult read(const unsigned char* frame, const zelk_sig_mask_t& mask,
-                        const sigblk& signal, std::uint32_t& raw) {
+                        const sigblk& signal, std::optional<std::uint32_t>& raw) {
   const ZelkSigvalueResult result = read_masked(frame, mask, signal, raw);
   return result != ZelkSigvalueOk ? result : presence(frame, signal);
 }
 
+/// Up to 32 bits the result is one of 32 bits, extended.
 ZelkSigvalueResult read(const unsigned char* frame, const zelk_sig_mask_t& mask,
-                        const sigblk& signal, std::int64_t& raw) {
+                        const sigblk& signal, std::optional<std::int64_t>& raw) {
   if (signal.length > kInt64Max) return ZelkSigvalueTooLong;
   const std::uint64_t bits = low_word(frame, position_of(mask)) >> mask.bit_offset & mask.mask;
-  raw = sign_handled64(bits, signal);
+  if (is_signed(signal) && signal.length <= kLongMax) {
+    raw = static_cast<std::int32_t>(record_sign_handled(static_cast<std::uint32_t>(bits), signal));
+  } else {
+    raw = static_cast<std::int64_t>(record_sign_handled64(bits, signal));
+  }
   return presence(frame, signal);
 }
 
 ZelkSigvalueResult read(const unsigned char* frame, const zelk_sig_mask_t& mask,
-                        const sigblk& signal, double& raw) {
+                        const sigblk& signal, std::optional<std::uint64_t>& raw) {
+  if (mask.length > kInt64Max || signal.length > kInt64Max) return ZelkSigvalueTooLong;
+  raw = record_sign_handled64(extract_whole(frame, position_of(mask), mask.length), signal);
+  return presence(frame, signal);
+}
+
+ZelkSigvalueResult read(const unsigned char* frame, const zelk_sig_mask_t& mask,
+                        const sigblk& signal, std::optional<double>& raw) {
   if (!is_ieee(signal)) return ZelkSigvalueWrongType;
   if (mask.length != 32 && mask.length != 64) return ZelkSigvalueTooLong;
   raw = ieee_value(extract_whole(frame, position_of(mask), mask.length), signal);
@@ -234,12 +277,12 @@ namespace {
 
 [[gnu::noinline]] ZelkSigvalueResult read_physical_of_any(const unsigned char* frame,
                                                           const sigblk& signal, double& physical) {
-  if (is_ieee(signal)) {
-    double raw = 0;
-    return read_both(read(frame, signal, raw), signal, raw, physical);
-  }
-  std::int64_t raw = 0;
-  return read_both(read(frame, signal, raw), signal, raw, physical);
+  const auto read_as = [&]<typename Raw>(std::optional<Raw> raw) {
+    const ZelkSigvalueResult result = read(frame, signal, raw);
+    return read_both(result, signal, raw.value_or(Raw{}), physical);
+  };
+  if (is_ieee(signal)) return read_as(std::optional<double>());
+  return read_as(std::optional<std::int64_t>());
 }
 
 }  // namespace

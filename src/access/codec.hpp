@@ -22,6 +22,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <optional>
 
 #include "zelk/types.hpp"
 
@@ -177,22 +178,38 @@ inline ZelkSigvalueResult presence(const unsigned char* frame, const sigblk& sig
 
 // --- Raw values ---
 
+// Two's complement of as many bits as the signal has.
 std::uint32_t sign_handled(std::uint32_t raw, const sigblk& signal);
 std::int64_t sign_handled64(std::uint64_t raw, const sigblk& signal);
 
+// The same for a value that an access record of another length gave: of a signed signal of n bits,
+// 2^n is subtracted from what is not below 2^(n - 1). Bits above the signal stay.
+std::uint32_t record_sign_handled(std::uint32_t raw, const sigblk& signal);
+std::uint64_t record_sign_handled64(std::uint64_t raw, const sigblk& signal);
+
 /// The 32-bit raw value by an access record, without asking whether the frame holds the signal.
 ZelkSigvalueResult read_masked(const unsigned char* frame, const zelk_sig_mask_t& mask,
-                               const sigblk& signal, std::uint32_t& raw);
+                               const sigblk& signal, std::optional<std::uint32_t>& raw);
 
-ZelkSigvalueResult read(const unsigned char* frame, const sigblk& signal, std::uint32_t& raw);
-ZelkSigvalueResult read(const unsigned char* frame, const sigblk& signal, std::int64_t& raw);
-ZelkSigvalueResult read(const unsigned char* frame, const sigblk& signal, double& raw);
+// All leave `raw` empty when the signal's type, or its length alone, refuses. The form for
+// `std::uint64_t` gives every bit of the signal; the one for `std::int64_t` leaves out those in a
+// ninth byte, and by a record those that the record's 32-bit mask has not.
+ZelkSigvalueResult read(const unsigned char* frame, const sigblk& signal,
+                        std::optional<std::uint32_t>& raw);
+ZelkSigvalueResult read(const unsigned char* frame, const sigblk& signal,
+                        std::optional<std::int64_t>& raw);
+ZelkSigvalueResult read(const unsigned char* frame, const sigblk& signal,
+                        std::optional<std::uint64_t>& raw);
+ZelkSigvalueResult read(const unsigned char* frame, const sigblk& signal,
+                        std::optional<double>& raw);
 ZelkSigvalueResult read(const unsigned char* frame, const zelk_sig_mask_t& mask,
-                        const sigblk& signal, std::uint32_t& raw);
+                        const sigblk& signal, std::optional<std::uint32_t>& raw);
 ZelkSigvalueResult read(const unsigned char* frame, const zelk_sig_mask_t& mask,
-                        const sigblk& signal, std::int64_t& raw);
+                        const sigblk& signal, std::optional<std::int64_t>& raw);
 ZelkSigvalueResult read(const unsigned char* frame, const zelk_sig_mask_t& mask,
-                        const sigblk& signal, double& raw);
+                        const sigblk& signal, std::optional<std::uint64_t>& raw);
+ZelkSigvalueResult read(const unsigned char* frame, const zelk_sig_mask_t& mask,
+                        const sigblk& signal, std::optional<double>& raw);
 
 /// The number whose 32 or 64 bits, by the signal's value type, these are.
 inline double ieee_value(std::uint64_t bits, const sigblk& signal) {

@@ -5,10 +5,11 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <optional>
 #include <vector>
 
 #include "access/frame_plan.hpp"
-#include "text/seeded_hash.hpp"
+#include "manager/first_table.hpp"
 
 namespace {
 
@@ -95,14 +96,15 @@ bool is_selected(const FramePlan& plan, const zelk::DependentSignal& signal,
                  std::size_t length) {
   // As a multiplexor an IEEE signal has its own length, which may reach further.
   if (multiplexor.mask.min_data_length > length) return false;
-  std::uint32_t value = 0;
+  std::optional<std::uint32_t> value;
   if (codec::read_masked(data, multiplexor.mask, multiplexor.signal, value) != ZelkSigvalueOk) {
     return false;
   }
   const auto* const first = plan.ranges.data() + signal.first_range;
-  return std::any_of(first, first + signal.range_count, [value](const zelk::ValueRange& range) {
-    return range.low <= value && value <= range.high;
-  });
+  return std::any_of(first, first + signal.range_count,
+                     [value = *value](const zelk::ValueRange& range) {
+                       return range.low <= value && value <= range.high;
+                     });
 }
 
 void find_present(const FramePlan& plan, const unsigned char* data, std::size_t length,
@@ -320,8 +322,8 @@ bool ZelkFrameEncoder::Encode(const double* values, const std::uint64_t* present
 
 // --- Decoders by identifier ---
 
-/// An open hash table, at most half full. No database can foresee the multiplier, and so be made to
-/// collide.
+/// An open hash table as `FirstTable`, at most half full, with slots of half its size: those of a
+/// large database stay in the caches.
 struct ZelkFrameDecoderTable::Entries {
   struct Slot {
     std::uint32_t id = 0;
@@ -341,7 +343,7 @@ struct ZelkFrameDecoderTable::Entries {
 
   /// The slot of an identifier, or the empty one where it would be.
   std::size_t slot_of(std::uint32_t id) const {
-    std::size_t slot = id * multiplier >> shift;
+    auto slot = static_cast<std::size_t>(zelk::spread(id, multiplier) >> shift);
     while (slots[slot].position != kEmpty && slots[slot].id != id) slot = (slot + 1) & last;
     return slot;
   }

@@ -3,6 +3,7 @@
 #include "zelk/iterator.hpp"
 
 #include "zelk/predicates.hpp"
+#include "zelk/write_manager.hpp"
 
 namespace {
 
@@ -11,6 +12,12 @@ unsigned count(ZelkIterator<T> iterator) {
   unsigned total = 0;
   for (; iterator; ++iterator) ++total;
   return total;
+}
+
+/// It has no state.
+MultiplexorPredicate& is_multiplexor() {
+  static MultiplexorPredicate predicate;
+  return predicate;
 }
 
 }  // namespace
@@ -153,8 +160,26 @@ ZelkIterator<const sigblk> ZelkManager::GetMultiplexedSignalIterator(
 }
 
 ZelkIterator<const sigblk> ZelkManager::GetMultiplexorSignalIterator(const msgblk& message) const {
-  static MultiplexorPredicate is_multiplexor;
-  return {*this, static_cast<const sigblk*>(message.signals), is_multiplexor, nullptr};
+  return {*this, static_cast<const sigblk*>(message.signals), is_multiplexor(), nullptr};
+}
+
+ZelkIterator<sigblk> ZelkWriteManager::GetValidSignalIterator(
+    msgblk& message, ValidSignalPredicate& predicate) const {
+  return {*this, message.signals, predicate, nullptr};
+}
+
+ZelkIterator<sigblk> ZelkWriteManager::GetValidMultiplexorSignalIterator(
+    msgblk& message, ValidMultiplexorPredicate& predicate) const {
+  return {*this, message.signals, predicate, nullptr};
+}
+
+ZelkIterator<sigblk> ZelkWriteManager::GetMultiplexedSignalIterator(
+    msgblk& message, MultiplexedBySignalPredicate& predicate) const {
+  return {*this, message.signals, predicate, nullptr};
+}
+
+ZelkIterator<sigblk> ZelkWriteManager::GetMultiplexorSignalIterator(msgblk& message) const {
+  return {*this, message.signals, is_multiplexor(), nullptr};
 }
 
 // --- Counts ---

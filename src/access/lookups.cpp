@@ -14,15 +14,17 @@ using Node = ZelkManager::DbListNode;
 
 /// The first answer of the databases that `accepts` takes, in list order.
 ///
-/// @param db_name  receives the name of the database that answered; may be null
+/// @param db_name   receives the name of the database that answered; may be null
+/// @param answered  receives that database
 template <typename Find, typename Accepts>
-auto first_answer(const Node* list, Find find, const char** db_name, Accepts accepts)
-    -> decltype(find(list->database)) {
+auto first_answer(const Node* list, Find find, const char** db_name, const ZelkDatabase*& answered,
+                  Accepts accepts) -> decltype(find(list->database)) {
   for (const Node* node = list; node; node = node->next) {
     if (!accepts(*node)) continue;
     const auto found = find(node->database);
     if (!found) continue;
     if (db_name) *db_name = node->name;
+    answered = &node->database;
     return found;
   }
   return nullptr;
@@ -64,34 +66,39 @@ auto category(const char* name) {
 
 /// The forms of all lookups.
 struct zelk::ManagerLookups {
-  template <typename Find>
-  static auto in_database(ZelkManager& manager, Find find, const char* db) {
-    constexpr auto kAll = [](const Node&) { return true; };
-    if (!db) return first_answer(manager.databases_, find, nullptr, kAll);
-    const Node* const node = manager.ListFindDatabase(db);
-    return node ? find(node->database) : nullptr;
+  template <typename Find, typename Accepts>
+  static auto first(ZelkManager& manager, Find find, const char** db_name, Accepts accepts) {
+    return first_answer(manager.databases_, find, db_name, manager.answered_, accepts);
   }
 
   template <typename Find>
-  static auto in_any(const ZelkManager& manager, Find find, const char** db_name) {
-    return first_answer(manager.databases_, find, db_name, [](const Node&) { return true; });
+  static auto in_any(ZelkManager& manager, Find find, const char** db_name) {
+    return first(manager, find, db_name, [](const Node&) { return true; });
+  }
+
+  template <typename Find>
+  static auto in_database(ZelkManager& manager, Find find, const char* db) {
+    if (!db) return in_any(manager, find, nullptr);
+    const Node* const node = manager.ListFindDatabase(db);
+    if (!node) return decltype(find(node->database))(nullptr);
+    manager.answered_ = &node->database;
+    return find(node->database);
   }
 
   template <typename Find>
   static auto selected(ZelkManager& manager, Find find, const ZelkSelection& selection,
                        const char** db_name) {
-    const Node* const list = manager.databases_;
     manager.status_ = ZelkStatusOk;
-    auto found = first_answer(list, find, db_name,
-                              [&](const Node& node) { return node.pattern.IsExact(selection); });
+    auto found = first(manager, find, db_name,
+                       [&](const Node& node) { return node.pattern.IsExact(selection); });
     if (found) return found;
     manager.status_ = ZelkStatusNotFound;
-    found = first_answer(list, find, db_name, [&](const Node& node) {
+    found = first(manager, find, db_name, [&](const Node& node) {
       return !node.pattern.IsExact(selection) && node.pattern.IsPartial(selection);
     });
     if (found) return found;
-    return first_answer(list, find, db_name,
-                        [](const Node& node) { return node.pattern.IsCatchAll(); });
+    return first(manager, find, db_name,
+                 [](const Node& node) { return node.pattern.IsCatchAll(); });
   }
 };
 

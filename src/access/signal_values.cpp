@@ -1,5 +1,7 @@
 // The codec's operations as members: each only forwards.
 
+#include <optional>
+
 #include "access/codec.hpp"
 #include "zelk/manager.hpp"
 
@@ -9,13 +11,14 @@ namespace {
 
 constexpr std::uint32_t kNoDescription = 4;
 
-/// Reads into a variable of the codec's type and hands it out as the interface spells it; 32-bit
-/// results are zero-extended. Nothing is handed out when the signal's length alone refuses.
+/// Hands a value of the codec's type out as the interface spells it; 32-bit results are
+/// zero-extended. `out` is only written, and not at all when nothing is read: the caller may not
+/// have initialised it.
 template <typename Raw, typename Out, typename... Position>
 ZelkSigvalueResult read_into(Out& out, Position&&... position) {
-  auto raw = static_cast<Raw>(out);
+  std::optional<Raw> raw;
   const ZelkSigvalueResult result = codec::read(position..., raw);
-  out = static_cast<Out>(raw);
+  if (raw) out = static_cast<Out>(*raw);
   return result;
 }
 
@@ -104,6 +107,12 @@ ZelkSigvalueResult ZelkManager::GetSignalRawValueInt64(const unsigned char& fram
   return read_into<std::int64_t>(raw, &frame, signal);
 }
 
+ZelkSigvalueResult ZelkManager::GetSignalRawValueUint64(const unsigned char& frame,
+                                                        const sigblk& signal, const msgblk&,
+                                                        std::uint64_t& raw) const {
+  return read_into<std::uint64_t>(raw, &frame, signal);
+}
+
 ZelkSigvalueResult ZelkManager::GetSignalRawValue(const unsigned char& frame, const sigblk& signal,
                                                   const msgblk&, double& raw) const {
   return read_into<double>(raw, &frame, signal);
@@ -120,6 +129,13 @@ ZelkSigvalueResult ZelkManager::GetSignalRawValueInt64(const unsigned char& fram
                                                        const sigblk& signal, const msgblk&,
                                                        long long& raw) const {
   return read_into<std::int64_t>(raw, &frame, mask, signal);
+}
+
+ZelkSigvalueResult ZelkManager::GetSignalRawValueUint64(const unsigned char& frame,
+                                                        const zelk_sig_mask_t& mask,
+                                                        const sigblk& signal, const msgblk&,
+                                                        std::uint64_t& raw) const {
+  return read_into<std::uint64_t>(raw, &frame, mask, signal);
 }
 
 ZelkSigvalueResult ZelkManager::GetSignalRawValue(const unsigned char& frame,
@@ -200,6 +216,12 @@ ZelkSigvalueResult ZelkManager::SetSignalRawValue(unsigned char& frame, const si
 ZelkSigvalueResult ZelkManager::SetSignalRawValueInt64(unsigned char& frame, const sigblk& signal,
                                                        const msgblk&, const long long& raw) const {
   return codec::write(&frame, signal, std::int64_t{raw});
+}
+
+ZelkSigvalueResult ZelkManager::SetSignalRawValueUint64(unsigned char& frame, const sigblk& signal,
+                                                        const msgblk&,
+                                                        const std::uint64_t& raw) const {
+  return codec::write(&frame, signal, static_cast<std::int64_t>(raw));
 }
 
 ZelkSigvalueResult ZelkManager::SetSignalRawValue(unsigned char& frame, const sigblk& signal,

@@ -12,8 +12,8 @@
 
 namespace zelk {
 
-/// First value of the attribute `name` (compared on 32 characters); null when there is none. Values
-/// without a definition are passed over.
+/// First value of the attribute `name` (compared on 32 characters); null when there is none, and
+/// for a null `name`. Values without a definition are passed over.
 attr* find_attribute_value(attr* values, const char* name);
 
 /// Text of a stored value: a STRING itself, for an ENUM the item that the stored index names (items

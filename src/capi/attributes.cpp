@@ -40,22 +40,33 @@ bool has_value(attr* values, const char* name) {
   return find_attribute_value(values, name) != nullptr;
 }
 
-const char* text_of_number(const val* values, std::uint32_t number) {
+/// The attribute values of an object; none of a missing one.
+template <typename Object>
+attr* values_of(const Object* object) {
+  return object != nullptr ? object->attrs : nullptr;
+}
+
+template <typename Object>
+const char* text_of_number(const Object* object, std::uint32_t number) {
+  const val* const values = object != nullptr ? object->values : nullptr;
   const val* found = find_first(values, [number](const val& description) {
     return static_cast<std::uint32_t>(description.value) == number;
   });
   return found != nullptr ? found->text : nullptr;
 }
 
-std::uint32_t number_of_text(const val* values, const char* text) {
+template <typename Object>
+std::uint32_t number_of_text(const Object* object, const char* text) {
+  if (object == nullptr || text == nullptr) return 0;
   const val* found = find_first(
-      values, [text](const val& description) { return same_text(description.text, text); });
+      object->values, [text](const val& description) { return same_text(description.text, text); });
   return found != nullptr ? static_cast<std::uint32_t>(found->value) : 0;
 }
 
 }  // namespace
 
 attr* find_attribute_value(attr* values, const char* name) {
+  if (name == nullptr) return nullptr;
   return find_first(values, [name](const attr& value) {
     return value.def != nullptr && same_inline_name(value.def->name, name);
   });
@@ -113,19 +124,19 @@ int zelk_is_db_attribute_defined(attr* values, const char* name) {
 }
 
 int zelk_is_sym_attribute_defined(const symblk* node, const char* name) {
-  return zelk::has_value(node->attrs, name);
+  return zelk::has_value(zelk::values_of(node), name);
 }
 
 int zelk_is_msg_attribute_defined(const msgblk* message, const char* name) {
-  return zelk::has_value(message->attrs, name);
+  return zelk::has_value(zelk::values_of(message), name);
 }
 
 int zelk_is_sig_attribute_defined(const sigblk* signal, const char* name) {
-  return zelk::has_value(signal->attrs, name);
+  return zelk::has_value(zelk::values_of(signal), name);
 }
 
 int zelk_is_ev_attribute_defined(const env_var_blk* variable, const char* name) {
-  return zelk::has_value(variable->attrs, name);
+  return zelk::has_value(zelk::values_of(variable), name);
 }
 
 zelk_attr_value_t zelk_get_attrval(attr* values, const char* name) {
@@ -137,35 +148,35 @@ zelk_attr_value_t zelk_get_db_attrval(attr* values, const char* name) {
 }
 
 zelk_attr_value_t zelk_get_sym_attrval(const symblk* node, const char* name) {
-  return zelk::stored_value(node->attrs, name);
+  return zelk::stored_value(zelk::values_of(node), name);
 }
 
 zelk_attr_value_t zelk_get_msg_attrval(const msgblk* message, const char* name) {
-  return zelk::stored_value(message->attrs, name);
+  return zelk::stored_value(zelk::values_of(message), name);
 }
 
 zelk_attr_value_t zelk_get_sig_attrval(const sigblk* signal, const char* name) {
-  return zelk::stored_value(signal->attrs, name);
+  return zelk::stored_value(zelk::values_of(signal), name);
 }
 
 zelk_attr_value_t zelk_get_ev_attrval(const env_var_blk* variable, const char* name) {
-  return zelk::stored_value(variable->attrs, name);
+  return zelk::stored_value(zelk::values_of(variable), name);
 }
 
 const char* zelk_get_sig_enumsymbol(const sigblk* signal, uint32_t number) {
-  return zelk::text_of_number(signal->values, number);
+  return zelk::text_of_number(signal, number);
 }
 
 uint32_t zelk_get_sig_enumvalue(const sigblk* signal, const char* text) {
-  return zelk::number_of_text(signal->values, text);
+  return zelk::number_of_text(signal, text);
 }
 
 const char* zelk_get_ev_enumsymbol(const env_var_blk* variable, uint32_t number) {
-  return zelk::text_of_number(variable->values, number);
+  return zelk::text_of_number(variable, number);
 }
 
 uint32_t zelk_get_ev_enumvalue(const env_var_blk* variable, const char* text) {
-  return zelk::number_of_text(variable->values, text);
+  return zelk::number_of_text(variable, text);
 }
 
 }  // extern "C"

@@ -3,11 +3,13 @@
 ///
 /// Layout of a 29-bit identifier (SAE J1939-21):
 ///
+// clang-format off
 ///    28  26 25  24 23        16 15           8 7          0
 ///   +------+------+------------+--------------+------------+
 ///   | prio | DP   | PDU format | PDU specific | source     |
 ///   +------+------+------------+--------------+------------+
 ///          |<---- parameter group number ---->|
+// clang-format on
 ///
 /// A PDU format below 240 (PDU1) makes the PDU specific byte a destination address, which is no
 /// part of the group number; from 240 on (PDU2) it extends the group number and the frame goes to
@@ -132,7 +134,7 @@ Match match_can_ids(const Lists& lists, std::uint32_t id) {
 }
 
 /// Equal for the messages that compete for one slot of a frame: their group, destination and
-/// source.
+/// source. Of those with one priority `match_can_ids` takes the first or the last.
 constexpr std::uint32_t address_key(std::uint32_t id) { return id & 0x3FFFFFF; }
 
 /// Keys of all messages that `match_can_ids` may take for a frame, in any order; they may repeat.
@@ -148,10 +150,12 @@ inline std::array<std::uint32_t, 4> address_keys(const FrameId& frame) {
 
 /// Messages of the two proprietary groups carry a source address above their group number:
 ///
+// clang-format off
 ///    31         28        21 20   18 17               0
 ///   +-----+----+------------+-------+------------------+
 ///   | ext | 0  | source     | 0     | group number     |
 ///   +-----+----+------------+-------+------------------+
+// clang-format on
 constexpr std::uint32_t source_of_number(std::uint32_t id) { return (id >> 21) & 0xFF; }
 
 template <typename Lists>
@@ -180,17 +184,31 @@ Match match_proprietary_groups(const Lists& lists, const FrameId& frame) {
   return {slots.best(), false};
 }
 
-/// Equal for the messages that compete for one slot of a frame: their group and source.
-inline std::uint32_t proprietary_key(std::uint32_t id) {
-  return group_of_number(id).key | source_of_number(id) << 21;
+/// Equal for the messages that compete for one slot of a frame: their group, destination and
+/// source. `match_proprietary_groups` takes the first or the last of them.
+constexpr std::uint32_t proprietary_key(std::uint32_t id) {
+  return (id & 0x3FFFF) | source_of_number(id) << 21;
+}
+
+/// A key of its own for the messages of a group from any source to other addresses than 0xFE: they
+/// compete for the frames to that address.
+inline std::uint32_t any_source_key(const Group& group) { return group.key | 1U << 18; }
+inline bool has_any_source_key(std::uint32_t id) {
+  const Group group = group_of_number(id);
+  return group.is_pdu1 && group.destination != kAnyAddress && source_of_number(id) == kAnyAddress;
 }
 
 /// Keys of all messages that `match_proprietary_groups` may take for a frame, in any order; they
-/// repeat.
+/// may repeat.
 inline std::array<std::uint32_t, 4> proprietary_keys(const FrameId& frame) {
-  const std::uint32_t own = frame.group.key | frame.source << 21;
-  const std::uint32_t any = frame.group.key | kAnyAddress << 21;
-  return {own, any, own, any};
+  const auto number = [&frame](std::uint32_t destination) {
+    return frame.group.key | (frame.group.is_pdu1 ? destination : 0);
+  };
+  const std::uint32_t to_own = number(frame.group.destination);
+  const std::uint32_t own = to_own | frame.source << 21;
+  const bool is_to_any = frame.group.destination == kAnyAddress;
+  return {own, number(kAnyAddress) | frame.source << 21, to_own | kAnyAddress << 21,
+          is_to_any ? any_source_key(frame.group) : own};
 }
 
 inline bool is_proprietary(const FrameId& frame) {
@@ -230,8 +248,9 @@ inline bool value_is_j1939_format(const msgblk& message) {
 
 /// What `zelk_get_j1939_message` finds among messages.
 ///
-/// @param lists                    a range of ranges of pointers: messages that compete for one
-/// slot stand in one range, in their list's order; those that no rule takes may be left out
+/// @param lists                    a range of ranges of pointers. Messages that compete for one
+/// slot, and have one priority, stand in one range, in their list's order; those that no rule takes
+/// may be left out
 /// @param default_is_j1939_format  tells, when it is asked, whether the default of the frame format
 /// does; it decides also for a message that states another format
 template <typename Lists, typename DefaultFormat>

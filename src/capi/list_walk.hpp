@@ -45,15 +45,17 @@ Record* find_nth(Record* head, std::int32_t n) {
   return record;
 }
 
-/// First record whose own, allocated name is `name`.
+/// First record whose own, allocated name is `name`; null, which is no name, gives null.
 template <typename Record>
 Record* find_name(Record* head, const char* name) {
+  if (name == nullptr) return nullptr;
   return find_first(head, [name](const Record& record) { return same_text(record.name, name); });
 }
 
-/// First record whose inline name agrees with `name`.
+/// First record whose inline name agrees with `name`; null gives null.
 template <typename Record>
 Record* find_inline_name(Record* head, const char* name) {
+  if (name == nullptr) return nullptr;
   return find_first(head,
                     [name](const Record& record) { return same_inline_name(record.name, name); });
 }

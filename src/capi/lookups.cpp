@@ -30,9 +30,13 @@ sigblk* zelk_get_signal_of_msg_name(msgblk* message, const char* name) {
   return message != nullptr ? zelk::find_name(message->signals, name) : nullptr;
 }
 
-double zelk_get_sig_factor(const sigblk* signal) { return signal->factor; }
+double zelk_get_sig_factor(const sigblk* signal) {
+  return signal != nullptr ? signal->factor : 0.0;
+}
 
-double zelk_get_sig_offset(const sigblk* signal) { return signal->offset; }
+double zelk_get_sig_offset(const sigblk* signal) {
+  return signal != nullptr ? signal->offset : 0.0;
+}
 
 btlblk* zelk_get_btlblk(btlblk* bit_timings, uint32_t number) {
   return zelk::find_first(bit_timings,
@@ -72,7 +76,7 @@ valtable* zelk_get_valtable_name(valtable* valtables, const char* name) {
 }
 
 uint32_t zelk_get_file_comment(const char* comment, char* buffer, uint32_t size) {
-  if (size == 0) return 0;
+  if (buffer == nullptr || size == 0) return 0;
   const std::string_view text = comment != nullptr ? comment : "";
   const auto length = static_cast<uint32_t>(text.copy(buffer, size - 1));
   buffer[length] = '\0';

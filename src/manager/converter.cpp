@@ -16,9 +16,9 @@
 namespace zelk {
 namespace {
 
-/// What the module is told that runs now; null while none does.
+/// The calling thread's, which the module asks for; null while none runs.
 const zelk_conversion*& running_conversion() {
-  static const zelk_conversion* conversion = nullptr;
+  thread_local const zelk_conversion* conversion = nullptr;
   return conversion;
 }
 
@@ -37,7 +37,7 @@ class Running {
 
 /// Calls the module's function within a conversion of `database`.
 ///
-/// @param number  what an exception that escapes from it is told as
+/// @param number  error number under which an escaping exception is reported
 template <typename Call>
 bool run(ZelkDatabase& database, const char* option, std::uint32_t number, Call call) {
   const zelk_conversion conversion = {option,
@@ -51,7 +51,7 @@ bool run(ZelkDatabase& database, const char* option, std::uint32_t number, Call 
   const Running running(conversion);
   try {
     return call() != 0;
-  } catch (const ZelkException&) {  // has told of itself in the error text
+  } catch (const ZelkException&) {  // already reported: raising appends to the error text
   } catch (const std::exception& error) {
     zelk_note(number, kNoLine, error.what());
   } catch (...) {
@@ -65,9 +65,8 @@ void tell_missing_function(bool is_loaded) {
             is_loaded ? "the module has no such function" : "the module cannot be loaded");
 }
 
-/// Exchanges what two databases hold, and their paths.
+/// Exchanges what two databases hold.
 void swap_content(ZelkDatabase& a, ZelkDatabase& b) {
-  std::swap(a.path, b.path);
   std::swap(a.nodes, b.nodes);
   std::swap(a.messages, b.messages);
   std::swap(a.env_vars, b.env_vars);
@@ -202,7 +201,7 @@ bool ZelkImporter::CopyDatabaseLists() try {
              std::exchange(filled.signal_types, nullptr),
              std::exchange(filled.value_tables, nullptr)) &&
          is_complete;
-} catch (const ZelkException&) {  // has told of itself in the error text
+} catch (const ZelkException&) {  // already reported: raising appends to the error text
   return false;
 }
 

@@ -111,7 +111,7 @@ void DatabaseCopier::copy_whole(Record*& target, const Record* source, CopyMembe
     remember(source, copies.get());
     target = copies.release();
     return;
-  } catch (const ZelkException&) {  // has told of itself in the error text
+  } catch (const ZelkException&) {  // already reported: raising appends to the error text
   } catch (const std::bad_alloc&) {
     zelk_note(ZELK_ERR_MEMORY, kNoLine, nullptr);
   }
@@ -323,7 +323,7 @@ void DatabaseCopier::copy_variables() {
 void DatabaseCopier::copy_whole(char*& target, const char* source) {
   try {
     assign_text(target, copy_of(source));
-  } catch (const ZelkException&) {  // has told of itself in the error text
+  } catch (const ZelkException&) {  // already reported: raising appends to the error text
     is_complete_ = false;
   }
 }
@@ -331,7 +331,6 @@ void DatabaseCopier::copy_whole(char*& target, const char* source) {
 void DatabaseCopier::copy_texts() {
   copy_whole(target_.user_data, source_.user_data ? source_.user_data : "");
   copy_whole(target_.comment, source_.comment);
-  copy_whole(target_.path, source_.path);
 }
 
 }  // namespace zelk

@@ -10,7 +10,7 @@
 
 namespace zelk {
 
-/// Copies the lists, texts and path of one database into another, emptied one.
+/// Copies the lists and texts of one database into another, emptied one.
 ///
 /// A list is copied record by record, and a reference is turned into one to the referred record's
 /// copy. So the lists that are referred to come first.
@@ -19,7 +19,7 @@ class DatabaseCopier {
   DatabaseCopier(const ZelkDatabase& source, ZelkDatabase& target)
       : source_(source), target_(target) {}
 
-  /// @return false when memory ran out for some of it, which the error text tells
+  /// @return false when memory ran out for some of it; the error text says so
   bool copy();
 
  private:

@@ -33,7 +33,15 @@ FirstTable<Record> DatabaseIndex::by_name(Record* list) const {
 void DatabaseIndex::CandidateTable::enter(std::uint32_t key, msgblk* message) {
   Candidates* candidates = table.find(key);
   if (!candidates) candidates = table.enter(key, &all.emplace_back());
-  candidates->push_back(message);
+  const std::uint32_t priority = j1939::priority_of(*message);
+  const auto is_equal = [priority](const msgblk* other) {
+    return j1939::priority_of(*other) == priority;
+  };
+  if (std::count_if(candidates->begin(), candidates->end(), is_equal) < 2) {
+    candidates->push_back(message);
+  } else {
+    *std::find_if(candidates->rbegin(), candidates->rend(), is_equal) = message;
+  }
 }
 
 DatabaseIndex::DatabaseIndex(const ZelkDatabase& database)
@@ -45,13 +53,17 @@ DatabaseIndex::DatabaseIndex(const ZelkDatabase& database)
       definitions_(by_name(database.attr_defs)),
       messages_by_id_(length_of(database.messages)),
       by_addresses_(length_of(database.messages)),
-      by_group_and_source_(length_of(database.messages)),
+      by_group_and_source_(2 * length_of(database.messages)),
       has_group_numbers_(database.HasJ1939GroupNumbers()),
       default_is_j1939_(j1939::default_is_j1939_format(database.attr_defs)) {
   for (msgblk* message = database.messages; message; message = message->next) {
     messages_by_id_.enter(message->id, message);
     by_addresses_.enter(j1939::address_key(message->id), message);
+    if ((message->id & ZELK_ID_EXTENDED) == 0) continue;
     by_group_and_source_.enter(j1939::proprietary_key(message->id), message);
+    if (!j1939::has_any_source_key(message->id)) continue;
+    const j1939::Group group = j1939::group_of_number(message->id);
+    by_group_and_source_.enter(j1939::any_source_key(group), message);
   }
 }
 

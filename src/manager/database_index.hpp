@@ -1,5 +1,5 @@
 /// \file
-/// An index over the objects of a database that nobody can change.
+/// An index over the objects of a database that no host can change.
 
 #ifndef ZELK_MANAGER_DATABASE_INDEX_HPP
 #define ZELK_MANAGER_DATABASE_INDEX_HPP
@@ -20,6 +20,7 @@ namespace zelk {
 /// first, and candidates for a J1939 frame stand in the list's order.
 class DatabaseIndex {
  public:
+  /// @throws std::bad_alloc
   explicit DatabaseIndex(const ZelkDatabase& database);
 
   /// Null when there is none.
@@ -35,7 +36,9 @@ class DatabaseIndex {
   msgblk* j1939_message(std::uint32_t id, std::uint32_t flags) const;
 
  private:
-  /// Messages that compete for the same frames.
+  /// Of the messages that compete for the same frames the first and the last of each priority, in
+  /// the list's order: no rule takes another one. So a lookup takes the same time however many
+  /// there are.
   using Candidates = std::vector<msgblk*>;
 
   /// Candidates by a part of the identifier.
@@ -79,7 +82,7 @@ class DatabaseIndex {
   FirstTable<attr_def> definitions_;
   FirstTable<msgblk> messages_by_id_;
   CandidateTable by_addresses_;         ///< `j1939::address_key` of CAN identifiers
-  CandidateTable by_group_and_source_;  ///< `j1939::proprietary_key` of stored group numbers
+  CandidateTable by_group_and_source_;  ///< keys of stored numbers, as `j1939::proprietary_keys`
   bool has_group_numbers_;
   bool default_is_j1939_;
 };

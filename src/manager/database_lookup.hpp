@@ -1,5 +1,5 @@
 /// \file
-/// Lookups in a database for who cannot change what is found: by the index while there is one.
+/// Read-only lookups in a database; they use the index while it is valid.
 
 #ifndef ZELK_MANAGER_DATABASE_LOOKUP_HPP
 #define ZELK_MANAGER_DATABASE_LOOKUP_HPP

@@ -2,11 +2,13 @@
 
 #include <cstdint>
 #include <new>
+#include <utility>
 
 #include "capi/attribute_text.hpp"
 #include "capi/list_walk.hpp"
 #include "manager/database_index.hpp"
 #include "manager/database_lookup.hpp"
+#include "manager/list_ends.hpp"
 #include "model/errors.hpp"
 #include "model/list_edit.hpp"
 #include "model/symbols.hpp"
@@ -16,26 +18,6 @@
 #include "zelk/query.h"
 
 namespace {
-
-/// Makes a record and links it in front of the one at position `index`, or behind the last one.
-template <typename Record>
-Record* create_at(Record*& list, unsigned index, Record* (*create)()) try {
-  Record* const record = create();
-  if (record) {
-    zelk::link_at(list, index, record);
-  } else {
-    zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
-  }
-  return record;
-} catch (const ZelkException&) {  // has told of itself in the error text
-  return nullptr;
-}
-
-/// Looks a name up, or finds nothing for null.
-template <typename Record>
-Record* find(Record* list, const char* name, Record* (*lookup)(Record*, const char*)) {
-  return name ? lookup(list, name) : nullptr;
-}
 
 bool is_number(const attr_def& definition) {
   return definition.value_type != ZELK_ATTR_STRING && definition.value_type != ZELK_ATTR_ENUM;
@@ -53,122 +35,90 @@ bool is_switched_on(const ZelkDatabase& database, const char* name) {
 
 }  // namespace
 
-symblk* ZelkDatabase::GetNode(const char* name) const {
-  ForbidIndex();
-  return find(nodes, name, zelk_get_symbol_name);
+// --- Creation and deletion ---
+
+template <typename Record>
+Record* ZelkDatabase::CreateAt(Record*& list, unsigned index, Record* (*create)()) try {
+  Record* const record = create();
+  if (!record) {
+    zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
+    return nullptr;
+  }
+  if (!ends_) ends_.reset(new (std::nothrow) zelk::ListEnds());
+  if (ends_) {
+    ends_->of<Record>().link_at(list, index, record);
+  } else {
+    zelk::link_at(list, index, record);
+  }
+  return HandOut(record);
+} catch (
+    const ZelkException&) {  // already reported: whoever raises it appends it to the error text
+  return nullptr;
 }
+
+template <typename Record>
+void ZelkDatabase::Delete(Record*& list, Record& record, void (*remove)(Record**, Record*)) {
+  remove(&list, HandOut(&record));
+}
+
 symblk* ZelkDatabase::CreateNode(unsigned index) {
-  ForbidIndex();
-  return create_at(nodes, index, zelk_create_symbol);
+  return CreateAt(nodes, index, zelk_create_symbol);
 }
-void ZelkDatabase::DeleteNode(symblk& node) {
-  DropIndex();
-  can_delete_symbol(&nodes, &node);
-}
+void ZelkDatabase::DeleteNode(symblk& node) { Delete(nodes, node, can_delete_symbol); }
 
-msgblk* ZelkDatabase::GetMessage(const char* name) const {
-  ForbidIndex();
-  return find(messages, name, zelk_get_message_name);
-}
-msgblk* ZelkDatabase::GetMessage(unsigned long id) const {
-  ForbidIndex();
-  return zelk_get_message(messages, static_cast<std::uint32_t>(id));
-}
 msgblk* ZelkDatabase::CreateMessage(unsigned index) {
-  ForbidIndex();
-  return create_at(messages, index, zelk_create_msgblk);
+  return CreateAt(messages, index, zelk_create_msgblk);
 }
-void ZelkDatabase::DeleteMessage(msgblk& message) {
-  DropIndex();
-  can_delete_msg(&messages, &message);
-}
+void ZelkDatabase::DeleteMessage(msgblk& message) { Delete(messages, message, can_delete_msg); }
 
-env_var_blk* ZelkDatabase::GetEnvvar(const char* name) const {
-  ForbidIndex();
-  return find(env_vars, name, zelk_get_evblk_name);
-}
 env_var_blk* ZelkDatabase::CreateEnvvar(unsigned index) {
-  ForbidIndex();
-  return create_at(env_vars, index, zelk_create_evblk);
+  return CreateAt(env_vars, index, zelk_create_evblk);
 }
 void ZelkDatabase::DeleteEnvvar(env_var_blk& variable) {
-  DropIndex();
-  can_delete_evblk(&env_vars, &variable);
+  Delete(env_vars, variable, can_delete_evblk);
 }
 
-btlblk* ZelkDatabase::GetBitTiming(unsigned short baudrate) const {
-  ForbidIndex();
-  return zelk_get_btlblk(bit_timings, baudrate);
-}
 btlblk* ZelkDatabase::CreateBitTiming(unsigned index) {
-  ForbidIndex();
-  return create_at(bit_timings, index, zelk_create_btlblk);
+  return CreateAt(bit_timings, index, zelk_create_btlblk);
 }
 void ZelkDatabase::DeleteBitTiming(btlblk& bit_timing) {
-  can_delete_btl(&bit_timings, &bit_timing);
+  Delete(bit_timings, bit_timing, can_delete_btl);
 }
 
-valtable* ZelkDatabase::GetValueTable(const char* name) const {
-  ForbidIndex();
-  return find(value_tables, name, zelk_get_valtable_name);
-}
 valtable* ZelkDatabase::CreateValueTable(unsigned index) {
-  ForbidIndex();
-  return create_at(value_tables, index, zelk_create_valtable);
+  return CreateAt(value_tables, index, zelk_create_valtable);
 }
 void ZelkDatabase::DeleteValueTable(valtable& table) {
-  DropIndex();
-  can_delete_valtable(&value_tables, &table);
+  Delete(value_tables, table, can_delete_valtable);
 }
 
-sigtype* ZelkDatabase::GetSignalType(const char* name) const {
-  ForbidIndex();
-  return find(signal_types, name, zelk_get_sigtype_name);
-}
 sigtype* ZelkDatabase::CreateSignalType(unsigned index) {
-  ForbidIndex();
-  return create_at(signal_types, index, zelk_create_sigtype);
+  return CreateAt(signal_types, index, zelk_create_sigtype);
 }
 void ZelkDatabase::DeleteSignalType(sigtype& type) {
-  DropIndex();
-  can_delete_sigtype(&signal_types, &type);
+  Delete(signal_types, type, can_delete_sigtype);
 }
 
 cat* ZelkDatabase::CreateCategory(unsigned index) {
-  ForbidIndex();
-  return create_at(categories, index, zelk_create_category);
+  return CreateAt(categories, index, zelk_create_category);
 }
 void ZelkDatabase::DeleteCategory(cat& category) {
-  DropIndex();
-  can_delete_category(&categories, &category);
+  Delete(categories, category, can_delete_category);
 }
 
-attr_def* ZelkDatabase::GetAttrDef(const char* name) const {
-  ForbidIndex();
-  return find(attr_defs, name, zelk_get_attr_def_name);
-}
 attr_def* ZelkDatabase::CreateAttrDef(unsigned index) {
-  ForbidIndex();
-  return create_at(attr_defs, index, zelk_create_attr_def);
+  return CreateAt(attr_defs, index, zelk_create_attr_def);
 }
 void ZelkDatabase::DeleteAttrDef(attr_def& definition) {
-  DropIndex();
   CheckAndRemovePredefinedAttrs(definition);
-  can_delete_attr_def(&attr_defs, &definition);
+  Delete(attr_defs, definition, can_delete_attr_def);
 }
 
 void ZelkDatabase::RenameAttrDef(attr_def& definition, const char* name) {
-  DropIndex();
+  if (!name) return;
   CheckAndRemovePredefinedAttrs(definition);
-  zelk::copy_inline(definition.name, name);
+  zelk::copy_inline(HandOut(&definition)->name, name);
   CheckAndInsertPredefinedAttrs(definition);
-}
-
-msgblk* ZelkDatabase::GetJ1939Message(unsigned long id, unsigned long flags) const {
-  ForbidIndex();
-  const auto id_bits = static_cast<std::uint32_t>(id);
-  const auto flag_bits = static_cast<std::uint32_t>(flags);
-  return const_cast<msgblk*>(zelk::DatabaseLookup::j1939_message(*this, id_bits, flag_bits));
 }
 
 std::uint32_t ZelkDatabase::J1939Flags(std::uint32_t flags, bool has_group_numbers) {
@@ -189,23 +139,32 @@ unsigned long ZelkDatabase::GetMaxEnvvarHandle() const {
   return largest;
 }
 
-// --- Lookups by the index ---
+// --- The index ---
 
+/// One thread makes it, while others that want it walk. Without memory everybody walks.
 const zelk::DatabaseIndex* ZelkDatabase::Index() const {
-  if (is_index_forbidden_ || index_) return index_.get();
+  const zelk::DatabaseIndex* const index = index_.load(std::memory_order_acquire);
+  if (index || makes_no_index_.load(std::memory_order_relaxed)) return index;
+  if (makes_no_index_.exchange(true, std::memory_order_relaxed)) return nullptr;
   try {
-    index_ = std::make_unique<const zelk::DatabaseIndex>(*this);
+    made_index_ = std::make_unique<const zelk::DatabaseIndex>(*this);
   } catch (const std::bad_alloc&) {
-    is_index_forbidden_ = true;
+    return nullptr;
   }
-  return index_.get();
+  index_.store(made_index_.get(), std::memory_order_release);
+  return made_index_.get();
 }
 
-void ZelkDatabase::DropIndex() const { index_.reset(); }
+void ZelkDatabase::DropIndex() const {
+  ends_.reset();
+  index_.store(nullptr, std::memory_order_relaxed);
+  made_index_.reset();
+  makes_no_index_.store(false, std::memory_order_relaxed);
+}
 
 void ZelkDatabase::ForbidIndex() const {
-  is_index_forbidden_ = true;
-  DropIndex();
+  makes_no_index_.store(true, std::memory_order_relaxed);
+  index_.store(nullptr, std::memory_order_relaxed);
 }
 
 namespace zelk {
@@ -250,3 +209,69 @@ const msgblk* DatabaseLookup::j1939_message(const ZelkDatabase& database, std::u
 }
 
 }  // namespace zelk
+
+// --- Lookups ---
+
+const symblk* ZelkDatabase::GetNode(const char* name) const {
+  return zelk::DatabaseLookup::named<symblk>(*this, name);
+}
+symblk* ZelkDatabase::GetNode(const char* name) {
+  return HandOut(std::as_const(*this).GetNode(name));
+}
+
+const msgblk* ZelkDatabase::GetMessage(const char* name) const {
+  return zelk::DatabaseLookup::named<msgblk>(*this, name);
+}
+msgblk* ZelkDatabase::GetMessage(const char* name) {
+  return HandOut(std::as_const(*this).GetMessage(name));
+}
+
+const env_var_blk* ZelkDatabase::GetEnvvar(const char* name) const {
+  return zelk::DatabaseLookup::named<env_var_blk>(*this, name);
+}
+env_var_blk* ZelkDatabase::GetEnvvar(const char* name) {
+  return HandOut(std::as_const(*this).GetEnvvar(name));
+}
+
+const valtable* ZelkDatabase::GetValueTable(const char* name) const {
+  return zelk::DatabaseLookup::named<valtable>(*this, name);
+}
+valtable* ZelkDatabase::GetValueTable(const char* name) {
+  return HandOut(std::as_const(*this).GetValueTable(name));
+}
+
+const sigtype* ZelkDatabase::GetSignalType(const char* name) const {
+  return zelk::DatabaseLookup::named<sigtype>(*this, name);
+}
+sigtype* ZelkDatabase::GetSignalType(const char* name) {
+  return HandOut(std::as_const(*this).GetSignalType(name));
+}
+
+const attr_def* ZelkDatabase::GetAttrDef(const char* name) const {
+  return zelk::DatabaseLookup::named<attr_def>(*this, name);
+}
+attr_def* ZelkDatabase::GetAttrDef(const char* name) {
+  return HandOut(std::as_const(*this).GetAttrDef(name));
+}
+
+const msgblk* ZelkDatabase::GetMessage(unsigned long id) const {
+  return zelk::DatabaseLookup::message(*this, static_cast<std::uint32_t>(id));
+}
+msgblk* ZelkDatabase::GetMessage(unsigned long id) {
+  return HandOut(std::as_const(*this).GetMessage(id));
+}
+
+const msgblk* ZelkDatabase::GetJ1939Message(unsigned long id, unsigned long flags) const {
+  return zelk::DatabaseLookup::j1939_message(*this, static_cast<std::uint32_t>(id),
+                                             static_cast<std::uint32_t>(flags));
+}
+msgblk* ZelkDatabase::GetJ1939Message(unsigned long id, unsigned long flags) {
+  return HandOut(std::as_const(*this).GetJ1939Message(id, flags));
+}
+
+const btlblk* ZelkDatabase::GetBitTiming(unsigned short baudrate) const {
+  return zelk_get_btlblk(bit_timings, baudrate);
+}
+btlblk* ZelkDatabase::GetBitTiming(unsigned short baudrate) {
+  return HandOut(std::as_const(*this).GetBitTiming(baudrate));
+}

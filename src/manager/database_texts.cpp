@@ -6,6 +6,7 @@
 #include "capi/attribute_text.hpp"
 #include "capi/list_walk.hpp"
 #include "manager/names.hpp"
+#include "model/errors.hpp"
 #include "model/memory.hpp"
 #include "text/words.hpp"
 #include "zelk/database.hpp"
@@ -33,8 +34,8 @@ void clean_name(char* destination, std::string_view source) {
 
 namespace {
 
-/// The value of the network attribute for the name, else its default; none when the attribute is
-/// not defined as a text of the network.
+/// The value of the network attribute for the name, else its default, which also stands in for a
+/// null text; none when the attribute is not defined as a text of the network.
 std::optional<std::string_view> own_name(const ZelkDatabase& database) {
   const attr_def* definition =
       zelk_get_attr_def_name(database.attr_defs, ZelkDatabaseNameAttribute);
@@ -43,8 +44,8 @@ std::optional<std::string_view> own_name(const ZelkDatabase& database) {
     return std::nullopt;
   }
   const attr* value = find_attribute_value(database.attr_values, ZelkDatabaseNameAttribute);
-  if (value) return attribute_text(*value).value_or("");
-  return default_text(*definition).value_or("");
+  const auto own = value ? attribute_text(*value) : std::nullopt;
+  return own ? *own : default_text(*definition).value_or("");
 }
 
 /// The name of a file without its folder or drive, in the notation of any system, and without
@@ -69,12 +70,12 @@ char* ZelkDatabase::GetDefaultName() const {
 
 void ZelkDatabase::SetComment(const char* text) try {
   zelk::assign_text(comment, text ? zelk::copy_text(text) : nullptr);
-} catch (const ZelkException&) {  // has told of itself in the error text; the old comment stays
+} catch (const ZelkException&) {  // already reported; the old comment stays
 }
 
 void ZelkDatabase::SetUserData(const char* text) try {
   zelk::assign_text(user_data, zelk::copy_text(text ? text : ""));
-} catch (const ZelkException&) {  // has told of itself in the error text; the old text stays
+} catch (const ZelkException&) {  // already reported; the old text stays
 }
 
 // --- Long names ---
@@ -98,8 +99,12 @@ void take_long_name(Object& object, const attr_def& definition, bool is_node) {
     return value.def == &definition;
   };
   const attr* value = zelk::find_first(object.attrs, is_of_definition);
-  if (!value || !value->value.text || !zelk::can_name_object(value->value.text, is_node)) return;
-  zelk::assign_text(object.name, zelk::copy_text(value->value.text));
+  const char* const name = value ? value->value.text : nullptr;
+  if (!name || !*name) return;
+  if (!zelk::can_name_object(name, is_node)) {
+    return zelk_note(ZELK_ERR_FORMAT, zelk::kNoLine, name);
+  }
+  zelk::assign_text(object.name, zelk::copy_text(name));
 }
 
 template <typename Object>
@@ -134,8 +139,7 @@ void ZelkPredefinedAttributes::ClearAll() {
 }
 
 void ZelkDatabase::CheckAndInsertPredefinedAttrs(attr_def& definition) try {
-  if (!predefined.Insert(definition)) return;
-  DropIndex();
+  if (!predefined.Insert(*HandOut(&definition))) return;
   switch (definition.object_type) {
     case ZELK_OBJ_NODE:
       take_long_names(nodes, definition, true);
@@ -154,7 +158,7 @@ void ZelkDatabase::CheckAndInsertPredefinedAttrs(attr_def& definition) try {
     default:
       break;
   }
-} catch (const ZelkException&) {  // has told of itself in the error text; the other names stay
+} catch (const ZelkException&) {  // already reported; the other names stay
 }
 
 void ZelkDatabase::CheckAndRemovePredefinedAttrs(attr_def& definition) {

@@ -71,18 +71,6 @@ void store(attr& value, const attr_def& definition, const zelk_attr_value_t& new
   }
 }
 
-/// The first definition of that name for the kind of object, else the first one of that name. Those
-/// of relations do not count: no file could hold the value.
-attr_def* find_definition(ZelkDatabase& database, zelk_obj_t kind, const char* name) {
-  attr_def* const of_kind = find_first(database.attr_defs, [=](const attr_def& definition) {
-    return definition.object_type == kind && same_inline_name(definition.name, name);
-  });
-  if (of_kind) return of_kind;
-  return find_first(database.attr_defs, [name](const attr_def& definition) {
-    return !is_relation(definition.object_type) && same_inline_name(definition.name, name);
-  });
-}
-
 /// Replaces the value of that name, or puts a new one in front.
 ///
 /// @param definition  gives the definition for a new value, or null
@@ -92,10 +80,10 @@ void set_value(attr*& values, const char* name, const zelk_attr_value_t& value,
   if (!name) return;
   edit_or_tell([&] {
     if (attr* const own = find_attribute_value(values, name)) return store(*own, *own->def, value);
-    attr_def* const found = definition();
+    const attr_def* const found = definition();
     if (!found) return;
     Owned<attr> record(create_record<attr>());
-    record->def = found;
+    record->def = const_cast<attr_def*>(found);
     store(*record, *found, value);
     link_in_front(values, record.release());
   });
@@ -104,15 +92,8 @@ void set_value(attr*& values, const char* name, const zelk_attr_value_t& value,
 template <typename Object>
 void set_value(ZelkWriteManager& manager, Object& object, const char* name,
                const zelk_attr_value_t& value, const char* db) {
-  set_value(object.attrs, name, value, [&] {
-    ZelkDatabase* const database =
-        db ? ManagerEdits::database(manager, db) : ManagerEdits::holder(manager, object, nullptr);
-    // A value must not refer to a definition that may be closed before it.
-    if (!database || ManagerEdits::is_held_by_another(manager, object, *database)) {
-      return static_cast<attr_def*>(nullptr);
-    }
-    return find_definition(*database, kind_of(object), name);
-  });
+  const ZelkManager& lookups = manager;
+  set_value(object.attrs, name, value, [&] { return lookups.GetAttrDefinition(object, name, db); });
 }
 
 void reset_value(attr*& values, const char* name) {
@@ -127,11 +108,16 @@ void reset_value(attr*& values, const char* name) {
 
 // --- Names and texts ---
 
-void ZelkWriteManager::SetName(symblk& node, const char* name) { zelk::set_name(node.name, name); }
+void ZelkWriteManager::SetName(symblk& node, const char* name) {
+  zelk::ManagerEdits::begin_change(*this, node);
+  zelk::set_name(node.name, name);
+}
 void ZelkWriteManager::SetName(msgblk& message, const char* name) {
+  zelk::ManagerEdits::begin_change(*this, message);
   zelk::set_name(message.name, name);
 }
 void ZelkWriteManager::SetName(env_var_blk& variable, const char* name) {
+  zelk::ManagerEdits::begin_change(*this, variable);
   zelk::set_name(variable.name, name);
 }
 void ZelkWriteManager::SetName(sigblk& signal, const char* name) {
@@ -247,12 +233,18 @@ void ZelkWriteManager::RemoveFilterNode(const symblk& node, const char* db) {
 
 // --- Attribute values ---
 
+attr_def* ZelkWriteManager::HandOutDefinition(const attr_def* found) {
+  if (found) zelk::ManagerEdits::holder(*this, *found, nullptr);
+  return const_cast<attr_def*>(found);
+}
+
 void ZelkWriteManager::SetAttrValue(const char* db, const char* name,
                                     const zelk_attr_value_t& value) {
-  ZelkDatabase* const database = FindDatabase(db);
+  ZelkDatabase* const database = zelk::ManagerEdits::database(*this, db);
   if (!database) return;
+  const ZelkManager& lookups = *this;
   zelk::set_value(database->attr_values, name, value,
-                  [&] { return zelk::find_definition(*database, ZELK_OBJ_NETWORK, name); });
+                  [&] { return lookups.GetNetworkAttrDefinition(db, name); });
 }
 void ZelkWriteManager::SetAttrValue(symblk& node, const char* name, const zelk_attr_value_t& value,
                                     const char* db) {
@@ -272,7 +264,7 @@ void ZelkWriteManager::SetAttrValue(sigblk& signal, const char* name,
 }
 
 void ZelkWriteManager::ResetAttrValue(const char* db, const char* name) {
-  ZelkDatabase* const database = FindDatabase(db);
+  ZelkDatabase* const database = zelk::ManagerEdits::database(*this, db);
   if (database) zelk::reset_value(database->attr_values, name);
 }
 void ZelkWriteManager::ResetAttrValue(symblk& node, const char* name) {

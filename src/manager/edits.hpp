@@ -17,29 +17,31 @@
 namespace zelk {
 
 struct ManagerEdits {
-  /// The database of a handle; null when there is none.
+  /// The database of a handle, to be changed; null when there is none.
   static ZelkDatabase* database(ZelkWriteManager& manager, const char* db) {
-    return manager.FindDatabase(db);
+    const ZelkDatabase* const found = manager.FindDatabase(db);
+    return found ? found->HandOut(found) : nullptr;
   }
 
-  /// The database of the handle `db`, or for null the one that holds `record`; null also when the
-  /// named one does not hold it.
+  /// The database of the handle `db`, or for null the one that holds `record`, to be changed; null
+  /// also when the named one does not hold it.
   template <typename Record>
   static ZelkDatabase* holder(ZelkWriteManager& manager, const Record& record, const char* db) {
     for (ZelkManager::DbListNode* node = manager.databases_; node; node = node->next) {
       if (db && node->name != db) continue;
-      if (holds(node->database, record)) return &node->database;
+      if (holds(node->database, record)) return node->database.HandOut(&node->database);
     }
     return nullptr;
   }
 
-  /// Costs nothing while one database is open.
+  /// Before a key of `record` changes: the database that holds it has been handed out, as a rule,
+  /// with the record.
   template <typename Record>
-  static bool is_held_by_another(ZelkWriteManager& manager, const Record& record,
-                                 const ZelkDatabase& database) {
-    return find_first(manager.databases_, [&](const ZelkManager::DbListNode& node) {
-      return &node.database != &database && holds(node.database, record);
-    });
+  static void begin_change(const ZelkWriteManager& manager, const Record& record) {
+    for (const ZelkManager::DbListNode* node = manager.databases_; node; node = node->next) {
+      const ZelkDatabase& database = node->database;
+      if (!database.IsHandedOut() && holds(database, record)) database.HandOut(&database);
+    }
   }
 };
 
@@ -68,11 +70,12 @@ void remove_transmitter(msgblk& message, const symblk& node, Release release) {
   message.transmitter = message.tx_nodes ? message.tx_nodes->node : nullptr;
 }
 
-/// Makes an edit; one that finds no memory, which is told in the error text, does not happen.
+/// Makes an edit; one that finds no memory does not happen, and is reported in the error text.
 template <typename Edit>
 void edit_or_tell(Edit edit) try {
   edit();
-} catch (const ZelkException&) {  // has told of itself
+} catch (
+    const ZelkException&) {  // already reported: whoever raises it appends it to the error text
 } catch (const std::bad_alloc&) {
   zelk_note(ZELK_ERR_MEMORY, kNoLine, nullptr);
 }

@@ -13,6 +13,16 @@
 
 namespace zelk {
 
+/// A number whose upper bits are the place of a key among the slots of an open table. No file can
+/// foresee the multiplier, and so be made to collide.
+///
+/// @param multiplier  odd
+inline std::uint64_t spread(std::uint64_t key, std::uint64_t multiplier) {
+  // Twice, because the products of evenly spaced keys are evenly spaced, and may crowd.
+  const std::uint64_t once = key * multiplier;
+  return (once ^ once >> 32) * multiplier;
+}
+
 /// The first record that was entered under each key; records are borrowed. An open table, at most
 /// half full: a lookup costs a multiplication and mostly one access to memory, where
 /// `std::unordered_map` divides and follows links.
@@ -52,9 +62,7 @@ class FirstTable {
   /// The slot of the record, or the free one where it would be.
   template <typename Matches>
   std::size_t slot_of(std::uint64_t key, const Matches& matches) const {
-    // Twice, because the products of evenly spaced keys are evenly spaced, and may crowd.
-    const std::uint64_t once = key * multiplier_;
-    auto slot = static_cast<std::size_t>((once ^ once >> 32) * multiplier_ >> shift_);
+    auto slot = static_cast<std::size_t>(spread(key, multiplier_) >> shift_);
     const auto is_other = [&](const Slot& s) {
       return s.record && (s.key != key || !matches(*s.record));
     };

@@ -1,13 +1,11 @@
 #include "zelk/lock.hpp"
 
-#include <algorithm>
-#include <forward_list>
 #include <memory>
 #include <new>
+#include <optional>
 #include <string>
 
-#include "manager/database_list.hpp"
-#include "manager/lock_list.hpp"
+#include "manager/process_lists.hpp"
 #include "model/errors.hpp"
 #include "model/memory.hpp"
 #include "platform/hooks.hpp"
@@ -15,9 +13,43 @@
 
 namespace zelk {
 
-std::forward_list<ZelkLock*>& lock_list() {
-  static std::forward_list<ZelkLock*> list;
-  return list;
+const LockList::Locks& lock_list() { return process_lists().locks.all(); }
+
+void LockList::insert(ZelkLock& lock) {
+  const std::uint64_t number = taken_ + 1;
+  all_.emplace(number, &lock);
+  try {
+    by_database_[&lock.database_].emplace(number, &lock);
+  } catch (...) {
+    all_.erase(number);
+    throw;
+  }
+  lock.number_ = taken_ = number;
+}
+
+void LockList::remove(const ZelkLock& lock) noexcept {
+  all_.erase(lock.number_);
+  const auto found = by_database_.find(&lock.database_);
+  if (found == by_database_.end()) return;
+  found->second.erase(lock.number_);
+  if (found->second.empty()) by_database_.erase(found);
+}
+
+const LockList::Locks& LockList::on(const ZelkDatabase& database) const {
+  static const auto* const none = new Locks();
+  const auto found = by_database_.find(&database);
+  return found == by_database_.end() ? *none : found->second;
+}
+
+/// Each lock takes itself out of `locks`, and the last one `locks` out of the list.
+void LockList::destroy(const Locks& locks, const ZelkManager& manager) noexcept {
+  auto entry = locks.begin();
+  bool is_end = entry == locks.end();
+  while (!is_end) {
+    const ZelkLock* const lock = entry->second;
+    is_end = ++entry == locks.end();
+    if (&lock->manager_ == &manager) delete lock;
+  }
 }
 
 namespace {
@@ -25,14 +57,8 @@ namespace {
 constexpr std::uint32_t kTaskModal = 0x2000;
 constexpr std::uint32_t kErrorIcon = 0x10;
 
-/// Destroys every lock that `matches`; each takes itself out of the list.
-template <typename Matches>
-void destroy_locks(Matches matches) {
-  auto& list = lock_list();
-  for (auto entry = list.begin(); entry != list.end();) {
-    ZelkLock* const lock = *entry++;
-    if (matches(*lock)) delete lock;
-  }
+void show(const std::string& message) {
+  platform::tell_user(message.c_str(), "ZELKMS.DLL", kTaskModal | kErrorIcon);
 }
 
 }  // namespace
@@ -44,14 +70,16 @@ ZelkLock::ZelkLock(ZelkManager& manager, ZelkDatabase& database, const char* rea
       reason_(reason ? zelk::copy_text(reason).release() : nullptr) {}
 
 ZelkLock::~ZelkLock() {
-  zelk::lock_list().remove(this);
+  const zelk::ListGuard guard;
+  zelk::process_lists().locks.remove(*this);
   zelk_mfree(reason_);
 }
 
-void ZelkLock::ShowMessage() const {
-  const std::string text = std::string("Database access refused!\n") + (reason_ ? reason_ : "");
-  zelk::platform::tell_user(text.c_str(), "ZELKMS.DLL", zelk::kTaskModal | zelk::kErrorIcon);
+std::string ZelkLock::Message() const {
+  return std::string("Database access refused!\n") + (reason_ ? reason_ : "");
 }
+
+void ZelkLock::ShowMessage() const { zelk::show(Message()); }
 
 void ZelkLock::FreeLock(ZelkManager& manager) { ListRemoveLocks(manager); }
 
@@ -59,51 +87,74 @@ void ZelkLock::FreeLock(ZelkManager& manager, ZelkDatabase& database) {
   ListRemoveLocks(manager, database);
 }
 
-void ZelkLock::ListInsertLock(ZelkLock& lock) { zelk::lock_list().push_front(&lock); }
+void ZelkLock::ListInsertLock(ZelkLock& lock) {
+  const zelk::ListGuard guard;
+  zelk::process_lists().locks.insert(lock);
+}
 
 void ZelkLock::ListRemoveLock(ZelkLock& lock) { delete &lock; }
 
 void ZelkLock::ListRemoveLocks(ZelkManager& manager) {
-  zelk::destroy_locks([&manager](const ZelkLock& lock) { return &lock.manager_ == &manager; });
+  const zelk::ListGuard guard;
+  zelk::process_lists().locks.destroy(zelk::process_lists().locks.all(), manager);
 }
 
 /// Compared as instances: another one of the same file, read before it was touched, may be open
 /// here too and keeps its locks.
 void ZelkLock::ListRemoveLocks(ZelkManager& manager, ZelkDatabase& database) {
-  zelk::destroy_locks([&manager, &database](const ZelkLock& lock) {
-    return &lock.manager_ == &manager && &lock.database_ == &database;
-  });
+  const zelk::ListGuard guard;
+  zelk::process_lists().locks.destroy(zelk::process_lists().locks.on(database), manager);
 }
 
 ZelkLock* ZelkLock::FindForeign(const ZelkManager& manager, const ZelkDatabase& database,
                                 bool write_locks_only) {
-  auto& list = zelk::lock_list();
-  const auto found = std::find_if(list.begin(), list.end(), [&](const ZelkLock* lock) {
-    return &lock->manager_ != &manager && (lock->IsWriteLock() || !write_locks_only) &&
-           (&lock->database_ == &database || zelk::is_file_of(lock->database_, database.path));
-  });
-  return found == list.end() ? nullptr : *found;
+  const zelk::ListGuard guard;
+  const zelk::ProcessLists& lists = zelk::process_lists();
+  ZelkLock* newest = nullptr;
+  for (const ZelkDatabase* const instance : lists.databases.equal_to(database)) {
+    for (const auto& [number, lock] : lists.locks.on(*instance)) {
+      const bool refuses =
+          &lock->manager_ != &manager && (lock->IsWriteLock() || !write_locks_only);
+      if (refuses && (!newest || newest->number_ < number)) newest = lock;
+    }
+  }
+  return newest;
+}
+
+std::optional<std::string> ZelkLock::Refusal(const ZelkManager& manager,
+                                             const ZelkDatabase& database, bool write_locks_only) {
+  const zelk::ListGuard guard;
+  const ZelkLock* const refusing = FindForeign(manager, database, write_locks_only);
+  return refusing ? std::optional(refusing->Message()) : std::nullopt;
+}
+
+bool ZelkLock::IsRefused(const ZelkManager& manager, const ZelkDatabase& database,
+                         bool write_locks_only) {
+  const std::optional<std::string> refusal = Refusal(manager, database, write_locks_only);
+  if (refusal) zelk::show(*refusal);
+  return refusal.has_value();
 }
 
 ZelkLock* ZelkLock::CreateUnlessRefused(ZelkManager& manager, const char* db, const char* reason,
                                         bool is_write_lock) try {
   ZelkDatabase* const database = manager.FindDatabase(db);
   if (!database) return nullptr;
-  const bool write_locks_only = !is_write_lock;
-  const ZelkLock* const refusing = FindForeign(manager, *database, write_locks_only);
-  if (refusing) {
-    refusing->ShowMessage();
-    return nullptr;
-  }
   std::unique_ptr<ZelkLock> lock;
   if (is_write_lock) {
     lock.reset(new ZelkWriteLock(manager, *database, reason));
   } else {
     lock.reset(new ZelkReadLock(manager, *database, reason));
   }
-  ListInsertLock(*lock);
-  return lock.release();
-} catch (const ZelkException&) {  // has told of itself in the error text
+  std::optional<std::string> refusal;
+  {
+    const zelk::ListGuard guard;
+    refusal = Refusal(manager, *database, !is_write_lock);
+    if (!refusal) ListInsertLock(*lock);
+  }
+  if (!refusal) return lock.release();
+  zelk::show(*refusal);
+  return nullptr;
+} catch (const ZelkException&) {  // already reported: raising appends to the error text
   return nullptr;
 } catch (const std::bad_alloc&) {
   zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);

@@ -2,69 +2,63 @@
 
 #include "zelk/manager.hpp"
 
+#include <memory>
 #include <new>
+#include <thread>
 #include <utility>
 
-#include "capi/list_walk.hpp"
-#include "manager/database_list.hpp"
-#include "manager/lock_list.hpp"
-#include "manager/names.hpp"
+#include "manager/manager_tables.hpp"
+#include "manager/process_lists.hpp"
 #include "model/errors.hpp"
 #include "model/memory.hpp"
 #include "zelk/exception.hpp"
 #include "zelk/lock.hpp"
 
-namespace {
-
-/// What the process's managers share.
-struct Managers {
-  ZelkManagerNode* head = nullptr;
-  /// The node that was found last, and by whom: lookups tend to ask for the same one again.
-  const ZelkManager* finder = nullptr;
-  ZelkManager::DbListNode* last_found = nullptr;
-};
-
-Managers& managers() {
-  static Managers managers;
-  return managers;
+ZelkManager::ZelkManager(void* thread)
+    : thread_(thread), tables_(std::make_unique<zelk::ManagerTables>()) {
+  EnterManagersList();
 }
 
-}  // namespace
-
-ZelkManager::ZelkManager(void* thread) : thread_(thread) { EnterManagersList(); }
-
-ZelkManager::ZelkManager(HWND window) : window_(window) { EnterManagersList(); }
+ZelkManager::ZelkManager(HWND window)
+    : window_(window), tables_(std::make_unique<zelk::ManagerTables>()) {
+  EnterManagersList();
+}
 
 ZelkManager::~ZelkManager() {
   FlushDatabaseCache();
   CloseDatabase(false);
   LeaveManagersList();
   zelk_mfree(last_open_error_);
-  if (!managers().head) ZelkDatabase::ReleaseCache();
 }
 
 void ZelkManager::EnterManagersList() {
-  // Made before it, these outlive a manager that lives to the end of the process.
-  zelk::error_state();
-  zelk::database_list();
-  zelk::lock_list();
-  managers().head = new ZelkManagerNode{*this, managers().head};
+  const zelk::ListGuard guard;
+  ZelkManagerNode*& head = zelk::process_lists().managers;
+  head = new ZelkManagerNode{*this, head};
 }
 
 void ZelkManager::LeaveManagersList() {
-  ZelkManagerNode** link = &managers().head;
+  const zelk::ListGuard guard;
+  ZelkManagerNode*& head = zelk::process_lists().managers;
+  ZelkManagerNode** link = &head;
   while (*link && &(*link)->manager != this) link = &(*link)->next;
   if (*link) delete std::exchange(*link, (*link)->next);
+  if (!head) ZelkDatabase::ReleaseCache();
 }
 
-const ZelkManagerNode* ZelkManager::GetManagersList() { return managers().head; }
+const ZelkManagerNode* ZelkManager::GetManagersList() {
+  const zelk::ListGuard guard;
+  return zelk::process_lists().managers;
+}
 
 void ZelkManager::SetHandle(void* thread) {
+  const zelk::ListGuard guard;
   thread_ = thread;
   window_ = nullptr;
 }
 
 void ZelkManager::SetHandle(HWND window) {
+  const zelk::ListGuard guard;
   window_ = window;
   thread_ = nullptr;
 }
@@ -99,7 +93,7 @@ ZelkError ZelkManager::OpenDatabase(const char* path, const char** name, const c
   }
   const ZelkError refused = CheckForWriteOpen(path);
   return refused != ZelkErrorOk ? refused : OpenAssigned(path, name, wanted_name, priority);
-} catch (const ZelkException&) {  // has told of itself in the error text
+} catch (const ZelkException&) {  // already reported: raising appends to the error text
   return ZelkErrorNoDatabase;
 } catch (const std::bad_alloc&) {
   zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
@@ -118,6 +112,11 @@ ZelkError ZelkManager::OpenAssigned(const char* path, const char** name, const c
       ReleaseDatabase(database, false);
       return ZelkErrorNameUsed;
     }
+    const zelk::ListGuard guard;
+    if (IsWrittenByOtherThread(path)) {
+      ReleaseDatabase(database, false);
+      return ZelkErrorOpenForWrite;
+    }
     const char* const stored = wanted_name
                                    ? ListInsertDatabase(database, wanted_name, 0)
                                    : ListInsertDatabase(database, default_name.get(), priority);
@@ -127,6 +126,35 @@ ZelkError ZelkManager::OpenAssigned(const char* path, const char** name, const c
     ReleaseDatabase(database, false);
     throw;
   }
+}
+
+/// Whether a manager owns a file for writing. One of another thread is not asked by its virtual
+/// operation, which may read what that thread changes.
+bool ZelkManager::OwnsForWrite(const ZelkManager& manager, const char* path) {
+  const zelk::ListGuard guard;
+  if (manager.tables_->thread == std::this_thread::get_id())
+    return manager.OwnsDatabaseForWrite(path);
+  return manager.tables_->is_for_writing && manager.ListFindPath(path) != nullptr;
+}
+
+/// Whether a write manager of another thread has opened the file while this one read it.
+bool ZelkManager::IsWrittenByOtherThread(const char* path) const {
+  if (!tables_->is_for_writing) return false;
+  for (const ZelkManagerNode* node = GetManagersList(); node; node = node->next) {
+    const bool is_other = node->manager.tables_->thread != tables_->thread;
+    if (is_other && OwnsForWrite(node->manager, path)) return true;
+  }
+  return false;
+}
+
+/// Whether a manager that does not have `database` open owns its file for writing.
+bool ZelkManager::IsFileOwnedByAnother(const ZelkDatabase& database, const char* file) {
+  const zelk::ListGuard guard;
+  for (const ZelkManagerNode* node = GetManagersList(); node; node = node->next) {
+    const bool has_it = node->manager.tables_->by_database.contains(&database);
+    if (!has_it && OwnsForWrite(node->manager, file)) return true;
+  }
+  return false;
 }
 
 ZelkDatabase& ZelkManager::AssignDatabase(const char* path) {
@@ -146,7 +174,7 @@ ZelkDatabase& ZelkManager::AssignDatabase(const char* path) {
 void ZelkManager::KeepErrorText() noexcept {
   zelk_mfree(std::exchange(last_open_error_, nullptr));
   try {
-    last_open_error_ = zelk::copy_text(zelk_get_error_text()).release();
+    last_open_error_ = zelk::copy_text(zelk_get_thread_error_text()).release();
   } catch (const ZelkException&) {  // the open itself goes on
   }
 }
@@ -159,19 +187,23 @@ ZelkError ZelkManager::ReopenDatabase(const char* db) {
   FlushDatabaseCache();
   if (db) {
     DbListNode* const node = ListFindDatabase(db);
-    return node ? Reopen(node->database) : ZelkErrorNoDatabase;
+    return node ? Reopen(Changeable(*node)) : ZelkErrorNoDatabase;
   }
   ZelkError result = ZelkErrorOk;
   for (DbListNode* node = databases_; node; node = node->next) {
-    const ZelkError error = Reopen(node->database);
+    const ZelkError error = Reopen(Changeable(*node));
     if (error != ZelkErrorOk) result = error;
   }
   return result;
 }
 
-ZelkError ZelkManager::Reopen(ZelkDatabase& database) const {
-  const ZelkError missing = GetDatabaseFileInfo(database.path);
+ZelkError ZelkManager::Reopen(ZelkDatabase& database) const try {
+  if (!database.path) return ZelkErrorFileNotFound;
+  const ZelkError missing = GetDatabaseFileInfo(database.OwnFile().c_str());
   return missing != ZelkErrorOk ? missing : database.ReopenDatabaseFile();
+} catch (const std::bad_alloc&) {
+  zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
+  return ZelkErrorNoDatabase;
 }
 
 // --- Closing ---
@@ -187,44 +219,45 @@ void ZelkManager::CloseDatabase(bool keep_in_cache) {
 }
 
 void ZelkManager::CloseNode(DbListNode& node, bool keep_in_cache) {
-  ZelkDatabase& database = node.database;
+  ZelkDatabase& database = Changeable(node);
   ListRemoveDatabase(node);
   ReleaseDatabase(database, keep_in_cache);
 }
 
 /// A database that finds no memory for its place in the cache is not kept.
 void ZelkManager::ReleaseDatabase(ZelkDatabase& database, bool keep_in_cache) {
-  if (keep_in_cache) {
-    CacheNode* const node = new (std::nothrow) CacheNode{database, cache_};
-    if (node) cache_ = node;
-    keep_in_cache = node != nullptr;
-  }
+  const zelk::ListGuard guard;
   ZelkLock::FreeLock(*this, database);
-  ZelkDatabase::DestroyDatabase(database, keep_in_cache);
+  ZelkDatabase::DestroyDatabase(database, keep_in_cache && PutIntoCache(database));
+}
+
+/// @return false when there is no memory for it
+bool ZelkManager::PutIntoCache(ZelkDatabase& database) try {
+  tables_->cache.insert(&database);
+  return true;
+} catch (const std::bad_alloc&) {
+  return false;
 }
 
 void ZelkManager::FlushDatabaseCache() {
-  while (cache_) {
-    ZelkDatabase& database = cache_->database;
-    delete std::exchange(cache_, cache_->next);
+  const zelk::ListGuard guard;
+  while (!tables_->cache.empty()) {
+    ZelkDatabase& database = **tables_->cache.begin();
+    tables_->cache.erase(tables_->cache.begin());
     ++database.ref_count;
     if (database.cache_count > 0) --database.cache_count;
     ZelkDatabase::DestroyDatabase(database, false);
   }
 }
 
-void ZelkManager::RemoveFromCache(const ZelkDatabase& database) {
-  for (CacheNode** link = &cache_; *link;) {
-    if (&(*link)->database == &database) {
-      delete std::exchange(*link, (*link)->next);
-    } else {
-      link = &(*link)->next;
-    }
-  }
+void ZelkManager::RemoveFromCache(ZelkDatabase& database) {
+  const zelk::ListGuard guard;
+  tables_->cache.erase(&database);
 }
 
-void ZelkManager::ForgetCached(const ZelkDatabase& database) {
-  for (const ZelkManagerNode* node = managers().head; node; node = node->next) {
+void ZelkManager::ForgetCached(ZelkDatabase& database) {
+  const zelk::ListGuard guard;
+  for (const ZelkManagerNode* node = GetManagersList(); node; node = node->next) {
     node->manager.RemoveFromCache(database);
   }
 }
@@ -234,18 +267,20 @@ void ZelkManager::ForgetCached(const ZelkDatabase& database) {
 const char* ZelkManager::ListInsertDatabase(ZelkDatabase& database, const char* name,
                                             std::uint32_t priority) {
   zelk::OwnedText copy = zelk::copy_text(name);
-  DbListNode** link = &databases_;
-  while (*link && (*link)->priority >= priority) link = &(*link)->next;
-  *link = new DbListNode{copy.get(), database, priority, {}, envvar_handle_base_, nullptr, *link};
-  envvar_handle_base_ += static_cast<std::uint32_t>(database.GetMaxEnvvarHandle());
+  auto node = std::make_unique<DbListNode>(DbListNode{
+      copy.get(), database, priority, {}, envvar_handle_base_, nullptr, nullptr, nullptr});
+  const zelk::ListGuard guard;
+  tables_->thread = std::this_thread::get_id();
+  tables_->enter(*node, databases_);
+  const DbListNode& listed = *node.release();
+  envvar_handle_base_ += static_cast<std::uint32_t>(listed.database.GetMaxEnvvarHandle());
   return copy.release();
 }
 
 void ZelkManager::ListRemoveDatabase(DbListNode& node) {
-  managers().last_found = nullptr;
-  DbListNode** link = &databases_;
-  while (*link != &node) link = &(*link)->next;
-  *link = node.next;
+  last_found_ = nullptr;
+  const zelk::ListGuard guard;
+  tables_->leave(node, databases_);
   zelk_mfree(node.name);
   delete &node;
   if (!databases_) envvar_handle_base_ = 0;
@@ -258,21 +293,27 @@ ZelkManager::DbListNode* ZelkManager::ListFindDatabase(const char* db) {
 }
 
 ZelkManager::DbListNode* ZelkManager::ListFindNode(const char* db) const {
-  Managers& all = managers();
-  if (all.last_found && all.finder == this && all.last_found->name == db) return all.last_found;
-  DbListNode* const found =
-      zelk::find_first(databases_, [db](const DbListNode& node) { return node.name == db; });
-  if (!found) return nullptr;
-  all.last_found = found;
-  all.finder = this;
-  return found;
+  if (last_found_ && last_found_->name == db) return last_found_;
+  const auto found = tables_->by_handle.find(db);
+  if (found == tables_->by_handle.end()) return nullptr;
+  last_found_ = found->second;
+  return last_found_;
 }
 
 ZelkManager::DbListNode* ZelkManager::ListFindName(const char* text) const {
-  return text ? zelk::find_name(databases_, text) : nullptr;
+  if (!text) return nullptr;
+  const auto found = tables_->by_name.find(text);
+  return found == tables_->by_name.end() ? nullptr : found->second;
 }
 
+/// Of several instances of the file, as after a touch that was taken back, any one.
 ZelkManager::DbListNode* ZelkManager::ListFindPath(const char* path) const {
-  return zelk::find_first(
-      databases_, [path](const DbListNode& node) { return zelk::is_file_of(node.database, path); });
+  if (!path || !databases_) return nullptr;
+  const zelk::platform::FilePath file(path);
+  const zelk::ListGuard guard;
+  for (const ZelkDatabase* const database : zelk::process_lists().databases.of(file)) {
+    const auto found = tables_->by_database.find(database);
+    if (found != tables_->by_database.end()) return found->second;
+  }
+  return nullptr;
 }

@@ -5,8 +5,11 @@
 #include <algorithm>
 #include <cstring>
 #include <new>
+#include <utility>
 
 #include "capi/list_walk.hpp"
+#include "manager/manager_tables.hpp"
+#include "manager/process_lists.hpp"
 #include "model/errors.hpp"
 #include "model/memory.hpp"
 #include "zelk/exception.hpp"
@@ -27,10 +30,11 @@ bool ZelkVerifyDatabaseName(const char* text) {
 }
 
 bool ZelkSplitQualifiedName(char* text, const char** db, const char** object) {
-  *db = text;
-  *object = nullptr;
+  if (db) *db = text;
+  if (object) *object = nullptr;
   char* const colon = text ? std::strchr(text, ':') : nullptr;
-  if (!colon || colon[1] != ':') return false;
+  const bool is_qualified = colon && colon[1] == ':';
+  if (!is_qualified || !db || !object) return is_qualified;
   *colon = '\0';
   *object = colon + 2;
   return true;
@@ -51,14 +55,20 @@ const char* ZelkManager::GetDatabasePath(const char* text) {
 bool ZelkManager::IsDatabaseName(const char* db) { return ListFindDatabase(db) != nullptr; }
 
 ZelkDatabase* ZelkManager::GetDatabase(const char* db) {
-  ZelkDatabase* const database = FindDatabase(db);
-  if (database) database->ForbidIndex();
-  return database;
+  const ZelkDatabase* const database = FindDatabase(db);
+  return database ? database->HandOut(database) : nullptr;
+}
+
+const ZelkDatabase* ZelkManager::GetConstDatabase(const char* db) { return FindDatabase(db); }
+
+const ZelkDatabase* ZelkManager::GetDatabase(const char* db) const {
+  const DbListNode* const node = ListFindNode(db);
+  return node ? &node->database : nullptr;
 }
 
 ZelkDatabase* ZelkManager::FindDatabase(const char* db) {
-  DbListNode* const node = ListFindDatabase(db);
-  return node ? &node->database : nullptr;
+  const DbListNode* const node = ListFindDatabase(db);
+  return node ? &Changeable(*node) : nullptr;
 }
 
 const char* ZelkManager::GetDatabaseName(const char* path) try {
@@ -73,7 +83,7 @@ const char* ZelkManager::GetDatabaseName(const char* path) try {
   }
   status_ = kNotFound;
   return nullptr;
-} catch (const ZelkException&) {  // has told of itself in the error text
+} catch (const ZelkException&) {  // already reported: raising appends to the error text
   status_ = kNotFound;
   return nullptr;
 } catch (const std::bad_alloc&) {
@@ -88,22 +98,30 @@ ZelkError ZelkManager::SetDatabaseName(const char* db, const char** name, const 
   if (!ZelkVerifyDatabaseName(new_name)) return ZelkErrorInvalidName;
   const DbListNode* const holder = ListFindName(new_name);
   if (holder && holder != node) return ZelkErrorNameUsed;
-  if (!holder) {
-    try {
-      zelk::assign_text(node->name, zelk::copy_text(new_name));
-    } catch (const ZelkException&) {
-      return ZelkErrorNoDatabase;
-    }
-  }
+  if (!holder && !Rename(*node, new_name)) return ZelkErrorNoDatabase;
   if (name) *name = node->name;
   return ZelkErrorOk;
+}
+
+/// @return false when memory runs out
+bool ZelkManager::Rename(DbListNode& node, const char* name) try {
+  zelk::OwnedText copy = zelk::copy_text(name);
+  const zelk::ListGuard guard;
+  tables_->rename(node, copy.get());
+  zelk::assign_text(node.name, std::move(copy));
+  return true;
+} catch (const ZelkException&) {  // already reported: raising appends to the error text
+  return false;
+} catch (const std::bad_alloc&) {
+  zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
+  return false;
 }
 
 bool ZelkManager::GetDefaultDatabaseName(const char* db, char* buffer, std::size_t size) {
   const ZelkDatabase* const database = FindDatabase(db);
   if (!database) return false;
   const zelk::OwnedText name(database->GetDefaultName());
-  if (!name || size == 0) return false;
+  if (!name || !buffer || size == 0) return false;
   const std::string_view whole = name.get();
   buffer[whole.copy(buffer, size - 1)] = '\0';
   return whole.size() < size;

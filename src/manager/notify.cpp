@@ -1,8 +1,13 @@
 // News of changes, posted to the windows and threads of managers.
 
+#include <algorithm>
 #include <cstdint>
 #include <new>
+#include <utility>
+#include <vector>
 
+#include "manager/manager_tables.hpp"
+#include "manager/process_lists.hpp"
 #include "model/errors.hpp"
 #include "platform/hooks.hpp"
 #include "platform/platform.hpp"
@@ -17,34 +22,72 @@ std::uint32_t low_word(const void* handle) {
 }
 
 std::uint32_t message_number() {
-  return zelk::platform::registered_message(ZelkNotificationMessageString);
+  // Asked for once: the number stays, and the answer must not depend on what the system's part
+  // still has when the process ends.
+  static const std::uint32_t number =
+      zelk::platform::registered_message(ZelkNotificationMessageString);
+  return number;
+}
+
+/// A host's function may wait for another thread, which may wait for the lists.
+void send(const std::vector<zelk_notification>& news) {
+  for (const zelk_notification& notification : news) zelk::platform::notify(notification);
 }
 
 }  // namespace
 
 void ZelkManager::NotifyChanges(const ZelkManager& sender, const ZelkDatabase& database) try {
-  zelk::platform::notify({ZELK_NOTIFY_ALL_WINDOWS, nullptr, message_number(), 0, nullptr});
-  sender.NotifyChanges(database, sender);
-  for (const ZelkManagerNode* node = GetManagersList(); node; node = node->next) {
-    if (&node->manager != &sender) node->manager.NotifyChanges(database, sender);
+  std::vector<zelk_notification> news = {
+      {ZELK_NOTIFY_ALL_WINDOWS, nullptr, message_number(), 0, nullptr}};
+  {
+    const zelk::ListGuard guard;
+    const auto equal = zelk::process_lists().databases.equal_to(database);
+    sender.AddNews(equal, sender, news);
+    for (const ZelkManagerNode* node = GetManagersList(); node; node = node->next) {
+      if (&node->manager != &sender) node->manager.AddNews(equal, sender, news);
+    }
   }
+  send(news);
 } catch (const std::bad_alloc&) {
   zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
 }
 
 void ZelkManager::NotifyChanges(const ZelkDatabase& database, const ZelkManager& sender) const try {
-  if (!window_ && !thread_) return;
-  const std::uint32_t number = message_number();
-  for (const DbListNode* node = databases_; node; node = node->next) {
-    if (!(node->database == database)) continue;
-    if (window_) {
-      zelk::platform::notify(
-          {ZELK_NOTIFY_WINDOW, window_, number, low_word(sender.window_), node->name});
-    } else {
-      zelk::platform::notify(
-          {ZELK_NOTIFY_THREAD, thread_, number, low_word(sender.thread_), node->name});
-    }
+  std::vector<zelk_notification> news;
+  {
+    const zelk::ListGuard guard;
+    AddNews(zelk::process_lists().databases.equal_to(database), sender, news);
   }
+  send(news);
 } catch (const std::bad_alloc&) {
   zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
+}
+
+/// What this manager's window or thread hears of a change of any of the databases, in the order of
+/// its list.
+void ZelkManager::AddNews(const std::vector<const ZelkDatabase*>& databases,
+                          const ZelkManager& sender, std::vector<zelk_notification>& news) const {
+  if (!window_ && !thread_) return;
+  std::vector<const DbListNode*> nodes;
+  for (const ZelkDatabase* const database : databases) {
+    const auto [first, last] = tables_->by_database.equal_range(database);
+    for (auto entry = first; entry != last; ++entry) nodes.push_back(entry->second);
+  }
+  if (nodes.size() > 1) {
+    const std::vector<const DbListNode*> unordered = std::exchange(nodes, {});
+    for (const DbListNode* node = databases_; node; node = node->next) {
+      if (std::find(unordered.begin(), unordered.end(), node) != unordered.end()) {
+        nodes.push_back(node);
+      }
+    }
+  }
+  for (const DbListNode* const node : nodes) {
+    if (window_) {
+      news.push_back(
+          {ZELK_NOTIFY_WINDOW, window_, message_number(), low_word(sender.window_), node->name});
+    } else {
+      news.push_back(
+          {ZELK_NOTIFY_THREAD, thread_, message_number(), low_word(sender.thread_), node->name});
+    }
+  }
 }

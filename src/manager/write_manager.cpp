@@ -2,36 +2,23 @@
 
 #include "zelk/write_manager.hpp"
 
-#include <algorithm>
 #include <new>
 
-#include "manager/database_list.hpp"
+#include "manager/manager_tables.hpp"
+#include "manager/process_lists.hpp"
 #include "model/errors.hpp"
-#include "model/memory.hpp"
-#include "platform/platform.hpp"
 #include "zelk/exception.hpp"
 #include "zelk/lock.hpp"
 
-namespace zelk {
-namespace {
-
-/// Whether there is a file, or an open database that is for it: the later one of the two to be
-/// written would replace the other.
-bool is_taken(const char* path) {
-  if (writability(path) != ZelkErrorFileNotFound) return true;
-  const auto& list = database_list();
-  return std::any_of(list.begin(), list.end(), [path](const ZelkDatabase* database) {
-    return database->ref_count > 0 && database->path &&
-           platform::is_same_path(database->path, path);
-  });
+ZelkWriteManager::ZelkWriteManager(void* thread) : ZelkManager(thread) {
+  const zelk::ListGuard guard;
+  tables_->is_for_writing = true;
 }
 
-}  // namespace
-}  // namespace zelk
-
-ZelkWriteManager::ZelkWriteManager(void* thread) : ZelkManager(thread) {}
-
-ZelkWriteManager::ZelkWriteManager(HWND window) : ZelkManager(window) {}
+ZelkWriteManager::ZelkWriteManager(HWND window) : ZelkManager(window) {
+  const zelk::ListGuard guard;
+  tables_->is_for_writing = true;
+}
 
 bool ZelkWriteManager::LockDatabase(const char* db, const char* reason) {
   return ZelkWriteLock::Create(*this, db, reason) != nullptr;
@@ -42,8 +29,9 @@ bool ZelkWriteManager::LockAllDatabases(const char* reason) {
 }
 
 ZelkError ZelkWriteManager::CheckForWriteOpen(const char* path) const {
+  const zelk::ListGuard guard;
   for (const ZelkManagerNode* node = GetManagersList(); node; node = node->next) {
-    if (node->manager.OwnsDatabaseForWrite(path)) return ZelkErrorOpenForWrite;
+    if (OwnsForWrite(node->manager, path)) return ZelkErrorOpenForWrite;
   }
   return ZelkErrorOk;
 }
@@ -55,21 +43,15 @@ bool ZelkWriteManager::OwnsDatabaseForWrite(const char* path) const try {
   return true;  // who cannot tell must not let a second one in
 }
 
-/// The records are this manager's to change, and so no index may know them.
-ZelkDatabase& ZelkWriteManager::AssignDatabase(const char* path) {
-  ZelkDatabase& database = ZelkManager::AssignDatabase(path);
-  database.ForbidIndex();
-  return database;
-}
-
 ZelkError ZelkWriteManager::CreateDatabase(const char* db, const char** name,
                                            const char* path) try {
   if (!ZelkVerifyDatabaseName(db)) return ZelkErrorInvalidName;
   if (ListFindName(db)) return ZelkErrorNameUsed;
-  if (path && zelk::is_taken(path)) return ZelkErrorFileBelongs;
+  if (path && zelk::writability(path) != ZelkErrorFileNotFound) return ZelkErrorFileBelongs;
   ZelkDatabase& database = AssignDatabase(nullptr);
   try {
-    if (path) zelk::assign_text(database.path, zelk::copy_text(path));
+    if (path) database.SetFile(path);
+    database.is_file_new_ = path != nullptr;
     const char* const stored = ListInsertDatabase(database, db, 0);
     if (name) *name = stored;
   } catch (...) {
@@ -77,19 +59,18 @@ ZelkError ZelkWriteManager::CreateDatabase(const char* db, const char** name,
     throw;
   }
   return ZelkErrorOk;
-} catch (const ZelkException&) {  // has told of itself in the error text
+} catch (const ZelkException&) {  // already reported: raising appends to the error text
   return ZelkErrorNoDatabase;
 } catch (const std::bad_alloc&) {
   zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
   return ZelkErrorNoDatabase;
 }
 
-/// 11 when another manager holds a lock on the database, which the user is told.
-ZelkError ZelkWriteManager::CheckForLock(ZelkDatabase& database) try {
-  const ZelkLock* const refusing = ZelkWriteLock::GetLock(*this, database);
-  if (!refusing) return ZelkErrorOk;
-  refusing->ShowMessage();
-  return ZelkErrorLocked;
+/// `ZelkErrorLocked` when another manager holds a lock on the database, which the user is told.
+ZelkError ZelkWriteManager::CheckForLock(const ZelkDatabase& database) try {
+  constexpr bool kWriteLocksOnly = false;
+  const bool is_refused = ZelkLock::IsRefused(*this, database, kWriteLocksOnly);
+  return is_refused ? ZelkErrorLocked : ZelkErrorOk;
 } catch (const std::bad_alloc&) {
   zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
   return ZelkErrorNotWritten;
@@ -116,26 +97,33 @@ ZelkError ZelkWriteManager::WriteAllDatabases() {
   }
   ZelkError result = ZelkErrorOk;
   for (DbListNode* node = databases_; node; node = node->next) {
-    const ZelkError error = WriteAndNotify(node->database, nullptr);
+    const ZelkError error = WriteAndNotify(Changeable(*node), nullptr);
     if (result == ZelkErrorOk) result = error;
   }
   return result;
 }
 
 void ZelkWriteManager::CommitDatabase(const char* db) {
-  if (db && !FindDatabase(db)) return;
-  for (DbListNode* node = databases_; node; node = node->next) {
-    if (db && node->name != db) continue;
-    node->database.Commit();
-    NotifyChanges(*this, node->database);
-  }
+  const auto commit = [this](ZelkDatabase& database) {
+    database.Commit();
+    NotifyChanges(*this, database);
+  };
+  ForNamedOrAll(db, commit);
 }
 
 void ZelkWriteManager::ClearDatabase(const char* db) {
-  if (db && !FindDatabase(db)) return;
-  for (DbListNode* node = databases_; node; node = node->next) {
-    if (!db || node->name == db) node->database.Clear();
+  ForNamedOrAll(db, [](ZelkDatabase& database) { database.Clear(); });
+}
+
+/// Calls `operation` with the database of a handle, for null with every one in list order.
+template <typename Operation>
+void ZelkWriteManager::ForNamedOrAll(const char* db, Operation operation) {
+  if (db) {
+    ZelkDatabase* const database = FindDatabase(db);
+    if (database) operation(*database);
+    return;
   }
+  for (const DbListNode* node = databases_; node; node = node->next) operation(Changeable(*node));
 }
 
 bool ZelkWriteManager::WriteExtendedMultiplexing(const char* db, bool on) {

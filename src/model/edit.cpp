@@ -1,6 +1,8 @@
 // Insertion into and deletion from the lists, and the edits of a signal's multiplexing.
 
 #include <cstdint>
+#include <new>
+#include <unordered_set>
 #include <utility>
 
 #include "model/list_edit.hpp"
@@ -10,32 +12,35 @@
 namespace zelk {
 namespace {
 
-/// Links `record` behind the element at `position` (from 1) and returns that element.
+/// Links `record` behind the element at `position` (from 1), or behind the last one, and returns
+/// that element.
 template <typename Record>
 Record* link_behind(Record* head, Record* record, std::uint32_t position) {
   Record* element = head;
-  for (std::uint32_t step = 1; step < position; ++step) element = element->next;
+  for (std::uint32_t step = 1; step < position && element->next; ++step) element = element->next;
   link_in_front(element->next, record);
   return element;
 }
 
 template <typename Record>
 void* insert(Record** head, Record* record, std::uint32_t position) {
-  if (position > 0) return link_behind(*head, record, position);
+  if (!head || !record) return nullptr;
+  count_list_change<Record>();
+  if (position > 0 && *head) return link_behind(*head, record, position);
   link_in_front(*head, record);
   return static_cast<void*>(head);
 }
 
 template <typename Record>
 void delete_bare(Record** head, Record* record) {
-  if (!record) return;
+  if (!head || !record) return;
   unlink(*head, record);
   zelk_mfree(record);
 }
 
 template <typename Record>
 void delete_with_comment(Record** head, Record* record) {
-  if (record) zelk_mfree(record->comment);
+  if (head && record) zelk_mfree(record->comment);
   delete_bare(head, record);
 }
 
@@ -43,35 +48,43 @@ void set_flag(sigblk& signal, int flag, bool is_set) {
   signal.flags = static_cast<std::uint16_t>(is_set ? signal.flags | flag : signal.flags & ~flag);
 }
 
-/// What `zelk_remove_multiplexor` does for each signal from `first` on that has ranges, but in one
-/// pass over the message instead of one for each: multiplexors that no other signal names lose
-/// their flag.
-void remove_multiplexing_from(sigblk* first) {
-  constexpr int kIsGivenUp = 0x8000;  // a bit that has no meaning in the record
-  for (sigblk* signal = first; signal; signal = signal->next) {
-    if (signal->mux_ranges && signal->mux_signal) set_flag(*signal->mux_signal, kIsGivenUp, true);
-  }
-  bool is_behind_first = false;
-  for (sigblk* other = first && first->message ? first->message->signals : first; other;
-       other = other->next) {
-    is_behind_first |= other == first;
-    const bool goes = is_behind_first && other->mux_ranges;
-    if (!goes && other->mux_signal) set_flag(*other->mux_signal, kIsGivenUp, false);
-  }
-  for (sigblk* signal = first; signal; signal = signal->next) {
-    if (!signal->mux_ranges) continue;
-    release_list(std::exchange(signal->mux_ranges, nullptr));
-    sigblk* multiplexor = std::exchange(signal->mux_signal, nullptr);
-    if (!multiplexor || (multiplexor->flags & kIsGivenUp) == 0) continue;
-    set_flag(*multiplexor, kIsGivenUp | ZELK_SIGNAL_MULTIPLEXOR, false);
-  }
-}
-
 bool selects_any(const msgblk& message, const sigblk* multiplexor) {
   for (const sigblk* signal = message.signals; signal; signal = signal->next) {
     if (signal->mux_signal == multiplexor) return true;
   }
   return false;
+}
+
+void remove_multiplexing(sigblk& signal) {
+  sigblk* const multiplexor = std::exchange(signal.mux_signal, nullptr);
+  release_list(std::exchange(signal.mux_ranges, nullptr));
+  if (!multiplexor || (signal.message && selects_any(*signal.message, multiplexor))) return;
+  set_flag(*multiplexor, ZELK_SIGNAL_MULTIPLEXOR, false);
+}
+
+/// What `zelk_remove_multiplexor` does for each signal from `first` on that has ranges, but in one
+/// pass over the message instead of one for each: multiplexors that no other signal names lose
+/// their flag.
+void remove_multiplexing_from(sigblk* first) try {
+  std::unordered_set<const sigblk*> named;
+  bool is_behind_first = false;
+  for (sigblk* other = first && first->message ? first->message->signals : first; other;
+       other = other->next) {
+    is_behind_first |= other == first;
+    const bool goes = is_behind_first && other->mux_ranges;
+    if (!goes && other->mux_signal) named.insert(other->mux_signal);
+  }
+  for (sigblk* signal = first; signal; signal = signal->next) {
+    if (!signal->mux_ranges) continue;
+    release_list(std::exchange(signal->mux_ranges, nullptr));
+    sigblk* multiplexor = std::exchange(signal->mux_signal, nullptr);
+    const bool is_named = !multiplexor || named.contains(multiplexor);
+    if (!is_named) set_flag(*multiplexor, ZELK_SIGNAL_MULTIPLEXOR, false);
+  }
+} catch (const std::bad_alloc&) {  // slower, but a deletion cannot fail
+  for (sigblk* signal = first; signal; signal = signal->next) {
+    if (signal->mux_ranges) remove_multiplexing(*signal);
+  }
 }
 
 }  // namespace
@@ -100,14 +113,15 @@ void* can_insert_valtable(valtable** head, valtable* record, uint32_t position) 
 }
 
 void* can_insert_sig(msgblk* message, sigblk* signal, uint32_t position) {
-  void* where = zelk::insert(&message->signals, signal, position);
-  return position > 0 ? where : message;
+  if (!message) return nullptr;
+  void* const where = zelk::insert(&message->signals, signal, position);
+  return where == &message->signals ? message : where;
 }
 
 void can_delete_symbol(symblk** head, symblk* node) { zelk::delete_with_comment(head, node); }
 
 void can_delete_msg(msgblk** head, msgblk* message) {
-  if (!message) return;
+  if (!head || !message) return;
   zelk::unlink(*head, message);
   message->next = nullptr;
   can_delete_siglist(message->signals);
@@ -122,7 +136,7 @@ void can_delete_evblk(env_var_blk** head, env_var_blk* variable) {
 void can_delete_btl(btlblk** head, btlblk* bit_timing) { zelk::delete_bare(head, bit_timing); }
 
 void can_delete_attr_def(attr_def** head, attr_def* definition) {
-  if (!definition) return;
+  if (!head || !definition) return;
   if (definition->value_type == ZELK_ATTR_ENUM) zelk_mfree(definition->enum_values);
   if (definition->value_type == ZELK_ATTR_STRING) zelk_mfree(definition->default_value.text);
   zelk::delete_bare(head, definition);
@@ -135,11 +149,13 @@ void can_delete_sigtype(sigtype** head, sigtype* type) { zelk::delete_bare(head,
 void can_delete_valtable(valtable** head, valtable* table) { zelk::delete_bare(head, table); }
 
 void can_delete_sig(msgblk* message, sigblk* signal) {
+  if (!message || !signal) return;
   zelk::unlink(message->signals, signal);
   can_deallocate_sig(signal);
 }
 
 void can_delete_siggroup(msgblk* message, siggroupblk* group) {
+  if (!message || !group) return;
   zelk::unlink(message->siggroups, group);
   can_deallocate_siggroup(group);
 }
@@ -151,6 +167,7 @@ void can_delete_siglist(sigblk* first) {
 }
 
 void can_delete_multiplexor_value_range(sigblk* signal, muxor_val_range* range) {
+  if (!signal || !range) return;
   zelk::delete_bare(&signal->mux_ranges, range);
   if (!signal->mux_ranges) zelk_remove_multiplexor(signal);
 }
@@ -171,11 +188,7 @@ void can_deallocate_siggroup(siggroupblk* group) {
 }
 
 void zelk_remove_multiplexor(sigblk* signal) {
-  if (!signal) return;
-  sigblk* multiplexor = std::exchange(signal->mux_signal, nullptr);
-  zelk::release_list(std::exchange(signal->mux_ranges, nullptr));
-  if (!multiplexor || (signal->message && zelk::selects_any(*signal->message, multiplexor))) return;
-  zelk::set_flag(*multiplexor, ZELK_SIGNAL_MULTIPLEXOR, false);
+  if (signal) zelk::remove_multiplexing(*signal);
 }
 
 muxor_val_range* zelk_add_multiplexor_value_range(sigblk* signal, sigblk* multiplexor, uint32_t low,

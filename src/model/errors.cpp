@@ -3,8 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <mutex>
 #include <new>
 
+#include "model/thread_state.hpp"
+#include "platform/immortal.hpp"
+#include "platform/module_entry.hpp"
 #include "zelk/exception.hpp"
 
 namespace zelk {
@@ -54,27 +58,49 @@ const char* text_of(std::uint32_t number) {
 /// Formats behind the `used` characters of the message line, bounded by the room left; returns the
 /// new length.
 template <typename... Arguments>
-std::size_t append_part(std::size_t used, const char* format, Arguments... arguments) {
-  auto& line = error_state().line;
+std::size_t append_part(char (&line)[ZELK_ERROR_LINE_SIZE], std::size_t used, const char* format,
+                        Arguments... arguments) {
   const int wanted = std::snprintf(line + used, sizeof line - used, format, arguments...);
   const std::size_t written = wanted > 0 ? static_cast<std::size_t>(wanted) : 0;
   return std::min(used + written, sizeof line - 1);
 }
 
+/// The message lines of all threads.
+struct ProcessText {
+  std::mutex mutex;
+  std::string text;
+};
+
+ProcessText& process_text() {
+  static Immortal<ProcessText> text;
+  return text.get();
+}
+
 /// A line that finds no memory is dropped: the report itself must not fail.
-void append_to_error_text(const char* line) noexcept {
+void append_line(std::string& text, const char* line) noexcept {
   try {
-    error_state().text.append(line).append("\n");
+    text.append(line).append("\n");
   } catch (const std::bad_alloc&) {
   }
 }
 
+void append_to_error_texts(const char* line) noexcept {
+  ThreadState& thread = thread_state();
+  if (!thread.is_shared) append_line(thread.errors.text, line);
+  auto& [mutex, text] = process_text();
+  const std::lock_guard lock(mutex);
+  append_line(text, line);
+}
+
 }  // namespace
 
-ErrorState& error_state() {
-  static ErrorState state;
-  return state;
+void platform::release_notes() noexcept {
+  auto& [mutex, text] = process_text();
+  const std::lock_guard lock(mutex);
+  std::string().swap(text);
 }
+
+ErrorState& error_state() { return thread_state().errors; }
 
 void zelk_read_error(std::uint32_t number, std::int32_t line, const char* text) {
   ErrorState& state = error_state();
@@ -96,15 +122,16 @@ const char* ZelkException::what() const noexcept { return message_line_; }
 extern "C" {
 
 const char* zelk_format_error(uint32_t number, int32_t line, const char* text) {
-  std::size_t used = zelk::append_part(0, "%s", zelk::text_of(number));
-  if (line > 0) used = zelk::append_part(used, ", line %d", static_cast<int>(line));
-  if (text && *text) zelk::append_part(used, ", %s", text);
-  return zelk::error_state().line;
+  auto& message_line = zelk::error_state().line;
+  std::size_t used = zelk::append_part(message_line, 0, "%s", zelk::text_of(number));
+  if (line > 0) used = zelk::append_part(message_line, used, ", line %d", static_cast<int>(line));
+  if (text && *text) zelk::append_part(message_line, used, ", %s", text);
+  return message_line;
 }
 
 void zelk_report(uint32_t number, int32_t line, const char* text, int raise) {
   const char* message_line = zelk_format_error(number, line, text);
-  zelk::append_to_error_text(message_line);
+  zelk::append_to_error_texts(message_line);
   zelk::error_state().last_number = number;
   if (raise) throw ZelkException(message_line);
 }
@@ -113,8 +140,25 @@ void zelk_note(uint32_t number, int32_t line, const char* text) {
   zelk_report(number, line, text, 0);
 }
 
-const char* zelk_get_error_text(void) { return zelk::error_state().text.c_str(); }
+const char* zelk_get_error_text(void) {
+  zelk::ThreadState& thread = zelk::thread_state();
+  if (thread.is_shared) return "";
+  auto& [mutex, text] = zelk::process_text();
+  const std::lock_guard lock(mutex);
+  try {
+    return (thread.errors.process_text = text).c_str();
+  } catch (const std::bad_alloc&) {
+    return thread.errors.text.c_str();
+  }
+}
 
-void zelk_clear_error_text(void) { zelk::error_state().text.clear(); }
+const char* zelk_get_thread_error_text(void) { return zelk::error_state().text.c_str(); }
+
+void zelk_clear_error_text(void) {
+  zelk::error_state().text.clear();
+  auto& [mutex, text] = zelk::process_text();
+  const std::lock_guard lock(mutex);
+  text.clear();
+}
 
 }  // extern "C"

@@ -1,5 +1,5 @@
 /// \file
-/// Process-wide state of error reporting, and the reader's way of reporting.
+/// State of error reporting, and the reader's way of reporting.
 
 #ifndef ZELK_MODEL_ERRORS_HPP
 #define ZELK_MODEL_ERRORS_HPP
@@ -11,14 +11,17 @@
 
 namespace zelk {
 
+/// Of one thread.
 struct ErrorState {
-  std::string text;                      ///< all message lines, each ended by a line feed
+  std::string text;                      ///< the thread's message lines, each ended by a line feed
+  std::string process_text;              ///< that of the process, as the thread saw it last
   char line[ZELK_ERROR_LINE_SIZE] = "";  ///< the last message line
   std::uint32_t last_number =
       ZELK_OK;                       ///< number of the last report, for callers that cannot catch
   bool read_error_reported = false;  ///< an error of the current (or last) read has been reported
 };
 
+/// The calling thread's.
 ErrorState& error_state();
 
 /// Reports an aborting error of the reader. Raises `ZelkException`, unless an error of this read

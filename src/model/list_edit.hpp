@@ -4,9 +4,26 @@
 #ifndef ZELK_MODEL_LIST_EDIT_HPP
 #define ZELK_MODEL_LIST_EDIT_HPP
 
+#include <atomic>
 #include <cstdint>
 
 namespace zelk {
+
+/// Counts what is taken out of lists of this kind of record, or put into them elsewhere than at
+/// their end, on behalf of a host: whoever remembers a place in such a list asks whether it still
+/// holds.
+template <typename Record>
+inline std::atomic<std::uint64_t> list_changes = 0;
+
+template <typename Record>
+void count_list_change() {
+  list_changes<Record>.fetch_add(1, std::memory_order_relaxed);
+}
+
+template <typename... Records>
+void count_list_changes() {
+  (count_list_change<Records>(), ...);
+}
 
 template <typename Record>
 void link_in_front(Record*& head, Record* record) {
@@ -32,6 +49,7 @@ bool unlink(Record*& head, const Record* record) {
   while (*link && *link != record) link = &(*link)->next;
   if (!*link) return false;
   *link = record->next;
+  count_list_change<Record>();
   return true;
 }
 
@@ -51,6 +69,7 @@ std::uint32_t remove_if(Record*& head, Matches matches, Release release) {
     release(record);
     ++removed;
   }
+  if (removed > 0) count_list_change<Record>();
   return removed;
 }
 

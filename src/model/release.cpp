@@ -108,6 +108,7 @@ void zelk_free(symblk* nodes, msgblk* messages, env_var_blk* env_vars, btlblk* b
                attr_def* attr_defs, attr* db_attrs, cat* categories, filter_t* filter,
                char* comment, char* version, sigtype* sigtypes, valtable* valtables) {
   zelk_free_mode_cache();
+  zelk::count_list_changes<symblk, msgblk, env_var_blk, btlblk, cat, sigtype, valtable, attr_def>();
   zelk_mfree(comment);
   zelk_mfree(version);
   zelk::release_list(db_attrs);
@@ -117,9 +118,11 @@ void zelk_free(symblk* nodes, msgblk* messages, env_var_blk* env_vars, btlblk* b
   zelk::release_list(messages);
   zelk::release_list(nodes);
   zelk::release_list(sigtypes);
-  zelk::release_list(filter->nodes);
-  zelk::release_list(filter->categories);
-  *filter = {};
+  if (filter) {
+    zelk::release_list(filter->nodes);
+    zelk::release_list(filter->categories);
+    *filter = {};
+  }
   zelk::release_list(categories);
   zelk::release_list(attr_defs);  // last: attribute values of all others refer to them
 }

@@ -7,6 +7,7 @@
 #include <memory>
 #include <utility>
 
+#include "model/list_edit.hpp"
 #include "zelk/model.h"
 
 namespace zelk {
@@ -78,6 +79,7 @@ class PendingList {
 
   /// Puts the list in front of `list` and gives all of it away.
   Record* take_in_front_of(Record* list) {
+    count_list_change<Record>();
     *tail_ = list;
     return take();
   }

@@ -1,5 +1,8 @@
 #include "platform/hooks.hpp"
 
+#include <mutex>
+
+#include "platform/immortal.hpp"
 #include "platform/platform.hpp"
 
 namespace zelk::platform {
@@ -12,21 +15,40 @@ struct Hooks {
   void* message_box_context = nullptr;
 };
 
-Hooks& hooks() {
-  static Hooks hooks;
+struct GuardedHooks {
+  std::mutex mutex;
+  Hooks hooks;
+};
+
+GuardedHooks& guarded_hooks() {
+  static Immortal<GuardedHooks> guarded;
+  return guarded.get();
+}
+
+/// As they are now: a registered function runs without the lock, since it may register another.
+Hooks current_hooks() {
+  auto& [mutex, hooks] = guarded_hooks();
+  const std::lock_guard lock(mutex);
   return hooks;
+}
+
+template <typename Change>
+void change_hooks(Change change) {
+  auto& [mutex, hooks] = guarded_hooks();
+  const std::lock_guard lock(mutex);
+  change(hooks);
 }
 
 }  // namespace
 
 void notify(const zelk_notification& notification) {
-  const Hooks& set = hooks();
+  const Hooks set = current_hooks();
   if (set.sink) return set.sink(&notification, set.sink_context);
   post(notification);
 }
 
 void tell_user(const char* text, const char* title, std::uint32_t style) {
-  const Hooks& set = hooks();
+  const Hooks set = current_hooks();
   if (set.message_box) return set.message_box(text, title, style, set.message_box_context);
   show_message_box(text, title, style);
 }
@@ -34,13 +56,15 @@ void tell_user(const char* text, const char* title, std::uint32_t style) {
 }  // namespace zelk::platform
 
 void zelk_set_notification_sink(zelk_notification_sink function, void* context) {
-  auto& hooks = zelk::platform::hooks();
-  hooks.sink = function;
-  hooks.sink_context = context;
+  zelk::platform::change_hooks([=](zelk::platform::Hooks& hooks) {
+    hooks.sink = function;
+    hooks.sink_context = context;
+  });
 }
 
 void zelk_set_message_box(zelk_message_box function, void* context) {
-  auto& hooks = zelk::platform::hooks();
-  hooks.message_box = function;
-  hooks.message_box_context = context;
+  zelk::platform::change_hooks([=](zelk::platform::Hooks& hooks) {
+    hooks.message_box = function;
+    hooks.message_box_context = context;
+  });
 }

@@ -22,6 +22,12 @@ void attach(void* module);
 /// A process lets go of the library; the last time forgets its handle.
 void detach();
 
+/// A thread ends, or the library goes, for which `set_thread_value` has kept `value`.
+void release_thread_value(void* value) noexcept;
+
+/// The library may be unloaded: releases the memory of what it has noted. It can note more.
+void release_notes() noexcept;
+
 }  // namespace zelk::platform
 
 #endif

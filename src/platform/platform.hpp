@@ -11,9 +11,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
-#include <filesystem>
 #include <memory>
 #include <optional>
+#include <string>
 
 #include "zelk/platform.h"
 
@@ -38,34 +38,46 @@ File open_for_reading(const char* path);
 File open_for_writing(const char* path);
 
 /// A file that takes the place of another one in a single step, once it is whole: whoever opens the
-/// other sees all of the old content or all of the new. What is no regular file, such as a device,
-/// has no place to take and is written to directly.
+/// other sees all of the old content or all of the new. It stands beside the other until then; the
+/// next replacement of the same file removes what a killed process left there.
+///
+/// What is no regular file, such as a device, has no place to take and is written to directly. A
+/// file with several names (hard links) is written in place, while a whole copy of the new content
+/// stands beside it; the next replacement ends such a write when the process was killed.
 class Replacement {
  public:
-  /// Creates an empty file for text in the folder of `path`, or of the file that `path` links to,
-  /// with the owner and the permissions of the file that is there, as far as the system lets it.
+  /// Opens a new text file beside `path`, or beside the file that `path` links to. Refuses what
+  /// this process may not write.
   explicit Replacement(const char* path);
   Replacement(const Replacement&) = delete;
   Replacement& operator=(const Replacement&) = delete;
   /// Removes the file unless it has taken its place.
   ~Replacement();
 
-  /// The stream to write to, without a buffer of its own; null when no file could be created.
-  std::FILE* file() const { return file_.get(); }
+  /// The stream to write to, without a buffer of its own; null after a failure.
+  std::FILE* file() const;
 
-  /// Puts the content on the disk and the file in its place, and closes it.
+  /// Gives the file what the other one has beside its content (permissions, access lists, extended
+  /// attributes, and the owner where the process may), puts it on the disk and in its place, and
+  /// closes it.
   ///
-  /// @return false when the system did not do all of that; the other file is as it was then
+  /// @pre `file()` is not null
+  /// @return false when the system did not do all of that; the other file is as it was then, or
+  /// `failure` says where the whole new content is
   bool take_place();
 
- private:
-  void create();
+  /// Why this object did not do what it should, for people; empty when nothing has failed.
+  const std::string& failure() const { return failure_; }
 
-  std::filesystem::path target_;
-  /// Of the file to remove; empty when there is none. A text, which is moved without allocating: no
-  /// file stays behind when memory runs out.
-  std::filesystem::path::string_type path_;
-  File file_;
+  /// What else the user should know, for people; empty for nothing.
+  const std::string& notice() const { return notice_; }
+
+ private:
+  struct State;
+
+  std::string failure_;
+  std::string notice_;
+  std::unique_ptr<State> state_;
 };
 
 /// When a file was last changed, to what the file system keeps; two readings of an unchanged file
@@ -84,11 +96,24 @@ struct FileStatus {
 /// @return none when nothing of that name exists, or it cannot be asked for
 std::optional<FileStatus> file_status(const char* path);
 
-/// Whether two paths name one file: made absolute, they are equal but for the case of letters, and
-/// where they differ in case they do not lead to two different files.
+/// A path, and where it led when this was made, whatever becomes of the working folder.
+struct FilePath {
+  // NOLINTNEXTLINE(google-explicit-constructor): a path like any other
+  FilePath(const char* path);
+
+  std::string text;  ///< as it was given
+  /// From the root on; as it was given when that cannot be said in the system's encoding.
+  std::string absolute;
+  /// Equal for paths whose absolute forms, without "." and "..", differ in nothing but the case of
+  /// letters. Empty when the path cannot be made absolute.
+  std::string key;
+};
+
+/// Whether two paths name one file: their keys are equal, and they do not lead to two different
+/// files.
 ///
 /// @return false also when a path cannot be made absolute
-bool is_same_path(const char* a, const char* b);
+bool is_same_path(const FilePath& a, const FilePath& b);
 
 /// The bytes that begin a double-byte character in the process's code page; none in single-byte
 /// code pages, nor in those (such as UTF-8) in which no later byte of a character can be an ASCII
@@ -104,6 +129,16 @@ using Module = std::unique_ptr<void, ModuleUnloader>;
 
 /// @return null when there is no loadable module of that name
 Module load_module(const char* path);
+
+/// A pointer of each thread's own; null until the thread sets one.
+void* thread_value() noexcept;
+
+/// Sets the calling thread's pointer. The end of the thread hands it to `release_thread_value`
+/// (module_entry.hpp). The main thread ends with the process: its pointer stays while `atexit`
+/// handlers and destructors of global objects run.
+///
+/// @return false when the system keeps no pointer (any more)
+bool set_thread_value(void* value) noexcept;
 
 using Function = void (*)();
 

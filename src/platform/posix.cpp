@@ -1,21 +1,22 @@
 #include <dlfcn.h>
-#include <fcntl.h>
 #include <langinfo.h>
 #include <limits.h>
+#include <pthread.h>
 #include <stdlib.h>
 #include <strings.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
+#include <algorithm>
+#include <atomic>
 #include <cstring>
 #include <cwchar>
 #include <filesystem>
+#include <mutex>
 #include <string>
 #include <string_view>
-#include <tuple>
-#include <utility>
 #include <vector>
 
+#include "platform/immortal.hpp"
 #include "platform/module_entry.hpp"
 #include "platform/platform.hpp"
 
@@ -38,20 +39,16 @@ bool begins_character(char byte) {
 }
 
 /// Empty when the working folder is gone.
-std::string absolute_path(const char* path) {
+std::filesystem::path absolute_path(const char* path) {
   std::error_code error;
-  const std::filesystem::path absolute = std::filesystem::absolute(path, error);
-  return error ? std::string() : absolute.lexically_normal().string();
+  std::filesystem::path absolute = std::filesystem::absolute(path, error);
+  return error ? std::filesystem::path() : absolute;
 }
 
-/// What a path names in the end, there or not.
-std::filesystem::path behind_links(std::filesystem::path path) {
-  constexpr int kMostLinks = 40;  // no more than the system follows
-  std::error_code error;
-  for (int links = 0; links < kMostLinks && is_symlink(path, error); ++links) {
-    path = path.parent_path() / read_symlink(path, error);
-  }
-  return path;
+/// Case is that of ASCII letters, in whatever locale the process is.
+char lower_case(char character) {
+  const bool is_upper = character >= 'A' && character <= 'Z';
+  return is_upper ? static_cast<char>(character - 'A' + 'a') : character;
 }
 
 /// Whether both files exist and are not the same one.
@@ -66,23 +63,6 @@ bool are_different_files(const char* a, const char* b) {
 std::int64_t nanoseconds(const timespec& time) {
   return static_cast<std::int64_t>(static_cast<std::uint64_t>(time.tv_sec) * kNanosecondsPerSecond +
                                    static_cast<std::uint64_t>(time.tv_nsec));
-}
-
-/// Permissions that new files of this process do not get.
-mode_t creation_mask() {
-  const mode_t mask = umask(0);
-  umask(mask);
-  return mask;
-}
-
-/// Gives a new file the owner and the permissions of the file that it shall replace. Who may not
-/// give files away hands on the group, at least.
-void take_over(int descriptor, const struct stat& replaced) {
-  if (fchown(descriptor, replaced.st_uid, replaced.st_gid) != 0) {
-    constexpr uid_t kSameOwner = static_cast<uid_t>(-1);
-    std::ignore = fchown(descriptor, kSameOwner, replaced.st_gid);
-  }
-  fchmod(descriptor, replaced.st_mode & 07777);  // after the owner, who takes some of it away
 }
 
 /// The file that holds this code, as it was found when the library was loaded: a relative name
@@ -106,7 +86,42 @@ OwnFile& own_file() {
   attach(file.base);
 }
 
-[[gnu::destructor]] void detach_shared_object() { detach(); }
+/// The names of all messages that somebody has asked for, in the order of their numbers.
+struct MessageNames {
+  std::mutex mutex;
+  std::vector<std::string> names;
+};
+
+MessageNames& message_names() {
+  static Immortal<MessageNames> names;
+  return names.get();
+}
+
+/// The system's key for the threads' own pointers.
+struct ThreadKey {
+  ThreadKey() noexcept : is_open(pthread_key_create(&key, release_thread_value) == 0) {}
+
+  pthread_key_t key = 0;
+  std::atomic<bool> is_open;
+};
+
+ThreadKey& thread_key() noexcept {
+  static ThreadKey key;
+  return key;
+}
+
+/// The library may be unloaded now: no thread that ends later may call into it.
+void close_thread_key() noexcept {
+  void* const own = thread_value();
+  if (own && set_thread_value(nullptr)) release_thread_value(own);
+  if (thread_key().is_open.exchange(false)) pthread_key_delete(thread_key().key);
+}
+
+[[gnu::destructor]] void detach_shared_object() {
+  close_thread_key();
+  release_notes();
+  detach();
+}
 
 }  // namespace
 
@@ -123,62 +138,24 @@ File open_for_writing(const char* path) {
   return file;
 }
 
-Replacement::Replacement(const char* path) : target_(behind_links(path)) {
-  // Asked of the path as it is: "/dev/stdout" may link to a pipe, which has no other name.
-  std::error_code error;
-  const auto status = std::filesystem::status(path, error);
-  if (exists(status) && !is_regular_file(status)) {
-    file_ = open_for_writing(path);
-  } else {
-    create();
-  }
-}
-
-void Replacement::create() {
-  std::string name = (target_.parent_path() / ".zelk-XXXXXX").string();
-  const int descriptor = mkostemp(name.data(), O_CLOEXEC);
-  if (descriptor < 0) return;
-  path_ = std::move(name);
-  file_.reset(fdopen(descriptor, "w"));
-  if (!file_) {
-    close(descriptor);
-    return;
-  }
-  std::setvbuf(file_.get(), nullptr, _IONBF, 0);
-  struct stat replaced = {};
-  if (stat(target_.c_str(), &replaced) == 0) {
-    take_over(descriptor, replaced);
-  } else {
-    fchmod(descriptor, 0666 & ~creation_mask());
-  }
-}
-
-bool Replacement::take_place() {
-  if (path_.empty()) return std::fclose(file_.release()) == 0;
-  const bool is_on_disk = fsync(fileno(file_.get())) == 0;
-  const bool is_closed = std::fclose(file_.release()) == 0;
-  if (!is_on_disk || !is_closed || rename(path_.c_str(), target_.c_str()) != 0) return false;
-  path_.clear();
-  return true;
-}
-
-Replacement::~Replacement() {
-  file_.reset();
-  if (!path_.empty()) unlink(path_.c_str());
-}
-
 std::optional<FileStatus> file_status(const char* path) {
   struct stat status = {};
   if (stat(path, &status) != 0) return std::nullopt;
   return FileStatus{{nanoseconds(status.st_mtim)}, (status.st_mode & S_IWUSR) != 0};
 }
 
-bool is_same_path(const char* a, const char* b) {
-  const std::string absolute_a = absolute_path(a);
-  const std::string absolute_b = absolute_path(b);
-  if (absolute_a.empty() || strcasecmp(absolute_a.c_str(), absolute_b.c_str()) != 0) return false;
-  // Equal texts, too, may lead to two files: behind a link to a folder ".." is another place.
-  return !are_different_files(a, b);
+FilePath::FilePath(const char* path) : text(path), absolute(text) {
+  const std::filesystem::path whole = absolute_path(path);
+  if (whole.empty()) return;
+  absolute = whole.string();
+  key = whole.lexically_normal().string();
+  std::transform(key.begin(), key.end(), key.begin(), lower_case);
+}
+
+bool is_same_path(const FilePath& a, const FilePath& b) {
+  if (a.key.empty() || a.key != b.key) return false;
+  // Equal keys, too, may lead to two files: behind a link to a folder ".." is another place.
+  return a.absolute == b.absolute || !are_different_files(a.absolute.c_str(), b.absolute.c_str());
 }
 
 std::array<bool, 256> lead_bytes() {
@@ -207,8 +184,19 @@ void own_file_name(char* buffer, std::uint32_t size_bytes) {
   buffer[path.copy(buffer, size_bytes - 1)] = '\0';
 }
 
+void* thread_value() noexcept {
+  const ThreadKey& key = thread_key();
+  return key.is_open ? pthread_getspecific(key.key) : nullptr;
+}
+
+bool set_thread_value(void* value) noexcept {
+  const ThreadKey& key = thread_key();
+  return key.is_open && pthread_setspecific(key.key, value) == 0;
+}
+
 std::uint32_t registered_message(const char* name) {
-  static std::vector<std::string> names;
+  auto& [mutex, names] = message_names();
+  const std::lock_guard lock(mutex);
   std::uint32_t number = kFirstMessage;
   for (const std::string& known : names) {
     if (strcasecmp(known.c_str(), name) == 0) return number;

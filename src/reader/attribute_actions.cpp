@@ -37,7 +37,24 @@ std::string_view item_text(TokenText text) {
 
 AttributeActions::AttributeActions(ReadContext& context)
     : context_(context), definitions_(context.model.attr_defs) {
-  for (attr_def* old = context.model.attr_defs; old; old = old->next) index_.add_old(old);
+  attr_def** const slots = context.model.slots;
+  const std::size_t slot_count = slots ? kLongNameAttributes.size() : 0;
+  for (attr_def* old = context.model.attr_defs; old; old = old->next) {
+    index_.add_old(old);
+    if (std::count(slots, slots + slot_count, old) > 0) long_name_definitions_.insert(old);
+  }
+  // A slot that was never set, or whose list is gone, says nothing.
+  std::replace_if(
+      slots, slots + slot_count,
+      [this](const attr_def* kept) { return !long_name_definitions_.contains(kept); }, nullptr);
+}
+
+/// The caller's slot for the definition of a long-name attribute; null when there is none.
+attr_def** AttributeActions::slot(std::string_view attribute) const {
+  const auto* const found =
+      std::find(kLongNameAttributes.begin(), kLongNameAttributes.end(), attribute);
+  if (!context_.model.slots || found == kLongNameAttributes.end()) return nullptr;
+  return context_.model.slots + (found - kLongNameAttributes.begin());
 }
 
 // --- Definitions ---
@@ -70,7 +87,10 @@ void AttributeActions::define(std::int32_t object_type, TokenText name) {
   }
   if (holds_text(*definition)) definition->default_value.text = copy_text("").release();
   index_.add_new(definition.get());
-  if (defines_long_names(*definition)) long_name_definitions_.insert(definition.get());
+  if (defines_long_names(*definition)) {
+    long_name_definitions_.insert(definition.get());
+    if (attr_def** const place = slot(definition->name)) *place = definition.get();
+  }
   definitions_.append(definition.release());
   range_ = {};
   item_list_.reset();
@@ -84,6 +104,8 @@ void AttributeActions::define_for_signal_types(TokenText name) {
   index_.change_kind(found, ZELK_OBJ_SIGTYPE);
   found_ = nullptr;
   long_name_definitions_.erase(found);
+  attr_def** const place = slot(found->name);
+  if (place && *place == found) *place = nullptr;
   context_.end_statement();
 }
 
@@ -285,6 +307,9 @@ const AttributeActions::Items& AttributeActions::items(const attr_def& definitio
 void AttributeActions::accept() {
   for (DeferredName& deferred : deferred_names_)
     assign_text(*deferred.field, std::move(deferred.name));
+  if (context_.model.slots) {
+    std::fill_n(context_.model.slots, kLongNameAttributes.size(), nullptr);
+  }
   if (long_name_definitions_.empty()) return;
   for (attr_def** link = &context_.model.attr_defs; *link;) {
     if (long_name_definitions_.contains(*link)) {

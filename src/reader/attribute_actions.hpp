@@ -70,6 +70,7 @@ class AttributeActions {
     std::unordered_map<std::string_view, int, SeededHash> indexes;
   };
 
+  attr_def** slot(std::string_view attribute) const;
   attr_def& definition(std::int32_t object_type, TokenText attribute);
   [[noreturn]] void fail_with_value(std::string_view text) const;
 
@@ -90,7 +91,7 @@ class AttributeActions {
   attr_def* found_ = nullptr;  ///< the definition looked up last: the first of its kind and name
   std::unordered_map<const attr_def*, Items>
       items_;  ///< of the ENUMs that an item was looked up in
-  std::unordered_set<const attr_def*> long_name_definitions_;  ///< of the file
+  std::unordered_set<const attr_def*> long_name_definitions_;  ///< of the slots and of the file
   std::vector<DeferredName> deferred_names_;
 
   std::int32_t type_ = 0;

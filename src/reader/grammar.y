@@ -32,7 +32,6 @@ class Reader;
 
 %code {
 #include "reader/reader.hpp"
-#include "text/new_symbols.hpp"
 
 /* Nothing in the grammar nests, so the stack of the parser needs no more than this. */
 #define YYINITDEPTH 1500
@@ -121,7 +120,7 @@ new_symbols: %empty
 new_symbol_list: %empty
                | new_symbol_list listed_keyword
                | new_symbol_list T_IDENT
-                 { if (!zelk::zelk_add_new_symbol($2.view())) YYABORT; }
+                 { if (!reader.context.lexer.announce($2.view())) YYABORT; }
                ;
 
 listed_keyword: T_NS_DESC | T_CM | T_BA_DEF | T_BA | T_VAL | T_CAT_DEF | T_CAT | T_FILTER

@@ -8,7 +8,6 @@
 #include "reader/grammar.hpp"
 #include "text/characters.hpp"
 #include "text/keywords.hpp"
-#include "text/new_symbols.hpp"
 #include "text/numbers.hpp"
 #include "zelk/exception.hpp"
 
@@ -182,7 +181,7 @@ int Lexer::name(char* start, SemanticValue& value) {
   window_.set_cursor(end);
   const std::string_view text = between(start, end);
   if (const Keyword* keyword = find_keyword(text)) return keyword->code;
-  if (is_new_symbol(text)) {
+  if (new_symbols_.contains(text)) {
     zelk_note(ZELK_ERR_NEW_SYMBOL, line_, std::string(text).c_str());
     skip_through(';');
     return kSkipped;

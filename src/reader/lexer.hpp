@@ -23,6 +23,7 @@
 #include "platform/platform.hpp"
 #include "reader/token.hpp"
 #include "reader/window.hpp"
+#include "text/new_symbols.hpp"
 
 namespace zelk {
 
@@ -42,6 +43,11 @@ class Lexer {
   /// @throws ZelkException for errors 1, 16, 24 and 27
   /// @throws std::bad_alloc
   int next(SemanticValue& value);
+
+  /// Announces a name: from now on statements that begin with it are skipped.
+  ///
+  /// @return false when there is no memory for it
+  bool announce(std::string_view name) { return new_symbols_.add(name); }
 
   /// Count of the line feeds read so far.
   std::int32_t line() const { return line_; }
@@ -74,6 +80,7 @@ class Lexer {
   [[noreturn]] void fail_at_end() const;
 
   Window window_;
+  NewSymbols new_symbols_;
   std::int32_t line_ = 0;
   std::array<bool, 256> leads_;  ///< first bytes of double-byte characters
   bool has_leads_;

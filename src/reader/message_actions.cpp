@@ -4,6 +4,7 @@
 #include <charconv>
 #include <utility>
 
+#include "model/cycle_search.hpp"
 #include "model/symbols.hpp"
 #include "text/characters.hpp"
 
@@ -25,24 +26,6 @@ int count_multiplexors_of(const msgblk& message) {
 }
 
 constexpr std::size_t kCycleTextMax = 1024;
-
-/// Follows multiplexors, over each signal once: one that an earlier walk has passed leads to no
-/// circle.
-class CycleSearch {
- public:
-  bool finds_cycle_from(const sigblk& start) {
-    ++walk_;
-    for (const sigblk* signal = &start; signal; signal = signal->mux_signal) {
-      const auto [passed, is_new] = walks_.try_emplace(signal, walk_);
-      if (!is_new) return passed->second == walk_;
-    }
-    return false;
-  }
-
- private:
-  std::unordered_map<const sigblk*, int> walks_;  ///< the walk that passed a signal
-  int walk_ = 0;
-};
 
 }  // namespace
 

@@ -22,7 +22,8 @@ struct ModelHeads {
   char*& version;
   sigtype*& sig_types;
   valtable*& val_tables;
-  attr_def** slots;  ///< four, in the order of `kLongNameAttributes`; null allowed
+  attr_def** slots;  ///< four, in the order of `kLongNameAttributes`; null allowed. Only compared
+                     ///< and set: what a caller left there may be no record
 };
 
 }  // namespace zelk

@@ -1,6 +1,5 @@
 #include "reader/reader.hpp"
 
-#include <algorithm>
 #include <new>
 
 #include "model/errors.hpp"
@@ -10,8 +9,6 @@
 #include "zelk/exception.hpp"
 
 namespace zelk {
-
-Reader::~Reader() { zelk_free_new_symbols(); }
 
 int Reader::run() { return zelk_parse(*this); }
 
@@ -39,7 +36,6 @@ int open_and_read(const char* file_name, const ModelHeads& heads) {
 
 std::uint32_t read_file(const char* file_name, const ModelHeads& heads) {
   reset_new_symbols();
-  if (heads.slots) std::fill_n(heads.slots, 4, nullptr);
   if (!heads.version) heads.version = copy_text("").release();
   error_state().read_error_reported = false;
   if (!file_name) return ZELK_OK;

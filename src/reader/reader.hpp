@@ -22,7 +22,6 @@ class Reader {
   Reader(const ModelHeads& heads, platform::File file) : context(heads, std::move(file)) {}
   Reader(const Reader&) = delete;
   Reader& operator=(const Reader&) = delete;
-  ~Reader();
 
   /// Reads the file to its end.
   ///

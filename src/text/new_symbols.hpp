@@ -5,27 +5,43 @@
 #ifndef ZELK_TEXT_NEW_SYMBOLS_HPP
 #define ZELK_TEXT_NEW_SYMBOLS_HPP
 
+#include <functional>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
+
+#include "text/seeded_hash.hpp"
 
 namespace zelk {
 
-/// Announces `name`, cut to 32 characters; a keyword is accepted and ignored.
-///
-/// @return false when there is no memory for it
-bool zelk_add_new_symbol(std::string_view name);
+/// The names that a file under way has announced. They become the last ones of the thread when the
+/// read ends.
+class NewSymbols {
+ public:
+  NewSymbols() = default;
+  NewSymbols(const NewSymbols&) = delete;
+  NewSymbols& operator=(const NewSymbols&) = delete;
+  ~NewSymbols();
 
-/// Whether `name` is announced in the file being read.
-bool is_new_symbol(std::string_view name);
+  /// Announces `name`, cut to 32 characters; a keyword is accepted and ignored.
+  ///
+  /// @return false when there is no memory for it
+  bool add(std::string_view name);
 
-/// Ends the announcements: no name is a new symbol any more.
-void zelk_free_new_symbols();
+  bool contains(std::string_view name) const {
+    return !announced_.empty() && announced_.contains(name);
+  }
 
-/// Forgets the names of the file read before, too: called when a read begins.
+ private:
+  std::unordered_set<std::string, SeededHash, std::equal_to<>> announced_;
+  std::vector<std::string> names_;
+};
+
+/// Forgets the names of the file that the calling thread read last.
 void reset_new_symbols();
 
-/// The names announced in the last file that was read, in file order.
+/// The names announced in the file that the calling thread read last, in file order.
 const std::vector<std::string>& last_new_symbols();
 
 }  // namespace zelk

@@ -26,7 +26,29 @@ inline std::uint64_t hash_seed() {
   return seed;
 }
 
-/// Multiply-and-fold over words of 8 bytes, with the seed as the multiplier.
+/// Exclusive or of the two halves of a 128-bit product, from products of 32-bit halves.
+constexpr std::uint64_t folded_product_of_halves(std::uint64_t a, std::uint64_t b) {
+  constexpr std::uint64_t kLow = 0xFFFFFFFF;
+  const std::uint64_t low = (a & kLow) * (b & kLow);
+  const std::uint64_t middle = (a >> 32) * (b & kLow) + (low >> 32);  // at most 2^64 - 2^32
+  const std::uint64_t other = (a & kLow) * (b >> 32) + (middle & kLow);
+  const std::uint64_t high = (a >> 32) * (b >> 32) + (middle >> 32) + (other >> 32);
+  return high ^ (other << 32 | (low & kLow));
+}
+
+/// The same in one multiplication where the compiler has the type.
+constexpr std::uint64_t folded_product(std::uint64_t a, std::uint64_t b) {
+#ifdef __SIZEOF_INT128__
+  __extension__ using Wide = unsigned __int128;
+  const Wide product = static_cast<Wide>(a) * b;
+  return static_cast<std::uint64_t>(product >> 64) ^ static_cast<std::uint64_t>(product);
+#else
+  return folded_product_of_halves(a, b);
+#endif
+}
+
+/// Multiply-and-fold over words of 8 bytes, with the seed as the multiplier. The high half of the
+/// product counts: the low one alone lets the upper bits of two words cancel under every seed.
 struct SeededHash {
   using is_transparent = void;  ///< strings are found by views
 
@@ -50,8 +72,7 @@ struct SeededHash {
   std::uint64_t fold(std::uint64_t hash, const char* bytes, std::size_t size) const {
     std::uint64_t word = 0;
     if (size > 0) std::memcpy(&word, bytes, size);  // an empty text may have no address
-    hash = (hash ^ word) * seed;
-    return hash ^ (hash >> 32);
+    return folded_product(hash ^ word, seed);
   }
 };
 

@@ -4,7 +4,6 @@
 
 #include "text/characters.hpp"
 #include "text/keywords.hpp"
-#include "text/new_symbols.hpp"
 #include "zelk/dbc.h"
 
 namespace zelk {
@@ -15,7 +14,7 @@ bool is_name(std::string_view text) {
 }
 
 bool can_name_object(std::string_view name, bool is_node) {
-  return is_name(name) && !is_new_symbol(name) && !(is_node && is_no_node(name));
+  return is_name(name) && !(is_node && is_no_node(name));
 }
 
 }  // namespace zelk

@@ -86,27 +86,44 @@ void Writer::new_symbols() {
   out_.put('\n');
 }
 
-/// Those of the last file's announced names that no object bears here. A reader skips every
+/// Calls `use` with every name that stands outside quotes. The order is that of the file: names
+/// that are shortened get their numbers in the order in which they are asked for.
+template <typename Use>
+void Writer::for_each_written_name(Use use) {
+  const auto use_links = [&](const rxblk* links) {
+    for (; links; links = links->next) use(name(links->node));
+  };
+  for (const symblk* node = model_.nodes; node; node = node->next) use(name(*node));
+  for (const valtable* table = model_.val_tables; table; table = table->next) use(table->name);
+  for (const msgblk* message = model_.messages; message; message = message->next) {
+    use(name(*message));
+    use(transmitter(*message));
+    for (const sigblk* signal = message->signals; signal; signal = signal->next) {
+      use(name(*signal));
+      use_links(signal->receivers);
+    }
+    for (const siggroupblk* group = message->siggroups; group; group = group->next)
+      use(group->name);
+  }
+  for (const msgblk* message = model_.messages; message; message = message->next)
+    use_links(message->tx_nodes);
+  for (const env_var_blk* variable = model_.env_vars; variable; variable = variable->next) {
+    use(name(*variable));
+    use_links(variable->access_nodes);
+  }
+  for (const sigtype* type = model_.sig_types; type; type = type->next) use(type->name);
+  for (const cat* category = model_.categories; category; category = category->next)
+    use(category->name);
+}
+
+/// Those of the last file's announced names that no record bears here. A reader skips every
 /// statement in which an announced name stands, so a name that is in use must not be announced
 /// again.
 std::vector<std::string> Writer::unused_new_symbols() {
   std::vector<std::string> symbols = last_new_symbols();
   if (symbols.empty()) return symbols;
   std::unordered_set<std::string_view, SeededHash> in_use;
-  const auto use = [&in_use](std::string_view name) { in_use.insert(name); };
-  for (const symblk* node = model_.nodes; node; node = node->next) use(name(*node));
-  for (const env_var_blk* variable = model_.env_vars; variable; variable = variable->next)
-    use(name(*variable));
-  for (const valtable* table = model_.val_tables; table; table = table->next) use(table->name);
-  for (const sigtype* type = model_.sig_types; type; type = type->next) use(type->name);
-  for (const cat* category = model_.categories; category; category = category->next)
-    use(category->name);
-  for (const msgblk* message = model_.messages; message; message = message->next) {
-    use(name(*message));
-    for (const sigblk* signal = message->signals; signal; signal = signal->next) use(name(*signal));
-    for (const siggroupblk* group = message->siggroups; group; group = group->next)
-      use(group->name);
-  }
+  for_each_written_name([&in_use](std::string_view name) { in_use.insert(name); });
   std::erase_if(symbols, [&in_use](const std::string& symbol) {
     return is_written_word(symbol) || in_use.contains(symbol);
   });

@@ -59,8 +59,7 @@ std::string ShortNames::choose(std::string_view name) {
   return std::string(kSubstitute);
 }
 
-void ShortNameCache::reset(const ModelView& model) {
-  kinds_ = {};
+ShortNameCache::ShortNameCache(const ModelView& model) {
   // Without a name that does not fit, nobody will ask what is in use.
   std::array<bool, kNamedKinds> needs_names{};
   for_each_name(model, [&needs_names](NamedKind kind, std::string_view name) {
@@ -70,11 +69,6 @@ void ShortNameCache::reset(const ModelView& model) {
   for_each_name(model, [&](NamedKind kind, std::string_view name) {
     if (needs_names[static_cast<std::size_t>(kind)] && fits(name)) (*this)[kind].reserve(name);
   });
-}
-
-ShortNameCache& short_name_cache() {
-  static ShortNameCache cache;
-  return cache;
 }
 
 }  // namespace zelk

@@ -40,8 +40,7 @@ class ShortNames {
 
   /// @param record  the object, by its address
   /// @param name    its name; null reads as empty
-  /// @return a text that stays until the cache is cleared, and no longer than the object's name
-  /// does
+  /// @return a text that stays as long as this and the object's name
   std::string_view written_name(const void* record, const char* name);
 
   /// Whether a name of more than 32 characters has been shortened.
@@ -57,19 +56,17 @@ class ShortNames {
   bool has_long_names_ = false;
 };
 
-/// The process-wide cache: cleared at the start of a write, kept after it.
+/// The written names of one write.
 class ShortNameCache {
  public:
-  ShortNames& operator[](NamedKind kind) { return kinds_[static_cast<std::size_t>(kind)]; }
+  /// Reserves all names that fit.
+  explicit ShortNameCache(const ModelView& model);
 
-  /// Empties the cache and reserves all names that fit.
-  void reset(const ModelView& model);
+  ShortNames& operator[](NamedKind kind) { return kinds_[static_cast<std::size_t>(kind)]; }
 
  private:
   std::array<ShortNames, kNamedKinds> kinds_;
 };
-
-ShortNameCache& short_name_cache();
 
 }  // namespace zelk
 

@@ -1,6 +1,7 @@
 #include "writer/text_output.hpp"
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <cstring>
 #include <utility>
@@ -22,8 +23,9 @@ TextOutput::TextOutput(std::FILE* file)
 
 bool TextOutput::flush() {
   const std::size_t written = std::fwrite(buffer_.data(), 1, used_, file_);
-  has_failed_ |= written != std::exchange(used_, 0);
-  return !has_failed_;
+  const bool has_failed = written != std::exchange(used_, 0);
+  if (has_failed && error_ == 0) error_ = errno != 0 ? errno : EIO;
+  return error_ == 0;
 }
 
 void TextOutput::put_item(char character) {

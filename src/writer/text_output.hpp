@@ -50,6 +50,9 @@ class TextOutput {
   /// @return false when the system did not take all of the output so far
   bool flush();
 
+  /// The system's number (`errno`) of its first refusal; 0 when there was none.
+  int error() const { return error_; }
+
  private:
   void put_item(char character);
   void put_item(std::string_view text);
@@ -71,7 +74,7 @@ class TextOutput {
   std::array<bool, 256> leads_;  ///< first bytes of double-byte characters
   std::vector<char> buffer_;
   std::size_t used_ = 0;
-  bool has_failed_ = false;
+  int error_ = 0;
 };
 
 }  // namespace zelk

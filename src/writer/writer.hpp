@@ -29,7 +29,7 @@ namespace zelk {
 /// byte.
 class Writer {
  public:
-  /// All must outlive the writer. `names` has been reset for this model.
+  /// All must outlive the writer. `names` are of this model.
   Writer(const ModelView& model, ShortNameCache& names, TextOutput& out)
       : model_(model), names_(names), out_(out) {}
 
@@ -43,6 +43,8 @@ class Writer {
   bool needs_new_symbols() const;
   void new_symbols();
   std::vector<std::string> unused_new_symbols();
+  template <typename Use>
+  void for_each_written_name(Use use);
   void bit_timings();
   void nodes();
   void messages();

@@ -1,5 +1,6 @@
 // Effective attribute values, texts of enumerations, value descriptions, membership in filters.
 
+#include <cstring>
 #include <initializer_list>
 #include <utility>
 #include <vector>
@@ -7,7 +8,7 @@
 #include "manager/manager_test.hpp"
 #include "model/memory.hpp"
 #include "support/failing.hpp"
-#include "zelk/iterator.hpp"
+#include "zelk/write_manager.hpp"
 
 namespace {
 
@@ -25,15 +26,16 @@ const std::string kObjects =
     "BA_DEF_ \"Net\" INT 0 99;\nBA_DEF_ BU_ \"Nod\" INT 0 99;\nBA_DEF_ BO_ \"Msg\" INT 0 99;\n"
     "BA_DEF_ SG_ \"Sig\" INT 0 99;\nBA_DEF_ EV_ \"Var\" INT 0 99;\n"
     "BA_DEF_ \"Switch\" ENUM \"On\",\"Off\";\nBA_DEF_ BO_ \"Holes\" ENUM \"A\",\"\",\"B\",\"\";\n"
+    "BA_DEF_ EV_ \"Two\" STRING ;\nBA_DEF_ BO_ \"Two\" INT 0 9;\nBA_DEF_ \"Two\" HEX 0 9;\n"
     "BA_DEF_ \"Text\" STRING ;\nBA_DEF_ SG_ \"Typ\" INT 0 99;\nBA_DEF_SGTYPE_ \"Typ\";\n"
-    "BA_DEF_REL_ BU_SG_REL_ \"Rel\" INT 0 99;\n"
+    "BA_DEF_REL_ BU_SG_REL_ \"Rel\" INT 0 99;\nBA_DEF_REL_ BU_SG_REL_ \"Two\" FLOAT 0 9;\n"
     "BA_DEF_DEF_ \"Net\" 10;\nBA_DEF_DEF_ \"Nod\" 11;\nBA_DEF_DEF_ \"Msg\" 12;\n"
     "BA_DEF_DEF_ \"Sig\" 13;\nBA_DEF_DEF_ \"Var\" 14;\nBA_DEF_DEF_ \"Typ\" 15;\n"
     "BA_DEF_DEF_ \"Switch\" \"Off\";\nBA_DEF_DEF_ \"Holes\" \"B\";\n"
     "BA_DEF_DEF_ \"Text\" \"t\";\nBA_DEF_DEF_REL_ \"Rel\" 16;\n";
 constexpr char kValues[] =
     "BA_ \"Net\" 20;\nBA_ \"Nod\" BU_ A 21;\nBA_ \"Msg\" BO_ 1 22;\nBA_ \"Sig\" SG_ 1 S 23;\n"
-    "BA_ \"Var\" EV_ V 24;\nBA_SGTYPE_ \"Typ\" SGTYPE_ Y 25;\n"
+    "BA_ \"Var\" EV_ V 24;\nBA_ \"Two\" BU_ A \"text\";\nBA_SGTYPE_ \"Typ\" SGTYPE_ Y 25;\n"
     "BA_REL_ \"Rel\" BU_SG_REL_ B SG_ 1 S 26;\n"
     "VAL_ 1 S 0 \"off\" 1 \"on\" 1 \"again\" 4294967295 \"top\" 7 \"off\" ;\nVAL_ V 5 \"five\" ;\n"
     "CAT_DEF_ 1 In 0;\nCAT_DEF_ 2 Out 0;\nFILTER 1 CAT_ 1 BU_ A ;\n";
@@ -161,6 +163,65 @@ TEST_F(AttributeAccess, HaveDefaults) {
   EXPECT_EQ(value.number, 32) << "written on success only";
   default_ex("Text", kAll);
   EXPECT_STREQ(value.text, "t");
+}
+
+TEST_F(AttributeAccess, DefinitionsAreThoseOfTheObject) {
+  ZelkWriteManager m(static_cast<void*>(nullptr));
+  open_both(m);
+  const msgblk& message = *m.GetMessage("M", first);
+  const sigblk& signal = *message.signals;
+  const symblk& node = *m.GetNode("A", first);
+  const auto kind = [](const attr_def* found) { return found ? found->object_type : -1; };
+  const auto kind_of_two = [&](const auto& object) {
+    return kind(m.GetAttrDefinition(object, "Two"));
+  };
+  EXPECT_EQ(kind(m.GetAttrDefinition("Two", first)), ZELK_OBJ_ENVVAR) << "the first of all";
+  EXPECT_EQ(kind(m.GetNetworkAttrDefinition(first, "Two")), ZELK_OBJ_NETWORK);
+  EXPECT_EQ(kind_of_two(message), ZELK_OBJ_MESSAGE);
+  EXPECT_EQ(kind_of_two(*m.GetEnvvar("W", first)), ZELK_OBJ_ENVVAR);
+  EXPECT_EQ(kind_of_two(*signal.receivers), ZELK_OBJ_REL_SIGNAL);
+  EXPECT_EQ(kind_of_two(signal), ZELK_OBJ_ENVVAR) << "none of its kind";
+  EXPECT_EQ(kind_of_two(*m.GetSignalType("Y", first)), ZELK_OBJ_ENVVAR);
+  EXPECT_EQ(kind(m.GetAttrDefinition(node, "Rel")), -1) << "no file could hold the value";
+  attr_def& late = *m.CreateAttrDefinition(first, 0);
+  std::strcpy(late.name, "Two");
+  late.object_type = ZELK_OBJ_NODE;
+  EXPECT_EQ(kind_of_two(*m.GetNode("B", first)), ZELK_OBJ_NODE);
+  EXPECT_EQ(kind_of_two(node), ZELK_OBJ_ENVVAR) << "that of the value that it has";
+
+  EXPECT_EQ(kind(m.GetAttrDefinition(message, "Two", first)), ZELK_OBJ_MESSAGE);
+  for (const auto& [name, db] : std::vector<std::pair<const char*, const char*>>{
+           {"two", first}, {kNoName, first}, {"Two", second}, {"Two", "first"}}) {
+    EXPECT_FALSE(m.GetAttrDefinition(message, name, db)) << "another database holds it";
+  }
+  EXPECT_FALSE(m.GetNetworkAttrDefinition("first", "Two") ||
+               m.GetNetworkAttrDefinition(first, kNoName));
+}
+
+// What a lookup did not find has no value, no definition and no description.
+TEST_F(AttributeAccess, OfMissingObjects) {
+  Manager m;
+  open_both(m);
+  zelk_attr_value_t value = {.number = -1};
+  const symblk* const node = m.GetNode("none", kAll);
+  const sigblk* const signal = m.GetSignal(*m.GetMessage("M", first), "none");
+  EXPECT_EQ(m.GetAttrValue(node, "Nod").number, 0);
+  EXPECT_EQ(m.GetAttrValueEx(signal, "Sig", value, first), ZelkStatusNotFound);
+  EXPECT_EQ(m.Status(), 2U);
+  EXPECT_EQ(value.number, -1);
+  EXPECT_FALSE(m.IsAttrValueDefined(node, "Nod") || m.GetAttrDefinition(node, "Nod", first) ||
+               m.AttributeCount(signal));
+  EXPECT_EQ(m.GetValueDescription(signal, 0), nullptr);
+  EXPECT_EQ(m.Status(), 4U);
+  EXPECT_EQ(m.GetDescriptionValue(m.GetEnvvar("none", kAll), "five"), 0x7FFFFFFF);
+  EXPECT_EQ(m.Status(), 3U);
+  const attr_def* const definition = m.GetAttrDefinition("none", kAll);
+  EXPECT_EQ(m.GetAttrValueString(definition, 0), nullptr);
+  EXPECT_EQ(m.GetAttrValueIndex(definition, "On"), -1);
+  // One that was found is asked for by its address, too.
+  const msgblk* const message = m.GetMessage("M", first);
+  EXPECT_EQ(m.GetAttrValue(message, "Msg").number, 22);
+  EXPECT_STREQ(m.GetValueDescription(message->signals, 1), "on");
 }
 
 // Empty items count for the text of an index, and not for the index of a text.

@@ -1,19 +1,23 @@
-// Lookups by the index of a database answer as walks over its lists do, and cease when somebody
-// can change the lists.
+// Lookups by the index of a database answer as walks over its lists do, and cease when a host can
+// change the lists.
 
+#include <atomic>
 #include <functional>
 #include <random>
+#include <thread>
 #include <utility>
 #include <vector>
 
-#include "manager/database_lookup.hpp"
-#include "manager/manager_test.hpp"
+#include "access/frames.hpp"
 #include "manager/own_database.hpp"
-#include "zelk/iterator.hpp"
+#include "zelk/frame_decoder.hpp"
+#include "zelk/query.h"
+#include "zelk/write_manager.hpp"
 
 namespace {
 
-using zelk::DatabaseLookup;
+constexpr const char* kAll = nullptr;
+constexpr ZelkSelection kAny = {};
 
 constexpr char kPairs[] =
     "BS_:\nBU_: A B\nVAL_TABLE_ A;\nVAL_TABLE_ B;\nBO_ 1 A: 8 Ostrel__XXX\n\n"
@@ -48,55 +52,59 @@ std::vector<bool> finds_all_unlinked(ZelkManager& m, const char* db) {
 
 using Index = ManagerTest;
 
-TEST_F(Index, ServesWhileNobodyCanChangeTheDatabase) {
+TEST_F(Index, ServesUntilARecordIsHandedOut) {
   const std::vector<bool> all(8, true), none(8, false);
-  Manager m, other;
+  Manager m;
+  ZelkWriteManager editor(static_cast<void*>(nullptr));
   const std::string file = folder.write("a.dbc", kPairs);
   const char* const db = open(m, file);
-  const char* const shared = open(other, file);
+  const char* const edited = open(editor, file);
   // Before anything has made an index, cut lists would be indexed as they are.
   EXPECT_TRUE(m.GetNode("A", db));
   EXPECT_EQ(finds_all_unlinked(m, db), all);
+  EXPECT_EQ(finds_all_unlinked(editor, edited), all) << "by the lookups of the other class";
 
   char buffer[9];
   m.GetDefaultDatabaseName(db, buffer, sizeof buffer);
-  m.GetDatabaseName(file.c_str());
-  m.GetUniqueDatabaseName("a");
-  m.IsNewFeatureUsed(1, db);
-  m.SymbolsShortenedOnRead(db);
   m.IsAttributeDefined("A", ZELK_OBJ_NETWORK, db);
   m.GetAttrValue(*m.GetNode("A", db), "A");
-  m.LockDatabase(db, nullptr);
-  m.UnlockDatabase(db);
-  EXPECT_EQ(m.MessageCount(db), 2U);
+  m.GetAttrDefinition(*m.GetNode("A", db), "A");
+  editor.LockDatabase(edited, nullptr);
+  editor.UnlockDatabase(edited);
+  EXPECT_EQ(editor.MessageCount(edited), 2U);
+  EXPECT_FALSE(editor.GetNode("none", edited) || editor.GetMessage(7UL, kAll));
   EXPECT_EQ(finds_all_unlinked(m, db), all) << "none of these gives anything away";
 
-  EXPECT_TRUE(other.GetDatabase(shared));
-  EXPECT_EQ(finds_all_unlinked(m, db), none) << "another manager can change it";
-  EXPECT_EQ(m.ReopenDatabase(db), 0);
-  EXPECT_TRUE(m.GetNode("B", db));
-  EXPECT_EQ(finds_all_unlinked(m, db), none) << "for good";
-}
-
-TEST_F(Index, CeasesWithEveryWayToARecord) {
+  const auto named = [&] { return editor.ZelkManager::GetNode("A", edited); };
   using D = ZelkDatabase;
   const std::function<void(D&)> ways[] = {
-      [](D& d) { d.GetNode("A"); },         [](D& d) { d.CreateNode(9); },
-      [](D& d) { d.GetMessage("A"); },      [](D& d) { d.CreateMessage(9); },
-      [](D& d) { d.GetMessage(1UL); },      [](D& d) { d.GetJ1939Message(1, 0); },
-      [](D& d) { d.GetEnvvar("A"); },       [](D& d) { d.CreateEnvvar(9); },
-      [](D& d) { d.GetValueTable("A"); },   [](D& d) { d.CreateValueTable(9); },
-      [](D& d) { d.GetSignalType("A"); },   [](D& d) { d.CreateSignalType(9); },
-      [](D& d) { d.GetAttrDef("A"); },      [](D& d) { d.CreateAttrDef(9); },
+      [&](D&) { m.GetDatabase(db); },
+      [&](D&) { editor.GetNode("A", kAll); },
+      [&](D&) { editor.GetMessage(1UL, kAny); },
+      [&](D&) { editor.GetAttrDefinition("A", edited); },
+      [&](D&) { editor.GetAttrDefinition(*named(), "A"); },
+      [&](D&) { editor.GetMessageIterator(edited); },
+      [&](D&) { editor.CreateBitTiming(edited, 0); },
+      [&](D&) { editor.SetName(*const_cast<symblk*>(named()), "C"); },
+      [&](D&) { editor.SetAttrValue(edited, "A", {}); },
+      [&](D&) { editor.ResetAttrValue(edited, "A"); },
+      [](D& d) { d.GetNode("A"); },
+      [](D& d) { d.CreateNode(9); },
+      [](D& d) { d.GetMessage("A"); },
+      [](D& d) { d.GetMessage(1UL); },
+      [](D& d) { d.GetJ1939Message(1, 0); },
+      [](D& d) { d.GetEnvvar("A"); },
+      [](D& d) { d.GetValueTable("A"); },
+      [](D& d) { d.GetSignalType("A"); },
+      [](D& d) { d.GetAttrDef("A"); },
+      [](D& d) { d.DeleteAttrDef(*d.attr_defs->next); },
       [](D& d) { d.Walk<msgblk>(nullptr); }};
-  const std::string file = folder.write("a.dbc", kPairs);
   for (const auto& way : ways) {
-    OwnDatabase d(file);
-    const auto lookup = [&d] { return DatabaseLookup::named<symblk>(d, "B"); };
-    EXPECT_TRUE(lookup() && d.Walk<const symblk>(nullptr));
-    EXPECT_TRUE(finds_unlinked(d.nodes, lookup));
-    way(d);
-    EXPECT_FALSE(finds_unlinked(d.nodes, lookup)) << &way - ways;
+    EXPECT_EQ(m.ReopenDatabase(db), 0);
+    EXPECT_TRUE(m.GetNode("B", db));
+    EXPECT_EQ(finds_all_unlinked(m, db), all) << "a database that was read again is nobody's";
+    way(*OwnDatabase::find(file));
+    EXPECT_EQ(finds_all_unlinked(m, db), none) << &way - ways;
   }
 }
 
@@ -115,6 +123,7 @@ std::vector<std::uint32_t> identifiers() {
       for (const std::uint32_t source : {0x21U, 0xFEU}) {
         const std::uint32_t number = group | (group < 0xF000 ? destination : 0);
         ids.push_back(0x98000000 | number << 8 | source);
+        ids.push_back(0xB8000000 | number << 8 | source);  // of the same priority
         ids.push_back(0x0C000000 | number << 8 | source);
         ids.push_back(ZELK_ID_EXTENDED | source << 21 | number);
         ids.push_back(ZELK_ID_EXTENDED | number);
@@ -126,27 +135,8 @@ std::vector<std::uint32_t> identifiers() {
 
 const std::vector<std::uint32_t> kIds = identifiers();
 
-/// Answers to every question there is, by the index.
+/// Answers to every question there is, by the database.
 std::vector<const void*> asked(const ZelkDatabase& d) {
-  std::vector<const void*> answers;
-  for (const std::string& name : kNames) {
-    const char* const n = name.c_str();
-    answers.insert(answers.end(),
-                   {DatabaseLookup::named<symblk>(d, n), DatabaseLookup::named<msgblk>(d, n),
-                    DatabaseLookup::named<env_var_blk>(d, n), DatabaseLookup::named<valtable>(d, n),
-                    DatabaseLookup::named<sigtype>(d, n), DatabaseLookup::named<attr_def>(d, n)});
-  }
-  for (const std::uint32_t id : kIds) {
-    answers.push_back(DatabaseLookup::message(d, id));
-    for (std::uint32_t flags = 0; flags < 4; ++flags) {
-      answers.push_back(DatabaseLookup::j1939_message(d, id, flags));
-    }
-  }
-  return answers;
-}
-
-/// The same by walks: the database ceases to use an index.
-std::vector<const void*> walked(const ZelkDatabase& d) {
   std::vector<const void*> answers;
   for (const std::string& name : kNames) {
     const char* const n = name.c_str();
@@ -160,59 +150,42 @@ std::vector<const void*> walked(const ZelkDatabase& d) {
   return answers;
 }
 
-class RandomEdits {
- public:
-  /// Makes one record of a random kind, or takes one away or renames it.
-  void edit(OwnDatabase& d, bool creates) {
-    using D = ZelkDatabase;
-    switch (below(6)) {
-      case 0:
-        return edit(d, creates, d.nodes, &D::CreateNode, &D::DeleteNode);
-      case 1:
-        return edit(d, creates, d.env_vars, &D::CreateEnvvar, &D::DeleteEnvvar);
-      case 2:
-        return edit(d, creates, d.value_tables, &D::CreateValueTable, &D::DeleteValueTable);
-      case 3:
-        return edit(d, creates, d.signal_types, &D::CreateSignalType, &D::DeleteSignalType);
-      case 4:
-        return edit(d, creates, d.messages, &D::CreateMessage, &D::DeleteMessage);
-      default:
-        return edit_definitions(d, creates);
+/// The same by walks over its lists.
+std::vector<const void*> walked(const ZelkDatabase& d) {
+  std::vector<const void*> answers;
+  for (const std::string& name : kNames) {
+    const char* const n = name.c_str();
+    answers.insert(
+        answers.end(),
+        {zelk_get_symbol_name(d.nodes, n), zelk_get_message_name(d.messages, n),
+         zelk_get_evblk_name(d.env_vars, n), zelk_get_valtable_name(d.value_tables, n),
+         zelk_get_sigtype_name(d.signal_types, n), zelk_get_attr_def_name(d.attr_defs, n)});
+  }
+  for (const std::uint32_t id : kIds) {
+    answers.push_back(zelk_get_message(d.messages, id));
+    for (unsigned flags = 0; flags < 4; ++flags) {
+      const bool is_frame = (id & ZELK_ID_EXTENDED) != 0;
+      const auto all = ZelkDatabase::J1939Flags(flags, d.HasJ1939GroupNumbers());
+      answers.push_back(is_frame ? zelk_get_j1939_message(d.messages, d.attr_defs, id, all)
+                                 : zelk_get_message(d.messages, id));
     }
   }
+  return answers;
+}
+
+class RandomRecords {
+ public:
+  template <typename Record>
+  void create(ZelkDatabase& d, unsigned count, Record* (ZelkDatabase::*create_at)(unsigned)) {
+    for (; count > 0; --count) {
+      Record* const record = (d.*create_at)(below(9));
+      set(record->name, kNames[below(kNames.size())]);
+      if constexpr (std::is_same_v<Record, msgblk>) record->id = kIds[below(kIds.size())];
+    }
+  }
+  unsigned below(std::size_t limit) { return static_cast<unsigned>(random_() % limit); }
 
  private:
-  // The first two definitions stay, because there are values of them.
-  void edit_definitions(OwnDatabase& d, bool creates) {
-    attr_def* const third = d.attr_defs->next->next;
-    if (creates) {
-      d.RenameAttrDef(*d.CreateAttrDef(2 + below(5)), name());
-    } else if (third && below(2) == 0) {
-      d.RenameAttrDef(*third, name());
-    } else if (third) {
-      d.DeleteAttrDef(*third);
-    }
-  }
-
-  template <typename Record>
-  void edit(ZelkDatabase& d, bool creates, Record*& list, Record* (ZelkDatabase::*create)(unsigned),
-            void (ZelkDatabase::*remove)(Record&)) {
-    if (creates) {
-      Record* const record = (d.*create)(below(9));
-      set(record->name, name());
-      if constexpr (std::is_same_v<Record, msgblk>) record->id = kIds[below(kIds.size())];
-      return;
-    }
-    Record* record = list;
-    for (unsigned i = below(6); i > 0 && record && record->next; --i) record = record->next;
-    if (!record) return;
-    if constexpr (std::is_pointer_v<decltype(record->name)>) zelk_mfree(record->name);
-    (d.*remove)(*record);
-  }
-
-  unsigned below(std::size_t limit) { return static_cast<unsigned>(random_() % limit); }
-  const char* name() { return kNames[below(kNames.size())].c_str(); }
-
   std::mt19937 random_;
 };
 
@@ -224,36 +197,54 @@ TEST_F(EditedIndex, AnswersAsTheWalk) {
                     "BS_:\nBU_:\nBA_DEF_ \"J1939PGN\" INT 0 1;\n"
                     "BA_DEF_ BO_ \"VFrameFormat\" ENUM \"other\",\"J1939PG\";\n"
                     "BA_DEF_DEF_ \"VFrameFormat\" \"other\";\nBA_ \"J1939PGN\" 1;\n");
-  RandomEdits random;
-  OwnDatabase edited(start);
-  for (int round = 0; round < 400; ++round) {
-    OwnDatabase d(edited);
-    asked(d);
-    for (int edits = 0; edits < 6; ++edits) random.edit(edited, round % 2 != 0);
-    edited.attr_values->value.number = round / 4 % 2;
-    set(edited.attr_defs->next->default_value.text, round / 2 % 2 == 0 ? "J1939PG" : "other");
-    if (round % 4 == 0) {
-      d.assign(edited);
-    } else {
-      random.edit(d, false);
-    }
-    const std::vector<const void*> answers = asked(d);
-    ASSERT_EQ(answers, walked(d)) << round;
+  using D = ZelkDatabase;
+  RandomRecords random;
+  OwnDatabase d(start);
+  for (int round = 0; round < 200; ++round) {
+    OwnDatabase made(start);
+    made.attr_values->value.number = round % 2;
+    set(made.attr_defs->next->default_value.text, round / 2 % 2 == 0 ? "J1939PG" : "other");
+    random.create(made, 6, &D::CreateNode);
+    random.create(made, 6, &D::CreateEnvvar);
+    random.create(made, 6, &D::CreateValueTable);
+    random.create(made, 6, &D::CreateSignalType);
+    random.create(made, random.below(60), &D::CreateMessage);
+    random.create(made, 6, &D::CreateAttrDef);
+    d.assign(made);
+    ASSERT_EQ(asked(d), walked(d)) << round;
+    random.create(d, 1, &D::CreateMessage);
+    ASSERT_EQ(asked(d), walked(d)) << round << ", edited";
   }
 }
 
-TEST_F(EditedIndex, KnowsLongNames) {
-  OwnDatabase d(folder_.write("a.dbc",
-                              "BS_:\nBU_: A B\nBA_DEF_ BU_ \"Long\" STRING ;\n"
-                              "BA_ \"Long\" BU_ A \"LongNameOfA\";\n"));
-  attr_def& definition = *d.attr_defs;
-  const symblk* const node = DatabaseLookup::named<symblk>(d, "A");
-  EXPECT_TRUE(node && DatabaseLookup::named<attr_def>(d, "Long"));
-  set(definition.name, "SystemNodeLongSymbol");
-  d.CheckAndInsertPredefinedAttrs(definition);
-  EXPECT_EQ(DatabaseLookup::named<symblk>(d, "LongNameOfA"), node);
-  EXPECT_EQ(DatabaseLookup::named<symblk>(d, "A"), nullptr);
-  EXPECT_EQ(DatabaseLookup::named<attr_def>(d, "Long"), nullptr);
+/// Every thread finds and decodes all messages of a database that none of them edits.
+TEST(IndexThreads, ReadOneDatabase) {
+  std::string text = "BS_:\nBU_:\n";
+  for (int id = 1; id <= 200; ++id) {
+    const std::string number = std::to_string(id);
+    text += "BO_ " + number + " M" + number + ": 8 Ostrel__XXX\n SG_ S : 0|8@1+ (1," + number +
+            ") [0|0] \"\" Ostrel__XXX\n\n";
+  }
+  const Folder folder;
+  const OwnDatabase d(folder.write("a.dbc", text));
+  const ZelkFrameDecoderTable decoders(d.messages);
+  std::atomic<int> decoded = 0;
+  std::vector<std::thread> threads(8);
+  for (std::thread& thread : threads) {
+    thread = std::thread([&] {
+      for (unsigned long id = 1; id <= 200; ++id) {
+        const msgblk* const message = d.GetMessage(("M" + std::to_string(id)).c_str());
+        const Frame frame(8);
+        double value = 0;
+        std::uint64_t present = 0;
+        decoders.Find(*message)->Decode(frame.data(), 8, &value, &present);
+        const bool is_found = message == d.GetMessage(id) && message == d.GetJ1939Message(id, 0);
+        decoded += is_found && value == static_cast<double>(id) ? 1 : 0;
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(decoded, 1600);
 }
 
 }  // namespace

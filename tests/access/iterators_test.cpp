@@ -8,6 +8,16 @@
 #include "zelk/predicates.hpp"
 
 static_assert(std::ranges::input_range<ZelkIterator<const msgblk>>);
+template <typename A, typename B>
+constexpr bool kAreComparable = requires(ZelkIterator<A> a, ZelkIterator<B> b) {
+  a == b;
+};
+template <typename A>
+constexpr bool kHasOrder = requires(ZelkIterator<A> a) {
+  a < a;
+};
+static_assert(kAreComparable<msgblk, const msgblk> && kAreComparable<attr, attr>);
+static_assert(!kAreComparable<msgblk, symblk> && !kHasOrder<msgblk>, "not by their truth either");
 
 namespace {
 
@@ -95,6 +105,8 @@ TEST_F(Iterators, GoThroughAllDatabasesInOrder) {
   EXPECT_STREQ((*++it)->name, "Z");
   EXPECT_EQ(it.DatabaseName(), c);
   EXPECT_EQ(before.DatabaseName(), a);
+  const ZelkIterator<msgblk> other(m, &ZelkDatabase::Walk<msgblk>, a);
+  EXPECT_TRUE(before == other && before != it && it == it);
   for (int steps = 0; steps < 3; ++steps) EXPECT_EQ(*++it, nullptr) << "it stays at the end";
 }
 

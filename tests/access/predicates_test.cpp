@@ -3,6 +3,7 @@
 #include "zelk/predicates.hpp"
 
 #include "access/frames.hpp"
+#include "zelk/write_manager.hpp"
 
 namespace {
 
@@ -43,6 +44,7 @@ TEST_F(Predicates, AcceptSignalsThatFitInTheData) {
 
 TEST_F(Predicates, ChooseAmongTheSignalsOfAMessage) {
   Manager m;
+  ZelkWriteManager editor(static_cast<void*>(nullptr));
   Message message;
   sigblk& top = message.add(make_signal(0, 8, kMultiplexor));
   sigblk& inner = message.add(make_signal(16, 8, kMultiplexor));
@@ -56,7 +58,7 @@ TEST_F(Predicates, ChooseAmongTheSignalsOfAMessage) {
   message.add_range(linkless, 0, 255);
   const std::vector<std::pair<const sigblk*, char>> letters = {
       {&top, 't'}, {&inner, 'i'}, {&leaf, 'l'}, {&other, 'o'}, {&linkless, 'n'}, {&last, 'p'}};
-  const auto walk = [&](ZelkIterator<const sigblk> it) {
+  const auto walk = [&](auto it) {
     std::string text;
     for (; it; ++it) {
       for (const auto& [signal, letter] : letters)
@@ -79,12 +81,19 @@ TEST_F(Predicates, ChooseAmongTheSignalsOfAMessage) {
     EXPECT_EQ(walk(m.GetValidSignalIterator(message.record, is_valid)), c.valid);
     EXPECT_EQ(walk(m.GetValidMultiplexorSignalIterator(message.record, is_multiplexor)),
               c.multiplexors);
+    EXPECT_EQ(walk(editor.GetValidSignalIterator(message.record, is_valid)), c.valid);
+    EXPECT_EQ(walk(editor.GetValidMultiplexorSignalIterator(message.record, is_multiplexor)),
+              c.multiplexors);
   }
   MultiplexedBySignalPredicate by_top(top), by_inner(inner), by_none(last);
   EXPECT_EQ(walk(m.GetMultiplexedSignalIterator(message.record, by_top)), "io");
   EXPECT_EQ(walk(m.GetMultiplexedSignalIterator(message.record, by_inner)), "l");
   EXPECT_EQ(walk(m.GetMultiplexedSignalIterator(message.record, by_none)), "");
   EXPECT_EQ(walk(m.GetMultiplexorSignalIterator(message.record)), "ti");
+  EXPECT_EQ(walk(editor.GetMultiplexedSignalIterator(message.record, by_top)), "io");
+  EXPECT_EQ(walk(editor.GetMultiplexorSignalIterator(message.record)), "ti");
+  (*editor.GetMultiplexorSignalIterator(message.record))->factor = 2.0;
+  EXPECT_EQ(top.factor, 2.0) << "may be changed";
   MultiplexedSignalPredicate is_multiplexed;
   const sigblk* const first = &top;
   EXPECT_EQ(walk(ZelkIterator(m, first, is_multiplexed, nullptr)), "ilon");

@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <bit>
 #include <cstring>
+#include <sstream>
 #include <utility>
 
 #include "access/frames.hpp"
@@ -9,6 +11,13 @@
 namespace {
 
 const msgblk kMessage = {};
+
+zelk_sig_mask_t mask_of(const sigblk& signal) {
+  zelk_sig_mask_t mask;
+  std::memset(&mask, 0xAB, sizeof mask);
+  Manager().GetSignalAccessMask(signal, mask);
+  return mask;
+}
 
 TEST(AccessMask, TellsWhereTheBitsAre) {
   using Mask = std::array<std::uint32_t, 8>;
@@ -21,14 +30,9 @@ TEST(AccessMask, TellsWhereTheBitsAre) {
       {63, 1, 0, {1, 7, 0, 1, 1, 7, 8, 8}},
       {0, 1, kMotorola, {1, 0, 1, 1, 1, 0, 1, 1}},
       {7, 16, kMotorola | kSigned, {0xFFFF, 0, 1, 16, 2, 1, 16, 2}},
-      {4, 12, kMultiplexor, {0xFFF, 4, 0, 12, 2, 0, 16, 2}},
-      {1, 11, kMotorola, {0x7FF, 7, 1, 11, 3, 2, 18, 3}},
-      {8, 31, 0, {0x7FFFFFFF, 0, 0, 31, 4, 1, 31, 5}},
       {7, 32, 0, {0xFFFFFFFF, 7, 0, 32, 5, 0, 39, 5}},
       {39, 33, kMotorola, {1, 7, 1, 33, 5, 8, 40, 9}},
-      {2, 63, 0, {0x7FFFFFFF, 2, 0, 63, 9, 0, 65, 9}},
       {7, 64, kMotorola, {0xFFFFFFFF, 0, 1, 64, 8, 7, 64, 8}},
-      {1, 65, 0, {1, 1, 0, 65, 9, 0, 66, 9}},
       {7, 89, 0, {0x1FFFFFF, 7, 0, 89, 12, 0, 96, 12}},
       {0, 90, 0, {0xABABABAB, 0, 0, 90, 12, 0, 90, 12}},
       {511, 65535, 0, {0xABABABAB, 7, 0, 65535, 8193, 63, 65542, 8256}},
@@ -37,80 +41,97 @@ TEST(AccessMask, TellsWhereTheBitsAre) {
       {15, 0, kMotorola, {0, 0, 1, 0, 0, 0, 0, 1}},
       // Positions go up to 65535, and those of Motorola signals from there to 0.
       {65535, 9, 0, {0x1FF, 7, 0, 9, 2, 8191, 16, 8193}},
-      {65535, 8, kMotorola, {0xFF, 0, 1, 8, 1, 8191, 8, 8192}},
       {65535, 9, kMotorola, {0x1FF, 7, 1, 9, 2, 0, 16, 1}},
   };
   for (const auto& c : cases) {
-    zelk_sig_mask_t mask;
-    std::memset(&mask, 0xAB, sizeof mask);
-    Manager().GetSignalAccessMask(make_signal(c.start_bit, c.length, c.flags), mask);
-    Mask numbers;
-    std::memcpy(&numbers, &mask, sizeof mask);
-    EXPECT_EQ(numbers, c.mask) << c.start_bit << ", " << c.length;
+    const auto mask = mask_of(make_signal(c.start_bit, c.length, c.flags));
+    EXPECT_EQ(std::bit_cast<Mask>(mask), c.mask) << c.start_bit << ", " << c.length;
   }
 }
 
-using Reading = std::pair<int, std::uint64_t>;  ///< result and raw value
-constexpr std::uint64_t kUntouched = 0xA5A5A5A5;
-
-/// The four ways to read an integer: 32 and 64 bits, then both with the access record.
-std::array<Reading, 4> read_all(const Frame& frame, const sigblk& signal) {
-  const Manager manager;
-  zelk_sig_mask_t mask = {};
-  manager.GetSignalAccessMask(signal, mask);
-  const unsigned char& data = *frame.data();
-  unsigned long raw = kUntouched, masked = kUntouched;
-  long long raw_64 = kUntouched, masked_64 = kUntouched;
-  const int results[] = {manager.GetSignalRawValue(data, signal, kMessage, raw),
-                         manager.GetSignalRawValueInt64(data, signal, kMessage, raw_64),
-                         manager.GetSignalRawValue(data, mask, signal, kMessage, masked),
-                         manager.GetSignalRawValueInt64(data, mask, signal, kMessage, masked_64)};
-  return {Reading(results[0], raw), Reading(results[1], raw_64), Reading(results[2], masked),
-          Reading(results[3], masked_64)};
+/// A result, unless it is 0, and a raw value, "-" where none was written: "3:-", "ff", "5:0".
+template <typename Raw>
+std::string told(int result, Raw raw) {
+  std::ostringstream text;
+  if (result != 0) text << result << ":";
+  if (raw == static_cast<Raw>(0xA5A5A5A5A5A5A5A5)) return text.str() + "-";
+  text << std::hex << static_cast<std::uint64_t>(raw);
+  return text.str();
 }
 
-std::array<Reading, 4> all(std::uint64_t number) {
-  return {{{0, number}, {0, number}, {0, number}, {0, number}}};
+/// Three readings: of 32 bits, of 64, and of all bits.
+template <typename... Position>
+std::string read_by(const Position&... position) {
+  const Manager m;
+  auto low = static_cast<unsigned long>(0xA5A5A5A5A5A5A5A5);
+  auto number = static_cast<long long>(0xA5A5A5A5A5A5A5A5);
+  std::uint64_t whole = 0xA5A5A5A5A5A5A5A5;
+  const int low_result = m.GetSignalRawValue(position..., kMessage, low);
+  const int number_result = m.GetSignalRawValueInt64(position..., kMessage, number);
+  const int whole_result = m.GetSignalRawValueUint64(position..., kMessage, whole);
+  return told(low_result, low) + " " + told(number_result, number) + " " +
+         told(whole_result, whole);
+}
+
+/// Without an access record, then with one.
+std::string read_all(const Frame& frame, const sigblk& signal, const sigblk& record) {
+  const unsigned char& data = *frame.data();
+  return read_by(data, signal) + ", " + read_by(data, mask_of(record), signal);
 }
 
 TEST(RawValues, AreReadByHand) {
+  const Frame ones(9, 0xFF), forty = {0x21, 0x43, 0x65, 0x87, 0xF9}, two = {0x0B, 0x44};
+  constexpr int kOwn = -1;
   const struct {
     sigblk signal;
     Frame frame;
-    std::array<Reading, 4> readings;
+    int record_length;
+    const char* readings;
   } cases[] = {
-      {make_signal(63, 1), {0, 0, 0, 0, 0, 0, 0, 0x80}, all(1)},
-      {make_signal(0, 1, kMotorola), {1}, all(1)},
-      {make_signal(7, 16, kMotorola), {0x12, 0x34}, all(0x1234)},
-      {make_signal(0, 16), {0x12, 0x34}, all(0x3412)},
+      {make_signal(63, 1), {0, 0, 0, 0, 0, 0, 0, 0x80}, kOwn, "1 1 1, 1 1 1"},
+      {make_signal(0, 1, kMotorola), {1}, kOwn, "1 1 1, 1 1 1"},
+      {make_signal(7, 16, kMotorola), {0x12, 0x34}, kOwn, "1234 1234 1234, 1234 1234 1234"},
+      {make_signal(0, 16), {0x12, 0x34}, kOwn, "3412 3412 3412, 3412 3412 3412"},
+      // Across the first byte: there is none below it.
+      {make_signal(65535, 9, kMotorola), {0x80}, kOwn, "1 1 1, 1 1 1"},
       // Signed: 32 bits zero-extended, 64 bits sign-extended.
       {make_signal(0, 8, kSigned),
-       {0xFF},
-       {{{0, 0xFFFFFFFF}, {0, ~0ULL}, {0, 0xFFFFFFFF}, {0, ~0ULL}}}},
-      {make_signal(5, 0, kSigned), {0xFF}, all(0)},
-      // Over 32 bits: the access record keeps the low length - 32 only.
-      {make_signal(0, 40, kSigned),
-       {0x21, 0x43, 0x65, 0x87, 0xF9},
-       {{{3, 0x87654321}, {0, 0xFFFFFFF987654321}, {3, 0x21}, {0, 0x21}}}},
-      // The ninth byte does not count.
-      {make_signal(4, 64, kSigned),
-       Frame(9, 0xFF),
-       {{{3, 0xFFFFFFFF}, {0, 0x0FFFFFFFFFFFFFFF}, {3, 0xFFFFFFFF}, {0, 0xFFFFFFFF}}}},
-      {make_signal(0, 65),
-       Frame(9, 0xFF),
-       {{{3, kUntouched}, {3, kUntouched}, {3, kUntouched}, {3, kUntouched}}}},
+       {0x80},
+       kOwn,
+       "ffffff80 ffffffffffffff80 ffffffffffffff80, ffffff80 ffffffffffffff80 ffffffffffffff80"},
+      {make_signal(5, 0, kSigned), {0xFF}, kOwn, "0 0 0, 0 0 0"},
+      // Over 32 bits: the record's mask keeps the low length - 32 only.
+      {make_signal(0, 40), forty, kOwn, "87654321 f987654321 f987654321, 21 21 f987654321"},
+      {make_signal(0, 40, kSigned), forty, kOwn,
+       "3:87654321 fffffff987654321 fffffff987654321, 3:21 21 fffffff987654321"},
+      // The ninth byte counts for all bits alone.
+      {make_signal(4, 64, kSigned), ones, kOwn,
+       "3:ffffffff fffffffffffffff ffffffffffffffff, 3:ffffffff ffffffff ffffffffffffffff"},
+      {make_signal(0, 70), ones, kOwn, "3:- 3:- 3:-, 3:- 3:- 3:-"},
+      // By the record of a longer signal: 2^n is subtracted, with n of the signal.
+      {make_signal(0, 9, kSigned), two, 15, "b b b, 420b 420b 420b"},
+      {make_signal(0, 0, kSigned), two, 15, "0 0 0, 440a 440a 440a"},
+      {make_signal(0, 16, kSigned),
+       {0, 0x80, 0, 0},
+       32,
+       "ffff8000 ffffffffffff8000 ffffffffffff8000, ffff8000 ffffffffffff8000 ffffffffffff8000"},
+      {make_signal(0, 9), two, 15, "b b b, 440b 440b 440b"},
+      {make_signal(0, 9), ones, 65, "1ff 1ff 1ff, 3:- 1 3:-"},
   };
   for (const auto& c : cases) {
-    EXPECT_EQ(read_all(c.frame, c.signal), c.readings) << c.signal.length;
+    sigblk record = c.signal;
+    if (c.record_length != kOwn) record.length = static_cast<std::uint16_t>(c.record_length);
+    EXPECT_EQ(read_all(c.frame, c.signal, record), c.readings)
+        << c.signal.length << ", " << record.length;
   }
 }
 
 /// Of a number of `kept` bits the low 32; a signed signal wants at most 32.
-Reading expected_32(std::uint64_t number, const sigblk& signal, unsigned kept) {
+std::string expected_32(std::uint64_t number, const sigblk& signal, unsigned kept) {
   const std::uint64_t low = low_bits(number, std::min(kept, 32U));
-  if ((signal.flags & kSigned) == 0) return {0, low};
-  if (signal.length > 32) return {3, low};
-  return {0, low_bits(sign_extended(low, signal.length), 32)};
+  if ((signal.flags & kSigned) == 0) return told(0, low);
+  if (signal.length > 32) return told(3, low);
+  return told(0, low_bits(sign_extended(low, signal.length), 32));
 }
 
 TEST(RawValues, AreThoseOfTheBits) {
@@ -121,38 +142,30 @@ TEST(RawValues, AreThoseOfTheBits) {
     const auto bits = bits_of(signal);
     const Frame frame = random.frame(bytes_for(bits));
     const std::uint64_t number = number_in(frame, bits);
-    const std::uint64_t in_eight_bytes =
-        low_bits(number, static_cast<unsigned>(64 - bits.front() % 8));
+    const auto in_eight_bytes = low_bits(number, static_cast<unsigned>(64 - bits.front() % 8));
     const unsigned kept = length <= 32 ? length : length < 64 ? length - 32 : 32;
     const bool is_signed = (signal.flags & kSigned) != 0;
-    const auto extended = [&](std::uint64_t n) { return is_signed ? sign_extended(n, length) : n; };
-    const std::array<Reading, 4> expected = {
-        expected_32(number, signal, 32), Reading(0, extended(in_eight_bytes)),
-        expected_32(number, signal, kept), Reading(0, extended(low_bits(number, kept)))};
-    ASSERT_EQ(read_all(frame, signal), expected)
+    const auto extended = [&](std::uint64_t n) {
+      return " " + told(0, is_signed ? sign_extended(n, length) : n);
+    };
+    ASSERT_EQ(read_all(frame, signal, signal),
+              expected_32(number, signal, 32) + extended(in_eight_bytes) + extended(number) + ", " +
+                  expected_32(number, signal, kept) + extended(low_bits(number, kept)) +
+                  extended(number))
         << signal.start_bit << ", " << length << ", " << signal.flags;
   }
 }
 
-TEST(RawValues, ReachNoByteBelowTheFirst) {
-  const Frame one_byte = {0x80};
-  const sigblk across = make_signal(65535, 9, kMotorola);
-  for (const Reading& reading : read_all(one_byte, across)) EXPECT_EQ(reading, Reading(0, 1));
-}
-
-/// The bits of the double, by the signal or with its access record.
-Reading read_ieee(const Frame& frame, const sigblk& signal, bool with_record) {
-  const Manager manager;
-  zelk_sig_mask_t mask = {};
-  manager.GetSignalAccessMask(signal, mask);
-  double raw = 0.0;
-  std::memcpy(&raw, &kUntouched, sizeof raw);
-  const int result = with_record
-                         ? manager.GetSignalRawValue(*frame.data(), mask, signal, kMessage, raw)
-                         : manager.GetSignalRawValue(*frame.data(), signal, kMessage, raw);
-  std::uint64_t bits = 0;
-  std::memcpy(&bits, &raw, sizeof raw);
-  return {result, bits};
+/// The double in an IEEE signal, by its bits: by the signal, then with its access record.
+std::string read_ieee(const Frame& frame, const sigblk& signal) {
+  const Manager m;
+  const auto untouched = std::bit_cast<double>(0xA5A5A5A5A5A5A5A5);
+  double raw = untouched, by_record = untouched;
+  const int result = m.GetSignalRawValue(*frame.data(), signal, kMessage, raw);
+  const int record_result =
+      m.GetSignalRawValue(*frame.data(), mask_of(signal), signal, kMessage, by_record);
+  return told(result, std::bit_cast<std::uint64_t>(raw)) + " " +
+         told(record_result, std::bit_cast<std::uint64_t>(by_record));
 }
 
 TEST(RawValues, AreIeeeNumbers) {
@@ -163,36 +176,30 @@ TEST(RawValues, AreIeeeNumbers) {
     signal.value_type = value_type;
     const auto bits = bits_of(signal);
     const Frame frame = random.frame(bytes_for(bits));
-    std::uint64_t expected = number_in(frame, bits);
+    std::uint64_t number = number_in(frame, bits);
     if (value_type == 1) {
-      float single = 0;
-      std::memcpy(&single, &expected, sizeof single);
+      const auto single = std::bit_cast<float>(static_cast<std::uint32_t>(number));
       if (single != single) continue;  // The bits of a widened not-a-number are the processor's.
-      const double widened = single;
-      std::memcpy(&expected, &widened, sizeof widened);
+      number = std::bit_cast<std::uint64_t>(double{single});
     }
-    ASSERT_EQ(read_ieee(frame, signal, true), Reading(0, expected)) << signal.start_bit;
-    signal.length = static_cast<std::uint16_t>(random.between(0, 100));  // It does not matter.
-    ASSERT_EQ(read_ieee(frame, signal, false), Reading(0, expected)) << signal.start_bit;
+    ASSERT_EQ(read_ieee(frame, signal), told(0, number) + " " + told(0, number));
   }
-}
-
-TEST(RawValues, OfIeeeSignalsWantTypeAndRecord) {
-  const Frame frame = {0, 0, 0x20, 0x41, 0, 0, 0, 0, 0, 0, 0, 0, 0};
-  const std::uint64_t ten = 0x4024000000000000;
+  // The length does not matter, but for the record; the type does.
+  const Frame ten = {0, 0, 0x20, 0x41, 0, 0, 0, 0, 0, 0, 0, 0, 0};
   const struct {
     std::uint32_t value_type;
     unsigned length;
-    Reading reading, by_record;
-  } cases[] = {
-      {0, 32, {2, kUntouched}, {2, kUntouched}}, {3, 20, {2, kUntouched}, {2, kUntouched}},
-      {1, 31, {0, ten}, {3, kUntouched}},        {1, 33, {0, ten}, {3, kUntouched}},
-      {2, 63, {0, 0x41200000}, {3, kUntouched}}, {2, 90, {0, 0x41200000}, {3, kUntouched}}};
+    const char* readings;
+  } cases[] = {{0, 32, "2:- 2:-"},
+               {3, 20, "2:- 2:-"},
+               {1, 31, "4024000000000000 3:-"},
+               {1, 33, "4024000000000000 3:-"},
+               {2, 63, "41200000 3:-"},
+               {2, 90, "41200000 3:-"}};
   for (const auto& c : cases) {
     sigblk signal = make_signal(0, c.length, kSigned);
     signal.value_type = c.value_type;
-    EXPECT_EQ(read_ieee(frame, signal, false), c.reading) << c.value_type << ", " << c.length;
-    EXPECT_EQ(read_ieee(frame, signal, true), c.by_record) << c.value_type << ", " << c.length;
+    EXPECT_EQ(read_ieee(ten, signal), c.readings) << c.value_type << ", " << c.length;
   }
 }
 
@@ -202,9 +209,7 @@ TEST(CombinedReads, ConvertWhatWasRead) {
   unsigned long raw = 77;
   long long raw_64 = 77;
   double raw_ieee = 77.0, physical = 0.0;
-  sigblk signal = make_signal(0, 16, kSigned);
-  signal.factor = 0.5;
-  signal.offset = 10.0;
+  sigblk signal = scaled(make_signal(0, 16, kSigned), 0.5, 10.0);
   EXPECT_EQ(manager.GetSignalValue(frame[0], signal, kMessage, raw, physical), 0);
   EXPECT_EQ(std::pair(raw, physical), std::pair(0xFFFFFFFEUL, 9.0));
   signal.maximum = 8.0;
@@ -219,18 +224,15 @@ TEST(CombinedReads, ConvertWhatWasRead) {
   signal.length = 8;
   muxor_val_range range = {1, 1, nullptr};
   signal.mux_ranges = &range;
-  zelk_sig_mask_t mask = {};
-  manager.GetSignalAccessMask(signal, mask);
-  physical = 0.0;
+  const zelk_sig_mask_t mask = mask_of(signal);
   EXPECT_EQ(manager.GetSignalPhysicalValue(frame[0], signal, kMessage, physical), 5);
   EXPECT_EQ(physical, 9.0);
   EXPECT_EQ(manager.GetSignalValue(frame[0], mask, signal, kMessage, raw, physical), 5);
   EXPECT_EQ(std::pair(raw, physical), std::pair(0xFFFFFFFEUL, 9.0));
   EXPECT_EQ(manager.GetSignalValueInt64(frame[0], mask, signal, kMessage, raw_64, physical), 5);
   EXPECT_EQ(std::pair(raw_64, physical), std::pair(-2LL, 9.0));
-  signal = make_signal(0, 1);
+  signal = scaled(make_signal(0, 1), 0.5, 0.0);
   signal.value_type = 1;
-  signal.factor = 0.5;
   EXPECT_EQ(manager.GetSignalPhysicalValue(frame[0], signal, kMessage, physical), 0);
   EXPECT_EQ(physical, 0x1.41FFFCp+2);  // half of the single 0x4120FFFE
 }

@@ -40,29 +40,24 @@ TEST(ValueTexts, AreExactlyAsLongAsTheirBuffersMayBe) {
     std::string text;
     std::size_t size;  ///< the least that is enough
   } cases[] = {
-      {ones, make_signal(0, 8), 0, 0, "255", 4},
       {ones, make_signal(0, 8, kSigned), 0, 0, "-1", 3},
       {ones, make_signal(0, 32), 0, 0, "-1", 3},  // "%d" of all 32 bits
       {counting, make_signal(0, 40), 0, 3, "1732584193", 11},
       {ones, make_signal(0, 0, kSigned), 0, 0, "0", 2},
-      {ones, make_signal(0, 8, kSigned), 1, 0, "ff", 3},
       {counting, make_signal(7, 32, kMotorola), 1, 0, "1234567", 8},
       {ones, make_signal(3, 9), 2, 0, "  1 255", 8},
       {ones, make_signal(0, 0), 2, 0, "", 1},
       {counting, make_signal(4, 12), 3, 0, "02 30", 6},
-      {counting, make_signal(7, 64, kMotorola), 3, 0, "01 23 45 67 89 AB CD EF", 24},
       {ones, make_signal(7, 89), 3, 0, "01 FF FF FF FF FF FF FF FF FF FF FF", 36},
       {counting, make_signal(0, 88, kMotorola | kSigned), 3, 0, "91 A2 B3 C4 D5 E6 F7 88 19 2A 3B",
        33},
       {counting, speed, 4, 0, "4480.75", 8},
-      {counting, make_signal(0, 32), 4, 0, "1.73258e+09", 12},
       {ones, scaled(make_signal(0, 8, kSigned), 0.25, 0.0), 4, 0, "-0.25", 6},
       {ones, scaled(make_signal(0, 8), 1.0, 0.0, 10.0), 4, 4, "255", 4},
       {ones, scaled(make_signal(0, 33, kSigned), 1.0, 0.0, 10.0), 4, 3, "4.29497e+09", 12},
       {ones, scaled(make_signal(0, 8), 1e-9, 0.0), 4, 0, "2.55e-07", 9},
       {counting, speed, 5, 0, "4480.75 km/h", 13},
       {ones, scaled(make_signal(0, 8), 1.0, 0.0, 10.0, "%"), 5, 4, "255 %", 6},
-      {ones, make_signal(0, 0), 8, 0, "", 1},
       {ones, make_signal(5, 89), 8, 0, std::string(89, '1'), 90},
       {counting, make_signal(12, 7, kMotorola), 8, 0, "0001101", 8},
   };

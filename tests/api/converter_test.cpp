@@ -4,6 +4,7 @@
 
 #include "support/files.hpp"
 #include "support/folder.hpp"
+#include "zelk/dbc.h"
 #include "zelk/errors.h"
 
 namespace {
@@ -82,8 +83,6 @@ TEST_F(Converters, RefuseImports) {
        "database: could not generate converted file, the module has no such function\n"},
       {"missing.module", "zelk_import", source, "a", 1,
        "database: could not generate converted file, the module cannot be loaded\n"},
-      {nullptr, "zelk_import", source, "a", 1,
-       "database: could not generate converted file, the module cannot be loaded\n"},
       {ZELK_BAD_MODULE, "half", source, "a", 1,
        "database: format error in converted file, line 7, half\n"},
       {ZELK_BAD_MODULE, "raise", source, "a", 1,
@@ -103,62 +102,58 @@ TEST_F(Converters, RefuseImports) {
   EXPECT_EQ(again.Import("a", nullptr, taken.c_str()), 3) << "tested before the file";
 }
 
-// Whatever a module fills in, nothing of it leads out of the database, and it can be written.
+// Whatever a module fills in, the signals are those of their messages, and all can be written as it
+// is; a save refuses what no file could give back.
 TEST_F(Converters, NonsenseDoesNoHarm) {
   ASSERT_EQ(import(ZELK_BAD_MODULE, "nonsense", folder.write("a.x", "")), 0);
-  unsigned links = 0;
-  for (msgblk* message : manager.GetMessageIterator(name)) {
-    EXPECT_EQ(message->transmitter, nullptr);
-    EXPECT_EQ(message->category, nullptr);
-    for (sigblk* signal : manager.GetSignalIterator(*message)) {
-      EXPECT_EQ(signal->message, message);
-      EXPECT_EQ(signal->sigtype, nullptr);
-      const sigblk* const multiplexor = signal->mux_signal;
-      EXPECT_TRUE(!multiplexor || multiplexor->message == message);
-      EXPECT_TRUE(signal != multiplexor || !signal->name) << "only the module's own circle";
-      for (rxblk* link : manager.GetReceiverIterator(*signal)) links += link->node ? 100 : 1;
-    }
+  for (const msgblk* message : manager.GetMessageIterator(name)) {
+    EXPECT_EQ(message->signals->message, message);
+    EXPECT_EQ(message->signals->receivers->node, nullptr);
   }
-  EXPECT_EQ(links, 4U);
-  for (const siggroupblk* group :
-       manager.GetSignalGroupIterator(*manager.GetDatabase(name)->messages)) {
-    for (const siglistblk* member : manager.GetSubsignalIterator(*group)) {
-      EXPECT_EQ(member->signal, nullptr);
-    }
-  }
-  EXPECT_EQ(manager.WriteDatabase(name, nullptr), 0) << zelk_get_error_text();
-  manager.ReopenDatabase(name);  // what cannot be a file's name is no file's
+  const ZelkDatabase& filled = *manager.GetConstDatabase(name);
+  EXPECT_EQ(zelk_try_write(folder.path("b.dbc").c_str(), filled.nodes, filled.messages,
+                           filled.env_vars, filled.bit_timings, filled.attr_defs,
+                           filled.attr_values, filled.categories, filled.filter, filled.comment,
+                           filled.user_data, filled.signal_types, filled.value_tables, 1),
+            ZELK_OK);
+  EXPECT_EQ(manager.WriteDatabase(name, nullptr), ZelkErrorNotWritten);
 }
 
 TEST_F(Converters, Export) {
   ASSERT_EQ(import(ZELK_CSV_MODULE, "zelk_import", folder.write("a.csv", kSignals)), 0);
   const std::string target = folder.path("b.csv");
-  ZelkExporter exporter(manager, ZELK_CSV_MODULE, "zelk_export");
-  EXPECT_EQ(exporter.Export("imported", target.c_str()), 9) << "a text that is no handle";
-  EXPECT_EQ(exporter.Status(), 1U);
-  EXPECT_EQ(exporter.Export(name, target.c_str()), 0);
-  EXPECT_EQ(exporter.Status(), 0U);
+  const std::string none = folder.path("none.csv");
+  const struct {
+    const char* module;
+    const char* function;
+    const char* db;
+    std::string file;
+    const char* option;
+    int expected;
+    bool is_written;
+    const char* told;
+  } cases[] = {
+      {ZELK_CSV_MODULE, "zelk_export", "imported", target, "", 9, false, ""},  // no handle
+      {ZELK_CSV_MODULE, "zelk_export", name, target, "", 0, true, ""},
+      {ZELK_CSV_MODULE, "zelk_export", "imported", target, "", 10, true, ""},
+      {ZELK_CSV_MODULE, "zelk_exprot", name, none, "", 0, false,
+       "database: could not generate converted file, the module has no such function\n"},
+      {ZELK_CSV_MODULE, "zelk_export", name, folder.path("no/folder.csv"), "", 9, false,
+       "database: could not generate converted file, the file cannot be written\n"},
+      {ZELK_CSV_MODULE, nullptr, name, none, "", 0, false, ""},
+      {ZELK_BAD_MODULE, "asked", name, none, "yes", 0, false, ""},
+      {ZELK_BAD_MODULE, "asked", name, none, nullptr, 9, false, ""},
+  };
+  for (const auto& c : cases) {
+    ZelkExporter exporter(manager, c.module, c.function);
+    exporter.SetOption(c.option);
+    EXPECT_EQ(exporter.Export(c.db, c.file.c_str()), c.expected) << c.file;
+    EXPECT_EQ(exporter.Status(), c.expected == 0 ? 0U : 1U);
+    EXPECT_STREQ(zelk_get_error_text(), c.told);
+    EXPECT_EQ(std::filesystem::exists(c.file), c.is_written) << c.file;
+    EXPECT_EQ(exporter.GetDatabase(name), manager.GetDatabase(name));
+  }
   EXPECT_EQ(content_of(target), kSignals);
-  EXPECT_EQ(exporter.Export(name, target.c_str()), 10);
-  EXPECT_EQ(exporter.Export("imported", target.c_str()), 10) << "tested before the name";
-
-  ZelkExporter mistyped(manager, ZELK_CSV_MODULE, "zelk_exprot");
-  EXPECT_EQ(mistyped.Export(name, folder.path("none.csv").c_str()), 0);
-  EXPECT_STREQ(zelk_get_error_text(),
-               "database: could not generate converted file, the module has no such function\n");
-  ZelkExporter nothing(manager, ZELK_CSV_MODULE, nullptr);
-  EXPECT_EQ(nothing.Export(name, folder.path("none.csv").c_str()), 0);
-  EXPECT_FALSE(std::filesystem::exists(folder.path("none.csv")));
-  EXPECT_TRUE(nothing.GetFunction("zelk_import"));
-  EXPECT_FALSE(nothing.GetFunction("zelk_nonsense"));
-  EXPECT_EQ(nothing.GetDatabase(name), manager.GetDatabase(name));
-
-  ZelkExporter asked(manager, ZELK_BAD_MODULE, "asked");
-  EXPECT_EQ(asked.Export(name, folder.path("asked").c_str()), 9);
-  asked.SetOption("yes");
-  EXPECT_EQ(asked.Export(name, folder.path("asked").c_str()), 0);
-  asked.SetOption(nullptr);
-  EXPECT_EQ(asked.Export(name, folder.path("asked").c_str()), 9);
 }
 
 /// Takes over what the module filled, and says so or not.

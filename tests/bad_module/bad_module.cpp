@@ -5,6 +5,7 @@
 #include <cstring>
 #include <limits>
 #include <stdexcept>
+#include <utility>
 
 #include "zelk/module.h"
 
@@ -13,10 +14,9 @@ namespace {
 /// Zero-filled, and the first of its list from now on.
 template <typename Record>
 Record& add(Record*& list) {
-  auto* const record = static_cast<Record*>(zelk_malloc(sizeof(Record)));
-  record->next = list;
-  list = record;
-  return *record;
+  auto* const rest = std::exchange(list, static_cast<Record*>(zelk_malloc(sizeof(Record))));
+  list->next = rest;
+  return *list;
 }
 
 char* copy(const char* text) {
@@ -28,27 +28,12 @@ void overfill(char (&name)[kSize]) {
   std::memset(name, 'x', kSize);
 }
 
-/// Records that are in no list of the database.
-struct Stray {
-  symblk node = {};
-  cat category = {};
-  sigtype type = {};
-  valtable table = {};
-  sigblk signal = {};
-  attr_def definition = {};
-};
-
-Stray& stray() {
-  static Stray stray;
-  return stray;
-}
-
-void add_values(attr*& list, attr_def* number, attr_def* text) {
+void add_values(attr*& list, attr_def* definition) {
+  static attr_def stray = {};
   add(list);  // without a definition
-  add(list).def = &stray().definition;
-  add(list).def = text;  // without a text
+  add(list).def = &stray;
   attr& value = add(list);
-  value.def = number;
+  value.def = definition;
   value.value.number = std::numeric_limits<double>::infinity();
 }
 
@@ -59,51 +44,23 @@ void add_definitions(attr_def*& list) {
     definition.value_type = type;
     overfill(definition.name);
   }
-  for (int type : {0, 2, 3}) {
-    attr_def& definition = add(list);
-    definition.object_type = ZELK_OBJ_SIGNAL;
-    definition.value_type = type;
-    std::strcpy(definition.name, "SystemSignalLongSymbol");
-  }
+  attr_def& long_name = add(list);
+  long_name.object_type = ZELK_OBJ_SIGNAL;
+  std::strcpy(long_name.name, "SystemSignalLongSymbol");
 }
 
-void add_signals(msgblk& message, attr_def* definitions) {
-  sigblk& first = add(message.signals);
-  sigblk& second = add(message.signals);
-  first.mux_signal = &stray().signal;
-  second.mux_signal = &second;
-  first.sigtype = &stray().type;
-  first.value_type = 77;
-  first.flags = 0xFFFF;
-  first.length = first.start_bit = 0xFFFF;
-  first.factor = std::nan("");
-  overfill(first.unit);
-  first.receiver_count = 500;
-  add(first.receivers);
-  add(first.receivers).node = &stray().node;
-  add(first.values);
-  add(first.mux_ranges).low = 9;
-  add_values(first.attrs, definitions->next->next, definitions->next);
-  siggroupblk& group = add(message.siggroups);
-  overfill(group.name);
-  add(group.signals);
-  add(group.signals).signal = &stray().signal;
-}
-
-void add_further(const zelk_conversion& conversion) {
-  add(*conversion.bit_timings);
-  add(*conversion.categories).number = -1;
-  overfill((*conversion.categories)->name);
-  add(conversion.filter->categories).category = &stray().category;
-  add(conversion.filter->nodes).node = &stray().node;
-  conversion.filter->mode = -7;
-  sigtype& type = add(*conversion.signal_types);
-  overfill(type.name);
-  overfill(type.unit);
-  type.valtable = &stray().table;
-  overfill(add(*conversion.value_tables).name);
-  zelk_mfree(*conversion.user_data);
-  *conversion.user_data = nullptr;
+void add_signal(msgblk& message, attr_def* definition) {
+  sigblk& signal = add(message.signals);
+  signal.mux_signal = &signal;
+  signal.value_type = 77;
+  signal.flags = signal.length = signal.start_bit = 0xFFFF;
+  signal.factor = std::nan("");
+  overfill(signal.unit);
+  signal.receiver_count = 500;
+  add(signal.receivers);
+  add(signal.values);
+  add(signal.mux_ranges).low = 9;
+  add_values(signal.attrs, definition);
 }
 
 }  // namespace
@@ -113,31 +70,31 @@ extern "C" {
 ZELK_MODULE_EXPORT int nonsense(const char*, msgblk** messages, symblk** nodes,
                                 env_var_blk** env_vars, attr_def** attr_defs, attr** attr_values) {
   add_definitions(*attr_defs);
-  add_values(*attr_values, (*attr_defs)->next->next, (*attr_defs)->next);
-  add(*nodes).category = &stray().category;
-  add(*nodes).name = copy("");
+  add_values(*attr_values, *attr_defs);
   add(*nodes).name = copy("not a name; \"");
   for (int i = 0; i < 2; ++i) {
     msgblk& message = add(*messages);
     message.id = 0xFFFFFFFF;
     message.dlc = message.signal_count = 0xFFFF;
-    message.transmitter = &stray().node;
-    message.category = &stray().category;
     add(message.tx_nodes);
-    add_signals(message, *attr_defs);
+    add_signal(message, *attr_defs);
+    siggroupblk& group = add(message.siggroups);
+    overfill(group.name);
+    add(group.signals).signal = (*messages)->signals;
   }
-  // References from one message into another.
-  (*messages)->signals->mux_signal = (*messages)->next->signals;
   (*messages)->signals->message = (*messages)->next;
-  add((*messages)->siggroups->signals).signal = (*messages)->next->signals;
-  (*messages)->next->signals->mux_signal = (*messages)->signals->next;
-  add((*messages)->next->siggroups->signals).signal = (*messages)->signals;
   env_var_blk& variable = add(*env_vars);
   variable.type = 1000;
   overfill(variable.unit);
-  variable.minimum = variable.initial = std::nan("");
+  variable.initial = std::nan("");
   add(variable.access_nodes);
-  add_further(*zelk_get_conversion());
+  const zelk_conversion& more = *zelk_get_conversion();
+  overfill(add(*more.categories).name);
+  add(more.filter->categories);
+  overfill(add(*more.signal_types).name);
+  overfill(add(*more.value_tables).name);
+  zelk_mfree(*more.user_data);
+  *more.user_data = nullptr;
   return 1;
 }
 

@@ -13,6 +13,7 @@ void expect_lookups(Record* (*by_name)(Record*, const char*), Record* (*nth)(Rec
   records[1].name = records[2].name = text("Engine");
   Record* head = linked(records);
   EXPECT_EQ(by_name(head, "Engine"), &records[1]);
+  EXPECT_EQ(by_name(head, nullptr), nullptr);
   for (const char* key : {"engine", "Engin", "Engine2"}) EXPECT_EQ(by_name(head, key), nullptr);
   for (int32_t n : {INT32_MIN, 0, 1}) EXPECT_EQ(nth(head, n), head) << n;
   EXPECT_EQ(nth(head, 2), &records[1]);
@@ -37,6 +38,7 @@ template <typename Record>
 void expect_inline_names(Record* (*find)(Record*, const char*)) {
   auto records = inline_named<Record>();
   for (const char* key : {kName, kKey}) EXPECT_EQ(find(linked(records), key), &records[1]);
+  EXPECT_EQ(find(records.data(), nullptr), nullptr);
   for (const char* key : {"abcd", "ABC", ""}) EXPECT_EQ(find(linked(records), key), nullptr);
 }
 
@@ -78,6 +80,8 @@ TEST(Lookup, ByNumber) {
   EXPECT_EQ(zelk_get_signal_of_msg_n(&messages[1], 0), &signals[0]);
   EXPECT_EQ(zelk_get_signal_of_msg_n(&messages[1], 2), nullptr);
   EXPECT_EQ(zelk_get_signal_n(messages.data(), 0x80000005, 1), nullptr);
+  EXPECT_EQ(zelk_get_sig_factor(nullptr), 0);
+  EXPECT_EQ(zelk_get_sig_offset(nullptr), 0);
 }
 
 TEST(Lookup, FileCommentIsCutToTheBuffer) {
@@ -115,9 +119,12 @@ void expect_values(IsDefined is_defined, Get get) {
   values[1] = {&definitions[1], {2}, &values[2]};
   values[2] = {&definitions[1], {3}, nullptr};
   Object object{};
-  EXPECT_EQ(is_defined(&object, kKey), 0);
-  EXPECT_EQ(get(&object, kKey).text, nullptr);
+  for (const Object* without : {&object, static_cast<Object*>(nullptr)}) {
+    EXPECT_EQ(is_defined(without, kKey), 0);
+    EXPECT_EQ(get(without, kKey).text, nullptr);
+  }
   object.attrs = values;
+  EXPECT_EQ(is_defined(&object, nullptr), 0);
   EXPECT_EQ(is_defined(&object, kKey), 1);
   EXPECT_EQ(get(&object, kKey).number, 2);
   EXPECT_EQ(zelk_is_attribute_defined(values, kKey), 1);
@@ -140,6 +147,9 @@ void expect_descriptions(TextOf text_of, NumberOf number_of) {
                                 {-2, text("fault"), nullptr}, {0, text("off"), nullptr}};
   Object object{};
   EXPECT_EQ(text_of(&object, 0), nullptr) << "tells an unknown text from one whose number is 0";
+  EXPECT_EQ(text_of(nullptr, 0), nullptr);
+  EXPECT_EQ(number_of(nullptr, "on"), 0u);
+  EXPECT_EQ(number_of(&object, nullptr), 0u);
   object.values = linked(descriptions);
   EXPECT_STREQ(text_of(&object, 1), "on");
   EXPECT_STREQ(text_of(&object, 0), "off");

@@ -1,57 +1,71 @@
 // A database's objects, the texts it has by itself, and the long names of its objects.
 
+#include <algorithm>
+#include <random>
 #include <vector>
 
 #include "manager/own_database.hpp"
+#include "model/memory.hpp"
 #include "support/failing.hpp"
 
 namespace {
 
 using Objects = DatabaseTest;
 
+/// Creates and deletes records anywhere, and now and then behind the database's back with the
+/// functions of the C interface; a vector follows.
 template <typename Record>
-void expect_creation_anywhere(const char* name, Record* ZelkDatabase::*list,
-                              Record* (ZelkDatabase::*create)(unsigned),
-                              void (ZelkDatabase::*remove)(Record&)) {
+void expect_creation(const char* name, Record* ZelkDatabase::*list,
+                     Record* (ZelkDatabase::*create)(unsigned),
+                     void (ZelkDatabase::*remove)(Record&), void (*c_remove)(Record**, Record*)) {
   OwnDatabase database;
   std::vector<Record*> expected;
-  struct Step {
-    unsigned index, position;
+  std::mt19937 random;
+  const auto below = [&random](std::size_t limit) {
+    return static_cast<unsigned>(random() % limit);
   };
-  for (const auto& [index, position] : std::vector<Step>{
-           {5, 0}, {0, 0}, {1, 1}, {1000, 3}, {4, 4}, {2, 2}, {0xFFFFFFFF, 6}, {0, 0}}) {
-    Record* const record = (database.*create)(index);
-    expected.insert(expected.begin() + position, record);
-    ASSERT_EQ(records_of(database.*list), expected) << name << ", in front of " << index;
-  }
-  for (const int position : {3, 0, 5, 4}) {
-    (database.*remove)(*expected[static_cast<std::size_t>(position)]);
-    expected.erase(expected.begin() + position);
+  for (int step = 0; step < 600; ++step) {
+    const unsigned at = below(expected.size() + 3);
+    const bool is_inside = at < expected.size();
+    const auto place =
+        expected.begin() + static_cast<std::ptrdiff_t>(std::min<std::size_t>(at, expected.size()));
+    if (step == 300) {
+      database.Clear();
+      expected.clear();
+    } else if (is_inside && below(3) == 0) {
+      if (step % 2 == 0) (database.*remove)(**place);
+      if (step % 2 != 0) c_remove(&(database.*list), *place);
+      expected.erase(place);
+    } else if (below(5) == 0) {
+      Record** link = &(database.*list);
+      while (*link) link = &(*link)->next;
+      expected.push_back(*link = zelk::create_record<Record>());
+    } else {
+      const unsigned index = is_inside || below(2) == 0 ? at : 0xFFFFFFFF;
+      expected.insert(place, (database.*create)(index));
+    }
+    ASSERT_EQ(records_of(database.*list), expected) << name << ", " << step;
   }
   const FailingCalloc failure(0);
   EXPECT_EQ((database.*create)(0), nullptr) << name;
-  EXPECT_EQ(records_of(database.*list), expected)
-      << name << ", some deleted, and none made without memory";
+  EXPECT_EQ(records_of(database.*list), expected) << name << ", none made without memory";
 }
 
 TEST_F(Objects, AreCreatedAndDeletedAnywhere) {
   using D = ZelkDatabase;
-  expect_creation_anywhere("node", &D::nodes, &D::CreateNode, &D::DeleteNode);
-  expect_creation_anywhere("message", &D::messages, &D::CreateMessage, &D::DeleteMessage);
-  expect_creation_anywhere("variable", &D::env_vars, &D::CreateEnvvar, &D::DeleteEnvvar);
-  expect_creation_anywhere("bit timing", &D::bit_timings, &D::CreateBitTiming, &D::DeleteBitTiming);
-  expect_creation_anywhere("table", &D::value_tables, &D::CreateValueTable, &D::DeleteValueTable);
-  expect_creation_anywhere("type", &D::signal_types, &D::CreateSignalType, &D::DeleteSignalType);
-  expect_creation_anywhere("category", &D::categories, &D::CreateCategory, &D::DeleteCategory);
-  expect_creation_anywhere("definition", &D::attr_defs, &D::CreateAttrDef, &D::DeleteAttrDef);
-}
-
-TEST_F(Objects, AreFoundByTheLow32BitsAndNotByNull) {
-  const OwnDatabase d(ZELK_SOURCE_DIR "/tests/writer/whole.dbc");
-  EXPECT_EQ(d.GetMessage(static_cast<unsigned long>(0x7780000001ull)), d.messages->next);
-  const char* const none = nullptr;
-  EXPECT_FALSE(d.GetNode(none) || d.GetMessage(none) || d.GetEnvvar(none) ||
-               d.GetValueTable(none) || d.GetSignalType(none) || d.GetAttrDef(none));
+  expect_creation("node", &D::nodes, &D::CreateNode, &D::DeleteNode, can_delete_symbol);
+  expect_creation("message", &D::messages, &D::CreateMessage, &D::DeleteMessage, can_delete_msg);
+  expect_creation("variable", &D::env_vars, &D::CreateEnvvar, &D::DeleteEnvvar, can_delete_evblk);
+  expect_creation("timing", &D::bit_timings, &D::CreateBitTiming, &D::DeleteBitTiming,
+                  can_delete_btl);
+  expect_creation("table", &D::value_tables, &D::CreateValueTable, &D::DeleteValueTable,
+                  can_delete_valtable);
+  expect_creation("type", &D::signal_types, &D::CreateSignalType, &D::DeleteSignalType,
+                  can_delete_sigtype);
+  expect_creation("category", &D::categories, &D::CreateCategory, &D::DeleteCategory,
+                  can_delete_category);
+  expect_creation("definition", &D::attr_defs, &D::CreateAttrDef, &D::DeleteAttrDef,
+                  can_delete_attr_def);
 }
 
 TEST_F(Objects, HaveALargestHandle) {
@@ -73,28 +87,25 @@ TEST_F(Objects, OfJ1939FramesAsTheNetworkAttributesSay) {
       "BA_DEF_ BO_ \"VFrameFormat\" STRING ;\n";
   const std::string on = "BA_ \"J1939PGN\" 1;\n", off = "BA_ \"J1939PGN\" 0;\n";
   const std::string default_on = "BA_DEF_DEF_ \"J1939PGN\" 1;\n", nmea = "BA_ \"IsNMEA\" 1;\n";
-  struct Case {
+  const struct {
     std::string statements;
     unsigned long id, flags;
     const char* expected;
-  };
-  const unsigned long frame = 0x98FEF121, other_source = 0x98FEF122;
-  for (const Case& c :
-       std::vector<Case>{{"", frame, 0, "Id"},
-                         {on, 1, 1, "Standard"},
-                         {"", 0x18FEF121, 0, nullptr},
-                         {on, frame, 0, "Group"},
-                         {off, frame, 0, "Id"},
-                         {default_on + off, frame, 0, "Group"},
-                         {nmea, frame, 0, "Group"},
-                         {off + nmea, frame, 0, "Group"},
-                         {"BA_DEF_DEF_ \"IsNMEA\" \"yes\";\n", frame, 0, "Id"},
-                         {on, frame, 2, "Id"},
-                         {"", frame, 1, "Group"},
-                         {on, frame, 4, "Group"},
-                         {"", other_source, 0, nullptr},
-                         {on, other_source, 0, "Group"},
-                         {"BA_DEF_DEF_ \"VFrameFormat\" \"J1939PG\";\n", other_source, 0, "Any"}}) {
+  } cases[] = {{"", 0x98FEF121, 0, "Id"},
+               {on, 1, 1, "Standard"},
+               {"", 0x18FEF121, 0, nullptr},
+               {on, 0x98FEF121, 0, "Group"},
+               {off, 0x98FEF121, 0, "Id"},
+               {default_on + off, 0x98FEF121, 0, "Group"},
+               {off + nmea, 0x98FEF121, 0, "Group"},
+               {"BA_DEF_DEF_ \"IsNMEA\" \"yes\";\n", 0x98FEF121, 0, "Id"},
+               {on, 0x98FEF121, 2, "Id"},
+               {"", 0x98FEF121, 1, "Group"},
+               {on, 0x98FEF121, 4, "Group"},
+               {"", 0x98FEF122, 0, nullptr},
+               {on, 0x98FEF122, 0, "Group"},
+               {"BA_DEF_DEF_ \"VFrameFormat\" \"J1939PG\";\n", 0x98FEF122, 0, "Any"}};
+  for (const auto& c : cases) {
     const OwnDatabase d(folder_.write("a.dbc", messages + c.statements));
     const msgblk* const found = d.GetJ1939Message(c.id, c.flags);
     EXPECT_STREQ(found ? found->name : nullptr, c.expected) << c.statements << c.id << c.flags;
@@ -127,27 +138,21 @@ std::string default_name(const ZelkDatabase& database) {
 }
 
 TEST_F(Texts, DefaultNameIsThatOfTheFile) {
-  struct Case {
-    const char *path, *expected;
-  };
-  for (const Case& c : std::vector<Case>{
-           {"1-My Net.dbc", "__MyNet"},
-           {"9.dbc", "_"},
-           {"Net.old.2.dbc", "Netold2"},
-           {"folder.d/Net", "Net"},
-           {"/a b/../Net 1.dbc", "Net1"},
-           {"C:\\a.b\\Net.dbc", "Net"},
-           {"folder/", ""},
-           {".dbc", ""},
-           {"", ""},
-           {"_2024.dbc", "_2024"},
-           {"\xC3\x84.dbc", "__"},
-           {"abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMN.dbc", "abcdefghijklmnopqrstuvwxyzABCDEF"},
-           {"-abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMN", "_abcdefghijklmnopqrstuvwxyzABCDE"},
-           {"7777777777777777777777777777777777777777a", "________________________________"}}) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"1-My Net.dbc", "__MyNet"},
+      {"9.dbc", "_"},
+      {"folder.d/Net.old.2.dbc", "Netold2"},
+      {"C:\\a.b\\Net", "Net"},
+      {"folder/", ""},
+      {".dbc", ""},
+      {"_2024.dbc", "_2024"},
+      {"\xC3\x84.dbc", "__"},
+      {"-abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMN", "_abcdefghijklmnopqrstuvwxyzABCDE"},
+      {"7777777777777777777777777777777777777777a", "________________________________"}};
+  for (const auto& [path, expected] : cases) {
     OwnDatabase d;
-    set(d.path, c.path);
-    EXPECT_EQ(default_name(d), c.expected) << c.path;
+    set(d.path, path);
+    EXPECT_EQ(default_name(d), expected) << path;
   }
   const OwnDatabase none;
   EXPECT_EQ(default_name(none), "");
@@ -173,8 +178,11 @@ TEST_F(Texts, DefaultNameIsThatOfTheNetworkAttribute) {
            {"a number", "BA_DEF_ \"DBName\" INT 0 9;\nBA_ \"DBName\" 7;\n", "file"},
            {"an item", "BA_DEF_ \"DBName\" ENUM \"a\";\nBA_ \"DBName\" 0;\n", "file"},
            {"another name", "BA_DEF_ \"DbName\" STRING ;\nBA_ \"DbName\" \"x\";\n", "file"}}) {
-    const OwnDatabase d(folder_.write("file.dbc", "BS_:\nBU_:\n" + c.statements));
+    OwnDatabase d(folder_.write("file.dbc", "BS_:\nBU_:\n" + c.statements));
     EXPECT_EQ(default_name(d), c.expected) << c.name;
+    if (c.name != std::string_view("value")) continue;
+    zelk_mfree(std::exchange(d.attr_values->value.text, nullptr));
+    EXPECT_EQ(default_name(d), "Default") << "of a value without a text";
   }
 }
 
@@ -191,19 +199,18 @@ constexpr std::string_view kNamed =
     "BA_ \"SignalAlias\" SG_ 1 S \"NewS\";\nBA_ \"VariableAlias\" EV_ V \"NewV\";\n";
 
 TEST_F(LongNames, FollowTheNameOfTheDefinition) {
-  struct Case {
+  const struct {
     const char *alias, *name;
     int slot;
     const char* names;  // of node, message, signal and variable
-  };
-  for (const Case& c :
-       std::vector<Case>{{"SignalAlias", "SystemSignalLongSymbol", 0, "A M NewS V"},
-                         {"MessageAlias", "SystemMessageLongSymbol", 1, "A NewM S V"},
-                         {"NodeAlias", "SystemNodeLongSymbol", 2, "NewA M S V"},
-                         {"VariableAlias", "SystemEnvVarLongSymbol", 3, "A M S NewV"},
-                         {"NodeAlias", "SystemMessageLongSymbol", 1, "NewA M S V"},
-                         {"NodeAlias", "SystemNodeLongSymbolOfSomeoneElse", -1, "A M S V"},
-                         {"NodeAlias", "systemnodelongsymbol", -1, "A M S V"}}) {
+  } cases[] = {{"SignalAlias", "SystemSignalLongSymbol", 0, "A M NewS V"},
+               {"MessageAlias", "SystemMessageLongSymbol", 1, "A NewM S V"},
+               {"NodeAlias", "SystemNodeLongSymbol", 2, "NewA M S V"},
+               {"VariableAlias", "SystemEnvVarLongSymbol", 3, "A M S NewV"},
+               {"NodeAlias", "SystemMessageLongSymbol", 1, "NewA M S V"},
+               {"NodeAlias", "SystemNodeLongSymbolOfSomeoneElse", -1, "A M S V"},
+               {"NodeAlias", "systemnodelongsymbol", -1, "A M S V"}};
+  for (const auto& c : cases) {
     OwnDatabase d(folder_.write("a.dbc", kNamed));
     attr_def& definition = *d.GetAttrDef(c.alias);
     const auto expect_slot = [&](int slot) {
@@ -224,22 +231,12 @@ TEST_F(LongNames, FollowTheNameOfTheDefinition) {
     d.CheckAndRemovePredefinedAttrs(definition);
     expect_slot(-1);
     EXPECT_FALSE(d.predefined.Remove(definition)) << c.name;
+    for (const int32_t type : {ZELK_ATTR_INT, ZELK_ATTR_ENUM, ZELK_ATTR_HEX}) {
+      attr_def other = definition;
+      other.value_type = type;
+      EXPECT_FALSE(ZelkPredefinedAttributes::IsPredefinedAttribute(other)) << "no text";
+    }
   }
-}
-
-TEST_F(LongNames, AreTextsOnly) {
-  OwnDatabase d;
-  attr_def& definition = *d.CreateAttrDef(0);
-  set(definition.name, "SystemNodeLongSymbol");
-  for (const int32_t type : {ZELK_ATTR_INT, ZELK_ATTR_FLOAT, ZELK_ATTR_ENUM, ZELK_ATTR_HEX}) {
-    definition.value_type = type;
-    EXPECT_FALSE(d.predefined.Insert(definition)) << type;
-  }
-  definition.value_type = ZELK_ATTR_STRING;
-  EXPECT_TRUE(d.predefined.Insert(definition));
-  EXPECT_EQ(d.predefined.slots[2], &definition);
-  d.DeleteAttrDef(definition);
-  EXPECT_EQ(d.predefined.slots[2], nullptr);
 }
 
 TEST_F(LongNames, AreSuchAsAFileCanHold) {
@@ -247,8 +244,13 @@ TEST_F(LongNames, AreSuchAsAFileCanHold) {
   attr_def& definition = *d.GetAttrDef("NodeAlias");
   for (const char* refused : {"", "two words", "1st", "BO_", "\xC3\x84", "a\nb", ZELK_NO_NODE}) {
     set(d.nodes->attrs->value.text, refused);
+    zelk_clear_error_text();
+    d.RenameAttrDef(definition, nullptr);
+    EXPECT_STREQ(zelk_get_error_text(), "") << "null is no name";
     d.RenameAttrDef(definition, "SystemNodeLongSymbol");
     EXPECT_STREQ(d.nodes->name, "A") << refused;
+    const std::string line = zelk_format_error(ZELK_ERR_FORMAT, 0, refused);
+    EXPECT_EQ(zelk_get_error_text(), *refused ? line + "\n" : "") << refused;
   }
   zelk_mfree(std::exchange(d.nodes->attrs->value.text, nullptr));
   d.CheckAndInsertPredefinedAttrs(definition);

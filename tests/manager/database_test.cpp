@@ -4,67 +4,11 @@
 #include <vector>
 
 #include "manager/own_database.hpp"
+#include "support/files.hpp"
 
 namespace {
 
 constexpr std::string_view kNodes = "BS_:\nBU_: A B\n";
-
-using Sharing = DatabaseTest;
-
-TEST_F(Sharing, NeverOfNull) {
-  ZelkDatabase& first = OwnDatabase::CreateDatabase(nullptr);
-  ZelkDatabase& second = OwnDatabase::CreateDatabase(nullptr);
-  EXPECT_NE(&first, &second);
-  EXPECT_EQ(first.ref_count, 1u);
-  EXPECT_EQ(first.path, nullptr);
-  EXPECT_STREQ(first.user_data, "");
-  EXPECT_EQ(first.write_ext_mux, 1);
-  EXPECT_EQ(describe(first), "");
-  EXPECT_EQ(OwnDatabase::ListFindDb(nullptr), nullptr);
-  EXPECT_EQ(OwnDatabase::find(""), nullptr);
-  OwnDatabase::DestroyDatabase(first, false);
-  OwnDatabase::DestroyDatabase(second, false);
-}
-
-// Each letter is a step: o opens the file, d and k give a hold back, k for the cache, r releases
-// what nobody holds. Expected are holds and marks, or nothing for a database that is gone.
-TEST_F(Sharing, UntilTheLastHoldAndMark) {
-  const std::string path = folder_.write("a.dbc", kNodes);
-  const std::string_view cases[] = {
-      "od",   "",    "or",    "1,0", "ood",   "1,0", "oodd",   "",    "odo",      "1,0",
-      "ok",   "0,1", "okr",   "",    "oko",   "1,0", "okod",   "",    "oodk",     "0,1",
-      "ookd", "0,1", "ookr",  "1,1", "ookrd", "0,1", "ooko",   "2,0", "ookodd",   "",
-      "ookk", "0,2", "ookkr", "",    "ookko", "1,1", "ookkod", "0,1", "ookkoodd", ""};
-  for (std::size_t i = 0; i < std::size(cases); i += 2) {
-    for (const char step : cases[i]) {
-      if (step == 'o') OwnDatabase::open(path);
-      if (step == 'r') OwnDatabase::ReleaseCache();
-      if (step != 'd' && step != 'k') continue;
-      OwnDatabase::DestroyDatabase(*zelk::database_list().front(), step == 'k');
-    }
-    std::string counts;
-    for (const ZelkDatabase* d : zelk::database_list()) {
-      counts += std::to_string(d->ref_count) + "," + std::to_string(d->cache_count);
-    }
-    ASSERT_EQ(counts, cases[i + 1]) << cases[i];
-    if (counts.empty()) continue;
-    zelk::database_list().front()->ref_count = 0;
-    OwnDatabase::ReleaseCache();
-  }
-}
-
-TEST_F(Sharing, CacheLetsGoOfWhatNobodyHolds) {
-  std::vector<ZelkDatabase*> open;
-  for (const char* name : {"0.dbc", "1.dbc", "2.dbc", "3.dbc", "4.dbc"}) {
-    open.push_back(&OwnDatabase::open(folder_.write(name, kNodes)));
-  }
-  for (const int kept : {0, 2, 4}) OwnDatabase::DestroyDatabase(*open[kept], true);
-  OwnDatabase::ReleaseCache();
-  const auto& list = zelk::database_list();
-  EXPECT_EQ(std::vector(list.begin(), list.end()), std::vector({open[3], open[1]}));
-  OwnDatabase::DestroyDatabase(*open[1], false);
-  OwnDatabase::DestroyDatabase(*open[3], false);
-}
 
 // --- Identity ---
 
@@ -156,30 +100,46 @@ TEST_F(Content, IsReadAfresh) {
   EXPECT_EQ(describe(database), "");
 }
 
-TEST_F(Content, IsCommittedToTheOtherInstance) {
+// What stands before the fault is not to take the place of the file.
+TEST_F(Content, IsNotSavedUnlessItIsWhole) {
   const std::string path = folder_.write("a.dbc", kNodes);
-  ZelkDatabase& listed = OwnDatabase::open(path);
-  OwnDatabase changed(path), none;
-  changed.SetComment("changed");
-  set(changed.nodes->name, "Z");
-  changed.ref_count = 7;
-  changed.write_ext_mux = 0;
-  changed.symbols_shortened = 1;
-  none.Commit();
-  listed.Commit();
-  EXPECT_EQ(describe(listed), "node A\nnode B\n") << "its own instance";
-  changed.Commit();
-  EXPECT_EQ(describe(listed), "comment \"changed\"\nnode Z\nnode B\n");
-  EXPECT_EQ(describe(changed), "comment \"changed\"\nnode Z\nnode B\n");
-  EXPECT_EQ(listed.ref_count, 1u);
-  EXPECT_EQ(listed.write_ext_mux, 1);
-  EXPECT_FALSE(listed.SymbolsShortenedOnRead());
-  EXPECT_EQ(OwnDatabase::find(path), &listed);
-  changed.SetComment("later");
-  Folder::touch(path, 1);
-  changed.Commit();
-  EXPECT_STREQ(listed.comment, "changed") << "no instance of the changed file is listed";
-  OwnDatabase::DestroyDatabase(listed, false);
+  struct Case {
+    const char* name;
+    void (*mend)(OwnDatabase& half, const OwnDatabase& whole);
+    int expected;
+  };
+  for (const Case& c : std::vector<Case>{
+           {"as it is", [](auto&, auto&) {}, 9},
+           {"changed", [](auto&half, auto&) { half.SetComment("edited"); }, 9},
+           {"assigned its own copy", [](auto&half, auto&) { half.assign(OwnDatabase(half)); }, 9},
+           {"of a missing file",
+            [](auto&half, auto&) {
+              std::filesystem::remove(half.path);
+              half.ReopenDatabaseFile();
+            },
+            9},
+           {"cleared", [](auto&half, auto&) { half.Clear(); }, 0},
+           {"assigned to", [](auto&half, auto&whole) { half.assign(whole); }, 0},
+           {"read",
+            [](auto&half, auto&) {
+              std::ofstream(half.path) << kNodes;
+              half.ReopenDatabaseFile();
+            },
+            0}}) {
+    folder_.write("a.dbc", kNodes);
+    OwnDatabase database(path), whole(path);
+    folder_.write("a.dbc", "BS_:\nBU_: D\nBO_ 1 M 8 D\n");
+    EXPECT_EQ(database.ReopenDatabaseFile(), 1) << c.name;
+    c.mend(database, whole);
+    zelk_clear_error_text();
+    const std::string before = bytes_of(path);
+    EXPECT_EQ(database.Write(nullptr), c.expected) << c.name;
+    if (c.expected == 0) continue;
+    EXPECT_STREQ(zelk_get_error_text(),
+                 "database: could not write, only a part of it has been read or copied\n");
+    EXPECT_EQ(OwnDatabase(database).Write(folder_.path("b.dbc").c_str()), 9) << c.name;
+    EXPECT_EQ(bytes_of(path), before) << c.name;
+  }
 }
 
 }  // namespace

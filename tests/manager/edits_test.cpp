@@ -116,39 +116,26 @@ const Case kCases[] = {
 +BA_DEF_DEF_  "Def" 0;
 +CAT_DEF_ 4 Cat 0;
 )"},
-    {"names",
+    {"names and comments",
      [](Edited& e) {
        e.SetName(e.message(), "M2");
        e.SetName(*e.GetEnvvar("W", e.db), "W2");
-       e.SetName(e.signal("U"), "U2");
+       e.SetName(e.signal("S"), "S2");
        e.SetName(e.node("B"), nullptr);
-     },
-     R"(
--BO_ 1 M: 8 A
-- SG_ U m2 : 16|32@1- (1,0) [0|0] "\"" Ostrel__XXX
--EV_ W: 0 [0|1] "" 0 10 DUMMY_NODE_OSTREL0 Ostrel__XXX;
--ENVVAR_DATA_ W: 4;
--SIG_VALTYPE_ 1 U : 1;
--SG_MUL_VAL_ 1 U T 2-3, 7-9;
-+BO_ 1 M2: 8 A
-+ SG_ U2 m2 : 16|32@1- (1,0) [0|0] "\"" Ostrel__XXX
-+EV_ W2: 0 [0|1] "" 0 10 DUMMY_NODE_OSTREL0 Ostrel__XXX;
-+ENVVAR_DATA_ W2: 4;
-+SIG_VALTYPE_ 1 U2 : 1;
-+SG_MUL_VAL_ 1 U2 T 2-3, 7-9;
-)"},
-    {"comments",
-     [](Edited& e) {
        e.SetComment(e.node("A"), "n");
        e.SetComment(e.message(), nullptr);
        e.SetComment(e.variable(), "v");
-       e.SetComment(e.signal("S"), "s");
+       e.SetComment(e.signal("T"), "s");
        e.SetComment(*e.GetSignalType("Celsius", e.db), "t");
        e.SetDatabaseComment(e.db, nullptr);
        e.SetUserData(e.db, "8");
      },
      R"(
 -VERSION "7.1 \"beta\""
+-BO_ 1 M: 8 A
+- SG_ S M : 0|8@1+ (1,0) [0|255] ""  A,B
+-EV_ W: 0 [0|1] "" 0 10 DUMMY_NODE_OSTREL0 Ostrel__XXX;
+-ENVVAR_DATA_ W: 4;
 -CM_ "the
 -network";
 -CM_ BU_ A "a node";
@@ -156,27 +143,51 @@ const Case kCases[] = {
 -CM_ SG_ 1 S "a signal";
 -CM_ EV_ V "a variable";
 -CM_ SGTYPE_ Celsius "a type";
+-BA_ "Sig" SG_ 1 S 0.25;
+-BA_REL_ "RelSig" BU_SG_REL_ B SG_ 1 S 3;
+-VAL_ 1 S 0 "off" 1 "on" ;
+-SIG_GROUP_ 1 G 1 : S T;
+-SG_MUL_VAL_ 1 T S 1-1;
 +VERSION "8"
++BO_ 1 M2: 8 A
++ SG_ S2 M : 0|8@1+ (1,0) [0|255] ""  A,B
++EV_ W2: 0 [0|1] "" 0 10 DUMMY_NODE_OSTREL0 Ostrel__XXX;
++ENVVAR_DATA_ W2: 4;
 +CM_ BU_ A "n";
-+CM_ SG_ 1 S "s";
++CM_ SG_ 1 S2 "a signal";
++CM_ SG_ 1 T "s";
 +CM_ EV_ V "v";
 +CM_ SGTYPE_ Celsius "t";
++BA_ "Sig" SG_ 1 S2 0.25;
++BA_REL_ "RelSig" BU_SG_REL_ B SG_ 1 S2 3;
++VAL_ 1 S2 0 "off" 1 "on" ;
++SIG_GROUP_ 1 G 1 : S2 T;
++SG_MUL_VAL_ 1 T S2 1-1;
 )"},
-    {"value descriptions",
+    {"value descriptions and filter",
      [](Edited& e) {
        e.SetValueDescription(*e.signal("S").values, 7, "seven");
        e.SetValueDescription(e.signal("S"), 1, "ON");
        e.SetValueDescription(e.signal("S"), -2, "new");
        e.SetValueDescription(e.variable(), 0, nullptr);
        e.SetValueDescription(*e.GetValueTable("Gears", e.db), 0xFFFFFFFFUL, "-1");
+       e.AddFilterCategory(ZelkNoneFilterCategory(), e.db);
+       e.AddFilterNode(ZelkNoneFilterNode(), e.db);
+       e.AddFilterNode(e.node("B"), e.db);
+       e.RemoveFilterCategory(*e.GetCategory("Drive", e.db), e.db);
+       e.RemoveFilterNode(e.node("A"), e.db);
+       e.RemoveFilterNode(ZelkNoneFilterNode(), e.db);
+       e.RemoveFilterCategory(ZelkNoneFilterCategory(), e.db);
      },
      R"(
 -VAL_TABLE_ Gears -1 "reverse" 0 "neutral" ;
 -VAL_ 1 S 0 "off" 1 "on" ;
 -VAL_ V 0 "low" ;
+-FILTER 3 CAT_ 1 0 BU_ A "<<none>>" ;
 +VAL_TABLE_ Gears -1 "-1" 0 "neutral" ;
 +VAL_ 1 S -2 "new" 7 "seven" 1 "ON" ;
 +VAL_ V 0 "" ;
++FILTER 3 CAT_ 0 0 BU_ B "<<none>>" "<<none>>" ;
 )"},
     {"links",
      [](Edited& e) {
@@ -206,20 +217,6 @@ const Case kCases[] = {
 +EV_ V: 0 [-0.5|10] "V" 2.5 9 DUMMY_NODE_OSTREL8003  D,A,B;
 +SIG_GROUP_ 1 G 1 : U S;
 )"},
-    {"filter",
-     [](Edited& e) {
-       e.AddFilterCategory(ZelkNoneFilterCategory(), e.db);
-       e.AddFilterNode(ZelkNoneFilterNode(), e.db);
-       e.AddFilterNode(e.node("B"), e.db);
-       e.RemoveFilterCategory(*e.GetCategory("Drive", e.db), e.db);
-       e.RemoveFilterNode(e.node("A"), e.db);
-       e.RemoveFilterNode(ZelkNoneFilterNode(), e.db);
-       e.RemoveFilterCategory(ZelkNoneFilterCategory(), e.db);
-     },
-     R"(
--FILTER 3 CAT_ 1 0 BU_ A "<<none>>" ;
-+FILTER 3 CAT_ 0 0 BU_ B "<<none>>" "<<none>>" ;
-)"},
     {"attribute values",
      [](Edited& e) {
        e.ResetAttrValue(e.node("B"), "Nd");
@@ -246,6 +243,27 @@ const Case kCases[] = {
 +BA_ "Msg" BO_ 2566852864 2;
 +BA_ "Sig" SG_ 1 T -0.5;
 +BA_ "Var" EV_ W "second";
+)"},
+    {"values of doubled definitions",
+     [](Edited& e) {
+       attr_def& first = *e.CreateAttrDefinition(e.db, 0);
+       std::strcpy(first.name, "Two");
+       first.value_type = ZELK_ATTR_STRING;
+       first.object_type = ZELK_OBJ_NODE;
+       attr_def& second = *e.CreateAttrDefinition(e.db, 1);
+       std::strcpy(second.name, "Two");
+       second.object_type = ZELK_OBJ_MESSAGE;
+       const bool is_text = e.GetAttrDefinition(e.message(), "Two")->value_type == ZELK_ATTR_STRING;
+       e.SetAttrValue(e.message(), "Two", is_text ? text("x") : number(7));
+       e.SetAttrValue(e.node("A"), "Two", text("node's"));
+     },
+     R"(
++BA_DEF_ BU_  "Two" STRING ;
++BA_DEF_ BO_  "Two" INT 0 0;
++BA_DEF_DEF_  "Two" "";
++BA_DEF_DEF_  "Two" 0;
++BA_ "Two" BU_ A "node's";
++BA_ "Two" BO_ 1 7;
 )"},
     {"no such attribute or database",
      [](Edited& e) {
@@ -279,26 +297,6 @@ const Case kCases[] = {
 +EV_ V: 0 [-0.5|10] "V" 2.5 9 DUMMY_NODE_OSTREL8003  B;
 +FILTER 3 CAT_ 1 0 BU_ "<<none>>" ;
 )"},
-    {"delete records",
-     [](Edited& e) {
-       e.DeleteMessage(*e.GetMessage("Free", e.db), e.db);
-       e.DeleteEnvvar(*e.GetEnvvar("W", e.db));
-       e.DeleteSignalGroup(e.group());
-       e.DeleteValueTable(*e.GetValueTable("Gears", e.db));
-       e.DeleteBitTiming(*e.GetBitTiming(500, e.db));
-       e.ResetAttrValue(e.db, "Net");
-     },
-     R"(
--   500:  1, 28
--VAL_TABLE_ Gears -1 "reverse" 0 "neutral" ;
--BO_ 2566852864 Free: 0 Ostrel__XXX
--EV_ W: 0 [0|1] "" 0 10 DUMMY_NODE_OSTREL0 Ostrel__XXX;
--ENVVAR_DATA_ W: 4;
--SGTYPE_ Celsius : 8@1- (0.5,-40) [-40|87.5] "degC"  0 Gears;
--BA_ "Net" 7;
--SIG_GROUP_ 1 G 1 : S T;
-+SGTYPE_ Celsius : 8@1- (0.5,-40) [-40|87.5] "degC"  0;
-)"},
     {"delete a multiplexor",
      [](Edited& e) {
        e.DeleteSignal(e.signal("S"));
@@ -316,47 +314,38 @@ const Case kCases[] = {
 + SG_ T M : 8|8@0- (0.5,-40) [-40|87.5] "degC"  B,D
 +SIG_GROUP_ 1 G 1 : T;
 )"},
-    {"delete a multiplexed signal", [](Edited& e) { e.DeleteSignal(e.signal("U"), e.db); }, R"(
-- SG_ T m1M : 8|8@0- (0.5,-40) [-40|87.5] "degC"  B,D
-- SG_ U m2 : 16|32@1- (1,0) [0|0] "\"" Ostrel__XXX
--SIG_VALTYPE_ 1 U : 1;
--SG_MUL_VAL_ 1 T S 1-1;
--SG_MUL_VAL_ 1 U T 2-3, 7-9;
-+ SG_ T m1 : 8|8@0- (0.5,-40) [-40|87.5] "degC"  B,D
-)"},
-    {"delete definitions",
+    {"delete what is referred to",
      [](Edited& e) {
-       for (const char* name : {"Msg", "Typ", "RelMsg"}) {
-         e.DeleteAttrDefinition(*e.GetAttrDefinition(name, e.db));
-       }
+       e.DeleteAttrDefinition(*e.GetAttrDefinition("Msg", e.db));
+       e.DeleteAttrDefinition(*e.GetAttrDefinition("RelMsg", e.db));
+       e.DeleteCategory(*e.GetCategory("Drive", e.db));
+       e.DeleteSignalType(*e.GetSignalType("Celsius", e.db));
+       e.DeleteMessage(*e.GetMessage("Free", e.db), e.db);
+       e.DeleteSignal(e.signal("U"), e.db);
      },
      R"(
+- SG_ T m1M : 8|8@0- (0.5,-40) [-40|87.5] "degC"  B,D
+- SG_ U m2 : 16|32@1- (1,0) [0|0] "\"" Ostrel__XXX
+-BO_ 2566852864 Free: 0 Ostrel__XXX
+-SGTYPE_ Celsius : 8@1- (0.5,-40) [-40|87.5] "degC"  0 Gears;
+-CM_ SGTYPE_ Celsius "a type";
 -BA_DEF_ BO_  "Msg" ENUM  "cyclic","ostrel_leerstring","event";
--BA_DEF_ SG_  "Typ" STRING ;
--BA_DEF_SGTYPE_ "Typ";
 -BA_DEF_REL_ BU_BO_REL_  "RelMsg" STRING ;
 -BA_DEF_DEF_  "Msg" "event";
--BA_DEF_DEF_  "Typ" "";
 -BA_DEF_DEF_REL_ "RelMsg" "";
 -BA_ "Msg" BO_ 1 0;
 -BA_SGTYPE_ "Typ" SGTYPE_ Celsius "x";
 -BA_REL_ "RelMsg" BU_BO_REL_ E 1 "x";
-)"},
-    {"delete what is referred to",
-     [](Edited& e) {
-       e.DeleteCategory(*e.GetCategory("Drive", e.db));
-       e.DeleteSignalType(*e.GetSignalType("Celsius", e.db));
-     },
-     R"(
--SGTYPE_ Celsius : 8@1- (0.5,-40) [-40|87.5] "degC"  0 Gears;
--CM_ SGTYPE_ Celsius "a type";
--BA_SGTYPE_ "Typ" SGTYPE_ Celsius "x";
 -CAT_DEF_ 1 Drive 2;
 -CAT_ BU_ A 1;
 -CAT_ EV_ V 1;
 -CAT_ BO_ 1 1;
 -FILTER 3 CAT_ 1 0 BU_ A "<<none>>" ;
 -SIG_TYPE_REF_ 1 T : Celsius;
+-SIG_VALTYPE_ 1 U : 1;
+-SG_MUL_VAL_ 1 T S 1-1;
+-SG_MUL_VAL_ 1 U T 2-3, 7-9;
++ SG_ T m1 : 8|8@0- (0.5,-40) [-40|87.5] "degC"  B,D
 +FILTER 3 CAT_ 0 BU_ A "<<none>>" ;
 )"},
 };
@@ -371,36 +360,41 @@ TEST_F(Edits, ChangeTheFile) {
   }
 }
 
-template <typename Iterator, typename Delete>
-void delete_all(Iterator iterator, Delete delete_one) {
-  while (iterator) delete_one(**iterator++);
+/// Deletes all records of a kind.
+template <typename Record>
+std::function<void(Edited&)> all(ZelkIterator<Record> (ZelkWriteManager::*walk)(const char*) const,
+                                 void (ZelkWriteManager::*remove)(Record&, const char*)) {
+  return [=](Edited& e) {
+    for (auto record = (e.*walk)(e.db); record;) (e.*remove)(**record++, nullptr);
+  };
+}
+
+void delete_signals(Edited& e) {
+  for (auto message = e.GetMessageIterator(e.db); message; ++message) {
+    for (auto signal = e.GetSignalIterator(**message); signal;) e.DeleteSignal(**signal++);
+  }
 }
 
 // What is deleted leaves nothing behind that leads to it, whatever goes first.
 TEST_F(Edits, DeleteEverything) {
   const std::vector<std::string> left = {"BS_:", "BU_:", "CM_ \"the", "network\";",
                                          "FILTER 3 CAT_ 0 BU_ \"<<none>>\" ;"};
+  using W = ZelkWriteManager;
+  const std::function<void(Edited&)> deletions[] = {
+      all(&W::GetNodeIterator, &W::DeleteNode),
+      all(&W::GetCategoryIterator, &W::DeleteCategory),
+      all(&W::GetAttrDefinitionIterator, &W::DeleteAttrDefinition),
+      all(&W::GetSignalTypeIterator, &W::DeleteSignalType),
+      all(&W::GetValueTableIterator, &W::DeleteValueTable),
+      delete_signals,
+      all(&W::GetMessageIterator, &W::DeleteMessage),
+      all(&W::GetEnvvarIterator, &W::DeleteEnvvar),
+      all(&W::GetBitTimingIterator, &W::DeleteBitTiming),
+  };
   for (int first = 0; first < 9; ++first) {
     Edited e(folder);
-    const auto delete_signals = [&e](msgblk& message) {
-      delete_all(e.GetSignalIterator(message), [&](sigblk& r) { e.DeleteSignal(r); });
-    };
-    const std::function<void()> deletions[] = {
-        [&] { delete_all(e.GetNodeIterator(e.db), [&](auto& r) { e.DeleteNode(r); }); },
-        [&] { delete_all(e.GetCategoryIterator(e.db), [&](auto& r) { e.DeleteCategory(r); }); },
-        [&] {
-          delete_all(e.GetAttrDefinitionIterator(e.db),
-                     [&](auto& r) { e.DeleteAttrDefinition(r); });
-        },
-        [&] { delete_all(e.GetSignalTypeIterator(e.db), [&](auto& r) { e.DeleteSignalType(r); }); },
-        [&] { delete_all(e.GetValueTableIterator(e.db), [&](auto& r) { e.DeleteValueTable(r); }); },
-        [&] { delete_all(e.GetMessageIterator(e.db), delete_signals); },
-        [&] { delete_all(e.GetMessageIterator(e.db), [&](auto& r) { e.DeleteMessage(r); }); },
-        [&] { delete_all(e.GetEnvvarIterator(e.db), [&](auto& r) { e.DeleteEnvvar(r); }); },
-        [&] { delete_all(e.GetBitTimingIterator(e.db), [&](auto& r) { e.DeleteBitTiming(r); }); },
-    };
     for (int i = 0; i < 9; ++i) {
-      deletions[(first + i) % 9]();
+      deletions[(first + i) % 9](e);
       e.lines();
     }
     const auto lines = e.lines();
@@ -436,22 +430,15 @@ TEST_F(Edits, DeleteOnlyWhatTheDatabaseHolds) {
 TEST_F(Edits, WithoutMemory) {
   const std::function<void(Edited&)> edits[] = {
       [](Edited& e) { e.CreateNode(e.db, 0); },
-      [](Edited& e) { e.CreateMessage(e.db, 0); },
-      [](Edited& e) { e.CreateAttrDefinition(e.db, 0); },
       [](Edited& e) { e.CreateSignal(e.message(), 0); },
       [](Edited& e) { e.CreateSignalGroup(e.message(), 0); },
       [](Edited& e) { e.SetName(e.signal("S"), "New"); },
       [](Edited& e) { e.SetComment(e.message(), "New"); },
       [](Edited& e) { e.SetUserData(e.db, "New"); },
-      [](Edited& e) { e.SetDatabaseComment(e.db, "New"); },
-      [](Edited& e) { e.SetValueDescription(*e.signal("S").values, 7, "New"); },
       [](Edited& e) { e.SetValueDescription(e.signal("S"), 0, "New"); },
       [](Edited& e) { e.SetValueDescription(e.signal("S"), 9, "New"); },
       [](Edited& e) { e.AddSignal(e.group(), e.signal("U")); },
       [](Edited& e) { e.AddReceiver(e.signal("U"), e.node("A")); },
-      [](Edited& e) { e.AddTransmitter(e.message(), e.node("B")); },
-      [](Edited& e) { e.AddAccessNode(e.variable(), e.node("B")); },
-      [](Edited& e) { e.AddFilterCategory(*e.GetCategory("Drive", e.db), e.db); },
       [](Edited& e) { e.AddFilterNode(e.node("B"), e.db); },
       [](Edited& e) { e.SetAttrValue(e.variable(), "Var", text("New")); },
       [](Edited& e) { e.SetAttrValue(*e.GetEnvvar("W", e.db), "Var", text("New")); },

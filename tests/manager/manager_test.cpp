@@ -2,12 +2,28 @@
 
 #include <array>
 #include <memory>
+#include <type_traits>
+#include <utility>
 
 #include "model/memory.hpp"
 #include "support/failing.hpp"
+#include "support/files.hpp"
 #include "zelk/errors.h"
 
 namespace {
+
+// A name alone would be converted to true, and close everything.
+template <typename Argument>
+constexpr bool kCanClose = requires(ZelkManager& m, Argument a) {
+  m.CloseDatabase(a);
+};
+static_assert(kCanClose<bool> && kCanClose<int>);
+static_assert(!kCanClose<const char*> && !kCanClose<char*> && !kCanClose<const char (&)[6]>);
+
+// What is there to be read cannot be changed by mistake.
+static_assert(std::is_same_v<decltype(ZelkManager::DbListNode::database), const ZelkDatabase&>);
+static_assert(std::is_same_v<decltype(std::declval<const ZelkManager&>().GetDatabase("a")),
+                             const ZelkDatabase*>);
 
 using Opening = ManagerTest;
 using Caching = ManagerTest;
@@ -89,16 +105,9 @@ TEST_F(Opening, TestsInOrder) {
   manager.calls.clear();
   EXPECT_EQ(manager.ReopenDatabase(held), 0);
   EXPECT_EQ(manager.calls, "info ");
-  EXPECT_EQ(manager.OpenDatabase(twin.c_str(), nullptr, "twin", 0), 0);
-}
-
-TEST_F(Opening, TakesReadOnlyFiles) {
-  const std::string path = folder.write("a.dbc", kDatabase);
-  Folder::set_read_only(path, true);
-  Manager manager;
-  EXPECT_EQ(manager.GetDatabaseFileInfo(path.c_str()), 0);
-  open(manager, path);
-  Folder::set_read_only(path, false);
+  Folder::set_read_only(twin, true);
+  EXPECT_EQ(manager.OpenDatabase(twin.c_str(), nullptr, "twin", 0), 0) << "also a read-only file";
+  Folder::set_read_only(twin, false);
 }
 
 TEST_F(Opening, OrdersByPriority) {
@@ -108,18 +117,29 @@ TEST_F(Opening, OrdersByPriority) {
     unsigned priority;
     unsigned stored;
   } files[] = {{"low", nullptr, 1, 1},    {"first", nullptr, 5, 5},   {"wanted", "w", 9, 0},
-               {"second", nullptr, 5, 5}, {"top", nullptr, ~0U, ~0U}, {"zero", nullptr, 0, 0}};
-  Observed manager;
+               {"second", nullptr, 5, 5}, {"top", nullptr, ~0U, ~0U}, {"third", nullptr, 5, 5},
+               {"zero", nullptr, 0, 0}};
+  Manager manager;
   for (const auto& file : files) {
     const std::string path = folder.write(std::string(file.name) + ".dbc", kDatabase);
     const char* const name = open(manager, path, file.wanted_name, file.priority);
     EXPECT_EQ(manager.GetPriority(name), file.stored) << file.name;
   }
-  EXPECT_EQ(manager.DatabaseCount(), 6U);
-  manager.calls.clear();
-  manager.CloseDatabase(true);
-  EXPECT_EQ(manager.calls, "top+ first+ second+ low+ wanted+ zero+ ");
-  EXPECT_EQ(manager.DatabaseCount(), 0U);
+  const auto order = [&manager] {
+    std::string names;
+    for (const auto* node : manager.GetDatabaseNameIterator())
+      names += node->name + std::string(" ");
+    return names;
+  };
+  EXPECT_EQ(order(), "top first second third low w zero ");
+  for (const char* closed : {"top", "third", "second", "zero"}) {
+    manager.CloseDatabase(manager.GetUniqueDatabaseName(closed), false);
+    EXPECT_EQ(manager.GetUniqueDatabaseName(closed), nullptr);
+  }
+  open(manager, folder.path("third.dbc"), nullptr, 5);
+  open(manager, folder.path("zero.dbc"));
+  EXPECT_EQ(order(), "first third low w zero ");
+  EXPECT_EQ(manager.DatabaseCount(), 5U);
 }
 
 TEST_F(Opening, SharesUnchangedFiles) {
@@ -138,6 +158,25 @@ TEST_F(Opening, SharesUnchangedFiles) {
   std::filesystem::remove(path);
   EXPECT_EQ(first.OpenDatabase(path.c_str(), nullptr, "gone", 0), 2);
   EXPECT_STREQ(shared->nodes->name, "A");
+}
+
+// What its path led to when it was given stays its file.
+TEST_F(Opening, KeepsTheFileOfARelativePath) {
+  const std::string path = folder.write("a.dbc", kDatabase);
+  const std::filesystem::path here = std::filesystem::current_path();
+  Manager manager;
+  const char* const name = open(manager, path);
+  std::filesystem::create_directories(folder.path("there/" + path));
+  std::filesystem::current_path(folder.path("there"));
+  EXPECT_EQ(manager.OpenDatabase((here / path).string().c_str(), nullptr, 0), 4);
+  EXPECT_EQ(manager.OpenDatabase("a.dbc", nullptr, "elsewhere", 0), 2);
+  EXPECT_EQ(manager.ReopenDatabase(name), 0);
+  manager.GetDatabase(name)->SetComment("saved");
+  EXPECT_EQ(manager.GetDatabase(name)->Write(nullptr), 0);
+  EXPECT_STREQ(manager.GetDatabasePath("a"), path.c_str());
+  std::filesystem::current_path(here);
+  EXPECT_NE(content_of(path), kDatabase);
+  EXPECT_EQ(manager.OpenDatabase(path.c_str(), nullptr, 0), 4);
 }
 
 TEST_F(Opening, KeepsTheErrorText) {
@@ -218,7 +257,7 @@ int opened_nevertheless(const char* open_path, const char* path) {
 
 TEST_F(Opening, WithoutMemory) {
   const std::string a = folder.write("a.dbc", kDatabase);
-  const std::string b = folder.write("b.dbc", kDatabase);
+  const std::string b = folder.write("b.dbc", "NS_: FIRST SECOND\nBS_:\nBU_: A\n");
   constexpr int kWithoutErrorText = 1;  // its copy is not worth the database
   EXPECT_EQ(opened_nevertheless<FailingCalloc>(a.c_str(), b.c_str()), kWithoutErrorText);
   EXPECT_EQ(opened_nevertheless<FailingNew>(a.c_str(), b.c_str()), 0);
@@ -263,42 +302,26 @@ struct TwoManagers {
 
 TEST_F(Caching, SparesReading) {
   const struct {
-    const char* steps;  ///< the last one opens
-    const char* node;   ///< what it finds
+    std::string_view steps;  ///< the last one opens
+    const char* node;        ///< what it finds
   } cases[] = {
-      {"oc!o", "New"},    {"ok!o", "Old"},
-      {"ok!oco", "New"},  // opening takes the mark away
-      {"okf!o", "New"},   {"okok!o", "Old"},
-      {"okokf!o", "New"}, {"ok!O", "Old"},  // of another manager too
-      {"okF!o", "Old"},   {"n!o", "Old"},
-      {"nf!o", "New"},    {"nn!O", "Old"},
-      {"oOkC!o", "Old"},  {"oOkCf!o", "New"},
-      {"oOkf!o", "Old"},  // the other one holds it
-      {"oOkK!fo", "Old"}, {"oOkKf!FO", "New"},
+      {"oc!o", "New"},    {"ok!o", "Old"},    {"ok!oco", "New"},   // opening takes the mark away
+      {"okf!o", "New"},   {"ok!O", "Old"},    {"okokf!o", "New"},  // of another manager too
+      {"okF!o", "Old"},   {"n!o", "Old"},     {"nf!o", "New"},
+      {"oOkC!o", "Old"},  {"oOkCf!o", "New"}, {"oOkf!o", "Old"},  // the other one holds it
       {"okOC!o", "New"},   // the second open took away the first one's mark
       {"okOKf!O", "New"},  // and the first one's flush that of the second
   };
   for (const auto& c : cases) {
     TwoManagers two{folder};
-    const std::string steps = c.steps;
-    for (const char step : steps) two.take(step);
-    const ZelkDatabase* const opened = two.database(steps.back() == 'o' ? 0 : 1);
-    ASSERT_NE(opened, nullptr) << steps;
-    EXPECT_STREQ(opened->nodes->name, c.node) << steps;
+    for (const char step : c.steps) two.take(step);
+    const ZelkDatabase* const opened = two.database(c.steps.back() == 'o' ? 0 : 1);
+    ASSERT_NE(opened, nullptr) << c.steps;
+    EXPECT_STREQ(opened->nodes->name, c.node) << c.steps;
   }
 }
 
-/// Whether what both managers hold is alive and the same; a sanitizer sees it when it is not.
-void check_held(const TwoManagers& two, const std::string& steps) {
-  for (const std::size_t side : {0, 1}) {
-    if (!two.names[side]) continue;
-    EXPECT_STREQ(two.database(side)->nodes->name, "Old") << steps;
-    if (two.names[1 - side]) {
-      EXPECT_EQ(two.database(0), two.database(1)) << steps;
-    }
-  }
-}
-
+// What a manager holds is alive, which a sanitizer sees when it is not, and the same for both.
 TEST_F(Caching, InAllOrders) {
   constexpr std::string_view kSteps = "ockfOCKF";
   for (unsigned order = 0; order < 8U * 8 * 8; ++order) {
@@ -308,12 +331,13 @@ TEST_F(Caching, InAllOrders) {
     for (unsigned rest = order, i = 0; i < 3; ++i, rest /= 8) {
       steps += kSteps[rest % 8];
       two.take(steps.back());
-      check_held(two, steps);
+      for (const std::size_t side : {0, 1}) {
+        if (!two.names[side]) continue;
+        EXPECT_STREQ(two.database(side)->nodes->name, "Old") << steps;
+        EXPECT_TRUE(!two.names[1 - side] || two.database(0) == two.database(1)) << steps;
+      }
     }
-    const std::size_t gone = order / 3 % 2;
-    two.managers[gone].reset();
-    two.names[gone] = nullptr;
-    check_held(two, steps);
+    two.managers[order / 3 % 2].reset();
     two.managers = {};
     ASSERT_EQ(databases_alive(), 0) << steps;
   }

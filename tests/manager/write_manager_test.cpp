@@ -49,19 +49,6 @@ TEST_F(WriteManagers, OwnTheirFiles) {
   open(second, path, "a");
 }
 
-TEST_F(WriteManagers, TakeWriteLocks) {
-  const std::string path = folder.write("a.dbc", kDatabase);
-  WriteManager writer;
-  Manager reader;
-  const char* const written = open(writer, path, "w");
-  const char* const read = open(reader, path, "r");
-  EXPECT_TRUE(writer.LockDatabase(written, "editing"));
-  EXPECT_FALSE(reader.LockDatabase(read, "reading"));
-  writer.UnlockDatabase(nullptr);
-  EXPECT_TRUE(reader.LockDatabase(read, "reading"));
-  EXPECT_FALSE(writer.LockAllDatabases("editing"));
-}
-
 TEST_F(WriteManagers, CreateDatabases) {
   WriteManager manager;
   create(manager, "taken");
@@ -91,16 +78,73 @@ TEST_F(WriteManagers, CreateDatabases) {
   EXPECT_TRUE(reader.GetNode("Node", open(reader, path, "copy")));
 }
 
-// Of two databases for one new file the later one written would replace the other.
-TEST_F(WriteManagers, CreateOneDatabaseForAFile) {
-  const std::string path = folder.path("new.dbc");
-  WriteManager first;
-  WriteManager second;
-  const char* const name = create(first, "first", path.c_str());
-  EXPECT_EQ(first.CreateDatabase("again", nullptr, path.c_str()), 10);
-  EXPECT_EQ(second.CreateDatabase("second", nullptr, path.c_str()), 10);
-  first.CloseDatabase(name, true);
-  EXPECT_EQ(second.CreateDatabase("second", nullptr, path.c_str()), 0);
+/// Content that tells who wrote it, and nobody's.
+std::string written(const char* by) { return std::string("CM_ \"") + by + "\""; }
+
+// Each letter is a step, of the first writer or in capitals of the second, on one new file: c
+// creates a database for it, e one without a path; w writes to the own file, g to this one, o to
+// another; x closes.
+TEST_F(WriteManagers, OneGetsANewFile) {
+  const struct {
+    const char* steps;
+    int expected;  ///< of the last step
+    const char* content;
+  } cases[] = {
+      {"cw", 0, "first"},     {"cww", 0, "first"},      {"cCwW", 10, "first"},
+      {"cEGw", 10, "second"}, {"cEGg", 10, "second"},   {"cEGXw", 10, "second"},
+      {"cEGXog", 0, "first"}, {"cowCWg", 10, "second"}, {"cCw", 0, "first"},
+      {"cCwWw", 0, "first"},  {"EGc", 10, "second"},
+  };
+  for (const auto& c : cases) {
+    const std::string path = folder.path("new.dbc"), other = folder.path("other.dbc");
+    for (const auto& file : {path, other}) std::filesystem::remove(file);
+    WriteManager managers[2];
+    const char* names[2] = {};
+    int result = 0;
+    for (const char* step = c.steps; *step; ++step) {
+      const bool is_second = *step < 'a';
+      WriteManager& manager = managers[is_second];
+      const char*& name = names[is_second];
+      const char kind = static_cast<char>(*step | 0x20);
+      if (kind == 'x') manager.CloseDatabase(std::exchange(name, nullptr), false);
+      if (kind == 'c') result = manager.CreateDatabase("new", &name, path.c_str());
+      if (kind == 'e') result = manager.CreateDatabase("new", &name, nullptr);
+      if (kind == 'c' || kind == 'e')
+        manager.SetDatabaseComment(name, is_second ? "second" : "first");
+      if (kind == 'w') result = manager.WriteDatabase(name, nullptr);
+      if (kind == 'g') result = manager.WriteDatabase(name, path.c_str());
+      if (kind == 'o') result = manager.WriteDatabase(name, other.c_str());
+    }
+    EXPECT_EQ(result, c.expected) << c.steps;
+    EXPECT_NE(content_of(path).find(written(c.content)), std::string::npos) << c.steps;
+  }
+}
+
+// A second writer has the touched file, and edits that nobody has written.
+TEST_F(WriteManagers, LeaveOthersEditsAlone) {
+  for (const bool is_named : {false, true}) {
+    const std::string path = folder.write("a.dbc", kDatabase);
+    WriteManager first, second;
+    const char* const name = open(first, path);
+    Folder::touch(path, 1);
+    const char* const others = open(second, path);
+    first.SetDatabaseComment(name, "first");
+    second.SetDatabaseComment(others, "second");
+    const symblk* const node = second.GetNode("A", others);
+    EXPECT_EQ(first.WriteDatabase(name, is_named ? path.c_str() : nullptr), 10);
+    EXPECT_EQ(content_of(path), kDatabase);
+    EXPECT_STREQ(second.GetConstDatabase(others)->comment, "second");
+    EXPECT_EQ(second.GetNode("A", others), node);
+    EXPECT_EQ(second.WriteDatabase(others, nullptr), 0) << "who has the file as it is may write it";
+    EXPECT_EQ(first.WriteDatabase(name, nullptr), 10);
+    first.CommitDatabase(nullptr);
+    EXPECT_STREQ(second.GetConstDatabase(others)->comment, "first") << "a commit asks nobody";
+    second.CloseDatabase(others, false);
+    Manager reader;
+    open(reader, path);
+    EXPECT_EQ(first.WriteDatabase(name, nullptr), 0) << "who only reads sees what is written";
+    EXPECT_NE(content_of(path).find(written("first")), std::string::npos);
+  }
 }
 
 TEST_F(WriteManagers, WriteAndAnnounce) {
@@ -143,6 +187,7 @@ TEST_F(WriteManagers, WriteNothingThatIsLocked) {
   for (const auto& path : paths) EXPECT_EQ(content_of(path.c_str()), kDatabase);
   reader.UnlockDatabase(nullptr);
   ASSERT_TRUE(writer.LockAllDatabases("own locks do not refuse"));
+  EXPECT_FALSE(reader.LockAllDatabases("reading")) << "they are write locks";
   EXPECT_EQ(writer.WriteDatabase(nullptr, "ignored.dbc"), 0);
   for (const auto& path : paths) EXPECT_NE(content_of(path.c_str()), kDatabase);
 }
@@ -216,21 +261,6 @@ TEST_F(WriteManagers, CreateAllOrNothingWithoutMemory) {
     create_without_memory<FailingCalloc>(file);
     create_without_memory<FailingNew>(file);
   }
-}
-
-// A second instance of a file: opened before it was touched, and so no more the same.
-TEST_F(WriteManagers, CommitToTheOtherInstance) {
-  const std::string path = folder.write("a.dbc", kDatabase);
-  WriteManager writer;
-  const char* const name = open(writer, path, "mine");
-  Folder::touch(path, 1);
-  Manager reader;
-  const char* const other = open(reader, path, "theirs");
-  ASSERT_NE(writer.GetDatabase(name), reader.GetDatabase(other));
-  writer.SetName(*writer.GetNode("A", name), "B");
-  writer.CommitDatabase(nullptr);
-  EXPECT_TRUE(reader.GetNode("B", other));
-  EXPECT_EQ(content_of(path.c_str()), kDatabase);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include "model/release.hpp"
 #include "support/building.hpp"
+#include "support/failing.hpp"
 
 namespace {
 
@@ -135,6 +136,24 @@ TEST(Release, TakesValuesWithoutDefinitionsAndEmptiesTheFilter) {
   EXPECT_EQ(filter.mode, 0);
 }
 
+TEST(Lists, OfMissingRecordsStayAsTheyAre) {
+  symblk *const node = zelk_create_symbol(), *const last = zelk_create_symbol();
+  symblk* head = nullptr;
+  EXPECT_EQ(can_insert_symbol(&head, node, 3), &head) << "behind the last of none";
+  EXPECT_EQ(can_insert_symbol(&head, last, 3), node) << "behind the last";
+  EXPECT_EQ(can_insert_symbol(&head, nullptr, 0), nullptr);
+  EXPECT_EQ(can_insert_symbol(nullptr, node, 0), nullptr);
+  sigblk signal{};
+  EXPECT_EQ(can_insert_sig(nullptr, &signal, 0), nullptr);
+  can_delete_symbol(nullptr, node);
+  can_delete_sig(nullptr, &signal);
+  can_delete_siggroup(nullptr, nullptr);
+  can_delete_multiplexor_value_range(nullptr, nullptr);
+  EXPECT_THAT(records_of(head), ElementsAre(node, last));
+  zelk_free(head, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+            nullptr, nullptr);
+}
+
 /// A message with two possible multiplexors and two signals to be selected.
 class Multiplexing : public testing::Test {
  protected:
@@ -184,6 +203,25 @@ TEST_F(Multiplexing, EndsWithTheLastRangeOrTheSignal) {
   can_delete_sig(&message_, b_);
   EXPECT_THAT(records_of(message_.signals), ElementsAre(first_, second_, a_));
   EXPECT_EQ(first_->flags, 2);
+}
+
+TEST_F(Multiplexing, OfSignalsThatGoTogetherLeavesOtherFlags) {
+  for (const bool has_memory : {true, false}) {
+    first_->flags = second_->flags = 0xFFF8;  // a host's own bits
+    sigblk *const c = zelk_create_sigblk(), *const d = zelk_create_sigblk();
+    b_->next = c;
+    c->next = d;
+    c->message = d->message = &message_;
+    zelk_add_multiplexor_value_range(b_, first_, 1, 1);
+    zelk_add_multiplexor_value_range(c, first_, 2, 2);
+    zelk_add_multiplexor_value_range(d, second_, 3, 3);
+    const FailingNew failing(has_memory ? 1000 : 0);
+    can_delete_siglist(c);
+    b_->next = nullptr;
+    EXPECT_EQ(failing.has_failed(), !has_memory);
+    EXPECT_EQ(first_->flags, 0xFFFC) << "still selects b";
+    EXPECT_EQ(second_->flags, 0xFFF8);
+  }
 }
 
 }  // namespace

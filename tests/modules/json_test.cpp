@@ -80,6 +80,8 @@ TEST(Json, ImportsTheExampleOfTheDocument) {
 
 TEST(Json, RefusesFaultyDocumentsAndTellsWhere) {
   const std::string signal = R"("messages":[{"name":"M","id":1,"dlc":8,"signals":[)";
+  std::string many_keys = R"("0":0)";
+  for (int i = 1; i < 100; ++i) many_keys += ",\"" + std::to_string(i) + "\":0";
   const std::string two = signal + R"({"name":"a","start_bit":0,"length":1,"multiplexor":"b"},)";
   const struct {
     std::string members;  ///< behind the format and the version
@@ -90,24 +92,18 @@ TEST(Json, RefusesFaultyDocumentsAndTellsWhere) {
       {"\n\"comment\":\"a\",\n\"comment\":\"b\"}", ", line 3, the key \"comment\" stands twice"},
       {R"("bit_timings":[{"baudrate":1e999}]})", "number overflow"},
       {R"("nodes":)" + std::string(100000, '['), "more than 32 deep"},
+      {many_keys + "}", "an object has more than 64 keys"},
       {R"("nods":[]})", R"(the document: unknown key "nods")"},
       {R"("encoding":"latin1"})", R"(encoding: expected "utf-8" or "windows-1252")"},
       {R"("encoding":"windows-1252","comment":"Ω"})", "comment: a character that Windows-1252"},
       {R"("comment":"a\u0000b"})", "comment: a NUL character"},
-      {R"("nodes":["A"]})", "nodes[0]: expected an object"},
       {R"("nodes":[{"name":"A"},{}]})", R"(nodes[1]: the key "name" is missing)"},
-      {R"("nodes":[{"name":"A","category":"C"}]})",
-       R"(nodes[0].category: there is no category "C")"},
       {R"("value_tables":[{"name":"abcdefghijklmnopqrstuvwxyz0123456"}]})",
        "has more than 32 char"},
-      {R"("bit_timings":[{"baudrate":1,"btr1":256,"btr2":0}]})",
-       "bit_timings[0].btr1: expected a whole number from 0 to 255"},
       {R"("categories":[{"name":"C","number":1.0}]})", "from -32768 to 32767"},
       {R"("filter":{"mode":18446744073709551615}})", "filter.mode: expected a whole number"},
-      {R"("filter":{"nodes":[0]}})", "filter.nodes[0]: expected a name, or a position below 0"},
       {R"("signal_types":[{"name":"T","length":1,"factor":"1"}]})",
        "signal_types[0].factor: expec"},
-      {R"("signal_types":[{"name":"T","length":1,"byte_order":1}]})", "expected \"intel\" or"},
       {R"("signal_types":[{"name":"T","length":1,"other_flags":1}]})", "a bit that has a key of"},
       {R"("attribute_definitions":[{"name":"E","value_type":"list"}]})",
        R"(expected "int", "float)"},
@@ -116,7 +112,6 @@ TEST(Json, RefusesFaultyDocumentsAndTellsWhere) {
       {R"("attribute_definitions":[{"name":"E","object_type":"node","value_type":"int"}],
        "attributes":[{"definition":"E","value":1}]})",
        R"(attributes[0].definition: there is no attribute definition of this kind "E")"},
-      {R"("messages":[{"name":"M","id":2147483648,"dlc":8}]})", "messages[0].id: expected a whole"},
       {R"("messages":[{"name":"M","id":1,"dlc":8,"extended":1}]})", "expected true or false"},
       {signal + R"({"name":"a","start_bit":0,"length":65536}]}]})",
        "messages[0].signals[0].length: expected a whole number from 0 to 65535"},

@@ -53,13 +53,23 @@ TEST(Files, OpenedOrNot) {
 TEST(Files, WrittenWithTheLineEndOfTheSystem) {
   const WorkingFolder folder;
   put_bytes("out.dbc", "what was there before");
-  File file = open_for_writing("out.dbc");
+  const File file = open_for_writing("out.dbc");
   std::fputs("a\n\nb\r\xE4", file.get());
-  std::string expected = "a";
-  expected.append(kLineEnd).append(kLineEnd).append("b\r\xE4");
-  EXPECT_EQ(bytes_of("out.dbc"), expected) << "before it is closed: there is no buffer";
-  file.reset();
-  EXPECT_EQ(bytes_of("out.dbc"), expected);
+  EXPECT_EQ(bytes_of("out.dbc"), std::string("a") + kLineEnd + kLineEnd + "b\r\xE4")
+      << "before it is closed: there is no buffer";
+}
+
+TEST(Files, ReplacedByTwoAtOnce) {
+  const WorkingFolder folder;
+  put_bytes("f.dbc", "old");
+  Replacement first("f.dbc"), second("f.dbc");
+  for (Replacement* replacement : {&first, &second}) {
+    const char* const content = replacement == &first ? "1" : "2";
+    std::fputs(content, replacement->file());
+    EXPECT_TRUE(replacement->take_place()) << replacement->failure();
+    EXPECT_EQ(bytes_of("f.dbc"), content);
+  }
+  for (const auto& entry : fs::directory_iterator(".")) EXPECT_EQ(entry.path().filename(), "f.dbc");
 }
 
 TEST(Files, LongerThan260Characters) {
@@ -93,17 +103,10 @@ TEST(Files, Same) {
     std::string a, b;
     bool same;
   } cases[] = {
-      {"here.dbc", ".//sub/../here.dbc", true},
-      {"here.dbc", absolute, true},
-      {"here.dbc", "HERE.dbc", true},
-      {"HERE.DBC", absolute, true},
-      {"missing.dbc", "./Missing.dbc", true},
-      {"missing/../here.dbc", "here.dbc", true},
-      {"here.dbc", "there.dbc", false},
-      {"here.dbc", "sub/here.dbc", false},
-      {"missing.dbc", "here.dbc", false},
-      {"", "here.dbc", false},
-      {"", "", false},
+      {"here.dbc", ".//sub/../here.dbc", true}, {"here.dbc", absolute, true},
+      {"here.dbc", "HERE.dbc", true},           {"HERE.DBC", absolute, true},
+      {"missing.dbc", "./Missing.dbc", true},   {"here.dbc", "there.dbc", false},
+      {"missing.dbc", "here.dbc", false},       {"", "here.dbc", false},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(is_same_path(c.a.c_str(), c.b.c_str()), c.same) << c.a << " " << c.b;

@@ -15,16 +15,13 @@ Signature* function(const Module& module, const char* name) {
   return reinterpret_cast<Signature*>(find_function(module.get(), name));
 }
 
-TEST(Modules, NotToBeLoaded) {
+TEST(Modules, LoadedOrNot) {
   const WorkingFolder folder;
   put_bytes("text.dbc", "VERSION \"\"\n");
   fs::create_directory("sub");
   for (const char* path : {"", "missing.zelk", "./text.dbc", "./sub"}) {
     EXPECT_FALSE(load_module(path)) << path;
   }
-}
-
-TEST(Modules, FunctionsByName) {
   const Module library = load_module(ZELK_LIBRARY);
   ASSERT_TRUE(library);
   EXPECT_TRUE(find_function(library.get(), "zelk_read"));

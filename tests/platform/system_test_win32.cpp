@@ -21,6 +21,16 @@ TEST(FilesOfWindows, Same) {
   EXPECT_TRUE(is_same_path(encoded(u8"\u00C4.dbc").c_str(), encoded(u8"\u00E4.dbc").c_str()));
 }
 
+TEST(ModulesOfWindows, BareNamesInALongWorkingFolder) {
+  const WorkingFolder folder;
+  const std::string deep(220 - folder.path().native().size(), 'd');
+  std::filesystem::create_directory(deep);
+  std::filesystem::current_path(deep);
+  EXPECT_TRUE(load_module("version.dll"));
+  EXPECT_FALSE(load_module("missing.dll"));
+  std::filesystem::current_path("..");
+}
+
 TEST(CodePageOfWindows, LeadBytesInDoubleByteCodePagesAlone) {
   CPINFO info = {};
   ASSERT_TRUE(GetCPInfo(CP_ACP, &info));

@@ -107,19 +107,33 @@ TEST(ReaderErrors, WhatWasLinkedStaysAndTheNextReadGoesOn) {
   EXPECT_EQ(describe(database), third);
 }
 
-TEST(ReaderErrors, Files) {
+TEST(ReaderErrors, FilesThatAreNotThere) {
+  for (const char* path : {"missing/no.dbc", ".", "", static_cast<const char*>(nullptr)}) {
+    Database database;
+    attr_def* const kept = database.slots[2] = database.definitions = zelk_create_attr_def();
+    EXPECT_EQ(database.read_file(path), path ? 16u : 0u);
+    const std::string detail = path && *path ? std::string(", ") + path : "";
+    EXPECT_EQ(database.reported, path ? "database: not found" + detail + "\n" : "");
+    EXPECT_STREQ(database.version, "");
+    EXPECT_EQ(database.slots[2], kept);
+    EXPECT_EQ(database.definitions, kept);
+  }
+}
+
+TEST(ReaderErrors, SlotsHoldDefinitionsUntilAFileIsAccepted) {
+  const std::string definition = FRAME "BA_DEF_ BU_ \"SystemNodeLongSymbol\" STRING ;\n";
   Database database;
-  EXPECT_EQ(database.read_file("missing/no.dbc"), 16u);
-  EXPECT_EQ(database.reported, "database: not found, missing/no.dbc\n");
-  EXPECT_EQ(database.read_file("."), 16u);
-  EXPECT_EQ(database.reported, "database: not found, .\n");
-  EXPECT_EQ(database.read_file(""), 16u);
-  EXPECT_EQ(database.reported, "database: not found\n");
-  zelk_mfree(database.version);
-  database.version = nullptr;
-  EXPECT_EQ(database.read_file(nullptr), 0u);
-  EXPECT_EQ(database.reported, "");
-  EXPECT_STREQ(database.version, "");
+  EXPECT_EQ(database.read(definition + "X"), 27u);
+  attr_def* const left = database.definitions;
+  ASSERT_NE(left, nullptr);
+  EXPECT_EQ(database.slots[2], left);
+  symblk stale{};  // what a careless host leaves in a slot
+  database.slots[0] = reinterpret_cast<attr_def*>(&stale);
+  EXPECT_EQ(database.read(definition + "BA_DEF_ \"D\" INT;"), 0u);
+  EXPECT_EQ(describe(database), "node A\ndefinition D of 0 INT [0|0] 0\n");
+  for (const attr_def* slot : database.slots) EXPECT_EQ(slot, nullptr);
+  EXPECT_EQ(database.read(definition + "BA_DEF_SGTYPE_ \"SystemNodeLongSymbol\"; X"), 27u);
+  EXPECT_EQ(database.slots[2], nullptr) << "it is one for signal types now";
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "model/memory.hpp"
 #include "support/database.hpp"
 #include "support/files.hpp"
+#include "writer/read_back.hpp"
 
 inline void set(char*& field, std::string_view content) {
   zelk::assign_text(field, zelk::copy_text(content));
@@ -76,8 +77,15 @@ inline void add_range(sigblk* signal, uint32_t low, uint32_t high) {
 }
 
 inline uint32_t write_to(const char* path, const Database& d, uint8_t with_ranges = 1) {
-  return zelk_write(path, d.nodes, d.messages, d.variables, d.timings, d.definitions, d.values,
-                    d.categories, d.filter, d.comment, d.version, d.types, d.tables, with_ranges);
+  return d.write(path, with_ranges);
+}
+
+/// What keeps a file from giving the database back; empty when nothing does.
+inline std::string fault_of(const Database& d) {
+  return zelk::read_back_fault({d.nodes, d.messages, d.variables, d.timings, d.definitions,
+                                d.values, d.categories, d.filter, d.comment, d.version, d.types,
+                                d.tables})
+      .value_or("");
 }
 
 /// What a write makes of a file with another content.

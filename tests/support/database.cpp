@@ -15,11 +15,6 @@ TemporaryFile::TemporaryFile(std::string_view content) {
 
 TemporaryFile::~TemporaryFile() { std::remove(path_.c_str()); }
 
-Database::~Database() {
-  zelk_free(nodes, messages, variables, timings, definitions, values, categories, &filter, comment,
-            version, types, tables);
-}
-
 uint32_t Database::read(std::string_view content) {
   return read_file(TemporaryFile(content).path());
 }
@@ -31,17 +26,18 @@ uint32_t Database::read_file(const char* path) {
   return number;
 }
 
-uint32_t Database::try_read(const char* path) {
-  return zelk_try_read(path, &nodes, &messages, &variables, &timings, &definitions, &values,
-                       &categories, &filter, &comment, &version, &types, &tables, slots);
-}
-
 namespace {
 
 std::string quoted(const char* text) {
   std::string result = text ? '"' + std::string(text) + '"' : "null";
   std::replace(result.begin(), result.end(), '\n', '|');
   return result;
+}
+
+/// What stands in for a record that a link does not have.
+template <typename Record>
+std::string name_of(const Record* record) {
+  return record ? record->name : "-";
 }
 
 /// One database as text. Each record's line ends with what all objects can have.
@@ -55,7 +51,7 @@ struct Description {
 
   void attributes(const attr* list) {
     for (const attr* value = list; value; value = value->next) {
-      add(value == list ? " {" : " ", value->def ? value->def->name : "-", "=");
+      add(value == list ? " {" : " ", name_of(value->def), "=");
       if (!value->def) continue;
       if (value->def->value_type == ZELK_ATTR_STRING) add(quoted(value->value.text));
       if (value->def->value_type != ZELK_ATTR_STRING) add(value->value.number);
@@ -66,7 +62,7 @@ struct Description {
   void links(const rxblk* list) {
     add("[");
     for (const rxblk* link = list; link; link = link->next) {
-      add(link == list ? "" : ",", link->node ? link->node->name : "-");
+      add(link == list ? "" : ",", name_of(link->node));
       attributes(link->attrs);
     }
     add("]");
@@ -121,7 +117,7 @@ struct Description {
 
   void record(const msgblk& message) {
     add("message ", message.id, " ", message.name, " ", message.dlc, " from ",
-        message.transmitter ? message.transmitter->name : "-");
+        name_of(message.transmitter));
     links(message.tx_nodes);
     miscounted(message.signals, message.signal_count);
     end(message);
@@ -160,7 +156,7 @@ struct Description {
   }
 
   void record(const attr_def& definition) {
-    const char* const types[] = {"INT", "FLOAT", "STRING", "ENUM", "HEX"};
+    const char* const types[] = {"INT", "FLOAT", "STRING", "ENUM", "HEX", "none"};
     const int32_t type = definition.value_type;
     add("definition ", definition.name, " of ", definition.object_type, " ", types[type], " ");
     if (type == ZELK_ATTR_ENUM) add(quoted(definition.enum_values), " ");
@@ -214,7 +210,7 @@ std::string describe(const Database& database) {
   if (!filter.categories && !filter.nodes && filter.mode == 0) return text.out.str();
   text.add("filter ", filter.mode);
   for (const auto* link = filter.categories; link; link = link->next) {
-    text.add(" ", link->category ? link->category->name : "-");
+    text.add(" ", name_of(link->category));
   }
   text.add(" ");
   text.links(filter.nodes);

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "zelk/zelk.h"
+#include "support/lists.hpp"
 
 /// A file of the given content in the working directory, removed when it goes. One per test at a
 /// time.
@@ -21,32 +21,11 @@ class TemporaryFile {
   std::string path_;
 };
 
-/// All record lists of one database, released when it goes.
-struct Database {
-  Database() = default;
-  Database(const Database&) = delete;
-  Database& operator=(const Database&) = delete;
-  ~Database();
-
+struct Database : Lists {
   /// Reads into the lists; returns the error number and leaves the reported lines in `reported`.
   uint32_t read(std::string_view content);
   uint32_t read_file(const char* path);
-  /// The call alone.
-  uint32_t try_read(const char* path);
 
-  symblk* nodes = nullptr;
-  msgblk* messages = nullptr;
-  env_var_blk* variables = nullptr;
-  btlblk* timings = nullptr;
-  attr_def* definitions = nullptr;
-  attr* values = nullptr;
-  cat* categories = nullptr;
-  filter_t filter = {};
-  char* comment = nullptr;
-  char* version = nullptr;
-  sigtype* types = nullptr;
-  valtable* tables = nullptr;
-  attr_def* slots[4] = {};
   std::string reported;  ///< message lines of the last read, each ended by a line feed
 };
 

@@ -1,6 +1,7 @@
 #include "support/failing.hpp"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <new>
@@ -41,7 +42,7 @@ std::size_t __wrap_fwrite(const void* data, std::size_t size, std::size_t count,
   if (!armed || size == 0) return __real_fwrite(data, size, count, file);
   const std::size_t taken = std::min(count, bytes_left / size);
   bytes_left -= taken * size;
-  failed |= taken < count;
+  if (taken < count) failed = true, errno = ENOSPC;
   return taken == 0 ? 0 : __real_fwrite(data, size, taken, file);
 }
 }  // extern "C"

@@ -1,13 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
-#include <sstream>
 #include <string>
-#include <vector>
 
-#include "run_tool.hpp"
+#include "tool_case.hpp"
 
 namespace {
 
@@ -19,7 +15,7 @@ bool contains(const std::string& text, const std::string& part) {
 constexpr const char* kCar =
     "BS_:\n\nBU_: N\n\n"
     "BO_ 291 Motion: 4 N\n SG_ Speed : 0|16@1+ (0.1,0) [0|0] \"km/h\" N\n"
-    " SG_ Gear : 16|4@1- (1,0) [0|0] \"\" N\n SG_ Load : 24|8@1+ (0.5,-40) [0|0] \"\xB0\x43\" N\n\n"
+    " SG_ Gear : 16|4@1- (1,0) [0|0] \"\" N\n SG_ Load : 24|8@1+ (0.5,-40) [0|0] \"\u00B0C\" N\n\n"
     "BO_ 292 Pages: 2 N\n SG_ Mux M : 0|8@1+ (1,0) [0|0] \"\" N\n"
     " SG_ A m0 : 8|8@1+ (1,0) [0|0] \"\" N\n SG_ B m1 : 8|8@1+ (1,0) [0|0] \"\" N\n\n"
     "BO_ 293 Big: 64 N\n SG_ Far : 504|8@1+ (1,0) [0|0] \"\" N\n\n"
@@ -49,9 +45,9 @@ TEST(Decode, FormsOfLines) {
     std::string out;  // empty: the line is reported as malformed
   } cases[] = {
       {"(1.5) can0 123#E803FF50",
-       "(1.5) can0 Motion Speed=100 km/h Gear=-1 \"R\" Load=0 \xB0\x43\n"},
+       "(1.5) can0 Motion Speed=100 km/h Gear=-1 \"R\" Load=0 \u00B0C\n"},
       {"(1.5) can0 123#E8.03.FF.50 R",
-       "(1.5) can0 Motion Speed=100 km/h Gear=-1 \"R\" Load=0 \xB0\x43\n"},
+       "(1.5) can0 Motion Speed=100 km/h Gear=-1 \"R\" Load=0 \u00B0C\n"},
       {"can0 124#0007\r", "can0 Pages Mux=0 A=7\n"},
       {" (2023-11-14 22:13:20.1)  can0  124   [2]  02 08",
        "(2023-11-14 22:13:20.1) can0 Pages Mux=2 B=8\n"},
@@ -65,9 +61,14 @@ TEST(Decode, FormsOfLines) {
       {"can0 127#CDCCCC3D00000000_A", "can0 Ieee Single=0.1\n"},
       {"can0 127#0000807F00000000", "can0 Ieee Single=inf\n"},
       {"can0 124#05", "can0 Pages Mux=5\n"},
+      {"124#0007", "Pages Mux=0 A=7\n"},
+      {"(1.5) 124##10009 T", "(1.5) Pages Mux=0 A=9\n"},
+      {"ca#0 124#0007", "ca#0 Pages Mux=0 A=7\n"},
       {"can0 123#", "can0 Motion\n"},
       {"nonsense", ""},
       {"can0 123", ""},
+      {"123#E R", ""},
+      {"123#00 X", ""},
       {"can0 123#E", ""},
       {"can0 123#0G", ""},
       {"can0 123#00..00", ""},
@@ -75,12 +76,10 @@ TEST(Decode, FormsOfLines) {
       {"can0 123##", ""},
       {"can0 125##0" + zeros + "2A00", ""},
       {"can0 800#00", ""},
-      {"can0 1234#00", ""},
       {"can0 F8FEF117#32", ""},
       {"can0 123#00 X", ""},
       {"(soon) can0 123#00", ""},
       {"(1.5 can0 123#00", ""},
-      {"can0 124 [3] 00 01", ""},
       {"can0 124 [1] 00 01", ""},
       {"can0 124 [9] 00 01 02 03 04 05 06 07 08", ""},
       {"can0 124 [2] 0001", ""},
@@ -99,17 +98,18 @@ TEST(Decode, FormsOfLines) {
 
 TEST(Decode, Formats) {
   const char* const log =
-      "(0012.5) ca,n0 123#010003C8\n(0012.5) ca,n0 18FEF117#32\n(x) \nca,n0 127#0000C07F\n";
+      "(0012.5) ca,n0 123#010003C8\n(0012.5) ca,n0 18FEF117#32\n(x) \n\x1Bn0 127#0000C07F\n"
+      "127#0000803F\n";
   const struct {
     const char* options;
-    std::string out;
+    const char* out;
   } cases[] = {
       {"--format text --numbers",
-       "(0012.5) ca,n0 Motion Speed=0.1 km/h Gear=3 Load=60 \xB0\x43\n"
-       "(0012.5) ca,n0 Group Level=50 %\nca,n0 Ieee Single=nan\n"},
+       "(0012.5) ca,n0 Motion Speed=0.1 km/h Gear=3 Load=60 \u00B0C\n"
+       "(0012.5) ca,n0 Group Level=50 %\n\\x1Bn0 Ieee Single=nan\nIeee Single=1\n"},
       {"--raw",
        "(0012.5) ca,n0 Motion Speed=1 Gear=3 \"say \\\"3\\\", fast\" Load=200\n"
-       "(0012.5) ca,n0 Group Level=50\nca,n0 Ieee Single=nan\n"},
+       "(0012.5) ca,n0 Group Level=50\n\\x1Bn0 Ieee Single=nan\nIeee Single=1\n"},
       {"--format json",
        R"({"time":12.5,"interface":"ca,n0","id":291,"extended":false,"message":"Motion",)"
        R"("signals":{"Speed":0.1,"Gear":3,"Load":60},"texts":{"Gear":"say \"3\", fast"}})"
@@ -117,62 +117,81 @@ TEST(Decode, Formats) {
        R"({"time":12.5,"interface":"ca,n0","id":419361047,"extended":true,"message":"Group",)"
        R"("signals":{"Level":50}})"
        "\n"
-       R"({"interface":"ca,n0","id":295,"extended":false,"message":"Ieee",)"
+       R"({"interface":"\u001Bn0","id":295,"extended":false,"message":"Ieee",)"
        R"("signals":{"Single":null}})"
+       "\n"
+       R"({"time":null,"interface":null,"id":295,"extended":false,"message":"Ieee",)"
+       R"("signals":{"Single":1}})"
        "\n"},
       {"--format csv",
        "time,interface,id,message,signal,raw,value,unit,text\r\n"
        "0012.5,\"ca,n0\",0x123,Motion,Speed,1,0.1,km/h,\r\n"
        "0012.5,\"ca,n0\",0x123,Motion,Gear,3,3,,\"say \"\"3\"\", fast\"\r\n"
-       "0012.5,\"ca,n0\",0x123,Motion,Load,200,60,\xB0\x43,\r\n"
+       "0012.5,\"ca,n0\",0x123,Motion,Load,200,60,\u00B0C,\r\n"
        "0012.5,\"ca,n0\",0x18FEF117,Group,Level,50,50,%,\r\n"
-       ",\"ca,n0\",0x127,Ieee,Single,nan,nan,,\r\n"},
+       ",\\x1Bn0,0x127,Ieee,Single,nan,nan,,\r\n,,0x127,Ieee,Single,1,1,,\r\n"},
       {"--message \"M*n\" --message Gr?up --signal Motion.S*d --signal Level",
        "(0012.5) ca,n0 Motion Speed=0.1 km/h\n(0012.5) ca,n0 Group Level=50 %\n"},
       {"--signal B", ""},
   };
-  for (const auto& c : cases) {
-    const ToolRun run = decode(log, std::string("car.dbc ") + c.options);
-    EXPECT_EQ(run.exit_code, 0) << c.options << run.err;
-    EXPECT_EQ(run.out, c.out) << c.options;
-  }
+  write_file("car.dbc", kCar);
+  write_file("log", log);
+  for (const auto& c : cases)
+    check({std::string("decode car.dbc ") + c.options, 0, c.out, "line 3: not a frame", "log"});
 }
 
 TEST(Decode, Databases) {
   write_file("other.dbc", kOther);
   write_file("can0=other.dbc", kOther);
   write_file("bad.dbc", "BO_ nonsense");
-  const struct {
-    const char* arguments;
-    int exit_code;
-    std::string out;
-    const char* err;
-  } cases[] = {
+  write_file("both.dbc", std::string("VERSION \"\n123#00\n\"\n") + kOther);
+  write_file("car.dbc", kCar);
+  write_file("log", "can0 123#0100\ncan1 123#0100\ncan1 124#05\n");
+  const ToolCase cases[] = {
       {"other.dbc car.dbc", 0, "can0 Other X=1\ncan1 Other X=1\ncan1 Pages Mux=5\n", ""},
       {"can1=other.dbc car.dbc", 0,
        "can0 Motion Speed=0.1 km/h\ncan1 Other X=1\ncan1 Pages Mux=5\n", ""},
       {"can0=car.dbc", 0, "can0 Motion Speed=0.1 km/h\n", ""},
       {"can0=other.dbc", 0, "can0 Other X=1\ncan1 Other X=1\n", ""},  // a file of that name
-      {"bad.dbc other.dbc", 0, "can0 Other X=1\ncan1 Other X=1\n", "bad.dbc, error: syntax"},
-      {"bad.dbc", 1, "", "bad.dbc, error: syntax"},
+      {"both.dbc", 0, "can0 Other X=1\ncan1 Other X=1\n", ""},
+      {"car.dbc log --message Pages", 0, "can1 Pages Mux=5\n", ""},
+      {"log car.dbc --message Pages", 0, "can1 Pages Mux=5\n", ""},
+      {"log", 1, "", "zelk: log is a log, and no database is given"},
+      {"car.dbc log --log other", 1, "", "zelk: other and log are logs, and only one"},
+      {"other.dbc bad.dbc", 1, "",
+       "bad.dbc, error: syntax\nbad.dbc: nor a log for --log: no frame among the first 100 lines, "
+       "line 1: \"BO_ nonsense\"\n"},
+      {"other.dbc .", 1, "", ".: nor a log for --log: not a regular file"},
+      {"missing other.dbc", 1, "", "missing: database: not found"},
       {"car.dbc --log missing", 1, "", "zelk: cannot open missing"},
       {"car.dbc --message Moton", 1, "", "no message is named \"Moton\"; did you mean Motion?"},
       {"car.dbc --signal Motion.B", 1, "", "no signal is named \"Motion.B\""},
       {"car.dbc --format xml", 2, "", "xml"},
       {"car.dbc --threads 0", 2, "", "--threads"},
   };
-  for (const auto& c : cases) {
-    const ToolRun run = decode("can0 123#0100\ncan1 123#0100\ncan1 124#05\n", c.arguments);
-    EXPECT_EQ(run.exit_code, c.exit_code) << c.arguments;
-    EXPECT_EQ(run.out, c.out) << c.arguments;
-    EXPECT_TRUE(contains(run.err, c.err)) << c.arguments << run.err;
-    EXPECT_EQ(run.err.empty(), *c.err == '\0') << c.arguments << run.err;
+  for (ToolCase c : cases) {
+    c.arguments.insert(0, "decode ");
+    c.input = "log";
+    check(c);
   }
+}
+
+TEST(Decode, LogsWithoutFrames) {
+  write_file("car.dbc", kCar);
+  write_file("blank", "\n \n");
+  write_file("one", "x\n123#R\n");
+  write_file("none", "\nx");
+  for (const char* input : {"", "blank"}) check({"decode car.dbc", 0, "", "", input});
+  check({"decode car.dbc", 0, "", "standard input, line 1: not a frame: \"x\"\n", "one"});
+  check({"decode car.dbc", 1, "",
+         "standard input, line 2: not a frame: \"x\"\n"
+         "standard input: not a log: no line is a frame\n",
+         "none"});
 }
 
 TEST(Decode, Statistics) {
   std::string log =
-      "can0 124#0001\ncan0 124#00\n\ncan0 123#R\ncan0 124#R8\ncan0 123 [2] remote request\n"
+      "can0 124#0001\ncan0 124#00\n\n123#R\ncan0 124#R8\ncan0 123 [2] remote request\n"
       "can0 20000080#0000000000000000\ncan0 7FF#\ncan0 7FF#\ncan1 7FF#\ncan0 00000124#\n";
   for (int i = 0; i < 12; ++i) log += "x\n";
   const ToolRun run = decode(log, "car.dbc --stats");
@@ -223,10 +242,10 @@ TEST(Decode, Utf8InJson) {
     const char* description;  // of the value 0, as JSON
   } cases[] = {
       {"\xC2\xB0\x43", "\"\xC2\xB0\x43\""},
-      {"\xB0\x43", "\"\\u00B0C\""},
+      {"\xB0\x43\x80", "\"\u00B0C\u20AC\""},
       {"a\\b\t", R"("a\\b\u0009")"},
-      {"\xC0\x80", "\"\\u00C0\\u0080\""},
-      {"\xED\xA0\x80", R"("\u00ED\u00A0\u0080")"},
+      {"\xC0\x80", "\"\u00C0\u20AC\""},
+      {"\xED\xA0\x80", "\"\u00ED\u00A0\u20AC\""},
       {"\xF0\x9F\x9A\x97", "\"\xF0\x9F\x9A\x97\""},
   };
   for (const auto& c : cases) {
@@ -237,62 +256,22 @@ TEST(Decode, Utf8InJson) {
   }
 }
 
-double number_of(std::string_view text) {
-  double value = NAN;
-  std::from_chars(text.data(), text.data() + text.size(), value);
-  return value;
-}
-
-/// The shortest text of a double without an exponent.
-std::string shortest(double value) {
-  char buffer[400];
-  return {buffer,
-          std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed).ptr};
-}
-
-std::size_t decimals_of(std::string_view text) {
-  const std::size_t point = text.find('.');
-  return point == std::string_view::npos ? 0 : text.size() - point - 1;
-}
-
-// Scales of few decimals give values of no more, and every number is the shortest for its double.
+// Every number is the shortest one for its double; a scale of few decimals gives no more.
 TEST(Decode, Numbers) {
-  const struct {
-    const char* factor;
-    const char* offset;
-    std::size_t decimals;
-  } scales[] = {{"1", "0", 0},         {"0.1", "0", 1},        {"0.01", "-273.15", 2},
-                {"-0.7", "12.345", 3}, {"0.03125", "-273", 5}, {"5E-05", "0", 5},
-                {"1000000", "0.5", 1}, {"1E+12", "0", 0},      {"0.333333333333333333", "0", 20}};
   std::string database = "BS_:\n\nBU_: N\n\nBO_ 1 M: 2 N\n";
-  for (std::size_t i = 0; i < std::size(scales); ++i) {
-    database += " SG_ S" + std::to_string(i) + " : 0|16@1- (" + scales[i].factor + "," +
-                scales[i].offset + ") [0|0] \"\" N\n";
-  }
+  for (const char* scale : {"1,0", "0.1,0", "0.01,-273.15", "-0.7,12.345", "0.03125,-273",
+                            "5E-05,0", "1000000,0.5", "1E+12,0", "0.333333333333333333,0"})
+    database += std::string(" SG_ S : 0|16@1- (") + scale + ") [0|0] \"\" N\n";
   write_file("scales.dbc", database);
-  std::ostringstream log;
-  std::vector<int> raws;
-  for (int raw = -32768; raw < 32768; raw += 7) raws.push_back(raw);
-  for (const int raw : raws) {
-    log << "can0 001#" << std::hex << std::uppercase;
-    for (const int byte : {raw & 0xFF, raw >> 8 & 0xFF}) log << byte / 16 << byte % 16;
-    log << "\n";
-  }
-  std::istringstream out(decode(log.str(), "scales.dbc").out);
-  std::string word;
-  for (const int raw : raws) {
-    out >> word >> word;
-    for (const auto& scale : scales) {
-      out >> word;
-      const std::string text = word.substr(word.find('=') + 1);
-      const double binary = raw * number_of(scale.factor) + number_of(scale.offset);
-      ASSERT_NEAR(number_of(text), binary, 1e-15 * (std::abs(binary) + 300)) << raw << word;
-      if (!contains(text, "e")) {
-        ASSERT_LE(decimals_of(text), scale.decimals) << raw << " " << word;
-        ASSERT_EQ(text, shortest(number_of(text))) << raw << " " << word;
-      }
-    }
-  }
+  write_file("log", "001#3930\n001#0080\n001#0700\n");  // 12345, -32768, 7
+  check({"decode scales.dbc", 0,
+         "M S=12345 S=1234.5 S=-149.7 S=-8629.155 S=112.78125 S=0.61725 S=12345000000.5 "
+         "S=1.2345e+16 S=4115\n"
+         "M S=-32768 S=-3276.8 S=-600.83 S=22949.945 S=-1297 S=-1.6384 S=-32767999999.5 "
+         "S=-3.2768e+16 S=-10922.666666666666\n"
+         "M S=7 S=0.7 S=-273.08 S=7.445 S=-272.78125 S=0.00035 S=7000000.5 S=7000000000000 "
+         "S=2.333333333333333\n",
+         "", "log"});
 }
 
 }  // namespace

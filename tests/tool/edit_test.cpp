@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "support/files.hpp"
 #include "tool_case.hpp"
 
 namespace {
@@ -64,10 +65,10 @@ TEST(Edit, Edits) {
   for (const auto& c : cases) {
     write_file("a.dbc", kNetwork);
     write_file("b.dbc", kNetwork);
-    check({"edit -n b.dbc " + c.edits, 0, c.told + "b.dbc not written\n", ""});
-    check({"diff a.dbc b.dbc", 0, "", ""});
-    check({"edit b.dbc " + c.edits, 0, c.told + "b.dbc written\n", ""});
-    check({"diff a.dbc b.dbc", 1, c.difference, ""});
+    check({"edit -n b.dbc " + c.edits, 0, c.told + "b.dbc not written\n"});
+    check({"diff a.dbc b.dbc", 0, ""});
+    check({"edit b.dbc " + c.edits, 0, c.told + "b.dbc written\n"});
+    check({"diff a.dbc b.dbc", 1, c.difference});
   }
 }
 
@@ -96,38 +97,63 @@ TEST(Edit, WritesAllOrNothing) {
       {"--set-attribute signal:Motion.Page Kind", 2, "--set-attribute"},
       {"--set-comment message:Second x", 1, "shares its identifier"},
       {"--set-attribute signal:Second.T Kind a", 1, "shares its identifier"},
-      {"--output missing/b.dbc", 1, "missing/b.dbc: database: could not write"},
+      {"--output b.kcd", 2, "b.kcd\" is no DBC file"},
   };
   write_file("a.dbc", kNetwork);
   write_file("b.dbc", kNetwork);
   for (const auto& c : cases) {
     check({"edit b.dbc --rename-node Engine Motor " + c.edit, c.exit_code, "", c.err});
-    check({"diff a.dbc b.dbc", 0, "", ""});
+    check({"diff a.dbc b.dbc", 0, ""});
   }
   check({"edit b.dbc -n", 2, "", "at least one edit"});
+  check({"edit b.dbc --output missing/c.dbc --delete-message 201", 1,
+         "message 0x0C9 Twin: deleted, with 0 signals\n", "missing/c.dbc: could not be written"});
   check({"edit b.dbc --output c.dbc --delete-message 201", 0,
-         "message 0x0C9 Twin: deleted, with 0 signals\nc.dbc written\n", ""});
-  check({"diff a.dbc b.dbc", 0, "", ""});
-  check({"diff a.dbc c.dbc", 1, "- message 0x0C9 Twin\n", ""});
+         "message 0x0C9 Twin: deleted, with 0 signals\nc.dbc written\n"});
+  // An output that takes no report leaves the file as it was.
+  EXPECT_EQ(run_tool("edit b.dbc --delete-message 201", Output::kRefused).exit_code, 1);
+  check({"diff a.dbc b.dbc", 0});
+  check({"diff a.dbc c.dbc", 1, "- message 0x0C9 Twin\n"});
 }
 
 // What the command line says in UTF-8 enters the file in its own encoding.
 TEST(Edit, KeepsTheEncodingOfTheFile) {
-  const auto latin = write_file("a.dbc", "VERSION \"\xE4\"\nBS_:\nBU_: A\n");
-  check({"edit a.dbc --set-comment node:A T\u00FCr", 0,
-         "node A: comment \"T\xFCr\"\na.dbc written\n", ""});
+  constexpr const char* kAttribute = "BA_DEF_ \"Gr\xF6\xDF\" ENUM \"a\",\"\x80\";\n";
+  const auto a = write_file("a.dbc", std::string("BS_:\nBU_: A\n") + kAttribute);
+  check({"edit a.dbc --set-comment node:A T\u00FCr --set-attribute network Gr\u00F6\u00DF \u20AC",
+         0,
+         "node A: comment \"T\u00FCr\"\nnetwork: attribute \"Gr\u00F6\u00DF\" = \"\u20AC\" (1)\n"
+         "a.dbc written\n"});
+  EXPECT_NE(bytes_of(a).find("T\xFCr"), std::string::npos);
   check({"edit a.dbc --set-comment node:A \u0416", 1, "", "not in Windows-1252"});
-  const auto utf8 = write_file("b.dbc", "VERSION \"\u00E4\"\nBS_:\nBU_: A\n");
-  check({"edit b.dbc --set-comment node:A T\u00FCr", 0,
-         "node A: comment \"T\u00FCr\"\nb.dbc written\n", ""});
 }
 
-// Numbers of a file have 14 digits.
-TEST(Edit, TellsWhatTheFileHoldsOtherwise) {
-  write_file("a.dbc", "BS_:\nBU_:\nBA_DEF_ \"F\" FLOAT 0 1;\nBA_DEF_DEF_ \"F\" 0;\n");
-  check({"edit a.dbc --set-attribute network F 0.1234567890123456", 0,
-         "network: attribute \"F\" = 0.1234567890123456\na.dbc written\n",
-         "attribute \"F\": 0.1234567890123456 -> 0.12345678901235"});
+// A file keeps 14 digits of a number.
+TEST(Edit, RoundsNothingInSilence) {
+  const std::string file =
+      "BS_:\nBU_: N\nBO_ 1 M: 8 N\n SG_ S : 0|48@1+ (1,0) [0|281474976710655] \"\" N\n"
+      "BA_DEF_ \"F\" FLOAT 0 1;\nBA_DEF_DEF_ \"F\" 0;\nBA_ \"F\" 0.1234567890123456;\n";
+  const char* const renamed = "message 0x001 M: renamed to X\n";
+  const char* const of_signal = "signal X.S: max 281474976710655 would become 281474976710660\n";
+  const ToolCase cases[] = {
+      {"a.dbc --rename-message M X", 1, "", std::string("a.dbc: ") + of_signal},
+      {"a.dbc --rename-message M X --delete-signal X.S", 1, "",
+       "a.dbc: network: attribute \"F\" 0.1234567890123456 would become 0.12345678901235\n"
+       "a.dbc: not written: a file keeps 14 digits"},
+      {"a.dbc --rename-message M X --delete-signal X.S --set-attribute network F "
+       "0.6543210987654321",
+       0,
+       std::string(renamed) + "signal X.S: deleted\nnetwork: attribute \"F\" = "
+                              "0.6543210987654321\na.dbc written\n",
+       "attribute \"F\": 0.6543210987654321 -> 0.65432109876543"},
+      {"a.dbc --allow-rounding --rename-message M X", 0, std::string(renamed) + "a.dbc written\n",
+       "max: 281474976710655 -> 281474976710660"},
+  };
+  for (const ToolCase& c : cases) {
+    const auto path = write_file("a.dbc", file);
+    check({"edit " + c.arguments, c.exit_code, c.out, c.err});
+    EXPECT_EQ(bytes_of(path) == file, c.exit_code == 1) << c.arguments;
+  }
 }
 
 }  // namespace

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "run_tool.hpp"
+#include "tool_case.hpp"
 
 namespace {
 
@@ -35,6 +35,8 @@ TEST(Encode, Frames) {
     const char* err;
   } cases[] = {
       {"Motion", "123#0000000000000000", ""},
+      {"Motion --log", "(0.000000) can0 123#0000000000000000", ""},
+      {"Motion --log --time 12.5 --interface v1", "(12.500000) v1 123#0000000000000000", ""},
       {"0x123 Speed=100 Gear=-1", "123#E8030F0000000000", ""},
       {"291 Speed=100 Torque=-0.5", "123#E80300FFF0000000", ""},
       {"Motion Speed=99.96", "123#E803000000000000", ""},
@@ -93,21 +95,25 @@ TEST(Encode, Frames) {
       {"Pages Leaf=9 Top=1", "", "Top is given a value that does not select Sub (3)"},
   };
   for (const auto& c : cases) {
-    const ToolRun run = run_tool(std::string("encode car.dbc ") + c.arguments);
-    EXPECT_EQ(run.exit_code, *c.out ? 0 : 1) << c.arguments;
-    EXPECT_EQ(run.out, *c.out ? std::string(c.out) + "\n" : "") << c.arguments << run.err;
-    EXPECT_NE(run.err.find(c.err), std::string::npos) << c.arguments << "\n" << run.err;
-    EXPECT_EQ(run.err.empty(), *c.err == '\0') << c.arguments << "\n" << run.err;
+    check({std::string("encode car.dbc ") + c.arguments, *c.out ? 0 : 1,
+           *c.out ? std::string(c.out) + '\n' : "", c.err});
   }
+  for (const char* options :
+       {"--time 1", "--interface can0", "--log --time 1e3", "--log --time -1", "--log --time .5",
+        "--log --time 1.0000001", "--log --interface \"a b\"", "--log --interface \"(a\""})
+    check({std::string("encode car.dbc Motion ") + options, 2, "", "zelk: --"});
 }
 
 // What was encoded is what is decoded.
 TEST(Encode, ThereAndBack) {
   write_file("car.dbc", kCar);
-  write_file("log",
-             "can0 " + run_tool("encode car.dbc Motion Speed=123.4 Gear=R Torque=-17.5").out);
-  EXPECT_EQ(run_tool("decode car.dbc --signal Speed --signal Gear --signal Torque --log log").out,
-            "can0 Motion Speed=123.4 km/h Gear=-1 \"R\" Torque=-17.5\n");
+  const std::string values = "Motion Speed=123.4 Gear=R Torque=-17.5";
+  const std::string out = "Motion Speed=123.4 km/h Gear=-1 \"R\" Torque=-17.5\n";
+  write_file("frame", run_tool("encode car.dbc " + values).out);
+  write_file("line", run_tool("encode car.dbc --log " + values).out);
+  const std::string decode = "decode car.dbc --signal Speed --signal Gear --signal Torque";
+  check({decode, 0, out, "", "frame"});
+  check({decode, 0, "(0.000000) can0 " + out, "", "line"});
 }
 
 }  // namespace

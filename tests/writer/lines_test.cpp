@@ -73,7 +73,14 @@ TEST(Lines, NewSymbolsAreListedWhereTheyMayBeNeeded) {
   EXPECT_EQ(written(values_alone).find("NS_"), std::string::npos);
 
   Database announcing;
-  ASSERT_EQ(announcing.read("NS_ : FOO_ CM_ BAR_ BS_: BU_: CM_ \"c\";"), 0u);
+  ASSERT_EQ(announcing.read("NS_ : FOO_ T_ CM_ R_ BAR_ BS_: BU_: BO_ 1 M: 8 A SG_ S : 0|8 (1,0) "
+                            "[0|0] \"\" A\n"),
+            0u);
+  symblk transmitter{}, receiver{};  // in no list of nodes
+  transmitter.name = const_cast<char*>("T_");
+  receiver.name = const_cast<char*>("R_");
+  announcing.messages->transmitter = &transmitter;
+  announcing.messages->signals->receivers->node = &receiver;
   EXPECT_NE(written(announcing).find("\tSG_MUL_VAL_\n\tFOO_\n\tBAR_\n\nBS_:"), std::string::npos);
 }
 
@@ -97,6 +104,9 @@ void expect_lines(const std::vector<EditCase>& cases) {
       if (old_line != old_lines.end()) old_lines.erase(old_line);
     }
     EXPECT_EQ(changed, with_quotes(c.lines));
+    Database read_back;
+    EXPECT_EQ(read_back.read(after.str()) == 0, fault_of(sample).empty())
+        << c.lines << read_back.reported;
   }
 }
 

@@ -9,7 +9,6 @@
 namespace {
 
 using testing::HasSubstr;
-using testing::Not;
 using Names = std::vector<std::string>;
 
 // 32 characters, the first 27 of them, and the substitute of an empty name.
@@ -132,19 +131,6 @@ TEST(ShortNames, WithADefinitionOfTheUser) {
         << c.name << c.kind;
     const std::string definition = quoted + " STRING ;";
     EXPECT_EQ(text.find(definition) == text.rfind(definition), c.counts) << c.name << c.kind;
-  }
-}
-
-TEST(ShortNames, AreAskedForByKind) {
-  Database database;
-  append_named(database.nodes, zelk_create_symbol(), kPrefix + "n");
-  append_named(database.nodes, zelk_create_symbol(), "");
-  append_named(database.messages, zelk_create_msgblk(), "");
-  const std::string text = written(database);
-  EXPECT_THAT(text, HasSubstr("BO_ 0 invalidShortSymbolicName: 1 "));
-  EXPECT_THAT(text, HasSubstr("\"SystemNodeLongSymbol\" STRING"));
-  for (const char* other : {"SystemSignal", "SystemMessage", "SystemEnvVar"}) {
-    EXPECT_THAT(text, Not(HasSubstr(other)));
   }
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string>
 
 #include "attributes.hpp"
 #include "text.hpp"
@@ -40,10 +41,14 @@ Cell default_cell(const attr_def& definition) {
                  : number_cell(definition, definition.default_value.number);
 }
 
-const attr_def* find_definition(const ZelkDatabase& database, zelk_obj_t type,
-                                std::string_view name) {
-  for (const attr_def& definition : each(database.attr_defs))
-    if (definition.object_type == type && view(definition.name) == name) return &definition;
+const attr_def* find_definition(EncodedDatabase database, zelk_obj_t type, std::string_view name,
+                                NameSuggestion* others) {
+  for (const attr_def& definition : each(database.records.attr_defs)) {
+    if (definition.object_type != type) continue;
+    const std::string own = to_utf8(view(definition.name), database.encoding);
+    if (own == name) return &definition;
+    if (others) others->add(own);
+  }
   return nullptr;
 }
 

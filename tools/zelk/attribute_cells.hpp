@@ -8,6 +8,7 @@
 
 #include "cell.hpp"
 #include "database.hpp"
+#include "lookup.hpp"
 
 namespace zelk::tool {
 
@@ -17,9 +18,12 @@ Cell value_cell(const attr& value);
 /// The default, likewise.
 Cell default_cell(const attr_def& definition);
 
-/// The definition of the attribute `name` for one kind of objects; null when there is none.
-const attr_def* find_definition(const ZelkDatabase& database, zelk_obj_t type,
-                                std::string_view name);
+/// The definition of the attribute `name`, in UTF-8, for one kind of objects; null when there is
+/// none.
+///
+/// @param others  gathers the names of the kind's definitions; null for nothing
+const attr_def* find_definition(EncodedDatabase database, zelk_obj_t type, std::string_view name,
+                                NameSuggestion* others = nullptr);
 
 /// The value that an object with the attribute values `values` has: its own, else the default.
 ///

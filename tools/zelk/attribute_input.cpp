@@ -17,10 +17,17 @@ namespace zelk::tool {
 
 namespace {
 
-[[noreturn]] void fail(const attr_def& definition, std::string_view text, std::string_view fault) {
-  throw RequestError(fmt::format("{} {} of the attribute {}, which is {}", in_quotes(text), fault,
-                                 in_quotes(view(definition.name)), shown_type(definition)));
-}
+/// An attribute whose value is wanted.
+struct Attribute {
+  const attr_def& definition;
+  Encoding encoding;
+
+  [[noreturn]] void fail(std::string_view text, std::string_view fault) const {
+    throw RequestError(fmt::format("{} {} of the attribute {}, which is {}", in_quotes(text), fault,
+                                   in_quotes(to_utf8(view(definition.name), encoding)),
+                                   shown_type(definition, encoding)));
+  }
+};
 
 /// All of `text` as a number; none also for infinities.
 std::optional<double> parse_decimal(std::string_view text) {
@@ -55,36 +62,39 @@ std::optional<double> index_of(std::string_view items, std::string_view item) {
   }
 }
 
-double parse_item(const attr_def& definition, const std::string& text) {
-  const std::string_view items = view(definition.enum_values);
+double parse_item(const Attribute& attribute, const std::string& text) {
+  const std::string items = to_utf8(view(attribute.definition.enum_values), attribute.encoding);
   if (const std::optional<double> index = index_of(items, text)) return *index;
   const std::optional<std::uint32_t> index = parse_id(text);
   if (!index || *index > static_cast<std::uint64_t>(std::ranges::count(items, '\n')))
-    fail(definition, text, "is no item");
+    attribute.fail(text, "is no item");
   return *index;
 }
 
-double parse_in_range(const attr_def& definition, const std::string& text) {
+double parse_in_range(const Attribute& attribute, const std::string& text) {
+  const attr_def& definition = attribute.definition;
   const std::optional<double> number = parse_number(text);
   const bool is_whole = definition.value_type != ZELK_ATTR_FLOAT;
   if (!number || (is_whole && *number != std::floor(*number)))
-    fail(definition, text, is_whole ? "is no whole number, as are the values" : "is no number");
+    attribute.fail(text, is_whole ? "is no whole number, as are the values" : "is no number");
   const bool has_range = definition.minimum != 0 || definition.maximum != 0;
   if (has_range && (*number < definition.minimum || *number > definition.maximum))
-    fail(definition, text, "is out of the range");
+    attribute.fail(text, "is out of the range");
   return *number;
 }
 
 }  // namespace
 
-zelk_attr_value_t parse_attribute_value(const attr_def& definition, std::string& text) {
+zelk_attr_value_t parse_attribute_value(const attr_def& definition, std::string& text,
+                                        Encoding encoding) {
   zelk_attr_value_t value{};
   if (definition.value_type == ZELK_ATTR_STRING) {
+    text = stored(text, encoding);
     value.text = text.data();
   } else if (definition.value_type == ZELK_ATTR_ENUM) {
-    value.number = parse_item(definition, text);
+    value.number = parse_item({definition, encoding}, text);
   } else {
-    value.number = parse_in_range(definition, text);
+    value.number = parse_in_range({definition, encoding}, text);
   }
   return value;
 }

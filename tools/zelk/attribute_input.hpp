@@ -6,6 +6,7 @@
 
 #include <string>
 
+#include "text_encoding.hpp"
 #include "zelk/records.h"
 
 namespace zelk::tool {
@@ -15,9 +16,11 @@ namespace zelk::tool {
 /// @param text  for a STRING the text itself; for an ENUM one of its items, or else the index of
 /// one; for others a number within the definition's range, which does not count when both ends are
 /// 0: a whole one, decimal or hexadecimal behind "0x", for INT and HEX
+/// @param encoding  of the database; a STRING makes `text` be in it
 /// @return whose text, of a STRING, is that of `text`
 /// @throws RequestError when it is none of these
-zelk_attr_value_t parse_attribute_value(const attr_def& definition, std::string& text);
+zelk_attr_value_t parse_attribute_value(const attr_def& definition, std::string& text,
+                                        Encoding encoding);
 
 }  // namespace zelk::tool
 

@@ -59,28 +59,29 @@ std::string_view attribute_text(const attr* values, const attr_def* definition) 
   return default_text(*definition);
 }
 
-std::string shown_value(const attr& value) {
-  if (value.def->value_type == ZELK_ATTR_STRING) return in_quotes(view(value.value.text));
+std::string shown_value(const attr& value, Encoding encoding) {
+  if (value.def->value_type == ZELK_ATTR_STRING)
+    return in_quotes(to_utf8(view(value.value.text), encoding));
   const double number = value.value.number;
   if (value.def->value_type != ZELK_ATTR_ENUM) return shown_number(*value.def, number);
   const std::optional<std::string_view> item = item_at(*value.def, number);
-  return item ? fmt::format("{} ({})", in_quotes(*item), number)
+  return item ? fmt::format("{} ({})", in_quotes(to_utf8(*item, encoding)), number)
               : fmt::format("{} (no such item)", number);
 }
 
-std::string shown_default(const attr_def& definition) {
-  return is_text(definition) ? in_quotes(default_text(definition))
+std::string shown_default(const attr_def& definition, Encoding encoding) {
+  return is_text(definition) ? in_quotes(to_utf8(default_text(definition), encoding))
                              : shown_number(definition, definition.default_value.number);
 }
 
-std::string shown_type(const attr_def& definition) {
+std::string shown_type(const attr_def& definition, Encoding encoding) {
   switch (definition.value_type) {
     case ZELK_ATTR_STRING:
       return "STRING";
     case ZELK_ATTR_ENUM: {
       std::string text = "ENUM";
       for (const char* rest = definition.enum_values; rest;)
-        text += (text.size() == 4 ? " " : ", ") + in_quotes(take_item(rest));
+        text += (text.size() == 4 ? " " : ", ") + in_quotes(to_utf8(take_item(rest), encoding));
       return text;
     }
     default:

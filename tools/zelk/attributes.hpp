@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "text_encoding.hpp"
 #include "zelk/records.h"
 
 namespace zelk::tool {
@@ -23,13 +24,13 @@ std::string_view default_text(const attr_def& definition);
 std::string_view attribute_text(const attr* values, const attr_def* definition);
 
 /// A value as it is shown: 5, 0x1F (31), "text", "item" (0).
-std::string shown_value(const attr& value);
+std::string shown_value(const attr& value, Encoding encoding);
 
 /// A default as it is shown.
-std::string shown_default(const attr_def& definition);
+std::string shown_default(const attr_def& definition, Encoding encoding);
 
 /// The type of a definition with its range or items: "INT 0 to 100", "ENUM "a", "b"", "STRING".
-std::string shown_type(const attr_def& definition);
+std::string shown_type(const attr_def& definition, Encoding encoding);
 
 /// What a definition applies to: "message", "node and received signal", ...
 std::string_view object_kind(const attr_def& definition);

@@ -4,17 +4,21 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "zelk/records.h"
 
 // Grammar of a line. Blanks and tabs part the words, and may stand around them.
 //
-//   line      = [ "(" time ")" ] interface ( log | terminal )
+// clang-format off
+//   line      = [ "(" time ")" ] ( interface ( log | terminal ) | log )
 //   log       = frame [ "R" | "T" ]
 //   frame     = id "#" ( data [ "_" hex ] | "R" [ hex ] [ "_" hex ] ) | id "##" flags data
-//   terminal  = [ ( "RX" | "TX" ) flag flag ] id "[" length "]" ( bytes [ remark ] | "remote
-//   request" ) id        = 3 hex (11 bits) | 8 hex (29 bits; with bit 29 an error frame) data = {
-//   hex hex [ "." ] } remark    = "'" the data as characters "'" | "ERRORFRAME"
+//   terminal  = [ ( "RX" | "TX" ) flag flag ] id "[" length "]" ( bytes [ remark ] | "remote request" )
+//   id        = 3 hex (11 bits) | 8 hex (29 bits; with bit 29 an error frame)
+//   data      = { hex hex [ "." ] }
+//   remark    = "'" the data as characters "'" | "ERRORFRAME"
+// clang-format on
 
 namespace zelk::tool {
 
@@ -26,7 +30,6 @@ constexpr std::uint32_t kLargestStandardId = 0x7FF;
 constexpr std::uint32_t kLargestExtendedId = 0x1FFFFFFF;
 constexpr std::uint32_t kErrorFlag = 0x20000000;
 constexpr std::size_t kLongestTime = 40;
-constexpr std::size_t kLongestInterface = 64;
 
 constexpr std::int8_t kNoDigit = -1;
 
@@ -68,6 +71,9 @@ std::string_view take_word(std::string_view& text) {
   skip_blanks(text);
   return word;
 }
+
+/// What may stand behind a frame of the log form: nothing, or whether it was received or sent.
+bool is_direction(std::string_view text) { return text.empty() || text == "R" || text == "T"; }
 
 /// A number of seconds or a date: nothing that an output would have to escape.
 bool is_time(std::string_view text) {
@@ -219,10 +225,11 @@ LogLine parse_log_line(std::string_view line, LogFrame& frame) {
   if (line.empty()) return LogLine::kBlank;
   if (!take_time(line, frame)) return LogLine::kMalformed;
   frame.interface_name = take_word(line);
+  std::string_view word = take_word(line);
+  if (line.empty() && is_direction(word)) word = std::exchange(frame.interface_name, {});
   if (frame.interface_name.size() > kLongestInterface) return LogLine::kMalformed;
-  const std::string_view word = take_word(line);
   if (word.find('#') == std::string_view::npos) return parse_terminal(word, line, frame);
-  if (!line.empty() && line != "R" && line != "T") return LogLine::kMalformed;
+  if (!is_direction(line)) return LogLine::kMalformed;
   return parse_frame(word, frame);
 }
 

@@ -14,6 +14,7 @@ namespace zelk::tool {
 
 inline constexpr std::size_t kClassicDataBytes = 8;
 inline constexpr std::size_t kFdDataBytes = 64;
+inline constexpr std::size_t kLongestInterface = 64;  // bytes of its name
 
 /// What a line of a log tells.
 enum class LogLine {

@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "database.hpp"
-#include "quoting.hpp"
 #include "text.hpp"
 
 namespace zelk::tool {
@@ -27,6 +26,12 @@ std::string shown_element(const Json& value) {
   }
   return fmt::format("{}={}", shown_number(value.at("value"), 0),
                      in_quotes(value.at("text").get_ref<const std::string&>()));
+}
+
+void make_utf8(Json& value, Encoding encoding) {
+  if (value.is_string()) value = to_utf8(value.get_ref<const std::string&>(), encoding);
+  if (!value.is_structured()) return;
+  for (Json& element : value) make_utf8(element, encoding);
 }
 
 }  // namespace
@@ -62,6 +67,11 @@ Cell node_names(const rxblk* links) {
   return list;
 }
 
+Cell in_utf8(Cell cell, Encoding encoding) {
+  make_utf8(cell.value, encoding);
+  return cell;
+}
+
 std::string shown(const Cell& cell) {
   const Json& value = cell.value;
   if (value.is_null()) return {};
@@ -75,13 +85,6 @@ std::string shown(const Cell& cell) {
 
 std::string plain(const Cell& cell) {
   return cell.value.is_string() ? cell.value.get<std::string>() : shown(cell);
-}
-
-Json in_utf8(Json value) {
-  if (value.is_string()) return utf8(value.get_ref<const std::string&>());
-  if (value.is_structured())
-    for (Json& element : value) element = in_utf8(std::move(element));
-  return value;
 }
 
 }  // namespace zelk::tool

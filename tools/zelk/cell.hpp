@@ -9,14 +9,15 @@
 #include <string>
 #include <string_view>
 
+#include "text_encoding.hpp"
 #include "zelk/records.h"
 
 namespace zelk::tool {
 
 using Json = nlohmann::ordered_json;
 
-/// One value: null for none, a number, true or false, a text as the file has it, or a list of texts
-/// or value descriptions (`value_descriptions`).
+/// One value: null for none, a number, true or false, a text, or a list of texts or value
+/// descriptions (`value_descriptions`). Texts are those of records until they go through `in_utf8`.
 struct Cell {
   Json value;
   int hex_digits = 0;  ///< other than 0: shown behind "0x" with at least so many digits
@@ -35,15 +36,15 @@ Cell value_descriptions(const val* values);  ///< [{"value":0,"text":"Off"}, ...
 /// The names of linked nodes; a null link has none and is left out.
 Cell node_names(const rxblk* links);
 
+/// The value with its texts in UTF-8, as everything that shows or compares it wants it.
+Cell in_utf8(Cell cell, Encoding encoding);
+
 /// As in a table: texts `escaped`, the elements of a list parted by ", ", empty ones as "", value
 /// descriptions as 0="Off"; empty for none.
 std::string shown(const Cell& cell);
 
 /// As in CSV: as in a table, but a text with all its characters as they are.
 std::string plain(const Cell& cell);
-
-/// As in JSON, with texts in UTF-8: one that is not is taken as Latin-1.
-Json in_utf8(Json value);
 
 }  // namespace zelk::tool
 

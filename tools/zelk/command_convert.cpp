@@ -5,7 +5,9 @@
 #include "commands.hpp"
 #include "database.hpp"
 #include "formats.hpp"
+#include "importing.hpp"
 #include "lookup.hpp"
+#include "quoting.hpp"
 #include "read_back.hpp"
 #include "system.hpp"
 #include "text.hpp"
@@ -27,97 +29,49 @@ struct Arguments {
   std::string export_function = "zelk_export";
 };
 
-/// Makes databases that are for no file yet, of files that may be read-only.
-class FileImporter : public ZelkImporter {
- public:
-  using ZelkImporter::ZelkImporter;
-
-  ZelkError Import(const char* db, const char** name, const char* file) override {
-    status_ = 1;
-    zelk_clear_error_text();
-    const char* stored = nullptr;
-    auto& manager = static_cast<ZelkWriteManager&>(manager_);
-    const ZelkError created = manager.CreateDatabase(db, &stored, nullptr);
-    if (created != ZelkErrorOk) return created;
-    const ZelkError error = FillDatabase(stored, file);
-    if (error == ZelkErrorOk) *name = stored;
-    return error;
-  }
-};
-
-bool exists(const ZelkManager& manager, const std::string& path) {
-  return manager.GetDatabaseFileInfo(path.c_str()) != ZelkErrorFileNotFound;
-}
-
 /// Tells what the library and a module noted about a file.
 ///
 /// @param fallback  what is told of a failure of which nothing was noted
 void tell_notes(const std::string& path, bool is_success, const char* fallback) {
-  const std::vector<std::string> lines = escaped_lines(zelk_get_error_text());
+  const std::vector<std::string> lines = escaped_lines(utf8(zelk_get_error_text()));
   for (const std::string& line : lines)
     print_error(behind_path(path, is_success ? "warning: " + line : line));
   if (!is_success && lines.empty()) print_error(behind_path(path, fallback));
-}
-
-/// Tells why a module cannot be used.
-///
-/// @return whether it can
-bool check_module(const ZelkManager& manager, const ZelkConverter& converter,
-                  const std::string& module, const std::string& function) {
-  std::string fault;
-  if (!exists(manager, module)) {
-    fault = "no such module";
-  } else if (converter.Status() != 0) {
-    fault = "cannot be loaded as a module";
-  } else if (!converter.GetFunction(function.c_str())) {
-    fault = fmt::format("the module has no function {}", in_quotes(function));
-  }
-  if (!fault.empty()) print_error(behind_path(module, fault));
-  return fault.empty();
-}
-
-/// The database of a file of another format; null when that fails, which has been told.
-const char* import(const Arguments& arguments, ZelkWriteManager& manager) {
-  FileImporter importer(manager, arguments.from.module.c_str(), arguments.import_function.c_str());
-  if (!check_module(manager, importer, arguments.from.module, arguments.import_function))
-    return nullptr;
-  if (!exists(manager, arguments.in)) {
-    print_error(
-        behind_path(arguments.in, zelk_format_error(ZELK_ERR_NOT_FOUND, 0, arguments.in.c_str())));
-    return nullptr;
-  }
-  importer.SetOption(arguments.option.c_str());
-  const char* name = nullptr;
-  const ZelkError error = importer.Import("converted", &name, arguments.in.c_str());
-  tell_notes(arguments.in, error == ZelkErrorOk, "cannot be imported");
-  return error == ZelkErrorOk ? name : nullptr;
 }
 
 /// Writes a file of another format.
 ///
 /// @return false when that fails, which has been told
 bool export_database(const Arguments& arguments, ZelkWriteManager& manager, const char* name) {
-  ZelkExporter exporter(manager, arguments.to.module.c_str(), arguments.export_function.c_str());
-  if (!check_module(manager, exporter, arguments.to.module, arguments.export_function))
+  const ModuleCall call = {arguments.to.module, arguments.export_function, arguments.option};
+  ZelkExporter exporter(manager, call.module.c_str(), call.function.c_str());
+  const std::string fault = fault_of(manager, exporter, call);
+  if (!fault.empty()) {
+    print_error(behind_path(call.module, fault));
     return false;
-  exporter.SetOption(arguments.option.c_str());
+  }
+  exporter.SetOption(call.option.c_str());
   const HeldSignals held;
   const ZelkError error = exporter.Export(name, arguments.out.c_str());
   tell_notes(arguments.out, error == ZelkErrorOk, "cannot be exported");
   return error == ZelkErrorOk;
 }
 
-bool write(const Arguments& arguments, ZelkWriteManager& manager, const char* name) {
+bool write(const Arguments& arguments, ZelkWriteManager& manager, const OpenedDatabase& opened) {
   try {
-    check_read_back(*manager.GetDatabase(name), arguments.out);
+    check_read_back({*opened.database, opened.encoding}, arguments.out);
   } catch (const RequestError& error) {
     print_error(behind_path(arguments.out, error.what()));
     return false;
   }
   const HeldSignals held;
-  const ZelkError error = manager.WriteDatabase(name, arguments.out.c_str());
-  if (error == ZelkErrorOk) return true;
-  print_error(behind_path(arguments.out, write_complaint(error, *manager.GetDatabase(name))));
+  zelk_clear_error_text();
+  const ZelkError error = manager.WriteDatabase(opened.name, arguments.out.c_str());
+  if (error == ZelkErrorOk) {
+    tell_save_notes(*opened.database, arguments.out);
+    return true;
+  }
+  print_error(behind_path(arguments.out, write_complaint(error, *opened.database)));
   return false;
 }
 
@@ -127,11 +81,15 @@ ExitCode convert(const Arguments& arguments) {
     print_error(behind_path(arguments.out, "exists already, and is not replaced"));
     return kExitFailure;
   }
-  const char* const name = arguments.from.is_own() ? open_and_report(manager, arguments.in).name
-                                                   : import(arguments, manager);
-  if (!name) return kExitFailure;
-  const bool is_written = arguments.to.is_own() ? write(arguments, manager, name)
-                                                : export_database(arguments, manager, name);
+  const OpenedDatabase opened =
+      arguments.from.is_own()
+          ? open_database(manager, arguments.in)
+          : import_database(manager, arguments.in, "converted",
+                            {arguments.from.module, arguments.import_function, arguments.option});
+  tell_reports(opened, arguments.in);
+  if (!opened.database) return kExitFailure;
+  const bool is_written = arguments.to.is_own() ? write(arguments, manager, opened)
+                                                : export_database(arguments, manager, opened.name);
   return is_written ? kExitSuccess : kExitFailure;
 }
 

@@ -2,16 +2,18 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <system_error>
 #include <thread>
 #include <vector>
 
 #include "commands.hpp"
+#include "file_type.hpp"
 #include "frame_catalog.hpp"
 #include "frame_writer.hpp"
 #include "log_input.hpp"
 #include "log_pipeline.hpp"
+#include "log_probe.hpp"
 #include "log_reports.hpp"
+#include "system.hpp"
 #include "text.hpp"
 
 namespace zelk::tool {
@@ -46,16 +48,49 @@ ExitCode decode_log(const Arguments& arguments, const FrameCatalog& catalog, Log
   LogReport report(input.name());
   LogPipeline pipeline(catalog, input, out, report);
   pipeline.run(threads_for(input, arguments.threads));
+  out.flush();
   report.tell_rest();
   if (arguments.stats) report.tell_counts(pipeline.unknown());
-  return kExitSuccess;
+  if (NotedStop::is_requested()) return kExitInterrupted;
+  return report.is_of_a_log() ? kExitSuccess : kExitFailure;
+}
+
+bool take_log(std::optional<std::string>& log, const std::string& path) {
+  if (log) {
+    print_error(fmt::format("zelk: {} and {} are logs, and only one can be decoded at a time",
+                            escaped(*log), escaped(path)));
+    return false;
+  }
+  log = path;
+  return true;
+}
+
+/// Opens a database, or takes the argument for the log. A file that begins like a log is still a
+/// database when it can be read as one; what is neither is reported with both reasons.
+bool take_argument(const std::string& argument, FrameCatalog& catalog,
+                   std::optional<std::string>& log) {
+  if (!exists(argument)) return catalog.open(argument);
+  const std::optional<std::string> why_not = why_no_log(argument);
+  if (!why_not && !DatabaseFile().open(argument)) return take_log(log, argument);
+  if (catalog.open(argument)) return true;
+  if (why_not) print_error(fmt::format("{}: nor a log for --log: {}", escaped(argument), *why_not));
+  return false;
 }
 
 ExitCode decode(const Arguments& arguments, Output& out) {
   FrameCatalog catalog(arguments.options);
-  for (const std::string& database : arguments.databases) catalog.open(database);
-  if (catalog.empty() || !catalog.check_filter()) return kExitFailure;
-  LogInput input(arguments.log);
+  std::optional<std::string> log = arguments.log;
+  bool all = true;
+  for (const std::string& argument : arguments.databases)
+    all &= take_argument(argument, catalog, log);
+  if (!all) return kExitFailure;
+  if (catalog.empty()) {
+    print_error(fmt::format("zelk: {} is a log, and no database is given", escaped(*log)));
+    return kExitFailure;
+  }
+  if (!catalog.check_filter()) return kExitFailure;
+  const NotedStop stop;
+  LogInput input(log);
   return decode_log(arguments, catalog, input, out);
 }
 
@@ -82,13 +117,14 @@ void add_decode_command(CLI::App& app, Action& action) {
   command
       ->add_option("DATABASE", arguments->databases,
                    "Databases to read; INTERFACE=FILE for the frames of one interface only. The\n"
-                   "first one with a frame's identifier counts.")
+                   "first one with a frame's identifier counts. A file that is no database but\n"
+                   "begins like a log is taken for the log.")
       ->required()
       ->option_text("...");
   command
       ->add_option("--log", arguments->log,
-                   "Log to decode, as candump writes it, to a file or a terminal; else it comes\n"
-                   "from standard input")
+                   "Log to decode, as candump writes it, to a file or a terminal, or of frames\n"
+                   "alone such as 123#DEADBEEF; else it comes from standard input")
       ->type_name("FILE");
   command
       ->add_option("--format", arguments->format,

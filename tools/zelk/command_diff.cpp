@@ -50,12 +50,12 @@ Json json_of(const Difference& difference) {
 ExitCode diff(const Arguments& arguments, Output& out) {
   DatabaseFile old_file;
   DatabaseFile new_file;
-  const ZelkDatabase* const before = open_and_report(old_file, arguments.before);
-  const ZelkDatabase* const after = open_and_report(new_file, arguments.after);
-  if (!before || !after) return kExitTrouble;
+  const bool has_before = open_and_report(old_file, arguments.before) != nullptr;
+  const bool has_after = open_and_report(new_file, arguments.after) != nullptr;
+  if (!has_before || !has_after) return kExitTrouble;
   bool differs = false;
   JsonArray array(out);
-  for_each_difference(*before, *after, [&](const Difference& difference) {
+  for_each_difference(old_file.encoded(), new_file.encoded(), [&](const Difference& difference) {
     differs = true;
     if (arguments.json) {
       array.element(json_of(difference));

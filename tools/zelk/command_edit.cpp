@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <map>
 #include <memory>
 #include <string>
@@ -6,9 +7,10 @@
 #include "commands.hpp"
 #include "database.hpp"
 #include "database_editor.hpp"
-#include "file_encoding.hpp"
+#include "formats.hpp"
 #include "lookup.hpp"
 #include "read_back.hpp"
+#include "rounding.hpp"
 #include "system.hpp"
 #include "text.hpp"
 
@@ -51,6 +53,7 @@ struct Arguments {
   std::string path;
   std::string output;  // empty for `path`
   bool dry_run = false;
+  bool allow_rounding = false;
   std::vector<Edit> edits;  // in the order of the command line
 
   const std::string& target() const { return output.empty() ? path : output; }
@@ -58,11 +61,10 @@ struct Arguments {
 
 /// Makes the edits one after the other, and tells what each did.
 std::vector<std::string> apply_edits(const Arguments& arguments, DatabaseEditor& editor) {
-  const FileEncoding encoding(arguments.path);
   std::vector<std::string> told;
   for (const Edit& edit : arguments.edits) {
     try {
-      std::vector<std::string> words = encoding.stored(edit.words);
+      std::vector<std::string> words = edit.words;
       told.push_back((editor.*edit.kind->apply)(words));
     } catch (const RequestError& error) {
       throw RequestError(fmt::format("{}: {}", edit.kind->option, error.what()));
@@ -77,8 +79,29 @@ void write(const Arguments& arguments, ZelkWriteManager& manager, const OpenedDa
   if (!opened.database->IsPathEqual(arguments.path.c_str()))
     throw RequestError("somebody has changed the file meanwhile");
   const char* const path = arguments.output.empty() ? nullptr : arguments.output.c_str();
+  zelk_clear_error_text();
   const ZelkError error = manager.WriteDatabase(opened.name, path);
   if (error != ZelkErrorOk) throw RequestError(write_complaint(error, *opened.database));
+  tell_save_notes(*opened.database, arguments.target());
+}
+
+/// What edits leave behind must fit into a file; numbers that they do not touch must stay.
+///
+/// @param before  numbers that were rounded already when nothing had been edited
+/// @throws RequestError
+void check_result(const Arguments& arguments, const OpenedDatabase& opened,
+                  const std::vector<Rounding>& before) {
+  if (opened.database->SymbolsShortenedOnRead())
+    throw RequestError(write_complaint(ZelkErrorNotWritten, *opened.database));
+  const EncodedDatabase database = {*opened.database, opened.encoding};
+  if (!arguments.allow_rounding) {
+    std::vector<Rounding> untouched = roundings_of(database);
+    std::erase_if(untouched, [&before](const Rounding& rounding) {
+      return std::ranges::find(before, rounding) == before.end();
+    });
+    check_roundings(untouched, arguments.target(), false);
+  }
+  check_read_back(database, arguments.target());
 }
 
 ExitCode edit(const Arguments& arguments, Output& out) {
@@ -88,14 +111,15 @@ ExitCode edit(const Arguments& arguments, Output& out) {
   const std::string* place = &arguments.path;  // what a fault is about
   try {
     if (!manager.LockDatabase(opened.name, "it is being edited")) throw RequestError("locked");
-    DatabaseEditor editor(manager, opened.name);
+    const std::vector<Rounding> roundings = roundings_of({*opened.database, opened.encoding});
+    DatabaseEditor editor(manager, opened);
     const std::vector<std::string> told = apply_edits(arguments, editor);
     place = &arguments.target();
-    if (opened.database->SymbolsShortenedOnRead())
-      throw RequestError(write_complaint(ZelkErrorNotWritten, *opened.database));
-    check_read_back(*opened.database, *place);
-    if (!arguments.dry_run) write(arguments, manager, opened);
+    check_result(arguments, opened, roundings);
+    // An output that does not take the report ends the program here, with the file as it was.
     for (const std::string& line : told) out.line("{}", line);
+    out.flush();
+    if (!arguments.dry_run) write(arguments, manager, opened);
   } catch (const RequestError& error) {
     print_error(behind_path(*place, error.what()));
     return kExitFailure;
@@ -135,12 +159,19 @@ void add_edit_command(CLI::App& app, Action& action) {
       "edits can be made.\n\n" +
       command->get_footer());
   const auto arguments = std::make_shared<Arguments>();
-  command->add_option("FILE", arguments->path, "Database to edit")->required()->option_text(" ");
+  command->add_option("FILE", arguments->path, "Database to edit")
+      ->required()
+      ->option_text(" ")
+      ->check(fault_of_other_format);
   command
       ->add_option("--output", arguments->output,
                    "File to write in its place; one that is there is replaced")
-      ->type_name("OUT");
+      ->type_name("OUT")
+      ->check(fault_of_other_format);
   command->add_flag("-n,--dry-run", arguments->dry_run, "Only tells what would change");
+  command->add_flag("--allow-rounding", arguments->allow_rounding,
+                    "Write although numbers that are not edited have more digits than the 14\n"
+                    "that a file keeps, and are rounded");
   std::map<const CLI::Option*, const EditKind*> kinds;
   const auto keep_results = [](const std::vector<std::string>&) {};  // `edits_of` asks for them
   for (const EditKind& kind : kEditKinds) {

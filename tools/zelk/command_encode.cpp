@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <string>
@@ -22,6 +23,9 @@ struct Arguments {
   std::vector<std::string> signals;
   std::optional<std::string> from;
   ValueOptions values;
+  bool log = false;  // a whole line of a log, and not the frame alone
+  std::string time = "0";
+  std::string interface_name = "can0";
 };
 
 bool has_fd_format(const ZelkDatabase& database, const msgblk& message) {
@@ -58,7 +62,10 @@ LogFrame parse_given_frame(const ZelkDatabase& database, const msgblk& message,
   return frame;
 }
 
-LogFrame encoded(const ZelkDatabase& database, const Arguments& arguments) {
+LogFrame encoded(EncodedDatabase of, const Arguments& arguments) {
+  const ZelkDatabase& database = of.records;
+  ValueOptions options = arguments.values;
+  options.encoding = of.encoding;
   const msgblk& message = *find_messages(database, arguments.message).front();
   const LogFrame start = arguments.from ? parse_given_frame(database, message, *arguments.from)
                                         : empty_frame(database, message);
@@ -68,17 +75,52 @@ LogFrame encoded(const ZelkDatabase& database, const Arguments& arguments) {
     if (mark == std::string::npos)
       throw RequestError(fmt::format("{} is not SIGNAL=VALUE", in_quotes(text)));
     const std::string_view whole = text;
-    encoder.set(whole.substr(0, mark), whole.substr(mark + 1), arguments.values);
+    encoder.set(whole.substr(0, mark), whole.substr(mark + 1), options);
   }
   return encoder.finish();
 }
 
+/// Seconds with six decimals, as every reader of logs expects them; empty when `text` is no time.
+std::string log_time(std::string_view text) {
+  constexpr std::size_t kDecimals = 6;
+  constexpr std::size_t kMostDigits = 20;
+  const auto are_digits = [](std::string_view part) {
+    return part.find_first_not_of("0123456789") == std::string_view::npos;
+  };
+  const std::size_t point = std::min(text.find('.'), text.size());
+  const std::string_view whole = text.substr(0, point);
+  const std::string_view decimals = text.substr(std::min(point + 1, text.size()));
+  if (whole.empty() || whole.size() > kMostDigits || decimals.size() > kDecimals) return "";
+  if (!are_digits(whole) || !are_digits(decimals)) return "";
+  return fmt::format("{}.{:0<{}}", whole, decimals, kDecimals);
+}
+
+/// What stands in front of the frame.
+std::string lead_of(const Arguments& arguments) {
+  if (!arguments.log) return "";
+  return fmt::format("({}) {} ", log_time(arguments.time), arguments.interface_name);
+}
+
+std::string check_time(const std::string& text) {
+  return log_time(text).empty()
+             ? "seconds with at most six decimals are wanted, not " + in_quotes(text)
+             : "";
+}
+
+/// The name must come back as one word when the line is read.
+std::string check_interface(const std::string& name) {
+  const bool is_name =
+      !name.empty() && name.size() <= kLongestInterface && std::ranges::all_of(name, [](char c) {
+        return static_cast<unsigned char>(c) > ' ' && c != '(' && c != '\x7F';
+      });
+  return is_name ? "" : "an interface name is wanted, not " + in_quotes(name);
+}
+
 ExitCode encode(const Arguments& arguments, Output& out) {
   DatabaseFile file;
-  const ZelkDatabase* const database = open_and_report(file, arguments.database);
-  if (!database) return kExitFailure;
+  if (!open_and_report(file, arguments.database)) return kExitFailure;
   try {
-    out.line("{}", frame_text(encoded(*database, arguments)));
+    out.line("{}", lead_of(arguments) + frame_text(encoded(file.encoded(), arguments)));
   } catch (const RequestError& error) {
     print_error(behind_path(arguments.database, error.what()));
     return kExitFailure;
@@ -89,7 +131,8 @@ ExitCode encode(const Arguments& arguments, Output& out) {
 }  // namespace
 
 void add_encode_command(CLI::App& app, Action& action) {
-  CLI::App* command = app.add_subcommand("encode", "Make a frame of values, as candump writes it");
+  CLI::App* command = app.add_subcommand(
+      "encode", "Make a frame of values, such as 123#DEADBEEF, as decode takes it");
   const auto arguments = std::make_shared<Arguments>();
   command->add_option("DATABASE", arguments->database, "Database to read")
       ->required()
@@ -109,6 +152,18 @@ void add_encode_command(CLI::App& app, Action& action) {
       ->add_option("--from", arguments->from,
                    "Frame to change, such as 123#DEADBEEF, instead of one of zeros")
       ->type_name("FRAME");
+  CLI::Option* const log =
+      command->add_flag("--log", arguments->log, "Write a whole line of a log, as candump does");
+  command
+      ->add_option("--time", arguments->time,
+                   "Time of that line in seconds, with at most six decimals; else 0")
+      ->type_name("SECONDS")
+      ->check(CLI::Validator(check_time, ""))
+      ->needs(log);
+  command->add_option("--interface", arguments->interface_name, "Interface of that line; else can0")
+      ->type_name("NAME")
+      ->check(CLI::Validator(check_interface, ""))
+      ->needs(log);
   command->add_flag("--raw", arguments->values.raw, "Values are raw ones");
   command->add_flag("--force", arguments->values.force,
                     "Take values that are out of range; of what the bits cannot hold the nearest");

@@ -10,8 +10,8 @@
 #include "database_set.hpp"
 #include "j1939.hpp"
 #include "lookup.hpp"
+#include "name_filter.hpp"
 #include "objects.hpp"
-#include "quoting.hpp"
 #include "rows.hpp"
 #include "text.hpp"
 
@@ -35,7 +35,7 @@ struct Arguments {
 };
 
 struct Hit {
-  const ZelkManager::DbListNode* database;
+  const DatabaseSet::Entry* database;
   const ObjectKind* kind;
   Object object;
 };
@@ -48,10 +48,10 @@ const msgblk* message_of(const ObjectKind& kind, const Object& object) {
                                                  : nullptr;
 }
 
-Matches matches_object(const std::string& wanted) {
+Matches matches_name(const std::string& wanted) {
   const std::optional<std::uint32_t> id = parse_id(wanted);
   return [wanted, id](const ObjectKind& kind, const Object& object) {
-    if (object.name == wanted) return true;
+    if (matches_object(wanted, object.name_text(), object.owner_text())) return true;
     const msgblk* const message = message_of(kind, object);
     return id && message && (message->id == *id || message->id == (*id | ZELK_ID_EXTENDED));
   };
@@ -76,18 +76,18 @@ Matches matches_frame(const ZelkDatabase& database, std::uint32_t id) {
 /// The numbers have been checked.
 Matches matches_in(const ZelkDatabase& database, const Query& query) {
   if (query.group) return matches_group(database, parse_id(*query.group).value());
-  if (query.object) return matches_object(*query.object);
+  if (query.object) return matches_name(*query.object);
   return matches_frame(database, parse_id(*query.frame).value());
 }
 
 std::vector<Hit> find_all(const DatabaseSet& databases, const Query& query) {
   std::vector<Hit> hits;
-  for (const auto* entry : databases.databases()) {
-    const Matches matches = matches_in(entry->database, query);
+  for (const DatabaseSet::Entry& entry : databases.databases()) {
+    const Matches matches = matches_in(entry.texts.records, query);
     for (const ObjectKind& kind : object_kinds()) {
       if (!kind.is_named) continue;
-      kind.for_each(entry->database, [&](const Object& object) {
-        if (matches(kind, object)) hits.push_back({entry, &kind, object});
+      kind.for_each(entry.texts, [&](const Object& object) {
+        if (matches(kind, object)) hits.push_back({&entry, &kind, object});
       });
     }
   }
@@ -103,13 +103,15 @@ void tell_nothing_found(const DatabaseSet& databases, const Query& query) {
   }
   if (const std::optional<std::uint32_t> id = parse_id(*query.object))
     return print_error(fmt::format("zelk: no message has the identifier 0x{:X} ({})", *id, *id));
-  std::vector<std::string_view> names;
-  for (const auto* entry : databases.databases()) {
-    for (const ObjectKind& kind : object_kinds())
-      kind.for_each(entry->database, [&](const Object& object) { names.push_back(object.name); });
+  NameSuggestion names(*query.object);
+  for (const DatabaseSet::Entry& entry : databases.databases()) {
+    for (const ObjectKind& kind : object_kinds()) {
+      kind.for_each(entry.texts, [&](const Object& object) {
+        names.add(object.name_text(), object.owner_text());
+      });
+    }
   }
-  print_error(fmt::format("zelk: nothing is named {}{}", in_quotes(*query.object),
-                          suggestion(names, *query.object)));
+  print_error(fmt::format("zelk: nothing is named {}{}", in_quotes(*query.object), names.text()));
 }
 
 /// "powertrain: message VehicleMotion: id 0x141, format 11-bit, ..."; without what is empty.
@@ -123,18 +125,18 @@ void tell(const Hit& hit, Output& out) {
     if (heading != "name" && !value.empty())
       details += fmt::format("{} {} {}", details.empty() ? ":" : ",", heading, value);
   }
-  out.line("{}: {} {}{}", escaped(hit.database->name), hit.kind->singular, escaped(hit.object.name),
-           details);
+  out.line("{}: {} {}{}", escaped(hit.database->name), hit.kind->singular,
+           escaped(hit.object.name_text()), details);
 }
 
 Json json_of(const Hit& hit) {
   Json object;
-  object["database"] = utf8(hit.database->name);
+  object["database"] = hit.database->name;
   object["kind"] = hit.kind->singular;
   std::vector<Cell> cells;
   hit.kind->append_cells(hit.object, cells);
   for (std::size_t i = 0; i < cells.size(); ++i)
-    object[std::string(hit.kind->headings[i])] = in_utf8(cells[i].value);
+    object[std::string(hit.kind->headings[i])] = cells[i].value;
   return object;
 }
 
@@ -187,9 +189,10 @@ void add_find_command(CLI::App& app, Action& action) {
   const auto arguments = std::make_shared<Arguments>();
   command
       ->add_option("OBJECT FILE", arguments->words,
-                   "Name of an object of any kind, or identifier of a message, decimal or\n"
-                   "hexadecimal behind 0x, with or without bit 31 for an extended frame; and the\n"
-                   "databases to read. With --pgn and --j1939 there is no OBJECT.")
+                   "Name of an object of any kind, of signals and groups also MESSAGE.NAME, in\n"
+                   "which * stands for any characters and ? for one; or identifier of a message,\n"
+                   "decimal or hexadecimal behind 0x, with or without bit 31 for an extended\n"
+                   "frame; and the databases to read. With --pgn and --j1939 there is no OBJECT.")
       ->required()
       ->option_text("...");
   CLI::Option* const group =

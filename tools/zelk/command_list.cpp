@@ -44,19 +44,18 @@ class ObjectFilter {
 
   bool takes(const Object& object) const {
     if (patterns_.empty()) return true;
-    if (matches(object.name)) return true;
-    if (!object.owner) return false;
-    return matches(fmt::format("{}.{}", view(object.owner->name), object.name));
-  }
-
- private:
-  bool matches(std::string_view name) const {
-    const std::string lower = ignore_case_ ? lowered(name) : std::string();
+    std::string name = object.name_text();
+    std::string owner = object.owner_text();
+    if (ignore_case_) {
+      name = lowered(name);
+      owner = lowered(owner);
+    }
     return std::ranges::any_of(patterns_, [&](const std::string& pattern) {
-      return matches_wildcards(pattern, ignore_case_ ? lower : name);
+      return matches_object(pattern, name, owner);
     });
   }
 
+ private:
   std::vector<std::string> patterns_;
   bool ignore_case_;
 };
@@ -82,32 +81,29 @@ class Lister {
 
   void count(Output& out) const {
     std::size_t number = 0;
-    for (const auto* entry : databases_)
-      for_each_taken(entry->database, [&](const Object&) { ++number; });
+    for (const DatabaseSet::Entry& entry : databases_)
+      for_each_taken(entry.texts, [&](const Object&) { ++number; });
     out.line("{}", number);
   }
 
   void list(Output& out) const {
     const std::unique_ptr<RowWriter> writer = make_row_writer(arguments_.format(), headings(), out);
-    for (const auto* entry : databases_) list(*entry, *writer);
+    for (const DatabaseSet::Entry& entry : databases_) list(entry, *writer);
     writer->finish();
   }
 
  private:
   bool check_attribute(const std::string& name) const {
-    std::vector<std::string_view> names;
-    for (const auto* entry : databases_) {
-      if (find_definition(entry->database, *kind_.attribute_type, name)) return true;
-      for (const attr_def& definition : each(entry->database.attr_defs))
-        if (definition.object_type == *kind_.attribute_type) names.push_back(definition.name);
-    }
+    NameSuggestion names(name);
+    for (const DatabaseSet::Entry& entry : databases_)
+      if (find_definition(entry.texts, *kind_.attribute_type, name, &names)) return true;
     print_error(fmt::format("zelk: {} have no attribute {}{}", kind_.plural, in_quotes(name),
-                            suggestion(names, name)));
+                            names.text()));
     return false;
   }
 
   template <typename Visit>
-  void for_each_taken(const ZelkDatabase& database, const Visit& visit) const {
+  void for_each_taken(EncodedDatabase database, const Visit& visit) const {
     kind_.for_each(database, [&](const Object& object) {
       if (filter_.takes(object)) visit(object);
     });
@@ -122,26 +118,29 @@ class Lister {
     return headings;
   }
 
-  void list(const ZelkManager::DbListNode& entry, RowWriter& writer) const {
+  void list(const DatabaseSet::Entry& entry, RowWriter& writer) const {
     std::vector<const attr_def*> definitions;
     for (const std::string& name : arguments_.attributes)
-      definitions.push_back(find_definition(entry.database, *kind_.attribute_type, name));
+      definitions.push_back(find_definition(entry.texts, *kind_.attribute_type, name));
 
     std::vector<Cell> cells;
-    for_each_taken(entry.database, [&](const Object& object) {
+    for_each_taken(entry.texts, [&](const Object& object) {
       cells.clear();
       if (has_names_) cells.push_back(text(entry.name));
       kind_.append_cells(object, cells);
       for (const attr_def* definition : definitions)
-        cells.push_back(effective_value(object.attributes, definition));
-      if (arguments_.comments) cells.push_back(object.comment ? text(object.comment) : none());
+        cells.push_back(in_utf8(effective_value(object.attributes, definition), object.encoding));
+      if (arguments_.comments) {
+        const Cell comment = object.comment ? text(object.comment) : none();
+        cells.push_back(in_utf8(comment, object.encoding));
+      }
       writer.row(cells);
     });
   }
 
   const Arguments& arguments_;
   const ObjectKind& kind_;
-  std::vector<const ZelkManager::DbListNode*> databases_;
+  const std::vector<DatabaseSet::Entry>& databases_;
   bool has_names_;
   ObjectFilter filter_;
 };

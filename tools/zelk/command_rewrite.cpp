@@ -3,6 +3,10 @@
 
 #include "commands.hpp"
 #include "database.hpp"
+#include "formats.hpp"
+#include "lookup.hpp"
+#include "read_back.hpp"
+#include "rounding.hpp"
 #include "system.hpp"
 
 namespace zelk::tool {
@@ -13,18 +17,33 @@ struct Arguments {
   std::string in;
   std::string out;
   bool allow_cut = false;
+  bool allow_rounding = false;
 };
+
+/// @throws RequestError when the database cannot be written, or not without loss
+void write(const Arguments& arguments, const DatabaseFile& file, ZelkDatabase& database) {
+  if (arguments.allow_cut) database.symbols_shortened = 0;
+  check_roundings(roundings_of(file.encoded()), arguments.out, arguments.allow_rounding);
+  if (!format_of_file(arguments.in).value_or(Format{}).is_own())
+    check_read_back(file.encoded(), arguments.out);  // a module may give what no DBC file can hold
+  const HeldSignals held;
+  zelk_clear_error_text();
+  const ZelkError error = database.Write(arguments.out.c_str());
+  if (error != ZelkErrorOk) throw RequestError(write_complaint(error, database));
+  tell_save_notes(database, arguments.out);
+}
 
 ExitCode rewrite(const Arguments& arguments) {
   DatabaseFile file;
   ZelkDatabase* const database = open_and_report(file, arguments.in);
   if (!database) return kExitFailure;
-  if (arguments.allow_cut) database->symbols_shortened = 0;
-  const HeldSignals held;
-  const ZelkError error = database->Write(arguments.out.c_str());
-  if (error == ZelkErrorOk) return kExitSuccess;
-  print_error(behind_path(arguments.out, write_complaint(error, *database)));
-  return kExitFailure;
+  try {
+    write(arguments, file, *database);
+  } catch (const RequestError& error) {
+    print_error(behind_path(arguments.out, error.what()));
+    return kExitFailure;
+  }
+  return kExitSuccess;
 }
 
 }  // namespace
@@ -38,9 +57,14 @@ void add_rewrite_command(CLI::App& app, Action& action) {
       ->add_option("OUT", arguments->out,
                    "File to write; one that is there is replaced once all is written, or stays")
       ->required()
-      ->option_text(" ");
+      ->option_text(" ")
+      ->check(fault_of_other_format);
   command->add_flag("--allow-cut", arguments->allow_cut,
                     "Write although names or units were too long for the library, and were cut");
+  command->add_flag(
+      "--allow-rounding", arguments->allow_rounding,
+      "Write although numbers have more digits than the 14 that a file keeps, and are\n"
+      "rounded");
   command->callback(
       [arguments, &action] { action = [arguments](Output&) { return rewrite(*arguments); }; });
 }

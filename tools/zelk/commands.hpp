@@ -17,6 +17,7 @@ enum ExitCode {
   kExitFailure = 1,  ///< a file cannot be read or converted, an object is not found, a value cannot
                      ///< be encoded, an edit cannot be made, or the output cannot be written
   kExitUsage = 2,    ///< the command line is wrong
+  kExitInterrupted = 130,  ///< the user ended a decoding, whose results up to there are whole
 
   // Those of a comparison, which are the system's usual ones for it.
   kExitDifferent = 1,

@@ -66,8 +66,12 @@ std::string uses_of(const sigblk& signal) {
 
 }  // namespace
 
-DatabaseEditor::DatabaseEditor(ZelkWriteManager& manager, const char* name)
-    : manager_(manager), name_(name), database_(*manager.GetDatabase(name)), targets_(database_) {}
+DatabaseEditor::DatabaseEditor(ZelkWriteManager& manager, const OpenedDatabase& opened)
+    : manager_(manager),
+      name_(opened.name),
+      database_(*opened.database),
+      encoding_(opened.encoding),
+      targets_(database_) {}
 
 template <typename Record>
 std::string DatabaseEditor::rename(const Record* list, Record& record, const std::string& name) {
@@ -96,7 +100,8 @@ std::string DatabaseEditor::rename_node(Words words) {
 
 std::string DatabaseEditor::set_comment(Words words) {
   const EditTarget target = targets_.object(words[0]);
-  const char* const text = words[1].empty() ? nullptr : words[1].c_str();
+  const std::string bytes = stored(words[1], encoding_);
+  const char* const text = bytes.empty() ? nullptr : bytes.c_str();
   std::visit(
       [&](auto record) {
         if constexpr (kIsNetwork<decltype(record)>) {
@@ -106,37 +111,51 @@ std::string DatabaseEditor::set_comment(Words words) {
         }
       },
       target);
-  return fmt::format("{}: comment {}", shown_target(target), text ? in_quotes(text) : "removed");
+  return fmt::format("{}: comment {}", shown_target(target),
+                     text ? in_quotes(words[1]) : "removed");
 }
 
+/// The one by which the manager stores a value. One for objects of another kind counts only where
+/// there is a value of it.
 const attr_def& DatabaseEditor::definition(const EditTarget& target,
                                            const std::string& name) const {
   const zelk_obj_t type = attribute_type(target);
-  const attr_def* const found = find_definition(database_, type, name);
-  if (found) return *found;
-  std::vector<std::string_view> names;
-  for (const attr_def& definition : each(database_.attr_defs))
-    if (definition.object_type == type) names.push_back(view(definition.name));
+  const std::string key = stored(name, encoding_);
+  bool has_value = false;
+  const attr_def* const found = std::visit(
+      [&](auto record) -> const attr_def* {
+        if constexpr (kIsNetwork<decltype(record)>) {
+          has_value = manager_.IsAttrValueDefined(key.c_str(), name_);
+          return manager_.GetNetworkAttrDefinition(name_, key.c_str());
+        } else {
+          has_value = manager_.IsAttrValueDefined(record, key.c_str());
+          return manager_.GetAttrDefinition(record, key.c_str(), name_);
+        }
+      },
+      target);
+  if (found && (has_value || found->object_type == type)) return *found;
+  NameSuggestion names(name);
+  find_definition({database_, encoding_}, type, name, &names);
   throw RequestError(fmt::format("{} can have no attribute {}: none is defined{}",
-                                 shown_target(target), in_quotes(name), suggestion(names, name)));
+                                 shown_target(target), in_quotes(name), names.text()));
 }
 
 std::string DatabaseEditor::set_attribute(Words words) {
   const EditTarget target = targets_.object(words[0]);
   attr value{};
   value.def = changeable(&definition(target, words[1]));
-  value.value = parse_attribute_value(*value.def, words[2]);
+  value.value = parse_attribute_value(*value.def, words[2], encoding_);
   std::visit(
       [&](auto record) {
         if constexpr (kIsNetwork<decltype(record)>) {
-          manager_.SetAttrValue(name_, words[1].c_str(), value.value);
+          manager_.SetAttrValue(name_, value.def->name, value.value);
         } else {
-          manager_.SetAttrValue(*record, words[1].c_str(), value.value, name_);
+          manager_.SetAttrValue(*record, value.def->name, value.value, name_);
         }
       },
       target);
   return fmt::format("{}: attribute {} = {}", shown_target(target), in_quotes(words[1]),
-                     shown_value(value));
+                     shown_value(value, encoding_));
 }
 
 std::string DatabaseEditor::reset_attribute(Words words) {
@@ -145,14 +164,14 @@ std::string DatabaseEditor::reset_attribute(Words words) {
   std::visit(
       [&](auto record) {
         if constexpr (kIsNetwork<decltype(record)>) {
-          manager_.ResetAttrValue(name_, words[1].c_str());
+          manager_.ResetAttrValue(name_, attribute.name);
         } else {
-          manager_.ResetAttrValue(*record, words[1].c_str());
+          manager_.ResetAttrValue(*record, attribute.name);
         }
       },
       target);
   return fmt::format("{}: attribute {} = {}, the default", shown_target(target),
-                     in_quotes(words[1]), shown_default(attribute));
+                     in_quotes(words[1]), shown_default(attribute, encoding_));
 }
 
 std::string DatabaseEditor::delete_message(Words words) {

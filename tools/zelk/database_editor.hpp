@@ -7,22 +7,23 @@
 #include <span>
 #include <string>
 
+#include "database.hpp"
 #include "edit_target.hpp"
 
 namespace zelk::tool {
 
 /// Changes objects in memory; nothing is written.
 ///
-/// Each edit takes the words behind its option, and tells what it did in a line. All throw
-/// RequestError, with nothing changed, when there is no such object or attribute, when a file could
-/// not hold the name, when it is another object's, and when the value does not suit the attribute.
+/// Each edit takes the words behind its option, in UTF-8, and tells what it did in a line. All
+/// throw RequestError, with nothing changed, when there is no such object or attribute, when a file
+/// could not hold the name, when it is another object's, when the value does not suit the
+/// attribute, and for characters that the database's encoding does not have.
 class DatabaseEditor {
  public:
   using Words = std::span<std::string>;
 
-  /// @param manager  must outlive the object, and so must its database
-  /// @param name     handle of the database
-  DatabaseEditor(ZelkWriteManager& manager, const char* name);
+  /// @param manager  must outlive the object, and so must the database, which it has open
+  DatabaseEditor(ZelkWriteManager& manager, const OpenedDatabase& opened);
 
   std::string rename_message(Words words);   ///< message, new name
   std::string rename_signal(Words words);    ///< signal, new name
@@ -43,6 +44,7 @@ class DatabaseEditor {
   ZelkWriteManager& manager_;
   const char* name_;
   const ZelkDatabase& database_;
+  Encoding encoding_;
   EditTargets targets_;
 };
 

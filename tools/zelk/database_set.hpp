@@ -4,10 +4,14 @@
 #ifndef ZELK_TOOL_DATABASE_SET_HPP
 #define ZELK_TOOL_DATABASE_SET_HPP
 
+#include <filesystem>
+#include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "database.hpp"
+#include "formats.hpp"
 
 namespace zelk::tool {
 
@@ -20,15 +24,25 @@ class DatabaseSet {
   /// @return whether all could be read; the others are there all the same
   bool open(const std::vector<std::string>& paths);
 
+  /// One of the databases, with its name in the set.
+  struct Entry {
+    std::string name;
+    EncodedDatabase texts;
+  };
+
   /// The databases in the order of their files; a name is its file's, and where several would have
   /// the same one, that with "_2", "_3", ... behind it.
-  std::vector<const ZelkManager::DbListNode*> databases() const;
+  const std::vector<Entry>& databases() const { return databases_; }
 
  private:
   bool open(const std::string& path);
-  ZelkError open_renamed(const std::string& path, const char** name);
+  OpenedDatabase open_own(const std::string& path);
+  OpenedDatabase import(const std::string& path, const Format& format);
+  std::string unique(std::string_view name);
 
-  ZelkManager manager_{static_cast<void*>(nullptr)};
+  ZelkWriteManager manager_{static_cast<void*>(nullptr)};
+  std::set<std::filesystem::path> imported_;  // files
+  std::vector<Entry> databases_;
 };
 
 }  // namespace zelk::tool

@@ -35,15 +35,30 @@ std::string_view env_var_type(std::uint32_t type) {
   }
 }
 
-Describer::Describer(const ZelkDatabase& database, Output& out)
-    : database_(database), out_(out), j1939_(database) {}
+Describer::Describer(EncodedDatabase database, Output& out)
+    : database_(database.records),
+      encoding_(database.encoding),
+      out_(out),
+      j1939_(database.records) {}
+
+std::string Describer::shown(std::string_view text) const {
+  return escaped(to_utf8(text, encoding_));
+}
+
+std::string Describer::quoted(std::string_view text) const {
+  return in_quotes(to_utf8(text, encoding_));
+}
+
+std::string Describer::unit(const char* text) const {
+  return *text ? fmt::format(", unit {}", quoted(text)) : "";
+}
 
 void Describer::database(std::string_view path) const {
   out_.line("Database {}", escaped(path));
   {
     const Output::Indent indent(out_);
     if (!view(database_.user_data).empty())
-      out_.line("version: {}", in_quotes(view(database_.user_data)));
+      out_.line("version: {}", quoted(view(database_.user_data)));
     comment(database_.comment);
     for (const btlblk& timing : each(database_.bit_timings)) {
       out_.line("bit timing: baud rate {}, BTR1 0x{:02X}, BTR2 0x{:02X}", timing.baudrate,
@@ -75,7 +90,7 @@ void Describer::filter() const {
   std::string names;
   for (const catlink& link : each(filter.categories)) {
     if (!names.empty()) names += ", ";
-    names += link.category ? escaped(link.category->name) : "(no category)";
+    names += link.category ? shown(link.category->name) : "(no category)";
   }
   out_.line("filter {}: categories {}", filter.mode, names.empty() ? "none" : names);
   const Output::Indent indent(out_);
@@ -83,7 +98,7 @@ void Describer::filter() const {
 }
 
 void Describer::node(const symblk& node) const {
-  out_.line("Node {}", escaped(view(node.name)));
+  out_.line("Node {}", shown(view(node.name)));
   const Output::Indent indent(out_);
   category_line(node.category);
   attributes(node.attrs);
@@ -101,20 +116,20 @@ void Describer::node_and_traffic(const symblk& node) const {
   };
   for (const msgblk& message : each(database_.messages)) {
     if (message.transmitter == &node || any(message.tx_nodes))
-      out_.line("sends {}, {}", escaped(view(message.name)), shown_id(message.id));
+      out_.line("sends {}, {}", shown(view(message.name)), shown_id(message.id));
   }
   for (const msgblk& message : each(database_.messages)) {
     for (const sigblk& signal : each(message.signals)) {
       if (any(signal.receivers))
-        out_.line("receives {} of {}", escaped(view(signal.name)), escaped(view(message.name)));
+        out_.line("receives {} of {}", shown(view(signal.name)), shown(view(message.name)));
     }
   }
   for (const env_var_blk& variable : each(database_.env_vars))
-    if (any(variable.access_nodes)) out_.line("accesses {}", escaped(view(variable.name)));
+    if (any(variable.access_nodes)) out_.line("accesses {}", shown(view(variable.name)));
 }
 
 void Describer::env_var(const env_var_blk& variable) const {
-  out_.line("Environment variable {}", escaped(view(variable.name)));
+  out_.line("Environment variable {}", shown(view(variable.name)));
   const Output::Indent indent(out_);
   if (variable.type == ZELK_ENVVAR_DATA) {
     out_.line("type: data, {}", counted(variable.data_size, "byte"));
@@ -122,8 +137,7 @@ void Describer::env_var(const env_var_blk& variable) const {
     out_.line("type: {}", env_var_type(variable.type));
   }
   out_.line("value: initially {}, range {} to {}{}", variable.initial, variable.minimum,
-            variable.maximum,
-            *variable.unit ? fmt::format(", unit {}", in_quotes(variable.unit)) : "");
+            variable.maximum, unit(variable.unit));
   out_.line("access: code 0x{:X}, id {}", variable.access_type, variable.id);
   nodes("access nodes", variable.access_nodes);
   category_line(variable.category);
@@ -133,55 +147,55 @@ void Describer::env_var(const env_var_blk& variable) const {
 }
 
 void Describer::value_table(const valtable& table) const {
-  out_.line("Value table {}", escaped(table.name));
+  out_.line("Value table {}", shown(table.name));
   const Output::Indent indent(out_);
   values(table.values);
 }
 
 void Describer::definition(const attr_def& definition) const {
-  out_.line("Attribute {} of {}: {}, default {}", in_quotes(definition.name),
-            object_kind(definition), shown_type(definition), shown_default(definition));
+  out_.line("Attribute {} of {}: {}, default {}", quoted(definition.name), object_kind(definition),
+            shown_type(definition, encoding_), shown_default(definition, encoding_));
 }
 
 void Describer::category(const cat& category) const {
-  out_.line("Category {}: number {}, level {}", escaped(category.name), category.number,
+  out_.line("Category {}: number {}, level {}", shown(category.name), category.number,
             category.level);
 }
 
 void Describer::comment(const char* text) const {
   std::string_view lead = "comment: ";
-  for (const std::string& line : escaped_lines(view(text))) {
+  for (const std::string& line : escaped_lines(to_utf8(view(text), encoding_))) {
     out_.line("{}{}", lead, line);
     lead = "         ";
   }
 }
 
 void Describer::category_line(const cat* category) const {
-  if (category) out_.line("category: {} ({})", escaped(category->name), category->number);
+  if (category) out_.line("category: {} ({})", shown(category->name), category->number);
 }
 
 void Describer::attributes(const attr* values) const {
   for (const attr& value : each(values))
-    out_.line("attribute {} = {}", in_quotes(value.def->name), shown_value(value));
+    out_.line("attribute {} = {}", quoted(value.def->name), shown_value(value, encoding_));
 }
 
 void Describer::values(const val* values) const {
   for (const val& value : each(values))
-    out_.line("value {} = {}", value.value, in_quotes(view(value.text)));
+    out_.line("value {} = {}", value.value, quoted(view(value.text)));
 }
 
 void Describer::nodes(std::string_view role, const rxblk* links) const {
   if (!links) return;
-  const auto name = [](const rxblk& link) {
-    return link.node ? escaped(view(link.node->name)) : "(no node)";
+  const auto name = [this](const rxblk& link) {
+    return link.node ? shown(view(link.node->name)) : "(no node)";
   };
   std::string names;
   for (const rxblk& link : each(links)) names += (names.empty() ? "" : ", ") + name(link);
   out_.line("{}: {}", role, names);
   for (const rxblk& link : each(links)) {
     for (const attr& value : each(link.attrs)) {
-      out_.line("attribute {} with {} = {}", in_quotes(value.def->name), name(link),
-                shown_value(value));
+      out_.line("attribute {} with {} = {}", quoted(value.def->name), name(link),
+                shown_value(value, encoding_));
     }
   }
 }

@@ -20,8 +20,8 @@ namespace zelk::tool {
 /// indented below it. What a record does not have (a comment, attributes, ...) takes no line.
 class Describer {
  public:
-  /// Both must outlive the object.
-  Describer(const ZelkDatabase& database, Output& out);
+  /// The records and `out` must outlive the object.
+  Describer(EncodedDatabase database, Output& out);
 
   void database(std::string_view path) const;
 
@@ -50,6 +50,17 @@ class Describer {
   void group(const siggroupblk& group) const;
   void filter() const;
 
+  /// A text of a record, `escaped`.
+  std::string shown(std::string_view text) const;
+  /// Likewise `in_quotes`.
+  std::string quoted(std::string_view text) const;
+  /// ", unit "km/h""; empty for none.
+  std::string unit(const char* text) const;
+  /// "factor 0.5, offset -40, range -40 to 215, unit "degC""
+  template <typename Scaled>
+  std::string scaling(const Scaled& scaled) const;
+  std::string multiplexor_name(const sigblk& signal) const;
+  std::string legend_remarks(const sigblk& signal, std::uint32_t dlc, bool drawn) const;
   void comment(const char* text) const;
   void category_line(const cat* category) const;
   void attributes(const attr* values) const;
@@ -60,6 +71,7 @@ class Describer {
   static GroupsOfSignal groups_of(const msgblk& message);
 
   const ZelkDatabase& database_;
+  Encoding encoding_;
   Output& out_;
   J1939 j1939_;
 };

@@ -21,14 +21,6 @@ std::string coding(const Coded& coded) {
                      number_format(coded.flags, coded.value_type));
 }
 
-/// "factor 0.5, offset -40, range -40 to 215, unit "degC""
-template <typename Scaled>
-std::string scaling(const Scaled& scaled) {
-  const std::string unit = *scaled.unit ? fmt::format(", unit {}", in_quotes(scaled.unit)) : "";
-  return fmt::format("factor {}, offset {}, range {} to {}{}", scaled.factor, scaled.offset,
-                     scaled.minimum, scaled.maximum, unit);
-}
-
 /// 0 is "A", 25 "Z", 26 "AA", and so on.
 std::string key_of(std::size_t index) {
   std::string key;
@@ -41,24 +33,6 @@ std::string key_of(std::size_t index) {
 std::uint32_t last_byte(const sigblk& signal) {
   if (signal.length == 0) return 0;
   return std::max(bit_place(signal, 0).byte, bit_place(signal, signal.length - 1u).byte);
-}
-
-std::string multiplexor_name(const sigblk& signal) {
-  return signal.mux_signal ? escaped(view(signal.mux_signal->name)) : "(no multiplexor)";
-}
-
-/// What a reader of the drawing must know of a signal: when it is there, and why its drawing may
-/// look odd.
-std::string legend_remarks(const sigblk& signal, std::uint32_t dlc, bool drawn) {
-  std::string text;
-  if (signal.flags & ZELK_SIGNAL_MULTIPLEXOR) text += ", multiplexor";
-  if (signal.mux_signal || signal.mux_ranges) {
-    text += fmt::format(", for {} = {}", multiplexor_name(signal),
-                        signal.mux_ranges ? presence_values(signal) : "(none)");
-  }
-  if (signal.length > 0 && last_byte(signal) >= dlc) text += ", beyond the data length";
-  if (!drawn) text += ", not drawn";
-  return text;
 }
 
 /// Most significant to least significant bit.
@@ -96,6 +70,30 @@ std::string shown_id(std::uint32_t id) {
                      fits ? "" : ", out of range");
 }
 
+template <typename Scaled>
+std::string Describer::scaling(const Scaled& scaled) const {
+  return fmt::format("factor {}, offset {}, range {} to {}{}", scaled.factor, scaled.offset,
+                     scaled.minimum, scaled.maximum, unit(scaled.unit));
+}
+
+std::string Describer::multiplexor_name(const sigblk& signal) const {
+  return signal.mux_signal ? shown(view(signal.mux_signal->name)) : "(no multiplexor)";
+}
+
+/// What a reader of the drawing must know of a signal: when it is there, and why its drawing may
+/// look odd.
+std::string Describer::legend_remarks(const sigblk& signal, std::uint32_t dlc, bool drawn) const {
+  std::string text;
+  if (signal.flags & ZELK_SIGNAL_MULTIPLEXOR) text += ", multiplexor";
+  if (signal.mux_signal || signal.mux_ranges) {
+    text += fmt::format(", for {} = {}", multiplexor_name(signal),
+                        signal.mux_ranges ? presence_values(signal) : "(none)");
+  }
+  if (signal.length > 0 && last_byte(signal) >= dlc) text += ", beyond the data length";
+  if (!drawn) text += ", not drawn";
+  return text;
+}
+
 void Describer::message(const msgblk& message) const {
   message_heading(message);
   const Output::Indent indent(out_);
@@ -105,7 +103,7 @@ void Describer::message(const msgblk& message) const {
 }
 
 void Describer::message_heading(const msgblk& message) const {
-  out_.line("Message {}, {}, {}", escaped(view(message.name)), shown_id(message.id),
+  out_.line("Message {}, {}, {}", shown(view(message.name)), shown_id(message.id),
             counted(message.dlc, "byte"));
 }
 
@@ -123,21 +121,21 @@ void Describer::transmitters(const msgblk& message) const {
       message.tx_nodes && !message.tx_nodes->next && message.tx_nodes->node == message.transmitter;
   if (is_only_one) return nodes("transmitter", message.tx_nodes);
   out_.line("transmitter: {}",
-            message.transmitter ? escaped(view(message.transmitter->name)) : "none");
+            message.transmitter ? shown(view(message.transmitter->name)) : "none");
   nodes("all transmitters", message.tx_nodes);
 }
 
 void Describer::signals(const msgblk& message) const {
   const GroupsOfSignal groups = groups_of(message);
   for (const sigblk& signal : each(message.signals)) {
-    out_.line("Signal {}", escaped(view(signal.name)));
+    out_.line("Signal {}", shown(view(signal.name)));
     signal_details(signal, groups);
   }
 }
 
 void Describer::signal_alone(const sigblk& signal) const {
-  out_.line("Signal {} of message {}, {}", escaped(view(signal.name)),
-            escaped(view(signal.message->name)), shown_id(signal.message->id));
+  out_.line("Signal {} of message {}, {}", shown(view(signal.name)),
+            shown(view(signal.message->name)), shown_id(signal.message->id));
   signal_details(signal, groups_of(*signal.message));
 }
 
@@ -147,11 +145,11 @@ void Describer::signal_details(const sigblk& signal, const GroupsOfSignal& group
   out_.line("value: {}", scaling(signal));
   multiplexing(signal);
   nodes("receivers", signal.receivers);
-  if (signal.sigtype) out_.line("signal type: {}", escaped(signal.sigtype->name));
+  if (signal.sigtype) out_.line("signal type: {}", shown(signal.sigtype->name));
   if (const auto found = groups.find(&signal); found != groups.end()) {
     std::string names;
     for (const siggroupblk* record : found->second)
-      names += (names.empty() ? "" : ", ") + escaped(record->name);
+      names += (names.empty() ? "" : ", ") + shown(record->name);
     out_.line("groups: {}", names);
   }
   values(signal.values);
@@ -183,8 +181,8 @@ Describer::GroupsOfSignal Describer::groups_of(const msgblk& message) {
 void Describer::group(const siggroupblk& group) const {
   std::string names;
   for (const siglistblk& member : each(group.signals))
-    names += fmt::format(" {}", escaped(view(member.signal->name)));
-  out_.line("Signal group {}, repetitions {}:{}", escaped(group.name), group.repetitions, names);
+    names += fmt::format(" {}", shown(view(member.signal->name)));
+  out_.line("Signal group {}, repetitions {}:{}", shown(group.name), group.repetitions, names);
   const Output::Indent indent(out_);
   comment(group.comment);
 }
@@ -196,11 +194,11 @@ void Describer::group_alone(const siggroupblk& group) const {
 }
 
 void Describer::signal_type(const sigtype& type) const {
-  out_.line("Signal type {}", escaped(type.name));
+  out_.line("Signal type {}", shown(type.name));
   const Output::Indent indent(out_);
   out_.line("layout: {}", coding(type));
   out_.line("value: {}, default {}", scaling(type), type.default_value);
-  if (type.valtable) out_.line("value table: {}", escaped(type.valtable->name));
+  if (type.valtable) out_.line("value table: {}", shown(type.valtable->name));
   attributes(type.attrs);
   comment(type.comment);
 }
@@ -215,7 +213,7 @@ void Describer::layout(const msgblk& message) const {
     name_width = std::max(name_width, view(signal.name).size());
   }
 
-  const Layouts all = layouts_of(message);
+  const Layouts all = layouts_of(message, encoding_);
   std::set<const sigblk*> drawn;
   for (const Layout& layout : all.layouts) {
     out_.line("Layout{}{}:", layout.condition.empty() ? "" : " for ", layout.condition);
@@ -229,7 +227,7 @@ void Describer::layout(const msgblk& message) const {
 
   const Output::Indent indent(out_);
   for (const sigblk& signal : each(message.signals)) {
-    out_.line("{:>{}}  {:<{}}  {}{}", keys.at(&signal), key_width, escaped(view(signal.name)),
+    out_.line("{:>{}}  {:<{}}  {}{}", keys.at(&signal), key_width, shown(view(signal.name)),
               name_width, place_text(signal),
               legend_remarks(signal, message.dlc, signal.length > 0 && drawn.contains(&signal)));
   }

@@ -99,33 +99,34 @@ const attr_def* definition_of(const ObjectKind& kind, const Object& object) {
 }
 
 std::string shown_object(const ObjectKind& kind, const Object& object) {
+  const std::string name = escaped(object.name_text());
   if (is_message(kind)) {
-    return fmt::format("{} {} {}", kind.singular, shown(cell_under(kind, object, "id")),
-                       escaped(object.name));
+    return fmt::format("{} {} {}", kind.singular, shown(cell_under(kind, object, "id")), name);
   }
   if (const attr_def* definition = definition_of(kind, object)) {
-    return fmt::format("{} {} {}", object_kind(*definition), kind.singular, in_quotes(object.name));
+    return fmt::format("{} {} {}", object_kind(*definition), kind.singular,
+                       in_quotes(object.name_text()));
   }
-  const std::string owner = object.owner ? escaped(view(object.owner->name)) + "." : "";
-  return fmt::format("{} {}{}", kind.singular, owner, escaped(object.name));
+  const std::string owner = object.owner ? escaped(object.owner_text()) + "." : "";
+  return fmt::format("{} {}{}", kind.singular, owner, name);
 }
 
 Json identity_of(const ObjectKind& kind, const Object& object) {
   Json identity{{"kind", kind.singular}};
-  if (object.owner) identity["message"] = in_utf8(view(object.owner->name));
+  if (object.owner) identity["message"] = object.owner_text();
   for (const std::string_view heading : {"id", "format"})
     if (is_message(kind)) identity[std::string(heading)] = cell_under(kind, object, heading).value;
   if (const attr_def* definition = definition_of(kind, object))
     identity["object"] = object_kind(*definition);
-  identity["name"] = in_utf8(object.name);
+  identity["name"] = object.name_text();
   return identity;
 }
 
 class DatabaseComparison {
  public:
-  DatabaseComparison(const ZelkDatabase& before, const ZelkDatabase& after,
+  DatabaseComparison(EncodedDatabase before, EncodedDatabase after,
                      const std::function<void(const Difference&)>& visit)
-      : before_(before), after_(after), visit_(visit), messages_(before, after) {}
+      : before_(before), after_(after), visit_(visit), messages_(before.records, after.records) {}
 
   void network() const {
     std::vector<Change> changes = network_changes(before_, after_);
@@ -154,7 +155,7 @@ class DatabaseComparison {
     std::vector<Key> keys;
   };
 
-  Side side(const ObjectKind& kind, const ZelkDatabase& database) const {
+  Side side(const ObjectKind& kind, EncodedDatabase database) const {
     Side side;
     kind.for_each(database, [&](const Object& object) {
       if (object.owner && !messages_.is_common(*object.owner)) return;
@@ -167,9 +168,9 @@ class DatabaseComparison {
   Key key_of(const ObjectKind& kind, const Object& object) const {
     if (is_message(kind))
       return {messages_.number(*static_cast<const msgblk*>(object.record)), {}, {}};
-    if (object.owner) return {messages_.number(*object.owner), object.name, {}};
+    if (object.owner) return {messages_.number(*object.owner), object.name_text(), {}};
     const attr_def* const definition = definition_of(kind, object);
-    return {0, object.name, definition ? object_kind(*definition) : std::string_view()};
+    return {0, object.name_text(), definition ? std::string(object_kind(*definition)) : ""};
   }
 
   void alone(Presence presence, const ObjectKind& kind, const Object& object) const {
@@ -183,8 +184,8 @@ class DatabaseComparison {
             std::move(changes)});
   }
 
-  const ZelkDatabase& before_;
-  const ZelkDatabase& after_;
+  EncodedDatabase before_;
+  EncodedDatabase after_;
   const std::function<void(const Difference&)>& visit_;
   MessagePairs messages_;
 };
@@ -196,7 +197,7 @@ char sign_of(const Difference& difference) {
   return kSigns[static_cast<std::size_t>(difference.presence)];
 }
 
-void for_each_difference(const ZelkDatabase& before, const ZelkDatabase& after,
+void for_each_difference(EncodedDatabase before, EncodedDatabase after,
                          const std::function<void(const Difference&)>& visit) {
   const DatabaseComparison comparison(before, after, visit);
   comparison.network();

@@ -36,8 +36,9 @@ char sign_of(const Difference& difference);
 /// by name where that is the only such name in both. Signals and groups are matched by name within
 /// their message, attribute definitions by name and kind of object, everything else by name; where
 /// several are called the same, the n-th with the n-th. What a message has is not visited when the
-/// message is in one database only. Order is no difference. Takes linear time.
-void for_each_difference(const ZelkDatabase& before, const ZelkDatabase& after,
+/// message is in one database only. Order is no difference, nor
+/// is the encoding: texts are compared in UTF-8. Takes linear time.
+void for_each_difference(EncodedDatabase before, EncodedDatabase after,
                          const std::function<void(const Difference&)>& visit);
 
 }  // namespace zelk::tool

@@ -1,5 +1,7 @@
 #include "formats.hpp"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 
@@ -48,6 +50,14 @@ std::optional<Format> format_of_file(std::string_view path) {
   const std::size_t point = path.find_last_of("./\\");
   if (point == std::string_view::npos || path[point] != '.') return std::nullopt;
   return find(path.substr(point + 1));
+}
+
+std::string fault_of_other_format(const std::string& path) {
+  const std::optional<Format> format = format_of_file(path);
+  if (!format || format->is_own()) return "";
+  return fmt::format(
+      "{} is no DBC file, and this command writes no others; zelk convert converts them",
+      in_quotes(path));
 }
 
 std::string format_names() {

@@ -24,6 +24,10 @@ Format format_named(const std::string& name);
 /// The format that the extension of a file names, case ignored; none for another extension.
 std::optional<Format> format_of_file(std::string_view path);
 
+/// Why a command that writes the library's own format only does not take the file `path`, by its
+/// extension; empty when it does.
+std::string fault_of_other_format(const std::string& path);
+
 /// "dbc, kcd, json".
 std::string format_names();
 

@@ -3,11 +3,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <optional>
-#include <system_error>
 #include <utility>
 
+#include "file_type.hpp"
 #include "lookup.hpp"
 #include "output.hpp"
 #include "text.hpp"
@@ -20,12 +19,6 @@ struct Binding {
   std::string interface_name;
   std::string path;
 };
-
-bool exists(const std::string& path) {
-  std::error_code ignored;
-  return std::filesystem::exists(std::filesystem::path(std::u8string(path.begin(), path.end())),
-                                 ignored);
-}
 
 Binding parse_binding(const std::string& argument) {
   const std::size_t mark = argument.find('=');
@@ -47,14 +40,14 @@ bool check_pattern(std::string_view kind, const std::string& pattern,
 
 }  // namespace
 
-CatalogDatabase::CatalogDatabase(const ZelkDatabase& of, const FrameOptions& options)
-    : database_(of),
-      decoders_(of.messages),
-      has_group_numbers_(of.HasJ1939GroupNumbers()),
-      has_groups_(has_group_numbers_ || of.GetAttrDef("VFrameFormat")) {
-  for (const msgblk& message : each(of.messages)) {
+CatalogDatabase::CatalogDatabase(EncodedDatabase of, const FrameOptions& options)
+    : database_(of.records),
+      decoders_(of.records.messages),
+      has_group_numbers_(of.records.HasJ1939GroupNumbers()),
+      has_groups_(has_group_numbers_ || of.records.GetAttrDef("VFrameFormat")) {
+  for (const msgblk& message : each(of.records.messages)) {
     if (const ZelkFrameDecoder* const decoder = decoders_.Find(message))
-      layouts_.try_emplace(decoder, *decoder, options);
+      layouts_.try_emplace(decoder, *decoder, options, of.encoding);
   }
 }
 
@@ -82,8 +75,8 @@ bool FrameCatalog::open(const std::string& argument) {
   if (!database) return false;
   for (const msgblk& message : each(database->messages))
     most_signals_ = std::max(most_signals_, each(message.signals).size());
-  sources_.push_back({binding.interface_name, std::move(file),
-                      std::make_unique<CatalogDatabase>(*database, options_)});
+  auto in_catalog = std::make_unique<CatalogDatabase>(file->encoded(), options_);
+  sources_.push_back({binding.interface_name, std::move(file), std::move(in_catalog)});
   return true;
 }
 

@@ -20,7 +20,7 @@ namespace zelk::tool {
 class CatalogDatabase {
  public:
   /// @param of  must outlive the object
-  CatalogDatabase(const ZelkDatabase& of, const FrameOptions& options);
+  CatalogDatabase(EncodedDatabase of, const FrameOptions& options);
 
   /// The message with the identifier of a frame; null when there is none.
   const MessageLayout* find(std::uint32_t id) const;

@@ -11,8 +11,8 @@ namespace zelk::tool {
 
 namespace {
 
-std::string lead_of(const sigblk& signal, FrameFormat format) {
-  const std::string name = name_text(view(signal.name), format);
+std::string lead_of(const sigblk& signal, FrameFormat format, Encoding encoding) {
+  const std::string name = name_text(to_utf8(view(signal.name), encoding), format);
   switch (format) {
     case FrameFormat::kJson:
       return ',' + name + ':';
@@ -23,17 +23,18 @@ std::string lead_of(const sigblk& signal, FrameFormat format) {
   }
 }
 
-std::string trail_of(const sigblk& signal, const FrameOptions& options) {
-  const std::string_view unit = options.raw ? std::string_view() : signal.unit;
+std::string trail_of(const sigblk& signal, const FrameOptions& options, Encoding encoding) {
+  const std::string unit = options.raw ? "" : to_utf8(signal.unit, encoding);
   if (options.format == FrameFormat::kCsv) return ',' + csv_field(unit) + ',';
   if (options.format == FrameFormat::kJson || unit.empty()) return "";
   return ' ' + escaped(unit);
 }
 
-std::string description_text(const sigblk& signal, std::string_view text, FrameFormat format) {
+/// @param name  of the signal
+std::string description_text(std::string_view name, std::string_view text, FrameFormat format) {
   switch (format) {
     case FrameFormat::kJson:
-      return ',' + json_string(view(signal.name)) + ':' + json_string(text);
+      return ',' + json_string(name) + ':' + json_string(text);
     case FrameFormat::kCsv:
       return csv_field(text);
     default:
@@ -41,12 +42,14 @@ std::string description_text(const sigblk& signal, std::string_view text, FrameF
   }
 }
 
-DescriptionTexts descriptions_of(const sigblk& signal, const FrameOptions& options) {
+DescriptionTexts descriptions_of(const sigblk& signal, const FrameOptions& options,
+                                 Encoding encoding) {
   DescriptionTexts texts;
   if (options.numbers || is_ieee(signal.value_type)) return texts;
+  const std::string name = to_utf8(view(signal.name), encoding);
   for (const val& value : each(signal.values)) {
     texts.add(static_cast<std::uint32_t>(value.value),
-              description_text(signal, view(value.text), options.format));
+              description_text(name, to_utf8(view(value.text), encoding), options.format));
   }
   return texts;
 }
@@ -77,28 +80,31 @@ std::string name_text(std::string_view name, FrameFormat format) {
     case FrameFormat::kCsv:
       return csv_field(name);
     default:
-      return escaped(name);
+      return escaped(utf8(name));
   }
 }
 
-SignalLayout::SignalLayout(const sigblk& signal, std::size_t position, const FrameOptions& options)
+SignalLayout::SignalLayout(const sigblk& signal, std::size_t position, const FrameOptions& options,
+                           Encoding encoding)
     : index(position),
       value_type(signal.value_type),
       is_signed(signal.flags & ZELK_SIGNAL_SIGNED),
       factor(signal.factor),
       offset(signal.offset),
       scale(signal.factor, signal.offset),
-      lead(lead_of(signal, options.format)),
-      trail(trail_of(signal, options)),
-      descriptions(descriptions_of(signal, options)) {}
+      lead(lead_of(signal, options.format, encoding)),
+      trail(trail_of(signal, options, encoding)),
+      descriptions(descriptions_of(signal, options, encoding)) {}
 
-MessageLayout::MessageLayout(const ZelkFrameDecoder& of, const FrameOptions& options)
+MessageLayout::MessageLayout(const ZelkFrameDecoder& of, const FrameOptions& options,
+                             Encoding encoding)
     : decoder(&of),
-      name(name_text(view(of.Message().name), options.format)),
+      name(name_text(to_utf8(view(of.Message().name), encoding), options.format)),
       needs_signal(!options.filter.signals.empty()) {
   const msgblk& message = of.Message();
   for (std::size_t i = 0; i < of.SignalCount(); ++i) {
-    if (options.filter.takes(message, of.Signal(i))) signals.emplace_back(of.Signal(i), i, options);
+    if (options.filter.takes(message, of.Signal(i)))
+      signals.emplace_back(of.Signal(i), i, options, encoding);
   }
   is_shown = options.filter.takes(message) && !(needs_signal && signals.empty());
 }

@@ -12,6 +12,7 @@
 
 #include "decimal.hpp"
 #include "name_filter.hpp"
+#include "text_encoding.hpp"
 #include "zelk/frame_decoder.hpp"
 
 namespace zelk::tool {
@@ -50,7 +51,8 @@ inline bool is_ieee(std::uint32_t value_type) {
 
 /// One signal of a message.
 struct SignalLayout {
-  SignalLayout(const sigblk& signal, std::size_t position, const FrameOptions& options);
+  SignalLayout(const sigblk& signal, std::size_t position, const FrameOptions& options,
+               Encoding encoding);
 
   std::size_t index;         ///< among the message's signals
   std::uint32_t value_type;  ///< `ZELK_VALUE_*`
@@ -65,7 +67,8 @@ struct SignalLayout {
 
 /// One message.
 struct MessageLayout {
-  MessageLayout(const ZelkFrameDecoder& of, const FrameOptions& options);
+  /// @param encoding  of the database's texts
+  MessageLayout(const ZelkFrameDecoder& of, const FrameOptions& options, Encoding encoding);
 
   const ZelkFrameDecoder* decoder;
   std::string name;                   ///< as the output has it
@@ -74,7 +77,7 @@ struct MessageLayout {
   bool needs_signal;  ///< whether a frame without any signal to tell is left out
 };
 
-/// A name as the output has it.
+/// A name as the output has it. One that is no UTF-8 comes from a log.
 std::string name_text(std::string_view name, FrameFormat format);
 
 }  // namespace zelk::tool

@@ -6,16 +6,21 @@
 #include <bit>
 #include <cmath>
 
-// A frame is told as
+#include "text.hpp"
+
+// A frame is written as
 //
 //   text  (TIME) INTERFACE MESSAGE SIGNAL=VALUE UNIT "DESCRIPTION" SIGNAL=...
 //   json  {"time":T,"interface":"I","id":N,"extended":B,"message":"M","signals":{"S":V,...},
-//         "texts":{"S":"DESCRIPTION",...}}, in one line; "time" and "texts" only when there are any
+//         "texts":{"S":"DESCRIPTION",...}}, in one line; "time" and "texts" only when there are
+//         any, but a frame without an interface has null for it and for a time that it has not
 //   csv   TIME,INTERFACE,0xID,MESSAGE,SIGNAL,RAW,VALUE,UNIT,DESCRIPTION, a line for each signal
 
 namespace zelk::tool {
 
 namespace {
+
+constexpr std::string_view kJsonNull = "null";  // no interface: the name of one stands in quotes
 
 float single_value(std::int64_t raw) {
   return std::bit_cast<float>(static_cast<std::uint32_t>(raw));
@@ -81,7 +86,6 @@ void append_text(LineBuffer& out, const DecodedFrame& frame, const FrameOptions&
     out.append(") ");
   }
   out.append(frame.interface_text);
-  out.append(' ');
   out.append(frame.message->name);
   const std::size_t signals = out.size();
   for_each_present(frame, [&](const SignalLayout& signal, std::int64_t raw) {
@@ -105,7 +109,12 @@ bool is_decimal(std::string_view text) {
 }
 
 /// A number, which in JSON has no leading zeros, when the time is one; else a string.
-void append_json_time(LineBuffer& out, std::string_view time) {
+void append_json_time(LineBuffer& out, const DecodedFrame& frame) {
+  std::string_view time = frame.time;
+  if (time.empty()) {
+    if (frame.interface_text == kJsonNull) out.append("\"time\":null,");
+    return;
+  }
   out.append("\"time\":");
   if (is_decimal(time)) {
     while (time.size() > 1 && time[0] == '0' && time[1] != '.') time.remove_prefix(1);
@@ -142,7 +151,7 @@ void append_json_texts(LineBuffer& out, const DecodedFrame& frame) {
 void append_json(LineBuffer& out, const DecodedFrame& frame, const FrameOptions& options) {
   const std::size_t line = out.size();
   out.append('{');
-  if (!frame.time.empty()) append_json_time(out, frame.time);
+  append_json_time(out, frame);
   out.append("\"interface\":");
   out.append(frame.interface_text);
   out.append(",\"id\":");
@@ -193,6 +202,17 @@ void append_csv(LineBuffer& out, const DecodedFrame& frame, const FrameOptions& 
 }
 
 }  // namespace
+
+std::string interface_text(std::string_view name, FrameFormat format) {
+  switch (format) {
+    case FrameFormat::kJson:
+      return name.empty() ? std::string(kJsonNull) : name_text(name, format);
+    case FrameFormat::kCsv:
+      return name_text(escaped(name), format);
+    default:
+      return name.empty() ? "" : name_text(name, format) + ' ';
+  }
+}
 
 std::string_view heading(FrameFormat format) {
   return format == FrameFormat::kCsv ? "time,interface,id,message,signal,raw,value,unit,text\r\n"

@@ -104,7 +104,7 @@ std::vector<Selection> selections_of(const Signals& dependants, std::size_t limi
 
 class LayoutBuilder {
  public:
-  explicit LayoutBuilder(const msgblk& message) {
+  LayoutBuilder(const msgblk& message, Encoding encoding) : encoding_(encoding) {
     for (const sigblk& signal : each(message.signals)) {
       if (signal.mux_signal || signal.mux_ranges) {
         dependants_[signal.mux_signal].push_back(&signal);
@@ -143,8 +143,9 @@ class LayoutBuilder {
   }
 
   /// "Mux = 3, 5..7"; a single value is followed by what it is called.
-  static std::string condition_of(const sigblk* multiplexor, const Selection& selection) {
-    std::string text = multiplexor ? escaped(view(multiplexor->name)) : "(no multiplexor)";
+  std::string condition_of(const sigblk* multiplexor, const Selection& selection) const {
+    std::string text =
+        multiplexor ? escaped(to_utf8(view(multiplexor->name), encoding_)) : "(no multiplexor)";
     const char* separator = " = ";
     for (const Range& range : selection.ranges) {
       text += separator + range_text(range.low, range.high);
@@ -154,9 +155,10 @@ class LayoutBuilder {
     if (!multiplexor || selection.ranges.size() > 1 || first.low != first.high) return text;
     const char* called =
         zelk_get_sig_enumsymbol(multiplexor, static_cast<std::uint32_t>(first.low));
-    return called ? fmt::format("{} {}", text, in_quotes(called)) : text;
+    return called ? fmt::format("{} {}", text, in_quotes(to_utf8(called, encoding_))) : text;
   }
 
+  Encoding encoding_;
   Signals always_;
   std::unordered_map<const sigblk*, Signals>
       dependants_;  // by multiplexor; null: those without one
@@ -165,7 +167,9 @@ class LayoutBuilder {
 
 }  // namespace
 
-Layouts layouts_of(const msgblk& message) { return LayoutBuilder(message).build(); }
+Layouts layouts_of(const msgblk& message, Encoding encoding) {
+  return LayoutBuilder(message, encoding).build();
+}
 
 std::string presence_values(const sigblk& signal) {
   std::string text;

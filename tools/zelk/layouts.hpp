@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "text_encoding.hpp"
 #include "zelk/records.h"
 
 namespace zelk::tool {
@@ -32,7 +33,9 @@ struct Layouts {
 ///
 /// A signal of which no value leads to its presence (without values, or on a cycle of multiplexors)
 /// is in none.
-Layouts layouts_of(const msgblk& message);
+///
+/// @param encoding  of the message's texts; conditions are in UTF-8
+Layouts layouts_of(const msgblk& message, Encoding encoding);
 
 /// The multiplexor values for which `signal` is there, in list order: "3, 5..7"; empty when it has
 /// none.

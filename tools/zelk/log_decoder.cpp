@@ -89,7 +89,7 @@ LogDecoder::Channel& LogDecoder::channel_of(std::string_view name) {
   auto found = channels_.find(name);
   if (found == channels_.end()) {
     found = channels_.try_emplace(std::string(name)).first;
-    found->second.text = name_text(name, catalog_.options().format);
+    found->second.text = interface_text(name, catalog_.options().format);
   }
   last_channel_ = &*found;
   return found->second;

@@ -45,7 +45,7 @@ bool LogInput::next(std::string& block) {
       return true;
     }
   }
-  return !block.empty();
+  return !block.empty() && !NotedStop::is_requested();
 }
 
 bool LogInput::read_more(std::string& block) {

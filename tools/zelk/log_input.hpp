@@ -22,7 +22,8 @@ class LogInput {
   explicit LogInput(const std::optional<std::string>& path);
 
   /// The next lines. All end in a line feed, but perhaps the last of the log. Of a line that is
-  /// longer than any frame takes, only the beginning is given out.
+  /// longer than any frame takes, only the beginning is given out. After a `NotedStop` what has
+  /// been read of a line is no line.
   ///
   /// @return false at the end
   /// @throws std::system_error when the log cannot be read

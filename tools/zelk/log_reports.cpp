@@ -46,9 +46,12 @@ void LogReport::add(const DecodedBlock& block) {
 }
 
 void LogReport::tell_rest() const {
-  if (counts_.malformed <= LogDecoder::kMostMalformed) return;
-  print_error(fmt::format("{}: {} in all that are not frames", escaped(log_name_),
-                          counted(counts_.malformed, "line")));
+  if (counts_.malformed > LogDecoder::kMostMalformed) {
+    print_error(fmt::format("{}: {} in all that are not frames", escaped(log_name_),
+                            counted(counts_.malformed, "line")));
+  }
+  if (!is_of_a_log())
+    print_error(fmt::format("{}: not a log: no line is a frame", escaped(log_name_)));
 }
 
 void LogReport::tell_counts(const UnknownIds& unknown) const {

@@ -20,8 +20,10 @@ class LogReport {
   explicit LogReport(std::string log_name) : log_name_(std::move(log_name)) {}
 
   void add(const DecodedBlock& block);
-  /// Tells how many malformed lines have not been told.
+  /// Tells how many malformed lines have not been told, and when they were all there was.
   void tell_rest() const;
+  /// False when there were lines, and none was a frame.
+  bool is_of_a_log() const { return counts_.frames > 0 || counts_.malformed == 0; }
   /// Tells all counts.
   void tell_counts(const UnknownIds& unknown) const;
 

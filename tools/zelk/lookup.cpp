@@ -39,6 +39,15 @@ std::string suggestion(const std::vector<std::string_view>& names, std::string_v
   return text.empty() ? text : text + "?";
 }
 
+void NameSuggestion::add(std::string_view name, std::string_view owner) {
+  const bool is_qualified = !owner.empty() && typed_.find('.') != std::string_view::npos;
+  names_.push_back(is_qualified ? fmt::format("{}.{}", owner, name) : std::string(name));
+}
+
+std::string NameSuggestion::text() const {
+  return suggestion(std::vector<std::string_view>(names_.begin(), names_.end()), typed_);
+}
+
 std::vector<const msgblk*> find_messages(const ZelkDatabase& database, const std::string& wanted) {
   const std::optional<std::uint32_t> id = parse_id(wanted);
   std::vector<const msgblk*> found;

@@ -28,6 +28,24 @@ std::optional<std::uint32_t> parse_id(std::string_view text);
 /// A, B?"; empty for none.
 std::string suggestion(const std::vector<std::string_view>& names, std::string_view name);
 
+/// Gathers names, and suggests those that somebody who typed another one may have meant.
+class NameSuggestion {
+ public:
+  /// @param typed  must outlive the object
+  explicit NameSuggestion(std::string_view typed) : typed_(typed) {}
+
+  /// @param owner  the message that has what bears the name: with it in front the name counts when
+  /// there is a point in what was typed; empty for none
+  void add(std::string_view name, std::string_view owner = {});
+
+  /// As `suggestion`.
+  std::string text() const;
+
+ private:
+  std::string_view typed_;
+  std::vector<std::string> names_;
+};
+
 /// The messages of a name or an identifier, whose format bit matters only when it is given, in the
 /// order of the database; never none.
 ///

@@ -1,12 +1,15 @@
 #include <cerrno>
 #include <cstdio>
 #include <exception>
+#include <new>
 #include <sstream>
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <vector>
 
 #include "commands.hpp"
+#include "lookup.hpp"
 #include "system.hpp"
 #include "text.hpp"
 
@@ -20,7 +23,10 @@ constexpr const char* kExitCodes =
     "  1  a file cannot be read or converted, an object is not found, a value cannot be encoded, "
     "an\n"
     "     edit cannot be made, or the output cannot be written\n"
-    "  2  the command line is wrong";
+    "  2  the command line is wrong\n"
+    "Interrupted (130 in a shell), decode still ends with a whole line and its statistics.";
+
+constexpr const char* kHelpHint = "Run with --help for more information.";
 
 /// Tells what is wrong with the command line.
 void complain(std::string_view text) {
@@ -29,6 +35,27 @@ void complain(std::string_view text) {
     print_error(fmt::format("{}{}", lead, line));
     lead = "";
   }
+}
+
+/// Names the option or subcommand that comes nearest to one that there is not.
+///
+/// @return empty when what is wrong is something else
+std::string complaint_about_misspelling(const CLI::App& app) {
+  const std::vector<std::string> surplus = app.remaining(true);
+  if (surplus.empty()) return "";
+  const std::string word = surplus.front().substr(0, surplus.front().find('='));
+  const auto given = app.get_subcommands();
+  NameSuggestion names(word);
+  if (word.starts_with("-")) {
+    const CLI::App& command = given.empty() ? app : *given.front();
+    for (const CLI::Option* option : command.get_options())
+      for (const std::string& name : option->get_lnames()) names.add("--" + name);
+    return fmt::format("there is no option {}{}", in_quotes(word), names.text());
+  }
+  if (!given.empty()) return "";
+  for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; }))
+    names.add(command->get_name());
+  return fmt::format("there is no subcommand {}{}", in_quotes(word), names.text());
 }
 
 /// Help and version are answers on standard output; everything else that ends the parsing is wrong
@@ -40,15 +67,19 @@ ExitCode answer_parse_end(const CLI::App& app, const CLI::ParseError& end, Outpu
   out.raw(answer.str());
   out.flush();
   if (code == 0) return kExitSuccess;
-  complain(complaint.str());
+  const bool is_surplus = dynamic_cast<const CLI::ExtrasError*>(&end) != nullptr;
+  const std::string misspelling = is_surplus ? complaint_about_misspelling(app) : "";
+  complain(misspelling.empty() ? complaint.str() : misspelling + '\n' + kHelpHint);
   return kExitUsage;
 }
 
 /// @param failure  what to end with when this throws
 ExitCode run(int argc, char** argv, Output& out, ExitCode& failure) {
   Action action;
-  CLI::App app("Reads, compares, edits and converts CAN network databases in the DBC text format.",
-               "zelk");
+  CLI::App app(
+      "Reads, compares, edits and converts CAN network databases in the DBC text format. KCD and\n"
+      "JSON files are read as well, by their extensions.",
+      "zelk");
   app.allow_windows_style_options(false);  // "/" begins a path
   app.set_version_flag("--version", "zelk " ZELK_TOOL_VERSION, "Print the version and exit");
   app.require_subcommand(0, 1);  // none is told below, where a misspelt one has been told already
@@ -70,12 +101,18 @@ ExitCode run(int argc, char** argv, Output& out, ExitCode& failure) {
     return answer_parse_end(app, end, out);
   }
   if (!action) {
-    complain("A subcommand is required\nRun with --help for more information.");
+    complain(std::string("A subcommand is required\n") + kHelpHint);
     return kExitUsage;
   }
   const ExitCode code = action(out);
   out.flush();
   return code;
+}
+
+/// Takes no memory, which may be what is missing.
+void print_failure(const char* what) {
+  std::fputs("zelk: ", stderr);
+  print_error(what);
 }
 
 }  // namespace
@@ -88,9 +125,11 @@ int guarded_main(int argc, char** argv) {
     return run(argc, argv, out, failure);
   } catch (const std::system_error& error) {
     // A reader that has seen enough, such as a pager that was left, needs no message.
-    if (error.code() != std::errc::broken_pipe) print_error(fmt::format("zelk: {}", error.what()));
+    if (error.code() != std::errc::broken_pipe) print_failure(error.what());
+  } catch (const std::bad_alloc&) {
+    print_failure("out of memory");
   } catch (const std::exception& error) {
-    print_error(fmt::format("zelk: {}", error.what()));
+    print_failure(error.what());
   }
   return failure;
 }

@@ -1,5 +1,7 @@
 #include "name_filter.hpp"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cstddef>
 
@@ -12,6 +14,13 @@ namespace {
 bool matches_any(const std::vector<std::string>& patterns, std::string_view name) {
   return std::ranges::any_of(
       patterns, [&](const std::string& pattern) { return matches_wildcards(pattern, name); });
+}
+
+/// Bytes of the first character of a text in UTF-8, which is not empty.
+std::size_t character_size(std::string_view text) {
+  std::size_t size = 1;
+  while (size < text.size() && (static_cast<unsigned char>(text[size]) & 0xC0) == 0x80) ++size;
+  return size;
 }
 
 }  // namespace
@@ -27,8 +36,7 @@ bool matches_wildcards(std::string_view pattern, std::string_view text) {
       star = p++;
       behind_it = t;
     } else if (p < pattern.size() && (pattern[p] == '?' || pattern[p] == text[t])) {
-      ++p;
-      ++t;
+      t += pattern[p++] == '?' ? character_size(text.substr(t)) : 1;
     } else if (star != kNone) {
       p = star + 1;
       t = ++behind_it;
@@ -39,15 +47,19 @@ bool matches_wildcards(std::string_view pattern, std::string_view text) {
   return pattern.find_first_not_of('*', p) == kNone;
 }
 
+bool matches_object(std::string_view pattern, std::string_view name, std::string_view owner) {
+  if (matches_wildcards(pattern, name)) return true;
+  return !owner.empty() && matches_wildcards(pattern, fmt::format("{}.{}", owner, name));
+}
+
 bool NameFilter::takes(const msgblk& message) const {
   return messages.empty() || matches_any(messages, view(message.name));
 }
 
 bool NameFilter::takes(const msgblk& message, const sigblk& signal) const {
-  if (signals.empty()) return true;
-  const std::string qualified =
-      std::string(view(message.name)) + "." + std::string(view(signal.name));
-  return matches_any(signals, view(signal.name)) || matches_any(signals, qualified);
+  return signals.empty() || std::ranges::any_of(signals, [&](const std::string& pattern) {
+           return matches_object(pattern, view(signal.name), view(message.name));
+         });
 }
 
 }  // namespace zelk::tool

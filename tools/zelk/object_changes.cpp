@@ -34,29 +34,41 @@ std::string told(const Cell& cell) {
   return is_plain(text) ? text : in_quotes(text);
 }
 
-ChangeSide side(const Cell& cell) { return {told(cell), in_utf8(cell.value)}; }
+ChangeSide side(const Cell& cell) { return {told(cell), cell.value}; }
 
 std::multiset<Json> unordered(const Json& list) { return {list.begin(), list.end()}; }
 
-bool same_value(const attr& a, const attr& b) {
+/// What the texts of the two databases are encoded in.
+struct Encodings {
+  Encoding before;
+  Encoding after;
+};
+
+bool same_value(const attr& a, const attr& b, Encodings encodings) {
   const bool is_text = a.def->value_type == ZELK_ATTR_STRING;
   if (is_text != (b.def->value_type == ZELK_ATTR_STRING)) return false;
-  if (attribute_text(a) != attribute_text(b)) return false;
+  if (to_utf8(attribute_text(a), encodings.before) != to_utf8(attribute_text(b), encodings.after))
+    return false;
   return is_text || a.value.number == b.value.number;
 }
 
 /// A value of an attribute, with the node of a relation.
 struct AttributeValue {
   const attr* record;
-  std::string_view node;  // empty for none
+  std::string name;
+  std::string node;  // empty for none
 };
 
 std::vector<AttributeValue> attributes_of(const Object& object) {
   std::vector<AttributeValue> values;
-  for (const attr& value : each(object.attributes)) values.push_back({&value, {}});
+  const auto add = [&](const attr& value, std::string_view node) {
+    values.push_back(
+        {&value, to_utf8(view(value.def->name), object.encoding), to_utf8(node, object.encoding)});
+  };
+  for (const attr& value : each(object.attributes)) add(value, {});
   for (const rxblk& link : each(object.links)) {
     for (const attr& value : each(link.attrs))
-      values.push_back({&value, link.node ? view(link.node->name) : std::string_view()});
+      add(value, link.node ? view(link.node->name) : std::string_view());
   }
   return values;
 }
@@ -64,8 +76,7 @@ std::vector<AttributeValue> attributes_of(const Object& object) {
 std::vector<Key> keys_of(const std::vector<AttributeValue>& values) {
   std::vector<Key> keys;
   keys.reserve(values.size());
-  for (const AttributeValue& value : values)
-    keys.push_back({0, view(value.record->def->name), value.node});
+  for (const AttributeValue& value : values) keys.push_back({0, value.name, value.node});
   return keys;
 }
 
@@ -83,19 +94,26 @@ std::vector<const val*> all(const val* head) {
   return values;
 }
 
-ChangeSide side(const attr* value) {
+ChangeSide side(const attr* value, Encoding encoding) {
   if (!value) return {};
-  return {shown_value(*value), in_utf8(value_cell(*value).value)};
+  return {shown_value(*value, encoding), in_utf8(value_cell(*value), encoding).value};
 }
 
-ChangeSide side(const val* value) {
+ChangeSide side(const val* value, Encoding encoding) {
   if (!value) return {};
-  return {in_quotes(view(value->text)), in_utf8(text(value->text).value)};
+  const std::string text = to_utf8(view(value->text), encoding);
+  return {in_quotes(text), text};
+}
+
+Cell text_or_none(const char* bytes, Encoding encoding) {
+  return bytes ? in_utf8(text(bytes), encoding) : none();
 }
 
 /// Gathers what differs.
 class Comparison {
  public:
+  explicit Comparison(Encodings encodings) : encodings_(encodings) {}
+
   /// @return whether they differ
   bool field(std::string_view name, const Cell& before, const Cell& after, bool ordered = false) {
     if (before.value == after.value) return false;
@@ -107,7 +125,8 @@ class Comparison {
   }
 
   void comment(const char* before, const char* after) {
-    field("comment", before ? text(before) : none(), after ? text(after) : none());
+    field("comment", text_or_none(before, encodings_.before),
+          text_or_none(after, encodings_.after));
   }
 
   void attributes(const Object& before, const Object& after) {
@@ -135,26 +154,26 @@ class Comparison {
  private:
   /// @param either  of the two, one of which can be null
   void attribute(const AttributeValue& either, const attr* before, const attr* after) {
-    if (before && after && same_value(*before, *after)) return;
-    const std::string_view name = view(either.record->def->name);
-    Change change{fmt::format("attribute {}", in_quotes(name)),
-                  Json{{"field", "attribute"}, {"attribute", in_utf8(name)}}, side(before),
-                  side(after)};
+    if (before && after && same_value(*before, *after, encodings_)) return;
+    Change change{fmt::format("attribute {}", in_quotes(either.name)),
+                  Json{{"field", "attribute"}, {"attribute", either.name}},
+                  side(before, encodings_.before), side(after, encodings_.after)};
     if (!either.node.empty()) {
       change.field += fmt::format(" with {}", escaped(either.node));
-      change.labels["node"] = in_utf8(either.node);
+      change.labels["node"] = either.node;
     }
     changes_.push_back(std::move(change));
   }
 
   /// @param either  of the two, one of which can be null
   void description(const val& either, const val* before, const val* after) {
-    if (before && after && view(before->text) == view(after->text)) return;
-    changes_.push_back({fmt::format("value {}", either.value),
-                        Json{{"field", "value"}, {"value", either.value}}, side(before),
-                        side(after)});
+    Change change{fmt::format("value {}", either.value),
+                  Json{{"field", "value"}, {"value", either.value}},
+                  side(before, encodings_.before), side(after, encodings_.after)};
+    if (change.before.value != change.after.value) changes_.push_back(std::move(change));
   }
 
+  Encodings encodings_;
   std::vector<Change> changes_;
 };
 
@@ -171,7 +190,7 @@ const msgblk& as_message(const Object& object) {
 
 Cell transmitter(const Object& message) {
   const symblk* const node = as_message(message).transmitter;
-  return node ? text(node->name) : none();
+  return node ? in_utf8(text(node->name), message.encoding) : none();
 }
 
 /// The list of all transmitters. That of one is not written to a file: it has to be the message's.
@@ -181,7 +200,7 @@ Cell transmitter_list(const Object& message) {
   if (links && !links->next && links->node == as_message(message).transmitter) return names;
   for (const rxblk& link : each(links))
     names.value.push_back(link.node ? view(link.node->name) : "");
-  return names;
+  return in_utf8(std::move(names), message.encoding);
 }
 
 /// The sign, which the number format of IEEE signals does not tell.
@@ -223,7 +242,7 @@ Cell filter_nodes(const filter_t& filter) {
 
 std::vector<Change> changes_between(const ObjectKind& kind, const Object& before,
                                     const Object& after) {
-  Comparison comparison;
+  Comparison comparison({before.encoding, after.encoding});
   for (std::size_t i = 0; i < kind.headings.size(); ++i) {
     const std::string_view heading = kind.headings[i];
     if (is_compared_elsewhere(kind, heading)) continue;
@@ -242,20 +261,24 @@ std::vector<Change> changes_between(const ObjectKind& kind, const Object& before
   return comparison.take();
 }
 
-std::vector<Change> network_changes(const ZelkDatabase& before, const ZelkDatabase& after) {
-  const auto network = [](const ZelkDatabase& database) {
+std::vector<Change> network_changes(EncodedDatabase before, EncodedDatabase after) {
+  const auto network = [](EncodedDatabase database) {
     Object object{};
-    object.attributes = database.attr_values;
+    object.attributes = database.records.attr_values;
+    object.encoding = database.encoding;
     return object;
   };
-  Comparison comparison;
-  comparison.field("version", text(before.user_data), text(after.user_data));
-  comparison.field("bit timings", bit_timings(before), bit_timings(after));
-  comparison.field("filter", filter_number(before.filter), filter_number(after.filter));
-  comparison.field("filter categories", filter_categories(before.filter),
-                   filter_categories(after.filter));
-  comparison.field("filter nodes", filter_nodes(before.filter), filter_nodes(after.filter));
-  comparison.comment(before.comment, after.comment);
+  const ZelkDatabase& old_one = before.records;
+  const ZelkDatabase& new_one = after.records;
+  Comparison comparison({before.encoding, after.encoding});
+  comparison.field("version", in_utf8(text(old_one.user_data), before.encoding),
+                   in_utf8(text(new_one.user_data), after.encoding));
+  comparison.field("bit timings", bit_timings(old_one), bit_timings(new_one));
+  comparison.field("filter", filter_number(old_one.filter), filter_number(new_one.filter));
+  comparison.field("filter categories", filter_categories(old_one.filter),
+                   filter_categories(new_one.filter));
+  comparison.field("filter nodes", filter_nodes(old_one.filter), filter_nodes(new_one.filter));
+  comparison.comment(old_one.comment, new_one.comment);
   comparison.attributes(network(before), network(after));
   return comparison.take();
 }

@@ -33,7 +33,7 @@ std::vector<Change> changes_between(const ObjectKind& kind, const Object& before
 
 /// Compares what two databases have beside their objects: version, bit timings, filter, comment,
 /// and the network's attribute values.
-std::vector<Change> network_changes(const ZelkDatabase& before, const ZelkDatabase& after);
+std::vector<Change> network_changes(EncodedDatabase before, EncodedDatabase after);
 
 }  // namespace zelk::tool
 

@@ -357,15 +357,26 @@ ObjectKind make_kind(std::string_view plural, std::string_view singular,
                      const Column<Record> (&columns)[count], const ForEach& for_each) {
   constexpr bool kIsNamed = !requires(Record record) { record.record; };
   constexpr bool kHasComments = requires(Record record) { record.comment; };
-  ObjectKind kind{plural, singular, kIsNamed, kHasComments, attribute_type, {}, {}, for_each};
+  ObjectKind kind{plural, singular, kIsNamed, kHasComments, attribute_type, {}, {}, {}};
   for (const Column<Record>& column : columns) kind.headings.push_back(column.heading);
   kind.cell = [&columns](const Object& object, std::size_t column) {
-    return columns[column].value(*static_cast<const Record*>(object.record));
+    return in_utf8(columns[column].value(*static_cast<const Record*>(object.record)),
+                   object.encoding);
+  };
+  kind.for_each = [for_each](EncodedDatabase database, const VisitObject& visit) {
+    for_each(database.records, [&](Object object) {
+      object.encoding = database.encoding;
+      visit(object);
+    });
   };
   return kind;
 }
 
 }  // namespace
+
+std::string Object::owner_text() const {
+  return owner ? to_utf8(view(owner->name), encoding) : std::string();
+}
 
 void ObjectKind::append_cells(const Object& object, std::vector<Cell>& cells) const {
   for (std::size_t i = 0; i < headings.size(); ++i) cells.push_back(cell(object, i));

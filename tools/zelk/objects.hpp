@@ -8,6 +8,7 @@
 #include <functional>
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -20,12 +21,17 @@ namespace zelk::tool {
 /// lives no longer than the call that it is handed to.
 struct Object {
   const void* record;
-  std::string_view name;
+  std::string_view name;             ///< as in the record
   const msgblk* owner = nullptr;     ///< the message that has it; null for none
   const char* comment = nullptr;     ///< may be null
   const attr* attributes = nullptr;  ///< its values
   const val* values = nullptr;       ///< descriptions of its raw values
   const rxblk* links = nullptr;      ///< to the nodes that send, receive or access it
+  Encoding encoding = Encoding::kUtf8;
+
+  std::string name_text() const { return to_utf8(name, encoding); }
+  /// The name of `owner`; empty for none.
+  std::string owner_text() const;
 };
 
 using VisitObject = std::function<void(const Object&)>;
@@ -38,9 +44,9 @@ struct ObjectKind {
   bool has_comments;
   std::optional<zelk_obj_t> attribute_type;  ///< of the attributes that they can have
   std::vector<std::string_view> headings;    ///< of the columns
-  std::function<Cell(const Object& object, std::size_t column)> cell;
+  std::function<Cell(const Object& object, std::size_t column)> cell;  ///< in UTF-8
   /// Visits the objects of a database in its order.
-  std::function<void(const ZelkDatabase& database, const VisitObject& visit)> for_each;
+  std::function<void(EncodedDatabase database, const VisitObject& visit)> for_each;
 
   /// The columns of an object, to the end of `cells`.
   void append_cells(const Object& object, std::vector<Cell>& cells) const;

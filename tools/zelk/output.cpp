@@ -24,8 +24,8 @@ void Output::write_through(std::string_view text) {
 }
 
 void print_error(std::string_view line) {
-  const std::string text = fmt::format("{}\n", line);
-  std::fputs(text.c_str(), stderr);
+  std::fwrite(line.data(), 1, line.size(), stderr);
+  std::fputc('\n', stderr);
 }
 
 }  // namespace zelk::tool

@@ -76,7 +76,7 @@ class Output {
 };
 
 /// One line on standard error; a failure to write it is ignored, as there is no place left to tell
-/// it.
+/// it. Takes no memory.
 void print_error(std::string_view line);
 
 }  // namespace zelk::tool

@@ -7,16 +7,16 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <string_view>
+#include <string>
 #include <vector>
 
 namespace zelk::tool {
 
-/// What identifies an element in its list; the texts are borrowed.
+/// What identifies an element in its list.
 struct Key {
   std::uint64_t number = 0;
-  std::string_view name;
-  std::string_view partner;
+  std::string name;
+  std::string partner;
 
   bool operator==(const Key&) const = default;
 };

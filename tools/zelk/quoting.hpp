@@ -9,17 +9,15 @@
 
 namespace zelk::tool {
 
-/// Whether `text` is UTF-8 from end to end.
-bool is_utf8(std::string_view text);
-
-/// `text` in UTF-8; one that is not is taken as Latin-1.
+/// `text` in UTF-8; one that is not comes from the command line or a log, and is taken as
+/// Windows-1252.
 std::string utf8(std::string_view text);
 
-/// `text` as a JSON string, quotes included. JSON is UTF-8: a text that is not is taken as
-/// Latin-1.
+/// `text`, made UTF-8 by `utf8`, as a JSON string, quotes included.
 std::string json_string(std::string_view text);
 
-/// `text` as a field of CSV (RFC 4180): in quotes when it has commas, quotes or line ends.
+/// `text`, made UTF-8 by `utf8`, as a field of CSV (RFC 4180): in quotes when it has commas, quotes
+/// or line ends. Control characters other than line ends and tabs become "\x1B", ...
 std::string csv_field(std::string_view text);
 
 }  // namespace zelk::tool

@@ -19,27 +19,31 @@ namespace {
 
 constexpr std::size_t kMostWarnings = 10;
 
-/// A folder that nobody else has, removed with all that is in it.
-class TemporaryFolder {
+/// A file in a folder that nobody else has; both go with this, also when memory has run out.
+class TemporaryFile {
  public:
-  TemporaryFolder() {
+  TemporaryFile() {
     std::random_device random;
     do {
-      path_ = std::filesystem::temp_directory_path() / fmt::format("zelk-{:08x}", random());
-    } while (!std::filesystem::create_directory(path_));
-    std::filesystem::permissions(path_, std::filesystem::perms::owner_all);
-  }
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-  ~TemporaryFolder() {
+      folder_ = std::filesystem::temp_directory_path() / fmt::format("zelk-{:08x}", random());
+      file_ = folder_ / "written.dbc";
+    } while (!std::filesystem::create_directory(folder_));
     std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
+    std::filesystem::permissions(folder_, std::filesystem::perms::owner_all, ignored);
+  }
+  TemporaryFile(const TemporaryFile&) = delete;
+  TemporaryFile& operator=(const TemporaryFile&) = delete;
+  ~TemporaryFile() {
+    std::error_code ignored;
+    std::filesystem::remove(file_, ignored);
+    std::filesystem::remove(folder_, ignored);
   }
 
-  std::string file(const char* name) const { return (path_ / name).string(); }
+  std::string path() const { return file_.string(); }
 
  private:
-  std::filesystem::path path_;
+  std::filesystem::path folder_;
+  std::filesystem::path file_;
 };
 
 void write_to(const std::string& path, const ZelkDatabase& d) {
@@ -61,18 +65,17 @@ std::string shown(const Difference& difference) {
 
 }  // namespace
 
-void check_read_back(const ZelkDatabase& database, const std::string& path) {
-  const TemporaryFolder folder;
-  const std::string written = folder.file("written.dbc");
-  write_to(written, database);
+void check_read_back(EncodedDatabase database, const std::string& path) {
+  const TemporaryFile temporary;
+  const std::string written = temporary.path();
+  write_to(written, database.records);
   DatabaseFile file;
-  const ZelkDatabase* const read = file.open(written);
-  if (!read) {
+  if (!file.open(written)) {
     const std::string report = file.reports().empty() ? "" : file.reports().front();
     throw RequestError(behind_path("not written, as it could not be read again", report));
   }
   std::size_t count = 0;
-  for_each_difference(database, *read, [&](const Difference& difference) {
+  for_each_difference(database, file.encoded(), [&](const Difference& difference) {
     if (++count > kMostWarnings) return;
     print_error(behind_path(path, "warning: in the file this is otherwise: " + shown(difference)));
   });

@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "zelk/database.hpp"
+#include "text_encoding.hpp"
 
 namespace zelk::tool {
 
@@ -14,7 +14,7 @@ namespace zelk::tool {
 /// numbers of more than 14 digits, is told on standard error as warnings about `path`.
 ///
 /// @throws RequestError when it cannot be read back, which tells why
-void check_read_back(const ZelkDatabase& database, const std::string& path);
+void check_read_back(EncodedDatabase database, const std::string& path);
 
 }  // namespace zelk::tool
 

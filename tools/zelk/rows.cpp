@@ -13,7 +13,7 @@ namespace {
 /// Columns that a text takes on a terminal: a character each, and a byte each when it is not UTF-8.
 std::size_t width_of(std::string_view text) {
   const auto continues = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; };
-  if (!is_utf8(text)) return text.size();
+  if (!modules::is_utf8(text)) return text.size();
   return text.size() - static_cast<std::size_t>(std::ranges::count_if(text, continues));
 }
 
@@ -115,7 +115,7 @@ class JsonWriter : public RowWriter {
 
   void row(const std::vector<Cell>& cells) override {
     Json object;
-    for (std::size_t i = 0; i < cells.size(); ++i) object[keys_[i]] = in_utf8(cells[i].value);
+    for (std::size_t i = 0; i < cells.size(); ++i) object[keys_[i]] = cells[i].value;
     array_.element(object);
   }
 

@@ -57,26 +57,31 @@ std::optional<Number> parse_number(std::string_view text, Base... base) {
   return number;
 }
 
-std::optional<std::int32_t> described_value(const sigblk& signal, std::string_view text) {
+std::optional<std::int32_t> described_value(const sigblk& signal, std::string_view text,
+                                            Encoding encoding) {
   for (const val& value : each(signal.values))
-    if (view(value.text) == text) return value.value;
+    if (to_utf8(view(value.text), encoding) == text) return value.value;
   return std::nullopt;
 }
 
-[[noreturn]] void refuse_unknown(const sigblk& signal, std::string_view text) {
-  std::vector<std::string_view> descriptions;
-  for (const val& value : each(signal.values)) descriptions.push_back(view(value.text));
+[[noreturn]] void refuse_unknown(const sigblk& signal, std::string_view text, Encoding encoding) {
+  NameSuggestion descriptions(text);
+  for (const val& value : each(signal.values))
+    descriptions.add(to_utf8(view(value.text), encoding));
   refuse(signal, text,
-         (descriptions.empty() ? "not a number" : "neither a number nor a value description") +
-             suggestion(descriptions, text));
+         (signal.values ? "neither a number nor a value description" : "not a number") +
+             descriptions.text());
 }
 
-void check_physical(const sigblk& signal, std::string_view text, double physical) {
+void check_physical(const sigblk& signal, std::string_view text, double physical,
+                    const ValueOptions& options) {
+  if (options.force) return;
   if (signal.minimum == 0 && signal.maximum == 0) return;
   if (physical >= signal.minimum && physical <= signal.maximum) return;
   refuse(signal, text,
          fmt::format("out of range, {} to {}{}{}{}", signal.minimum, signal.maximum,
-                     *signal.unit ? " " : "", escaped(signal.unit), kForceHint));
+                     *signal.unit ? " " : "", escaped(to_utf8(signal.unit, options.encoding)),
+                     kForceHint));
 }
 
 /// A whole number that is beyond what the bits can hold on the side of `is_low`.
@@ -103,7 +108,7 @@ double physical_of(const sigblk& signal, std::int64_t raw) {
   return number * signal.factor + signal.offset;
 }
 
-std::int64_t parse_raw(const sigblk& signal, std::string_view text, bool force) {
+std::int64_t parse_raw(const sigblk& signal, std::string_view text, const ValueOptions& options) {
   const bool is_negative = text.starts_with('-');
   std::string_view digits = text.substr(is_negative ? 1 : 0);
   const bool is_hexadecimal = digits.starts_with("0x") || digits.starts_with("0X");
@@ -113,15 +118,16 @@ std::int64_t parse_raw(const sigblk& signal, std::string_view text, bool force) 
   const RawRange range = range_of(signal);
   const bool is_below = is_negative && *magnitude > 0 - static_cast<std::uint64_t>(range.low);
   const bool is_above = !is_negative && *magnitude > range.high;
-  if (is_below || is_above) return cut(signal, text, is_below, force);
+  if (is_below || is_above) return cut(signal, text, is_below, options.force);
   const auto raw = static_cast<std::int64_t>(is_negative ? 0 - *magnitude : *magnitude);
-  if (!force) check_physical(signal, text, physical_of(signal, raw));
+  check_physical(signal, text, physical_of(signal, raw), options);
   return raw;
 }
 
-std::int64_t raw_of(const sigblk& signal, std::string_view text, double physical, bool force) {
+std::int64_t raw_of(const sigblk& signal, std::string_view text, double physical,
+                    const ValueOptions& options) {
   if (std::isnan(physical)) refuse(signal, text, "an integer signal cannot hold it");
-  if (!force) check_physical(signal, text, physical);
+  check_physical(signal, text, physical, options);
   const double quotient = (physical - signal.offset) / signal.factor;
   const RawRange range = range_of(signal);
   const auto low = static_cast<double>(range.low);
@@ -129,7 +135,7 @@ std::int64_t raw_of(const sigblk& signal, std::string_view text, double physical
   // Rounding takes what lies less than a half outside back in.
   const bool is_below = quotient < low && quotient <= low - 0.5;
   const bool is_above = quotient >= high + 0.5;
-  if (is_below || is_above) return cut(signal, text, is_below, force);
+  if (is_below || is_above) return cut(signal, text, is_below, options.force);
   long long raw = 0;
   ZelkManager(static_cast<void*>(nullptr)).PhysicalToRawValueInt64(physical, signal, raw);
   return raw;
@@ -140,13 +146,12 @@ std::int64_t parse_integer_value(const sigblk& signal, std::string_view text,
   if (signal.length == 0 || signal.length > 64)
     refuse(signal, text, "only signals of 1 to 64 bits can be set");
   if (const auto number = parse_number<double>(text)) {
-    return options.raw ? parse_raw(signal, text, options.force)
-                       : raw_of(signal, text, *number, options.force);
+    return options.raw ? parse_raw(signal, text, options) : raw_of(signal, text, *number, options);
   }
   if (options.raw && (text.starts_with("0x") || text.starts_with("0X") || text.starts_with("-0x")))
-    return parse_raw(signal, text, options.force);
-  const std::optional<std::int32_t> described = described_value(signal, text);
-  if (!described) refuse_unknown(signal, text);
+    return parse_raw(signal, text, options);
+  const std::optional<std::int32_t> described = described_value(signal, text, options.encoding);
+  if (!described) refuse_unknown(signal, text, options.encoding);
   const std::int64_t raw = is_signed(signal) ? std::int64_t{*described}
                                              : std::int64_t{static_cast<std::uint32_t>(*described)};
   return fits(signal, raw) ? raw : cut(signal, text, raw < 0, options.force);
@@ -161,8 +166,8 @@ std::int64_t parse_ieee_value(const sigblk& signal, std::string_view text,
   }
   const auto number = parse_number<double>(text);
   if (!number) refuse(signal, text, "not a number");
-  if (!options.force)
-    check_physical(signal, text, options.raw ? *number * signal.factor + signal.offset : *number);
+  check_physical(signal, text, options.raw ? *number * signal.factor + signal.offset : *number,
+                 options);
   const double value = options.raw ? *number : (*number - signal.offset) / signal.factor;
   if (is_double) return std::bit_cast<std::int64_t>(value);
   const auto single = static_cast<float>(value);

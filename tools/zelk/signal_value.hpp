@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "lookup.hpp"
+#include "text_encoding.hpp"
 #include "zelk/records.h"
 
 namespace zelk::tool {
@@ -16,6 +17,7 @@ namespace zelk::tool {
 struct ValueOptions {
   bool raw = false;    ///< values are raw ones
   bool force = false;  ///< values out of range are taken, and cut to what the bits can hold
+  Encoding encoding = Encoding::kUtf8;  ///< of the database's texts; values are in UTF-8
 };
 
 /// The raw value that `text` means for a signal: the bit pattern of IEEE signals, else a whole

@@ -37,6 +37,24 @@ class HeldSignals {
   ~HeldSignals();
 };
 
+/// While it lives, the first signal by which a user ends a program (an interrupt, a termination or
+/// a closed terminal) makes `read_some` report the end of its file, so that what has been read can
+/// be finished. The next one ends the program at once. Signals that were ignored stay ignored.
+///
+/// One at a time.
+class NotedStop {
+ public:
+  NotedStop();
+  NotedStop(const NotedStop&) = delete;
+  NotedStop& operator=(const NotedStop&) = delete;
+  /// Ends the process by the signal that was noted, where the system knows signals; a shell sees
+  /// `kExitInterrupted` for an interrupt.
+  ~NotedStop();
+
+  /// Whether there was a signal; false without an object. Any thread may ask.
+  static bool is_requested();
+};
+
 /// Whether a user watches.
 bool is_terminal(std::FILE* file);
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 namespace zelk::tool {
 
@@ -16,8 +17,7 @@ bool is_control(char c) {
   return byte < 0x20 || byte == 0x7F;
 }
 
-/// The control characters U+0080 to U+009F, which terminals obey as they do escape sequences. A
-/// lone byte of 0x80 to 0x9F is a printable character in the Windows code pages and stays.
+/// The control characters U+0080 to U+009F, which terminals obey as they do escape sequences.
 bool is_wide_control(std::string_view text, std::size_t at) {
   if (text[at] != '\xC2' || at + 1 == text.size()) return false;
   const auto second = static_cast<unsigned char>(text[at + 1]);
@@ -40,14 +40,16 @@ void append_control(std::string& result, char c) {
   }
 }
 
-std::string escape(std::string_view text, std::string_view also_escaped) {
+/// @param kept  control characters that stay as they are
+std::string escape(std::string_view text, std::string_view also_escaped,
+                   std::string_view kept = {}) {
   std::string result;
   result.reserve(text.size());
   for (std::size_t i = 0; i < text.size(); ++i) {
     if (is_wide_control(text, i)) {
       append_control(result, text[i]);
       append_control(result, text[++i]);
-    } else if (is_control(text[i])) {
+    } else if (is_control(text[i]) && kept.find(text[i]) == std::string_view::npos) {
       append_control(result, text[i]);
     } else {
       if (also_escaped.find(text[i]) != std::string_view::npos) result += '\\';
@@ -60,6 +62,8 @@ std::string escape(std::string_view text, std::string_view also_escaped) {
 }  // namespace
 
 std::string escaped(std::string_view text) { return escape(text, ""); }
+
+std::string escaped_between_lines(std::string_view text) { return escape(text, "", "\t\r\n"); }
 
 std::string in_quotes(std::string_view text) { return '"' + escape(text, "\"\\") + '"'; }
 
@@ -90,17 +94,24 @@ std::size_t edit_distance(std::string_view a, std::string_view b, std::size_t li
   const std::size_t excess = a.size() > b.size() ? a.size() - b.size() : b.size() - a.size();
   if (excess > limit) return limit + 1;
 
-  // row[j] is the distance between the part of `a` read so far and the first j characters of `b`.
+  // row[j] is the distance between the part of `a` read so far and the first j characters of `b`;
+  // `last` and `before` are the rows of one and two characters less.
   std::vector<std::size_t> row(b.size() + 1);
+  std::vector<std::size_t> last;
+  std::vector<std::size_t> before;
   std::iota(row.begin(), row.end(), std::size_t{0});
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    std::size_t diagonal = row[0]++;
-    for (std::size_t j = 0; j < b.size(); ++j) {
-      const std::size_t replaced = diagonal + (lower(a[i]) == lower(b[j]) ? 0 : 1);
-      diagonal = row[j + 1];
-      row[j + 1] = std::min({replaced, row[j] + 1, diagonal + 1});
+  for (std::size_t i = 1; i <= a.size(); ++i) {
+    before = std::exchange(last, row);
+    row[0] = i;
+    for (std::size_t j = 1; j <= b.size(); ++j) {
+      const char of_a = lower(a[i - 1]);
+      const char of_b = lower(b[j - 1]);
+      row[j] = std::min({last[j - 1] + (of_a == of_b ? 0 : 1), row[j - 1] + 1, last[j] + 1});
+      const bool is_swapped = i > 1 && j > 1 && of_a == lower(b[j - 2]) && lower(a[i - 2]) == of_b;
+      if (is_swapped) row[j] = std::min(row[j], before[j - 2] + 1);
     }
-    if (*std::ranges::min_element(row) > limit) return limit + 1;
+    if (*std::ranges::min_element(row) > limit && *std::ranges::min_element(last) > limit)
+      return limit + 1;
   }
   return std::min(row.back(), limit + 1);
 }

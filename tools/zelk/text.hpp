@@ -14,9 +14,12 @@ namespace zelk::tool {
 /// An owned text of a record; null reads as empty.
 inline std::string_view view(const char* text) { return text ? text : std::string_view(); }
 
-/// `text` fit for a terminal line: control characters become "\n", "\t", "\x1B", ...; all other
-/// bytes, in whatever encoding the file uses, stay as they are.
+/// `text`, in UTF-8, fit for a terminal line: control characters become "\n", "\t", "\x1B", ...
+/// What is no UTF-8, such as the name of a file, stays as it is.
 std::string escaped(std::string_view text);
+
+/// `escaped`, but with tabs, carriage returns and line feeds as they are.
+std::string escaped_between_lines(std::string_view text);
 
 /// `escaped` in double quotes; double quotes and backslashes inside get a backslash.
 std::string in_quotes(std::string_view text);
@@ -31,8 +34,8 @@ std::string lowered(std::string_view text);
 /// "1 node", "3 nodes"; the plural is `noun` with an "s" unless it is given.
 std::string counted(std::size_t count, std::string_view noun, std::string_view plural = {});
 
-/// Number of inserted, deleted or replaced characters (ASCII case ignored) that leads from `a` to
-/// `b`; every number above `limit` comes back as `limit` + 1.
+/// Number of inserted, deleted, replaced or swapped characters (ASCII case ignored) that leads from
+/// `a` to `b`; every number above `limit` comes back as `limit` + 1.
 std::size_t edit_distance(std::string_view a, std::string_view b, std::size_t limit);
 
 }  // namespace zelk::tool

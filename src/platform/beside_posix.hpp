@@ -1,0 +1,53 @@
+/// \file
+/// The files that a save makes beside its target. For a target "a.dbc" they are
+///
+///     .a.dbc.zelk-0 to .a.dbc.zelk-31   what is being written; its writer holds its lock
+///     .a.dbc.zelk-whole                 the whole new content of a target that is written in place
+
+#ifndef ZELK_PLATFORM_BESIDE_POSIX_HPP
+#define ZELK_PLATFORM_BESIDE_POSIX_HPP
+
+#include <filesystem>
+#include <string>
+
+#include "platform/descriptor_posix.hpp"
+
+namespace zelk::platform {
+
+/// A new file beside the target, locked, and removed when it goes unless it was moved away.
+class FileBeside {
+ public:
+  /// @param mode  permissions, from which the process's mask takes some away
+  /// @throws SaveFailure, std::bad_alloc
+  FileBeside(const std::filesystem::path& target, mode_t mode);
+  FileBeside(const FileBeside&) = delete;
+  FileBeside& operator=(const FileBeside&) = delete;
+  ~FileBeside();
+
+  const Descriptor& descriptor() const { return descriptor_; }
+  const char* path() const { return path_.c_str(); }
+
+  /// Gives the file another's name, in place of that.
+  ///
+  /// @return false when the system does not do it (`errno` says)
+  bool move_to(const std::filesystem::path& path);
+
+  /// Gives the file a second name, which stays; false as above.
+  bool link_to(const std::filesystem::path& path) const;
+
+ private:
+  bool create(const std::filesystem::path& target, int number, mode_t mode);
+
+  std::string path_;  ///< empty when there is nothing to remove
+  Descriptor descriptor_;
+};
+
+/// Where the whole copy of the target's new content stands while the target is written in place.
+std::filesystem::path whole_copy_of(const std::filesystem::path& target);
+
+/// Removes what killed processes left beside the target, but for the whole copy.
+void clear_leftovers(const std::filesystem::path& target);
+
+}  // namespace zelk::platform
+
+#endif

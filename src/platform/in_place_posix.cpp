@@ -1,0 +1,174 @@
+#include "platform/in_place_posix.hpp"
+
+#include <fcntl.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <string>
+
+namespace zelk::platform {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kBusy = "another save is writing to it";
+
+using Block = std::array<char, 16384>;
+
+/// @return bytes read; less than a block only at the end
+std::size_t read_block(const Descriptor& file, off_t at, Block& block) {
+  std::size_t size = 0;
+  while (size < block.size()) {
+    const ssize_t count =
+        pread(file.get(), block.data() + size, block.size() - size, at + static_cast<off_t>(size));
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) fail_save();
+    if (count == 0) break;
+    size += static_cast<std::size_t>(count);
+  }
+  return size;
+}
+
+void write_block(const Descriptor& file, off_t at, const char* bytes, std::size_t size) {
+  while (size > 0) {
+    const ssize_t count = pwrite(file.get(), bytes, size, at);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) fail_save();
+    bytes += count;
+    at += count;
+    size -= static_cast<std::size_t>(count);
+  }
+}
+
+/// Appends to `to` what `from` has behind the first `at` bytes, and puts it on the disk.
+void copy_rest(const Descriptor& from, const Descriptor& to, off_t at) {
+  Block block;
+  while (const std::size_t size = read_block(from, at, block)) {
+    write_block(to, at, block.data(), size);
+    at += static_cast<off_t>(size);
+  }
+  if (fsync(to.get()) != 0) fail_save();
+}
+
+bool begins(const Descriptor& beginning, const Descriptor& whole) {
+  Block a;
+  Block b;
+  off_t at = 0;
+  while (const std::size_t size = read_block(beginning, at, a)) {
+    if (read_block(whole, at, b) < size || std::memcmp(a.data(), b.data(), size) != 0) return false;
+    at += static_cast<off_t>(size);
+  }
+  return true;
+}
+
+bool is_same_time(const timespec& a, const timespec& b) {
+  return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
+}
+
+void sync_folder_of(const fs::path& path) {
+  const fs::path folder = path.has_parent_path() ? path.parent_path() : fs::path(".");
+  const Descriptor opened(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (!opened || fsync(opened.get()) != 0) fail_save("its folder cannot be put on the disk");
+}
+
+bool set_time(const Descriptor& file, const timespec& time) {
+  const timespec times[] = {time, time};
+  return futimens(file.get(), times) == 0;
+}
+
+/// Makes sure that the content finds room in the file, as far as the system can tell.
+void reserve(const Descriptor& file, off_t size) {
+  const timespec before = status_of(file).st_mtim;
+  if (size == 0 || fallocate(file.get(), FALLOC_FL_KEEP_SIZE, 0, size) == 0) return;
+  const std::error_code reason(errno, std::generic_category());
+  if (reason == std::errc::not_supported || reason == std::errc::function_not_supported ||
+      reason == std::errc::operation_not_supported) {
+    return;
+  }
+  set_time(file, before);  // the attempt alone can change it
+  fail_save(reason);
+}
+
+/// Overwrites `target`, whose content stands in `copy` now.
+void overwrite(const Descriptor& target, const Descriptor& content, const fs::path& copy) {
+  try {
+    if (ftruncate(target.get(), 0) != 0) fail_save();
+    reserve(target, status_of(content).st_size);
+    copy_rest(content, target, 0);
+  } catch (const SaveFailure& failure) {
+    throw SaveFailure(std::string(failure.what()) + "; its whole content is in " +
+                      copy.filename().string());
+  }
+  unlink(copy.c_str());
+}
+
+/// Locks the file until its descriptor goes. A file system without locks has none to respect.
+void lock(const Descriptor& file) {
+  if (!try_lock(file) && errno == EWOULDBLOCK) throw SaveFailure(kBusy);
+}
+
+enum class Progress { kPart, kAll, kUnknown };
+
+/// How far the write came; nobody is about it any more.
+Progress progress_of(const fs::path& target, const Descriptor& old, const Descriptor& whole) {
+  lock(old);  // by another of its names, a process may be about another write
+  const Descriptor readable(open(target.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+  if (!readable) fail_save("a write did not end, and it cannot be read");
+  const struct stat now = status_of(old);
+  const struct stat wanted = status_of(whole);
+  if (begins(readable, whole)) {
+    return now.st_size == wanted.st_size && fsync(old.get()) == 0 ? Progress::kAll
+                                                                  : Progress::kPart;
+  }
+  return is_same_time(now.st_mtim, wanted.st_mtim) ? Progress::kPart : Progress::kUnknown;
+}
+
+}  // namespace
+
+void write_in_place(const fs::path& target, const Descriptor& old, FileBeside& fresh) {
+  lock(old);
+  if (!is_named(old, target.c_str())) throw SaveFailure("another process has replaced it");
+  reserve(old, status_of(fresh.descriptor()).st_size);
+  const bool has_time = set_time(fresh.descriptor(), status_of(old).st_mtim);
+  if (!has_time || fsync(fresh.descriptor().get()) != 0) fail_save();
+  const fs::path copy = whole_copy_of(target);
+  if (!fresh.link_to(copy)) {
+    if (errno == EEXIST) throw SaveFailure(kBusy);
+    fail_save("no copy can be kept beside it");
+  }
+  try {
+    sync_folder_of(copy);
+  } catch (const SaveFailure&) {
+    unlink(copy.c_str());
+    throw;
+  }
+  overwrite(old, fresh.descriptor(), copy);
+}
+
+bool end_write_in_place(const fs::path& target, const Descriptor& old) {
+  const fs::path copy = whole_copy_of(target);
+  const Descriptor whole(open(copy.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+  if (!whole && errno == ENOENT) return false;
+  const std::string name = copy.filename().string();
+  if (!whole) fail_save("a write did not end, and " + name + " cannot be opened");
+  lock(whole);
+  if (!is_named(whole, copy.c_str())) return false;  // that process has just ended its write
+  const uid_t owner = status_of(whole).st_uid;
+  if (owner != geteuid() && (!old || owner != status_of(old).st_uid)) {
+    throw SaveFailure(name + " beside it is somebody else's");
+  }
+  const Progress progress = old ? progress_of(target, old, whole) : Progress::kUnknown;
+  if (progress == Progress::kUnknown) {
+    throw SaveFailure("it was changed after a write that did not end; " + name +
+                      " has what was to be written: keep one, and remove that");
+  }
+  if (progress == Progress::kPart) {
+    overwrite(old, whole, copy);
+  } else {
+    unlink(copy.c_str());
+  }
+  return progress == Progress::kPart;
+}
+
+}  // namespace zelk::platform

@@ -1,0 +1,137 @@
+#include "platform/in_place_win32.hpp"
+
+#include <array>
+#include <cstring>
+
+#include "platform/save_failure.hpp"
+
+namespace zelk::platform {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kBusy = "another save is writing to it";
+
+using Block = std::array<char, 16384>;
+
+void go_to_start(const Handle& file) {
+  constexpr LARGE_INTEGER kStart = {};
+  if (!SetFilePointerEx(file.get(), kStart, nullptr, FILE_BEGIN)) fail_save_of_windows();
+}
+
+/// @return bytes read; 0 at the end
+DWORD read_block(const Handle& file, DWORD size, Block& block) {
+  DWORD count = 0;
+  if (!ReadFile(file.get(), block.data(), size, &count, nullptr)) fail_save_of_windows();
+  return count;
+}
+
+/// Makes `from`'s content that of `to`, and puts it on the disk.
+void copy_content(const Handle& from, const Handle& to) {
+  go_to_start(from);
+  go_to_start(to);
+  if (!SetEndOfFile(to.get())) fail_save_of_windows();
+  Block block;
+  while (const DWORD size = read_block(from, block.size(), block)) {
+    DWORD written = 0;
+    if (!WriteFile(to.get(), block.data(), size, &written, nullptr)) fail_save_of_windows();
+  }
+  if (!FlushFileBuffers(to.get())) fail_save_of_windows();
+}
+
+bool begins(const Handle& beginning, const Handle& whole) {
+  go_to_start(beginning);
+  go_to_start(whole);
+  Block a;
+  Block b;
+  while (const DWORD size = read_block(beginning, a.size(), a)) {
+    if (read_block(whole, size, b) < size || std::memcmp(a.data(), b.data(), size) != 0) {
+      return false;
+    }
+  }
+  return true;
+}
+
+BY_HANDLE_FILE_INFORMATION information_of(const Handle& file) {
+  BY_HANDLE_FILE_INFORMATION information = {};
+  if (!GetFileInformationByHandle(file.get(), &information)) fail_save_of_windows();
+  return information;
+}
+
+/// Opens the target so that nobody else writes to it.
+Handle open_target(const fs::path& target) {
+  Handle file = open_handle(target, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, OPEN_EXISTING);
+  if (!file) fail_save_of_windows();
+  return file;
+}
+
+/// Overwrites `target`, whose content stands in `copy` now.
+void overwrite(const Handle& target, const Handle& content, const fs::path& copy) {
+  try {
+    copy_content(content, target);
+  } catch (const SaveFailure& failure) {
+    throw SaveFailure(std::string(failure.what()) + "; its whole content is in " +
+                      copy.filename().string());
+  }
+  DeleteFileW(copy.c_str());
+}
+
+enum class Progress { kPart, kAll, kUnknown };
+
+Progress progress_of(const Handle& target, const Handle& whole) {
+  const BY_HANDLE_FILE_INFORMATION now = information_of(target);
+  const BY_HANDLE_FILE_INFORMATION wanted = information_of(whole);
+  if (begins(target, whole)) {
+    const bool has_all =
+        now.nFileSizeLow == wanted.nFileSizeLow && now.nFileSizeHigh == wanted.nFileSizeHigh;
+    return has_all && FlushFileBuffers(target.get()) ? Progress::kAll : Progress::kPart;
+  }
+  const bool is_as_before = CompareFileTime(&now.ftLastWriteTime, &wanted.ftLastWriteTime) == 0;
+  return is_as_before ? Progress::kPart : Progress::kUnknown;
+}
+
+}  // namespace
+
+void fail_save_of_windows(const std::string& step) {
+  fail_save({static_cast<int>(GetLastError()), std::system_category()}, step);
+}
+
+bool has_other_names(const fs::path& target) {
+  const Handle file = open_to_ask(target);
+  return file && information_of(file).nNumberOfLinks > 1;
+}
+
+void write_in_place(const fs::path& target, const fs::path& copy, const Handle& fresh,
+                    const fs::path& path) {
+  const Handle old = open_target(target);
+  const FILETIME time = information_of(old).ftLastWriteTime;
+  if (!SetFileTime(fresh.get(), nullptr, nullptr, &time) || !FlushFileBuffers(fresh.get()) ||
+      !MoveFileExW(path.c_str(), copy.c_str(), MOVEFILE_WRITE_THROUGH)) {
+    fail_save_of_windows("no copy can be kept beside it");
+  }
+  overwrite(old, fresh, copy);
+}
+
+bool end_write_in_place(const fs::path& target, const fs::path& copy) {
+  // Who is about the write holds the copy open, and does not share it with this.
+  const Handle whole = open_handle(copy, GENERIC_READ, FILE_SHARE_DELETE, OPEN_EXISTING);
+  const DWORD error = whole ? ERROR_SUCCESS : GetLastError();
+  if (GetFileAttributesW(copy.c_str()) == INVALID_FILE_ATTRIBUTES) return false;
+  if (error == ERROR_SHARING_VIOLATION) throw SaveFailure(kBusy);
+  const std::string name = copy.filename().string();
+  if (!whole) fail_save_of_windows("a write did not end, and " + name + " cannot be opened");
+  const Handle old = open_target(target);
+  const Progress progress = progress_of(old, whole);
+  if (progress == Progress::kUnknown) {
+    throw SaveFailure("it was changed after a write that did not end; " + name +
+                      " has what was to be written: keep one, and remove that");
+  }
+  if (progress == Progress::kPart) {
+    overwrite(old, whole, copy);
+  } else {
+    DeleteFileW(copy.c_str());
+  }
+  return progress == Progress::kPart;
+}
+
+}  // namespace zelk::platform

@@ -1,0 +1,298 @@
+#include "writer/read_back.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <string_view>
+#include <unordered_set>
+
+#include "model/cycle_search.hpp"
+#include "text/seeded_hash.hpp"
+#include "text/words.hpp"
+
+namespace zelk {
+namespace {
+
+constexpr std::uint32_t kCountMax = 32767;  // sizes, positions and rates: the lexer's short numbers
+
+std::string_view view(const char* text) { return text ? text : ""; }
+
+/// An object without a name is written with a substitute.
+bool is_readable(const char* name, bool is_node) {
+  return view(name).empty() || can_name_object(name, is_node);
+}
+
+template <std::size_t kSize>
+bool fits(const char (&text)[kSize]) {
+  return std::find(text, text + kSize, '\0') - text <= ZELK_INLINE_NAME_MAX;
+}
+
+bool is_set(const char* text) { return text && *text; }
+
+template <typename Record, typename Predicate>
+bool any(const Record* list, Predicate holds) {
+  while (list && !holds(*list)) list = list->next;
+  return list != nullptr;
+}
+
+bool has_values(const rxblk* links) {
+  return any(links, [](const rxblk& link) { return link.attrs != nullptr; });
+}
+
+/// Whether further statements speak of a signal.
+bool has_statements(const sigblk& signal) {
+  return is_set(signal.comment) || signal.attrs || signal.values || signal.sigtype ||
+         signal.value_type != ZELK_VALUE_INTEGER || has_values(signal.receivers);
+}
+
+bool has_statements(const msgblk& message) {
+  const bool has_transmitters = message.tx_nodes && message.tx_nodes->next;
+  return is_set(message.comment) || message.attrs || message.category || message.siggroups ||
+         has_transmitters || has_values(message.tx_nodes) ||
+         any(message.signals, [](const sigblk& signal) { return has_statements(signal); });
+}
+
+bool has_item(std::string_view items, std::string_view wanted) {
+  for (;;) {
+    const std::size_t end = items.find(kItemSeparator);
+    if (items.substr(0, end) == wanted) return true;
+    if (end == std::string_view::npos) return false;
+    items.remove_prefix(end + 1);
+  }
+}
+
+int count_multiplexors(const msgblk& message) {
+  int count = 0;
+  for (const sigblk* signal = message.signals; signal; signal = signal->next) {
+    count += (signal->flags & ZELK_SIGNAL_MULTIPLEXOR) != 0 ? 1 : 0;
+  }
+  return count;
+}
+
+std::string name_of(const char* kind, const char* name) {
+  return std::string(kind) + " " + std::string(view(name));
+}
+
+std::string name_of(const msgblk& message) { return name_of("message", message.name); }
+std::string name_of(const symblk& node) { return name_of("node", node.name); }
+std::string name_of(const sigtype& type) { return name_of("signal type", type.name); }
+std::string name_of(const attr_def& definition) { return name_of("attribute", definition.name); }
+std::string name_of(const env_var_blk& variable) {
+  return name_of("environment variable", variable.name);
+}
+std::string name_of(const sigblk& signal) {
+  const std::string message(view(signal.message ? signal.message->name : nullptr));
+  return "signal " + message + "::" + std::string(view(signal.name));
+}
+
+/// Walks over the records in the order of the file.
+class Check {
+ public:
+  explicit Check(const ModelView& model) : model_(model) {
+    for (const auto* node = model.nodes; node; node = node->next) nodes_.insert(node);
+    for (const auto* def = model.attr_defs; def; def = def->next) definitions_.insert(def);
+    for (const auto* cat = model.categories; cat; cat = cat->next) categories_.insert(cat->number);
+    for (const auto* type = model.sig_types; type; type = type->next) types_.insert(type->name);
+    for (const auto* table = model.val_tables; table; table = table->next)
+      tables_.insert(table->name);
+  }
+
+  std::optional<std::string> run() {
+    each(model_.bit_timings);
+    each(model_.nodes);
+    each(model_.val_tables);
+    each(model_.messages);
+    each(model_.env_vars);
+    each(model_.sig_types);
+    each(model_.attr_defs);
+    values(model_.db_attrs, [] { return std::string("the database"); });
+    each(model_.categories);
+    filter();
+    if (any(model_.messages, [](const msgblk& m) { return count_multiplexors(m) > 1; })) cycles();
+    return fault_;
+  }
+
+ private:
+  template <typename Record>
+  void each(const Record* list) {
+    for (; list && !fault_; list = list->next) check(*list);
+  }
+
+  template <typename Record>
+  void require(bool holds, const Record& record, const char* otherwise) {
+    if (!holds && !fault_) fault_ = name_of(record) + ": " + otherwise;
+  }
+
+  void check(const btlblk& timing) {
+    if (timing.baudrate > kCountMax) fault_ = "bit timing: its baud rate is above 32767";
+  }
+
+  void check(const symblk& node) {
+    require(is_readable(node.name, true), node, "its name is none of the format");
+    values(node.attrs, [&] { return name_of(node); });
+    category(node);
+  }
+
+  void check(const valtable& table) { inline_name("value table", table.name); }
+  void check(const cat& category) { inline_name("category", category.name); }
+
+  void check(const msgblk& message) {
+    require(is_readable(message.name, false), message, "its name is none of the format");
+    require(message.dlc <= kCountMax, message, "its data length is above 32767");
+    require(ids_.insert(message.id).second || !has_statements(message), message,
+            "another message has its identifier, and would get what is said of it");
+    if (message.transmitter) node_name(*message.transmitter);
+    links(message.tx_nodes);
+    values(message.attrs, [&] { return name_of(message); });
+    category(message);
+    each(message.signals);
+    if (any(message.signals, [](const sigblk& signal) { return signal.mux_signal != nullptr; }) ||
+        message.siggroups) {
+      members(message);
+    }
+  }
+
+  void check(const sigblk& signal) {
+    require(is_readable(signal.name, false), signal, "its name is none of the format");
+    require(signal.start_bit <= kCountMax, signal, "its start bit is above 32767");
+    require(signal.length >= 1, signal, "its length is 0");
+    require(signal.length <= kCountMax, signal, "its length is above 32767");
+    require(signal.factor != 0 && !std::isnan(signal.factor), signal, "its factor is 0");
+    require(!(signal.minimum > signal.maximum), signal, "its minimum is above its maximum");
+    require(fits(signal.unit), signal, "its unit is longer than 32 characters");
+    require(!signal.sigtype || types_.contains(signal.sigtype->name), signal,
+            "the database does not hold its signal type");
+    links(signal.receivers);
+    values(signal.attrs, [&] { return name_of(signal); });
+  }
+
+  /// What refers to signals must mean signals of the same message.
+  void members(const msgblk& message) {
+    std::unordered_set<const sigblk*> own;
+    for (const sigblk* signal = message.signals; signal; signal = signal->next) own.insert(signal);
+    for (const sigblk* signal = message.signals; signal; signal = signal->next) {
+      require(!signal->mux_signal || own.contains(signal->mux_signal), *signal,
+              "its multiplexor is no signal of its message");
+    }
+    for (const siggroupblk* group = message.siggroups; group; group = group->next) {
+      inline_name("signal group", group->name);
+      require(!any(group->signals,
+                   [&own](const siglistblk& member) {
+                     return member.signal && !own.contains(member.signal);
+                   }),
+              message, "a signal group of it has a signal of another message");
+    }
+  }
+
+  void check(const env_var_blk& variable) {
+    require(is_readable(variable.name, false), variable, "its name is none of the format");
+    require(variable.type <= ZELK_ENVVAR_DATA, variable, "its type is none of the format");
+    require((variable.access_type & kAccessCodeString) == 0, variable,
+            "bit 15 of its access code means a string");
+    require(fits(variable.unit), variable, "its unit is longer than 32 characters");
+    links(variable.access_nodes);
+    values(variable.attrs, [&] { return name_of(variable); });
+    category(variable);
+  }
+
+  void check(const sigtype& type) {
+    inline_name("signal type", type.name);
+    require(fits(type.unit), type, "its unit is longer than 32 characters");
+    require(!type.valtable || tables_.contains(type.valtable->name), type,
+            "the database does not hold its value table");
+    values(type.attrs, [&] { return name_of(type); });
+  }
+
+  void check(const attr_def& definition) {
+    const std::int32_t kind = definition.object_type;
+    const std::int32_t type = definition.value_type;
+    require(fits(definition.name), definition, "its name is longer than 32 characters");
+    require(kind >= ZELK_OBJ_NETWORK && kind <= ZELK_OBJ_REL_ENVVAR, definition,
+            "its kind of object is none of the format");
+    require(type >= ZELK_ATTR_INT && type <= ZELK_ATTR_HEX, definition,
+            "its type is none of the format");
+    if (type != ZELK_ATTR_ENUM) return;
+    const std::string_view text = view(definition.default_value.text);
+    require(text.empty() || text == kEmptyItem || has_item(view(definition.enum_values), text),
+            definition, "its default is no item");
+  }
+
+  void filter() {
+    for (const catlink* link = model_.filter.categories; link; link = link->next) {
+      if (!link->category || categories_.contains(link->category->number) || fault_) continue;
+      fault_ = "filter: the database does not hold a category of it";
+    }
+    for (const rxblk* link = model_.filter.nodes; link; link = link->next) {
+      if (!link->node || nodes_.contains(link->node) || fault_) continue;
+      fault_ = "filter: the database does not hold a node of it";
+    }
+  }
+
+  /// A file in which some message has several multiplexors must be free of circles. Where a message
+  /// has one, that selects all multiplexed signals: itself, too.
+  void cycles() {
+    CycleSearch search;
+    for (const msgblk* message = model_.messages; message; message = message->next) {
+      const bool has_one = count_multiplexors(*message) == 1;
+      for (const sigblk* signal = message->signals; signal; signal = signal->next) {
+        if ((signal->flags & ZELK_SIGNAL_MULTIPLEXOR) == 0) continue;
+        const bool selects_itself = has_one && (signal->mux_signal || signal->mux_ranges);
+        require(!selects_itself && !search.finds_cycle_from(*signal), *signal,
+                "its multiplexors form a circle");
+      }
+    }
+  }
+
+  template <typename Record>
+  void category(const Record& record) {
+    require(!record.category || categories_.contains(record.category->number), record,
+            "the database does not hold its category");
+  }
+
+  /// `name_of_object` gives the name of the object that has the values.
+  template <typename NameOfObject>
+  void values(const attr* list, NameOfObject name_of_object) {
+    for (; list; list = list->next) {
+      if (!list->def || list->def == last_definition_ || fault_) continue;
+      last_definition_ = list->def;
+      if (definitions_.contains(list->def)) continue;
+      fault_ = name_of_object() + ": the database does not define an attribute of it";
+    }
+  }
+
+  void links(const rxblk* list) {
+    for (; list; list = list->next) {
+      if (!list->node) continue;
+      node_name(*list->node);
+      values(list->attrs, [&] { return name_of(*list->node); });
+    }
+  }
+
+  /// Of a node that a record links to: the list of nodes need not hold it.
+  void node_name(const symblk& node) {
+    if (nodes_.contains(&node)) return;
+    require(is_readable(node.name, true), node, "its name is none of the format");
+  }
+
+  template <std::size_t kSize>
+  void inline_name(const char* kind, const char (&name)[kSize]) {
+    if (fault_ || (fits(name) && is_name(name))) return;
+    fault_ = name_of(kind, name) + ": its name is none of the format";
+  }
+
+  const ModelView& model_;
+  std::optional<std::string> fault_;
+  std::unordered_set<const symblk*> nodes_;
+  std::unordered_set<const attr_def*> definitions_;
+  const attr_def* last_definition_ = nullptr;
+  std::unordered_set<std::int32_t, SeededHash> categories_;
+  std::unordered_set<std::uint32_t, SeededHash> ids_;
+  std::unordered_set<std::string_view, SeededHash> types_;
+  std::unordered_set<std::string_view, SeededHash> tables_;
+};
+
+}  // namespace
+
+std::optional<std::string> read_back_fault(const ModelView& model) { return Check(model).run(); }
+
+}  // namespace zelk

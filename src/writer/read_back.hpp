@@ -1,0 +1,24 @@
+/// \file
+/// What a file could not give back.
+
+#ifndef ZELK_WRITER_READ_BACK_HPP
+#define ZELK_WRITER_READ_BACK_HPP
+
+#include <optional>
+#include <string>
+
+#include "writer/model_view.hpp"
+
+namespace zelk {
+
+/// Why a file written of the model could not be read, or would give other records: a number outside
+/// what the format has at its place, a name that is none, a reference to a record that the model
+/// does not hold. What every write changes (dbc.h: digits, ends of texts, names that a substitute
+/// stands for) is none of these.
+///
+/// @return the first such record and what is wrong with it; none when there is none
+std::optional<std::string> read_back_fault(const ModelView& model);
+
+}  // namespace zelk
+
+#endif

@@ -1,0 +1,114 @@
+// Conversions without memory and on a full disk. The allocations and writes of the test program,
+// and of all that it loads, come here first: the dynamic linker prefers the program's functions.
+// support/failing.cpp has operator new, which calls malloc, and the full disk.
+
+#include <dlfcn.h>
+#include <gmock/gmock.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+
+#include "modules/conversions.hpp"
+#include "support/failing.hpp"
+
+namespace {
+
+using FailingHeap = FailingAllocation<struct Heap>;
+
+/// The function that would have been called without the one here.
+template <typename Function>
+Function* next(const char* name) {
+  return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+/// Whether this allocation is the one to fail; as the system then says.
+bool fails() {
+  const bool is_the_one = FailingHeap::count();
+  if (is_the_one) errno = ENOMEM;
+  return is_the_one;
+}
+
+}  // namespace
+
+extern "C" {
+
+void* malloc(std::size_t size) {
+  static auto* const real = next<void*(std::size_t)>("malloc");
+  return fails() ? nullptr : real(size);
+}
+
+void* __real_calloc(std::size_t count, std::size_t size) {
+  static auto* const real = next<void*(std::size_t, std::size_t)>("calloc");
+  return real(count, size);
+}
+
+void* calloc(std::size_t count, std::size_t size) {
+  return fails() ? nullptr : __real_calloc(count, size);
+}
+
+std::size_t __wrap_fwrite(const void* data, std::size_t size, std::size_t count, std::FILE* file);
+
+std::size_t __real_fwrite(const void* data, std::size_t size, std::size_t count, std::FILE* file) {
+  static auto* const real = next<decltype(fwrite)>("fwrite");
+  return real(data, size, count, file);
+}
+
+std::size_t fwrite(const void* data, std::size_t size, std::size_t count, std::FILE* file) {
+  return __wrap_fwrite(data, size, count, file);
+}
+
+}  // extern "C"
+
+namespace {
+
+class Exhausted : public testing::TestWithParam<const char*> {
+ protected:
+  /// Fails each allocation of an operation in turn. It ends with `error` and a reason then, or well
+  /// when it can do without; of an export, no file is left but by one that ends well.
+  template <typename Operation>
+  void exhaust(int error, Operation operation) {
+    int result = -1;
+    std::size_t n = 0;
+    for (; fails_at<FailingHeap>(n, [&] { result = operation(); }); ++n) {
+      const std::string told = zelk_get_error_text();
+      const bool has_reason = told.find("not enough memory") != std::string::npos;
+      EXPECT_TRUE(result == 0 || (result == error && has_reason)) << n << ": " << result << told;
+      EXPECT_EQ(std::filesystem::remove(out_), result == 0 && error == ZelkErrorNotWritten) << n;
+    }
+    EXPECT_GT(n, 100U);
+    EXPECT_EQ(result, 0) << zelk_get_error_text();
+  }
+  ZelkError exported() { return host_.exporter.Export(db_, out_.c_str()); }
+
+  Conversions host_{GetParam()};
+  const std::string out_ = host_.folder.path("out.x");
+  const char* const db_ =
+      host_.opened(bytes_of(ZELK_SOURCE_DIR "/tests/data/ok_every_statement.dbc"));
+};
+
+TEST_P(Exhausted, Heap) {
+  exhaust(ZelkErrorNotWritten, [this] { return exported(); });
+  const std::string in = host_.folder.write("in.x", bytes_of(out_));
+  std::filesystem::remove(out_);
+  exhaust(ZelkErrorNoDatabase, [&] {
+    const char* name = nullptr;
+    const ZelkError error = host_.importer.Import("imported", &name, in.c_str());
+    if (error == 0) host_.manager.CloseDatabase(name, false);
+    return error;
+  });
+}
+
+TEST_P(Exhausted, Disk) {
+  {
+    const FailingWrite full(1000);
+    EXPECT_EQ(exported(), ZelkErrorNotWritten);
+  }
+  EXPECT_THAT(zelk_get_error_text(),
+              testing::EndsWith("cannot be written: No space left on device\n"));
+  EXPECT_FALSE(std::filesystem::exists(out_));
+}
+
+INSTANTIATE_TEST_SUITE_P(Modules, Exhausted, testing::Values(ZELK_JSON_MODULE, ZELK_KCD_MODULE));
+
+}  // namespace
