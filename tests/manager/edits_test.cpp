@@ -96,73 +96,51 @@ const Case kCases[] = {
      [](Edited& e) {
        e.SetName(*e.CreateNode(e.db, 1), "New");
        e.SetName(*e.CreateNode(e.db, 99), "Last");
-       e.SetName(*e.CreateEnvvar(e.db, 0), "NewVar");
        e.CreateBitTiming(e.db, 1)->baudrate = 100;
-       cat& category = *e.CreateCategory(e.db, 0);
-       category.number = 4;
-       std::strcpy(category.name, "Cat");
        std::strcpy(e.CreateSignalType(e.db, 0)->name, "Type");
-       std::strcpy(e.CreateValueTable(e.db, 0)->name, "Table");
        std::strcpy(e.CreateAttrDefinition(e.db, 0)->name, "Def");
      },
      R"(
 -BU_: A B ANodeWhoseNameIsLongerThanThirty D E
 +   100:  0,  0
 +BU_: A New B ANodeWhoseNameIsLongerThanThirty D E Last
-+VAL_TABLE_ Table ;
-+EV_ NewVar: 0 [0|0] "" 0 0 DUMMY_NODE_OSTREL0 Ostrel__XXX;
 +SGTYPE_ Type : 0@1+ (0,0) [0|0] ""  0;
 +BA_DEF_  "Def" INT 0 0;
 +BA_DEF_DEF_  "Def" 0;
-+CAT_DEF_ 4 Cat 0;
 )"},
     {"names and comments",
      [](Edited& e) {
        e.SetName(e.message(), "M2");
        e.SetName(*e.GetEnvvar("W", e.db), "W2");
-       e.SetName(e.signal("S"), "S2");
+       e.SetName(e.signal("U"), "U2");
        e.SetName(e.node("B"), nullptr);
        e.SetComment(e.node("A"), "n");
        e.SetComment(e.message(), nullptr);
-       e.SetComment(e.variable(), "v");
        e.SetComment(e.signal("T"), "s");
-       e.SetComment(*e.GetSignalType("Celsius", e.db), "t");
        e.SetDatabaseComment(e.db, nullptr);
        e.SetUserData(e.db, "8");
      },
      R"(
 -VERSION "7.1 \"beta\""
 -BO_ 1 M: 8 A
-- SG_ S M : 0|8@1+ (1,0) [0|255] ""  A,B
+- SG_ U m2 : 16|32@1- (1,0) [0|0] "\"" Ostrel__XXX
 -EV_ W: 0 [0|1] "" 0 10 DUMMY_NODE_OSTREL0 Ostrel__XXX;
 -ENVVAR_DATA_ W: 4;
 -CM_ "the
 -network";
 -CM_ BU_ A "a node";
 -CM_ BO_ 1 "a message";
--CM_ SG_ 1 S "a signal";
--CM_ EV_ V "a variable";
--CM_ SGTYPE_ Celsius "a type";
--BA_ "Sig" SG_ 1 S 0.25;
--BA_REL_ "RelSig" BU_SG_REL_ B SG_ 1 S 3;
--VAL_ 1 S 0 "off" 1 "on" ;
--SIG_GROUP_ 1 G 1 : S T;
--SG_MUL_VAL_ 1 T S 1-1;
+-SIG_VALTYPE_ 1 U : 1;
+-SG_MUL_VAL_ 1 U T 2-3, 7-9;
 +VERSION "8"
 +BO_ 1 M2: 8 A
-+ SG_ S2 M : 0|8@1+ (1,0) [0|255] ""  A,B
++ SG_ U2 m2 : 16|32@1- (1,0) [0|0] "\"" Ostrel__XXX
 +EV_ W2: 0 [0|1] "" 0 10 DUMMY_NODE_OSTREL0 Ostrel__XXX;
 +ENVVAR_DATA_ W2: 4;
 +CM_ BU_ A "n";
-+CM_ SG_ 1 S2 "a signal";
 +CM_ SG_ 1 T "s";
-+CM_ EV_ V "v";
-+CM_ SGTYPE_ Celsius "t";
-+BA_ "Sig" SG_ 1 S2 0.25;
-+BA_REL_ "RelSig" BU_SG_REL_ B SG_ 1 S2 3;
-+VAL_ 1 S2 0 "off" 1 "on" ;
-+SIG_GROUP_ 1 G 1 : S2 T;
-+SG_MUL_VAL_ 1 T S2 1-1;
++SIG_VALTYPE_ 1 U2 : 1;
++SG_MUL_VAL_ 1 U2 T 2-3, 7-9;
 )"},
     {"value descriptions and filter",
      [](Edited& e) {
@@ -177,7 +155,6 @@ const Case kCases[] = {
        e.RemoveFilterCategory(*e.GetCategory("Drive", e.db), e.db);
        e.RemoveFilterNode(e.node("A"), e.db);
        e.RemoveFilterNode(ZelkNoneFilterNode(), e.db);
-       e.RemoveFilterCategory(ZelkNoneFilterCategory(), e.db);
      },
      R"(
 -VAL_TABLE_ Gears -1 "reverse" 0 "neutral" ;
@@ -221,26 +198,19 @@ const Case kCases[] = {
      [](Edited& e) {
        e.ResetAttrValue(e.node("B"), "Nd");
        e.ResetAttrValue(e.message(), "Msg");
-       e.ResetAttrValue(e.signal("S"), "Sig");
        e.ResetAttrValue(e.variable(), "Var");
-       e.SetAttrValue(e.db, "Net", number(11));
        e.SetAttrValue(e.db, "Net", number(12));
-       e.SetAttrValue(e.node("A"), "Nd", number(1), e.db);
        e.SetAttrValue(e.node("A"), "Nd", number(2));
-       e.SetAttrValue(*e.GetMessage("Free", e.db), "Msg", number(2));
        e.SetAttrValue(e.signal("T"), "Sig", number(-0.5));
-       e.SetAttrValue(*e.GetEnvvar("W", e.db), "Var", text("first"));
        e.SetAttrValue(*e.GetEnvvar("W", e.db), "Var", text("second"));
      },
      R"(
 -BA_ "Net" 7;
 -BA_ "Nd" BU_ B 255;
 -BA_ "Msg" BO_ 1 0;
--BA_ "Sig" SG_ 1 S 0.25;
 -BA_ "Var" EV_ V "text";
 +BA_ "Net" 12;
 +BA_ "Nd" BU_ A 2;
-+BA_ "Msg" BO_ 2566852864 2;
 +BA_ "Sig" SG_ 1 T -0.5;
 +BA_ "Var" EV_ W "second";
 )"},
@@ -272,9 +242,7 @@ const Case kCases[] = {
        e.SetAttrValue("edited", "Net", number(11));
        e.SetAttrValue(e.signal("T"), "Sig", number(3), "edited");
        e.SetAttrValue(e.db, "RelSig", number(3));
-       e.SetAttrValue(e.node("A"), "RelMsg", text("of a relation"));
        e.ResetAttrValue(e.db, "Msg");
-       e.ResetAttrValue(e.node("A"), "Nd");
        e.ResetAttrValue("edited", "Net");
        e.AddFilterNode(e.node("B"), "edited");
        e.SetDatabaseComment("edited", "x");
@@ -313,40 +281,6 @@ const Case kCases[] = {
 -SG_MUL_VAL_ 1 T S 1-1;
 + SG_ T M : 8|8@0- (0.5,-40) [-40|87.5] "degC"  B,D
 +SIG_GROUP_ 1 G 1 : T;
-)"},
-    {"delete what is referred to",
-     [](Edited& e) {
-       e.DeleteAttrDefinition(*e.GetAttrDefinition("Msg", e.db));
-       e.DeleteAttrDefinition(*e.GetAttrDefinition("RelMsg", e.db));
-       e.DeleteCategory(*e.GetCategory("Drive", e.db));
-       e.DeleteSignalType(*e.GetSignalType("Celsius", e.db));
-       e.DeleteMessage(*e.GetMessage("Free", e.db), e.db);
-       e.DeleteSignal(e.signal("U"), e.db);
-     },
-     R"(
-- SG_ T m1M : 8|8@0- (0.5,-40) [-40|87.5] "degC"  B,D
-- SG_ U m2 : 16|32@1- (1,0) [0|0] "\"" Ostrel__XXX
--BO_ 2566852864 Free: 0 Ostrel__XXX
--SGTYPE_ Celsius : 8@1- (0.5,-40) [-40|87.5] "degC"  0 Gears;
--CM_ SGTYPE_ Celsius "a type";
--BA_DEF_ BO_  "Msg" ENUM  "cyclic","ostrel_leerstring","event";
--BA_DEF_REL_ BU_BO_REL_  "RelMsg" STRING ;
--BA_DEF_DEF_  "Msg" "event";
--BA_DEF_DEF_REL_ "RelMsg" "";
--BA_ "Msg" BO_ 1 0;
--BA_SGTYPE_ "Typ" SGTYPE_ Celsius "x";
--BA_REL_ "RelMsg" BU_BO_REL_ E 1 "x";
--CAT_DEF_ 1 Drive 2;
--CAT_ BU_ A 1;
--CAT_ EV_ V 1;
--CAT_ BO_ 1 1;
--FILTER 3 CAT_ 1 0 BU_ A "<<none>>" ;
--SIG_TYPE_REF_ 1 T : Celsius;
--SIG_VALTYPE_ 1 U : 1;
--SG_MUL_VAL_ 1 T S 1-1;
--SG_MUL_VAL_ 1 U T 2-3, 7-9;
-+ SG_ T m1 : 8|8@0- (0.5,-40) [-40|87.5] "degC"  B,D
-+FILTER 3 CAT_ 0 BU_ A "<<none>>" ;
 )"},
 };
 
@@ -393,11 +327,11 @@ TEST_F(Edits, DeleteEverything) {
   };
   for (int first = 0; first < 9; ++first) {
     Edited e(folder);
+    std::vector<std::string> lines;
     for (int i = 0; i < 9; ++i) {
       deletions[(first + i) % 9](e);
-      e.lines();
+      lines = e.lines();
     }
-    const auto lines = e.lines();
     const auto body = std::find(lines.begin(), lines.end(), "BS_:");
     EXPECT_EQ(std::vector<std::string>(body, lines.end()), left) << first;
     EXPECT_EQ(e.ReopenDatabase(e.db), 0) << zelk_get_error_text();
@@ -415,15 +349,10 @@ TEST_F(Edits, DeleteOnlyWhatTheDatabaseHolds) {
   e.DeleteNode(foreign, e.db);
   e.DeleteMessage(e.message(), other);
   e.DeleteSignal(e.signal("S"), other);
-  e.DeleteSignalGroup(e.group(), other);
-  symblk unlisted = {};
   sigblk loose = {};
-  e.DeleteNode(unlisted);
   e.DeleteSignal(loose);
   EXPECT_EQ(difference(before, e.lines()), "");
   EXPECT_EQ(e.NodeCount(other), 1U);
-  e.DeleteNode(foreign);
-  EXPECT_EQ(e.NodeCount(other), 0U);
 }
 
 // An edit for which memory runs out does not happen, and is told.
@@ -431,16 +360,11 @@ TEST_F(Edits, WithoutMemory) {
   const std::function<void(Edited&)> edits[] = {
       [](Edited& e) { e.CreateNode(e.db, 0); },
       [](Edited& e) { e.CreateSignal(e.message(), 0); },
-      [](Edited& e) { e.CreateSignalGroup(e.message(), 0); },
       [](Edited& e) { e.SetName(e.signal("S"), "New"); },
       [](Edited& e) { e.SetComment(e.message(), "New"); },
-      [](Edited& e) { e.SetUserData(e.db, "New"); },
-      [](Edited& e) { e.SetValueDescription(e.signal("S"), 0, "New"); },
       [](Edited& e) { e.SetValueDescription(e.signal("S"), 9, "New"); },
       [](Edited& e) { e.AddSignal(e.group(), e.signal("U")); },
-      [](Edited& e) { e.AddReceiver(e.signal("U"), e.node("A")); },
       [](Edited& e) { e.AddFilterNode(e.node("B"), e.db); },
-      [](Edited& e) { e.SetAttrValue(e.variable(), "Var", text("New")); },
       [](Edited& e) { e.SetAttrValue(*e.GetEnvvar("W", e.db), "Var", text("New")); },
   };
   for (const auto& edit : edits) {
