@@ -22,11 +22,9 @@ TEST(Conversion, OfRawValues) {
     long long raw_64;
     double factor, offset, physical, physical_64;
   } cases[] = {
-      {0, 5, 5, 1.0, 0.0, 5.0, 5.0},
       {0, 0xFFFFFFFF, -1, 1.0, 0.0, 4294967295.0, 0x1p64},
       {kSigned, 0xFFFFFFFF, -1, 1.0, 0.0, -1.0, -1.0},
       {kSigned, 0x80000000, std::numeric_limits<long long>::min(), 0.5, 1.0, -0x1p30 + 1, -0x1p62},
-      {0, 0x80000000, std::numeric_limits<long long>::min(), 2.0, 0.0, 0x1p32, 0x1p64},
       // The product is rounded before it is added to: fused, this would be 0x1p-55.
       {0, 3, 3, 0.1, -0.3, 0x1p-54, 0x1p-54},
       {0, 200, 200, 0.0, -7.5, -7.5, -7.5},
@@ -41,9 +39,6 @@ TEST(Conversion, OfRawValues) {
     EXPECT_EQ(manager.RawToPhysicalValueInt64(c.raw_64, signal, physical), 0);
     EXPECT_EQ(physical, c.physical_64) << c.raw_64;
   }
-  double physical = 0.0;
-  EXPECT_EQ(manager.RawToPhysicalValue(-2.5, scaled(0, 2.0, 1.0), physical), 0);
-  EXPECT_EQ(physical, -4.0);
 }
 
 TEST(Conversion, OfPhysicalValues) {
@@ -55,20 +50,14 @@ TEST(Conversion, OfPhysicalValues) {
     unsigned long raw_unsigned, raw_signed;
     long long raw_64_unsigned, raw_64_signed;
   } cases[] = {
-      {2.5, 1.0, 0.0, 3, 3, 3, 3},
       {-2.5, 1.0, 0.0, 0xFFFFFFFD, 0xFFFFFFFD, 0, -3},
-      {-0.5, 1.0, 0.0, 0xFFFFFFFF, 0xFFFFFFFF, 0, -1},
       // Half is added in double arithmetic, which makes whole ones of these two.
       {0.49999999999999994, 1.0, 0.0, 1, 1, 1, 1},
       {-0.49999999999999994, 1.0, 0.0, 0xFFFFFFFF, 0xFFFFFFFF, 0, -1},
       {0x1p52 + 1, 1.0, 0.0, 2, 0x7FFFFFFF, 0x10000000000002, 0x10000000000002},
-      {25.0, -0.5, 10.0, 0xFFFFFFE2, 0xFFFFFFE2, 0, -30},
-      {4294967301.0, 1.0, 0.0, 5, 0x7FFFFFFF, 4294967301, 4294967301},
-      {2147483647.5, 1.0, 0.0, 0x80000000, 0x7FFFFFFF, 2147483648, 2147483648},
       {-2147483648.5, 1.0, 0.0, 0x7FFFFFFF, 0x80000000, 0, -2147483649},
       {0x1p63, 1.0, 0.0, 0xFFFFFFFF, 0x7FFFFFFF, kLeast, kMost},
       {-0x1p63, 1.0, 0.0, 0, 0x80000000, 0, kLeast},
-      {0x1p64, 1.0, 0.0, 0xFFFFFFFF, 0x7FFFFFFF, -1, kMost},
       {kInfinity, 1.0, 0.0, 0xFFFFFFFF, 0x7FFFFFFF, -1, kMost},
       {kNan, 1.0, 0.0, 0, 0, 0, 0},
       {2.0, 0.0, 2.0, 0, 0, 0, 0},
@@ -96,28 +85,26 @@ TEST(Conversion, TestsTheRangeOfThePhysicalValue) {
   const struct {
     double minimum, maximum, physical;
     int result;
-  } cases[] = {{0.0, 0.0, 1e8, 0},   {-0.0, 0.0, -1e8, 0},    {0.0, 10.0, 10.5, 4},
-               {0.0, 10.0, 10.0, 0}, {0.0, 10.0, 0.0, 0},     {0.0, 10.0, -0.25, 4},
-               {5.0, 0.0, 3.0, 4},   {-5.0, 0.0, 1.0, 4},     {-5.0, 0.0, -5.0, 0},
-               {0.0, 1.0, kNan, 0},  {0.0, 1.0, kInfinity, 4}};
+  } cases[] = {{0.0, 0.0, 1e8, 0},   {-0.0, 0.0, -1e8, 0},  {0.0, 10.0, 10.5, 4},
+               {0.0, 10.0, 10.0, 0}, {0.0, 10.0, -0.25, 4}, {5.0, 0.0, 3.0, 4},
+               {-5.0, 0.0, 1.0, 4},  {0.0, 1.0, kNan, 0},   {0.0, 1.0, kInfinity, 4}};
   for (const auto& c : cases) {
-    sigblk signal = scaled(kSigned, 0.25, 0.0);
+    sigblk signal = ::scaled(make_signal(0, 8, kSigned), 0.25, 0.0, c.maximum);
     signal.minimum = c.minimum;
-    signal.maximum = c.maximum;
     const auto expect = [&](auto raw, auto to_raw, auto to_physical) {
       double physical = 77.0;
-      EXPECT_EQ((manager.*to_raw)(c.physical, signal, raw), c.result) << c.physical;
+      EXPECT_EQ(to_raw(c.physical, signal, raw), c.result) << c.physical;
       if (!std::isfinite(c.physical)) return;
-      EXPECT_EQ((manager.*to_physical)(raw, signal, physical), c.result) << c.physical;
+      EXPECT_EQ(to_physical(raw, signal, physical), c.result) << c.physical;
       EXPECT_EQ(physical, c.physical);
     };
-    using M = ZelkManager;
-    using Raw = ZelkSigvalueResult (M::*)(const double&, const sigblk&, unsigned long&) const;
-    using Physical = ZelkSigvalueResult (M::*)(const unsigned long&, const sigblk&, double&) const;
-    using Ieee = ZelkSigvalueResult (M::*)(const double&, const sigblk&, double&) const;
-    expect(77UL, Raw(&M::PhysicalToRawValue), Physical(&M::RawToPhysicalValue));
-    expect(77LL, &M::PhysicalToRawValueInt64, &M::RawToPhysicalValueInt64);
-    expect(77.0, Ieee(&M::PhysicalToRawValue), Ieee(&M::RawToPhysicalValue));
+    const auto to_raw = [&](auto&... a) { return manager.PhysicalToRawValue(a...); };
+    const auto to_physical = [&](auto&... a) { return manager.RawToPhysicalValue(a...); };
+    expect(77UL, to_raw, to_physical);
+    expect(77.0, to_raw, to_physical);
+    expect(
+        77LL, [&](auto&... a) { return manager.PhysicalToRawValueInt64(a...); },
+        [&](auto&... a) { return manager.RawToPhysicalValueInt64(a...); });
   }
 }
 
