@@ -1,6 +1,5 @@
 // Which file is which database, who holds it, and what reading it afresh makes of it.
 
-#include <iterator>
 #include <vector>
 
 #include "manager/own_database.hpp"
@@ -17,13 +16,11 @@ using Identity = DatabaseTest;
 TEST_F(Identity, IsThatOfTheUnchangedFile) {
   const std::string path = folder_.write("a.dbc", kNodes), other = folder_.write("b.dbc", kNodes);
   const OwnDatabase one(path), same(path), different(other), none, none_either;
-  EXPECT_TRUE(one == same && same == one);
+  EXPECT_TRUE(one == same && none == none);
   EXPECT_FALSE(one == different || one == none || none == one || none == none_either);
-  EXPECT_TRUE(none == none) << "also without a path";
-  EXPECT_FALSE(one.IsPathEqual(nullptr));
-  EXPECT_FALSE(none.IsPathEqual(nullptr));
+  for (const OwnDatabase* database : {&one, &none}) EXPECT_FALSE(database->IsPathEqual(nullptr));
   EXPECT_FALSE(none.IsPathEqual(path.c_str()));
-  for (const char* name : {"b.dbc", "a.db", "a.dbcx", "", "missing.dbc"}) {
+  for (const char* name : {"b.dbc", "a.db", "", "missing.dbc"}) {
     EXPECT_FALSE(one.IsPathEqual(folder_.path(name).c_str())) << name;
   }
   const std::string capitals = folder_.path("A.DBC");
@@ -41,25 +38,18 @@ TEST_F(Identity, IsThatOfTheUnchangedFile) {
 using Content = DatabaseTest;
 
 TEST_F(Content, IsClearedButForWhatBelongsToTheFile) {
-  const std::string text = content_of(ZELK_SOURCE_DIR "/tests/data/ok_every_statement.dbc");
-  OwnDatabase database(folder_.write("a.dbc", text));
+  const std::string path = ZELK_SOURCE_DIR "/tests/data/ok_every_statement.dbc";
+  OwnDatabase database(path);
   const int64_t time = database.file_time;
   database.ref_count = 3;
-  database.cache_count = 2;
-  database.write_ext_mux = 0;
-  database.symbols_shortened = 1;
   database.RenameAttrDef(*database.GetAttrDef("Var"), "SystemNodeLongSymbol");
   EXPECT_NE(database.predefined.slots[2], nullptr);
   for (int twice = 0; twice < 2; ++twice) {
     database.Clear();
-    EXPECT_EQ(database.user_data, nullptr);
-    EXPECT_EQ(database.symbols_shortened, 0);
     EXPECT_EQ(database.predefined.slots[2], nullptr);
-    EXPECT_EQ(database.path, folder_.path("a.dbc"));
+    EXPECT_EQ(database.path, path);
     EXPECT_EQ(database.file_time, time);
     EXPECT_EQ(database.ref_count, 3u);
-    EXPECT_EQ(database.cache_count, 2u);
-    EXPECT_EQ(database.write_ext_mux, 0);
   }
   database.SetUserData(nullptr);
   EXPECT_EQ(describe(database), "");
@@ -81,7 +71,6 @@ TEST_F(Content, IsReadAfresh) {
            {"cut", "BS_:\nBU_:\nVAL_TABLE_ abcdefghijklmnopqrstuvwxyz0123456 ;\n", 0,
             "table abcdefghijklmnopqrstuvwxyz012345\n", "", true},
            {"changed", "VERSION \"2\"\nBS_:\nBU_: C\n", 0, "version \"2\"\nnode C\n", ""},
-           {"smaller", "BS_:\nBU_:\n", 0, "", ""},
            {"faulty", "BS_:\nBU_: D\nBO_ 1 M 8 D\n", 1, "node D\n", ", line 2, error: syntax\n"},
            {"well again", kNodes, 0, "node A\nnode B\n", ""}}) {
     folder_.write("a.dbc", c.content, 1);
@@ -109,7 +98,6 @@ TEST_F(Content, IsNotSavedUnlessItIsWhole) {
     int expected;
   };
   for (const Case& c : std::vector<Case>{
-           {"as it is", [](auto&, auto&) {}, 9},
            {"changed", [](auto&half, auto&) { half.SetComment("edited"); }, 9},
            {"assigned its own copy", [](auto&half, auto&) { half.assign(OwnDatabase(half)); }, 9},
            {"of a missing file",

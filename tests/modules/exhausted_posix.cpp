@@ -66,8 +66,8 @@ class Exhausted : public testing::TestWithParam<const char*> {
  protected:
   /// Fails each allocation of an operation in turn. It ends with `error` and a reason then, or well
   /// when it can do without; of an export, no file is left but by one that ends well.
-  template <typename Operation>
-  void exhaust(int error, Operation operation) {
+  template <typename Operation, typename Check>
+  void exhaust(int error, Operation operation, Check expect_whole) {
     int result = -1;
     std::size_t n = 0;
     for (; fails_at<FailingHeap>(n, [&] { result = operation(); }); ++n) {
@@ -75,6 +75,7 @@ class Exhausted : public testing::TestWithParam<const char*> {
       const bool has_reason = told.find("not enough memory") != std::string::npos;
       EXPECT_TRUE(result == 0 || (result == error && has_reason)) << n << ": " << result << told;
       EXPECT_EQ(std::filesystem::remove(out_), result == 0 && error == ZelkErrorNotWritten) << n;
+      if (result == 0) expect_whole();
     }
     EXPECT_GT(n, 100U);
     EXPECT_EQ(result, 0) << zelk_get_error_text();
@@ -88,15 +89,19 @@ class Exhausted : public testing::TestWithParam<const char*> {
 };
 
 TEST_P(Exhausted, Heap) {
-  exhaust(ZelkErrorNotWritten, [this] { return exported(); });
-  const std::string in = host_.folder.write("in.x", bytes_of(out_));
+  exhaust(
+      ZelkErrorNotWritten, [this] { return exported(); }, [] {});
+  ASSERT_EQ(host_.import(bytes_of(out_)), "");
   std::filesystem::remove(out_);
-  exhaust(ZelkErrorNoDatabase, [&] {
-    const char* name = nullptr;
-    const ZelkError error = host_.importer.Import("imported", &name, in.c_str());
-    if (error == 0) host_.manager.CloseDatabase(name, false);
-    return error;
-  });
+  const std::string whole = host_.written(host_.name), in = host_.folder.path("in.x");
+  host_.manager.CloseDatabase(host_.name, false);
+  exhaust(
+      ZelkErrorNoDatabase,
+      [&] { return host_.importer.Import("imported", &host_.name, in.c_str()); },
+      [&] {
+        EXPECT_EQ(host_.written(host_.name), whole) << "a loss that nobody sees";
+        host_.manager.CloseDatabase(host_.name, false);
+      });
 }
 
 TEST_P(Exhausted, Disk) {

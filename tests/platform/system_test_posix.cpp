@@ -2,9 +2,6 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <algorithm>
-#include <clocale>
-
 #include "platform/folder.hpp"
 #include "platform/hooks.hpp"
 #include "platform/platform.hpp"
@@ -35,15 +32,6 @@ TEST(FilesOfPosix, TimeInNanoseconds) {
   const timespec times[] = {{0, 0}, {1'000'000'000, 123'456'789}};
   ASSERT_EQ(utimensat(AT_FDCWD, "f.dbc", times, 0), 0);
   EXPECT_EQ(file_status("f.dbc")->modified.ticks, 1'000'000'000'123'456'789);
-}
-
-TEST(CodePageOfPosix, NoLeadBytes) {
-  const std::string before = std::setlocale(LC_CTYPE, nullptr);
-  for (const char* locale : {"C", "C.UTF-8"}) {
-    ASSERT_TRUE(std::setlocale(LC_CTYPE, locale));
-    EXPECT_EQ(std::ranges::count(lead_bytes(), true), 0) << locale;
-  }
-  std::setlocale(LC_CTYPE, before.c_str());
 }
 
 TEST(MessageBoxOfPosix, IsALineOnStandardError) {

@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include <algorithm>
-
 #include "platform/folder.hpp"
 #include "platform/module_entry.hpp"
 #include "platform/platform.hpp"
@@ -29,12 +27,6 @@ TEST(ModulesOfWindows, BareNamesInALongWorkingFolder) {
   EXPECT_TRUE(load_module("version.dll"));
   EXPECT_FALSE(load_module("missing.dll"));
   std::filesystem::current_path("..");
-}
-
-TEST(CodePageOfWindows, LeadBytesInDoubleByteCodePagesAlone) {
-  CPINFO info = {};
-  ASSERT_TRUE(GetCPInfo(CP_ACP, &info));
-  EXPECT_EQ(std::ranges::count(lead_bytes(), true) > 0, info.MaxCharSize == 2);
 }
 
 TEST(ModuleEntryOfWindows, ToldByTheSystem) {
