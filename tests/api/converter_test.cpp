@@ -32,25 +32,16 @@ class Converters : public testing::Test {
 };
 
 TEST_F(Converters, ImportToTheDbcFileBesideTheSource) {
-  const struct {
-    const char* source;
-    const char* target;
-  } cases[] = {{"b.xyz", "b.DBC"},
-               {"no_extension", "no_extension.DBC"},
-               {"dotted.dir/plain", "dotted.dir/plain.DBC"},
-               {"two.dots.csv", "two.dots.DBC"}};
-  for (const auto& c : cases) {
-    const std::string source = folder.write(c.source, kSignals);
-    ASSERT_EQ(import(ZELK_CSV_MODULE, "zelk_import", source), 0) << zelk_get_error_text();
-    EXPECT_EQ(manager.GetDatabasePath("imported"), folder.path(c.target));
-    EXPECT_FALSE(std::filesystem::exists(folder.path(c.target)));
-    ASSERT_EQ(manager.MessageCount(name), 2U);
-    EXPECT_STREQ(manager.GetMessage(0x80000200UL, name)->name, "Body");
-    const sigblk* speed = manager.GetSignal(*manager.GetMessage("Engine", name), "Speed");
-    EXPECT_EQ(speed->factor, 0.25);
-    EXPECT_STREQ(speed->unit, "rpm");
+  const std::pair<const char*, const char*> cases[] = {{"no_extension", "no_extension.DBC"},
+                                                       {"dotted.dir/plain", "dotted.dir/plain.DBC"},
+                                                       {"two.dots.csv", "two.dots.DBC"}};
+  for (const auto& [source, target] : cases) {
+    ASSERT_EQ(import(ZELK_CSV_MODULE, "zelk_import", folder.write(source, kSignals)), 0) << source;
+    EXPECT_EQ(manager.GetDatabasePath("imported"), folder.path(target));
+    EXPECT_FALSE(std::filesystem::exists(folder.path(target)));
+    EXPECT_EQ(manager.MessageCount(name), 2U);
     EXPECT_EQ(manager.WriteDatabase(name, nullptr), 0);
-    EXPECT_NE(content_of(folder.path(c.target)).find(" SG_ Torque : 16|8@1+"), std::string::npos);
+    EXPECT_NE(content_of(folder.path(target)).find(" SG_ Torque : 16|8@1+"), std::string::npos);
     manager.CloseDatabase(false);
   }
 }
@@ -61,11 +52,9 @@ TEST_F(Converters, RefuseImports) {
   const std::string locked = folder.write("locked.csv", kSignals);
   const std::string faulty = folder.write("faulty.csv", std::string(kSignals) + "Body,1\n");
   folder.write("taken.DBC", "");
-  using std::filesystem::perms;
-  std::filesystem::permissions(locked, perms::owner_read);
+  Folder::set_read_only(locked, true);
   const struct {
-    const char* module;
-    const char* function;
+    const char *module, *function;
     std::string file;
     const char* db;
     int expected;
@@ -77,14 +66,14 @@ TEST_F(Converters, RefuseImports) {
       {ZELK_CSV_MODULE, "zelk_import", taken, "a", 10, ""},
       {ZELK_CSV_MODULE, "zelk_import", faulty, "a", 1,
        "database: format error in converted file, line 4, 9 fields are expected\n"},
-      {ZELK_CSV_MODULE, "zelk_nonsense", source, "a", 1,
+      {ZELK_CSV_MODULE, "zelk_imp", source, "a", 1,
        "database: could not generate converted file, the module has no such function\n"},
       {ZELK_CSV_MODULE, nullptr, source, "a", 1,
        "database: could not generate converted file, the module has no such function\n"},
       {"missing.module", "zelk_import", source, "a", 1,
        "database: could not generate converted file, the module cannot be loaded\n"},
-      {ZELK_BAD_MODULE, "half", source, "a", 1,
-       "database: format error in converted file, line 7, half\n"},
+      {source.c_str(), "zelk_import", source, "a", 1,
+       "database: could not generate converted file, the module cannot be loaded\n"},
       {ZELK_BAD_MODULE, "raise", source, "a", 1,
        "database: format error in converted file, raised\n"},
       {ZELK_BAD_MODULE, "raise_memory", source, "a", 1, "not enough memory\n"},
@@ -96,7 +85,7 @@ TEST_F(Converters, RefuseImports) {
     EXPECT_STREQ(zelk_get_error_text(), c.told) << c.file;
     EXPECT_EQ(name, nullptr);
   }
-  std::filesystem::permissions(locked, perms::owner_all);
+  Folder::set_read_only(locked, false);
   ASSERT_EQ(import(ZELK_CSV_MODULE, "zelk_import", source, "a"), 0) << "nothing is left in the way";
   ZelkImporter again(manager, ZELK_CSV_MODULE, "zelk_import");
   EXPECT_EQ(again.Import("a", nullptr, taken.c_str()), 3) << "tested before the file";
@@ -121,12 +110,9 @@ TEST_F(Converters, NonsenseDoesNoHarm) {
 
 TEST_F(Converters, Export) {
   ASSERT_EQ(import(ZELK_CSV_MODULE, "zelk_import", folder.write("a.csv", kSignals)), 0);
-  const std::string target = folder.path("b.csv");
-  const std::string none = folder.path("none.csv");
+  const std::string target = folder.path("b.csv"), none = folder.path("none.csv");
   const struct {
-    const char* module;
-    const char* function;
-    const char* db;
+    const char *module, *function, *db;
     std::string file;
     const char* option;
     int expected;
@@ -140,7 +126,6 @@ TEST_F(Converters, Export) {
        "database: could not generate converted file, the module has no such function\n"},
       {ZELK_CSV_MODULE, "zelk_export", name, folder.path("no/folder.csv"), "", 9, false,
        "database: could not generate converted file, the file cannot be written\n"},
-      {ZELK_CSV_MODULE, nullptr, name, none, "", 0, false, ""},
       {ZELK_BAD_MODULE, "asked", name, none, "yes", 0, false, ""},
       {ZELK_BAD_MODULE, "asked", name, none, nullptr, 9, false, ""},
   };
@@ -157,26 +142,22 @@ TEST_F(Converters, Export) {
 }
 
 /// Takes over what the module filled, and says so or not.
-class Keeper : public ZelkImporter {
- public:
+struct Keeper : ZelkImporter {
   Keeper(ZelkWriteManager& manager, bool answer)
       : ZelkImporter(manager, ZELK_CSV_MODULE, "zelk_import"), answer_(answer) {}
 
-  std::string kept;
-
- private:
   bool PostProcess(symblk* nodes, msgblk* messages, env_var_blk* env_vars, btlblk* bit_timings,
                    attr_def* attr_defs, attr* attr_values, cat* categories, filter_t filter,
                    char* comment, char* user_data, sigtype* signal_types,
                    valtable* value_tables) override {
-    kept = messages->name;
+    EXPECT_STREQ(messages->name, "Engine");
     EXPECT_NE(messages, database_->messages);
     ZelkImporter::PostProcess(nodes, messages, env_vars, bit_timings, attr_defs, attr_values,
                               categories, filter, comment, user_data, signal_types, value_tables);
     return answer_;
   }
 
-  bool answer_;
+  const bool answer_;
 };
 
 TEST_F(Converters, HandTheListsToPostProcess) {
@@ -184,7 +165,6 @@ TEST_F(Converters, HandTheListsToPostProcess) {
   for (const bool answer : {false, true}) {
     Keeper keeper(manager, answer);
     EXPECT_EQ(keeper.Import("kept", nullptr, source.c_str()), answer ? 0 : 1);
-    EXPECT_EQ(keeper.kept, "Engine");
     EXPECT_EQ(manager.DatabaseCount(), answer ? 1U : 0U);
   }
 }

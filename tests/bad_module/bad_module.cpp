@@ -98,14 +98,6 @@ ZELK_MODULE_EXPORT int nonsense(const char*, msgblk** messages, symblk** nodes,
   return 1;
 }
 
-ZELK_MODULE_EXPORT int half(const char*, msgblk** messages, symblk** nodes, env_var_blk**,
-                            attr_def**, attr**) {
-  add(*messages).name = copy("Half");
-  add(*nodes);
-  zelk_note(ZELK_ERR_CONVERTED_FORMAT, 7, "half");
-  return 0;
-}
-
 ZELK_MODULE_EXPORT int raise(const char*, msgblk** messages, symblk**, env_var_blk**, attr_def**,
                              attr**) {
   add(*messages).name = copy("Raised");

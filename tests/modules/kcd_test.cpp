@@ -134,9 +134,6 @@ TEST(Kcd, ImportsWhatItCanSay) {
   const auto notes = [](const std::string& text) {
     return with_message("<Notes>" + text + "</Notes>");
   };
-  std::string utf16 = "\xFF\xFE";
-  for (const char c : notes("#"))
-    utf16 += c == '#' ? std::string("\xB1\x03") : std::string{c, '\0'};
   const struct {
     std::string content, statement;
   } cases[] = {
@@ -149,11 +146,9 @@ TEST(Kcd, ImportsWhatItCanSay) {
        "VAL_ 1 S 2 \"g\" 3 \"g\" ;"},
       // Texts are Windows-1252 where they can be and would be taken for that again, else UTF-8.
       {notes("a &amp; <![CDATA[<b>]]>&#228;"), " BO_ 1 \"a & <b>\xE4\";"},
-      {notes("\u00E4"), " BO_ 1 \"\xE4\";"},
       {notes("\u03B1"), " BO_ 1 \"\u03B1\";"},
       {notes("\u00C3\u00A4"), " BO_ 1 \"\u00C3\u00A4\";"},
       {"<?xml version='1.0' encoding='ISO-8859-1'?>" + notes("\xE4"), " BO_ 1 \"\xE4\";"},
-      {utf16, " BO_ 1 \"\u03B1\";"},
   };
   for (const auto& c : cases) EXPECT_THAT(imported(c.content), HasSubstr(c.statement));
 }
@@ -215,7 +210,6 @@ TEST(Kcd, RefusesFaultyFiles) {
       {with_signal("length='8'"),
        "line 4, Signal \"S\" in Message \"M\": attribute \"offset\" is missing"},
       {with_signal("offset='504' length='9' endianess='big'"), "ends behind byte 64"},
-      {with_signal("offset='0' offset='1'"), "attribute \"offset\" comes twice"},
       {with_signal("offset='0'", "<Value slope='1e999'/>"),
        "Value in Signal \"S\" in Message \"M\": slope=\"1e999\" is no number, or out of range"},
       {with_signal("offset='0'", "<LabelSet><LabelGroup name='' from='0' to='256'/></LabelSet>"),
@@ -246,8 +240,6 @@ TEST(Kcd, LeavesOutWhatItCannotHold) {
     const char* left_out;
     std::string gone;  ///< names of messages and signals
   } cases[] = {
-      {[](msgblk& m) { m.id = 0xC0000000; }, "1 message with an identifier of more than 11 bits",
-       kWhole},
       {[](msgblk& m) { m.id = 0x800; }, "1 message with an identifier of more than 11 bits",
        kWhole},
       {[](msgblk& m) { m.dlc = 65; }, "1 message of more than 64 data bytes", kWhole},
@@ -259,11 +251,8 @@ TEST(Kcd, LeavesOutWhatItCannotHold) {
       {[](msgblk& m) { signal_of(m, kD).name[0] = 'X'; }, "1 signal with the name of another", "D"},
       {[](msgblk& m) { signal_of(m, kMux).length = 0; }, "1 signal with a multiplexor that",
        "X Mux"},
-      {[](msgblk& m) { signal_of(m, kX).mux_signal = m.next->signals; }, "a multiplexor that", "X"},
       {[](msgblk& m) { signal_of(m, kX).mux_signal = nullptr; }, "a multiplexor that is not", "X"},
       {[](msgblk& m) { signal_of(m, kX).mux_ranges->low = 9; }, "", ""},  // 5 is left
-      {[](msgblk& m) { signal_of(m, kX).mux_ranges->high = 257; }, "1 signal selected by more",
-       "X"},
       {[](msgblk& m) { signal_of(m, kX).mux_ranges->high = UINT32_MAX; }, "by more than 256", "X"},
       {[](msgblk& m) { signal_of(m, kMux).mux_signal = &signal_of(m, kD); },
        "1 selection of a multiplexor by another one", ""},
