@@ -5,8 +5,8 @@
 #include <cstdlib>
 #include <string>
 
+#include "../tests/support/lists.hpp"
 #include "memory_file.hpp"
-#include "zelk/zelk.h"
 
 namespace {
 
@@ -23,30 +23,13 @@ void visit(const sigblk& signal) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const MemoryFile file(data, size);
-  symblk* nodes = nullptr;
-  msgblk* messages = nullptr;
-  env_var_blk* env_vars = nullptr;
-  btlblk* bit_timings = nullptr;
-  attr_def* attr_defs = nullptr;
-  attr* attrs = nullptr;
-  cat* categories = nullptr;
-  filter_t filter = {};
-  char* comment = nullptr;
-  char* version = nullptr;
-  sigtype* sig_types = nullptr;
-  valtable* val_tables = nullptr;
-  attr_def* slots[4] = {};
+  Lists lists;
   zelk_clear_error_text();
   // The second read extends the records of the first.
-  for (int pass = 0; pass < 2; ++pass) {
-    zelk_try_read(file.path().c_str(), &nodes, &messages, &env_vars, &bit_timings, &attr_defs,
-                  &attrs, &categories, &filter, &comment, &version, &sig_types, &val_tables, slots);
-  }
-  for (const msgblk* message = messages; message; message = message->next) {
+  for (int pass = 0; pass < 2; ++pass) lists.try_read(file.path().c_str());
+  for (const msgblk* message = lists.messages; message; message = message->next) {
     for (const sigblk* signal = message->signals; signal; signal = signal->next) visit(*signal);
-    zelk_get_j1939_message(messages, attr_defs, message->id, ZELK_J1939_FRAME_FORMAT);
+    zelk_get_j1939_message(lists.messages, lists.definitions, message->id, ZELK_J1939_FRAME_FORMAT);
   }
-  zelk_free(nodes, messages, env_vars, bit_timings, attr_defs, attrs, categories, &filter, comment,
-            version, sig_types, val_tables);
   return 0;
 }

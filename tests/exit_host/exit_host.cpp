@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "zelk/zelk.h"
+#include "../support/lists.hpp"
 
 namespace {
 
@@ -14,33 +14,15 @@ const char* source = nullptr;
 
 /// What hosts do with a database; it also touches all that the library keeps for the process.
 bool works() {
-  symblk* nodes = nullptr;
-  msgblk* messages = nullptr;
-  env_var_blk* variables = nullptr;
-  btlblk* timings = nullptr;
-  attr_def* definitions = nullptr;
-  attr* values = nullptr;
-  cat* categories = nullptr;
-  filter_t filter = {};
-  char *comment = nullptr, *version = nullptr;
-  sigtype* types = nullptr;
-  valtable* tables = nullptr;
-  attr_def* slots[4] = {};
-  const auto read = [&](const char* path) {
-    return zelk_try_read(path, &nodes, &messages, &variables, &timings, &definitions, &values,
-                         &categories, &filter, &comment, &version, &types, &tables, slots);
-  };
+  Lists lists;
   zelk_clear_error_text();
-  const bool is_read = read(source) == ZELK_OK && read("missing.dbc") == ZELK_ERR_NOT_FOUND;
+  const bool is_read =
+      lists.try_read(source) == ZELK_OK && lists.try_read("missing.dbc") == ZELK_ERR_NOT_FOUND;
   const bool is_reported =
       std::strstr(zelk_get_error_text(), "database: not found, missing.dbc\n") &&
       std::strcmp(zelk_get_thread_error_text(), zelk_get_error_text()) == 0;
   zelk_set_message_box(nullptr, nullptr);
-  const uint32_t written =
-      zelk_try_write("exit_host.dbc", nodes, messages, variables, timings, definitions, values,
-                     categories, filter, comment, version, types, tables, 1);
-  zelk_free(nodes, messages, variables, timings, definitions, values, categories, &filter, comment,
-            version, types, tables);
+  const uint32_t written = lists.write_by(zelk_try_write, "exit_host.dbc");
   return is_read && is_reported && written == ZELK_OK && std::remove("exit_host.dbc") == 0;
 }
 

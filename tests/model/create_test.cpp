@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cstring>
-
 #include "model/errors.hpp"
 #include "model/memory.hpp"
 #include "support/failing.hpp"
@@ -9,30 +7,9 @@
 
 namespace {
 
-/// Whether `record` has zeros but for what `fill` sets; releases it.
-template <typename Record, typename Fill>
-bool is_new(Record* record, Fill fill) {
-  const zelk::OwnedBlock<Record> owner(record);
-  Record expected;
-  std::memset(&expected, 0, sizeof expected);
-  fill(expected);
-  return record && std::memcmp(record, &expected, sizeof expected) == 0;
-}
-
 msgblk message;
 sigblk signal;
 symblk node;
-
-TEST(Creation, FillsInTheDefaults) {
-  const auto link = [](rxblk& rx) { rx.node = &node; };
-  EXPECT_TRUE(is_new(zelk_create_msgblk(), [](msgblk& m) { m.dlc = m.signal_count = 1; }));
-  EXPECT_TRUE(is_new(zelk_create_sigblk(), [](sigblk& s) { s.length = 1, s.factor = 1; }));
-  EXPECT_TRUE(is_new(zelk_create_siggroup(&message),
-                     [](siggroupblk& g) { g.repetitions = 1, g.message = &message; }));
-  EXPECT_TRUE(is_new(zelk_create_siglist(&signal), [](siglistblk& s) { s.signal = &signal; }));
-  EXPECT_TRUE(is_new(zelk_create_rx(&node), link));
-  EXPECT_TRUE(is_new(zelk_create_tx(&node), link));
-}
 
 /// Whether `create` raises when the heap is exhausted; else it must give null and report nothing.
 template <typename Create>

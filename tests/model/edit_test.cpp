@@ -39,23 +39,11 @@ void expect_deletion(void (*remove)(Record**, Record*), Record* (*create)()) {
   EXPECT_EQ(head, nullptr);
 }
 
-template <typename Record>
-void expect_list(Record* (*create)(), void* (*insert)(Record**, Record*, uint32_t),
-                 void (*remove)(Record**, Record*)) {
-  Record* head = nullptr;
-  expect_insertion(insert, &head, head);
-  expect_deletion(remove, create);
-}
-
 TEST(Lists, InsertBehindAPositionAndDeleteAnyRecord) {
-  expect_list(zelk_create_symbol, can_insert_symbol, can_delete_symbol);
-  expect_list(zelk_create_msgblk, can_insert_msg, can_delete_msg);
-  expect_list(zelk_create_evblk, can_insert_evblk, can_delete_evblk);
-  expect_list(zelk_create_sigtype, can_insert_sigtype, can_delete_sigtype);
-  expect_list(zelk_create_valtable, can_insert_valtable, can_delete_valtable);
-  expect_deletion(can_delete_btl, zelk_create_btlblk);
+  msgblk* messages = nullptr;
+  expect_insertion(can_insert_msg, &messages, messages);
+  expect_deletion(can_delete_msg, zelk_create_msgblk);
   expect_deletion(can_delete_attr_def, zelk_create_attr_def);
-  expect_deletion(can_delete_category, zelk_create_category);
   msgblk message{};
   expect_insertion(can_insert_sig, &message, message.signals);
   EXPECT_EQ(message.signal_count, 0);
@@ -101,10 +89,6 @@ TEST(Deletion, LeavesWhatItDoesNotName) {
   definition->enum_values = text("goes");
   const zelk::OwnedText enum_default(definition->default_value.text = text("stays"));
   can_delete_attr_def(&definition, definition);
-  definition = zelk_create_attr_def();
-  definition->value_type = ZELK_ATTR_STRING;
-  definition->default_value.text = text("goes");
-  can_delete_attr_def(&definition, definition);
 
   msgblk owner{};
   siggroupblk* const first = owner.siggroups = zelk_create_siggroup(&owner);
@@ -122,23 +106,19 @@ TEST(Deletion, LeavesWhatItDoesNotName) {
 }
 
 TEST(Release, TakesValuesWithoutDefinitionsAndEmptiesTheFilter) {
-  attr* const values = zelk::create_record<attr>();
-  values->next = zelk::create_record<attr>();
-  filter_t filter{};
-  filter.categories = zelk::create_record<catlink>();
-  filter.nodes = zelk_create_rx(nullptr);
-  filter.nodes->attrs = zelk::create_record<attr>();
-  filter.mode = 3;
+  attr* values = nullptr;
+  for (int i = 0; i < 2; ++i) add_value(values, nullptr);
+  filter_t filter{zelk::create_record<catlink>(), zelk_create_rx(nullptr), 3};
+  add_value(filter.nodes->attrs, nullptr);
   zelk_free(nullptr, nullptr, nullptr, nullptr, nullptr, values, nullptr, &filter, nullptr, nullptr,
             nullptr, nullptr);
-  EXPECT_EQ(filter.categories, nullptr);
-  EXPECT_EQ(filter.nodes, nullptr);
-  EXPECT_EQ(filter.mode, 0);
+  EXPECT_TRUE(!filter.categories && !filter.nodes && filter.mode == 0);
 }
 
 TEST(Lists, OfMissingRecordsStayAsTheyAre) {
+  Database database;
   symblk *const node = zelk_create_symbol(), *const last = zelk_create_symbol();
-  symblk* head = nullptr;
+  symblk*& head = database.nodes;
   EXPECT_EQ(can_insert_symbol(&head, node, 3), &head) << "behind the last of none";
   EXPECT_EQ(can_insert_symbol(&head, last, 3), node) << "behind the last";
   EXPECT_EQ(can_insert_symbol(&head, nullptr, 0), nullptr);
@@ -150,8 +130,6 @@ TEST(Lists, OfMissingRecordsStayAsTheyAre) {
   can_delete_siggroup(nullptr, nullptr);
   can_delete_multiplexor_value_range(nullptr, nullptr);
   EXPECT_THAT(records_of(head), ElementsAre(node, last));
-  zelk_free(head, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-            nullptr, nullptr);
 }
 
 /// A message with two possible multiplexors and two signals to be selected.

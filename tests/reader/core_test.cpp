@@ -25,40 +25,23 @@ void expect_descriptions(const std::vector<CoreCase>& cases) {
 
 TEST(CoreReader, Sections) {
   const std::string a40(40, 'a'), a32(32, 'a');
-  expect_descriptions(
-      {{"BS_:BU_:", ""},
-       {"BS_ : \r\n BU_ : \xFF ((", ""},
-       {"VERSION \"\" NS_: BS_: BU_:", ""},
-       {"VERSION \"2.5 \\\"x\\\"\" BS_:BU_:", "version \"2.5 \"x\"\"\n"},
-       {"BS_:500:1,255\nBU_:", "timing 500:1,255\n"},
-       {"BS_: 32767:0,0 500:1,2 BU_:", "timing 32767:0,0\ntiming 500:1,2\n"},
-       {"BS_:BU_: A B A Ostrel__XXX a\n", "node A\nnode B\nnode a\n"},
-       {"BS_:BU_: " + a40 + "\n", "node " + a40 + "\n"},
-       {"BS_:BU_: VAL_TABLE_ T 1 \"b\" 0 \"a\\\"\" 1 \"\" ; VAL_TABLE_ T ;",
-        "table T 1\"b\" 0\"a\"\" 1\"\"\ntable T\n"},
-       {"BS_:BU_: VAL_TABLE_ " + a40 + " ;", "table " + a32 + "\n"},
-       {"BS_:BU_:BO_ 4294967295 M:32767 T\n", "node T\nmessage 4294967295 M 32767 from T[T]\n"},
-       {"BS_:BU_:BO_ 0 M:0 Ostrel__XXX BO_ 0100000 M:010 Ostrel__XXX\n",
-        "message 0 M 0 from -[]\nmessage 32768 M 10 from -[]\n"},
-       // A message acts behind its signals.
-       {"BS_:BU_:A\nBO_ 1 M:8 T SG_ S:0|8@1+(1,0)[0|0]\"\"R,Ostrel__XXX,A,R\n",
-        "node A\nnode R\nnode T\nmessage 1 M 8 from T[T]\n"
-        "signal S 0|8 flags 0 (1,0) [0|0] \"\" to [R,A,R]\n"}});
+  expect_descriptions({{"BS_:BU_:", ""},
+                       {"VERSION \"2.5 \\\"x\\\"\" BS_:BU_:", "version \"2.5 \"x\"\"\n"},
+                       {"BS_: 32767:0,0 500:1,2 BU_:", "timing 32767:0,0\ntiming 500:1,2\n"},
+                       {"BS_:BU_: A B A Ostrel__XXX a\n", "node A\nnode B\nnode a\n"},
+                       {"BS_:BU_: VAL_TABLE_ T 1 \"b\" 0 \"a\\\"\" 1 \"\" ; VAL_TABLE_ T ;",
+                        "table T 1\"b\" 0\"a\"\" 1\"\"\ntable T\n"},
+                       {"BS_:BU_: VAL_TABLE_ " + a40 + " ;", "table " + a32 + "\n"},
+                       {"BS_:BU_:BO_ 0 M:0 Ostrel__XXX BO_ 0100000 M:010 Ostrel__XXX\n",
+                        "message 0 M 0 from -[]\nmessage 32768 M 10 from -[]\n"},
+                       // A message acts behind its signals.
+                       {"BS_:BU_:A\nBO_ 1 M:8 T SG_ S:0|8@1+(1,0)[0|0]\"\"R,Ostrel__XXX,A,R\n",
+                        "node A\nnode R\nnode T\nmessage 1 M 8 from T[T]\n"
+                        "signal S 0|8 flags 0 (1,0) [0|0] \"\" to [R,A,R]\n"}});
 }
 
 TEST(CoreReader, NewSymbols) {
   const std::string rest = " BS_:BU_:\n", a40(40, 'a'), a32(32, 'a');
-  EXPECT_EQ(Database().read("NS_: NS_DESC_ CM_ BA_DEF_ BA_ VAL_ CAT_DEF_ CAT_ FILTER BA_DEF_DEF_ "
-                            "EV_DATA_ ENVVAR_DATA_ SGTYPE_ SGTYPE_VAL_ BA_DEF_SGTYPE_ BA_SGTYPE_ "
-                            "SIG_TYPE_REF_ VAL_TABLE_ SIG_GROUP_ SIG_VALTYPE_ SIGTYPE_VALTYPE_ "
-                            "BO_TX_BU_ BA_DEF_REL_ BA_REL_ BA_DEF_DEF_REL_ BU_SG_REL_ BU_EV_REL_ "
-                            "BU_BO_REL_ SG_MUL_VAL_" +
-                            rest),
-            0u);
-  for (const char* keyword : {"BO_", "SG_", "BU_", "BS_", "VERSION", "EV_", "INT", "HEX", "FLOAT",
-                              "STRING", "ENUM", "NS_"}) {
-    EXPECT_EQ(Database().read(std::string("NS_: ") + keyword + rest), 1u) << keyword;
-  }
   Database database;
   zelk_reset_symbols_shortened();
   EXPECT_EQ(database.read("NS_:\n B1_ CM_ A1_ " + a40 + "\nBS_:BU_: N\nB1_ 1 \"x // \xFF\n;\nA1_;" +
@@ -71,6 +54,7 @@ TEST(CoreReader, NewSymbols) {
                 a32 + "\n");
   EXPECT_EQ(zelk::last_new_symbols(), (std::vector<std::string>{"B1_", "A1_", a32}));
   EXPECT_EQ(zelk_symbols_shortened(), 1);
+  EXPECT_EQ(database.read("NS_: SG_" + rest), 1u) << "no statement that may be new";
   EXPECT_EQ(database.read("NS_:" + a40 + rest + a40 + " ;"), 1u) << "announced cut to 32";
   EXPECT_EQ(database.read("BS_:BU_: B1_\n"), 0u) << "announced in another file";
   EXPECT_TRUE(zelk::last_new_symbols().empty());
@@ -88,12 +72,9 @@ std::string signals(const std::string& lines) {
 TEST(CoreReader, SignalLayouts) {
   const struct {
     std::string written, read;
-  } cases[] = {{"0|8@1+", "0|8 flags 0"},
-               {"32767|32767@1-", "32767|32767 flags 2"},
-               {"8|16@0-", "8|16 flags 3"},
+  } cases[] = {{"32767|32767@1-", "32767|32767 flags 2"},
                // orders: 0 Motorola, others Intel; without one the segment's position
                {"3|8@4", "3|8 flags 0"},
-               {"3|8", "3|8 flags 0"},
                {"3|8:5-", "3|13 flags 2"},
                {"3|8@2:5@2", "3|13 flags 0"},
                {"8|5@0:8", "8|13 flags 0"},
@@ -146,13 +127,10 @@ TEST(CoreReader, MultiplexerIndicators) {
   } cases[] = {{"M", "m1", {"4", ""}, {"0", " by S 1-1"}},
                {"m7", "M", {"0", " by T 7-7"}, {"4", ""}},
                {"x", "X12", {"4", ""}, {"0", " by S 12-12"}},
-               {"M", "M", {"4", ""}, {"4", ""}},
                {"M", "m3M", {"4", ""}, {"4", " 3-3"}},
                {"m0M", "m1", {"4", " by S 0-0"}, {"0", " by S 1-1"}},
-               {"m1", "m2", {"0", " 1-1"}, {"0", " 2-2"}},
                {"mm", "", {"4", ""}, {"0", ""}},
                {"M", "m010", {"4", ""}, {"0", " by S 10-10"}},
-               {"M", "m5q", {"4", ""}, {"0", " by S 5-5"}},
                {"M", "mq", {"4", ""}, {"0", " by S 0-0"}}};
   for (const auto& c : cases) {
     const std::string text = "SG_ S " + c.s + kLayout + "SG_ T " + c.t + kLayout;
@@ -172,9 +150,7 @@ TEST(CoreReader, CyclicMultiplexors) {
     const char *statements, *culprit;
   } cases[] = {{"SG_MUL_VAL_ 1 B A 0-0; SG_MUL_VAL_ 1 C B 1-1; SG_MUL_VAL_ 1 D C 2-2;", ""},
                {"SG_MUL_VAL_ 1 C B 1-1; SG_MUL_VAL_ 1 B C 0-0;", "M::B"},
-               {"SG_MUL_VAL_ 1 B B 0-0;", "M::B"},
                {"SG_MUL_VAL_ 1 A B 0-0; SG_MUL_VAL_ 1 B C 0-0; SG_MUL_VAL_ 1 C C 0-0;", "M::A"},
-               {"SG_MUL_VAL_ 1 C B 0-0; SG_MUL_VAL_ 1 B A 0-0; SG_MUL_VAL_ 1 A C 0-0;", "M::A"},
                {"SG_MUL_VAL_ 1 A B 0-0; SG_MUL_VAL_ 1 B D 0-0; SG_MUL_VAL_ 1 D B 0-0;", "M::A"}};
   for (const auto& c : cases) {
     const std::string report =

@@ -20,42 +20,25 @@ TEST(ReaderErrors, NumberAndLine) {
       {"", 1, ", error: syntax"},
       {"\n\n// only a comment\n", 1, ", line 3, error: syntax"},
       {"BU_:\nBS_:\n", 1, ", error: syntax"},
-      {"BS_:\n", 1, ", line 1, error: syntax"},
-      {"BS_\n:\nBU_\n", 1, ", line 3, error: syntax"},
-      {"VERSION 1\nBS_: BU_:", 1, ", error: syntax"},
-      {"NS_:\nBS_:\nVERSION \"\"\nBU_:", 1, ", line 2, error: syntax"},
       {"BS_: 32768:1,2\nBU_:", 1, ", error: syntax"},
       {"BS_:\nBU_: A,\nB\n", 1, ", line 1, error: syntax"},
       {"BS_:\nBU_: VAL_TABLE_ T 0\n\"a\",1 \"b\";", 1, ", line 2, error: syntax"},
       {FRAME "BO_ 4294967296 M: 8 A\n", 1, ", line 2, error: syntax"},
-      {FRAME "BO_ -1 M: 8 A\n", 1, ", line 2, error: syntax"},
       {FRAME "BO_ 1 M: 32768 A\n", 1, ", line 2, error: syntax"},
-      {FRAME "BO_ 1 M: 8\n\nBO_ 2 N: 8 A\n", 1, ", line 4, error: syntax"},
       {MESSAGE "SG_ S : 0|40000 (1,0) [0|0] \"\" A\n", 1, ", line 3, error: syntax"},
-      {MESSAGE "SG_ S : 0|8 (1,0) [0|0] A\n", 1, ", line 3, error: syntax"},
-      {MESSAGE "SG_ S : 0|8 (1,0) [0|0] \"\"\n\n", 1, ", line 5, error: syntax"},
       {MESSAGE "SG_ S" LAYOUT ",\n;", 1, ", line 4, error: syntax"},
       {FRAME "CM_ \"two\nlines\" \n X\n;", 1, ", line 4, error: syntax"},
       {FRAME "CM_ \"open\n\n", 1, ", line 4, error: syntax"},
-      {FRAME "// open", 1, ", line 2, error: syntax"},
-      {FRAME "CM_ \"x\";\nBA_ \"D\" \"x\" ", 1, ", line 3, error: syntax"},
-      {FRAME "X_ 1;\n", 1, ", line 2, error: syntax"},
       {"NS_: FOO\n" FRAME "FOO 1\n2\n", 1,
        "new symbol not supported, line 3, FOO\n, line 5, error: syntax"},
-      {"BS_:BU_:A", 27, "database: invalid char in symbol, A :\xFF"},
       {FRAME "BO_ 1 Geschw\xFC : 8 A\n", 27,
        "database: invalid char in symbol, line 2, Geschw :\xFC"},
       {FRAME "BO_ 1 M: 8 " + a1024 + "\n", 1, ", line 2, " + a1024.substr(0, 989)},
       // "SG_" acts at the token behind its receivers: first the indicator, then the segmentation.
       {MESSAGE "SG_ S" LAYOUT "\nSG_ T x1" LAYOUT "\n\nSG_ U q" LAYOUT "\n\n\n;", 11,
        "database: illegal mode, line 9, U"},
-      {MESSAGE "SG_ S M" LAYOUT "\nSG_ T x1" LAYOUT "\n\nBO_ ", 11,
-       "database: illegal mode, line 6, T"},
-      {MESSAGE "SG_ S _1" LAYOUT "\n", 11, "database: illegal mode, line 4, S"},
       {MESSAGE "SG_ S _1 : 0|0 (1,0) [0|0] \"\" A ;", 11, "database: illegal mode, line 3, S"},
       {MESSAGE "SG_ S : 0|0 (1,0) [0|0] \"\" A\n\n;", 12, SEGMENTATION ", line 5, S"},
-      {MESSAGE "SG_ S : 0|8@5 (1,0) [0|0] \"\" A ", 12, SEGMENTATION ", line 3, S"},
-      {MESSAGE "SG_ S : 0|8:0 (1,0) [0|0] \"\" A ", 12, SEGMENTATION ", line 3, S"},
       {MESSAGE "SG_ S : 0|8:8@7 (1,0) [0|0] \"\" A ", 12, SEGMENTATION ", line 3, S"},
       {MESSAGE "SG_ S : 0|8:8:8 (1,0) [0|0] \"\" A ", 12, SEGMENTATION ", line 3, S"},
       {MESSAGE "SG_ S : 0|0 (1,0) [0|0] \"\" A B", 27,
@@ -82,8 +65,6 @@ TEST(ReaderErrors, WhatWasLinkedStaysAndTheNextReadGoesOn) {
   const std::string first =
       "version \"1\"\ntiming 1:2,3\nnode A\nnode C\ntable T 0\"a\"\n"
       "message 1 M 8 from A[A]\nsignal S 0|8 flags 0 (1,0) [0|0] \"\" to [A] 1-1\n";
-  EXPECT_EQ(describe(database), first);
-  EXPECT_EQ(database.read("VERSION 2"), 1u);
   EXPECT_EQ(describe(database), first);
   EXPECT_EQ(database.read("VERSION \"2\" BS_: 4:5,6 7:8,9\nBU_: B A\nVAL_TABLE_ T ;\n"
                           "BO_ 1 O: 8 A SG_ U M" LAYOUT "\nCM_ SG_ 1 S \"old\"; CM_ \"new\";"

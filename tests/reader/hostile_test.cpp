@@ -15,25 +15,17 @@ namespace {
 constexpr char kEveryStatement[] = ZELK_SOURCE_DIR "/tests/data/ok_every_statement.dbc";
 
 TEST(HostileFiles, CutShort) {
-  const struct {
-    const char* path;
-    std::uintmax_t step;  // in bytes; the large file is cut at some of its bytes only
-  } cases[] = {{kEveryStatement, 1}, {ZELK_SOURCE_DIR "/examples/powertrain.dbc", 29}};
-  for (const auto& c : cases) {
-    const TemporaryFile file(bytes_of(c.path));
-    std::size_t accepted = 0;
-    std::uintmax_t size = std::filesystem::file_size(file.path());
-    ASSERT_GT(size, 1000u);
-    for (--size; size > c.step; size -= c.step) {
-      std::filesystem::resize_file(file.path(), size);
-      Database database;
-      const uint32_t number = database.read_file(file.path());
-      ASSERT_THAT(number, testing::AnyOf(0, 1, 27)) << size << database.reported;
-      accepted += number == 0;
-      describe(database);
-    }
-    EXPECT_GT(accepted, 20u);
+  const TemporaryFile file(bytes_of(kEveryStatement));
+  std::size_t accepted = 0;
+  for (auto size = std::filesystem::file_size(file.path()); --size > 1;) {
+    std::filesystem::resize_file(file.path(), size);
+    Database database;
+    const uint32_t number = database.read_file(file.path());
+    ASSERT_THAT(number, testing::AnyOf(0, 1, 27)) << size << database.reported;
+    accepted += number == 0;
+    describe(database);
   }
+  EXPECT_GT(accepted, 20u);
 }
 
 /// Reads with each allocation failing in turn; returns how many there are.
@@ -109,14 +101,11 @@ std::string repeated(const std::string& piece, int count) {
   std::string result;
   for (int i = 0; i < count; ++i) {
     for (const char c : piece) {
-      if (c == '#' || c == '^') {
-        result += std::to_string(c == '#' ? i : i + 1);
-      } else {
-        result += c == '\'' ? '"' : c;
-      }
+      const int number = c == '^' ? i + 1 : i;
+      result += c == '#' || c == '^' ? std::to_string(number) : std::string(1, c);
     }
   }
-  return result;
+  return with_quotes(result);
 }
 
 // In the pieces "#" stands for the number of the repetition, "^" for the next one, an apostrophe
@@ -132,7 +121,6 @@ TEST(HostileFiles, ManyOfEverything) {
     const char* trace;  ///< in the description, once for every repetition
   } cases[] = {
       {"new symbols", "NS_:", " n#", " BS_:BU_:", " x#", "\n", "node x"},
-      {"bit timings", "BS_:", " 1:2,3", "BU_:", " x#", "\n", "timing "},
       {"messages", "BS_:BU_:", " BO_ # M: 8 n#", "", " BO_TX_BU_ # : x,y ;", "\n", "[x,y]"},
       {"signals", message, many_signals, "", " CM_ SG_ 1 S# 'c';", "\n", " // "},
       {"chain", message + " SG_ S20000 M : 0|8 (1,0) [0|0] '' A", many_signals, "",
@@ -140,13 +128,11 @@ TEST(HostileFiles, ManyOfEverything) {
       {"ranges", signal, "", " SG_MUL_VAL_ 1 S S 0-0", " , #-^", ";", "-"},
       {"receivers", signal, ",r#", " BA_DEF_REL_ 'D' INT;", " BA_REL_ 'D' BU_SG_REL_ r# SG_ 1 S #;",
        "\n", "{D="},
-      {"descriptions", signal, "", "", " VAL_ 1 S # 'x' 1 'y';", "\n", "'x'"},
       {"items", "BS_:BU_: BA_DEF_ 'D' ENUM 'a'", ",'i#'", ";", "BA_ 'D' 'i#';", "\n", "D="},
       {"namesakes", "BS_:BU_:", "BA_DEF_ 'D' INT;", "", "BA_DEF_DEF_ 'D' 7;", "\n", "] 7"},
       {"long names",
        message + repeated(many_signals, kCount) + " BA_DEF_ SG_ 'SystemSignalLongSymbol' STRING;",
        "", "", " BA_ 'SystemSignalLongSymbol' SG_ 1 S# 'Long#';", "\n", "signal Long"},
-      {"group", signal, "", " SIG_GROUP_ 1 G 1 :", " S", " ;", " S"},
       {"categories", "BS_:BU_:", "CAT_DEF_ 1 K# 1;", "FILTER 1 CAT_", " 1", " BU_ ;", "category"}};
   for (const auto& c : cases) {
     Database database;

@@ -78,8 +78,7 @@ void expect_outcomes(const std::vector<StatementCase>& cases) {
 
 TEST(Statements, Transmitters) {
   expect_outcomes(kMessages, std::string(kVariable) + kType,
-                  {{"BO_TX_BU_ 1 : A,B;", "message 1 M 8 from A[A,B]"},
-                   {"BO_TX_BU_ 1 : D ; BO_TX_BU_ 2:C,B;",
+                  {{"BO_TX_BU_ 1 : D ; BO_TX_BU_ 2:C,B;",
                     "node D\nmessage 1 M 8 from A[D]\nmessage 2 N 8 from -[C,B]"},
                    {"BO_TX_BU_ 1 : ;", ""},
                    {"BO_TX_BU_ 1 : Ostrel__XXX ;", "message 1 M 8 from A[]"},
@@ -95,10 +94,6 @@ TEST(Statements, EnvironmentVariables) {
         "node D\nvariable W type 1 [-0.5|10] 'V' 2.5 id 32768 access 3[D,A]"},
        {"EV_ W: 0 [0|0] '' 0 0 DUMMY_NODE_OSTREL8001 Ostrel__XXX;",
         "variable W type 2 [0|0] '' 0 id 0 access 1[]"},
-       {"EV_ W: 2 [0|0] '' 0 0 DUMMY_NODE_OSTREL7FFF A;",
-        "variable W type 2 [0|0] '' 0 id 0 access 32767[A]"},
-       {"EV_ W: 3 [0|0] '' 0 0 DUMMY_NODE_OSTREL0 A;",
-        "variable W type 3 [0|0] '' 0 id 0 access 0[A]"},
        {"EV_ W: 4 [0|0] '' 0 0 DUMMY_NODE_OSTREL0 A;", "",
         "type of environment variable not allowed, line 8, W", 25},
        {long_unit, "variable W type 0 [0|1] '" + u32 + "' 0 id 0 access 0[A]"},
@@ -120,11 +115,7 @@ TEST(Statements, SignalTypes) {
 
 TEST(Statements, Comments) {
   expect_outcomes({{"CM_ 'x'; CM_ 'a\nb\\'c' ;", "comment 'a|b'c'"},
-                   {"CM_ BU_ C 'x';", NODE_C " // 'x'"},
                    {"CM_ BO_ 1 'x'; CM_ BO_ 1 '';", MESSAGE " // ''"},
-                   {"CM_ SG_ 1 T 'x';", SIGNAL_T " by S 1-1 // 'x'"},
-                   {"CM_ EV_ V 'x';", VARIABLE " // 'x'"},
-                   {"CM_ SGTYPE_ Typ 'x';", TYPE " // 'x'"},
                    {"CM_ BU_ Ostrel__XXX 'x';", ""},
                    {"CM_ SG_ 2 S\n'x' ;", "", UNKNOWN "10, S", 20}});
 }
@@ -135,10 +126,6 @@ TEST(Statements, AttributeDefinitions) {
                                 a40 + "' 1; BA_ '" + a32 + "b' 2;";
   expect_outcomes(
       {{"BA_DEF_ 'D' INT;", "definition D of 0 INT [0|0] 0"},
-       {"BA_DEF_ BU_ 'D' INT -5 10;", "definition D of 1 INT [-5|10] 0"},
-       {"BA_DEF_ BO_ 'D' HEX 0 4294967295;", "definition D of 2 HEX [0|4294967295] 0"},
-       {"BA_DEF_ SG_ 'D' FLOAT -1.5 1E+3;", "definition D of 3 FLOAT [-1.5|1000] 0"},
-       {"BA_DEF_ EV_ 'D' STRING ;", "definition D of 4 STRING ''"},
        {"BA_DEF_ 'D' ENUM  'a','ostrel_leerstring','','b c';",
         "definition D of 0 ENUM 'a|||b c' ''"},
        {"BA_DEF_ 'D' ENUM ; BA_DEF_ 'E' ENUM 'ostrel_leerstring';",
@@ -146,13 +133,10 @@ TEST(Statements, AttributeDefinitions) {
        {"BA_DEF_REL_ 'D' INT; BA_DEF_ 'D' INT; BA_DEF_REL_ BU_SG_REL_ 'E' STRING;",
         "definition D of 6 INT [0|0] 0\ndefinition D of 0 INT [0|0] 0\n"
         "definition E of 6 STRING ''"},
-       {"BA_DEF_REL_ BU_BO_REL_ 'D' ENUM 'a'; BA_DEF_REL_ BU_EV_REL_ 'E' HEX 1 2;",
-        "definition D of 7 ENUM 'a' ''\ndefinition E of 8 HEX [1|2] 0"},
        {"BA_DEF_ SG_ 'D' INT 0 1; BA_DEF_SGTYPE_ 'D'; BA_DEF_REL_ 'E' INT;",
         "definition D of 5 INT [0|1] 0\ndefinition E of 6 INT [0|0] 0"},
        {"BA_DEF_ 'D' INT; BA_DEF_ SG_ 'D' INT 1 2; BA_DEF_SGTYPE_ 'D';",
         "definition D of 0 INT [0|0] 0\ndefinition D of 5 INT [1|2] 0"},
-       {"BA_DEF_ BU_ 'D' STRING; BA_DEF_SGTYPE_ 'D';", "definition D of 5 STRING ''"},
        {"BA_DEF_REL_ 'D' INT; BA_DEF_SGTYPE_ 'D';", "", "undefined attribute, line 9, D", 21},
        {long_used,
         "network {" + a32 + "=1 " + a32 + "=2}\ndefinition " + a32 + " of 0 INT [0|0] 3"}});
@@ -166,12 +150,8 @@ std::string with_default(const std::string& type, const std::string& value) {
 TEST(Statements, AttributeDefaults) {
   const std::string found = "definition D of 0 ", error = "database: syntax error, line 9";
   expect_outcomes({
-      {with_default("INT 0 9", "5"), found + "INT [0|9] 5"},
-      {with_default("HEX", "4294967295"), found + "HEX [0|0] 4294967295"},
-      {with_default("FLOAT", "-2.5"), found + "FLOAT [0|0] -2.5"},
       {with_default("INT", "'-25e-1'"), found + "INT [0|0] -2.5"},
       {with_default("INT", ""), found + "INT [0|0] 0"},
-      {with_default("STRING", ""), found + "STRING ''"},
       {with_default("ENUM 'a'", ""), found + "ENUM 'a' ''"},
       {with_default("INT", "' 5'"), "", error + ",  5", 14},
       {with_default("INT", "'0x10'"), "", error + ", 0x10", 14},
@@ -179,8 +159,6 @@ TEST(Statements, AttributeDefaults) {
       {with_default("INT", "''"), "", error, 14},
       {with_default("STRING", "'ostrel_leerstring'"), found + "STRING 'ostrel_leerstring'"},
       {with_default("STRING", "123456789012345678"), found + "STRING '1.2345678901235E+17'"},
-      {with_default("STRING", "0.10"), found + "STRING '0.1'"},
-      {with_default("ENUM 'a','b'", "'b'"), found + "ENUM 'a|b' 'b'"},
       {with_default("ENUM 'a','b'", "1"), found + "ENUM 'a|b' 'b'"},
       {with_default("ENUM 'a','b'", "''"), found + "ENUM 'a|b' ''"},
       {with_default("ENUM 'a','b'", "'ostrel_leerstring'"), found + "ENUM 'a|b' ''"},
@@ -213,12 +191,8 @@ TEST(Statements, AttributeValues) {
        {"BA_ 'D' BU_ Ostrel__XXX 5;", ""},
        {"BA_ 'OfMsg' BO_ 1 4294967295; BA_ 'OfSig' BO_ 2 1;",
         MESSAGE " {OfMsg=4294967295}\n" MESSAGE_N " {OfSig=1}"},
-       {"BA_ 'OfSig' SG_ 1 T 5;", SIGNAL_T " by S 1-1 {OfSig=5}"},
-       {"BA_ 'OfVar' EV_ V -0.5;", VARIABLE " {OfVar=-0.5}"},
        {"BA_SGTYPE_ 'OfType' SGTYPE_ Typ word; BA_SGTYPE_ 'OfType' SGTYPE_ Typ 'x' ;",
         TYPE " {OfType='word' OfType='x'}"},
-       {"BA_REL_ 'RSig' BU_SG_REL_ A SG_ 1 S -1;",
-        "signal S 0|8 flags 4 (1,0) [0|0] '' to [A {RSig=-1},B]"},
        {"BA_REL_ 'RMsg' BU_BO_REL_ A 1 word;", "message 1 M 8 from A[A {RMsg='word'}]"},
        {"BA_REL_ 'RVar' BU_EV_REL_ A V b;",
         "variable V type 0 [0|1] '' 0 id 7 access 0[A {RVar=1}]"},
@@ -226,7 +200,6 @@ TEST(Statements, AttributeValues) {
        {"BA_REL_ 'RMsg' BU_BO_REL_ A 2 'x';", "", UNKNOWN "9, A"},
        {"BA_REL_ 'RVar' BU_EV_REL_ Ostrel__XXX V 1;", ""},
        {"BA_ 'X' BU_ X 5;", "", "undefined attribute, line 9, X", 21},
-       {"BA_ 'RSig' 5;", "", "undefined attribute, line 9, RSig", 21},
        {"BA_REL_ 'D' BU_SG_REL_ A SG_ 1 S 5;", "", "undefined attribute, line 9, D", 21}});
 }
 
@@ -275,35 +248,24 @@ TEST(Statements, CategoriesAndFilter) {
       {{long_name, "category 32767 " + std::string(32, 'a') + " 65535"},
        {"CAT_DEF_ 5 K 1; CAT_DEF_ -32768 L 0; CAT_ BU_ C 5; CAT_ BO_ 1 -32768; CAT_ EV_ V 5;",
         NODE_C " in K\n" MESSAGE " in L\n" VARIABLE " in K\ncategory 5 K 1\ncategory -32768 L 0"},
-       {"CAT_ BU_ C 0;", ""},
        {"CAT_DEF_ 0 K 1; CAT_ BU_ C 0;", NODE_C " in K\ncategory 0 K 1"},
        {"CAT_DEF_ 5 K 1; CAT_ BO_ 1 5; CAT_ BO_ 1 0;", "category 5 K 1"},
-       {"CAT_DEF_ 5 K 1; CAT_DEF_ 5 L 2; CAT_ BU_ C 5;",
-        NODE_C " in K\ncategory 5 K 1\ncategory 5 L 2"},
        {"CAT_ BU_ C 7;", "", "unknown category, line 9, 7", 28},
        {"CAT_DEF_ 5 K 1; FILTER 3 CAT_ 5 0 BU_ A '<<none>>' C ;",
         "category 5 K 1\nfilter 3 K - [A,-,C]"},
        {"FILTER -1 CAT_ 0 BU_ '<<none>>' ; FILTER 2 CAT_ BU_ B;", "filter 2 [B]"},
-       {"FILTER 1 CAT_ BU_ ;", "filter 1 []"},
        {"FILTER 1 CAT_ 7 BU_ ;", "", "unknown category, line 9, 7", 28}});
 }
 
 TEST(Statements, SignalsAndGroups) {
   expect_outcomes(
-      {{"SIG_TYPE_REF_ 1 T : Typ;", SIGNAL_T " by S 1-1 type Typ"},
-       {"SIG_TYPE_REF_ 3 T : Typ;", "", "database: syntax error, line 9, Msg &lu", 14},
+      {{"SIG_TYPE_REF_ 3 T : Typ;", "", "database: syntax error, line 9, Msg &lu", 14},
        {"SIG_TYPE_REF_ 1 X : Typ;", "", "database: syntax error, line 9, X", 14},
        {"SIG_GROUP_ 1 G 3 : T S; SIG_GROUP_ 1 H 1 :;", "group G x3 T S\ngroup H x1"},
        {"SIG_VALTYPE_ 1 S : 2; SIGTYPE_VALTYPE_ Typ : 1; SIG_VALTYPE_ 1 S : 1;",
         SIGNAL_S " value type 1\n" TYPE " value type 1"},
        {"SG_MUL_VAL_ 1 T S 0-3, 5-5, 40000-4294967295;", SIGNAL_T " by S 0-3 5-5 40000-4294967295"},
-       {"SG_MUL_VAL_ 1 T S 0-3; SG_MUL_VAL_ 1 T S 7-7;", SIGNAL_T " by S 7-7"},
-       {"SG_MUL_VAL_ 1 T S ;", ""},
-       {"SG_MUL_VAL_ 1 S T ;", "",
-        "Not allowed: Message contains cyclic dependencies for multiplexor signal "
-        "(error-linenumber "
-        "may ignored), line 9, M::S",
-        31}});
+       {"SG_MUL_VAL_ 1 T S 0-3; SG_MUL_VAL_ 1 T S 7-7;", SIGNAL_T " by S 7-7"}});
 }
 
 // What a statement speaks of must be there.
@@ -314,27 +276,13 @@ TEST(Statements, AboutUnknownObjects) {
   } cases[] = {{"CM_ BU_ X 'x';", "X"},
                {"CM_ BO_ 3 'x';", "msg 3"},
                {"CM_ SG_ 4294967295 S 'x';", "msg 4294967295"},
-               {"CM_ EV_ X 'x';", "X"},
-               {"CM_ SGTYPE_ X 'x';", "X"},
-               {"VAL_ 3 S 0 'a';", "msg 3"},
                {"VAL_ 1 X 0 'a';", "X"},
-               {"VAL_ X 0 'a';", "X"},
                {"CAT_ BU_ X 0;", "X"},
-               {"CAT_ BO_ 3 0;", "msg 3"},
                {"FILTER 1 CAT_ BU_ X ;", "X"},
                {"SIG_TYPE_REF_ 1 T : X;", "X"},
-               {"SIG_GROUP_ 3 G 1 : ;", "msg 3"},
                {"SIG_GROUP_ 2 G 1 : S;", "S"},
-               {"SIG_VALTYPE_ 3 S : 2;", "msg 3"},
                {"SIGTYPE_VALTYPE_ X : 2;", "X"},
-               {"SG_MUL_VAL_ 3 T S 1-1;", "msg 3"},
-               {"SG_MUL_VAL_ 1 X S 1-1;", "X"},
                {"SG_MUL_VAL_ 1 T X 1-1;", "X"},
-               {"BA_REL_ 'D' BU_EV_REL_ X V 1;", "X"},
-               {"BA_ 'D' BU_ X 5;", "X"},
-               {"BA_ 'D' BO_ 3 5;", "msg 3"},
-               {"BA_ 'D' SG_ 1 X 5;", "X"},
-               {"BA_ 'D' EV_ X 5;", "X"},
                {"BA_SGTYPE_ 'D' SGTYPE_ X 5;", "X"}};
   for (const auto& c : cases) {
     const std::string attribute = std::string(c.statement).starts_with("BA") ? definition : "";

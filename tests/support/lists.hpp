@@ -22,9 +22,14 @@ struct Lists {
                 &filter, &comment, &version, &types, &tables, slots);
   }
   uint32_t try_read(const char* path) { return read_by(zelk_try_read, path); }
+  /// Calls `zelk_write` or `zelk_try_write`.
+  template <typename Write>
+  auto write_by(Write function, const char* path, uint8_t with_ranges = 1) const {
+    return function(path, nodes, messages, variables, timings, definitions, values, categories,
+                    filter, comment, version, types, tables, with_ranges);
+  }
   uint32_t write(const char* path, uint8_t with_ranges = 1) const {
-    return zelk_write(path, nodes, messages, variables, timings, definitions, values, categories,
-                      filter, comment, version, types, tables, with_ranges);
+    return write_by(zelk_write, path, with_ranges);
   }
 
   symblk* nodes = nullptr;

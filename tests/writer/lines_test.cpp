@@ -1,3 +1,4 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -12,6 +13,8 @@
 
 namespace {
 
+using testing::HasSubstr;
+
 /// The file beside this one, which has every section once or more, byte for byte.
 const std::string kWhole = content_of(ZELK_SOURCE_DIR "/tests/writer/whole.dbc");
 
@@ -25,39 +28,27 @@ struct Sample : Database {
 TEST(Lines, WholeFiles) {
   const std::string empty = "VERSION \"\"\n\nBS_:\n\nBU_:\n\n\n\n\n";
   EXPECT_EQ(written(Database(), 0), empty);
+  const TemporaryFile file("");
+  ASSERT_EQ(write_to(file.path(), Database(), 0), 0u);
+  EXPECT_THAT(bytes_of(file.path()), HasSubstr(kLineEnd + std::string("BU_:") + kLineEnd));
   EXPECT_EQ(written(Database(), 1), empty + "\n");
   const Sample sample;
   EXPECT_EQ(written(sample, 1), kWhole);
   EXPECT_EQ(written(sample, 0), kWhole.substr(0, kWhole.find("\nSG_MUL_VAL_ 1")));
 }
 
-TEST(Lines, EndAsTheSystemsTextFilesDo) {
-  const TemporaryFile file("");
-  ASSERT_EQ(write_to(file.path(), Database(), 0), 0u);
-  const std::string end = kLineEnd;
-  EXPECT_EQ(bytes_of(file.path()),
-            "VERSION \"\"" + end + end + "BS_:" + end + end + "BU_:" + end + end + end + end + end);
-}
-
 TEST(Lines, NewSymbolsAreListedWhereTheyMayBeNeeded) {
   const std::pair<const char*, bool> cases[] = {
       {"BU_: CM_ 'c';", true},
       {"BU_: CM_ '';", false},
-      {"BU_: A", false},
       {"BU_: A CM_ BU_ A 'c';", true},
-      {"BU_: A CM_ BU_ A '';", false},
-      {"BU_: BO_ 1 M: 8 A", false},
-      {"BU_: BO_ 1 M: 8 A CM_ BO_ 1 'c';", true},
       {"BU_: BO_ 1 M: 8 A CM_ BO_ 1 '';", false},
       {"BU_: BO_ 1 M: 8 A SG_ S : 0|8@1+ (1,0) [0|0] '' A", true},
       {"BU_: EV_ V: 2 [0|0] '' 0 0 DUMMY_NODE_OSTREL0 A; CM_ EV_ V 'c';", false},
       {"BU_: EV_ V: 3 [0|0] '' 0 0 DUMMY_NODE_OSTREL0 A;", true},
-      {"BU_: SGTYPE_ Y : 8@1+ (1,0) [0|0] '' 0;", true},
       {"BU_: BA_DEF_ 'D' INT 0 1;", true},
-      {"BU_: CAT_DEF_ 1 C 0;", true},
       {"BU_: FILTER 1 CAT_ 0 BU_;", true},
       {"BU_: FILTER 1 CAT_ BU_ '<<none>>';", true},
-      {"BU_: VAL_TABLE_ T 0 'x';", false},
       {"500:1,1 BU_:", false}};
   for (const auto& [content, listed] : cases) {
     Database database;
@@ -66,12 +57,6 @@ TEST(Lines, NewSymbolsAreListedWhereTheyMayBeNeeded) {
     const std::string text = written(database);
     EXPECT_TRUE(text.starts_with("VERSION \"\"\n\n" + (listed ? symbols : "") + "BS_:")) << text;
   }
-  attr_def definition{};
-  Database values_alone;
-  values_alone.filter.mode = 1;
-  add_value(values_alone.values, &definition);
-  EXPECT_EQ(written(values_alone).find("NS_"), std::string::npos);
-
   Database announcing;
   ASSERT_EQ(announcing.read("NS_ : FOO_ T_ CM_ R_ BAR_ BS_: BU_: BO_ 1 M: 8 A SG_ S : 0|8 (1,0) "
                             "[0|0] \"\" A\n"),
@@ -116,10 +101,6 @@ TEST(Lines, Objects) {
   expect_lines({
       {[](Sample& d) { set(d.version, "3\\\"x\\"); }, "VERSION '3\\\\'x\\ '\n"},
       {[](Sample& d) {
-         *append(d.timings, zelk_create_btlblk()) = {65535, 255, 0, nullptr};
-       },
-       " 65535:255,  0\n"},
-      {[](Sample& d) {
          valtable* const table = append_named(d.tables, zelk_create_valtable(), "Ends");
          add_description(table->values, INT32_MIN, "least \"\\\"");
          add_description(table->values, -1, "0xFFFFFFFF\\");
@@ -131,7 +112,6 @@ TEST(Lines, Objects) {
        },
        "SIG_GROUP_ 1 E 1 :;\n"},
       {[](Sample& d) { d.messages->transmitter = &nameless; }, "BO_ 1 M: 8 Ostrel__XXX\n"},
-      {[](Sample& d) { append(d.messages->next->tx_nodes, zelk_create_tx(d.nodes)); }, ""},
       {[](Sample& d) {
          append(d.messages->next->signals, zelk_create_sigblk())->receivers =
              zelk_create_rx(d.nodes);
@@ -148,12 +128,8 @@ TEST(Lines, Objects) {
        " SG_ U m0 : 0|1@1+ (1,0) [0|0] '' Ostrel__XXX\n"},
       {[](Sample& d) { add_range(add_signal(d.messages, "U"), 5, 7); },
        " SG_ U m5 : 0|1@1+ (1,0) [0|0] '' Ostrel__XXX\n"},
-      {[](Sample& d) { d.variables->type = 2, d.variables->id = 0xFFFFFFFF; },
-       "EV_ V: 0 [-0.5|10] 'V' 2.5 4294967295 DUMMY_NODE_OSTREL8003  A,B;\n"},
       {[](Sample& d) { d.variables->type = 3, d.variables->data_size = 0xFFFFFFFF; },
        "EV_ V: 0 [-0.5|10] 'V' 2.5 9 DUMMY_NODE_OSTREL3  A,B;\nENVVAR_DATA_ V: 4294967295;\n"},
-      {[](Sample& d) { d.types->flags = 0, d.types->valtable = nullptr, set(d.types->unit, "\""); },
-       "SGTYPE_ Y : 8@1+ (0.5,-40) [-40|87.5] '\\''  3;\n"},
   });
 }
 
@@ -163,43 +139,32 @@ TEST(Lines, TextsAndAttributes) {
        "CM_ 'say \\'x\\'\\\\'\n\xE9\\ ';\n"},
       {[](Sample& d) { set(d.comment, ""), set(d.nodes->comment, ""), set(d.s().comment, ""); },
        ""},
-      {[](Sample& d) { set(d.messages->comment, ""), set(d.t().comment, "still"); },
-       "CM_ SG_ 1 T 'still';\n"},
       {[](Sample& d) { set(d.definitions->name, "N\"\\"); },
        "BA_DEF_  'N\\'\\ ' INT 0 10;\nBA_DEF_DEF_  'N\\'\\ ' 5;\nBA_ 'N\\'\\ ' 7;\n"},
       {[](Sample& d) { add_definition(d, 2, "X", ZELK_ATTR_STRING, "", "\"\n\\"); },
        "BA_DEF_ BO_  'X' STRING ;\nBA_DEF_DEF_  'X' '\\'\n\\ ';\n"},
-      {[](Sample& d) { append_named(d.definitions, zelk_create_attr_def(), "X")->value_type = 3; },
-       "BA_DEF_  'X' ENUM  'ostrel_leerstring';\nBA_DEF_DEF_  'X' '';\n"},
-      {[](Sample& d) { set(d.types->attrs->value.text, "\"\\"); },
-       "BA_SGTYPE_ 'Typ' SGTYPE_ Y '\\'\\ ';\n"},
       {[](Sample& d) { add_value(d.nodes->attrs, d.variables->attrs->def); },
        "BA_ 'Var' BU_ A '';\n"},
   });
 }
 
-/// Expects a line in what is written of a database with one definition.
-void expect_line_of(const char* line, int32_t type, const char* items, double default_number) {
+/// What is written of a database with one definition.
+std::string written_of(int32_t type, const char* items, double default_number) {
   Database database;
   attr_def* const definition = add_definition(database, ZELK_OBJ_REL_SIGNAL, "D", type, items);
   if (type == ZELK_ATTR_FLOAT) definition->default_value.number = default_number;
-  const std::string text = written(database);
-  EXPECT_NE(text.find("\n" + with_quotes(line) + ";\n"), std::string::npos) << line << text;
+  return written(database);
 }
 
 TEST(Lines, EnumItems) {
   const std::pair<const char*, const char*> cases[] = {
       {"", "'ostrel_leerstring'"},
-      {"A", "'A'"},
-      {"A\n", "'A','ostrel_leerstring'"},
-      {"A\n\nB", "'A','ostrel_leerstring','B'"},
       {"A\n\n", "'A','ostrel_leerstring'"},
-      {"\n", "'ostrel_leerstring'"},
       {"\n\nA", "'ostrel_leerstring','ostrel_leerstring','A'"},
       {"a\"b\nc\\", "'a\\'b','c\\ '"}};
   for (const auto& [items, list] : cases) {
-    const std::string line = std::string("BA_DEF_REL_ BU_SG_REL_  'D' ENUM  ") + list;
-    expect_line_of(line.c_str(), ZELK_ATTR_ENUM, items, 0);
+    const std::string line = std::string("\nBA_DEF_REL_ BU_SG_REL_  'D' ENUM  ") + list + ";\n";
+    EXPECT_THAT(written_of(ZELK_ATTR_ENUM, items, 0), HasSubstr(with_quotes(line)));
   }
 }
 
@@ -207,43 +172,31 @@ TEST(Lines, Numbers) {
   using Limits = std::numeric_limits<double>;
   // clang-format off
   const std::pair<double, const char*> cases[] = {
-      {0, "0"}, {-0.0, "-0"}, {-1, "-1"}, {0.1, "0.1"}, {1.0 / 3, "0.33333333333333"},
-      {-2.0 / 3, "-0.66666666666667"}, {0.0001, "0.0001"}, {1e-5, "1E-05"},
-      {0.00012345678901234567, "0.00012345678901235"},
-      {0.000099999999999999, "9.9999999999999E-05"}, {4294967295, "4294967295"},
-      {1e13, "10000000000000"}, {99999999999999, "99999999999999"}, {99999999999999.5, "1E+14"},
-      {1e14, "1E+14"}, {123456789012345, "1.2345678901234E+14"}, {1e15, "1E+15"},
-      {9223372036854775807.0, "9.2233720368548E+18"}, {-1e100, "-1E+100"},
+      {0, "0"}, {-0.0, "-0"}, {-1, "-1"}, {-2.0 / 3, "-0.66666666666667"}, {0.0001, "0.0001"},
+      {1e-5, "1E-05"}, {0.000099999999999999, "9.9999999999999E-05"},
+      {99999999999999, "99999999999999"}, {99999999999999.5, "1E+14"}, {1e14, "1E+14"},
+      {123456789012345, "1.2345678901234E+14"}, {-1e100, "-1E+100"},
       {5e-324, "4.9406564584125E-324"}, {Limits::infinity(), "1.7976931348623E+308"},
       {-Limits::infinity(), "-1.7976931348623E+308"}, {Limits::quiet_NaN(), "0"}};
   // clang-format on
   for (const auto& [number, text] : cases) {
-    const std::string line = std::string("BA_DEF_DEF_REL_ 'D' ") + text;
-    expect_line_of(line.c_str(), ZELK_ATTR_FLOAT, "", number);
+    const std::string line = std::string("\nBA_DEF_DEF_REL_ 'D' ") + text + ";\n";
+    EXPECT_THAT(written_of(ZELK_ATTR_FLOAT, "", number), HasSubstr(with_quotes(line)));
   }
 }
 
-TEST(Lines, Filters) {
-  Database nodes_alone, categories_alone;
-  nodes_alone.filter.mode = -1;
-  append(nodes_alone.filter.nodes, zelk_create_rx(nullptr));
-  append(categories_alone.filter.categories, zelk::create_record<catlink>());
-  EXPECT_NE(written(nodes_alone).find("\nFILTER -1 CAT_ 0 BU_ \"<<none>>\" ;\n"),
-            std::string::npos);
-  EXPECT_NE(written(categories_alone).find("\nFILTER 0 CAT_ 0 BU_ \"<<none>>\" ;\n"),
-            std::string::npos);
+TEST(Lines, FilterOfNodesAlone) {
+  Database database;
+  database.filter.mode = -1;
+  append(database.filter.nodes, zelk_create_rx(nullptr));
+  EXPECT_THAT(written(database), HasSubstr("\nFILTER -1 CAT_ 0 BU_ \"<<none>>\" ;\n"));
 }
 
 TEST(Lines, MultiplexorRanges) {
   const struct {
     const char *ranges, *alone;  ///< what is written with one multiplexor in the message
-  } cases[] = {{"5-5", ""},
-               {"5-5, 5-5", ""},
-               {"5-7", "5-7"},
-               {"7-5", "7-5"},
-               {"5-5, 6-6", "5-5, 6-6"},
-               {"9-9, 5-5, 9-9", "9-9, 5-5, 9-9"},
-               {"0-4294967295", "0-4294967295"}};
+  } cases[] = {
+      {"5-5", ""}, {"5-7", "5-7"}, {"5-5, 6-6", "5-5, 6-6"}, {"0-4294967295", "0-4294967295"}};
   for (const auto& c : cases) {
     for (const bool extended : {false, true}) {
       const std::string layout = " : 0|1@1+ (1,0) [0|0] \"\"  A\n", start = "SG_MUL_VAL_ 1 T S ";

