@@ -4,28 +4,12 @@
 #include <utility>
 #include <vector>
 
+#include "support/files.hpp"
 #include "tool_case.hpp"
 
 namespace {
 
-constexpr const char* kNetwork =
-    "VERSION \"1\"\n\nBS_: 500 : 1,2\n\nBU_: Engine Dash Gate\n\n"
-    "VAL_TABLE_ Switch 0 \"off\" 1 \"on\" ;\n\n"
-    "BO_ 100 Motion: 8 Engine\n"
-    " SG_ Page M : 0|4@1+ (1,0) [0|15] \"\" Dash,Gate\n"
-    " SG_ Speed m1 : 8|16@1+ (0.1,0) [0|400] \"km/h\" Dash\n"
-    " SG_ Twin : 24|8@1+ (1,0) [0|0] \"\" Dash\n SG_ Twin : 32|8@1+ (2,0) [0|0] \"\" Dash\n\n"
-    "BO_ 200 Lamps: 1 Dash\n\n"
-    "BO_TX_BU_ 100 : Engine,Gate;\n\n"
-    "EV_ Lid: 0 [0|1] \"\" 0 7 DUMMY_NODE_OSTREL0 Dash;\n\n"
-    "CM_ BO_ 100 \"moves\";\n"
-    "BA_DEF_ BO_ \"Cycle\" INT 0 1000;\nBA_DEF_ SG_ \"Kind\" ENUM \"a\",\"b\";\n"
-    "BA_DEF_REL_ BU_SG_REL_ \"Timeout\" INT 0 9;\n"
-    "BA_DEF_DEF_ \"Cycle\" 50;\nBA_DEF_DEF_ \"Kind\" \"a\";\nBA_DEF_DEF_REL_ \"Timeout\" 0;\n"
-    "BA_ \"Cycle\" BO_ 100 20;\nBA_ \"Kind\" SG_ 100 Speed 1;\n"
-    "BA_REL_ \"Timeout\" BU_SG_REL_ Dash SG_ 100 Page 5;\n"
-    "VAL_ 100 Page 0 \"low\" 1 \"mid\" 1 \"high\" ;\n"
-    "SIG_GROUP_ 100 Both 1 : Page Speed;\n";
+const std::string kNetwork = bytes_of(ZELK_SOURCE_DIR "/tests/tool/diff.dbc");
 
 using Replacements = std::vector<std::pair<std::string, std::string>>;
 
@@ -58,7 +42,6 @@ TEST(Diff, TellsWhatDiffers) {
       {{{"Motion:", "Move:"}}, "~ message 0x064 Motion\n    name: Motion -> Move\n"},
       {{{" 100 ", " 101 "}, {"moves", "goes"}},
        "~ message 0x064 Motion\n    id: 0x064 -> 0x065\n    comment: moves -> goes\n"},
-      {{{" 100 ", " 2147483748 "}}, "~ message 0x064 Motion\n    format: 11-bit -> 29-bit\n"},
       {{{"BO_ 200 Lamps: 1 Dash",
          "BO_ 201 Motion: 1 Dash\n SG_ Left : 0|1@1+ (1,0) [0|0] \"\" Dash"}},
        "- message 0x0C8 Lamps\n+ message 0x0C9 Motion\n"},
@@ -77,9 +60,6 @@ TEST(Diff, TellsWhatDiffers) {
        "~ message 0x064 Motion\n    attribute \"Cycle\": 20 -> none\n"
        "~ signal Motion.Speed\n    attribute \"Kind\": \"b\" (1) -> \"c\" (1)\n"
        "~ signal attribute \"Kind\"\n    items: a, b -> a, c, b\n"},
-      {{{"ENUM \"a\",\"b\"", "ENUM \"a\",\"b\",\"\""}, {"Speed;\n", "Speed Speed;\n"}},
-       "~ signal group Motion.Both\n    signals: Page, Speed -> Page, Speed, Speed\n"
-       "~ signal attribute \"Kind\"\n    items: a, b -> a, b, \"\"\n"},
       {{{"VERSION \"1\"", "VERSION \"2\\n\""}, {"500 : 1,2", "250 : 1,2"}, {"0 7 D", "0 8 D"}},
        "~ network\n    version: 1 -> \"2\\\\n\"\n"
        "    bit timings: baud rate 500 BTR1 0x01 BTR2 0x02 -> baud rate 250 BTR1 0x01 BTR2 0x02\n"
@@ -102,7 +82,6 @@ TEST(Diff, ExitCodesAndJson) {
        "\"Speed\",\"changes\":[{\"field\":\"unit\",\"before\":\"\u20AC\",\"after\":\"km/h\"}]}\n"
        "]\n"},
       {"diff a.dbc missing.dbc", 2, "", "missing.dbc: database: not found"},
-      {"diff bad.dbc a.dbc", 2, "", "bad.dbc, line 2, error"},
       {"diff a.dbc", 2, "", "B"},
   };
   for (const ToolCase& c : cases) check(c);

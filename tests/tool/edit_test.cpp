@@ -7,18 +7,7 @@
 
 namespace {
 
-constexpr const char* kNetwork =
-    "VERSION \"\"\n\nBS_:\n\nBU_: Engine Dash\n\n"
-    "BO_ 100 Motion: 8 Engine\n"
-    " SG_ Page M : 0|4@1+ (1,0) [0|15] \"\" Dash\n SG_ Speed m1 : 8|16@1+ (1,0) [0|0] \"\" Dash\n\n"
-    "BO_ 200 Twin: 1 Dash\n\nBO_ 201 Twin: 1 Dash\n\n"
-    "BO_ 300 First: 1 Dash\n\nBO_ 300 Second: 1 Dash\n SG_ T : 0|1@1+ (1,0) [0|0] \"\" Dash\n\n"
-    "EV_ Lid: 0 [0|1] \"\" 0 7 DUMMY_NODE_OSTREL0 Dash;\n\n"
-    "BA_DEF_ BO_ \"Cycle\" INT 0 1000;\nBA_DEF_ BO_ \"Any\" HEX 0 0;\n"
-    "BA_DEF_ SG_ \"Kind\" ENUM \"a\",\"2\",\"c\";\nBA_DEF_ \"Owner\" STRING ;\n"
-    "BA_DEF_DEF_ \"Cycle\" 50;\nBA_DEF_DEF_ \"Any\" 0;\nBA_DEF_DEF_ \"Kind\" \"a\";\n"
-    "BA_DEF_DEF_ \"Owner\" \"\";\nBA_ \"Cycle\" BO_ 100 20;\n"
-    "SIG_GROUP_ 100 Both 1 : Page Speed;\n";
+const std::string kNetwork = bytes_of(ZELK_SOURCE_DIR "/tests/tool/edit.dbc");
 
 TEST(Edit, Edits) {
   const std::string name(40, 'n');
@@ -59,8 +48,6 @@ TEST(Edit, Edits) {
        "- message 0x0C9 Twin\n- signal Motion.Page\n~ signal Motion.Speed\n"
        "    selected_by: Page -> none\n    selected_for: 1 -> none\n"
        "~ signal group Motion.Both\n    signals: Page, Speed -> Speed\n"},
-      {"--delete-node Engine", "node Engine: deleted, transmitter of 1 message\n",
-       "- node Engine\n~ message 0x064 Motion\n    transmitters: Engine -> none\n"},
   };
   for (const auto& c : cases) {
     write_file("a.dbc", kNetwork);
@@ -82,17 +69,10 @@ TEST(Edit, WritesAllOrNothing) {
       {"--rename-message Twin Go", 1, "several messages are named \"Twin\""},
       {"--rename-message 200 Motion", 1, "\"Motion\" is taken"},
       {"--rename-message 200 BO_", 1, "keyword"},
-      {"--rename-message 200 2nd", 1, "digit"},
-      {"--rename-node Dash Ostrel__XXX", 1, "no node"},
       {"--rename-node Dash " + std::string(129, 'n'), 1, "128"},
-      {"--rename-signal Motion.Page Speed", 1, "\"Speed\" is taken"},
-      {"--delete-signal Motion.Pagee", 1, "has no signal \"Pagee\"; did you mean Page?"},
       {"--set-comment thing:Lid x", 1, "\"thing:Lid\" is no object"},
       {"--set-attribute message:100 Cycl 1", 1, "did you mean Cycle?"},
-      {"--set-attribute message:100 Owner x", 1, "no attribute \"Owner\""},
       {"--set-attribute message:100 Cycle 1001", 1, "INT 0 to 1000"},
-      {"--set-attribute message:100 Cycle 1.5", 1, "whole"},
-      {"--set-attribute message:100 Cycle ten", 1, "whole"},
       {"--set-attribute signal:Motion.Page Kind 3", 1, "is no item"},
       {"--set-attribute signal:Motion.Page Kind", 2, "--set-attribute"},
       {"--set-comment message:Second x", 1, "shares its identifier"},

@@ -2,30 +2,12 @@
 
 #include <string>
 
+#include "support/files.hpp"
 #include "tool_case.hpp"
 
 namespace {
 
-constexpr const char* kCar =
-    "BS_:\n\nBU_: N\n\n"
-    "BO_ 291 Motion: 8 N\n SG_ Speed : 0|16@1+ (0.1,0) [0|400] \"km/h\" N\n"
-    " SG_ Gear : 16|4@1- (1,0) [-1|6] \"\" N\n SG_ Torque : 31|12@0- (0.5,0) [0|0] \"\" N\n"
-    " SG_ Overlap : 8|16@1+ (1,0) [0|0] \"\" N\n SG_ Beyond : 60|8@1+ (1,0) [0|0] \"\" N\n\n"
-    "BO_ 292 Pages: 4 N\n SG_ Top M : 0|8@1+ (1,0) [0|0] \"\" N\n"
-    " SG_ Sub m3M : 8|8@1+ (1,0) [0|0] \"\" N\n SG_ Leaf m2 : 16|8@1+ (1,0) [0|0] \"\" N\n"
-    " SG_ Many m1 : 24|8@1+ (1,0) [0|0] \"\" N\n SG_ Else m7 : 24|8@1+ (1,0) [0|0] \"\" N\n\n"
-    "BO_ 293 Wide: 8 N\n SG_ U : 0|64@1+ (1,0) [0|0] \"\" N\n SG_ S : 0|64@1- (1,0) [0|0] \"\" N\n"
-    " SG_ D : 0|64@1- (2,1) [0|0] \"\" N\n SG_ F : 0|32@1- (1,0) [0|0] \"\" N\n\n"
-    "BO_ 294 Big: 12 N\n SG_ Last : 88|8@1+ (1,0) [0|0] \"\" N\n\n"
-    "BO_ 2566844926 Group: 1 N\n SG_ Level : 0|8@1+ (1,0) [0|0] \"%\" N\n\n"
-    "BO_ 2147483649 Huge: 65 N\n\n"
-    "BA_DEF_ BO_ \"VFrameFormat\" ENUM \"Standard\",\"J1939PG\",\"ExtendedFD\";\n"
-    "BA_DEF_DEF_ \"VFrameFormat\" \"Standard\";\nBA_ \"VFrameFormat\" BO_ 2566844926 1;\n"
-    "BA_ \"VFrameFormat\" BO_ 2147483649 2;\n"
-    "VAL_ 291 Gear -1 \"R\" 7 \"Not available\" 9 \"Wide\" ;\n"
-    "SIG_VALTYPE_ 293 D : 2;\nSIG_VALTYPE_ 293 F : 1;\n\n"
-    "SG_MUL_VAL_ 292 Sub Top 3-3;\nSG_MUL_VAL_ 292 Leaf Sub 2-2;\nSG_MUL_VAL_ 292 Many Top 1-3;\n"
-    "SG_MUL_VAL_ 292 Else Top 7-7;\n";
+const std::string kCar = bytes_of(ZELK_SOURCE_DIR "/tests/tool/encode.dbc");
 
 TEST(Encode, Frames) {
   write_file("car.dbc", kCar);
@@ -35,44 +17,34 @@ TEST(Encode, Frames) {
     const char* err;
   } cases[] = {
       {"Motion", "123#0000000000000000", ""},
-      {"Motion --log", "(0.000000) can0 123#0000000000000000", ""},
       {"Motion --log --time 12.5 --interface v1", "(12.500000) v1 123#0000000000000000", ""},
       {"0x123 Speed=100 Gear=-1", "123#E8030F0000000000", ""},
       {"291 Speed=100 Torque=-0.5", "123#E80300FFF0000000", ""},
       {"Motion Speed=99.96", "123#E803000000000000", ""},
-      {"Motion Speed=99.94", "123#E703000000000000", ""},
       {"Motion Gear=R", "123#00000F0000000000", ""},
-      {"Motion \"Gear=Not available\"", "123#0000070000000000", ""},
       {"Motion Speed=100 --from 123#FFFFFFFFFFFFFFFF", "123#E803FFFFFFFFFFFF", ""},
       {"Motion Speed=100 --from 123##5000011", "123##5E80311", ""},
-      {"Group Level=50", "18FEF1FE#32", ""},
       {"Group Level=50 --from 18FEF117#00", "18FEF117#32", ""},
       {"Big Last=255", "126##00000000000000000000000FF", ""},
       {"Wide U=9223372036854775808", "125#0000000000000080", ""},
       {"Wide U=18446744073709551615 --raw", "125#FFFFFFFFFFFFFFFF", ""},
-      {"Wide S=-9223372036854775808", "125#0000000000000080", ""},
       {"Wide S=-0x1 --raw", "125#FFFFFFFFFFFFFFFF", ""},
       {"Wide D=4", "125#000000000000F83F", ""},
-      {"Wide D=1.5 --raw", "125#000000000000F83F", ""},
       {"Wide F=-3.5", "125#000060C000000000", ""},
       // out of range, and what --force makes of it
       {"Motion Speed=400.1", "", "Speed=400.1: out of range, 0 to 400 km/h"},
       {"Motion Speed=400.1 --force", "123#A10F000000000000", ""},
-      {"Motion Speed=5000 --raw", "", "Speed=5000: out of range"},
       {"Motion Speed=65536 --raw", "", "does not fit into 16 bits (0 to 65535)"},
       {"Motion Speed=1e9 --force", "123#FFFF000000000000", ""},
       {"Motion Speed=-1 --raw --force", "123#0000000000000000", ""},
-      {"Motion Torque=1023.75", "", "does not fit into 12 bits (-2048 to 2047)"},
       {"Motion Torque=-5000 --force", "123#0000008000000000", ""},
       {"Motion Gear=Wide", "", "Gear=Wide: does not fit into 4 bits (-8 to 7)"},
-      {"Wide U=18446744073709551616", "", "does not fit into 64 bits"},
       {"Wide F=1e39", "", "F=1e39: beyond what 32 bits can hold"},
       {"Motion Speed=nan --force", "", "Speed=nan: "},
       {"Motion Speed=0.5 --raw", "", "whole number"},
       // names
       {"Moton", "", "no message is named \"Moton\"; did you mean Motion?"},
       {"0x99", "", "no message has the identifier 0x99 (153)"},
-      {"Motion Sped=1", "", "Motion has no signal \"Sped\"; did you mean Speed?"},
       {"Motion \"Gear=Not availabel\"", "", "did you mean Not available?"},
       {"Motion Speed=", "", "Speed=: not a number"},
       {"Motion Speed", "", "\"Speed\" is not SIGNAL=VALUE"},
@@ -80,17 +52,14 @@ TEST(Encode, Frames) {
       {"Motion Speed=1 Overlap=65535", "", "Speed shares bits with another signal"},
       {"Motion Beyond=1", "", "Beyond does not fit into a frame of 8 bytes"},
       {"Motion Gear=1 --from 123#0000", "", "Gear does not fit into a frame of 2 bytes"},
-      {"Motion --from 124#00", "", "\"124#00\" is not a frame of Motion"},
       {"Motion --from 123#R", "", "\"123#R\" is not a frame with data"},
       {"Huge", "", "Huge has 65 bytes, and a frame at most 64"},
       // multiplexing
-      {"Pages Leaf=9", "124#03020900", ""},
       {"Pages Leaf=9 Many=1", "124#03020901", ""},
       {"Pages Leaf=9 --from 124#FFFF0011", "124#03020911", ""},
       {"Pages Many=9", "", "Top must be given: several of its values select Many (1..3)"},
       {"Pages Many=9 Top=2", "124#02000009", ""},
       {"Pages Many=9 --from 124#02000000", "124#02000009", ""},
-      {"Pages Many=9 Top=4", "", "Top is given a value that does not select Many (1..3)"},
       {"Pages Many=9 Else=1", "", "no value of Top selects all of Many (1..3), Else (7)"},
       {"Pages Leaf=9 Top=1", "", "Top is given a value that does not select Sub (3)"},
   };
