@@ -111,7 +111,8 @@ class ZELK_API ZelkDatabase {
   /// file cannot be read, with its message line in the error text
   ZelkError ReopenDatabaseFile();
 
-  /// Writes the database, and then overwrites another instance of the same file (`Commit`).
+  /// Writes the database, and then overwrites another instance of the same file (`Commit`), which
+  /// plain managers may have open: to them that is an edit, with other records afterwards.
   ///
   /// The file is replaced in one step once all of it is on the disk: on a failure it is as it was,
   /// and a line with the system's reason enters the error text. It keeps its permissions, access
@@ -126,8 +127,8 @@ class ZELK_API ZelkDatabase {
   ///
   /// @param file  null: the own file
   /// @return tested in this order: `ZelkErrorFileNotFound` without any path;
-  /// `ZelkErrorFileBelongs`, when another open database has the given file, or a manager that does
-  /// not have this database open edits another instance of the own one; `ZelkErrorFileBelongs`,
+  /// `ZelkErrorFileBelongs`, when another open database has the given file, or a write manager,
+  /// also the one that writes, has another instance of the own file open; `ZelkErrorFileBelongs`,
   /// when the own file exists although it did not when it became that, and this database has not
   /// written it since; `ZelkErrorReadOnly`; `ZelkErrorNotWritten`, when names were shortened on
   /// reading (error 30), the database was not read or copied whole (error 13), or the file could
@@ -136,7 +137,8 @@ class ZELK_API ZelkDatabase {
 
   /// Copies this database over the other one of the same file that stands in the process's list;
   /// does nothing when there is none. It asks nobody: what another manager has changed there and
-  /// not written is gone, and its records are other ones. `Write` refuses instead.
+  /// not written is gone, and its records are other ones. `Write` refuses instead. A mark of cut
+  /// names comes along.
   void Commit();
 
   /// Releases all lists and texts. The path, the counts, `file_time` and `write_ext_mux` stay. A
@@ -167,6 +169,8 @@ class ZELK_API ZelkDatabase {
   // `index` (0: the first), behind the last one when there are fewer. Null when the heap is
   // exhausted. Creation behind the last record takes the same time whatever the size of the list,
   // when nothing was deleted or inserted elsewhere since the last one.
+  //
+  // A host relinks records of these lists by the functions of model.h alone.
   //
   // Deletion: as the functions `can_delete_*` of model.h, which tell what is not released and that
   // other records' references are the caller's to settle.
@@ -341,7 +345,9 @@ class ZELK_API ZelkDatabase {
     if (found) ForbidIndex();
     return const_cast<T*>(found);
   }
-  bool IsHandedOut() const { return makes_no_index_.load(std::memory_order_relaxed) && !index_; }
+  bool IsHandedOut() const {
+    return index_state_.load(std::memory_order_relaxed) == IndexState::kForbidden;
+  }
   template <typename Record>
   Record* CreateAt(Record*& list, unsigned index, Record* (*create)());
   template <typename Record>
@@ -362,11 +368,11 @@ class ZELK_API ZelkDatabase {
   static ZelkDatabase* HoldListed(const char* file);
   static void Destroy(ZelkDatabase& database);
 
-  /// Made by the first const lookup and published when it is whole; what was made stays until the
-  /// lists go.
+  /// Made by the first const lookup and published when it is whole, unless the database has been
+  /// handed out meanwhile; what was made stays until the lists go.
+  enum class IndexState : std::uint8_t { kNone, kBeingMade, kMade, kForbidden };
   mutable std::unique_ptr<const zelk::DatabaseIndex> made_index_;
-  mutable std::atomic<const zelk::DatabaseIndex*> index_ = nullptr;
-  mutable std::atomic<bool> makes_no_index_ = false;
+  mutable std::atomic<IndexState> index_state_ = IndexState::kNone;
   mutable std::unique_ptr<zelk::ListEnds> ends_;  ///< made when it is first wanted
   /// Of `path`, worked out when that was set.
   std::shared_ptr<const zelk::platform::FilePath> file_;

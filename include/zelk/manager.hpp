@@ -127,6 +127,7 @@ class ZELK_API ZelkManager {
 
  protected:
   /// The shared database of a file, read when need be; keeps the error text for `GetLastOpenError`.
+  /// A derived manager that edits it gets it by `GetDatabase` first, which lookups must know of.
   ///
   /// @throws ZelkException when the file cannot be read
   virtual ZelkDatabase& AssignDatabase(const char* path);
@@ -763,7 +764,7 @@ class ZELK_API ZelkManager {
     return const_cast<ZelkDatabase&>(node.database);
   }
   static bool OwnsForWrite(const ZelkManager& manager, const char* path);
-  static bool IsFileOwnedByAnother(const ZelkDatabase& database, const char* file);
+  static bool IsEdited(const ZelkDatabase& database, const char* file);
   bool IsWrittenByOtherThread(const char* path) const;
   void EnterManagersList();
   void LeaveManagersList();

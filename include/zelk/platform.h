@@ -42,13 +42,15 @@ typedef struct zelk_notification {
 } zelk_notification;
 
 /// Takes a notification, in the thread that announces a change. Managers of several threads may
-/// announce at once.
+/// announce at once. It notes what it needs: it must not open, close, rename or destroy anything of
+/// the managers, which are still at work.
 ///
 /// @param notification  borrowed for the call
 /// @param context       as registered
 typedef void (*zelk_notification_sink)(const zelk_notification* notification, void* context);
 
-/// Shows a message and returns when the user has taken note of it.
+/// Shows a message and returns when the user has taken note of it. Like a sink of notifications, it
+/// leaves the managers as they are.
 ///
 /// @param text     what is told, NUL-terminated, with line feeds; borrowed for the call
 /// @param title    title of the box; borrowed for the call

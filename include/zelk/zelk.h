@@ -28,7 +28,8 @@
 /// of managers, databases and locks.
 ///
 /// The caller's duty stays: while one thread edits a list or a database, reads into it or closes
-/// it, no other touches it; a manager, with its status word and the texts that it hands out,
+/// it, no other touches it, and saving or committing a database edits other instances of its file;
+/// a manager, with its status word and the texts that it hands out,
 /// belongs to one thread at a time; registered functions are called in whichever thread notifies or
 /// is refused; no thread switches the locale of the process while another reads or writes.
 /// 7. **End of the process.** Every function may be called from `atexit` handlers and from

@@ -214,14 +214,15 @@ ZelkError ZelkDatabase::Write(const char* file) {
 }
 
 /// Whether a write would replace another instance of its target. Of the own file that is what a
-/// write is for, unless somebody edits that instance.
+/// write is for, unless a write manager, which may be the own one, edits that instance.
 bool ZelkDatabase::BelongsToAnother(const char* target) const {
   const zelk::ListGuard guard;
   if (target) {
     const ZelkDatabase* const owner = ListFindDb(target);
     return owner && owner != this;
   }
-  return FindListed() && ZelkManager::IsFileOwnedByAnother(*this, OwnFile().c_str());
+  const ZelkDatabase* const listed = FindListed();
+  return listed && ZelkManager::IsEdited(*listed, OwnFile().c_str());
 }
 
 /// Writes to `file`, which becomes the database's own when it can be written; null: to its own.
@@ -278,7 +279,9 @@ ZelkDatabase* ZelkDatabase::StartSaving() {
 void ZelkDatabase::Commit() try {
   const zelk::ListGuard guard;
   ZelkDatabase* const listed = FindListed();
-  if (listed) *listed = *this;
+  if (!listed) return;
+  *listed = *this;
+  listed->symbols_shortened |= symbols_shortened;  // or the cut names could be saved from there
 } catch (const std::bad_alloc&) {
   zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
 }
@@ -321,11 +324,12 @@ ZelkDatabase& ZelkDatabase::CreateDatabase(const char* file) {
   return *database.release();
 }
 
-/// The listed database of a file, with one more hold and one mark less; null when there is none.
+/// The listed database of a file, with one more hold and one mark less; null when there is none, or
+/// only a part of it has been read: who opens the file gets it whole.
 ZelkDatabase* ZelkDatabase::HoldListed(const char* file) {
   const zelk::ListGuard guard;
   ZelkDatabase* const found = ListFindDb(file);
-  if (!found) return nullptr;
+  if (!found || found->is_incomplete_) return nullptr;
   ++found->ref_count;
   if (found->cache_count > 0) --found->cache_count;
   return found;

@@ -143,29 +143,29 @@ unsigned long ZelkDatabase::GetMaxEnvvarHandle() const {
 
 /// One thread makes it, while others that want it walk. Without memory everybody walks.
 const zelk::DatabaseIndex* ZelkDatabase::Index() const {
-  const zelk::DatabaseIndex* const index = index_.load(std::memory_order_acquire);
-  if (index || makes_no_index_.load(std::memory_order_relaxed)) return index;
-  if (makes_no_index_.exchange(true, std::memory_order_relaxed)) return nullptr;
+  IndexState state = index_state_.load(std::memory_order_acquire);
+  if (state == IndexState::kMade) return made_index_.get();
+  if (state != IndexState::kNone ||
+      !index_state_.compare_exchange_strong(state, IndexState::kBeingMade)) {
+    return nullptr;
+  }
   try {
     made_index_ = std::make_unique<const zelk::DatabaseIndex>(*this);
   } catch (const std::bad_alloc&) {
     return nullptr;
   }
-  index_.store(made_index_.get(), std::memory_order_release);
-  return made_index_.get();
+  state = IndexState::kBeingMade;
+  const bool is_wanted = index_state_.compare_exchange_strong(state, IndexState::kMade);
+  return is_wanted ? made_index_.get() : nullptr;
 }
 
 void ZelkDatabase::DropIndex() const {
   ends_.reset();
-  index_.store(nullptr, std::memory_order_relaxed);
   made_index_.reset();
-  makes_no_index_.store(false, std::memory_order_relaxed);
+  index_state_ = IndexState::kNone;
 }
 
-void ZelkDatabase::ForbidIndex() const {
-  makes_no_index_.store(true, std::memory_order_relaxed);
-  index_.store(nullptr, std::memory_order_relaxed);
-}
+void ZelkDatabase::ForbidIndex() const { index_state_ = IndexState::kForbidden; }
 
 namespace zelk {
 namespace {

@@ -147,12 +147,12 @@ bool ZelkManager::IsWrittenByOtherThread(const char* path) const {
   return false;
 }
 
-/// Whether a manager that does not have `database` open owns its file for writing.
-bool ZelkManager::IsFileOwnedByAnother(const ZelkDatabase& database, const char* file) {
+/// Whether a manager that owns `file` for writing has `database`, which is of that file, open.
+bool ZelkManager::IsEdited(const ZelkDatabase& database, const char* file) {
   const zelk::ListGuard guard;
   for (const ZelkManagerNode* node = GetManagersList(); node; node = node->next) {
     const bool has_it = node->manager.tables_->by_database.contains(&database);
-    if (!has_it && OwnsForWrite(node->manager, file)) return true;
+    if (has_it && OwnsForWrite(node->manager, file)) return true;
   }
   return false;
 }
