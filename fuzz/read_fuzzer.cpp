@@ -5,8 +5,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "../tests/support/lists.hpp"
 #include "memory_file.hpp"
+#include "support/lists.hpp"
 
 namespace {
 

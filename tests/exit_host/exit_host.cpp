@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "../support/lists.hpp"
+#include "support/lists.hpp"
 
 namespace {
 

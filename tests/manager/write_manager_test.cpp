@@ -136,6 +136,45 @@ TEST_F(WriteManagers, LeaveOthersEditsAlone) {
   }
 }
 
+// One manager has a file as it was and as it is.
+TEST_F(WriteManagers, LeaveTheirOwnEditsAlone) {
+  const std::string path = folder.write("a.dbc", kDatabase);
+  WriteManager manager;
+  const char* const old = open(manager, path, "old");
+  Folder::touch(path, 1);
+  const char* const fresh = open(manager, path, "fresh");
+  manager.SetDatabaseComment(old, "old");
+  const symblk* const node = manager.CreateNode(fresh, 0);
+  EXPECT_EQ(manager.WriteDatabase(old, nullptr), 10);
+  EXPECT_EQ(manager.GetConstDatabase(fresh)->nodes, node);
+  ZelkDatabase& cut = *manager.GetDatabase(old);
+  cut.symbols_shortened = 1;
+  cut.Commit();
+  EXPECT_EQ(manager.WriteDatabase(fresh, nullptr), 9) << "what was cut is not saved from there";
+}
+
+TEST_F(WriteManagers, GiveNobodyHalfADatabase) {
+  const std::string path = folder.write("a.dbc", kDatabase);
+  WriteManager writer;
+  const char* const name = open(writer, path);
+  folder.write("a.dbc", "BS_:\nBU_: D\nBO_ 1 M 8 D\n");
+  EXPECT_EQ(writer.ReopenDatabase(name), 1);
+  folder.write("a.dbc", kDatabase);
+  Manager reader;
+  EXPECT_TRUE(reader.GetNode("A", open(reader, path)));
+  EXPECT_EQ(writer.WriteDatabase(name, nullptr), 9);
+}
+
+// Lists that a host exchanges have other ends.
+TEST_F(WriteManagers, AppendToTheListThatIsThere) {
+  WriteManager manager;
+  const char* const names[] = {create(manager, "a"), create(manager, "b")};
+  for (const char* const name : names) manager.CreateMessage(name, 0)->id = *name;
+  std::swap(manager.GetDatabase(names[0])->messages, manager.GetDatabase(names[1])->messages);
+  const msgblk* const added = manager.CreateMessage(names[0], 9);
+  EXPECT_EQ(manager.GetConstDatabase(names[0])->messages->next, added);
+}
+
 TEST_F(WriteManagers, WriteAndAnnounce) {
   const std::string path = folder.write("a.dbc", kDatabase);
   ZelkWriteManager writer(handle<HWND>(0x10));
