@@ -2,8 +2,10 @@
 
 #include <fmt/format.h>
 
+#include <cerrno>
 #include <cstddef>
 #include <filesystem>
+#include <fstream>
 #include <random>
 #include <system_error>
 
@@ -51,7 +53,12 @@ void write_to(const std::string& path, const ZelkDatabase& d) {
       zelk_write(path.c_str(), d.nodes, d.messages, d.env_vars, d.bit_timings, d.attr_defs,
                  d.attr_values, d.categories, d.filter, d.comment, d.user_data, d.signal_types,
                  d.value_tables, d.write_ext_mux);
-  if (error != ZELK_OK) throw RequestError(fmt::format("{}: cannot be written", escaped(path)));
+  // A disk or a limit that leaves no room is seen by one more line, which a database may end in.
+  errno = 0;
+  std::ofstream file(path, std::ios::binary | std::ios::app);
+  if (error == ZELK_OK && file << std::endl) return;
+  const std::string reason = errno != 0 ? ": " + std::generic_category().message(errno) : "";
+  throw RequestError(fmt::format("not written: {} cannot be written{}", escaped(path), reason));
 }
 
 std::string shown(const Difference& difference) {
