@@ -55,9 +55,18 @@ int run_program(const std::filesystem::path& folder, const std::string& argument
   startup.hStdError = err.get();
   PROCESS_INFORMATION started = {};
   std::wstring command = command_line(arguments);
-  constexpr BOOL kInheritHandles = TRUE;
-  if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, kInheritHandles, 0, nullptr,
-                      folder.c_str(), &startup, &started)) {
+  const auto start = [&] {
+    constexpr BOOL kInheritHandles = TRUE;
+    return CreateProcessW(nullptr, command.data(), nullptr, nullptr, kInheritHandles, 0, nullptr,
+                          folder.c_str(), &startup, &started) != 0;
+  };
+  bool is_started = start();
+  // Wine gives up when its server is busy for too long.
+  for (int i = 0; !is_started && GetLastError() == ERROR_INTERNAL_ERROR && i < 5; ++i) {
+    Sleep(1000);
+    is_started = start();
+  }
+  if (!is_started) {
     ADD_FAILURE() << "cannot start " ZELK_PROGRAM << ", error " << GetLastError();
     return -1;
   }
