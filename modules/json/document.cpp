@@ -1,4 +1,4 @@
-#include "document.hpp"
+#include "json/document.hpp"
 
 #include <algorithm>
 #include <cstddef>

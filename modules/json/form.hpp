@@ -10,8 +10,8 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "references.hpp"
-#include "words.hpp"
+#include "json/references.hpp"
+#include "json/words.hpp"
 
 namespace zelk::modules::json {
 

@@ -1,4 +1,4 @@
-#include "input.hpp"
+#include "json/input.hpp"
 
 #include <algorithm>
 #include <array>

@@ -11,12 +11,12 @@
 #include <string_view>
 #include <vector>
 
-#include "common/encoding.hpp"
+#include "base/encoding.hpp"
 #include "common/records.hpp"
-#include "document.hpp"
-#include "path.hpp"
-#include "references.hpp"
-#include "words.hpp"
+#include "json/document.hpp"
+#include "json/path.hpp"
+#include "json/references.hpp"
+#include "json/words.hpp"
 
 namespace zelk::modules::json {
 

@@ -3,13 +3,13 @@
 #include <string>
 #include <string_view>
 
-#include "common/encoding.hpp"
+#include "base/encoding.hpp"
 #include "common/file.hpp"
 #include "common/records.hpp"
-#include "document.hpp"
-#include "form.hpp"
-#include "input.hpp"
-#include "output.hpp"
+#include "json/document.hpp"
+#include "json/form.hpp"
+#include "json/input.hpp"
+#include "json/output.hpp"
 
 namespace zelk::modules::json {
 namespace {

@@ -1,4 +1,4 @@
-#include "output.hpp"
+#include "json/output.hpp"
 
 #include <algorithm>
 #include <bit>

@@ -10,10 +10,10 @@
 #include <string_view>
 
 #include "common/records.hpp"
-#include "path.hpp"
-#include "references.hpp"
-#include "text_output.hpp"
-#include "words.hpp"
+#include "json/path.hpp"
+#include "json/references.hpp"
+#include "json/text_output.hpp"
+#include "json/words.hpp"
 
 namespace zelk::modules::json {
 

@@ -1,4 +1,4 @@
-#include "text_output.hpp"
+#include "json/text_output.hpp"
 
 namespace zelk::modules::json {
 namespace {

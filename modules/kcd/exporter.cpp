@@ -6,7 +6,7 @@
 #include <set>
 #include <string>
 
-#include "common/encoding.hpp"
+#include "base/encoding.hpp"
 #include "common/file.hpp"
 #include "common/records.hpp"
 #include "kcd/format.hpp"

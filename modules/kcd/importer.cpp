@@ -4,7 +4,7 @@
 #include <set>
 #include <string>
 
-#include "common/encoding.hpp"
+#include "base/encoding.hpp"
 #include "common/records.hpp"
 #include "kcd/element.hpp"
 #include "kcd/format.hpp"
@@ -165,14 +165,14 @@ extern "C" ZELK_MODULE_EXPORT int zelk_import(const char* file, msgblk** message
   using namespace zelk::modules;
   return guarded(ZELK_ERR_CONVERTED_FORMAT, [&] {
     const zelk_conversion& more = conversion();
-    const Encoding encoding = is_utf8(more.option) ? Encoding::kUtf8 : Encoding::kWindows1252;
+    const zelk::Encoding encoding = zelk::encoding_of(more.option);
     kcd::Target target = {*messages,
                           *nodes,
                           *attr_defs,
                           *attr_values,
                           *more.comment,
                           *more.user_data,
-                          to_utf8(more.option, encoding)};
+                          zelk::to_utf8(more.option, encoding)};
     const kcd::Source source(file);
     kcd::Import(source, target).run();
   });

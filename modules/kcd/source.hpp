@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-#include "common/encoding.hpp"
+#include "base/encoding.hpp"
 
 namespace zelk::modules::kcd {
 

@@ -4,7 +4,7 @@
 #include <new>
 #include <utility>
 
-#include "common/encoding.hpp"
+#include "base/encoding.hpp"
 #include "common/records.hpp"
 
 namespace zelk::modules::kcd {

@@ -2,8 +2,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "base/list_walk.hpp"
 #include "capi/attribute_text.hpp"
-#include "capi/list_walk.hpp"
 #include "text/words.hpp"
 #include "zelk/query.h"
 

@@ -1,4 +1,4 @@
-#include "capi/j1939.hpp"
+#include "codec/j1939.hpp"
 
 #include <array>
 

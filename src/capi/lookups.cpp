@@ -1,6 +1,6 @@
 #include <string_view>
 
-#include "capi/list_walk.hpp"
+#include "base/list_walk.hpp"
 #include "zelk/query.h"
 
 extern "C" {

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "manager/process_lists.hpp"
+#include "database/process_lists.hpp"
 #include "model/errors.hpp"
 #include "model/memory.hpp"
 #include "platform/hooks.hpp"

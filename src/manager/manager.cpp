@@ -7,8 +7,8 @@
 #include <thread>
 #include <utility>
 
+#include "database/process_lists.hpp"
 #include "manager/manager_tables.hpp"
-#include "manager/process_lists.hpp"
 #include "model/errors.hpp"
 #include "model/memory.hpp"
 #include "zelk/exception.hpp"

@@ -7,9 +7,9 @@
 #include <new>
 #include <utility>
 
-#include "capi/list_walk.hpp"
+#include "base/list_walk.hpp"
+#include "database/process_lists.hpp"
 #include "manager/manager_tables.hpp"
-#include "manager/process_lists.hpp"
 #include "model/errors.hpp"
 #include "model/memory.hpp"
 #include "zelk/exception.hpp"

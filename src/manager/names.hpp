@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <string_view>
 
-#include "text/characters.hpp"
+#include "base/characters.hpp"
 
 namespace zelk {
 

@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "database/process_lists.hpp"
 #include "manager/manager_tables.hpp"
-#include "manager/process_lists.hpp"
 #include "model/errors.hpp"
 #include "platform/hooks.hpp"
 #include "platform/platform.hpp"

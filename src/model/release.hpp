@@ -7,7 +7,7 @@
 #include <memory>
 #include <utility>
 
-#include "model/list_edit.hpp"
+#include "base/list_edit.hpp"
 #include "zelk/model.h"
 
 namespace zelk {

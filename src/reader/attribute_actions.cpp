@@ -4,8 +4,8 @@
 #include <cmath>
 #include <utility>
 
+#include "base/numbers.hpp"
 #include "model/symbols.hpp"
-#include "text/numbers.hpp"
 #include "text/words.hpp"
 
 namespace zelk {

@@ -11,9 +11,9 @@
 #include <unordered_set>
 #include <vector>
 
+#include "base/seeded_hash.hpp"
 #include "reader/definition_index.hpp"
 #include "reader/read_context.hpp"
-#include "text/seeded_hash.hpp"
 
 namespace zelk {
 

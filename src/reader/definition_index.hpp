@@ -12,7 +12,7 @@
 #include <unordered_map>
 #include <utility>
 
-#include "text/seeded_hash.hpp"
+#include "base/seeded_hash.hpp"
 #include "text/words.hpp"
 #include "zelk/records.h"
 

@@ -4,11 +4,11 @@
 #include <charconv>
 #include <cstring>
 
+#include "base/characters.hpp"
+#include "base/numbers.hpp"
 #include "model/errors.hpp"
 #include "reader/grammar.hpp"
-#include "text/characters.hpp"
 #include "text/keywords.hpp"
-#include "text/numbers.hpp"
 #include "zelk/exception.hpp"
 
 namespace zelk {

@@ -4,9 +4,9 @@
 #include <charconv>
 #include <utility>
 
+#include "base/characters.hpp"
 #include "model/cycle_search.hpp"
 #include "model/symbols.hpp"
-#include "text/characters.hpp"
 
 namespace zelk {
 namespace {

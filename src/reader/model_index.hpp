@@ -8,8 +8,8 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "base/seeded_hash.hpp"
 #include "reader/model_heads.hpp"
-#include "text/seeded_hash.hpp"
 
 namespace zelk {
 

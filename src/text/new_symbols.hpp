@@ -11,7 +11,7 @@
 #include <unordered_set>
 #include <vector>
 
-#include "text/seeded_hash.hpp"
+#include "base/seeded_hash.hpp"
 
 namespace zelk {
 

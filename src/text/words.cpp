@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "text/characters.hpp"
+#include "base/characters.hpp"
 #include "text/keywords.hpp"
 #include "zelk/dbc.h"
 

@@ -4,10 +4,10 @@
 #include <string>
 #include <unordered_set>
 
-#include "text/characters.hpp"
+#include "base/characters.hpp"
+#include "base/seeded_hash.hpp"
 #include "text/keywords.hpp"
 #include "text/new_symbols.hpp"
-#include "text/seeded_hash.hpp"
 #include "text/words.hpp"
 #include "writer/writer.hpp"
 

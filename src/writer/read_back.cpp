@@ -6,8 +6,8 @@
 #include <string_view>
 #include <unordered_set>
 
+#include "base/seeded_hash.hpp"
 #include "model/cycle_search.hpp"
-#include "text/seeded_hash.hpp"
 #include "text/words.hpp"
 
 namespace zelk {

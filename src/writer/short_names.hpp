@@ -12,7 +12,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include "text/seeded_hash.hpp"
+#include "base/seeded_hash.hpp"
 #include "writer/model_view.hpp"
 
 namespace zelk {

@@ -6,9 +6,9 @@
 #include <cstring>
 #include <utility>
 
+#include "base/characters.hpp"
+#include "base/numbers.hpp"
 #include "platform/platform.hpp"
-#include "text/characters.hpp"
-#include "text/numbers.hpp"
 
 namespace zelk {
 namespace {

@@ -11,7 +11,7 @@
 #include <unordered_set>
 #include <vector>
 
-#include "text/seeded_hash.hpp"
+#include "base/seeded_hash.hpp"
 #include "writer/model_view.hpp"
 #include "writer/short_names.hpp"
 #include "writer/text_output.hpp"

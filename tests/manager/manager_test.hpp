@@ -7,8 +7,8 @@
 #include <iterator>
 #include <string>
 
-#include "manager/database_list.hpp"
-#include "manager/lock_list.hpp"
+#include "database/database_list.hpp"
+#include "database/lock_list.hpp"
 #include "support/folder.hpp"
 #include "support/host.hpp"
 

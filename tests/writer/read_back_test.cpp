@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include "manager/own_database.hpp"
+#include "database/own_database.hpp"
 
 namespace {
 

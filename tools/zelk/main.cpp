@@ -8,10 +8,10 @@
 #include <system_error>
 #include <vector>
 
-#include "commands.hpp"
-#include "lookup.hpp"
-#include "system.hpp"
-#include "text.hpp"
+#include "commands/commands.hpp"
+#include "input/lookup.hpp"
+#include "term/system.hpp"
+#include "term/text.hpp"
 
 namespace zelk::tool {
 

@@ -1,0 +1,38 @@
+/// \file
+/// Numbers as the format spells them, independent of the process's locale.
+
+#ifndef ZELK_BASE_NUMBERS_HPP
+#define ZELK_BASE_NUMBERS_HPP
+
+#include <array>
+#include <optional>
+#include <string_view>
+
+namespace zelk {
+
+/// Value of an unsigned decimal literal (digits, then optionally a fraction and an exponent),
+/// rounded to nearest. Beyond the range of a double it is the largest finite double: infinity could
+/// not be written back.
+double literal_to_double(std::string_view literal);
+
+/// Value of `text` when all of it is a decimal number with an optional sign; none for anything
+/// else, such as "0x10", " 5" or "inf".
+std::optional<double> parse_number(std::string_view text);
+
+/// A number as "%.14G" writes it in the C locale; infinities as the largest finite doubles,
+/// not-a-number as 0.
+class NumberText {
+ public:
+  explicit NumberText(double number);
+  std::string_view view() const { return {buffer_.data(), size_}; }
+
+ private:
+  bool set_short(double number);
+
+  std::array<char, 32> buffer_;  // at most 24 characters
+  std::size_t size_ = 0;
+};
+
+}  // namespace zelk
+
+#endif

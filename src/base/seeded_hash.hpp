@@ -1,0 +1,81 @@
+/// \file
+/// Hashes of keys that files choose, with a seed that no file can foresee: else a file could be
+/// made whose keys all collide.
+
+#ifndef ZELK_BASE_SEEDED_HASH_HPP
+#define ZELK_BASE_SEEDED_HASH_HPP
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <functional>
+#include <string_view>
+#include <type_traits>
+
+namespace zelk {
+
+/// An odd number that differs from process to process.
+inline std::uint64_t hash_seed() {
+  static const std::uint64_t seed = [] {
+    const auto ticks = std::chrono::steady_clock::now().time_since_epoch().count();
+    const auto address =
+        reinterpret_cast<std::uintptr_t>(&hash_seed);  // placed at random by the system
+    return ((static_cast<std::uint64_t>(ticks) << 20) ^ address) * 0x9E3779B97F4A7C15U | 1U;
+  }();
+  return seed;
+}
+
+/// Exclusive or of the two halves of a 128-bit product, from products of 32-bit halves.
+constexpr std::uint64_t folded_product_of_halves(std::uint64_t a, std::uint64_t b) {
+  constexpr std::uint64_t kLow = 0xFFFFFFFF;
+  const std::uint64_t low = (a & kLow) * (b & kLow);
+  const std::uint64_t middle = (a >> 32) * (b & kLow) + (low >> 32);  // at most 2^64 - 2^32
+  const std::uint64_t other = (a & kLow) * (b >> 32) + (middle & kLow);
+  const std::uint64_t high = (a >> 32) * (b >> 32) + (middle >> 32) + (other >> 32);
+  return high ^ (other << 32 | (low & kLow));
+}
+
+/// The same in one multiplication where the compiler has the type.
+constexpr std::uint64_t folded_product(std::uint64_t a, std::uint64_t b) {
+#ifdef __SIZEOF_INT128__
+  __extension__ using Wide = unsigned __int128;
+  const Wide product = static_cast<Wide>(a) * b;
+  return static_cast<std::uint64_t>(product >> 64) ^ static_cast<std::uint64_t>(product);
+#else
+  return folded_product_of_halves(a, b);
+#endif
+}
+
+/// Multiply-and-fold over words of 8 bytes, with the seed as the multiplier. The high half of the
+/// product counts: the low one alone lets the upper bits of two words cancel under every seed.
+struct SeededHash {
+  using is_transparent = void;  ///< strings are found by views
+
+  std::size_t operator()(std::string_view text) const {
+    std::uint64_t hash = seed ^ text.size();
+    while (text.size() > sizeof(std::uint64_t)) {
+      hash = fold(hash, text.data(), sizeof(std::uint64_t));
+      text.remove_prefix(sizeof(std::uint64_t));
+    }
+    return static_cast<std::size_t>(fold(hash, text.data(), text.size()));
+  }
+
+  template <typename Integer>
+  requires std::is_integral_v<Integer> std::size_t operator()(Integer key) const {
+    return static_cast<std::size_t>(fold(seed, reinterpret_cast<const char*>(&key), sizeof key));
+  }
+
+  std::uint64_t seed = hash_seed();
+
+ private:
+  std::uint64_t fold(std::uint64_t hash, const char* bytes, std::size_t size) const {
+    std::uint64_t word = 0;
+    if (size > 0) std::memcpy(&word, bytes, size);  // an empty text may have no address
+    return folded_product(hash ^ word, seed);
+  }
+};
+
+}  // namespace zelk
+
+#endif

@@ -1,0 +1,336 @@
+#include "database/copier.hpp"
+
+#include <cstddef>
+#include <new>
+#include <utility>
+
+#include "base/list_walk.hpp"
+#include "model/errors.hpp"
+#include "model/memory.hpp"
+#include "model/release.hpp"
+#include "zelk/exception.hpp"
+
+namespace zelk {
+namespace {
+
+OwnedText copy_of(const char* text) { return text ? copy_text(text) : nullptr; }
+
+/// An inline text whose array a host has filled to the last byte has no end.
+template <std::size_t kSize>
+void terminate(char (&field)[kSize]) {
+  field[kSize - 1] = '\0';
+}
+
+// Each takes away what a record that was copied byte by byte shares with its source: what it owns.
+// References to other records are the caller's to turn.
+void disown(attr& value) { value.value = {}; }
+void disown(val& description) { description.text = nullptr; }
+void disown(rxblk& link) { link.attrs = nullptr; }
+void disown(catlink&) {}
+void disown(muxor_val_range&) {}
+void disown(siglistblk&) {}
+void disown(siggroup_extra&) {}
+void disown(cat& category) { terminate(category.name); }
+void disown(btlblk&) {}
+void disown(valtable& table) {
+  terminate(table.name);
+  table.values = nullptr;
+}
+void disown(siggroupblk& group) {
+  terminate(group.name);
+  group.signals = nullptr;
+  group.extra = nullptr;
+  group.comment = nullptr;
+}
+void disown(sigblk& signal) {
+  terminate(signal.unit);
+  signal.name = signal.comment = nullptr;
+  signal.receivers = nullptr;
+  signal.attrs = nullptr;
+  signal.values = nullptr;
+  signal.mux_ranges = nullptr;
+}
+void disown(msgblk& message) {
+  message.name = message.comment = nullptr;
+  message.signals = nullptr;
+  message.attrs = nullptr;
+  message.siggroups = nullptr;
+  message.tx_nodes = nullptr;
+}
+void disown(symblk& node) {
+  node.name = node.comment = nullptr;
+  node.attrs = nullptr;
+}
+void disown(env_var_blk& variable) {
+  terminate(variable.unit);
+  variable.name = variable.comment = nullptr;
+  variable.access_nodes = nullptr;
+  variable.attrs = nullptr;
+  variable.values = nullptr;
+}
+void disown(sigtype& type) {
+  terminate(type.name);
+  terminate(type.unit);
+  type.comment = nullptr;
+  type.attrs = nullptr;
+}
+void disown(attr_def& definition) {
+  terminate(definition.name);
+  const bool is_enum = definition.value_type == ZELK_ATTR_ENUM;
+  if (is_enum) definition.enum_values = nullptr;
+  if (is_enum || definition.value_type == ZELK_ATTR_STRING) definition.default_value = {};
+}
+
+/// For records that own nothing and refer to nothing.
+constexpr auto kNothingMore = [](const auto&, auto&) {};
+
+}  // namespace
+
+/// Records and what they own, in the source's order.
+///
+/// @param copy_members  called with each source record and its copy, which owns nothing yet
+template <typename Record, typename CopyMembers>
+Record* DatabaseCopier::copy_list(const Record* source, CopyMembers copy_members) const {
+  PendingList<Record> copies;
+  for (; source; source = source->next) {
+    auto* const copy = create_record<Record>();
+    *copy = *source;
+    copy->next = nullptr;
+    disown(*copy);
+    copies.push_back(copy);
+    copy_members(*source, *copy);
+  }
+  return copies.take();
+}
+
+/// Copies one of the database's lists, or leaves it empty when memory runs out.
+template <typename Record, typename CopyMembers>
+void DatabaseCopier::copy_whole(Record*& target, const Record* source, CopyMembers copy_members) {
+  try {
+    Owned<Record> copies(copy_list(source, copy_members));
+    remember(source, copies.get());
+    target = copies.release();
+    return;
+  } catch (const ZelkException&) {  // already reported: raising appends to the error text
+  } catch (const std::bad_alloc&) {
+    zelk_note(ZELK_ERR_MEMORY, kNoLine, nullptr);
+  }
+  is_complete_ = false;
+  forget(source);
+}
+
+/// Lets references to the records of `source` be turned into those to `copy`, record by record.
+template <typename Record>
+void DatabaseCopier::remember(const Record* source, Record* copy) {
+  for (; source; source = source->next, copy = copy->next) copies_[source] = copy;
+}
+
+template <typename Record>
+void DatabaseCopier::forget(const Record* source) {
+  for (; source; source = source->next) copies_.erase(source);
+}
+
+/// The copy of the referred record, else the first of `list` that `matches`, for a record that is
+/// not the source's own; else null.
+template <typename Record, typename Matches>
+Record* DatabaseCopier::rebind(const Record* reference, Record* list, Matches matches) const {
+  if (!reference) return nullptr;
+  const auto found = copies_.find(reference);
+  if (found != copies_.end()) return static_cast<Record*>(found->second);
+  return find_first(list, matches);
+}
+
+attr_def* DatabaseCopier::rebind(const attr_def* definition) const {
+  return rebind(definition, target_.attr_defs, [definition](const attr_def& candidate) {
+    return candidate.object_type == definition->object_type &&
+           candidate.value_type == definition->value_type &&
+           same_inline_name(candidate.name, definition->name);
+  });
+}
+
+cat* DatabaseCopier::rebind(const cat* category) const {
+  return rebind(category, target_.categories,
+                [category](const cat& candidate) { return candidate.number == category->number; });
+}
+
+symblk* DatabaseCopier::rebind(const symblk* node) const {
+  return rebind(node, target_.nodes, [node](const symblk& candidate) {
+    return node->name && same_text(candidate.name, node->name);
+  });
+}
+
+valtable* DatabaseCopier::rebind(const valtable* table) const {
+  return rebind(table, target_.value_tables, [table](const valtable& candidate) {
+    return same_inline_name(candidate.name, table->name);
+  });
+}
+
+sigtype* DatabaseCopier::rebind(const sigtype* type) const {
+  return rebind(type, target_.signal_types, [type](const sigtype& candidate) {
+    return same_inline_name(candidate.name, type->name);
+  });
+}
+
+sigblk* DatabaseCopier::rebind(const sigblk* signal, const msgblk& copied_message) const {
+  return rebind(signal, copied_message.signals, [signal](const sigblk& candidate) {
+    return signal->name && same_text(candidate.name, signal->name);
+  });
+}
+
+// --- Lists within records ---
+
+void DatabaseCopier::copy_attr(const attr& value, attr& copy) const {
+  copy.def = rebind(value.def);
+  if (!copy.def) return;
+  if (copy.def->value_type == ZELK_ATTR_STRING) {
+    copy.value.text = copy_of(value.value.text).release();
+  } else {
+    copy.value.number = value.value.number;
+  }
+}
+
+attr* DatabaseCopier::copy_attrs(const attr* source) const {
+  return copy_list(source, [this](const attr& value, attr& copy) { copy_attr(value, copy); });
+}
+
+val* DatabaseCopier::copy_values(const val* source) const {
+  return copy_list(source, [](const val& description, val& copy) {
+    copy.text = copy_of(description.text).release();
+  });
+}
+
+void DatabaseCopier::copy_link(const rxblk& link, rxblk& copy) const {
+  copy.node = rebind(link.node);
+  copy.attrs = copy_attrs(link.attrs);
+}
+
+rxblk* DatabaseCopier::copy_links(const rxblk* source) const {
+  return copy_list(source, [this](const rxblk& link, rxblk& copy) { copy_link(link, copy); });
+}
+
+// --- The database's lists ---
+
+bool DatabaseCopier::copy() {
+  copy_definitions();
+  copy_whole(target_.attr_values, source_.attr_values,
+             [this](const attr& value, attr& copy) { copy_attr(value, copy); });
+  copy_whole(target_.categories, source_.categories, kNothingMore);
+  copy_whole(
+      target_.value_tables, source_.value_tables,
+      [this](const valtable& table, valtable& copy) { copy.values = copy_values(table.values); });
+  copy_signal_types();
+  copy_nodes();
+  copy_messages();
+  copy_variables();
+  copy_whole(target_.bit_timings, source_.bit_timings, kNothingMore);
+  copy_whole(target_.filter.categories, source_.filter.categories,
+             [this](const catlink& link, catlink& copy) { copy.category = rebind(link.category); });
+  copy_whole(target_.filter.nodes, source_.filter.nodes,
+             [this](const rxblk& link, rxblk& copy) { copy_link(link, copy); });
+  target_.filter.mode = source_.filter.mode;
+  copy_texts();
+  return is_complete_;
+}
+
+void DatabaseCopier::copy_definitions() {
+  copy_whole(target_.attr_defs, source_.attr_defs, [](const attr_def& definition, attr_def& copy) {
+    const bool is_enum = definition.value_type == ZELK_ATTR_ENUM;
+    if (is_enum) copy.enum_values = copy_of(definition.enum_values).release();
+    if (is_enum || definition.value_type == ZELK_ATTR_STRING) {
+      copy.default_value.text = copy_of(definition.default_value.text).release();
+    }
+  });
+  for (const attr_def* copy = target_.attr_defs; copy; copy = copy->next) {
+    target_.predefined.Insert(*copy);
+  }
+}
+
+void DatabaseCopier::copy_signal_types() {
+  copy_whole(target_.signal_types, source_.signal_types,
+             [this](const sigtype& type, sigtype& copy) {
+               copy.valtable = rebind(type.valtable);
+               copy.comment = copy_of(type.comment).release();
+               copy.attrs = copy_attrs(type.attrs);
+             });
+}
+
+void DatabaseCopier::copy_nodes() {
+  copy_whole(target_.nodes, source_.nodes, [this](const symblk& node, symblk& copy) {
+    copy.category = rebind(node.category);
+    copy.name = copy_of(node.name).release();
+    copy.comment = copy_of(node.comment).release();
+    copy.attrs = copy_attrs(node.attrs);
+  });
+}
+
+void DatabaseCopier::copy_messages() {
+  copy_whole(target_.messages, source_.messages, [this](const msgblk& message, msgblk& copy) {
+    copy.transmitter = rebind(message.transmitter);
+    copy.category = rebind(message.category);
+    copy.name = copy_of(message.name).release();
+    copy.comment = copy_of(message.comment).release();
+    copy.attrs = copy_attrs(message.attrs);
+    copy.tx_nodes = copy_links(message.tx_nodes);
+    copy_signals(message, copy);
+    copy_groups(message, copy);
+    forget(message.signals);  // no other message may refer to them
+  });
+}
+
+void DatabaseCopier::copy_signals(const msgblk& source, msgblk& copied_message) {
+  copied_message.signals =
+      copy_list(source.signals, [this, &copied_message](const sigblk& signal, sigblk& copy) {
+        copy.message = &copied_message;
+        copy.sigtype = rebind(signal.sigtype);
+        copy.name = copy_of(signal.name).release();
+        copy.comment = copy_of(signal.comment).release();
+        copy.receivers = copy_links(signal.receivers);
+        copy.attrs = copy_attrs(signal.attrs);
+        copy.values = copy_values(signal.values);
+        copy.mux_ranges = copy_list(signal.mux_ranges, kNothingMore);
+      });
+  remember(source.signals, copied_message.signals);
+  for (sigblk* copy = copied_message.signals; copy; copy = copy->next) {
+    copy->mux_signal = rebind(copy->mux_signal, copied_message);
+  }
+}
+
+void DatabaseCopier::copy_groups(const msgblk& source, msgblk& copied_message) const {
+  copied_message.siggroups = copy_list(
+      source.siggroups, [this, &copied_message](const siggroupblk& group, siggroupblk& copy) {
+        copy.message = &copied_message;
+        copy.comment = copy_of(group.comment).release();
+        copy.extra = copy_list(group.extra, kNothingMore);
+        copy.signals = copy_list(group.signals, [&](const siglistblk& member, siglistblk& entry) {
+          entry.signal = rebind(member.signal, copied_message);
+        });
+      });
+}
+
+void DatabaseCopier::copy_variables() {
+  copy_whole(target_.env_vars, source_.env_vars,
+             [this](const env_var_blk& variable, env_var_blk& copy) {
+               copy.category = rebind(variable.category);
+               copy.name = copy_of(variable.name).release();
+               copy.comment = copy_of(variable.comment).release();
+               copy.access_nodes = copy_links(variable.access_nodes);
+               copy.attrs = copy_attrs(variable.attrs);
+               copy.values = copy_values(variable.values);
+             });
+}
+
+/// Copies one of the database's texts, or leaves the target's when memory runs out.
+void DatabaseCopier::copy_whole(char*& target, const char* source) {
+  try {
+    assign_text(target, copy_of(source));
+  } catch (const ZelkException&) {  // already reported: raising appends to the error text
+    is_complete_ = false;
+  }
+}
+
+void DatabaseCopier::copy_texts() {
+  copy_whole(target_.user_data, source_.user_data ? source_.user_data : "");
+  copy_whole(target_.comment, source_.comment);
+}
+
+}  // namespace zelk

@@ -1,0 +1,92 @@
+/// \file
+/// An index over the objects of a database that no host can change.
+
+#ifndef ZELK_DATABASE_DATABASE_INDEX_HPP
+#define ZELK_DATABASE_DATABASE_INDEX_HPP
+
+#include <cstdint>
+#include <deque>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+#include "base/first_table.hpp"
+#include "base/list_walk.hpp"
+#include "zelk/database.hpp"
+
+namespace zelk {
+
+/// Answers as the walks over the database's lists do: of several records with one key it has the
+/// first, and candidates for a J1939 frame stand in the list's order.
+class DatabaseIndex {
+ public:
+  /// @throws std::bad_alloc
+  explicit DatabaseIndex(const ZelkDatabase& database);
+
+  /// Null when there is none.
+  ///
+  /// @param name  not null
+  template <typename Record>
+  Record* named(const char* name) const {
+    const auto& names = names_of(static_cast<const Record*>(nullptr));
+    return names.find(key_of<Record>(name),
+                      [name](const Record& record) { return bears(record, name); });
+  }
+  msgblk* message(std::uint32_t id) const { return messages_by_id_.find(id); }
+  msgblk* j1939_message(std::uint32_t id, std::uint32_t flags) const;
+
+ private:
+  /// Of the messages that compete for the same frames the first and the last of each priority, in
+  /// the list's order: no rule takes another one. So a lookup takes the same time however many
+  /// there are.
+  using Candidates = std::vector<msgblk*>;
+
+  /// Candidates by a part of the identifier.
+  struct CandidateTable {
+    explicit CandidateTable(std::size_t capacity) : table(capacity) {}
+    void enter(std::uint32_t key, msgblk* message);
+
+    FirstTable<Candidates> table;
+    std::deque<Candidates> all;
+  };
+
+  const FirstTable<symblk>& names_of(const symblk*) const { return nodes_; }
+  const FirstTable<msgblk>& names_of(const msgblk*) const { return messages_; }
+  const FirstTable<env_var_blk>& names_of(const env_var_blk*) const { return variables_; }
+  const FirstTable<valtable>& names_of(const valtable*) const { return tables_; }
+  const FirstTable<sigtype>& names_of(const sigtype*) const { return types_; }
+  const FirstTable<attr_def>& names_of(const attr_def*) const { return definitions_; }
+
+  template <typename Record>
+  static constexpr bool kHasInlineName = std::is_array_v<decltype(Record::name)>;
+
+  template <typename Record>
+  static bool bears(const Record& record, const char* name) {
+    if constexpr (kHasInlineName<Record>) return same_inline_name(record.name, name);
+    return same_text(record.name, name);
+  }
+  /// Of the characters that count.
+  template <typename Record>
+  std::uint64_t key_of(std::string_view name) const {
+    return hash_(kHasInlineName<Record> ? name.substr(0, ZELK_INLINE_NAME_MAX) : name);
+  }
+  template <typename Record>
+  FirstTable<Record> by_name(Record* list) const;
+
+  SeededHash hash_;
+  FirstTable<symblk> nodes_;
+  FirstTable<msgblk> messages_;
+  FirstTable<env_var_blk> variables_;
+  FirstTable<valtable> tables_;
+  FirstTable<sigtype> types_;
+  FirstTable<attr_def> definitions_;
+  FirstTable<msgblk> messages_by_id_;
+  CandidateTable by_addresses_;         ///< `j1939::address_key` of CAN identifiers
+  CandidateTable by_group_and_source_;  ///< keys of stored numbers, as `j1939::proprietary_keys`
+  bool has_group_numbers_;
+  bool default_is_j1939_;
+};
+
+}  // namespace zelk
+
+#endif

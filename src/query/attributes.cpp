@@ -1,0 +1,364 @@
+// Effective attribute values, texts of enumerations, value descriptions, membership in filters.
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+#include "base/list_walk.hpp"
+#include "capi/attribute_text.hpp"
+#include "model/memory.hpp"
+#include "query/holding.hpp"
+#include "text/words.hpp"
+#include "zelk/exception.hpp"
+#include "zelk/iterator.hpp"
+
+namespace {
+
+constexpr long kNoNumber = 0x7FFFFFFF;
+
+const attr* own_value(const attr* values, const char* name) {
+  return name ? zelk::find_attribute_value(const_cast<attr*>(values), name) : nullptr;
+}
+
+/// Items of an ENUM, separated; empty for other types.
+std::string_view items_of(const attr_def& definition) {
+  const bool has_items = definition.value_type == ZELK_ATTR_ENUM && definition.enum_values;
+  return has_items ? definition.enum_values : std::string_view();
+}
+
+bool has_items(const attr_def& definition) { return items_of(definition).data() != nullptr; }
+
+/// Takes the first item away from a list of them.
+std::string_view take_item(std::string_view& items) {
+  const std::size_t end = std::min(items.find(zelk::kItemSeparator), items.size());
+  const std::string_view item = items.substr(0, end);
+  items.remove_prefix(std::min(end + 1, items.size()));
+  return item;
+}
+
+}  // namespace
+
+// --- Presence ---
+
+bool ZelkManager::IsAttributeDefined(const char* name, zelk_obj_t type, const char* db) const {
+  if (!name) return false;
+  for (auto definition = GetAttrDefinitionIterator(db); definition; ++definition) {
+    const attr_def& found = **definition;
+    if (found.object_type == type && zelk::same_inline_name(found.name, name)) return true;
+  }
+  return false;
+}
+
+bool ZelkManager::IsAttrValueDefined(const char* name, const char* db) const {
+  if (!name) return false;
+  for (auto value = GetAttributeIterator(db); value; ++value) {
+    if ((*value)->def && zelk::same_inline_name((*value)->def->name, name)) return true;
+  }
+  return false;
+}
+
+// --- Effective values ---
+
+const attr_def* ZelkManager::FindDefinition(const char* name, const char* db) const {
+  if (!name) return nullptr;
+  auto definition = GetAttrDefinitionIterator(db);
+  while (definition && !zelk::same_inline_name((*definition)->name, name)) ++definition;
+  return *definition;
+}
+
+zelk_attr_value_t ZelkManager::GetAttrDefault(const char* name, const char* db) const {
+  const attr_def* const definition = FindDefinition(name, db);
+  return definition ? definition->default_value : zelk_attr_value_t{};
+}
+
+ZelkStatus ZelkManager::GetAttrDefaultEx(const char* name, zelk_attr_value_t& value,
+                                         const char* db) {
+  const attr_def* const definition = FindDefinition(name, db);
+  if (!definition) return Answer(ZelkStatusNotDefined);
+  if (definition->value_type == ZELK_ATTR_ENUM) {
+    value.number =
+        static_cast<double>(GetAttrValueIndex(*definition, definition->default_value.text));
+  } else {
+    value = definition->default_value;
+  }
+  return Answer(ZelkStatusOk);
+}
+
+ZelkStatus ZelkManager::Answer(ZelkStatus status) {
+  status_ = static_cast<std::uint32_t>(status);
+  return status;
+}
+
+/// The default, when the attribute is defined for that kind of object.
+ZelkStatus ZelkManager::DefaultFor(zelk_obj_t type, const char* name, zelk_attr_value_t& value,
+                                   const char* db) {
+  if (!IsAttributeDefined(name, type, db)) return Answer(ZelkStatusNotDefined);
+  return GetAttrDefaultEx(name, value, db);
+}
+
+zelk_attr_value_t ZelkManager::GetAttrValue(const char* name, const char* db) {
+  const DbListNode* const node = ListFindDatabase(db);
+  if (!node) return {};
+  const attr* const value = own_value(node->database.attr_values, name);
+  return value ? value->value : GetAttrDefault(name, db);
+}
+
+ZelkStatus ZelkManager::GetAttrValueEx(const char* name, zelk_attr_value_t& value, const char* db) {
+  const DbListNode* const node = ListFindDatabase(db);
+  if (!node) return ZelkStatusNotFound;
+  const attr* const own = own_value(node->database.attr_values, name);
+  if (!own) return DefaultFor(ZELK_OBJ_NETWORK, name, value, db);
+  value = own->value;
+  return Answer(ZelkStatusOk);
+}
+
+namespace {
+
+/// The first definition of that name for the kind of object, else the first one of that name. Those
+/// of relations count for links alone: no file could hold the value elsewhere.
+const attr_def* definition_for(const ZelkDatabase& database, zelk_obj_t kind, const char* name) {
+  const attr_def* const list = database.attr_defs;
+  const attr_def* const of_kind = zelk::find_first(list, [=](const attr_def& definition) {
+    return definition.object_type == kind && zelk::same_inline_name(definition.name, name);
+  });
+  if (of_kind) return of_kind;
+  return zelk::find_first(list, [name](const attr_def& definition) {
+    return !zelk::is_relation(definition.object_type) &&
+           zelk::same_inline_name(definition.name, name);
+  });
+}
+
+}  // namespace
+
+/// Effective values of objects of every kind, and what defines them.
+struct zelk::ManagerAttributes {
+  /// An object that another database holds than the named one has no definition: a value must not
+  /// refer to one that may be closed before it. While one database is open nothing is walked.
+  template <typename Object>
+  static const attr_def* definition(const ZelkManager& manager, const Object& object,
+                                    const char* name, const char* db) {
+    if (!name) return nullptr;
+    if (const attr* own = own_value(object.attrs, name)) return own->def;
+    const auto* const node = manager.ListFindNode(db ? db : name_of_holder(manager, object));
+    if (!node) return nullptr;
+    const ZelkDatabase& database = node->database;
+    const bool is_foreign =
+        db && find_first(manager.databases_, [&](const ZelkManager::DbListNode& other) {
+          return &other.database != &database && holds(other.database, object);
+        });
+    return is_foreign ? nullptr : definition_for(database, kind_of(object), name);
+  }
+
+  /// Name of the first database that holds the object; null when none does.
+  template <typename Object>
+  static const char* name_of_holder(const ZelkManager& manager, const Object& object) {
+    const ZelkManager::DbListNode* const node = find_first(
+        manager.databases_,
+        [&object](const ZelkManager::DbListNode& open) { return holds(open.database, object); });
+    return node ? node->name : nullptr;
+  }
+
+  template <typename Object>
+  static zelk_attr_value_t value(const ZelkManager& manager, const Object& object,
+                                 const char* name) {
+    const attr* const own = own_value(object.attrs, name);
+    return own ? own->value : manager.GetAttrDefault(name, name_of_holder(manager, object));
+  }
+
+  template <typename Object>
+  static ZelkStatus value_ex(ZelkManager& manager, const Object& object, const char* name,
+                             zelk_attr_value_t& value, const char* db) {
+    if (const attr* own = own_value(object.attrs, name)) {
+      value = own->value;
+      return manager.Answer(ZelkStatusOk);
+    }
+    const char* const holder = db ? db : name_of_holder(manager, object);
+    constexpr bool kNeedsDatabase = !std::is_same_v<Object, sigtype>;
+    const bool is_known = holder && manager.ListFindNode(holder);
+    if (kNeedsDatabase && !is_known) return manager.Answer(ZelkStatusNotFound);
+    return manager.DefaultFor(kind_of(object), name, value, holder);
+  }
+};
+
+const attr_def* ZelkManager::GetNetworkAttrDefinition(const char* db, const char* name) const {
+  const DbListNode* const node = ListFindNode(db);
+  if (!node || !name) return nullptr;
+  const attr* const own = own_value(node->database.attr_values, name);
+  return own ? own->def : definition_for(node->database, ZELK_OBJ_NETWORK, name);
+}
+const attr_def* ZelkManager::GetAttrDefinition(const symblk& node, const char* name,
+                                               const char* db) const {
+  return zelk::ManagerAttributes::definition(*this, node, name, db);
+}
+const attr_def* ZelkManager::GetAttrDefinition(const msgblk& message, const char* name,
+                                               const char* db) const {
+  return zelk::ManagerAttributes::definition(*this, message, name, db);
+}
+const attr_def* ZelkManager::GetAttrDefinition(const env_var_blk& variable, const char* name,
+                                               const char* db) const {
+  return zelk::ManagerAttributes::definition(*this, variable, name, db);
+}
+const attr_def* ZelkManager::GetAttrDefinition(const sigtype& type, const char* name,
+                                               const char* db) const {
+  return zelk::ManagerAttributes::definition(*this, type, name, db);
+}
+const attr_def* ZelkManager::GetAttrDefinition(const sigblk& signal, const char* name,
+                                               const char* db) const {
+  return zelk::ManagerAttributes::definition(*this, signal, name, db);
+}
+const attr_def* ZelkManager::GetAttrDefinition(const rxblk& link, const char* name,
+                                               const char* db) const {
+  return zelk::ManagerAttributes::definition(*this, link, name, db);
+}
+
+zelk_attr_value_t ZelkManager::GetAttrValue(const symblk& node, const char* name) {
+  return zelk::ManagerAttributes::value(*this, node, name);
+}
+ZelkStatus ZelkManager::GetAttrValueEx(const symblk& node, const char* name,
+                                       zelk_attr_value_t& value, const char* db) {
+  return zelk::ManagerAttributes::value_ex(*this, node, name, value, db);
+}
+bool ZelkManager::IsAttrValueDefined(const symblk& node, const char* name) const {
+  return own_value(node.attrs, name) != nullptr;
+}
+
+zelk_attr_value_t ZelkManager::GetAttrValue(const msgblk& message, const char* name) {
+  return zelk::ManagerAttributes::value(*this, message, name);
+}
+ZelkStatus ZelkManager::GetAttrValueEx(const msgblk& message, const char* name,
+                                       zelk_attr_value_t& value, const char* db) {
+  return zelk::ManagerAttributes::value_ex(*this, message, name, value, db);
+}
+bool ZelkManager::IsAttrValueDefined(const msgblk& message, const char* name) const {
+  return own_value(message.attrs, name) != nullptr;
+}
+
+zelk_attr_value_t ZelkManager::GetAttrValue(const env_var_blk& variable, const char* name) {
+  return zelk::ManagerAttributes::value(*this, variable, name);
+}
+ZelkStatus ZelkManager::GetAttrValueEx(const env_var_blk& variable, const char* name,
+                                       zelk_attr_value_t& value, const char* db) {
+  return zelk::ManagerAttributes::value_ex(*this, variable, name, value, db);
+}
+bool ZelkManager::IsAttrValueDefined(const env_var_blk& variable, const char* name) const {
+  return own_value(variable.attrs, name) != nullptr;
+}
+
+zelk_attr_value_t ZelkManager::GetAttrValue(const sigtype& type, const char* name) {
+  return zelk::ManagerAttributes::value(*this, type, name);
+}
+ZelkStatus ZelkManager::GetAttrValueEx(const sigtype& type, const char* name,
+                                       zelk_attr_value_t& value, const char* db) {
+  return zelk::ManagerAttributes::value_ex(*this, type, name, value, db);
+}
+bool ZelkManager::IsAttrValueDefined(const sigtype& type, const char* name) const {
+  return own_value(type.attrs, name) != nullptr;
+}
+
+zelk_attr_value_t ZelkManager::GetAttrValue(const sigblk& signal, const char* name) {
+  return zelk::ManagerAttributes::value(*this, signal, name);
+}
+ZelkStatus ZelkManager::GetAttrValueEx(const sigblk& signal, const char* name,
+                                       zelk_attr_value_t& value, const char* db) {
+  return zelk::ManagerAttributes::value_ex(*this, signal, name, value, db);
+}
+bool ZelkManager::IsAttrValueDefined(const sigblk& signal, const char* name) const {
+  return own_value(signal.attrs, name) != nullptr;
+}
+
+zelk_attr_value_t ZelkManager::GetAttrValue(const rxblk& link, const char* name) {
+  return zelk::ManagerAttributes::value(*this, link, name);
+}
+ZelkStatus ZelkManager::GetAttrValueEx(const rxblk& link, const char* name,
+                                       zelk_attr_value_t& value, const char* db) {
+  return zelk::ManagerAttributes::value_ex(*this, link, name, value, db);
+}
+bool ZelkManager::IsAttrValueDefined(const rxblk& link, const char* name) const {
+  return own_value(link.attrs, name) != nullptr;
+}
+
+// --- Texts of enumerations ---
+
+const char* ZelkManager::GetAttrValueString(const attr_def& definition, long index) const {
+  if (!has_items(definition)) return nullptr;
+  std::string_view items = items_of(definition);
+  for (; index > 0; --index) {
+    const std::size_t separator = items.find(zelk::kItemSeparator);
+    if (separator == std::string_view::npos) return nullptr;
+    items.remove_prefix(separator + 1);
+  }
+  try {
+    return zelk::copy_text(take_item(items)).release();
+  } catch (const ZelkException&) {
+    return nullptr;
+  }
+}
+
+const char* ZelkManager::GetAttrValueString(const char* name, long index, const char* db) const {
+  const attr_def* const definition = FindDefinition(name, db);
+  return definition ? GetAttrValueString(*definition, index) : nullptr;
+}
+
+long ZelkManager::GetAttrValueIndex(const attr_def& definition, const char* text) const {
+  if (!has_items(definition) || !text) return -1;
+  std::string_view items = items_of(definition);
+  for (long index = 0; !items.empty();) {
+    const std::string_view item = take_item(items);
+    if (item.empty()) continue;
+    if (item == text) return index;
+    ++index;
+  }
+  return -1;
+}
+
+long ZelkManager::GetAttrValueIndex(const char* name, const char* text, const char* db) const {
+  const attr_def* const definition = FindDefinition(name, db);
+  return definition ? GetAttrValueIndex(*definition, text) : -1;
+}
+
+// --- Value descriptions ---
+
+const char* ZelkManager::DescriptionOf(const val* descriptions, long value) {
+  const auto number = static_cast<std::int32_t>(value);
+  const val* const found = zelk::find_first(
+      descriptions, [number](const val& description) { return description.value == number; });
+  status_ = found ? ZelkStatusOk : ZelkStatusNoDescription;
+  return found ? found->text : nullptr;
+}
+
+long ZelkManager::NumberOf(const val* descriptions, const char* text) {
+  const val* const found = zelk::find_first(descriptions, [text](const val& description) {
+    return text && zelk::same_text(description.text, text);
+  });
+  status_ = found ? ZelkStatusOk : ZelkStatusNoNumber;
+  return found ? found->value : kNoNumber;
+}
+
+const char* ZelkManager::GetValueDescription(const sigblk& signal, long value) {
+  return DescriptionOf(signal.values, value);
+}
+const char* ZelkManager::GetValueDescription(const env_var_blk& variable, long value) {
+  return DescriptionOf(variable.values, value);
+}
+long ZelkManager::GetDescriptionValue(const sigblk& signal, const char* text) {
+  return NumberOf(signal.values, text);
+}
+long ZelkManager::GetDescriptionValue(const env_var_blk& variable, const char* text) {
+  return NumberOf(variable.values, text);
+}
+
+// --- Filters ---
+
+bool ZelkManager::IsCategoryInFilter(const cat& category, const char* db) const {
+  for (ZelkConstFilterCategoryIterator link(*this, db); link; ++link) {
+    if (&link.Category() == &category) return true;
+  }
+  return false;
+}
+
+bool ZelkManager::IsNodeInFilter(const symblk& node, const char* db) const {
+  for (ZelkConstFilterNodeIterator link(*this, db); link; ++link) {
+    if (&link.Node() == &node) return true;
+  }
+  return false;
+}

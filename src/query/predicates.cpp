@@ -1,0 +1,55 @@
+#include "zelk/predicates.hpp"
+
+#include "codec/codec.hpp"
+
+namespace codec = zelk::codec;
+
+namespace {
+
+/// Whether the signal's bits lie within the data. The quotient of a signal without bits at the
+/// start is cut toward zero, as divisions are.
+bool fits(const sigblk& signal, unsigned data_length) {
+  const codec::Position at = codec::locate(signal);
+  const std::int64_t highest = at.motorola ? std::int64_t{at.lsb_byte} * 8 + at.bit_offset
+                                           : std::int64_t{signal.start_bit} + signal.length - 1;
+  return highest / 8 + 1 <= std::int64_t{data_length};
+}
+
+/// Whether the multiplexors above the signal fit too, so that they can be asked. A circle ends
+/// where it is met.
+bool multiplexors_fit(const sigblk& signal, unsigned data_length) {
+  const sigblk* behind = &signal;
+  bool follows = false;
+  for (const sigblk* above = signal.mux_signal; above; above = above->mux_signal) {
+    if (!fits(*above, data_length)) return false;
+    if (follows) behind = behind->mux_signal;
+    follows = !follows;
+    if (above == behind) return true;
+  }
+  return true;
+}
+
+}  // namespace
+
+bool MultiplexorPredicate::operator()(const sigblk* signal, ZelkManager&, const char*) {
+  return ZelkManager::SignalIsMultiplexor(signal);
+}
+
+bool MultiplexedSignalPredicate::operator()(const sigblk* signal, ZelkManager&, const char*) {
+  return ZelkManager::SignalIsMultiplexed(signal);
+}
+
+bool MultiplexedBySignalPredicate::operator()(const sigblk* signal, ZelkManager&, const char*) {
+  return ZelkManager::SignalIsMultiplexed(signal) && signal->mux_signal == multiplexor_;
+}
+
+bool ValidSignalPredicate::operator()(const sigblk* signal, ZelkManager& manager, const char*) {
+  return signal && signal->message && fits(*signal, data_length_) &&
+         multiplexors_fit(*signal, data_length_) &&
+         manager.CheckSignalModeValue(*frame_, *signal, *signal->message);
+}
+
+bool ValidMultiplexorPredicate::operator()(const sigblk* signal, ZelkManager& manager,
+                                           const char* db_name) {
+  return is_valid_(signal, manager, db_name) && ZelkManager::SignalIsMultiplexor(signal);
+}

@@ -1,0 +1,69 @@
+/// Databases that a test makes and lists by itself, as only managers may.
+#ifndef ZELK_TESTS_DATABASE_OWN_DATABASE_HPP
+#define ZELK_TESTS_DATABASE_OWN_DATABASE_HPP
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <numeric>
+#include <set>
+#include <string>
+#include <string_view>
+#include <tuple>
+
+#include "database/database_list.hpp"
+#include "support/building.hpp"
+#include "support/database.hpp"
+#include "support/folder.hpp"
+#include "zelk/database.hpp"
+
+class OwnDatabase : public ZelkDatabase {
+ public:
+  OwnDatabase() = default;
+  explicit OwnDatabase(const std::string& file) : ZelkDatabase(file.c_str()) {}
+  explicit OwnDatabase(const ZelkDatabase& other) : ZelkDatabase(other) {}
+  void assign(const ZelkDatabase& other) { ZelkDatabase::operator=(other); }
+
+  using ZelkDatabase::CreateDatabase;
+  using ZelkDatabase::DestroyDatabase;
+  using ZelkDatabase::ListFindDb;
+  using ZelkDatabase::ReleaseCache;
+
+  static ZelkDatabase& open(const std::string& file) { return CreateDatabase(file.c_str()); }
+  static ZelkDatabase* find(const std::string& file) { return ListFindDb(file.c_str()); }
+};
+
+/// Names of the files in the folder, as one text.
+inline std::string names_in(const Folder& folder) {
+  std::set<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder.path(""))) {
+    names.insert(entry.path().filename().string() + " ");
+  }
+  return std::accumulate(names.begin(), names.end(), std::string());
+}
+
+inline auto heads(Database& d) {
+  return std::tie(d.nodes, d.messages, d.variables, d.timings, d.definitions, d.values,
+                  d.categories, d.filter, d.comment, d.version, d.types, d.tables);
+}
+
+inline std::string describe(const ZelkDatabase& d) {
+  Database view, none;
+  heads(view) =
+      std::tie(d.nodes, d.messages, d.env_vars, d.bit_timings, d.attr_defs, d.attr_values,
+               d.categories, d.filter, d.comment, d.user_data, d.signal_types, d.value_tables);
+  std::string text = describe(view);
+  heads(view) = heads(none);
+  return text;
+}
+
+/// Tests that leave no database behind.
+class DatabaseTest : public testing::Test {
+ protected:
+  void SetUp() override { zelk_clear_error_text(); }
+  void TearDown() override { EXPECT_TRUE(zelk::database_list().empty()); }
+
+  const Folder folder_;
+};
+
+#endif

@@ -1,0 +1,34 @@
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
+#include "support/files.hpp"
+#include "tools/run_tool.hpp"
+
+namespace {
+
+// The decoder waits behind half a line when the signal comes.
+TEST(Decode, EndsWholeBySignal) {
+  const auto folder =
+      write_file("m.dbc", "BS_:\n\nBU_: N\n\nBO_ 1 M: 1 N\n SG_ S : 0|8@1+ (1,0) [0|0] \"\" N\n\n")
+          .parent_path();
+  for (const char* threads : {"1", "3"}) {
+    const std::string command =
+        "cd '" + folder.string() +
+        "' && rm -f in out.txt && mkfifo in || exit 99; '" ZELK_PROGRAM
+        "' decode m.dbc --format csv --stats --threads " +
+        threads +
+        " <in >out.txt 2>err.txt & exec 3>in; printf 'c 001#07\\nc 001#0' >&3; "
+        "until [ -s out.txt ]; do sleep 0.01; done; kill -TERM $!; wait $!";
+    const int status = std::system(command.c_str());
+    EXPECT_EQ(WEXITSTATUS(status), 128 + SIGTERM);
+    EXPECT_EQ(bytes_of(folder / "out.txt"),
+              "time,interface,id,message,signal,raw,value,unit,text\r\n,c,0x001,M,S,7,7,,\r\n");
+    EXPECT_EQ(content_of(folder / "err.txt").find("lines            1\nframes           1\n"), 0u);
+  }
+}
+
+}  // namespace

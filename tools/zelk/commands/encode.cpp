@@ -1,0 +1,175 @@
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "commands/commands.hpp"
+#include "input/attributes.hpp"
+#include "input/database.hpp"
+#include "input/lookup.hpp"
+#include "log/candump_log.hpp"
+#include "log/frame_encoder.hpp"
+#include "term/text.hpp"
+
+namespace zelk::tool {
+
+namespace {
+
+struct Arguments {
+  std::string database;
+  std::string message;
+  std::vector<std::string> signals;
+  std::optional<std::string> from;
+  ValueOptions values;
+  bool log = false;  // a whole line of a log, and not the frame alone
+  std::string time = "0";
+  std::string interface_name = "can0";
+};
+
+bool has_fd_format(const ZelkDatabase& database, const msgblk& message) {
+  return attribute_text(message.attrs, database.GetAttrDef("VFrameFormat")).ends_with("FD");
+}
+
+LogFrame empty_frame(const ZelkDatabase& database, const msgblk& message) {
+  if (message.dlc > kFdDataBytes) {
+    throw RequestError(fmt::format("{} has {}, and a frame at most {}", escaped(view(message.name)),
+                                   counted(message.dlc, "byte"), kFdDataBytes));
+  }
+  LogFrame frame;
+  frame.id = message.id;
+  frame.length = message.dlc;
+  frame.is_fd = message.dlc > kClassicDataBytes || has_fd_format(database, message);
+  return frame;
+}
+
+/// A frame of the message, in which signals are to be changed. The addresses of a parameter group
+/// may be others than in the database.
+LogFrame parse_given_frame(const ZelkDatabase& database, const msgblk& message,
+                           const std::string& text) {
+  LogFrame frame;
+  if (parse_frame(text, frame) != LogLine::kData) {
+    throw RequestError(
+        fmt::format("{} is not a frame with data, such as 123#DEADBEEF", in_quotes(text)));
+  }
+  const bool is_extended = frame.id & ZELK_ID_EXTENDED;
+  if (frame.id != message.id &&
+      !(is_extended && database.GetJ1939Message(frame.id, 0) == &message)) {
+    throw RequestError(
+        fmt::format("{} is not a frame of {}", in_quotes(text), escaped(view(message.name))));
+  }
+  return frame;
+}
+
+LogFrame encoded(EncodedDatabase of, const Arguments& arguments) {
+  const ZelkDatabase& database = of.records;
+  ValueOptions options = arguments.values;
+  options.encoding = of.encoding;
+  const msgblk& message = *find_messages(database, arguments.message).front();
+  const LogFrame start = arguments.from ? parse_given_frame(database, message, *arguments.from)
+                                        : empty_frame(database, message);
+  FrameEncoder encoder(message, start, arguments.from.has_value());
+  for (const std::string& text : arguments.signals) {
+    const std::size_t mark = text.find('=');
+    if (mark == std::string::npos)
+      throw RequestError(fmt::format("{} is not SIGNAL=VALUE", in_quotes(text)));
+    const std::string_view whole = text;
+    encoder.set(whole.substr(0, mark), whole.substr(mark + 1), options);
+  }
+  return encoder.finish();
+}
+
+/// Seconds with six decimals, as every reader of logs expects them; empty when `text` is no time.
+std::string log_time(std::string_view text) {
+  constexpr std::size_t kDecimals = 6;
+  constexpr std::size_t kMostDigits = 20;
+  const auto are_digits = [](std::string_view part) {
+    return part.find_first_not_of("0123456789") == std::string_view::npos;
+  };
+  const std::size_t point = std::min(text.find('.'), text.size());
+  const std::string_view whole = text.substr(0, point);
+  const std::string_view decimals = text.substr(std::min(point + 1, text.size()));
+  if (whole.empty() || whole.size() > kMostDigits || decimals.size() > kDecimals) return "";
+  if (!are_digits(whole) || !are_digits(decimals)) return "";
+  return fmt::format("{}.{:0<{}}", whole, decimals, kDecimals);
+}
+
+/// What stands in front of the frame.
+std::string lead_of(const Arguments& arguments) {
+  if (!arguments.log) return "";
+  return fmt::format("({}) {} ", log_time(arguments.time), arguments.interface_name);
+}
+
+std::string check_time(const std::string& text) {
+  return log_time(text).empty()
+             ? "seconds with at most six decimals are wanted, not " + in_quotes(text)
+             : "";
+}
+
+/// The name must come back as one word when the line is read.
+std::string check_interface(const std::string& name) {
+  const bool is_name =
+      !name.empty() && name.size() <= kLongestInterface && std::ranges::all_of(name, [](char c) {
+        return static_cast<unsigned char>(c) > ' ' && c != '(' && c != '\x7F';
+      });
+  return is_name ? "" : "an interface name is wanted, not " + in_quotes(name);
+}
+
+ExitCode encode(const Arguments& arguments, Output& out) {
+  DatabaseFile file;
+  if (!open_and_report(file, arguments.database)) return kExitFailure;
+  try {
+    out.line("{}", lead_of(arguments) + frame_text(encoded(file.encoded(), arguments)));
+  } catch (const RequestError& error) {
+    print_error(behind_path(arguments.database, error.what()));
+    return kExitFailure;
+  }
+  return kExitSuccess;
+}
+
+}  // namespace
+
+void add_encode_command(CLI::App& app, Action& action) {
+  CLI::App* command = app.add_subcommand(
+      "encode", "Make a frame of values, such as 123#DEADBEEF, as decode takes it");
+  const auto arguments = std::make_shared<Arguments>();
+  command->add_option("DATABASE", arguments->database, "Database to read")
+      ->required()
+      ->option_text(" ");
+  command
+      ->add_option("MESSAGE", arguments->message,
+                   "Name or identifier of the message, decimal or hexadecimal behind 0x")
+      ->required()
+      ->option_text(" ");
+  command
+      ->add_option("SIGNAL=VALUE", arguments->signals,
+                   "Physical value of a signal, or the text of a value description. A multiplexor\n"
+                   "of which only one value selects what is given need not be given. All other\n"
+                   "bits are 0.")
+      ->option_text("...");
+  command
+      ->add_option("--from", arguments->from,
+                   "Frame to change, such as 123#DEADBEEF, instead of one of zeros")
+      ->type_name("FRAME");
+  CLI::Option* const log =
+      command->add_flag("--log", arguments->log, "Write a whole line of a log, as candump does");
+  command
+      ->add_option("--time", arguments->time,
+                   "Time of that line in seconds, with at most six decimals; else 0")
+      ->type_name("SECONDS")
+      ->check(CLI::Validator(check_time, ""))
+      ->needs(log);
+  command->add_option("--interface", arguments->interface_name, "Interface of that line; else can0")
+      ->type_name("NAME")
+      ->check(CLI::Validator(check_interface, ""))
+      ->needs(log);
+  command->add_flag("--raw", arguments->values.raw, "Values are raw ones");
+  command->add_flag("--force", arguments->values.force,
+                    "Take values that are out of range; of what the bits cannot hold the nearest");
+  command->callback([arguments, &action] {
+    action = [arguments](Output& out) { return encode(*arguments, out); };
+  });
+}
+
+}  // namespace zelk::tool

@@ -1,0 +1,72 @@
+#include <memory>
+#include <string>
+
+#include "commands/commands.hpp"
+#include "edit/read_back.hpp"
+#include "edit/rounding.hpp"
+#include "input/database.hpp"
+#include "input/formats.hpp"
+#include "input/lookup.hpp"
+#include "term/system.hpp"
+
+namespace zelk::tool {
+
+namespace {
+
+struct Arguments {
+  std::string in;
+  std::string out;
+  bool allow_cut = false;
+  bool allow_rounding = false;
+};
+
+/// @throws RequestError when the database cannot be written, or not without loss
+void write(const Arguments& arguments, const DatabaseFile& file, ZelkDatabase& database) {
+  if (arguments.allow_cut) database.symbols_shortened = 0;
+  check_roundings(roundings_of(file.encoded()), arguments.out, arguments.allow_rounding);
+  if (!format_of_file(arguments.in).value_or(Format{}).is_own())
+    check_read_back(file.encoded(), arguments.out);  // a module may give what no DBC file can hold
+  const HeldSignals held;
+  zelk_clear_error_text();
+  const ZelkError error = database.Write(arguments.out.c_str());
+  if (error != ZelkErrorOk) throw RequestError(write_complaint(error, database));
+  tell_save_notes(database, arguments.out);
+}
+
+ExitCode rewrite(const Arguments& arguments) {
+  DatabaseFile file;
+  ZelkDatabase* const database = open_and_report(file, arguments.in);
+  if (!database) return kExitFailure;
+  try {
+    write(arguments, file, *database);
+  } catch (const RequestError& error) {
+    print_error(behind_path(arguments.out, error.what()));
+    return kExitFailure;
+  }
+  return kExitSuccess;
+}
+
+}  // namespace
+
+void add_rewrite_command(CLI::App& app, Action& action) {
+  CLI::App* command = app.add_subcommand(
+      "rewrite", "Read a database and write it again, in the library's own order and form");
+  const auto arguments = std::make_shared<Arguments>();
+  command->add_option("IN", arguments->in, "Database to read")->required()->option_text(" ");
+  command
+      ->add_option("OUT", arguments->out,
+                   "File to write; one that is there is replaced once all is written, or stays")
+      ->required()
+      ->option_text(" ")
+      ->check(fault_of_other_format);
+  command->add_flag("--allow-cut", arguments->allow_cut,
+                    "Write although names or units were too long for the library, and were cut");
+  command->add_flag(
+      "--allow-rounding", arguments->allow_rounding,
+      "Write although numbers have more digits than the 14 that a file keeps, and are\n"
+      "rounded");
+  command->callback(
+      [arguments, &action] { action = [arguments](Output&) { return rewrite(*arguments); }; });
+}
+
+}  // namespace zelk::tool

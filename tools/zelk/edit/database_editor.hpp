@@ -1,0 +1,53 @@
+/// \file
+/// Edits of one database, as the command line asks for them.
+
+#ifndef ZELK_TOOL_EDIT_DATABASE_EDITOR_HPP
+#define ZELK_TOOL_EDIT_DATABASE_EDITOR_HPP
+
+#include <span>
+#include <string>
+
+#include "edit/edit_target.hpp"
+#include "input/database.hpp"
+
+namespace zelk::tool {
+
+/// Changes objects in memory; nothing is written.
+///
+/// Each edit takes the words behind its option, in UTF-8, and tells what it did in a line. All
+/// throw RequestError, with nothing changed, when there is no such object or attribute, when a file
+/// could not hold the name, when it is another object's, when the value does not suit the
+/// attribute, and for characters that the database's encoding does not have.
+class DatabaseEditor {
+ public:
+  using Words = std::span<std::string>;
+
+  /// @param manager  must outlive the object, and so must the database, which it has open
+  DatabaseEditor(ZelkWriteManager& manager, const OpenedDatabase& opened);
+
+  std::string rename_message(Words words);   ///< message, new name
+  std::string rename_signal(Words words);    ///< signal, new name
+  std::string rename_node(Words words);      ///< node, new name
+  std::string set_comment(Words words);      ///< object, text; an empty one removes the comment
+  std::string set_attribute(Words words);    ///< object, attribute, value
+  std::string reset_attribute(Words words);  ///< object, attribute
+  std::string delete_message(Words words);   ///< message
+  std::string delete_signal(Words words);    ///< signal
+  std::string delete_node(Words words);      ///< node
+
+ private:
+  /// @param list  the records of which only one has a name
+  template <typename Record>
+  std::string rename(const Record* list, Record& record, const std::string& name);
+  const attr_def& definition(const EditTarget& target, const std::string& name) const;
+
+  ZelkWriteManager& manager_;
+  const char* name_;
+  const ZelkDatabase& database_;
+  Encoding encoding_;
+  EditTargets targets_;
+};
+
+}  // namespace zelk::tool
+
+#endif

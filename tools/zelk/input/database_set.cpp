@@ -1,0 +1,90 @@
+#include "input/database_set.hpp"
+
+#include <fmt/format.h>
+
+#include <memory>
+#include <system_error>
+#include <utility>
+
+#include "input/importing.hpp"
+#include "term/output.hpp"
+#include "term/text.hpp"
+
+namespace zelk::tool {
+
+namespace {
+
+struct Release {
+  void operator()(const char* text) const { zelk_mfree(const_cast<char*>(text)); }
+};
+
+constexpr std::size_t kLongestName = 32;
+
+/// `base` with a number behind it, in no more characters than the name of a database may have.
+std::string numbered(std::string_view base, unsigned number) {
+  const std::string suffix = fmt::format("_{}", number);
+  return std::string(base.substr(0, kLongestName - suffix.size())) + suffix;
+}
+
+/// What a database is called after its file: as the library does it, but for the first character,
+/// which must be a letter.
+std::string database_name(std::string_view path) {
+  std::string name;
+  const std::string_view file = path.substr(path.find_last_of("/\\") + 1);
+  for (const char c : file.substr(0, file.rfind('.'))) {
+    const bool is_letter = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_';
+    const bool is_digit = c >= '0' && c <= '9';
+    if (is_letter || (is_digit && !name.empty())) name += c;
+  }
+  return name.empty() ? "database" : name.substr(0, kLongestName);
+}
+
+}  // namespace
+
+bool DatabaseSet::open(const std::vector<std::string>& paths) {
+  bool all = true;
+  for (const std::string& path : paths) all &= open(path);
+  return all;
+}
+
+bool DatabaseSet::open(const std::string& path) {
+  const Format format = format_of_file(path).value_or(Format{});
+  const OpenedDatabase opened = format.is_own() ? open_own(path) : import(path, format);
+  if (opened.error == ZelkErrorAlreadyOpen) {
+    print_error(fmt::format("{}: warning: named twice", escaped(path)));
+    return true;
+  }
+  tell_reports(opened, path);
+  if (!opened.database) return false;
+  databases_.push_back({opened.name, {*opened.database, opened.encoding}});
+  return true;
+}
+
+OpenedDatabase DatabaseSet::open_own(const std::string& path) {
+  OpenedDatabase opened = open_database(manager_, path);
+  if (opened.error != ZelkErrorNameUsed) return opened;
+  const std::unique_ptr<const char, Release> base(manager_.GetDatabaseName(path.c_str()));
+  OpenedDatabase renamed = open_database(manager_, path, unique(view(base.get())).c_str());
+  renamed.reports = std::move(opened.reports);  // it has been read already
+  return renamed;
+}
+
+OpenedDatabase DatabaseSet::import(const std::string& path, const Format& format) {
+  const std::filesystem::path file(std::u8string(path.begin(), path.end()));
+  std::error_code ignored;
+  if (!imported_.insert(std::filesystem::weakly_canonical(file, ignored)).second) {
+    OpenedDatabase opened;
+    opened.error = ZelkErrorAlreadyOpen;
+    return opened;
+  }
+  return import_database(manager_, path, unique(database_name(path)).c_str(), import_call(format));
+}
+
+std::string DatabaseSet::unique(std::string_view name) {
+  if (!manager_.GetUniqueDatabaseName(std::string(name).c_str())) return std::string(name);
+  unsigned number = 2;
+  while (manager_.GetUniqueDatabaseName(numbered(name, number).c_str())) ++number;
+  return numbered(name, number);
+}
+
+}  // namespace zelk::tool

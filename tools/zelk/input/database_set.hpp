@@ -1,0 +1,50 @@
+/// \file
+/// Several files, read and held together.
+
+#ifndef ZELK_TOOL_INPUT_DATABASE_SET_HPP
+#define ZELK_TOOL_INPUT_DATABASE_SET_HPP
+
+#include <filesystem>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "input/database.hpp"
+#include "input/formats.hpp"
+
+namespace zelk::tool {
+
+/// Database files that one manager holds, each under a name of its own, until this goes.
+class DatabaseSet {
+ public:
+  /// Opens every file, in this order. Faults and warnings are told on standard error, also that a
+  /// file is named twice, which counts once.
+  ///
+  /// @return whether all could be read; the others are there all the same
+  bool open(const std::vector<std::string>& paths);
+
+  /// One of the databases, with its name in the set.
+  struct Entry {
+    std::string name;
+    EncodedDatabase texts;
+  };
+
+  /// The databases in the order of their files; a name is its file's, and where several would have
+  /// the same one, that with "_2", "_3", ... behind it.
+  const std::vector<Entry>& databases() const { return databases_; }
+
+ private:
+  bool open(const std::string& path);
+  OpenedDatabase open_own(const std::string& path);
+  OpenedDatabase import(const std::string& path, const Format& format);
+  std::string unique(std::string_view name);
+
+  ZelkWriteManager manager_{static_cast<void*>(nullptr)};
+  std::set<std::filesystem::path> imported_;  // files
+  std::vector<Entry> databases_;
+};
+
+}  // namespace zelk::tool
+
+#endif

@@ -1,0 +1,119 @@
+#include "log/frame_catalog.hpp"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "input/lookup.hpp"
+#include "log/file_type.hpp"
+#include "term/output.hpp"
+#include "term/text.hpp"
+
+namespace zelk::tool {
+
+namespace {
+
+struct Binding {
+  std::string interface_name;
+  std::string path;
+};
+
+Binding parse_binding(const std::string& argument) {
+  const std::size_t mark = argument.find('=');
+  if (mark == std::string::npos || mark == 0 || exists(argument)) return {"", argument};
+  return {argument.substr(0, mark), argument.substr(mark + 1)};
+}
+
+/// Tells of a pattern that matches none of `names`.
+bool check_pattern(std::string_view kind, const std::string& pattern,
+                   const std::vector<std::string_view>& names) {
+  const bool matches = std::ranges::any_of(
+      names, [&](std::string_view name) { return matches_wildcards(pattern, name); });
+  if (!matches) {
+    print_error(fmt::format("zelk: no {} is named {}{}", kind, in_quotes(pattern),
+                            suggestion(names, pattern)));
+  }
+  return matches;
+}
+
+}  // namespace
+
+CatalogDatabase::CatalogDatabase(EncodedDatabase of, const FrameOptions& options)
+    : database_(of.records),
+      decoders_(of.records.messages),
+      has_group_numbers_(of.records.HasJ1939GroupNumbers()),
+      has_groups_(has_group_numbers_ || of.records.GetAttrDef("VFrameFormat")) {
+  for (const msgblk& message : each(of.records.messages)) {
+    if (const ZelkFrameDecoder* const decoder = decoders_.Find(message))
+      layouts_.try_emplace(decoder, *decoder, options, of.encoding);
+  }
+}
+
+const MessageLayout* CatalogDatabase::layout_of(const ZelkFrameDecoder* decoder) const {
+  const auto found = layouts_.find(decoder);
+  return found == layouts_.end() ? nullptr : &found->second;
+}
+
+const MessageLayout* CatalogDatabase::find(std::uint32_t id) const {
+  // A group number is no identifier, even where they are equal.
+  if (has_group_numbers_ && (id & ZELK_ID_EXTENDED)) return nullptr;
+  return layout_of(decoders_.Find(id));
+}
+
+const MessageLayout* CatalogDatabase::find_group(std::uint32_t id) const {
+  if (!has_groups_ || !(id & ZELK_ID_EXTENDED)) return nullptr;
+  const msgblk* const message = database_.GetJ1939Message(id, 0);
+  return message ? layout_of(decoders_.Find(*message)) : nullptr;
+}
+
+bool FrameCatalog::open(const std::string& argument) {
+  const Binding binding = parse_binding(argument);
+  auto file = std::make_unique<DatabaseFile>();
+  const ZelkDatabase* const database = open_and_report(*file, binding.path);
+  if (!database) return false;
+  for (const msgblk& message : each(database->messages))
+    most_signals_ = std::max(most_signals_, each(message.signals).size());
+  auto in_catalog = std::make_unique<CatalogDatabase>(file->encoded(), options_);
+  sources_.push_back({binding.interface_name, std::move(file), std::move(in_catalog)});
+  return true;
+}
+
+const MessageLayout* FrameCatalog::find(std::string_view interface_name, std::uint32_t id) const {
+  for (const Source& source : sources_) {
+    if (!source.counts_for(interface_name)) continue;
+    if (const MessageLayout* const layout = source.database->find(id)) return layout;
+  }
+  for (const Source& source : sources_) {
+    if (!source.counts_for(interface_name)) continue;
+    if (const MessageLayout* const layout = source.database->find_group(id)) return layout;
+  }
+  return nullptr;
+}
+
+bool FrameCatalog::check_filter() const {
+  const NameFilter& filter = options_.filter;
+  if (filter.messages.empty() && filter.signals.empty()) return true;
+  std::vector<std::string_view> messages;
+  std::vector<std::string_view> signals;
+  std::vector<std::string> qualified;
+  for (const Source& source : sources_) {
+    for (const msgblk& message : each(source.database->database().messages)) {
+      messages.push_back(view(message.name));
+      for (const sigblk& signal : each(message.signals)) {
+        signals.push_back(view(signal.name));
+        qualified.push_back(fmt::format("{}.{}", view(message.name), view(signal.name)));
+      }
+    }
+  }
+  signals.insert(signals.end(), qualified.begin(), qualified.end());
+  bool all = true;
+  for (const std::string& pattern : filter.messages)
+    all &= check_pattern("message", pattern, messages);
+  for (const std::string& pattern : filter.signals)
+    all &= check_pattern("signal", pattern, signals);
+  return all;
+}
+
+}  // namespace zelk::tool

@@ -1,0 +1,87 @@
+/// \file
+/// The databases that frames are looked up in.
+
+#ifndef ZELK_TOOL_LOG_FRAME_CATALOG_HPP
+#define ZELK_TOOL_LOG_FRAME_CATALOG_HPP
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "input/database.hpp"
+#include "log/frame_layout.hpp"
+
+namespace zelk::tool {
+
+/// A database of the command line.
+class CatalogDatabase {
+ public:
+  /// @param of  must outlive the object
+  CatalogDatabase(EncodedDatabase of, const FrameOptions& options);
+
+  /// The message with the identifier of a frame; null when there is none.
+  const MessageLayout* find(std::uint32_t id) const;
+  /// The parameter group of a frame with an extended identifier, in a database that has any.
+  const MessageLayout* find_group(std::uint32_t id) const;
+
+  const ZelkDatabase& database() const { return database_; }
+
+ private:
+  const MessageLayout* layout_of(const ZelkFrameDecoder* decoder) const;
+
+  const ZelkDatabase& database_;
+  ZelkFrameDecoderTable decoders_;
+  bool has_group_numbers_;  // in place of identifiers
+  bool has_groups_;
+  std::unordered_map<const ZelkFrameDecoder*, MessageLayout> layouts_;
+};
+
+/// Databases in the order of the command line, each for all interfaces or for one.
+///
+/// It does not change once all databases are in, and can then be asked by many threads at once.
+class FrameCatalog {
+ public:
+  explicit FrameCatalog(FrameOptions options) : options_(std::move(options)) {}
+
+  /// Reads a database: "PATH", or "INTERFACE=PATH" unless a file bears that whole name. Faults are
+  /// told on standard error.
+  ///
+  /// @return false when it cannot be read
+  bool open(const std::string& argument);
+
+  /// Tells on standard error of patterns of the filter that no message or signal matches.
+  ///
+  /// @return whether all match
+  bool check_filter() const;
+
+  /// The layout of a frame's message: in the first database with the identifier, or else in the
+  /// first with the parameter group; null when there is none.
+  const MessageLayout* find(std::string_view interface_name, std::uint32_t id) const;
+
+  const FrameOptions& options() const { return options_; }
+  bool empty() const { return sources_.empty(); }
+  /// The most signals that a message has.
+  std::size_t most_signals() const { return most_signals_; }
+
+ private:
+  struct Source {
+    std::string interface_name;  // empty for all
+    std::unique_ptr<DatabaseFile> file;
+    std::unique_ptr<CatalogDatabase> database;
+
+    bool counts_for(std::string_view name) const {
+      return interface_name.empty() || interface_name == name;
+    }
+  };
+
+  FrameOptions options_;
+  std::vector<Source> sources_;
+  std::size_t most_signals_ = 0;
+};
+
+}  // namespace zelk::tool
+
+#endif

@@ -1,0 +1,62 @@
+/// \file
+/// A whole log, decoded by several threads.
+
+#ifndef ZELK_TOOL_LOG_LOG_PIPELINE_HPP
+#define ZELK_TOOL_LOG_LOG_PIPELINE_HPP
+
+#include <condition_variable>
+#include <cstdint>
+#include <exception>
+#include <mutex>
+#include <vector>
+
+#include "log/frame_catalog.hpp"
+#include "log/log_decoder.hpp"
+#include "log/log_input.hpp"
+#include "log/log_reports.hpp"
+#include "term/output.hpp"
+
+namespace zelk::tool {
+
+/// Each thread takes the next block of the log, decodes it, and waits until all blocks before it
+/// have been written: the output does not depend on the number of threads, and no more blocks than
+/// threads are in memory.
+class LogPipeline {
+ public:
+  /// All must outlive the object.
+  LogPipeline(const FrameCatalog& catalog, LogInput& input, Output& out, LogReport& report)
+      : catalog_(catalog), input_(input), out_(out), report_(report), progress_(input) {}
+
+  /// Decodes the log to its end.
+  ///
+  /// @param threads  at least 1
+  /// @throws std::system_error when the log cannot be read or the output not be written
+  void run(unsigned threads);
+
+  /// The unknown identifiers of the log, once it is decoded.
+  const UnknownIds& unknown() const { return unknown_; }
+
+ private:
+  void work();
+  void decode_blocks();
+  bool take_block(std::string& block, std::uint64_t& number);
+  bool put_block(const DecodedBlock& block, std::uint64_t number);
+
+  const FrameCatalog& catalog_;
+  LogInput& input_;
+  Output& out_;
+  LogReport& report_;
+  ProgressBar progress_;
+  UnknownIds unknown_;
+
+  std::mutex input_mutex_;  // guards input_ and blocks_taken_
+  std::uint64_t blocks_taken_ = 0;
+  std::mutex output_mutex_;  // guards all others that change
+  std::condition_variable turn_;
+  std::uint64_t blocks_put_ = 0;
+  std::exception_ptr fault_;
+};
+
+}  // namespace zelk::tool
+
+#endif

@@ -1,0 +1,46 @@
+/// \file
+/// Which signals of a message lie in the frame together.
+
+#ifndef ZELK_TOOL_SHOW_LAYOUTS_HPP
+#define ZELK_TOOL_SHOW_LAYOUTS_HPP
+
+#include <string>
+#include <vector>
+
+#include "input/text_encoding.hpp"
+#include "zelk/records.h"
+
+namespace zelk::tool {
+
+/// Signals that lie in the frame together.
+struct Layout {
+  /// "Mux = 3, 5..7"; one value with what it is called: Mux = 3 "Idle"; below another multiplexor:
+  /// "Mux = 3, Sub = 1"; empty: always.
+  std::string condition;
+  std::vector<const sigblk*> signals;  ///< those that are always there first
+};
+
+struct Layouts {
+  std::vector<Layout> layouts;
+  bool complete = true;  ///< false: the message has more of them than are worth drawing
+};
+
+/// The layouts of a message: one without multiplexed signals; otherwise, for every multiplexor, one
+/// for each set of signals that its values select, together with everything that is always there
+/// and, for a multiplexor that is multiplexed itself, with what the values above it select. Values
+/// that select nothing make no layout. Signals with multiplexor values in a message that names no
+/// multiplexor for them come under "(no multiplexor)".
+///
+/// A signal of which no value leads to its presence (without values, or on a cycle of multiplexors)
+/// is in none.
+///
+/// @param encoding  of the message's texts; conditions are in UTF-8
+Layouts layouts_of(const msgblk& message, Encoding encoding);
+
+/// The multiplexor values for which `signal` is there, in list order: "3, 5..7"; empty when it has
+/// none.
+std::string presence_values(const sigblk& signal);
+
+}  // namespace zelk::tool
+
+#endif

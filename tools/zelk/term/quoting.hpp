@@ -1,0 +1,25 @@
+/// \file
+/// Texts as JSON and CSV have them.
+
+#ifndef ZELK_TOOL_TERM_QUOTING_HPP
+#define ZELK_TOOL_TERM_QUOTING_HPP
+
+#include <string>
+#include <string_view>
+
+namespace zelk::tool {
+
+/// `text` in UTF-8; one that is not comes from the command line or a log, and is taken as
+/// Windows-1252.
+std::string utf8(std::string_view text);
+
+/// `text`, made UTF-8 by `utf8`, as a JSON string, quotes included.
+std::string json_string(std::string_view text);
+
+/// `text`, made UTF-8 by `utf8`, as a field of CSV (RFC 4180): in quotes when it has commas, quotes
+/// or line ends. Control characters other than line ends and tabs become "\x1B", ...
+std::string csv_field(std::string_view text);
+
+}  // namespace zelk::tool
+
+#endif

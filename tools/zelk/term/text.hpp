@@ -1,0 +1,43 @@
+/// \file
+/// Texts fit for the terminal, and their comparison.
+
+#ifndef ZELK_TOOL_TERM_TEXT_HPP
+#define ZELK_TOOL_TERM_TEXT_HPP
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zelk::tool {
+
+/// An owned text of a record; null reads as empty.
+inline std::string_view view(const char* text) { return text ? text : std::string_view(); }
+
+/// `text`, in UTF-8, fit for a terminal line: control characters become "\n", "\t", "\x1B", ...
+/// What is no UTF-8, such as the name of a file, stays as it is.
+std::string escaped(std::string_view text);
+
+/// `escaped`, but with tabs, carriage returns and line feeds as they are.
+std::string escaped_between_lines(std::string_view text);
+
+/// `escaped` in double quotes; double quotes and backslashes inside get a backslash.
+std::string in_quotes(std::string_view text);
+
+/// The lines of `text`, each `escaped`, without their line feeds and carriage returns. An empty
+/// text has none, and a line feed at the very end adds none.
+std::vector<std::string> escaped_lines(std::string_view text);
+
+/// With small letters in place of ASCII capitals.
+std::string lowered(std::string_view text);
+
+/// "1 node", "3 nodes"; the plural is `noun` with an "s" unless it is given.
+std::string counted(std::size_t count, std::string_view noun, std::string_view plural = {});
+
+/// Number of inserted, deleted, replaced or swapped characters (ASCII case ignored) that leads from
+/// `a` to `b`; every number above `limit` comes back as `limit` + 1.
+std::size_t edit_distance(std::string_view a, std::string_view b, std::size_t limit);
+
+}  // namespace zelk::tool
+
+#endif
