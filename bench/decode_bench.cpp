@@ -10,6 +10,7 @@
 #include <random>
 #include <vector>
 
+#include "base/compiler.hpp"
 #include "zelk/frame_decoder.hpp"
 #include "zelk/manager.hpp"
 
@@ -127,7 +128,7 @@ void decode_by_hand(benchmark::State& state) {
     for (const Frame& frame : traffic().frames) {
       std::uint64_t words[2];
       std::memcpy(&words[0], frame.data, kFrameBytes);
-      words[1] = __builtin_bswap64(words[0]);
+      words[1] = zelk::reversed_bytes(words[0]);
       const auto& signals = table[frame.message];
       for (std::size_t s = 0; s < kSignals; ++s) {
         const HandSignal& signal = signals[s];
@@ -172,7 +173,7 @@ void encode_by_hand(benchmark::State& state) {
         words[signal.is_motorola] |= (static_cast<std::uint64_t>(raw) & signal.mask)
                                      << signal.shift;
       }
-      std::uint64_t content = words[0] | __builtin_bswap64(words[1]);
+      std::uint64_t content = words[0] | zelk::reversed_bytes(words[1]);
       benchmark::DoNotOptimize(content);
     }
   }

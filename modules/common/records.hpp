@@ -10,6 +10,8 @@
 #include <string>
 #include <string_view>
 
+#include "base/list.hpp"
+#include "base/text_view.hpp"
 #include "zelk/module.h"
 
 namespace zelk::modules {
@@ -53,27 +55,16 @@ const zelk_conversion& conversion();
 /// @throws std::bad_alloc
 void* allocated(std::size_t size);
 
-/// Appends to a list of records, in constant time.
+/// Appends a new record to a list.
+///
+/// @return the record, zero-filled and owned by the list
+/// @throws std::bad_alloc
 template <typename Record>
-class ListTail {
- public:
-  /// Behind what is in the list.
-  explicit ListTail(Record*& head) : tail_(&head) {
-    while (*tail_) tail_ = &(*tail_)->next;
-  }
-
-  /// @return the new record, zero-filled and owned by the list
-  /// @throws std::bad_alloc
-  Record& append() {
-    auto* const record = static_cast<Record*>(allocated(sizeof(Record)));
-    *tail_ = record;
-    tail_ = &record->next;
-    return *record;
-  }
-
- private:
-  Record** tail_;
-};
+Record& append_new(ListTail<Record>& tail) {
+  auto* const record = static_cast<Record*>(allocated(sizeof(Record)));
+  tail.append(record);
+  return *record;
+}
 
 /// Replaces an owned text of a record.
 /// @throws std::bad_alloc; Fault for a text with a NUL character, which no record can hold
@@ -83,16 +74,6 @@ void assign_text(char*& field, std::string_view text);
 /// @throws Fault for a longer one than `ZELK_INLINE_NAME_MAX` characters, with `what` in front
 template <std::size_t kSize>
 void assign_inline(char (&field)[kSize], std::string_view text, std::string_view what);
-
-/// A text of a record, null read as empty.
-inline std::string_view view(const char* text) { return text ? text : std::string_view(); }
-
-/// An inline name or unit; its array need not be terminated.
-template <std::size_t kSize>
-std::string_view view(const char (&field)[kSize]) {
-  const std::string_view whole(field, kSize);
-  return whole.substr(0, whole.find('\0'));
-}
 
 // --- Implementation ---
 

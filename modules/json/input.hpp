@@ -192,7 +192,7 @@ void ObjectInput::list(std::string_view key, Record*& head, Fill fill) {
   ListTail<Record> tail(head);
   std::size_t position = 0;
   for (const auto& element : input(key, *value).array()) {
-    Record& record = tail.append();
+    Record& record = append_new(tail);
     const ValueInput item(element, Path(path, position++), encoding_);
     fill(item, record);
   }

@@ -31,7 +31,7 @@ struct Target {
 
 /// Appends the definition of an attribute.
 attr_def* define(ListTail<attr_def>& definitions, const KcdAttribute& attribute) {
-  attr_def& definition = definitions.append();
+  attr_def& definition = append_new(definitions);
   definition.object_type = attribute.object_type;
   definition.value_type = attribute.value_type;
   assign_inline(definition.name, attribute.name, "attribute");
@@ -44,7 +44,8 @@ attr_def* define(ListTail<attr_def>& definitions, const KcdAttribute& attribute)
 }
 
 attr& append_value(attr*& list, attr_def* definition) {
-  attr& value = ListTail<attr>(list).append();
+  ListTail<attr> values(list);
+  attr& value = append_new(values);
   value.def = definition;
   return value;
 }
@@ -146,7 +147,7 @@ void Import::take_messages(const Element& bus, const Nodes& nodes,
   attr_def* interval = nullptr;
   std::set<std::uint32_t> ids;
   bus.each("Message", [&](const Element& element) {
-    msgblk& message = messages.append();
+    msgblk& message = append_new(messages);
     MessageImport(reading_, element, nodes).fill(message);
     if (!ids.insert(message.id).second) element.fail("another message has this id");
     if (!element.find("interval")) return;

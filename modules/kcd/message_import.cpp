@@ -92,14 +92,14 @@ void MessageImport::fill_transmitters(msgblk& message) const {
   message.transmitter = producers.front();
   if (producers.size() == 1) return;
   ListTail<rxblk> links(message.tx_nodes);
-  for (symblk* const node : producers) links.append().node = node;
+  for (symblk* const node : producers) append_new(links).node = node;
 }
 
 void MessageImport::fill_signals(msgblk& message) const {
   std::vector<sigblk*> records;
   ListTail<sigblk> list(message.signals);
   for (const Signal& signal : signals_) {
-    sigblk& record = list.append();
+    sigblk& record = append_new(list);
     records.push_back(&record);
     signal.data.fill(record);
     record.message = &message;
@@ -116,7 +116,7 @@ void MessageImport::fill_ranges(sigblk& record, const std::set<std::uint32_t>& s
   muxor_val_range* last = nullptr;
   for (const std::uint32_t selector : selectors) {
     if (!last || selector - last->high != 1) {
-      last = &list.append();
+      last = &append_new(list);
       last->low = selector;
     }
     last->high = selector;

@@ -41,7 +41,7 @@ Nodes::Nodes(Reading& reading, const Element& root, const Element& bus, bool is_
     element.take({.attributes = {"id", "name"}});
     const std::string name = element.object_name("name");
     if (!names.insert(name).second) element.fail("another node has this name");
-    symblk& node = nodes.append();
+    symblk& node = append_new(nodes);
     assign_text(node.name, name);
     entry->second = &node;
   });

@@ -105,10 +105,10 @@ void SignalData::fill(sigblk& record) const {
   if (!comment.empty()) assign_text(record.comment, comment);
   record.receiver_count = static_cast<std::uint16_t>(receivers.size());
   ListTail<rxblk> links(record.receivers);
-  for (symblk* const node : receivers) links.append().node = node;
+  for (symblk* const node : receivers) append_new(links).node = node;
   ListTail<val> values(record.values);
   for (const auto& [value, text] : descriptions) {
-    val& description = values.append();
+    val& description = append_new(values);
     description.value = value;
     assign_text(description.text, text);
   }

@@ -13,6 +13,8 @@
 #include <string_view>
 #include <type_traits>
 
+#include "base/compiler.hpp"
+
 namespace zelk {
 
 /// An odd number that differs from process to process.
@@ -24,27 +26,6 @@ inline std::uint64_t hash_seed() {
     return ((static_cast<std::uint64_t>(ticks) << 20) ^ address) * 0x9E3779B97F4A7C15U | 1U;
   }();
   return seed;
-}
-
-/// Exclusive or of the two halves of a 128-bit product, from products of 32-bit halves.
-constexpr std::uint64_t folded_product_of_halves(std::uint64_t a, std::uint64_t b) {
-  constexpr std::uint64_t kLow = 0xFFFFFFFF;
-  const std::uint64_t low = (a & kLow) * (b & kLow);
-  const std::uint64_t middle = (a >> 32) * (b & kLow) + (low >> 32);  // at most 2^64 - 2^32
-  const std::uint64_t other = (a & kLow) * (b >> 32) + (middle & kLow);
-  const std::uint64_t high = (a >> 32) * (b >> 32) + (middle >> 32) + (other >> 32);
-  return high ^ (other << 32 | (low & kLow));
-}
-
-/// The same in one multiplication where the compiler has the type.
-constexpr std::uint64_t folded_product(std::uint64_t a, std::uint64_t b) {
-#ifdef __SIZEOF_INT128__
-  __extension__ using Wide = unsigned __int128;
-  const Wide product = static_cast<Wide>(a) * b;
-  return static_cast<std::uint64_t>(product >> 64) ^ static_cast<std::uint64_t>(product);
-#else
-  return folded_product_of_halves(a, b);
-#endif
 }
 
 /// Multiply-and-fold over words of 8 bytes, with the seed as the multiplier. The high half of the
@@ -72,7 +53,8 @@ struct SeededHash {
   std::uint64_t fold(std::uint64_t hash, const char* bytes, std::size_t size) const {
     std::uint64_t word = 0;
     if (size > 0) std::memcpy(&word, bytes, size);  // an empty text may have no address
-    return folded_product(hash ^ word, seed);
+    const WideProduct product = wide_product(hash ^ word, seed);
+    return product.high ^ product.low;
   }
 };
 

@@ -2,8 +2,9 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "base/list_walk.hpp"
+#include "base/list.hpp"
 #include "capi/attribute_text.hpp"
+#include "model/inline_name.hpp"
 #include "text/words.hpp"
 #include "zelk/query.h"
 

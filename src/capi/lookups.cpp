@@ -1,6 +1,7 @@
 #include <string_view>
 
-#include "base/list_walk.hpp"
+#include "base/list.hpp"
+#include "model/inline_name.hpp"
 #include "zelk/query.h"
 
 extern "C" {

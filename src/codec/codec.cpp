@@ -275,7 +275,7 @@ ZelkSigvalueResult to_raw(double physical, const sigblk& signal, double& raw) {
 
 namespace {
 
-[[gnu::noinline]] ZelkSigvalueResult read_physical_of_any(const unsigned char* frame,
+ZELK_NEVER_INLINE ZelkSigvalueResult read_physical_of_any(const unsigned char* frame,
                                                           const sigblk& signal, double& physical) {
   const auto read_as = [&]<typename Raw>(std::optional<Raw> raw) {
     const ZelkSigvalueResult result = read(frame, signal, raw);

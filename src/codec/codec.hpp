@@ -24,6 +24,7 @@
 #include <cstring>
 #include <optional>
 
+#include "base/compiler.hpp"
 #include "zelk/types.hpp"
 
 namespace zelk::codec {
@@ -86,8 +87,7 @@ constexpr std::int64_t sign_extended(std::uint64_t bits, unsigned length_bits) {
 
 /// 1 to 8 bytes, the first one lowest. Two loads that overlap cover any number without reaching
 /// beyond.
-[[gnu::always_inline]] inline std::uint64_t load_bytes(const unsigned char* bytes,
-                                                       std::uint32_t count) {
+ZELK_ALWAYS_INLINE std::uint64_t load_bytes(const unsigned char* bytes, std::uint32_t count) {
   if (count >= 4) {
     std::uint32_t low = 0;
     std::uint32_t high = 0;
@@ -114,22 +114,20 @@ inline std::uint8_t touched_byte(const unsigned char* frame, const Position& at,
 std::uint64_t low_word_at_wrap(const unsigned char* frame, Position at);
 
 /// The lowest touched bytes, eight at most, as a number.
-[[gnu::always_inline]] inline std::uint64_t low_word(const unsigned char* frame,
-                                                     const Position& at) {
+ZELK_ALWAYS_INLINE std::uint64_t low_word(const unsigned char* frame, const Position& at) {
   const std::uint32_t count = at.byte_count < 8 ? at.byte_count : 8;
   if (count == 0) return 0;
   if (!at.motorola) return load_bytes(frame + at.lsb_byte, count);
   if (count <= at.lsb_byte + 1) {
     const std::uint64_t reversed = load_bytes(frame + at.lsb_byte + 1 - count, count);
-    return __builtin_bswap64(reversed) >> (64 - 8 * count);
+    return reversed_bytes(reversed) >> (64 - 8 * count);
   }
   return low_word_at_wrap(frame, at);
 }
 
 /// Up to 64 bits; those in a ninth byte are left out.
-[[gnu::always_inline]] inline std::uint64_t extract_int64(const unsigned char* frame,
-                                                          const Position& at,
-                                                          unsigned length_bits) {
+ZELK_ALWAYS_INLINE std::uint64_t extract_int64(const unsigned char* frame, const Position& at,
+                                               unsigned length_bits) {
   return low_word(frame, at) >> at.bit_offset & low_bits(length_bits);
 }
 

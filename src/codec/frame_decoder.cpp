@@ -8,7 +8,9 @@
 #include <optional>
 #include <vector>
 
-#include "base/first_table.hpp"
+#include "base/compiler.hpp"
+#include "base/hash_table.hpp"
+#include "base/list.hpp"
 #include "codec/frame_plan.hpp"
 
 namespace {
@@ -32,7 +34,7 @@ void set(std::uint64_t* mask, std::size_t index) {
 /// The first eight bytes of a frame, zeros behind a shorter one, as a number in both byte orders.
 struct FrameWords {
   FrameWords(const unsigned char* data, std::size_t length) : FrameWords(load(data, length)) {}
-  explicit FrameWords(std::uint64_t word) : words{word, __builtin_bswap64(word)} {}
+  explicit FrameWords(std::uint64_t word) : words{word, zelk::reversed_bytes(word)} {}
 
   static std::uint64_t load(const unsigned char* data, std::size_t length) {
     if (length < kWordBytes) {
@@ -124,7 +126,7 @@ void find_present(const FramePlan& plan, const unsigned char* data, std::size_t 
 
 /// Decodes the signals that the frame holds, when that may not be all.
 template <typename Value>
-[[gnu::noinline]] void decode_present(const FramePlan& plan, const unsigned char* data,
+ZELK_NEVER_INLINE void decode_present(const FramePlan& plan, const unsigned char* data,
                                       std::size_t length, Value* values, std::uint64_t* present) {
   find_present(plan, data, length, present);
   std::fill_n(values, plan.records.size(), Value{});
@@ -138,7 +140,7 @@ template <typename Value>
 }
 
 template <typename Value>
-[[gnu::noinline]] void decode_any(const FramePlan& plan, const unsigned char* data,
+ZELK_NEVER_INLINE void decode_any(const FramePlan& plan, const unsigned char* data,
                                   std::size_t length, Value* values, std::uint64_t* present) {
   if (length < plan.bytes_for_all) return decode_present(plan, data, length, values, present);
   if (plan.presence_words == 0) return;
@@ -240,8 +242,8 @@ std::uint64_t placed(const QuickSignal& signal, std::uint64_t raw, std::uint64_t
   const std::uint64_t mask = signal.mask << signal.shift;
   const std::uint64_t bits = raw << signal.shift;
   const bool is_reversed = signal.word != 0;
-  return (word & ~(is_reversed ? __builtin_bswap64(mask) : mask)) |
-         (is_reversed ? __builtin_bswap64(bits) : bits);
+  return (word & ~(is_reversed ? zelk::reversed_bytes(mask) : mask)) |
+         (is_reversed ? zelk::reversed_bytes(bits) : bits);
 }
 
 bool encode(const QuickSignal& quick, double physical, std::uint64_t& word) {
@@ -322,42 +324,20 @@ bool ZelkFrameEncoder::Encode(const double* values, const std::uint64_t* present
 
 // --- Decoders by identifier ---
 
-/// An open hash table as `FirstTable`, at most half full, with slots of half its size: those of a
-/// large database stay in the caches.
+/// Places among the decoders by identifier. They take half the memory of pointers, so that the
+/// slots of a large database stay in the caches.
 struct ZelkFrameDecoderTable::Entries {
-  struct Slot {
-    std::uint32_t id = 0;
-    std::uint32_t position = kEmpty;  ///< among the decoders
-  };
-  static constexpr std::uint32_t kEmpty = 0xFFFFFFFF;
+  static constexpr std::uint32_t kNone = 0xFFFFFFFF;
 
-  explicit Entries(const msgblk* messages) {
-    for (const msgblk* message = messages; message; message = message->next) {
-      decoders.emplace_back(*message);
+  explicit Entries(const msgblk* messages) : places(zelk::each(messages).size()) {
+    for (const msgblk& message : zelk::each(messages)) {
+      places.enter(message.id, static_cast<std::uint32_t>(decoders.size()));
+      decoders.emplace_back(message);
     }
-    slots.resize(std::bit_ceil(2 * decoders.size() + 2));
-    last = slots.size() - 1;
-    shift = 64 - std::countr_zero(slots.size());
-    for (std::uint32_t i = 0; i < decoders.size(); ++i) enter(decoders[i].Message().id, i);
-  }
-
-  /// The slot of an identifier, or the empty one where it would be.
-  std::size_t slot_of(std::uint32_t id) const {
-    auto slot = static_cast<std::size_t>(zelk::spread(id, multiplier) >> shift);
-    while (slots[slot].position != kEmpty && slots[slot].id != id) slot = (slot + 1) & last;
-    return slot;
-  }
-
-  void enter(std::uint32_t id, std::uint32_t position) {
-    Slot& slot = slots[slot_of(id)];
-    if (slot.position == kEmpty) slot = {id, position};
   }
 
   std::vector<ZelkFrameDecoder> decoders;
-  std::vector<Slot> slots;
-  std::uint64_t multiplier = zelk::hash_seed();
-  int shift = 0;
-  std::size_t last = 0;  ///< among the slots
+  zelk::HashTable<std::uint32_t, std::uint32_t, kNone> places;
 };
 
 ZelkFrameDecoderTable::ZelkFrameDecoderTable(const msgblk* messages)
@@ -367,8 +347,8 @@ ZelkFrameDecoderTable& ZelkFrameDecoderTable::operator=(ZelkFrameDecoderTable&&)
 ZelkFrameDecoderTable::~ZelkFrameDecoderTable() = default;
 
 const ZelkFrameDecoder* ZelkFrameDecoderTable::Find(std::uint32_t id) const {
-  const Entries::Slot& slot = entries_->slots[entries_->slot_of(id)];
-  return slot.position == Entries::kEmpty ? nullptr : &entries_->decoders[slot.position];
+  const std::uint32_t place = entries_->places.find(id);
+  return place == Entries::kNone ? nullptr : &entries_->decoders[place];
 }
 
 const ZelkFrameDecoder* ZelkFrameDecoderTable::Find(const msgblk& message) const {

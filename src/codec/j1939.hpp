@@ -23,8 +23,9 @@
 #include <optional>
 #include <string_view>
 
-#include "base/list_walk.hpp"
+#include "base/list.hpp"
 #include "capi/attribute_text.hpp"
+#include "model/inline_name.hpp"
 #include "zelk/query.h"
 
 namespace zelk::j1939 {

@@ -4,8 +4,9 @@
 #include <new>
 #include <utility>
 
-#include "base/list_walk.hpp"
+#include "base/list.hpp"
 #include "model/errors.hpp"
+#include "model/inline_name.hpp"
 #include "model/memory.hpp"
 #include "model/release.hpp"
 #include "zelk/exception.hpp"

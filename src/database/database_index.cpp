@@ -4,28 +4,18 @@
 #include <array>
 #include <span>
 
+#include "base/list.hpp"
 #include "codec/j1939.hpp"
 
 namespace zelk {
-namespace {
-
 template <typename Record>
-std::size_t length_of(const Record* list) {
-  std::size_t length = 0;
-  for (; list; list = list->next) ++length;
-  return length;
-}
-
-}  // namespace
-
-template <typename Record>
-FirstTable<Record> DatabaseIndex::by_name(Record* list) const {
-  FirstTable<Record> table(length_of(list));
-  for (Record* record = list; record; record = record->next) {
-    const char* const name = record->name;
+HashTable<std::uint64_t, Record*> DatabaseIndex::by_name(Record* list) const {
+  HashTable<std::uint64_t, Record*> table(each(list).size());
+  for (Record& record : each(list)) {
+    const char* const name = record.name;
     if (!name) continue;
-    table.enter(key_of<Record>(name), record,
-                [name](const Record& other) { return bears(other, name); });
+    table.enter(key_of<Record>(name), &record,
+                [name](const Record* other) { return bears(*other, name); });
   }
   return table;
 }
@@ -51,9 +41,9 @@ DatabaseIndex::DatabaseIndex(const ZelkDatabase& database)
       tables_(by_name(database.value_tables)),
       types_(by_name(database.signal_types)),
       definitions_(by_name(database.attr_defs)),
-      messages_by_id_(length_of(database.messages)),
-      by_addresses_(length_of(database.messages)),
-      by_group_and_source_(2 * length_of(database.messages)),
+      messages_by_id_(each(database.messages).size()),
+      by_addresses_(each(database.messages).size()),
+      by_group_and_source_(2 * each(database.messages).size()),
       has_group_numbers_(database.HasJ1939GroupNumbers()),
       default_is_j1939_(j1939::default_is_j1939_format(database.attr_defs)) {
   for (msgblk* message = database.messages; message; message = message->next) {

@@ -10,8 +10,9 @@
 #include <type_traits>
 #include <vector>
 
-#include "base/first_table.hpp"
-#include "base/list_walk.hpp"
+#include "base/hash_table.hpp"
+#include "base/list.hpp"
+#include "model/inline_name.hpp"
 #include "zelk/database.hpp"
 
 namespace zelk {
@@ -30,7 +31,7 @@ class DatabaseIndex {
   Record* named(const char* name) const {
     const auto& names = names_of(static_cast<const Record*>(nullptr));
     return names.find(key_of<Record>(name),
-                      [name](const Record& record) { return bears(record, name); });
+                      [name](const Record* record) { return bears(*record, name); });
   }
   msgblk* message(std::uint32_t id) const { return messages_by_id_.find(id); }
   msgblk* j1939_message(std::uint32_t id, std::uint32_t flags) const;
@@ -46,16 +47,20 @@ class DatabaseIndex {
     explicit CandidateTable(std::size_t capacity) : table(capacity) {}
     void enter(std::uint32_t key, msgblk* message);
 
-    FirstTable<Candidates> table;
+    HashTable<std::uint64_t, Candidates*> table;
     std::deque<Candidates> all;
   };
 
-  const FirstTable<symblk>& names_of(const symblk*) const { return nodes_; }
-  const FirstTable<msgblk>& names_of(const msgblk*) const { return messages_; }
-  const FirstTable<env_var_blk>& names_of(const env_var_blk*) const { return variables_; }
-  const FirstTable<valtable>& names_of(const valtable*) const { return tables_; }
-  const FirstTable<sigtype>& names_of(const sigtype*) const { return types_; }
-  const FirstTable<attr_def>& names_of(const attr_def*) const { return definitions_; }
+  const HashTable<std::uint64_t, symblk*>& names_of(const symblk*) const { return nodes_; }
+  const HashTable<std::uint64_t, msgblk*>& names_of(const msgblk*) const { return messages_; }
+  const HashTable<std::uint64_t, env_var_blk*>& names_of(const env_var_blk*) const {
+    return variables_;
+  }
+  const HashTable<std::uint64_t, valtable*>& names_of(const valtable*) const { return tables_; }
+  const HashTable<std::uint64_t, sigtype*>& names_of(const sigtype*) const { return types_; }
+  const HashTable<std::uint64_t, attr_def*>& names_of(const attr_def*) const {
+    return definitions_;
+  }
 
   template <typename Record>
   static constexpr bool kHasInlineName = std::is_array_v<decltype(Record::name)>;
@@ -71,16 +76,16 @@ class DatabaseIndex {
     return hash_(kHasInlineName<Record> ? name.substr(0, ZELK_INLINE_NAME_MAX) : name);
   }
   template <typename Record>
-  FirstTable<Record> by_name(Record* list) const;
+  HashTable<std::uint64_t, Record*> by_name(Record* list) const;
 
   SeededHash hash_;
-  FirstTable<symblk> nodes_;
-  FirstTable<msgblk> messages_;
-  FirstTable<env_var_blk> variables_;
-  FirstTable<valtable> tables_;
-  FirstTable<sigtype> types_;
-  FirstTable<attr_def> definitions_;
-  FirstTable<msgblk> messages_by_id_;
+  HashTable<std::uint64_t, symblk*> nodes_;
+  HashTable<std::uint64_t, msgblk*> messages_;
+  HashTable<std::uint64_t, env_var_blk*> variables_;
+  HashTable<std::uint64_t, valtable*> tables_;
+  HashTable<std::uint64_t, sigtype*> types_;
+  HashTable<std::uint64_t, attr_def*> definitions_;
+  HashTable<std::uint64_t, msgblk*> messages_by_id_;
   CandidateTable by_addresses_;         ///< `j1939::address_key` of CAN identifiers
   CandidateTable by_group_and_source_;  ///< keys of stored numbers, as `j1939::proprietary_keys`
   bool has_group_numbers_;

@@ -4,13 +4,13 @@
 #include <new>
 #include <utility>
 
-#include "base/list_edit.hpp"
-#include "base/list_walk.hpp"
+#include "base/list.hpp"
 #include "capi/attribute_text.hpp"
 #include "database/database_index.hpp"
 #include "database/database_lookup.hpp"
 #include "database/list_ends.hpp"
 #include "model/errors.hpp"
+#include "model/list_edit.hpp"
 #include "model/symbols.hpp"
 #include "zelk/database.hpp"
 #include "zelk/exception.hpp"

@@ -3,10 +3,11 @@
 #include <algorithm>
 #include <string_view>
 
-#include "base/list_walk.hpp"
+#include "base/list.hpp"
 #include "capi/attribute_text.hpp"
 #include "manager/names.hpp"
 #include "model/errors.hpp"
+#include "model/inline_name.hpp"
 #include "model/memory.hpp"
 #include "text/words.hpp"
 #include "zelk/database.hpp"

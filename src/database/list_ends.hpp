@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <tuple>
 
-#include "base/list_edit.hpp"
+#include "model/list_edit.hpp"
 #include "zelk/records.h"
 
 namespace zelk {

@@ -7,9 +7,9 @@
 #include <cstdint>
 #include <new>
 
-#include "base/list_edit.hpp"
-#include "base/list_walk.hpp"
+#include "base/list.hpp"
 #include "model/errors.hpp"
+#include "model/list_edit.hpp"
 #include "query/holding.hpp"
 #include "zelk/exception.hpp"
 #include "zelk/write_manager.hpp"

@@ -7,7 +7,7 @@
 #include <new>
 #include <utility>
 
-#include "base/list_walk.hpp"
+#include "base/list.hpp"
 #include "database/process_lists.hpp"
 #include "manager/manager_tables.hpp"
 #include "model/errors.hpp"

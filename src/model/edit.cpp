@@ -5,7 +5,7 @@
 #include <unordered_set>
 #include <utility>
 
-#include "base/list_edit.hpp"
+#include "model/list_edit.hpp"
 #include "model/release.hpp"
 #include "zelk/model.h"
 

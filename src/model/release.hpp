@@ -7,7 +7,7 @@
 #include <memory>
 #include <utility>
 
-#include "base/list_edit.hpp"
+#include "model/list_edit.hpp"
 #include "zelk/model.h"
 
 namespace zelk {

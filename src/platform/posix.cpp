@@ -16,6 +16,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/compiler.hpp"
 #include "platform/immortal.hpp"
 #include "platform/module_entry.hpp"
 #include "platform/platform.hpp"
@@ -77,7 +78,7 @@ OwnFile& own_file() {
   return file;
 }
 
-[[gnu::constructor]] void attach_shared_object() {
+ZELK_AT_LOAD void attach_shared_object() {
   Dl_info info = {};
   OwnFile& file = own_file();
   if (dladdr(&file, &info) == 0) return attach(&file);
@@ -117,7 +118,7 @@ void close_thread_key() noexcept {
   if (thread_key().is_open.exchange(false)) pthread_key_delete(thread_key().key);
 }
 
-[[gnu::destructor]] void detach_shared_object() {
+ZELK_AT_UNLOAD void detach_shared_object() {
   close_thread_key();
   release_notes();
   detach();

@@ -4,8 +4,9 @@
 #include <cstring>
 #include <string_view>
 
-#include "base/list_walk.hpp"
+#include "base/list.hpp"
 #include "capi/attribute_text.hpp"
+#include "model/inline_name.hpp"
 #include "model/memory.hpp"
 #include "query/holding.hpp"
 #include "text/words.hpp"

@@ -4,16 +4,10 @@
 #ifndef ZELK_QUERY_HOLDING_HPP
 #define ZELK_QUERY_HOLDING_HPP
 
-#include "base/list_walk.hpp"
+#include "base/list.hpp"
 #include "zelk/database.hpp"
 
 namespace zelk {
-
-/// Whether the list has this very record.
-template <typename Record>
-bool contains(const Record* list, const Record& record) {
-  return find_first(list, [&record](const Record& other) { return &other == &record; });
-}
 
 // Whether the database's lists have this very record; of a signal or group, the message that it
 // names; of a link, as receiver, transmitter or access node.

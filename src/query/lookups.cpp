@@ -2,8 +2,9 @@
 
 #include <cstdint>
 
-#include "base/list_walk.hpp"
+#include "base/list.hpp"
 #include "database/database_lookup.hpp"
+#include "model/inline_name.hpp"
 #include "zelk/manager.hpp"
 #include "zelk/query.h"
 

@@ -1,33 +1,15 @@
 /// \file
-/// Appending to the singly linked lists of records without walking them each time.
+/// Appending to the lists inside records without walking them each time.
 
 #ifndef ZELK_READER_LIST_TAIL_HPP
 #define ZELK_READER_LIST_TAIL_HPP
 
 #include <unordered_map>
 
+#include "base/list.hpp"
 #include "model/release.hpp"
 
 namespace zelk {
-
-/// The end of one list, found once.
-template <typename Record>
-class ListTail {
- public:
-  explicit ListTail(Record*& head) : tail_(&head) { find_end(); }
-
-  void append(Record* records) {
-    *tail_ = records;
-    find_end();
-  }
-
- private:
-  void find_end() {
-    while (*tail_) tail_ = &(*tail_)->next;
-  }
-
-  Record** tail_;
-};
 
 /// The ends of the many lists inside records. Short lists are walked; of a list that has become
 /// long, the last end found is remembered.

@@ -7,6 +7,7 @@
 #include <unordered_set>
 
 #include "base/seeded_hash.hpp"
+#include "base/text_view.hpp"
 #include "model/cycle_search.hpp"
 #include "text/words.hpp"
 
@@ -14,8 +15,6 @@ namespace zelk {
 namespace {
 
 constexpr std::uint32_t kCountMax = 32767;  // sizes, positions and rates: the lexer's short numbers
-
-std::string_view view(const char* text) { return text ? text : ""; }
 
 /// An object without a name is written with a substitute.
 bool is_readable(const char* name, bool is_node) {

@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <functional>
 
+#include "base/text_view.hpp"
+
 namespace zelk {
 namespace {
 
@@ -13,8 +15,6 @@ constexpr int kNumbers = 1000;
 constexpr std::string_view kSubstitute = "invalidShortSymbolicName";
 
 bool fits(std::string_view name) { return !name.empty() && name.size() <= ZELK_INLINE_NAME_MAX; }
-
-std::string_view view(const char* text) { return text ? text : ""; }
 
 /// Calls `visit(kind, name)` for every object that has a name of its own.
 template <typename Visit>

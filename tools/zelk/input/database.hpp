@@ -4,12 +4,11 @@
 #ifndef ZELK_TOOL_INPUT_DATABASE_HPP
 #define ZELK_TOOL_INPUT_DATABASE_HPP
 
-#include <cstddef>
-#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "base/list.hpp"
 #include "input/text_encoding.hpp"
 #include "zelk/write_manager.hpp"
 #include "zelk/zelk.h"
@@ -82,49 +81,6 @@ std::string behind_path(const std::string& path, const std::string& line);
 /// What is to be told when `ZelkDatabase::SymbolsShortenedOnRead`.
 inline constexpr std::string_view kShortenedWarning =
     "names or units are longer than the library keeps, and were cut";
-
-/// A list of records as a range; see `each`.
-template <typename Record>
-class RecordRange {
- public:
-  class iterator {
-   public:
-    using value_type = Record;
-    using difference_type = std::ptrdiff_t;
-    iterator() = default;
-    explicit iterator(const Record* at) : at_(at) {}
-    const Record& operator*() const { return *at_; }
-    iterator& operator++() {
-      at_ = at_->next;
-      return *this;
-    }
-    iterator operator++(int) {
-      iterator before = *this;
-      ++*this;
-      return before;
-    }
-    bool operator==(const iterator&) const = default;
-
-   private:
-    const Record* at_ = nullptr;
-  };
-
-  explicit RecordRange(const Record* head) : head_(head) {}
-  iterator begin() const { return iterator(head_); }
-  iterator end() const { return iterator(); }
-  bool empty() const { return !head_; }
-  std::size_t size() const { return static_cast<std::size_t>(std::distance(begin(), end())); }
-
- private:
-  const Record* head_;
-};
-
-/// The list that starts at `head`; null is an empty one: `for (const sigblk& signal :
-/// each(message.signals))`.
-template <typename Record>
-RecordRange<Record> each(const Record* head) {
-  return RecordRange<Record>(head);
-}
 
 }  // namespace zelk::tool
 

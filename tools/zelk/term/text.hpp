@@ -9,10 +9,9 @@
 #include <string_view>
 #include <vector>
 
-namespace zelk::tool {
+#include "base/text_view.hpp"
 
-/// An owned text of a record; null reads as empty.
-inline std::string_view view(const char* text) { return text ? text : std::string_view(); }
+namespace zelk::tool {
 
 /// `text`, in UTF-8, fit for a terminal line: control characters become "\n", "\t", "\x1B", ...
 /// What is no UTF-8, such as the name of a file, stays as it is.

@@ -1,11 +1,13 @@
 /// \file
 /// Links records into singly linked lists, and takes them out.
 
-#ifndef ZELK_BASE_LIST_EDIT_HPP
-#define ZELK_BASE_LIST_EDIT_HPP
+#ifndef ZELK_MODEL_LIST_EDIT_HPP
+#define ZELK_MODEL_LIST_EDIT_HPP
 
 #include <atomic>
 #include <cstdint>
+
+#include "base/list.hpp"
 
 namespace zelk {
 
@@ -23,12 +25,6 @@ void count_list_change() {
 template <typename... Records>
 void count_list_changes() {
   (count_list_change<Records>(), ...);
-}
-
-template <typename Record>
-void link_in_front(Record*& head, Record* record) {
-  record->next = head;
-  head = record;
 }
 
 /// Links `record` in front of the one at position `index` (0: the first), or behind the last one

@@ -1,0 +1,59 @@
+/// \file
+/// What each compiler spells in its own way. No other source of the library asks for the compiler,
+/// but for the public `zelk/export.h`.
+
+#ifndef ZELK_BASE_COMPILER_HPP
+#define ZELK_BASE_COMPILER_HPP
+
+#include <cstdint>
+
+#if defined(_MSC_VER)
+#include <intrin.h>
+#include <stdlib.h>
+#endif
+
+// In front of a function definition. `ZELK_ALWAYS_INLINE`, `ZELK_NEVER_INLINE`: inlined wherever it
+// is called, or nowhere. `ZELK_AT_LOAD`, `ZELK_AT_UNLOAD`: called when the library is loaded or
+// unloaded; on Windows `DllMain` is, and sources of that system do without.
+#if defined(_MSC_VER)
+#define ZELK_ALWAYS_INLINE __forceinline
+#define ZELK_NEVER_INLINE __declspec(noinline)
+#else
+#define ZELK_ALWAYS_INLINE [[gnu::always_inline]] inline
+#define ZELK_NEVER_INLINE [[gnu::noinline]]
+#define ZELK_AT_LOAD [[gnu::constructor]]
+#define ZELK_AT_UNLOAD [[gnu::destructor]]
+#endif
+
+namespace zelk {
+
+/// The bytes in reverse order.
+inline std::uint64_t reversed_bytes(std::uint64_t word) {
+#if defined(_MSC_VER)
+  return _byteswap_uint64(word);
+#else
+  return __builtin_bswap64(word);
+#endif
+}
+
+/// The two halves of a 128-bit product.
+struct WideProduct {
+  std::uint64_t low;
+  std::uint64_t high;
+};
+
+inline WideProduct wide_product(std::uint64_t a, std::uint64_t b) {
+#if defined(_MSC_VER)
+  WideProduct product{};
+  product.low = _umul128(a, b, &product.high);
+  return product;
+#else
+  __extension__ using Wide = unsigned __int128;
+  const Wide product = static_cast<Wide>(a) * b;
+  return {static_cast<std::uint64_t>(product), static_cast<std::uint64_t>(product >> 64)};
+#endif
+}
+
+}  // namespace zelk
+
+#endif
