@@ -2,11 +2,12 @@
 
 #include <benchmark/benchmark.h>
 
+#include <memory>
 #include <string>
 
 #include "counters.hpp"
 #include "memory_peak.hpp"
-#include "model.hpp"
+#include "support/lists.hpp"
 #include "synthetic.hpp"
 
 namespace zelk::bench {
@@ -22,12 +23,12 @@ void read(benchmark::State& state) {
   const std::size_t before = reset_memory_peak();
   std::size_t peak = 0;
   for (auto _ : state) {
-    Model model;
-    const std::uint32_t error = model.read(file.path());
+    auto model = std::make_unique<Lists>();
+    const std::uint32_t error = model->try_read(file.path().c_str());
     if (error != 0) state.SkipWithError(zelk_get_error_text());
     state.PauseTiming();
     if (peak == 0) peak = memory_peak();
-    model.free();
+    model.reset();
     state.ResumeTiming();
   }
   count_bytes(state, size);

@@ -7,7 +7,8 @@
 #include <utility>
 
 #include "database/copier.hpp"
-#include "database/database_list.hpp"
+#include "database/file.hpp"
+#include "database/heads.hpp"
 #include "model/errors.hpp"
 #include "platform/platform.hpp"
 #include "zelk/exception.hpp"
@@ -63,22 +64,6 @@ bool run(ZelkDatabase& database, const char* option, std::uint32_t number, Call 
 void tell_missing_function(bool is_loaded) {
   zelk_note(ZELK_ERR_CONVERT, kNoLine,
             is_loaded ? "the module has no such function" : "the module cannot be loaded");
-}
-
-/// Exchanges what two databases hold.
-void swap_content(ZelkDatabase& a, ZelkDatabase& b) {
-  std::swap(a.nodes, b.nodes);
-  std::swap(a.messages, b.messages);
-  std::swap(a.env_vars, b.env_vars);
-  std::swap(a.bit_timings, b.bit_timings);
-  std::swap(a.attr_defs, b.attr_defs);
-  std::swap(a.attr_values, b.attr_values);
-  std::swap(a.categories, b.categories);
-  std::swap(a.filter, b.filter);
-  std::swap(a.comment, b.comment);
-  std::swap(a.user_data, b.user_data);
-  std::swap(a.signal_types, b.signal_types);
-  std::swap(a.value_tables, b.value_tables);
 }
 
 /// `file` with the extension, if it has one, replaced by ".DBC".
@@ -190,17 +175,10 @@ bool ZelkImporter::PostProcess(symblk* nodes, msgblk* messages, env_var_blk* env
 
 bool ZelkImporter::CopyDatabaseLists() try {
   ZelkDatabase filled;
-  zelk::swap_content(filled, *database_);
+  zelk::swap_content(zelk::heads_of(filled), zelk::heads_of(*database_));
   const bool is_complete = zelk::DatabaseCopier(filled, *database_).copy();
-  return PostProcess(
-             std::exchange(filled.nodes, nullptr), std::exchange(filled.messages, nullptr),
-             std::exchange(filled.env_vars, nullptr), std::exchange(filled.bit_timings, nullptr),
-             std::exchange(filled.attr_defs, nullptr), std::exchange(filled.attr_values, nullptr),
-             std::exchange(filled.categories, nullptr), std::exchange(filled.filter, {}),
-             std::exchange(filled.comment, nullptr), std::exchange(filled.user_data, nullptr),
-             std::exchange(filled.signal_types, nullptr),
-             std::exchange(filled.value_tables, nullptr)) &&
-         is_complete;
+  const auto post_process = [this](auto... parts) { return PostProcess(parts...); };
+  return std::apply(post_process, zelk::take(zelk::heads_of(filled)).all()) && is_complete;
 } catch (const ZelkException&) {  // already reported: raising appends to the error text
   return false;
 }

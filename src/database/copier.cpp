@@ -14,8 +14,6 @@
 namespace zelk {
 namespace {
 
-OwnedText copy_of(const char* text) { return text ? copy_text(text) : nullptr; }
-
 /// An inline text whose array a host has filled to the last byte has no end.
 template <std::size_t kSize>
 void terminate(char (&field)[kSize]) {

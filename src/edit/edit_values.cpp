@@ -13,8 +13,6 @@
 namespace zelk {
 namespace {
 
-OwnedText copy_of(const char* text) { return text ? copy_text(text) : nullptr; }
-
 void set_text(char*& field, const char* text) {
   edit_or_tell([&] { assign_text(field, copy_of(text)); });
 }

@@ -8,9 +8,9 @@
 #include <new>
 
 #include "base/list.hpp"
+#include "database/holding.hpp"
 #include "model/errors.hpp"
 #include "model/list_edit.hpp"
-#include "query/holding.hpp"
 #include "zelk/exception.hpp"
 #include "zelk/write_manager.hpp"
 

@@ -4,19 +4,20 @@
 
 #include <new>
 
-#include "database/process_lists.hpp"
+#include "database/file.hpp"
+#include "database/process_guard.hpp"
 #include "manager/manager_tables.hpp"
 #include "model/errors.hpp"
 #include "zelk/exception.hpp"
 #include "zelk/lock.hpp"
 
 ZelkWriteManager::ZelkWriteManager(void* thread) : ZelkManager(thread) {
-  const zelk::ListGuard guard;
+  const zelk::ProcessGuard guard;
   tables_->is_for_writing = true;
 }
 
 ZelkWriteManager::ZelkWriteManager(HWND window) : ZelkManager(window) {
-  const zelk::ListGuard guard;
+  const zelk::ProcessGuard guard;
   tables_->is_for_writing = true;
 }
 
@@ -29,7 +30,7 @@ bool ZelkWriteManager::LockAllDatabases(const char* reason) {
 }
 
 ZelkError ZelkWriteManager::CheckForWriteOpen(const char* path) const {
-  const zelk::ListGuard guard;
+  const zelk::ProcessGuard guard;
   for (const ZelkManagerNode* node = GetManagersList(); node; node = node->next) {
     if (OwnsForWrite(node->manager, path)) return ZelkErrorOpenForWrite;
   }

@@ -5,15 +5,21 @@
 #include <optional>
 #include <string>
 
-#include "database/process_lists.hpp"
+#include "database/process_guard.hpp"
+#include "database/registry.hpp"
+#include "manager/lock_list.hpp"
 #include "model/errors.hpp"
 #include "model/memory.hpp"
 #include "platform/hooks.hpp"
+#include "platform/immortal.hpp"
 #include "zelk/exception.hpp"
 
 namespace zelk {
 
-const LockList::Locks& lock_list() { return process_lists().locks.all(); }
+LockList& lock_list() {
+  static Immortal<LockList> locks;
+  return locks.get();
+}
 
 void LockList::insert(ZelkLock& lock) {
   const std::uint64_t number = taken_ + 1;
@@ -70,8 +76,8 @@ ZelkLock::ZelkLock(ZelkManager& manager, ZelkDatabase& database, const char* rea
       reason_(reason ? zelk::copy_text(reason).release() : nullptr) {}
 
 ZelkLock::~ZelkLock() {
-  const zelk::ListGuard guard;
-  zelk::process_lists().locks.remove(*this);
+  const zelk::ProcessGuard guard;
+  zelk::lock_list().remove(*this);
   zelk_mfree(reason_);
 }
 
@@ -88,31 +94,30 @@ void ZelkLock::FreeLock(ZelkManager& manager, ZelkDatabase& database) {
 }
 
 void ZelkLock::ListInsertLock(ZelkLock& lock) {
-  const zelk::ListGuard guard;
-  zelk::process_lists().locks.insert(lock);
+  const zelk::ProcessGuard guard;
+  zelk::lock_list().insert(lock);
 }
 
 void ZelkLock::ListRemoveLock(ZelkLock& lock) { delete &lock; }
 
 void ZelkLock::ListRemoveLocks(ZelkManager& manager) {
-  const zelk::ListGuard guard;
-  zelk::process_lists().locks.destroy(zelk::process_lists().locks.all(), manager);
+  const zelk::ProcessGuard guard;
+  zelk::LockList::destroy(zelk::lock_list().all(), manager);
 }
 
 /// Compared as instances: another one of the same file, read before it was touched, may be open
 /// here too and keeps its locks.
 void ZelkLock::ListRemoveLocks(ZelkManager& manager, ZelkDatabase& database) {
-  const zelk::ListGuard guard;
-  zelk::process_lists().locks.destroy(zelk::process_lists().locks.on(database), manager);
+  const zelk::ProcessGuard guard;
+  zelk::lock_list().destroy(zelk::lock_list().on(database), manager);
 }
 
 ZelkLock* ZelkLock::FindForeign(const ZelkManager& manager, const ZelkDatabase& database,
                                 bool write_locks_only) {
-  const zelk::ListGuard guard;
-  const zelk::ProcessLists& lists = zelk::process_lists();
+  const zelk::ProcessGuard guard;
   ZelkLock* newest = nullptr;
-  for (const ZelkDatabase* const instance : lists.databases.equal_to(database)) {
-    for (const auto& [number, lock] : lists.locks.on(*instance)) {
+  for (const ZelkDatabase* const instance : zelk::registry().equal_to(database)) {
+    for (const auto& [number, lock] : zelk::lock_list().on(*instance)) {
       const bool refuses =
           &lock->manager_ != &manager && (lock->IsWriteLock() || !write_locks_only);
       if (refuses && (!newest || newest->number_ < number)) newest = lock;
@@ -123,7 +128,7 @@ ZelkLock* ZelkLock::FindForeign(const ZelkManager& manager, const ZelkDatabase& 
 
 std::optional<std::string> ZelkLock::Refusal(const ZelkManager& manager,
                                              const ZelkDatabase& database, bool write_locks_only) {
-  const zelk::ListGuard guard;
+  const zelk::ProcessGuard guard;
   const ZelkLock* const refusing = FindForeign(manager, database, write_locks_only);
   return refusing ? std::optional(refusing->Message()) : std::nullopt;
 }
@@ -147,7 +152,7 @@ ZelkLock* ZelkLock::CreateUnlessRefused(ZelkManager& manager, const char* db, co
   }
   std::optional<std::string> refusal;
   {
-    const zelk::ListGuard guard;
+    const zelk::ProcessGuard guard;
     refusal = Refusal(manager, *database, !is_write_lock);
     if (!refusal) ListInsertLock(*lock);
   }

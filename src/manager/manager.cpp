@@ -7,12 +7,24 @@
 #include <thread>
 #include <utility>
 
-#include "database/process_lists.hpp"
+#include "database/file.hpp"
+#include "database/process_guard.hpp"
+#include "database/registry.hpp"
 #include "manager/manager_tables.hpp"
 #include "model/errors.hpp"
 #include "model/memory.hpp"
 #include "zelk/exception.hpp"
 #include "zelk/lock.hpp"
+
+namespace {
+
+/// The newest manager of the process; the mutex of `ProcessGuard` guards the list.
+ZelkManagerNode*& managers() {
+  static ZelkManagerNode* head = nullptr;
+  return head;
+}
+
+}  // namespace
 
 ZelkManager::ZelkManager(void* thread)
     : thread_(thread), tables_(std::make_unique<zelk::ManagerTables>()) {
@@ -32,14 +44,14 @@ ZelkManager::~ZelkManager() {
 }
 
 void ZelkManager::EnterManagersList() {
-  const zelk::ListGuard guard;
-  ZelkManagerNode*& head = zelk::process_lists().managers;
+  const zelk::ProcessGuard guard;
+  ZelkManagerNode*& head = managers();
   head = new ZelkManagerNode{*this, head};
 }
 
 void ZelkManager::LeaveManagersList() {
-  const zelk::ListGuard guard;
-  ZelkManagerNode*& head = zelk::process_lists().managers;
+  const zelk::ProcessGuard guard;
+  ZelkManagerNode*& head = managers();
   ZelkManagerNode** link = &head;
   while (*link && &(*link)->manager != this) link = &(*link)->next;
   if (*link) delete std::exchange(*link, (*link)->next);
@@ -47,18 +59,18 @@ void ZelkManager::LeaveManagersList() {
 }
 
 const ZelkManagerNode* ZelkManager::GetManagersList() {
-  const zelk::ListGuard guard;
-  return zelk::process_lists().managers;
+  const zelk::ProcessGuard guard;
+  return managers();
 }
 
 void ZelkManager::SetHandle(void* thread) {
-  const zelk::ListGuard guard;
+  const zelk::ProcessGuard guard;
   thread_ = thread;
   window_ = nullptr;
 }
 
 void ZelkManager::SetHandle(HWND window) {
-  const zelk::ListGuard guard;
+  const zelk::ProcessGuard guard;
   window_ = window;
   thread_ = nullptr;
 }
@@ -112,7 +124,7 @@ ZelkError ZelkManager::OpenAssigned(const char* path, const char** name, const c
       ReleaseDatabase(database, false);
       return ZelkErrorNameUsed;
     }
-    const zelk::ListGuard guard;
+    const zelk::ProcessGuard guard;
     if (IsWrittenByOtherThread(path)) {
       ReleaseDatabase(database, false);
       return ZelkErrorOpenForWrite;
@@ -131,7 +143,7 @@ ZelkError ZelkManager::OpenAssigned(const char* path, const char** name, const c
 /// Whether a manager owns a file for writing. One of another thread is not asked by its virtual
 /// operation, which may read what that thread changes.
 bool ZelkManager::OwnsForWrite(const ZelkManager& manager, const char* path) {
-  const zelk::ListGuard guard;
+  const zelk::ProcessGuard guard;
   if (manager.tables_->thread == std::this_thread::get_id())
     return manager.OwnsDatabaseForWrite(path);
   return manager.tables_->is_for_writing && manager.ListFindPath(path) != nullptr;
@@ -149,7 +161,7 @@ bool ZelkManager::IsWrittenByOtherThread(const char* path) const {
 
 /// Whether a manager that owns `file` for writing has `database`, which is of that file, open.
 bool ZelkManager::IsEdited(const ZelkDatabase& database, const char* file) {
-  const zelk::ListGuard guard;
+  const zelk::ProcessGuard guard;
   for (const ZelkManagerNode* node = GetManagersList(); node; node = node->next) {
     const bool has_it = node->manager.tables_->by_database.contains(&database);
     if (has_it && OwnsForWrite(node->manager, file)) return true;
@@ -226,7 +238,7 @@ void ZelkManager::CloseNode(DbListNode& node, bool keep_in_cache) {
 
 /// A database that finds no memory for its place in the cache is not kept.
 void ZelkManager::ReleaseDatabase(ZelkDatabase& database, bool keep_in_cache) {
-  const zelk::ListGuard guard;
+  const zelk::ProcessGuard guard;
   ZelkLock::FreeLock(*this, database);
   ZelkDatabase::DestroyDatabase(database, keep_in_cache && PutIntoCache(database));
 }
@@ -240,7 +252,7 @@ bool ZelkManager::PutIntoCache(ZelkDatabase& database) try {
 }
 
 void ZelkManager::FlushDatabaseCache() {
-  const zelk::ListGuard guard;
+  const zelk::ProcessGuard guard;
   while (!tables_->cache.empty()) {
     ZelkDatabase& database = **tables_->cache.begin();
     tables_->cache.erase(tables_->cache.begin());
@@ -251,12 +263,12 @@ void ZelkManager::FlushDatabaseCache() {
 }
 
 void ZelkManager::RemoveFromCache(ZelkDatabase& database) {
-  const zelk::ListGuard guard;
+  const zelk::ProcessGuard guard;
   tables_->cache.erase(&database);
 }
 
 void ZelkManager::ForgetCached(ZelkDatabase& database) {
-  const zelk::ListGuard guard;
+  const zelk::ProcessGuard guard;
   for (const ZelkManagerNode* node = GetManagersList(); node; node = node->next) {
     node->manager.RemoveFromCache(database);
   }
@@ -269,7 +281,7 @@ const char* ZelkManager::ListInsertDatabase(ZelkDatabase& database, const char* 
   zelk::OwnedText copy = zelk::copy_text(name);
   auto node = std::make_unique<DbListNode>(DbListNode{
       copy.get(), database, priority, {}, envvar_handle_base_, nullptr, nullptr, nullptr});
-  const zelk::ListGuard guard;
+  const zelk::ProcessGuard guard;
   tables_->thread = std::this_thread::get_id();
   tables_->enter(*node, databases_);
   const DbListNode& listed = *node.release();
@@ -279,7 +291,7 @@ const char* ZelkManager::ListInsertDatabase(ZelkDatabase& database, const char* 
 
 void ZelkManager::ListRemoveDatabase(DbListNode& node) {
   last_found_ = nullptr;
-  const zelk::ListGuard guard;
+  const zelk::ProcessGuard guard;
   tables_->leave(node, databases_);
   zelk_mfree(node.name);
   delete &node;
@@ -310,8 +322,8 @@ ZelkManager::DbListNode* ZelkManager::ListFindName(const char* text) const {
 ZelkManager::DbListNode* ZelkManager::ListFindPath(const char* path) const {
   if (!path || !databases_) return nullptr;
   const zelk::platform::FilePath file(path);
-  const zelk::ListGuard guard;
-  for (const ZelkDatabase* const database : zelk::process_lists().databases.of(file)) {
+  const zelk::ProcessGuard guard;
+  for (const ZelkDatabase* const database : zelk::registry().of(file)) {
     const auto found = tables_->by_database.find(database);
     if (found != tables_->by_database.end()) return found->second;
   }

@@ -1,14 +1,11 @@
 // Names and settings of open databases, and what else is asked about one by its name.
 
-#include "manager/names.hpp"
-
-#include <algorithm>
-#include <cstring>
 #include <new>
+#include <string_view>
 #include <utility>
 
 #include "base/list.hpp"
-#include "database/process_lists.hpp"
+#include "database/process_guard.hpp"
 #include "manager/manager_tables.hpp"
 #include "model/errors.hpp"
 #include "model/memory.hpp"
@@ -17,38 +14,19 @@
 
 namespace {
 
-constexpr std::uint32_t kFound = 0;
-constexpr std::uint32_t kNotFound = 2;
 constexpr int kExtendedMultiplexing = 1;
 
 }  // namespace
 
-bool ZelkVerifyDatabaseName(const char* text) {
-  const std::string_view name = text ? text : "";
-  return !name.empty() && name.size() <= zelk::kDatabaseNameMax && zelk::is_letter(name[0]) &&
-         std::all_of(name.begin(), name.end(), zelk::is_name_character);
-}
-
-bool ZelkSplitQualifiedName(char* text, const char** db, const char** object) {
-  if (db) *db = text;
-  if (object) *object = nullptr;
-  char* const colon = text ? std::strchr(text, ':') : nullptr;
-  const bool is_qualified = colon && colon[1] == ':';
-  if (!is_qualified || !db || !object) return is_qualified;
-  *colon = '\0';
-  *object = colon + 2;
-  return true;
-}
-
 const char* ZelkManager::GetUniqueDatabaseName(const char* text) {
   const DbListNode* const node = ListFindName(text);
-  status_ = node ? kFound : kNotFound;
+  status_ = node ? ZelkStatusOk : ZelkStatusNotFound;
   return node ? node->name : nullptr;
 }
 
 const char* ZelkManager::GetDatabasePath(const char* text) {
   const DbListNode* const node = ListFindName(text);
-  status_ = node ? kFound : kNotFound;
+  status_ = node ? ZelkStatusOk : ZelkStatusNotFound;
   return node ? node->database.path : nullptr;
 }
 
@@ -72,7 +50,7 @@ ZelkDatabase* ZelkManager::FindDatabase(const char* db) {
 }
 
 const char* ZelkManager::GetDatabaseName(const char* path) try {
-  status_ = kFound;
+  status_ = ZelkStatusOk;
   const DbListNode* const open = ListFindPath(path);
   if (open) return open->name;
   if (GetDatabaseFileInfo(path) == ZelkErrorOk) {
@@ -81,14 +59,14 @@ const char* ZelkManager::GetDatabaseName(const char* path) try {
     ReleaseDatabase(database, true);
     return name;
   }
-  status_ = kNotFound;
+  status_ = ZelkStatusNotFound;
   return nullptr;
 } catch (const ZelkException&) {  // already reported: raising appends to the error text
-  status_ = kNotFound;
+  status_ = ZelkStatusNotFound;
   return nullptr;
 } catch (const std::bad_alloc&) {
   zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
-  status_ = kNotFound;
+  status_ = ZelkStatusNotFound;
   return nullptr;
 }
 
@@ -106,7 +84,7 @@ ZelkError ZelkManager::SetDatabaseName(const char* db, const char** name, const 
 /// @return false when memory runs out
 bool ZelkManager::Rename(DbListNode& node, const char* name) try {
   zelk::OwnedText copy = zelk::copy_text(name);
-  const zelk::ListGuard guard;
+  const zelk::ProcessGuard guard;
   tables_->rename(node, copy.get());
   zelk::assign_text(node.name, std::move(copy));
   return true;
@@ -140,7 +118,7 @@ const ZelkSelectionPattern& ZelkManager::GetSelectionPattern(const char* db) {
 }
 
 const char* ZelkManager::GetDbNameBySelectionPattern(const ZelkSelection& selection) {
-  status_ = kFound;
+  status_ = ZelkStatusOk;
   const DbListNode* partial = nullptr;
   const DbListNode* any = nullptr;
   for (const DbListNode* node = databases_; node; node = node->next) {
@@ -148,7 +126,7 @@ const char* ZelkManager::GetDbNameBySelectionPattern(const ZelkSelection& select
     if (node->pattern.IsPartial(selection)) partial = node;
     if (node->pattern.IsCatchAll()) any = node;
   }
-  status_ = kNotFound;
+  status_ = ZelkStatusNotFound;
   const DbListNode* const best = partial ? partial : any;
   return best ? best->name : nullptr;
 }

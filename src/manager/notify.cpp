@@ -6,7 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "database/process_lists.hpp"
+#include "database/process_guard.hpp"
+#include "database/registry.hpp"
 #include "manager/manager_tables.hpp"
 #include "model/errors.hpp"
 #include "platform/hooks.hpp"
@@ -40,8 +41,8 @@ void ZelkManager::NotifyChanges(const ZelkManager& sender, const ZelkDatabase& d
   std::vector<zelk_notification> news = {
       {ZELK_NOTIFY_ALL_WINDOWS, nullptr, message_number(), 0, nullptr}};
   {
-    const zelk::ListGuard guard;
-    const auto equal = zelk::process_lists().databases.equal_to(database);
+    const zelk::ProcessGuard guard;
+    const auto equal = zelk::registry().equal_to(database);
     sender.AddNews(equal, sender, news);
     for (const ZelkManagerNode* node = GetManagersList(); node; node = node->next) {
       if (&node->manager != &sender) node->manager.AddNews(equal, sender, news);
@@ -55,8 +56,8 @@ void ZelkManager::NotifyChanges(const ZelkManager& sender, const ZelkDatabase& d
 void ZelkManager::NotifyChanges(const ZelkDatabase& database, const ZelkManager& sender) const try {
   std::vector<zelk_notification> news;
   {
-    const zelk::ListGuard guard;
-    AddNews(zelk::process_lists().databases.equal_to(database), sender, news);
+    const zelk::ProcessGuard guard;
+    AddNews(zelk::registry().equal_to(database), sender, news);
   }
   send(news);
 } catch (const std::bad_alloc&) {

@@ -27,6 +27,9 @@ void* allocate(std::size_t size);
 /// A NUL-terminated copy of `text`; reports error 24, which raises, when the heap is exhausted.
 OwnedText copy_text(std::string_view text);
 
+/// `copy_text` of a text that may be null; null gives null.
+inline OwnedText copy_of(const char* text) { return text ? copy_text(text) : nullptr; }
+
 /// A zero-filled record for which there is no public creation function; reports error 24 likewise.
 template <typename Record>
 Record* create_record() {

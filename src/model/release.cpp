@@ -98,6 +98,24 @@ void release_list(valtable* list) { release_with_members(list); }
 void release_list(sigtype* list) { release_with_members(list); }
 void release_list(attr_def* list) { release_with_members(list); }
 
+void release(const ModelHeads& model) {
+  count_list_changes<symblk, msgblk, env_var_blk, btlblk, cat, sigtype, valtable, attr_def>();
+  const ModelContent gone = take(model);
+  zelk_mfree(gone.comment);
+  zelk_mfree(gone.version);
+  release_list(gone.net_attrs);
+  release_list(gone.bit_timings);
+  release_list(gone.env_vars);
+  release_list(gone.val_tables);
+  release_list(gone.messages);
+  release_list(gone.nodes);
+  release_list(gone.sig_types);
+  release_list(gone.filter.nodes);
+  release_list(gone.filter.categories);
+  release_list(gone.categories);
+  release_list(gone.attr_defs);  // last: attribute values of all others refer to them
+}
+
 }  // namespace zelk
 
 extern "C" {
@@ -107,24 +125,9 @@ void zelk_free_mode_cache(void) {}
 void zelk_free(symblk* nodes, msgblk* messages, env_var_blk* env_vars, btlblk* bit_timings,
                attr_def* attr_defs, attr* db_attrs, cat* categories, filter_t* filter,
                char* comment, char* version, sigtype* sigtypes, valtable* valtables) {
-  zelk_free_mode_cache();
-  zelk::count_list_changes<symblk, msgblk, env_var_blk, btlblk, cat, sigtype, valtable, attr_def>();
-  zelk_mfree(comment);
-  zelk_mfree(version);
-  zelk::release_list(db_attrs);
-  zelk::release_list(bit_timings);
-  zelk::release_list(env_vars);
-  zelk::release_list(valtables);
-  zelk::release_list(messages);
-  zelk::release_list(nodes);
-  zelk::release_list(sigtypes);
-  if (filter) {
-    zelk::release_list(filter->nodes);
-    zelk::release_list(filter->categories);
-    *filter = {};
-  }
-  zelk::release_list(categories);
-  zelk::release_list(attr_defs);  // last: attribute values of all others refer to them
+  filter_t no_filter = {};
+  zelk::release({nodes, messages, env_vars, bit_timings, attr_defs, db_attrs, categories,
+                 filter ? *filter : no_filter, comment, version, sigtypes, valtables});
 }
 
 }  // extern "C"

@@ -7,6 +7,7 @@
 #include <memory>
 #include <utility>
 
+#include "model/heads.hpp"
 #include "model/list_edit.hpp"
 #include "zelk/model.h"
 
@@ -41,6 +42,9 @@ void release_list(cat* list);
 void release_list(valtable* list);
 void release_list(sigtype* list);
 void release_list(attr_def* list);
+
+/// Releases the whole of a database, and leaves its heads empty.
+void release(const ModelHeads& model);
 
 /// Releases one record, which is in no list any more, and all that it owns.
 template <typename Record>

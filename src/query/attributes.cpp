@@ -8,7 +8,7 @@
 #include "capi/attribute_text.hpp"
 #include "model/inline_name.hpp"
 #include "model/memory.hpp"
-#include "query/holding.hpp"
+#include "database/holding.hpp"
 #include "text/words.hpp"
 #include "zelk/exception.hpp"
 #include "zelk/iterator.hpp"

@@ -3,7 +3,7 @@
 #include <cstdint>
 
 #include "base/list.hpp"
-#include "database/database_lookup.hpp"
+#include "database/lookup.hpp"
 #include "model/inline_name.hpp"
 #include "zelk/manager.hpp"
 #include "zelk/query.h"

@@ -9,7 +9,7 @@
 #include <unordered_map>
 
 #include "base/seeded_hash.hpp"
-#include "reader/model_heads.hpp"
+#include "model/heads.hpp"
 
 namespace zelk {
 

@@ -7,16 +7,16 @@
 
 namespace zelk {
 
-ReadContext::ReadContext(const ModelHeads& heads, platform::File file)
-    : model(heads),
+ReadContext::ReadContext(const ReadTarget& target, platform::File file)
+    : model(target),
       lexer(std::move(file)),
-      index(heads),
-      nodes(heads.nodes),
-      messages(heads.messages),
-      env_vars(heads.env_vars),
-      categories(heads.categories),
-      types(heads.sig_types),
-      tables(heads.val_tables) {}
+      index(target),
+      nodes(target.nodes),
+      messages(target.messages),
+      env_vars(target.env_vars),
+      categories(target.categories),
+      types(target.sig_types),
+      tables(target.val_tables) {}
 
 void ReadContext::note(std::uint32_t number, std::string_view text) const {
   zelk_note(number, lexer.line(), std::string(text).c_str());

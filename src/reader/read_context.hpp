@@ -12,8 +12,8 @@
 #include "model/release.hpp"
 #include "reader/lexer.hpp"
 #include "reader/list_tail.hpp"
-#include "reader/model_heads.hpp"
 #include "reader/model_index.hpp"
+#include "reader/read.hpp"
 #include "reader/token.hpp"
 #include "zelk/errors.h"
 
@@ -21,9 +21,9 @@ namespace zelk {
 
 /// The state of a read, but for what the statements of one subject keep to themselves.
 struct ReadContext {
-  ReadContext(const ModelHeads& heads, platform::File file);
+  ReadContext(const ReadTarget& target, platform::File file);
 
-  ModelHeads model;
+  ReadTarget model;
   Lexer lexer;
   ModelIndex index;
   ListTail<symblk> nodes;

@@ -20,11 +20,11 @@ void Reader::accept() {
 namespace {
 
 /// Memory that runs out is an error like any other.
-int open_and_read(const char* file_name, const ModelHeads& heads) {
+int open_and_read(const char* file_name, const ReadTarget& target) {
   try {
     platform::File file = platform::open_for_reading(file_name);
     if (!file) zelk_report(ZELK_ERR_NOT_FOUND, kNoLine, file_name, 1);
-    return Reader(heads, std::move(file)).run();
+    return Reader(target, std::move(file)).run();
   } catch (const ZelkException&) {
     error_state().read_error_reported = true;  // also when memory for a text ran out
     throw;
@@ -34,15 +34,16 @@ int open_and_read(const char* file_name, const ModelHeads& heads) {
   }
 }
 
-std::uint32_t read_file(const char* file_name, const ModelHeads& heads) {
+}  // namespace
+
+std::uint32_t read_file(const char* file_name, const ReadTarget& target) {
   reset_new_symbols();
-  if (!heads.version) heads.version = copy_text("").release();
+  if (!target.version) target.version = copy_text("").release();
   error_state().read_error_reported = false;
   if (!file_name) return ZELK_OK;
-  return static_cast<std::uint32_t>(open_and_read(file_name, heads));
+  return static_cast<std::uint32_t>(open_and_read(file_name, target));
 }
 
-}  // namespace
 }  // namespace zelk
 
 extern "C" {
@@ -52,8 +53,9 @@ uint32_t zelk_read(const char* file_name, symblk** nodes, msgblk** messages, env
                    filter_t* filter, char** db_comment, char** version, sigtype** sig_types,
                    valtable** val_tables, attr_def* slots[4]) {
   return zelk::read_file(
-      file_name, {*nodes, *messages, *env_vars, *bit_timings, *attr_defs, *net_attrs, *categories,
-                  *filter, *db_comment, *version, *sig_types, *val_tables, slots});
+      file_name, {{*nodes, *messages, *env_vars, *bit_timings, *attr_defs, *net_attrs, *categories,
+                   *filter, *db_comment, *version, *sig_types, *val_tables},
+                  slots});
 }
 
 uint32_t zelk_try_read(const char* file_name, symblk** nodes, msgblk** messages,

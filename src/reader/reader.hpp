@@ -17,9 +17,9 @@ namespace zelk {
 /// owned by one of them, so that an exception loses nothing.
 class Reader {
  public:
-  /// @param heads  the caller's lists; they must outlive the reader
-  /// @param file   an open file
-  Reader(const ModelHeads& heads, platform::File file) : context(heads, std::move(file)) {}
+  /// @param target  the caller's lists; they must outlive the reader
+  /// @param file    an open file
+  Reader(const ReadTarget& target, platform::File file) : context(target, std::move(file)) {}
   Reader(const Reader&) = delete;
   Reader& operator=(const Reader&) = delete;
 

@@ -181,7 +181,7 @@ void Writer::number_or_text(bool is_text, zelk_attr_value_t value) {
 // --- Values of objects ---
 
 void Writer::values() {
-  for (const attr* value = model_.db_attrs; value; value = value->next) this->value("BA_ ", *value);
+  for (const attr* value = model_.net_attrs; value; value = value->next) this->value("BA_ ", *value);
   for (const symblk* node = model_.nodes; node; node = node->next) {
     object_values(node->attrs, "BU_ ", name(*node), ' ');
     long_name(NamedKind::kNode, node->name, "BU_ ", name(*node), ' ');

@@ -104,7 +104,7 @@ class Check {
     each(model_.env_vars);
     each(model_.sig_types);
     each(model_.attr_defs);
-    values(model_.db_attrs, [] { return std::string("the database"); });
+    values(model_.net_attrs, [] { return std::string("the database"); });
     each(model_.categories);
     filter();
     if (any(model_.messages, [](const msgblk& m) { return count_multiplexors(m) > 1; })) cycles();

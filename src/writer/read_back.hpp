@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-#include "writer/model_view.hpp"
+#include "model/heads.hpp"
 
 namespace zelk {
 

@@ -13,7 +13,7 @@
 #include <unordered_set>
 
 #include "base/seeded_hash.hpp"
-#include "writer/model_view.hpp"
+#include "model/heads.hpp"
 
 namespace zelk {
 

@@ -4,7 +4,7 @@
 #ifndef ZELK_WRITER_WRITE_HPP
 #define ZELK_WRITER_WRITE_HPP
 
-#include "writer/model_view.hpp"
+#include "model/heads.hpp"
 
 namespace zelk {
 

@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "base/seeded_hash.hpp"
-#include "writer/model_view.hpp"
+#include "model/heads.hpp"
 #include "writer/short_names.hpp"
 #include "writer/text_output.hpp"
 

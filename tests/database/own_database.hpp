@@ -11,7 +11,7 @@
 #include <string_view>
 #include <tuple>
 
-#include "database/database_list.hpp"
+#include "database/registry.hpp"
 #include "support/building.hpp"
 #include "support/database.hpp"
 #include "support/folder.hpp"
@@ -61,7 +61,7 @@ inline std::string describe(const ZelkDatabase& d) {
 class DatabaseTest : public testing::Test {
  protected:
   void SetUp() override { zelk_clear_error_text(); }
-  void TearDown() override { EXPECT_TRUE(zelk::database_list().empty()); }
+  void TearDown() override { EXPECT_TRUE(zelk::registry().all().empty()); }
 
   const Folder folder_;
 };

@@ -77,7 +77,7 @@ TEST_F(Locks, AreOfManagersAndFiles) {
   ASSERT_TRUE(take(true, holder, after, "after"));
   holder.CloseDatabase(before, false);
   ASSERT_EQ(locks_alive(), 1) << "another instance keeps its lock";
-  EXPECT_STREQ(zelk::lock_list().begin()->second->Reason(), "after");
+  EXPECT_STREQ(zelk::lock_list().all().begin()->second->Reason(), "after");
 }
 
 TEST_F(Locks, OfAllDatabases) {
@@ -127,7 +127,7 @@ TEST_F(Locks, AreFreed) {
       EXPECT_EQ(locks_alive(), c.left) << c.what;
     }
     ASSERT_EQ(locks_alive(), 1) << c.what;
-    EXPECT_STREQ(zelk::lock_list().begin()->second->Reason(), "other") << c.what;
+    EXPECT_STREQ(zelk::lock_list().all().begin()->second->Reason(), "other") << c.what;
   }
 }
 

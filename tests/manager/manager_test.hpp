@@ -7,8 +7,8 @@
 #include <iterator>
 #include <string>
 
-#include "database/database_list.hpp"
-#include "database/lock_list.hpp"
+#include "database/registry.hpp"
+#include "manager/lock_list.hpp"
 #include "support/folder.hpp"
 #include "support/host.hpp"
 
@@ -16,11 +16,11 @@ inline constexpr char kDatabase[] = "BS_:\nBU_: A\n";
 inline constexpr char kFaulty[] = "BS_:\nBU_: A\nBO_ 1\n";
 
 inline std::ptrdiff_t databases_alive() {
-  return std::distance(zelk::database_list().begin(), zelk::database_list().end());
+  return std::distance(zelk::registry().all().begin(), zelk::registry().all().end());
 }
 
 inline std::ptrdiff_t locks_alive() {
-  return std::distance(zelk::lock_list().begin(), zelk::lock_list().end());
+  return std::distance(zelk::lock_list().all().begin(), zelk::lock_list().all().end());
 }
 
 /// Managers live in the body of a test, so that all must be gone at its end.

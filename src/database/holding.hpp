@@ -1,24 +1,22 @@
 /// \file
 /// Which database holds a record, and what kind of object that is.
 
-#ifndef ZELK_QUERY_HOLDING_HPP
-#define ZELK_QUERY_HOLDING_HPP
+#ifndef ZELK_DATABASE_HOLDING_HPP
+#define ZELK_DATABASE_HOLDING_HPP
 
 #include "base/list.hpp"
+#include "database/lookup.hpp"
 #include "zelk/database.hpp"
 
 namespace zelk {
 
-// Whether the database's lists have this very record; of a signal or group, the message that it
-// names; of a link, as receiver, transmitter or access node.
-bool holds(const ZelkDatabase& database, const symblk& node);
-bool holds(const ZelkDatabase& database, const msgblk& message);
-bool holds(const ZelkDatabase& database, const env_var_blk& variable);
-bool holds(const ZelkDatabase& database, const btlblk& bit_timing);
-bool holds(const ZelkDatabase& database, const cat& category);
-bool holds(const ZelkDatabase& database, const sigtype& type);
-bool holds(const ZelkDatabase& database, const valtable& table);
-bool holds(const ZelkDatabase& database, const attr_def& definition);
+/// Whether the database's lists have this very record.
+template <typename Record>
+bool holds(const ZelkDatabase& database, const Record& record) {
+  return contains<Record>(DatabaseLookup::list<Record>(database), record);
+}
+// Of a signal or group the message that it names counts; a link may be that of a receiver, a
+// transmitter or an access node.
 bool holds(const ZelkDatabase& database, const sigblk& signal);
 bool holds(const ZelkDatabase& database, const siggroupblk& group);
 bool holds(const ZelkDatabase& database, const rxblk& link);

@@ -1,40 +1,19 @@
-#include "database/database_list.hpp"
+#include "database/registry.hpp"
 
 #include <algorithm>
 #include <iterator>
 
-#include "database/process_lists.hpp"
+#include "database/file.hpp"
+#include "platform/immortal.hpp"
 
 namespace zelk {
 
-DatabaseFile::Path DatabaseFile::of(const ZelkDatabase& database) {
-  if (!database.path) return nullptr;
-  if (database.file_ && database.file_->text == database.path) return database.file_;
-  return std::make_shared<const platform::FilePath>(database.path);
+DatabaseRegistry& registry() {
+  static Immortal<DatabaseRegistry> databases;
+  return databases.get();
 }
 
-bool is_file_of(const ZelkDatabase& database, const platform::FilePath& file) {
-  return DatabaseFile::is(database, file);
-}
-
-bool DatabaseFile::is(const ZelkDatabase& database, const platform::FilePath& file) {
-  const ListGuard guard;
-  const Path own = of(database);
-  if (!own || !platform::is_same_path(*own, file)) return false;
-  const auto status = platform::file_status(file.absolute.c_str());
-  if (!status) return false;
-  return database.is_being_saved_ || status->modified.ticks == database.file_time;
-}
-
-ZelkError writability(const char* path) {
-  const auto status = platform::file_status(path);
-  if (!status) return ZelkErrorFileNotFound;
-  return status->owner_may_write ? ZelkErrorOk : ZelkErrorReadOnly;
-}
-
-const std::list<ZelkDatabase*>& database_list() { return process_lists().databases.all(); }
-
-void DatabaseList::insert(ZelkDatabase& database) {
+void DatabaseRegistry::insert(ZelkDatabase& database) {
   const DatabaseFile::Path file = DatabaseFile::of(database);
   all_.push_front(&database);
   try {
@@ -47,7 +26,7 @@ void DatabaseList::insert(ZelkDatabase& database) {
   }
 }
 
-void DatabaseList::remove(const ZelkDatabase& database) noexcept {
+void DatabaseRegistry::remove(const ZelkDatabase& database) noexcept {
   const auto place = places_.find(&database);
   if (place == places_.end()) return;
   remove_key(place->second.key, database);
@@ -55,7 +34,7 @@ void DatabaseList::remove(const ZelkDatabase& database) noexcept {
   places_.erase(place);
 }
 
-void DatabaseList::rekey(ZelkDatabase& database, const std::string& key) {
+void DatabaseRegistry::rekey(ZelkDatabase& database, const std::string& key) {
   const auto place = places_.find(&database);
   if (place == places_.end() || place->second.key == key) return;
   std::string copy = key;
@@ -64,31 +43,31 @@ void DatabaseList::rekey(ZelkDatabase& database, const std::string& key) {
   place->second.key.swap(copy);
 }
 
-void DatabaseList::remove_key(const std::string& key, const ZelkDatabase& database) noexcept {
+void DatabaseRegistry::remove_key(const std::string& key, const ZelkDatabase& database) noexcept {
   const auto found = by_key_.find(key);
   if (found == by_key_.end()) return;
   std::erase(found->second, &database);
   if (found->second.empty()) by_key_.erase(found);
 }
 
-std::vector<ZelkDatabase*> DatabaseList::of(const platform::FilePath& file) const {
+std::vector<ZelkDatabase*> DatabaseRegistry::of(const platform::FilePath& file) const {
   std::vector<ZelkDatabase*> found;
   const auto candidates = by_key_.find(file.key);
   if (candidates == by_key_.end()) return found;
   std::copy_if(candidates->second.begin(), candidates->second.end(), std::back_inserter(found),
-               [&file](const ZelkDatabase* database) { return is_file_of(*database, file); });
+               [&file](const ZelkDatabase* database) { return DatabaseFile::is(*database, file); });
   std::sort(found.begin(), found.end(), [this](const ZelkDatabase* a, const ZelkDatabase* b) {
     return places_.at(a).number > places_.at(b).number;
   });
   return found;
 }
 
-ZelkDatabase* DatabaseList::find(const platform::FilePath& file) const {
+ZelkDatabase* DatabaseRegistry::find(const platform::FilePath& file) const {
   const std::vector<ZelkDatabase*> found = of(file);
   return found.empty() ? nullptr : found.front();
 }
 
-std::vector<const ZelkDatabase*> DatabaseList::equal_to(const ZelkDatabase& database) const {
+std::vector<const ZelkDatabase*> DatabaseRegistry::equal_to(const ZelkDatabase& database) const {
   std::vector<const ZelkDatabase*> equal = {&database};
   const DatabaseFile::Path file = DatabaseFile::of(database);
   if (!file) return equal;

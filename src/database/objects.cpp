@@ -6,9 +6,9 @@
 
 #include "base/list.hpp"
 #include "capi/attribute_text.hpp"
-#include "database/database_index.hpp"
-#include "database/database_lookup.hpp"
+#include "database/index.hpp"
 #include "database/list_ends.hpp"
+#include "database/lookup.hpp"
 #include "model/errors.hpp"
 #include "model/list_edit.hpp"
 #include "model/symbols.hpp"

@@ -1,8 +1,8 @@
 /// \file
 /// The process's locks.
 
-#ifndef ZELK_DATABASE_LOCK_LIST_HPP
-#define ZELK_DATABASE_LOCK_LIST_HPP
+#ifndef ZELK_MANAGER_LOCK_LIST_HPP
+#define ZELK_MANAGER_LOCK_LIST_HPP
 
 #include <cstdint>
 #include <functional>
@@ -35,8 +35,8 @@ class LockList {
   std::uint64_t taken_ = 0;
 };
 
-/// All locks of the process.
-const LockList::Locks& lock_list();
+/// The process's, guarded by `ProcessGuard`; never destroyed.
+LockList& lock_list();
 
 }  // namespace zelk
 

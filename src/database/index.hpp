@@ -1,8 +1,8 @@
 /// \file
 /// An index over the objects of a database that no host can change.
 
-#ifndef ZELK_DATABASE_DATABASE_INDEX_HPP
-#define ZELK_DATABASE_DATABASE_INDEX_HPP
+#ifndef ZELK_DATABASE_INDEX_HPP
+#define ZELK_DATABASE_INDEX_HPP
 
 #include <cstdint>
 #include <deque>

@@ -1,4 +1,4 @@
-#include "database/database_index.hpp"
+#include "database/index.hpp"
 
 #include <algorithm>
 #include <array>
@@ -8,6 +8,7 @@
 #include "codec/j1939.hpp"
 
 namespace zelk {
+
 template <typename Record>
 HashTable<std::uint64_t, Record*> DatabaseIndex::by_name(Record* list) const {
   HashTable<std::uint64_t, Record*> table(each(list).size());

@@ -1,0 +1,24 @@
+/// \file
+/// Reading a DBC file into lists.
+
+#ifndef ZELK_READER_READ_HPP
+#define ZELK_READER_READ_HPP
+
+#include <cstdint>
+
+#include "model/heads.hpp"
+
+namespace zelk {
+
+/// The caller's lists that a read extends.
+struct ReadTarget : ModelHeads {
+  attr_def** slots;  ///< four, in the order of `kLongNameAttributes`; null allowed. Only compared
+                     ///< and set: what a caller left there may be no record
+};
+
+/// What `zelk_read` does.
+std::uint32_t read_file(const char* file_name, const ReadTarget& target);
+
+}  // namespace zelk
+
+#endif
