@@ -1,332 +1,216 @@
 /// \file
-/// The form of a document: which keys its objects have, in which order, and the fields of the
-/// records that they stand for. One description serves both directions, with the inputs or the
-/// outputs for `Object` and `Value`. docs/json.md describes it for users.
+/// The form of a document: for each object its keys in their order, the fields of the record that
+/// they stand for, and how they do. The reader and the writer both follow these tables.
+/// docs/json.md describes the form for users.
 
 #ifndef ZELK_MODULES_JSON_FORM_HPP
 #define ZELK_MODULES_JSON_FORM_HPP
 
 #include <cstdint>
-#include <string_view>
-#include <unordered_map>
+#include <functional>
+#include <string>
+#include <tuple>
 
-#include "json/references.hpp"
+#include "base/encoding.hpp"
+#include "json/document.hpp"
+#include "json/keys.hpp"
 #include "json/words.hpp"
 
 namespace zelk::modules::json {
 
 /// All that a database is made of.
 struct Database {
-  msgblk*& messages;
-  symblk*& nodes;
-  env_var_blk*& env_vars;
-  attr_def*& attr_defs;
-  attr*& attr_values;
-  btlblk*& bit_timings;
-  cat*& categories;
-  filter_t& filter;
-  char*& comment;
-  char*& version_text;
-  sigtype*& signal_types;
-  valtable*& value_tables;
+  template <typename Field>
+  using Ref = std::reference_wrapper<Field>;
+
+  Ref<msgblk*> messages;
+  Ref<symblk*> nodes;
+  Ref<env_var_blk*> env_vars;
+  Ref<attr_def*> attr_defs;
+  Ref<attr*> attr_values;
+  Ref<btlblk*> bit_timings;
+  Ref<cat*> categories;
+  Ref<filter_t> filter;
+  Ref<char*> comment;
+  Ref<char*> version_text;
+  Ref<sigtype*> signal_types;
+  Ref<valtable*> value_tables;
 };
 
-/// Number of records, or 65535 when there are more.
-template <typename Record>
-std::uint16_t count_16(const Record* list) {
-  std::uint16_t count = 0;
-  for (; list && count < 65535; list = list->next) ++count;
-  return count;
+inline constexpr std::uint16_t kTypeFlags = ZELK_SIGNAL_MOTOROLA | ZELK_SIGNAL_SIGNED;
+inline constexpr std::uint16_t kSignalFlags = kTypeFlags | ZELK_SIGNAL_MULTIPLEXOR;
+
+constexpr OtherBits bits_beyond(std::uint16_t known) {
+  return {static_cast<std::uint16_t>(~known)};
 }
 
-/// A signal that selects itself, directly or by others; null when there is none.
-inline const sigblk* find_circle(const sigblk* signals) {
-  std::unordered_map<const sigblk*, const sigblk*> seen;  // and from where
-  for (const sigblk* start = signals; start; start = start->next) {
-    const sigblk* signal = start->mux_signal ? start : nullptr;
-    while (signal && seen.emplace(signal, start).second) signal = signal->mux_signal;
-    if (signal && seen[signal] == start) return signal;
-  }
-  return nullptr;
+inline bool is_enum(const attr_def& definition) { return definition.value_type == ZELK_ATTR_ENUM; }
+inline bool is_no_enum(const attr_def& definition) { return !is_enum(definition); }
+inline bool has_text(const attr_def& definition) {
+  return is_enum(definition) || definition.value_type == ZELK_ATTR_STRING;
 }
-
-template <typename Object>
-class Form {
- public:
-  explicit Form(Object& document) : document_(document) {}
-
-  void database(const Database& database);
-
- private:
-  static constexpr bool kReads = Object::kReads;
-
-  template <typename Record, typename Fill>
-  static void objects(Object& object, std::string_view key, Record*& head, Fill fill) {
-    object.list(key, head, [&fill](const auto& value, Record& record) {
-      value.object([&](Object& element) { fill(element, record); });
-    });
-  }
-
-  void definition(Object& object, attr_def& definition);
-  void attributes(Object& object, attr*& head, std::int32_t kind);
-  static void descriptions(Object& object, val*& head);
-  void links(Object& object, std::string_view key, rxblk*& head, std::int32_t kind);
-  void signal_type(Object& object, sigtype& type);
-  void node(Object& object, symblk& node);
-  void message(Object& object, msgblk& message);
-  void signal(Object& object, sigblk& signal, const References<sigblk>& signals);
-  static void ranges(Object& object, muxor_val_range*& head);
-  static void group(Object& object, siggroupblk& group, const References<sigblk>& signals);
-  void variable(Object& object, env_var_blk& variable);
-  void filter(Object& object, filter_t& filter);
-
-  Object& document_;
-  Lists lists_;
-};
-
-// --- Implementation ---
-
-template <typename Object>
-void Form<Object>::database(const Database& database) {
-  Object& object = document_;
-  object.text("version_text", database.version_text);
-  object.text("comment", database.comment);
-  objects(object, "bit_timings", database.bit_timings, [](Object& element, btlblk& timing) {
-    element.at("baudrate").whole(timing.baudrate);
-    element.at("btr1").whole(timing.btr1);
-    element.at("btr2").whole(timing.btr2);
-  });
-  objects(object, "attribute_definitions", database.attr_defs,
-          [this](Object& element, attr_def& record) { definition(element, record); });
-  lists_.definitions.index(database.attr_defs);
-  attributes(object, database.attr_values, ZELK_OBJ_NETWORK);
-  objects(object, "categories", database.categories, [](Object& element, cat& category) {
-    element.at("name").inline_text(category.name);
-    element.at("number").whole(category.number);
-    element.whole("level", category.level, std::uint16_t{0});
-  });
-  lists_.categories.index(database.categories);
-  objects(object, "value_tables", database.value_tables, [](Object& element, valtable& table) {
-    element.at("name").inline_text(table.name);
-    descriptions(element, table.values);
-  });
-  lists_.value_tables.index(database.value_tables);
-  objects(object, "signal_types", database.signal_types,
-          [this](Object& element, sigtype& type) { signal_type(element, type); });
-  lists_.signal_types.index(database.signal_types);
-  objects(object, "nodes", database.nodes,
-          [this](Object& element, symblk& record) { node(element, record); });
-  lists_.nodes.index(database.nodes);
-  objects(object, "messages", database.messages,
-          [this](Object& element, msgblk& record) { message(element, record); });
-  objects(object, "environment_variables", database.env_vars,
-          [this](Object& element, env_var_blk& record) { variable(element, record); });
-  filter(object, database.filter);
+inline bool has_number(const attr_def& definition) { return !has_text(definition); }
+inline bool is_text(const attr& value) {
+  return value.def && value.def->value_type == ZELK_ATTR_STRING;
 }
+inline bool is_number(const attr& value) { return value.def && !is_text(value); }
 
-// --- Attributes ---
+inline auto& format_of(const Database&) { return kFormat; }
+inline auto& version_of(const Database&) { return kVersion; }
+inline auto& encoding_of(const Database&) { return kEncodings[0]; }
+
+/// The encoding of the text is found out when the rest is written.
+template <>
+inline constexpr auto kKeys<Database> = std::tuple(
+    key("format", format_of, Fixed()), key("version", version_of, Fixed()),
+    key("encoding", encoding_of, Fixed()), key("version_text", &Database::version_text, Optional()),
+    key("comment", &Database::comment, Optional()),
+    key("bit_timings", &Database::bit_timings, List()),
+    key("attribute_definitions", &Database::attr_defs, List()),
+    key("attributes", &Database::attr_values, List{ZELK_OBJ_NETWORK}),
+    key("categories", &Database::categories, List()),
+    key("value_tables", &Database::value_tables, List()),
+    key("signal_types", &Database::signal_types, List()), key("nodes", &Database::nodes, List()),
+    key("messages", &Database::messages, List()),
+    key("environment_variables", &Database::env_vars, List()),
+    key("filter", &Database::filter, Part()));
+
+template <>
+inline constexpr auto kKeys<btlblk> = std::tuple(key("baudrate", &btlblk::baudrate, Required()),
+                                                 key("btr1", &btlblk::btr1, Required()),
+                                                 key("btr2", &btlblk::btr2, Required()));
 
 /// The type comes before the fields whose meaning depends on it.
-template <typename Object>
-void Form<Object>::definition(Object& object, attr_def& definition) {
-  object.at("name").inline_text(definition.name);
-  object.word("object_type", definition.object_type, kObjectTypes);
-  object.at("value_type").word(definition.value_type, kAttributeTypes);
-  const bool is_enum = definition.value_type == ZELK_ATTR_ENUM;
-  if (is_enum) {
-    object.items("items", definition.enum_values);
-  } else {
-    object.real("minimum", definition.minimum);
-  }
-  object.real("maximum", definition.maximum);
-  if (is_enum || definition.value_type == ZELK_ATTR_STRING) {
-    object.text("default", definition.default_value.text);
-  } else {
-    object.real("default", definition.default_value.number);
-  }
-}
+template <>
+inline constexpr auto kKeys<attr_def> =
+    std::tuple(key("name", &attr_def::name, Required()),
+               key("object_type", &attr_def::object_type, OptionalWord{kObjectTypes}),
+               key("value_type", &attr_def::value_type, RequiredWord{kAttributeTypes}),
+               when(is_enum, key("items", &attr_def::enum_values, Items())),
+               when(is_no_enum, key("minimum", &attr_def::minimum, Optional())),
+               key("maximum", &attr_def::maximum, Optional()),
+               when(has_text, key("default", &attr_def::default_value, AsText<Optional>())),
+               when(has_number, key("default", &attr_def::default_value, AsNumber<Optional>())));
 
-template <typename Object>
-void Form<Object>::attributes(Object& object, attr*& head, std::int32_t kind) {
-  objects(object, "attributes", head, [this, kind](Object& element, attr& value) {
-    element.at("definition").reference(value.def, lists_.definitions, kind);
-    if (!value.def) return;  // and without a definition no type either
-    if (value.def->value_type == ZELK_ATTR_STRING) {
-      element.at("value").text_or_null(value.value.text);
-    } else {
-      element.at("value").real(value.value.number);
-    }
-  });
-}
+template <>
+inline constexpr auto kKeys<attr> =
+    std::tuple(key("definition", &attr::def, RequiredReference()),
+               when(is_text, key("value", &attr::value, AsText<Required>())),
+               when(is_number, key("value", &attr::value, AsNumber<Required>())));
 
-// --- What several records have ---
+template <>
+inline constexpr auto kKeys<cat> = std::tuple(key("name", &cat::name, Required()),
+                                              key("number", &cat::number, Required()),
+                                              key("level", &cat::level, Optional()));
 
-template <typename Object>
-void Form<Object>::descriptions(Object& object, val*& head) {
-  objects(object, "values", head, [](Object& element, val& description) {
-    element.at("value").whole(description.value);
-    element.at("text").text_or_null(description.text);
-  });
-}
+template <>
+inline constexpr auto kKeys<valtable> = std::tuple(key("name", &valtable::name, Required()),
+                                                   key("values", &valtable::values, List()));
 
-/// A node, or an object when the relation to it has attributes of the kind.
-template <typename Object>
-void Form<Object>::links(Object& object, std::string_view key, rxblk*& head, std::int32_t kind) {
-  object.list(key, head, [this, kind](const auto& value, rxblk& link) {
-    if (!value.is_object(link.attrs != nullptr)) {
-      value.reference(link.node, lists_.nodes);
-      return;
-    }
-    value.object([this, kind, &link](Object& element) {
-      element.at("node").reference(link.node, lists_.nodes);
-      attributes(element, link.attrs, kind);
-    });
-  });
-}
+template <>
+inline constexpr auto kKeys<val> = std::tuple(key("value", &val::value, Required()),
+                                              key("text", &val::text, Required()));
 
-template <typename Object>
-void Form<Object>::signal_type(Object& object, sigtype& type) {
-  constexpr std::uint16_t kKnown = ZELK_SIGNAL_MOTOROLA | ZELK_SIGNAL_SIGNED;
-  object.at("name").inline_text(type.name);
-  object.at("length").whole(type.length);
-  object.byte_order("byte_order", type.flags);
-  object.flag("signed", type.flags, ZELK_SIGNAL_SIGNED);
-  object.bits("other_flags", type.flags, static_cast<std::uint16_t>(~kKnown));
-  object.word("value_type", type.value_type, kValueTypes);
-  object.real("factor", type.factor, 1.0);
-  object.real("offset", type.offset);
-  object.real("minimum", type.minimum);
-  object.real("maximum", type.maximum);
-  object.inline_text("unit", type.unit);
-  object.real("default", type.default_value);
-  object.reference("value_table", type.valtable, lists_.value_tables);
-  object.text("comment", type.comment);
-  attributes(object, type.attrs, ZELK_OBJ_SIGTYPE);
-}
+/// Of a link with attributes; one without is the reference alone.
+template <>
+inline constexpr auto kKeys<rxblk> = std::tuple(key("node", &rxblk::node, RequiredReference()),
+                                                key("attributes", &rxblk::attrs, List()));
 
-template <typename Object>
-void Form<Object>::node(Object& object, symblk& node) {
-  object.at("name").text_or_null(node.name);
-  object.reference("category", node.category, lists_.categories);
-  object.text("comment", node.comment);
-  attributes(object, node.attrs, ZELK_OBJ_NODE);
-}
+template <>
+inline constexpr auto kKeys<sigtype> = std::tuple(
+    key("name", &sigtype::name, Required()), key("length", &sigtype::length, Required()),
+    key("byte_order", &sigtype::flags, ByteOrder()),
+    key("signed", &sigtype::flags, Flag{ZELK_SIGNAL_SIGNED}),
+    key("other_flags", &sigtype::flags, bits_beyond(kTypeFlags)),
+    key("value_type", &sigtype::value_type, OptionalWord{kValueTypes}),
+    key("factor", &sigtype::factor, Otherwise<double>{1}),
+    key("offset", &sigtype::offset, Optional()), key("minimum", &sigtype::minimum, Optional()),
+    key("maximum", &sigtype::maximum, Optional()), key("unit", &sigtype::unit, Optional()),
+    key("default", &sigtype::default_value, Optional()),
+    key("value_table", &sigtype::valtable, OptionalReference()),
+    key("comment", &sigtype::comment, Optional()),
+    key("attributes", &sigtype::attrs, List{ZELK_OBJ_SIGTYPE}));
 
-// --- Messages ---
+template <>
+inline constexpr auto kKeys<symblk> = std::tuple(
+    key("name", &symblk::name, Required()), key("category", &symblk::category, OptionalReference()),
+    key("comment", &symblk::comment, Optional()),
+    key("attributes", &symblk::attrs, List{ZELK_OBJ_NODE}));
 
-template <typename Object>
-void Form<Object>::message(Object& object, msgblk& message) {
-  object.at("name").text_or_null(message.name);
-  object.at("id").identifier(message.id);
-  object.flag("extended", message.id, ZELK_ID_EXTENDED);
-  object.at("dlc").whole(message.dlc);
-  object.reference("transmitter", message.transmitter, lists_.nodes);
-  links(object, "transmitters", message.tx_nodes, ZELK_OBJ_REL_MESSAGE);
-  object.reference("category", message.category, lists_.categories);
-  object.text("comment", message.comment);
-  attributes(object, message.attrs, ZELK_OBJ_MESSAGE);
-  References<sigblk> signals("signal");
-  object.named_list("signals", message.signals, signals,
-                    [&](Object& element, sigblk& record) { signal(element, record, signals); });
-  if (const sigblk* circle = find_circle(message.signals)) {
-    object.path().fail("the multiplexor of the signal \"" + std::string(view(circle->name)) +
-                       "\" depends on that signal");
-  }
-  objects(object, "signal_groups", message.siggroups,
-          [&](Object& element, siggroupblk& record) { group(element, record, signals); });
-  if constexpr (kReads) {
-    message.signal_count = count_16(message.signals);
-    for (sigblk* each = message.signals; each; each = each->next) each->message = &message;
-    for (siggroupblk* each = message.siggroups; each; each = each->next) each->message = &message;
-  }
-}
+template <>
+inline constexpr auto kKeys<msgblk> = std::tuple(
+    key("name", &msgblk::name, Required()), key("id", &msgblk::id, Identifier()),
+    key("extended", &msgblk::id, Flag{ZELK_ID_EXTENDED}), key("dlc", &msgblk::dlc, Required()),
+    key("transmitter", &msgblk::transmitter, OptionalReference()),
+    key("transmitters", &msgblk::tx_nodes, List{ZELK_OBJ_REL_MESSAGE}),
+    key("category", &msgblk::category, OptionalReference()),
+    key("comment", &msgblk::comment, Optional()),
+    key("attributes", &msgblk::attrs, List{ZELK_OBJ_MESSAGE}),
+    key("signals", &msgblk::signals, Signals()), key("signal_groups", &msgblk::siggroups, List()));
 
-template <typename Object>
-void Form<Object>::signal(Object& object, sigblk& signal, const References<sigblk>& signals) {
-  constexpr std::uint16_t kKnown =
-      ZELK_SIGNAL_MOTOROLA | ZELK_SIGNAL_SIGNED | ZELK_SIGNAL_MULTIPLEXOR;
-  object.at("start_bit").whole(signal.start_bit);
-  object.at("length").whole(signal.length);
-  object.byte_order("byte_order", signal.flags);
-  object.flag("signed", signal.flags, ZELK_SIGNAL_SIGNED);
-  object.word("value_type", signal.value_type, kValueTypes);
-  object.flag("is_multiplexor", signal.flags, ZELK_SIGNAL_MULTIPLEXOR);
-  object.bits("other_flags", signal.flags, static_cast<std::uint16_t>(~kKnown));
-  object.reference("multiplexor", signal.mux_signal, signals);
-  ranges(object, signal.mux_ranges);
-  object.real("factor", signal.factor, 1.0);
-  object.real("offset", signal.offset);
-  object.real("minimum", signal.minimum);
-  object.real("maximum", signal.maximum);
-  object.inline_text("unit", signal.unit);
-  links(object, "receivers", signal.receivers, ZELK_OBJ_REL_SIGNAL);
-  object.reference("signal_type", signal.sigtype, lists_.signal_types);
-  object.text("comment", signal.comment);
-  attributes(object, signal.attrs, ZELK_OBJ_SIGNAL);
-  descriptions(object, signal.values);
-  if constexpr (kReads) signal.receiver_count = count_16(signal.receivers);
-}
+template <>
+inline constexpr auto kKeys<siggroupblk> =
+    std::tuple(key("name", &siggroupblk::name, Required()),
+               key("repetitions", &siggroupblk::repetitions, Otherwise<std::int32_t>{1}),
+               key("comment", &siggroupblk::comment, Optional()),
+               key("signals", &siggroupblk::signals, List()));
 
-/// A value by itself, or an object for a range of several.
-template <typename Object>
-void Form<Object>::ranges(Object& object, muxor_val_range*& head) {
-  object.list("multiplexor_values", head, [](const auto& value, muxor_val_range& range) {
-    if (!value.is_object(range.low != range.high)) {
-      value.whole(range.low);
-      if constexpr (kReads) range.high = range.low;
-      return;
-    }
-    value.object([&range](Object& element) {
-      element.at("low").whole(range.low);
-      element.at("high").whole(range.high);
-    });
-  });
-}
+template <>
+inline constexpr auto kKeys<sigblk> = std::tuple(
+    key("name", &sigblk::name, SignalName()), key("start_bit", &sigblk::start_bit, Required()),
+    key("length", &sigblk::length, Required()), key("byte_order", &sigblk::flags, ByteOrder()),
+    key("signed", &sigblk::flags, Flag{ZELK_SIGNAL_SIGNED}),
+    key("value_type", &sigblk::value_type, OptionalWord{kValueTypes}),
+    key("is_multiplexor", &sigblk::flags, Flag{ZELK_SIGNAL_MULTIPLEXOR}),
+    key("other_flags", &sigblk::flags, bits_beyond(kSignalFlags)),
+    key("multiplexor", &sigblk::mux_signal, OptionalReference()),
+    key("multiplexor_values", &sigblk::mux_ranges, List()),
+    key("factor", &sigblk::factor, Otherwise<double>{1}),
+    key("offset", &sigblk::offset, Optional()), key("minimum", &sigblk::minimum, Optional()),
+    key("maximum", &sigblk::maximum, Optional()), key("unit", &sigblk::unit, Optional()),
+    key("receivers", &sigblk::receivers, List{ZELK_OBJ_REL_SIGNAL}),
+    key("signal_type", &sigblk::sigtype, OptionalReference()),
+    key("comment", &sigblk::comment, Optional()),
+    key("attributes", &sigblk::attrs, List{ZELK_OBJ_SIGNAL}),
+    key("values", &sigblk::values, List()));
 
-template <typename Object>
-void Form<Object>::group(Object& object, siggroupblk& group, const References<sigblk>& signals) {
-  object.at("name").inline_text(group.name);
-  object.whole("repetitions", group.repetitions, std::int32_t{1});
-  object.text("comment", group.comment);
-  object.list("signals", group.signals, [&signals](const auto& value, siglistblk& member) {
-    value.reference(member.signal, signals);
-  });
-  object.left_out(group.extra != nullptr, "the host's own entries of the group are left out");
-}
+/// Of a range of several values; a value alone is a number.
+template <>
+inline constexpr auto kKeys<muxor_val_range> = std::tuple(
+    key("low", &muxor_val_range::low, Required()), key("high", &muxor_val_range::high, Required()));
 
-// --- Environment variables and filter ---
+template <>
+inline constexpr auto kKeys<env_var_blk> = std::tuple(
+    key("name", &env_var_blk::name, Required()),
+    key("type", &env_var_blk::type, OptionalWord{kVariableTypes}),
+    key("id", &env_var_blk::id, Required()), key("minimum", &env_var_blk::minimum, Optional()),
+    key("maximum", &env_var_blk::maximum, Optional()),
+    key("initial", &env_var_blk::initial, Optional()), key("unit", &env_var_blk::unit, Optional()),
+    key("access_type", &env_var_blk::access_type, Optional()),
+    key("access_nodes", &env_var_blk::access_nodes, List{ZELK_OBJ_REL_ENVVAR}),
+    key("data_size", &env_var_blk::data_size, Optional()),
+    key("category", &env_var_blk::category, OptionalReference()),
+    key("comment", &env_var_blk::comment, Optional()),
+    key("attributes", &env_var_blk::attrs, List{ZELK_OBJ_ENVVAR}),
+    key("values", &env_var_blk::values, List()));
 
-template <typename Object>
-void Form<Object>::variable(Object& object, env_var_blk& variable) {
-  object.at("name").text_or_null(variable.name);
-  object.word("type", variable.type, kVariableTypes);
-  object.at("id").whole(variable.id);
-  object.real("minimum", variable.minimum);
-  object.real("maximum", variable.maximum);
-  object.real("initial", variable.initial);
-  object.inline_text("unit", variable.unit);
-  object.whole("access_type", variable.access_type, std::uint32_t{0});
-  links(object, "access_nodes", variable.access_nodes, ZELK_OBJ_REL_ENVVAR);
-  object.whole("data_size", variable.data_size, std::uint32_t{0});
-  object.reference("category", variable.category, lists_.categories);
-  object.text("comment", variable.comment);
-  attributes(object, variable.attrs, ZELK_OBJ_ENVVAR);
-  descriptions(object, variable.values);
-  object.left_out(variable.unused != 0, "the host's own number of the variable is left out");
-  if constexpr (kReads) variable.access_node_count = count_16(variable.access_nodes);
-}
+template <>
+inline constexpr auto kKeys<filter_t> = std::tuple(key("mode", &filter_t::mode, Optional()),
+                                                   key("categories", &filter_t::categories, List()),
+                                                   key("nodes", &filter_t::nodes,
+                                                       List{ZELK_OBJ_NODE}));
 
-template <typename Object>
-void Form<Object>::filter(Object& object, filter_t& filter) {
-  if (!object.has("filter", filter.categories || filter.nodes || filter.mode != 0)) return;
-  object.at("filter").object([this, &filter](Object& element) {
-    element.whole("mode", filter.mode, std::int32_t{0});
-    element.list("categories", filter.categories, [this](const auto& value, catlink& link) {
-      value.reference(link.category, lists_.categories);
-    });
-    links(element, "nodes", filter.nodes, ZELK_OBJ_NODE);
-  });
-}
+/// Fills an empty database with a document.
+///
+/// @param encoding  of the texts in the database
+/// @throws Fault; the database then has what was read before
+void read_document(const Value& document, Encoding encoding, const Database& database);
+
+/// The document of a database, with the texts as the bytes that they are, taken for UTF-8. What
+/// hosts store in it for themselves is left out and noted.
+///
+/// @throws Fault for a database that no document can hold
+std::string document_of(const Database& database);
 
 }  // namespace zelk::modules::json
 

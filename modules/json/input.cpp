@@ -1,7 +1,6 @@
 #include "json/input.hpp"
 
 #include <algorithm>
-#include <array>
 
 namespace zelk::modules::json {
 
@@ -18,23 +17,15 @@ std::int64_t ValueInput::whole(std::int64_t lowest, std::int64_t highest) const 
              std::to_string(highest));
 }
 
-void ValueInput::real(double& field) const {
+double ValueInput::real() const {
   using Limits = std::numeric_limits<double>;
-  const auto take = [&field](const auto* number) {
-    if (number) field = static_cast<double>(*number);
-    return number != nullptr;
-  };
-  if (take(value_.get_if<double>()) || take(value_.get_if<std::uint64_t>()) ||
-      take(value_.get_if<std::int64_t>())) {
-    return;
-  }
-  constexpr std::array<std::pair<std::string_view, double>, 3> kWords = {
-      {{"inf", Limits::infinity()}, {"-inf", -Limits::infinity()}, {"nan", Limits::quiet_NaN()}}};
-  for (const auto& [word, number] : kWords) {
-    if (!value_.is_text(word)) continue;
-    field = number;
-    return;
-  }
+  if (const auto* const number = value_.get_if<double>()) return *number;
+  if (const auto* const number = value_.get_if<std::uint64_t>())
+    return static_cast<double>(*number);
+  if (const auto* const number = value_.get_if<std::int64_t>()) return static_cast<double>(*number);
+  if (value_.is_text("inf")) return Limits::infinity();
+  if (value_.is_text("-inf")) return -Limits::infinity();
+  if (value_.is_text("nan")) return Limits::quiet_NaN();
   path_.fail("expected a number, \"inf\", \"-inf\" or \"nan\"");
 }
 
@@ -49,12 +40,10 @@ std::string ValueInput::decoded() const {
   return *bytes;
 }
 
-void ValueInput::text_or_null(char*& field) const {
-  if (!value_.is<std::nullptr_t>()) text(field);
-}
-
-void ValueInput::check_length(std::string_view text) const {
+std::string ValueInput::short_text() const {
+  std::string text = decoded();
   if (text.size() > ZELK_INLINE_NAME_MAX) check_inline(text, path_.text());
+  return text;
 }
 
 std::int64_t ValueInput::number_of_word(Words words) const {
@@ -79,17 +68,20 @@ void ValueInput::fail_reference(const char* what, std::size_t count) const {
   path_.fail("expected a name, or a position below " + std::to_string(count));
 }
 
+bool ValueInput::is_motorola() const {
+  if (value_.is_text(kMotorola)) return true;
+  if (!value_.is_text(kIntel)) path_.fail(R"(expected "intel" or "motorola")");
+  return false;
+}
+
 void ValueInput::items(char*& field) const {
   std::string joined;
-  std::size_t position = 0;
-  for (const auto& element : array()) {
-    const ValueInput item(element, Path(path_, position), encoding_);
+  each_element([&joined](const ValueInput& item) {
     const std::string text = item.decoded();
     if (text.find(kItemSeparator) != std::string::npos) item.path().fail("a line feed in an item");
-    if (position++ != 0) joined += kItemSeparator;
-    joined += text;
-  }
-  if (position != 0) assign_text(field, joined);
+    (joined += text) += kItemSeparator;
+  });
+  if (!joined.empty()) assign_text(field, std::string_view(joined).substr(0, joined.size() - 1));
 }
 
 const Value::Array& ValueInput::array() const {
@@ -100,57 +92,30 @@ const Value::Array& ValueInput::array() const {
 
 // --- Objects ---
 
-ObjectInput::ObjectInput(const Value& value, const Path& path, Encoding encoding)
-    : object_(value), path_(path), encoding_(encoding) {
-  if (!value.is<Value::Object>()) path_.fail("expected an object");
+ObjectInput::ObjectInput(const ValueInput& input) : input_(input) {
+  if (!input.is_object()) path().fail("expected an object");
 }
 
-const Value* ObjectInput::find(std::string_view key) {
+std::optional<ValueInput> ObjectInput::find(std::string_view key) {
   asked_.push_back(key);
-  const Value* const found = object_.find(key);
-  if (found) ++found_;
-  return found;
+  const Value* const found = input_.value_.find(key);
+  if (!found) return std::nullopt;
+  ++found_;
+  return ValueInput(*found, Path(path(), key), input_.encoding_);
 }
 
 ValueInput ObjectInput::at(std::string_view key) {
-  const Value* const value = find(key);
-  if (!value) path_.fail("the key \"" + std::string(key) + "\" is missing");
-  return input(key, *value);
-}
-
-void ObjectInput::real(std::string_view key, double& field, double absent) {
-  field = absent;
-  if (const Value* const value = find(key)) input(key, *value).real(field);
-}
-
-void ObjectInput::text(std::string_view key, char*& field) {
-  if (const Value* const value = find(key)) input(key, *value).text(field);
-}
-
-void ObjectInput::byte_order(std::string_view key, std::uint16_t& flags) {
-  const Value* const value = find(key);
-  if (!value || value->is_text(kIntel)) return;
-  if (!value->is_text(kMotorola)) Path(path_, key).fail(R"(expected "intel" or "motorola")");
-  flags |= ZELK_SIGNAL_MOTOROLA;
-}
-
-void ObjectInput::bits(std::string_view key, std::uint16_t& flags, std::uint16_t mask) {
-  std::uint16_t bits = 0;
-  whole(key, bits, bits);
-  if ((bits & ~mask) != 0) Path(path_, key).fail("a bit that has a key of its own");
-  flags |= bits;
-}
-
-void ObjectInput::items(std::string_view key, char*& field) {
-  if (const Value* const value = find(key)) input(key, *value).items(field);
+  const std::optional<ValueInput> value = find(key);
+  if (!value) path().fail("the key \"" + std::string(key) + "\" is missing");
+  return *value;
 }
 
 void ObjectInput::finish() const {
-  const auto& members = *object_.get_if<Value::Object>();
+  const auto& members = *input_.value_.get_if<Value::Object>();
   if (found_ == members.size()) return;
   for (const auto& [key, value] : members) {
     if (std::find(asked_.begin(), asked_.end(), key) == asked_.end()) {
-      path_.fail("unknown key \"" + key + "\"");
+      path().fail("unknown key \"" + key + "\"");
     }
   }
 }

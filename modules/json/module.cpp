@@ -8,13 +8,10 @@
 #include "common/records.hpp"
 #include "json/document.hpp"
 #include "json/form.hpp"
-#include "json/input.hpp"
-#include "json/output.hpp"
+#include "json/path.hpp"
 
 namespace zelk::modules::json {
 namespace {
-
-constexpr const char* kEncodingWords[] = {"utf-8", "windows-1252"};  // in the order of `Encoding`
 
 // --- Import ---
 
@@ -34,8 +31,8 @@ void check_format(const Value& document) {
 
 Encoding encoding_of(const Value& document) {
   const Value* const found = document.find("encoding");
-  if (!found || found->is_text(kEncodingWords[0])) return Encoding::kUtf8;
-  if (found->is_text(kEncodingWords[1])) return Encoding::kWindows1252;
+  if (!found || found->is_text(kEncodings[0])) return Encoding::kUtf8;
+  if (found->is_text(kEncodings[1])) return Encoding::kWindows1252;
   const Path root;
   Path(root, "encoding").fail(R"(expected "utf-8" or "windows-1252")");
 }
@@ -43,42 +40,29 @@ Encoding encoding_of(const Value& document) {
 void read(const char* file, const Database& database) {
   const Value document = parse(read_file(file));
   check_format(document);
-  ObjectInput object(document, Path(), encoding_of(document));
-  for (const char* const key : {"format", "version", "encoding"}) object.skip(key);
-  Form(object).database(database);
-  object.finish();
+  read_document(document, encoding_of(document), database);
 }
 
 // --- Export ---
 
-/// The document with the texts as the bytes that they are, taken for UTF-8.
-std::string unencoded_document(const Database& database) {
-  TextOutput out;
-  ValueOutput(out, Path()).object([&database](ObjectOutput& object) {
-    object.at("format").text(kFormat);
-    object.at("version").whole(kVersion);
-    object.at("encoding").text(kEncodingWords[0]);
-    Form(object).database(database);
-  });
-  return out.text() + "\n";
-}
-
 /// All of a document but its texts is ASCII, and quotes stand around them: the whole is UTF-8 when
 /// each of them is, and otherwise becomes it as a whole.
-std::string document(const Database& database) {
-  std::string text = unencoded_document(database);
+std::string encoded_document(const Database& database) {
+  std::string text = document_of(database);
   if (is_utf8(text)) return text;
-  const std::string_view assumed = kEncodingWords[0];
-  text.replace(text.find(assumed), assumed.size(), kEncodingWords[1]);  // in the third line
+  const std::string_view assumed = kEncodings[0];
+  text.replace(text.find(assumed), assumed.size(), kEncodings[1]);  // in the third line
   return to_utf8(text, Encoding::kWindows1252);
 }
 
-void write(const char* file, const Database& database) { write_new_file(file, document(database)); }
+void write(const char* file, const Database& database) {
+  write_new_file(file, encoded_document(database));
+}
 
-/// An output only reads; a form has one type of records for both directions.
+/// For `Database`, which serves both directions: an export changes nothing.
 template <typename Record>
-Record* unlocked(const Record* list) {
-  return const_cast<Record*>(list);
+Record*& unlocked(const Record*& list) {
+  return const_cast<Record*&>(list);
 }
 
 }  // namespace
@@ -100,15 +84,11 @@ extern "C" ZELK_MODULE_EXPORT int zelk_export(const char* file, const msgblk* me
                                               const symblk* nodes, const env_var_blk* env_vars,
                                               const attr_def* attr_defs, const attr* attr_values) {
   using namespace zelk::modules;
-  return guarded(ZELK_ERR_CONVERT, [=] {
+  return guarded(ZELK_ERR_CONVERT, [=]() mutable {
     const zelk_conversion& more = conversion();
-    msgblk* own_messages = json::unlocked(messages);
-    symblk* own_nodes = json::unlocked(nodes);
-    env_var_blk* own_env_vars = json::unlocked(env_vars);
-    attr_def* own_attr_defs = json::unlocked(attr_defs);
-    attr* own_attr_values = json::unlocked(attr_values);
-    json::write(file, {own_messages, own_nodes, own_env_vars, own_attr_defs, own_attr_values,
-                       *more.bit_timings, *more.categories, *more.filter, *more.comment,
-                       *more.user_data, *more.signal_types, *more.value_tables});
+    using json::unlocked;
+    json::write(file, {unlocked(messages), unlocked(nodes), unlocked(env_vars), unlocked(attr_defs),
+                       unlocked(attr_values), *more.bit_timings, *more.categories, *more.filter,
+                       *more.comment, *more.user_data, *more.signal_types, *more.value_tables});
   });
 }

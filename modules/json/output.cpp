@@ -1,7 +1,6 @@
 #include "json/output.hpp"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <nlohmann/json.hpp>
 
@@ -11,29 +10,23 @@ namespace {
 /// Below this, every whole double is an integer of the document with the same digits.
 constexpr double kWholeMax = 9007199254740992.0;  // 2 ^ 53
 
-bool is_same(double a, double b) {
-  return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
+/// -0 is none: its digits would be those of 0.
+bool is_whole(double number) {
+  return std::abs(number) < kWholeMax && std::trunc(number) == number &&
+         !(number == 0 && std::signbit(number));
 }
 
 }  // namespace
 
-void ValueOutput::real(double field) const {
-  if (std::isnan(field)) {
+void ValueOutput::real(double number) const {
+  if (std::isnan(number)) {
     out_.string("nan");
-  } else if (std::isinf(field)) {
-    out_.string(field < 0 ? "-inf" : "inf");
-  } else if (std::abs(field) < kWholeMax && is_same(field, std::trunc(field) + 0.0)) {
-    whole(static_cast<std::int64_t>(field));
+  } else if (std::isinf(number)) {
+    out_.string(number < 0 ? "-inf" : "inf");
+  } else if (is_whole(number)) {
+    field(static_cast<std::int64_t>(number));
   } else {
-    out_.literal(nlohmann::json(field).dump());  // a number alone, unlike an array, frees nothing
-  }
-}
-
-void ValueOutput::text_or_null(const char* field) const {
-  if (field) {
-    text(field);
-  } else {
-    out_.literal("null");
+    out_.literal(nlohmann::json(number).dump());  // a number alone, unlike an array, frees nothing
   }
 }
 
@@ -42,14 +35,11 @@ void ValueOutput::short_text(std::string_view text) const {
   out_.string(text);
 }
 
-void ValueOutput::word(std::int64_t field, Words words) const {
+void ValueOutput::word(std::int64_t number, Words words) const {
   const auto found = std::find_if(words.begin(), words.end(),
-                                  [field](const Word& word) { return word.number == field; });
-  if (found == words.end()) {
-    whole(field);
-  } else {
-    out_.string(found->text);
-  }
+                                  [number](const Word& word) { return word.number == number; });
+  if (found == words.end()) return field(number);
+  out_.string(found->text);
 }
 
 void ValueOutput::items(const char* field) const {
@@ -62,14 +52,6 @@ void ValueOutput::items(const char* field) const {
     rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
   }
   out_.close(']');
-}
-
-void ObjectOutput::real(std::string_view key, double field, double absent) {
-  if (!is_same(field, absent)) at(key).real(field);
-}
-
-void ObjectOutput::left_out(bool is_there, const char* what) const {
-  if (is_there) zelk_note(ZELK_ERR_FORMAT, 0, (path_.text() + ": " + what).c_str());
 }
 
 }  // namespace zelk::modules::json

@@ -9,10 +9,12 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <unordered_map>
 #include <vector>
 
 #include "common/records.hpp"
+#include "json/path.hpp"
 
 namespace zelk::modules::json {
 
@@ -33,25 +35,29 @@ class References {
   const char* what() const { return what_; }
   std::size_t size() const { return records_.size(); }
 
-  /// Takes in a list, which from then on must keep its records and their names.
+  /// Takes in a list, which from then on must keep its records and their names, in the place of the
+  /// one before.
   void index(Record* list) {
-    for (; list; list = list->next) {
-      positions_.emplace(list, records_.size());
-      records_.push_back(list);
-      if (is_named(list->name)) first_.emplace(Key{view(list->name), kind_of(*list)}, list);
+    *this = References(what_);
+    for (Record& record : each(list)) {
+      positions_.emplace(&record, records_.size());
+      records_.push_back(&record);
+      // Records without a name are not those of the empty one.
+      if (is_named(record.name)) first_.emplace(Key{view(record.name), kind_of(record)}, &record);
     }
   }
 
-  /// The first record of that name and kind; null when there is none.
-  Record* find(std::string_view name, std::int32_t kind) const {
-    const auto found = first_.find(Key{name, kind});
+  /// Names mean records of this kind from now on.
+  void expect(std::int32_t kind) { kind_ = kind; }
+
+  /// The first record of that name and of the expected kind; null when there is none.
+  Record* find(std::string_view name) const {
+    const auto found = first_.find(Key{name, kind_});
     return found == first_.end() ? nullptr : found->second;
   }
 
-  /// Whether the name alone leads to this very record, in a place for `kind`.
-  bool leads_back(const Record& record, std::int32_t kind) const {
-    return find(view(record.name), kind) == &record;
-  }
+  /// Whether the name alone leads to this very record.
+  bool leads_back(const Record& record) const { return find(view(record.name)) == &record; }
 
   /// The record at a position below `size()`, from 0.
   Record* at(std::size_t position) const { return records_[position]; }
@@ -62,7 +68,6 @@ class References {
   }
 
  private:
-  /// Records without a name are not those of the empty one.
   static bool is_named(const char* name) { return name != nullptr; }
 
   struct Key {
@@ -77,19 +82,41 @@ class References {
   };
 
   const char* what_;
+  std::int32_t kind_ = 0;
   std::vector<Record*> records_;
   std::unordered_map<const Record*, std::size_t> positions_;
   std::unordered_map<Key, Record*, Hash> first_;
 };
 
-/// All lists that records of several others refer to.
-struct Lists {
-  References<attr_def> definitions{"attribute definition of this kind"};
-  References<cat> categories{"category"};
-  References<valtable> value_tables{"value table"};
-  References<sigtype> signal_types{"signal type"};
-  References<symblk> nodes{"node"};
+/// All lists whose records others refer to; of signals those of one message.
+struct Lists : References<attr_def>,
+               References<cat>,
+               References<valtable>,
+               References<sigtype>,
+               References<symblk>,
+               References<sigblk> {
+  Lists()
+      : References<attr_def>("attribute definition of this kind"),
+        References<cat>("category"),
+        References<valtable>("value table"),
+        References<sigtype>("signal type"),
+        References<symblk>("node"),
+        References<sigblk>("signal") {}
+
+  /// The list that has records of a type.
+  template <typename Record>
+  References<Record>& of(const Record*) {
+    return *this;
+  }
+  /// Takes in a list when others refer to its records.
+  template <typename Record>
+  void index(Record* list) {
+    if constexpr (std::is_base_of_v<References<Record>, Lists>) of(list).index(list);
+  }
 };
+
+/// @throws Fault when a signal selects itself, directly or by others
+void check_circles(const Path& path, const sigblk* signals);
 
 }  // namespace zelk::modules::json
 

@@ -23,6 +23,7 @@ using Words = std::span<const Word>;
 
 inline constexpr const char* kFormat = "zelk-json";
 inline constexpr int kVersion = 1;
+inline constexpr const char* kEncodings[] = {"utf-8", "windows-1252"};  // as `Encoding`
 
 inline constexpr const char* kIntel = "intel";
 inline constexpr const char* kMotorola = "motorola";

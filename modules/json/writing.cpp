@@ -1,0 +1,162 @@
+// From a database to a document.
+
+#include <bit>
+
+#include "json/form.hpp"
+#include "json/output.hpp"
+
+namespace zelk::modules::json {
+namespace {
+
+template <typename Number>
+bool is_same(Number a, Number b) {
+  return a == b;
+}
+/// -0 is not 0, and not-a-number is itself.
+bool is_same(double a, double b) {
+  return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
+}
+
+/// A key that an object, which is open in the text, may get.
+struct Place {
+  TextOutput& out;
+  const Path& object;
+  std::string_view key;
+
+  /// Begins the member; the result writes its value.
+  ValueOutput add() const {
+    out.key(key);
+    return {out, Path(object, key)};
+  }
+};
+
+/// Writes records by their keys: `give` for each way in which a key stands for a field.
+class Writer {
+ public:
+  explicit Writer(TextOutput& out) : out_(out) {}
+
+  /// Writes a record as an object of the document.
+  void write(const Path& path, const auto& record) {
+    out_.open('{');
+    for_each_key(record, [&](std::string_view name, const auto& field, auto kind) {
+      give({out_, path, name}, field, kind);
+    });
+    out_.close('}');
+    note_losses(path, record);
+  }
+
+ private:
+  // --- Elements of arrays ---
+
+  void element(const ValueOutput& value, const auto& record) { write(value.path(), record); }
+  void element(const ValueOutput& value, const catlink& link) { refer(value, link.category); }
+  void element(const ValueOutput& value, const siglistblk& member) { refer(value, member.signal); }
+  void element(const ValueOutput& value, const rxblk& link) {
+    link.attrs ? write(value.path(), link) : refer(value, link.node);
+  }
+  void element(const ValueOutput& value, const muxor_val_range& range) {
+    range.low == range.high ? value.field(range.low) : write(value.path(), range);
+  }
+  void refer(const ValueOutput& value, const auto* field) {
+    value.reference(field, lists_.of(field));
+  }
+
+  // --- Keys ---
+
+  void give(Place key, const auto& field, Fixed) { key.add().field(field); }
+  void give(Place key, const auto& field, Required) { key.add().field(field); }
+  template <typename Field>
+  void give(Place key, const Field& field, Optional) {
+    give(key, field, Otherwise<Field>{});
+  }
+  template <std::size_t kSize>
+  void give(Place key, const char (&name)[kSize], Optional) {
+    if (name[0] != '\0') key.add().field(name);
+  }
+  template <typename Field>
+  void give(Place key, const Field& field, Otherwise<Field> kind) {
+    if (!is_same(field, kind.absent)) key.add().field(field);
+  }
+  template <typename Kind>
+  void give(Place key, const zelk_attr_value_t& value, AsText<Kind>) {
+    give(key, value.text, Kind());
+  }
+  template <typename Kind>
+  void give(Place key, const zelk_attr_value_t& value, AsNumber<Kind>) {
+    give(key, value.number, Kind());
+  }
+  void give(Place key, std::int64_t field, RequiredWord kind) { key.add().word(field, kind.words); }
+  void give(Place key, std::int64_t field, OptionalWord kind) {
+    if (field != 0) key.add().word(field, kind.words);
+  }
+  void give(Place key, unsigned flags, Flag kind) {
+    if ((flags & kind.bit) != 0) key.add().flag();
+  }
+  void give(Place key, unsigned flags, ByteOrder) {
+    if ((flags & ZELK_SIGNAL_MOTOROLA) != 0) key.add().text(kMotorola);
+  }
+  void give(Place key, unsigned flags, OtherBits kind) {
+    if ((flags & kind.mask) != 0) key.add().field(flags & kind.mask);
+  }
+  void give(Place key, std::uint32_t id, Identifier) { key.add().field(id & ~ZELK_ID_EXTENDED); }
+  void give(Place key, const char* field, Items) {
+    if (field) key.add().items(field);
+  }
+  void give(Place key, const auto* field, RequiredReference) { refer(key.add(), field); }
+  void give(Place key, const auto* field, OptionalReference) {
+    if (field) refer(key.add(), field);
+  }
+  void give(Place key, auto* head, List kind) {
+    if (kind.attribute_kind) lists_.References<attr_def>::expect(*kind.attribute_kind);
+    array(key, head);
+    lists_.index(head);
+  }
+  void give(Place key, sigblk* head, Signals) {
+    lists_.index(head);
+    array(key, head);
+    check_circles(key.object, head);
+  }
+  void give(Place key, const char* name, SignalName) { key.add().field(name); }
+  void give(Place key, const filter_t& filter, Part) {
+    const bool is_empty = !filter.categories && !filter.nodes && filter.mode == 0;
+    if (!is_empty) write(key.add().path(), filter);
+  }
+
+  void array(Place key, const auto* head) {
+    if (!head) return;
+    const ValueOutput value = key.add();
+    std::size_t position = 0;
+    out_.open('[');
+    for (const auto& record : each(head)) {
+      out_.element();
+      element(ValueOutput(out_, Path(value.path(), position++)), record);
+    }
+    out_.close(']');
+  }
+
+  // --- What no key holds ---
+
+  static void note_losses(const Path&, const auto&) {}
+  static void note_losses(const Path& path, const siggroupblk& group) {
+    if (group.extra) note(path, "the host's own entries of the group are left out");
+  }
+  static void note_losses(const Path& path, const env_var_blk& variable) {
+    if (variable.unused != 0) note(path, "the host's own number of the variable is left out");
+  }
+  static void note(const Path& path, const char* what) {
+    zelk_note(ZELK_ERR_FORMAT, 0, (path.text() + ": " + what).c_str());
+  }
+
+  TextOutput& out_;
+  Lists lists_;
+};
+
+}  // namespace
+
+std::string document_of(const Database& database) {
+  TextOutput out;
+  Writer(out).write(Path(), database);
+  return out.text() + "\n";
+}
+
+}  // namespace zelk::modules::json
