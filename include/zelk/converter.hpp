@@ -13,9 +13,9 @@
 /// What importers and exporters have in common: a loaded module, its conversion function, and the
 /// manager whose database is converted.
 ///
-/// module.h has the contract of modules. What went wrong stands in the error text
-/// (`zelk_get_error_text`), which a conversion empties when it begins. Nothing raises but for the
-/// constructors, when the heap is exhausted. A converter must not outlive its manager.
+/// module.h has the contract of modules. Faults are reported in the error text
+/// (`zelk_get_error_text`), which a conversion empties when it begins. For memory see
+/// `ZelkManager`. A converter must not outlive its manager.
 class ZELK_API ZelkConverter {
  public:
   /// The address of a function of a module, whatever its type.
@@ -26,11 +26,11 @@ class ZELK_API ZelkConverter {
 
   // The virtual operations, in the order of their slots; the derived classes go on with theirs.
 
-  /// Lets go of the module.
+  /// Unloads the module.
   virtual ~ZelkConverter();
 
  protected:
-  /// Takes over the lists that a module filled, once they are copied. Here it does nothing.
+  /// Takes over the lists that a module filled, after they were copied. Here it does nothing.
   ///
   /// @return true
   virtual bool PostProcess(symblk* nodes, msgblk* messages, env_var_blk* env_vars,
@@ -44,11 +44,11 @@ class ZELK_API ZelkConverter {
   Function GetFunction(const char* name) const;
   /// The manager's database of that handle; null when there is none.
   ZelkDatabase* GetDatabase(const char* db) const;
-  /// 0 after a success; 1 while a conversion runs and after a failed one. Before the first one 1
-  /// when the module could not be loaded, else 0.
+  /// 0 after a success; 1 while a conversion runs and after a failed one. Before the first
+  /// conversion 1 when the module could not be loaded, else 0.
   std::uint32_t Status() const { return status_; }
-  /// Asks something of the module, in the module's own words (`zelk_conversion::option`); null is
-  /// the empty text. The text must live as long as it is asked.
+  /// Sets the option for the module, whose meaning is the module's (`zelk_conversion::option`);
+  /// null is the empty text. The text is borrowed until the next `SetOption`.
   void SetOption(const char* option) { option_ = option ? option : ""; }
 
  protected:
@@ -59,7 +59,7 @@ class ZELK_API ZelkConverter {
   /// system's path; null: none
   ZelkConverter(ZelkManager& manager, const char* module);
 
-  /// Looks the conversion function up; null: there shall be none.
+  /// Looks the conversion function up; null: none is wanted.
   void FindFunction(const char* function);
 
   std::uint32_t status_ = 0;
@@ -68,7 +68,7 @@ class ZELK_API ZelkConverter {
   HINSTANCE module_ = nullptr;        ///< null when it could not be loaded
   Function function_ = nullptr;       ///< null when the module does not have it
   const char* option_ = "";
-  bool is_function_wanted_ = false;  ///< one was named
+  bool is_function_wanted_ = false;  ///< a function was named
 };
 
 /// Fills new databases from files of another format.
@@ -78,16 +78,17 @@ class ZELK_API ZelkImporter : public ZelkConverter {
   /// @param function  name of the conversion function; null: none
   ZelkImporter(ZelkWriteManager& manager, const char* module, const char* function);
 
-  /// Makes a database out of a file. It is for the file of the same name with the extension ".DBC",
-  /// which is not written until the application writes the database.
+  /// Makes a database from a file. The database's own file is the one of the same name with the
+  /// extension ".DBC"; it is not written until the application writes the database.
   ///
   /// @param db    name for the database
   /// @param name  receives the handle on success; may be null
   /// @param file  the other format's; its owner must be allowed to write it
   /// @return tested in this order: `ZelkErrorFileNotFound`, `ZelkErrorReadOnly`,
   /// `ZelkErrorNameUsed`, `ZelkErrorInvalidName`, `ZelkErrorFileBelongs` when the ".DBC" file
-  /// exists, `ZelkErrorNoDatabase` without a conversion function, when that fails, and when the
-  /// heap is exhausted; or `ZelkErrorOk`. On all but `ZelkErrorOk` no database is left behind
+  /// exists, `ZelkErrorNoDatabase` when there is no conversion function, when it fails, and when
+  /// the heap is exhausted; or `ZelkErrorOk`. In all cases but `ZelkErrorOk` no database is left
+  /// behind
   virtual ZelkError Import(const char* db, const char** name, const char* file);
 
  protected:
@@ -101,21 +102,21 @@ class ZELK_API ZelkImporter : public ZelkConverter {
   /// @return whether it succeeded; false without a conversion function
   virtual bool ProcessFile(const char* file);
 
-  // The parts of `Import`, for importers that choose the database's file by themselves.
+  // The parts of `Import`, for derived importers that choose the database's file.
 
-  /// Makes the empty database for `file` with the extension ".DBC".
+  /// Makes the empty database, whose file is `file` with the extension ".DBC".
   ///
   /// @return as `Import`, from `ZelkErrorNameUsed` on
   ZelkError CreateDatabase(const char* db, const char** name, const char* file);
-  /// Fills the database of the handle `name`, which it closes when that fails.
+  /// Fills the database of the handle `name`, and closes it when that fails.
   ///
   /// @return `ZelkErrorOk`; `ZelkErrorNoDatabase` when there is no such database or it could not be
   /// filled
   ZelkError FillDatabase(const char* name, const char* file);
-  /// Turns what a module filled into records of the database's own: deep copies, whose references
-  /// lead to records of this database alone; the originals go to `PostProcess`.
+  /// Replaces the records that a module filled in by deep copies, whose references lead to records
+  /// of this database alone; the originals go to `PostProcess`.
   ///
-  /// @return false when memory ran out, or `PostProcess` says so
+  /// @return false when memory ran out, or `PostProcess` returned false
   bool CopyDatabaseLists();
 };
 

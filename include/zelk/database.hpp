@@ -11,8 +11,8 @@
 
 #include "zelk/types.hpp"
 
-// Windows' own header makes this name a macro. Hosts that call the system's function use the name
-// that the macro stands for.
+// Windows' own header makes this name a macro. To call the system's function, hosts write the name
+// that the macro stands for (`GetMessageA`).
 #ifdef GetMessage
 #undef GetMessage
 #endif
@@ -54,17 +54,16 @@ class ZELK_API ZelkPredefinedAttributes {
 
 /// One loaded database file.
 ///
-/// Databases are made and destroyed by managers (manager.hpp), which share them: all databases of
-/// the process stand in one list, found by their file. A host gets one from
-/// `ZelkManager::GetDatabase` and keeps it as long as that manager has it open. The lists may be
-/// read and handed to the C interface; they are the database's, and are released with it.
+/// Managers (manager.hpp) make and destroy databases, and share them: all databases of the process
+/// stand in one list, which finds them by their file. A host gets one from
+/// `ZelkManager::GetDatabase` and may use it as long as that manager has it open. The lists may be
+/// read and handed to the C interface; they belong to the database and are released with it.
 ///
-/// The counts, the path and the file time are the library's to set: by the path, as it was when it
-/// was set, and the time it finds a database again. A host that wants another file for a database
-/// gives it to `Write`.
+/// Only the library sets the counts, the path and the file time: by path and time it finds a
+/// database again. To give a database another file, hand it to `Write`.
 ///
-/// Nothing raises but for the constructors and `CreateDatabase`, which raise `ZelkException` for a
-/// file that cannot be read. An exhausted heap is told in the error text.
+/// Only the constructors and `CreateDatabase` raise: `ZelkException`, for a file that cannot be
+/// read. For memory see `ZelkManager`.
 class ZELK_API ZelkDatabase {
  public:
   std::uint32_t ref_count = 1;    ///< managers that hold the database
@@ -92,36 +91,35 @@ class ZELK_API ZelkDatabase {
   /// The same instance, or the same unchanged file: `IsPathEqual(other.path)`.
   bool operator==(const ZelkDatabase& other) const;
 
-  /// Whether `file` names this database's file, unchanged since it was read or written: equal as
-  /// absolute paths without regard to case (but for file systems that tell two such files apart),
-  /// and of the same modification time. A relative path leads from the working folder: `file` from
-  /// that of now, the own one from that in which it was set. False when either one is null or the
-  /// file is gone.
+  /// Whether `file` names this database's file, and the file is unchanged since it was read or
+  /// written: the absolute paths are equal without regard to case (except on file systems that tell
+  /// two such files apart), and the modification times are equal. A relative path starts at the
+  /// working folder: `file` at the present one, the own path at the one in which it was set. False
+  /// when either one is null or the file is gone.
   bool IsPathEqual(const char* file) const;
 
   // --- The file ---
 
-  /// Reads the own file afresh into the emptied database; every record of it is released first.
-  /// `file_time` stays as it is.
+  /// Releases all records and reads the own file again. `file_time` stays as it is.
   ///
-  /// A database that was not read whole holds what stands before the fault and is not saved:
-  /// `Write` refuses until it is read whole, cleared, or assigned to.
+  /// A database that was not read whole holds what stands before the fault. `Write` refuses it
+  /// until it is read whole, cleared, or assigned to.
   ///
   /// @return `ZelkErrorOk`; `ZelkErrorFileNotFound` without a path; `ZelkErrorNoDatabase` when the
   /// file cannot be read, with its message line in the error text
   ZelkError ReopenDatabaseFile();
 
-  /// Writes the database, and then overwrites another instance of the same file (`Commit`), which
-  /// plain managers may have open: to them that is an edit, with other records afterwards.
+  /// Writes the database, and then overwrites another instance of the same file (`Commit`). Plain
+  /// managers may have that instance open: to them this is an edit, which replaces all records.
   ///
   /// The file is replaced in one step once all of it is on the disk: on a failure it is as it was,
   /// and a line with the system's reason enters the error text. It keeps its permissions, access
   /// list and extended attributes, and its owner when the process may give files away; a file that
   /// this process may not write is not replaced. Links are followed. A file with several hard links
   /// is written in place while ".NAME.zelk-whole" beside it has the whole new content: when the
-  /// process is killed meanwhile, the next `Write` ends that first, with a line in the error text.
-  /// It also removes the ".NAME.zelk-N" that a killed process has left. What is no file, such as a
-  /// pipe, is written to directly.
+  /// process is killed meanwhile, the next `Write` first finishes that write, with a line in the
+  /// error text. It also removes the ".NAME.zelk-N" that a killed process has left. A pipe, or
+  /// anything else that is no regular file, is written to directly.
   ///
   /// A given file becomes the database's own as soon as it is found to be writable.
   ///
@@ -135,10 +133,9 @@ class ZELK_API ZelkDatabase {
   /// not be written, with the reason in the error text; or `ZelkErrorOk`
   ZelkError Write(const char* file);
 
-  /// Copies this database over the other one of the same file that stands in the process's list;
-  /// does nothing when there is none. It asks nobody: what another manager has changed there and
-  /// not written is gone, and its records are other ones. `Write` refuses instead. A mark of cut
-  /// names comes along.
+  /// Copies this database over the other instance of the same file in the process's list; does
+  /// nothing when there is none. All records of that instance are replaced, and unwritten edits of
+  /// other managers are lost; `Write` refuses in that case. The mark of cut names is copied too.
   void Commit();
 
   /// Releases all lists and texts. The path, the counts, `file_time` and `write_ext_mux` stay. A
@@ -151,17 +148,17 @@ class ZELK_API ZelkDatabase {
   // --- Objects ---
   //
   // Lookups: first match in list order, names byte by byte as in query.h; null when there is none
-  // or the name is null. The records are the database's. For a literal null say which type is
-  // meant: `GetMessage(nullptr)` and `GetMessage(0)` are ambiguous.
+  // or the name is null. The records belong to the database. A literal null must be cast:
+  // `GetMessage(nullptr)` and `GetMessage(0)` are ambiguous.
   //
-  // Lookups go through an index, and take the same time whatever the size of the database, as long
-  // as no host can change its records. A host can do so from the moment when it gets one to be
-  // changed, by a lookup in a database that is not const, `ZelkManager::GetDatabase`, a creation or
-  // a lookup or iterator of a write manager: it may write to such a record at any later time, so
-  // that lookups walk the lists, until the database is next read, cleared or assigned to. After
-  // that a host that goes on writing to it gets it, or its records, anew. Lookups in a const
-  // database, and those of `ZelkManager`, give nothing away. What hangs on a const record is not to
-  // be changed either, although its links are not const.
+  // Lookups use an index, and take the same time whatever the size of the database, as long as no
+  // host can change its records. A host can change them once it got the database or a record as
+  // non-const: from a lookup in a database that is not const, from `ZelkManager::GetDatabase`, from
+  // a creation, or from a lookup or iterator of a write manager. From then on lookups walk the
+  // lists, until the database is next read, cleared or assigned to; a host that wants to go on
+  // editing after that must get the database or its records anew. Lookups in a const database, and
+  // those of `ZelkManager`, keep the index. What hangs on a const record is not to be changed
+  // either, although its links are not const.
   //
   // Several threads may use lookups in one database as long as all of them are const.
   //
@@ -170,10 +167,10 @@ class ZELK_API ZelkDatabase {
   // exhausted. Creation behind the last record takes the same time whatever the size of the list,
   // when nothing was deleted or inserted elsewhere since the last one.
   //
-  // A host relinks records of these lists by the functions of model.h alone.
+  // To relink records of these lists, use only the functions of model.h.
   //
-  // Deletion: as the functions `can_delete_*` of model.h, which tell what is not released and that
-  // other records' references are the caller's to settle.
+  // Deletion: as the functions `can_delete_*` of model.h, which say what is not released. The
+  // caller removes other records' references first.
 
   const symblk* GetNode(const char* name) const;
   symblk* GetNode(const char* name);
@@ -215,21 +212,21 @@ class ZELK_API ZelkDatabase {
   const attr_def* GetAttrDef(const char* name) const;
   attr_def* GetAttrDef(const char* name);
   attr_def* CreateAttrDef(unsigned index);
-  /// Also forgets the definition as one of the long-name attributes.
+  /// Also removes the definition from the long-name attributes (`predefined`).
   void DeleteAttrDef(attr_def& definition);
-  /// Gives the definition another name, cut to 32 characters; null: nothing happens. One that takes
-  /// on the name of a long-name attribute gives its values to the objects as their names at once,
-  /// as `CheckAndInsertPredefinedAttrs` does.
+  /// Gives the definition another name, cut to 32 characters; null changes nothing. When that is
+  /// the name of a long-name attribute, its values become the names of the objects at once, as in
+  /// `CheckAndInsertPredefinedAttrs`.
   void RenameAttrDef(attr_def& definition, const char* name);
 
   /// The message of a J1939 frame, as `zelk_get_j1939_message` finds it.
   ///
   /// @param id     identifier of the frame; without bit 31 it is looked up as it is
-  /// @param flags  `ZELK_J1939_PGN_IDS`, `ZELK_J1939_FRAME_FORMAT`; without either the first counts
-  /// when `HasJ1939GroupNumbers`, else the second
+  /// @param flags  `ZELK_J1939_PGN_IDS`, `ZELK_J1939_FRAME_FORMAT`; without either the first
+  /// applies if `HasJ1939GroupNumbers`, else the second
   const msgblk* GetJ1939Message(unsigned long id, unsigned long flags) const;
   msgblk* GetJ1939Message(unsigned long id, unsigned long flags);
-  /// `flags` with what the database decides when they say nothing.
+  /// `flags`, completed by what the database says when they have neither mode.
   static std::uint32_t J1939Flags(std::uint32_t flags, bool has_group_numbers);
   /// Whether the database says that its messages' identifiers are J1939 group numbers: the network
   /// attribute "J1939PGN", or else "IsNMEA", has a value or a default above 0.
@@ -241,7 +238,7 @@ class ZELK_API ZelkDatabase {
   /// For the construction of an iterator over a kind of objects: the first one for null, else the
   /// next one. `T` is one of the database's record types, or it with const; `rxblk` and `catlink`
   /// are the links of the view filter, `attr` the network's own attribute values. Without const it
-  /// gives the records away to be changed, as the lookups above do.
+  /// gives the records out to be changed, as the lookups above do.
   template <typename T>
   T* Walk(T* object) {
     T* const found = object ? object->next : ListOf(static_cast<const T*>(nullptr));
@@ -258,21 +255,20 @@ class ZELK_API ZelkDatabase {
   void SetUserData(const char* text);  ///< copied; null: the empty text
   void WriteExtendedMultiplexing(bool on) { write_ext_mux = on ? 1 : 0; }
 
-  /// The name that the database has by itself: the network attribute "DBName" (its value, else its
-  /// default, which also counts for a value whose text is null) when that is defined as a text,
-  /// else the file's name without folder and extension. Characters that no database name has are
-  /// dropped, in front of the first valid one replaced by
-  /// "_", as is a leading digit; at most 32 characters are left.
+  /// The name that the database has by itself: the network attribute "DBName" (its value or, when
+  /// there is none or its text is null, its default) if that is defined as a text, else the file's
+  /// name without folder and extension. In front of the first character that can begin a name each
+  /// character is replaced by "_"; behind it, characters that no name has are dropped. At most 32
+  /// characters are left.
   ///
   /// @return released by the caller with `zelk_mfree`; null when the heap is exhausted
   char* GetDefaultName() const;
 
-  /// Enters a definition that is one of the long-name attributes: its values become the names of
-  /// their objects. A value that no file could hold as a name is left out and reported
-  /// (`ZELK_ERR_FORMAT` with the value enters the error text); an empty one is left out.
+  /// Adds a definition to the long-name attributes if it has one of their names: its values become
+  /// the names of their objects. A value that a file cannot hold as a name is left out and reported
+  /// (`ZELK_ERR_FORMAT` with the value); an empty one is left out.
   void CheckAndInsertPredefinedAttrs(attr_def& definition);
-  /// Forgets the definition as one of the long-name attributes. Names stay: they are the only ones
-  /// that the objects have.
+  /// Removes the definition from the long-name attributes. The objects keep their names.
   void CheckAndRemovePredefinedAttrs(attr_def& definition);
 
  protected:
@@ -288,14 +284,14 @@ class ZELK_API ZelkDatabase {
   ZelkDatabase();
   /// Reads a file; null gives an empty database.
   ///
-  /// @throws ZelkException when the file cannot be read, with nothing left of it
+  /// @throws ZelkException when the file cannot be read
   explicit ZelkDatabase(const char* file);
-  /// Deep copies: records of their own, which refer to each other as the source's do. A reference
-  /// to a record that the source does not own leads to the first record of that name or number in
-  /// the copy, else it is null; an attribute value without a definition comes out without a value.
-  /// A list for which memory runs out comes out empty, and `Write` refuses the copy; so it does the
-  /// copy of a database that was not read whole. The copy has holders, marks and a file time
-  /// of its own; assigning keeps those of the target, and its `symbols_shortened` and
+  /// Deep copies: new records, which refer to each other as the source's do. A reference to a
+  /// record that the source does not own becomes one to the first record of that name or number in
+  /// the copy, or else null. The copy of an attribute value without a definition has no value. When
+  /// memory runs out for a list, that list is empty in the copy, and `Write` refuses the copy; it
+  /// also refuses the copy of a database that was not read whole. The copy has its own counts and
+  /// file time; assignment keeps those of the target, and its `symbols_shortened` and
   /// `write_ext_mux`.
   ZelkDatabase(const ZelkDatabase& other);
   ZelkDatabase& operator=(const ZelkDatabase& other);
@@ -303,10 +299,10 @@ class ZELK_API ZelkDatabase {
 
   // The process-wide list, newest first.
 
-  /// The shared database of a file, with one more hold: the one in the list, or else a new one,
-  /// read from the file. Null gives a new empty database, which is found by no path.
+  /// The shared database of a file, with one more hold: the one in the list, or else a new one that
+  /// is read from the file. Null gives a new, empty database without a path.
   ///
-  /// @throws ZelkException when the file cannot be read; nothing is entered then
+  /// @throws ZelkException when the file cannot be read; the list is unchanged then
   static ZelkDatabase& CreateDatabase(const char* file);
   /// Gives one hold back. With `keep_in_cache` the database stays in the list with one more mark;
   /// without, it is destroyed when nobody holds it and no mark is left.
@@ -331,15 +327,15 @@ class ZELK_API ZelkDatabase {
   catlink* ListOf(const catlink*) const { return filter.categories; }
   rxblk* ListOf(const rxblk*) const { return filter.nodes; }
 
-  /// Null when the lists are to be walked.
+  /// Null when lookups must walk the lists.
   const zelk::DatabaseIndex* Index() const;
-  /// The lists are new ones, of which no host has a record.
+  /// Called when the lists are new and no host has a record of them: an index may be made again.
   void DropIndex() const;
-  /// The lists can change without being told.
+  /// Called when a host can change the lists without the library's knowledge.
   void ForbidIndex() const;
 
-  /// Where every record passes, and the database itself, that a host may change from then on, or
-  /// that the library changes.
+  /// Returns `found` to be changed, and forbids the index: every record that a host or the library
+  /// may change from now on passes here, and so does the database itself.
   template <typename T>
   T* HandOut(const T* found) const {
     if (found) ForbidIndex();
@@ -368,17 +364,31 @@ class ZELK_API ZelkDatabase {
   static ZelkDatabase* HoldListed(const char* file);
   static void Destroy(ZelkDatabase& database);
 
-  /// Made by the first const lookup and published when it is whole, unless the database has been
-  /// handed out meanwhile; what was made stays until the lists go.
+  /// The first const lookup makes the index, and publishes it when it is whole, unless the database
+  /// has been handed out meanwhile. The index stays until the lists are released.
   enum class IndexState : std::uint8_t { kNone, kBeingMade, kMade, kForbidden };
   mutable std::unique_ptr<const zelk::DatabaseIndex> made_index_;
   mutable std::atomic<IndexState> index_state_ = IndexState::kNone;
   mutable std::unique_ptr<zelk::ListEnds> ends_;  ///< made when it is first wanted
-  /// Of `path`, worked out when that was set.
+  /// What `path` led to when it was set.
   std::shared_ptr<const zelk::platform::FilePath> file_;
   bool is_being_saved_ = false;  ///< the time of the file is about to change
-  bool is_incomplete_ = false;   ///< a part was not read or copied: not to be saved
-  bool is_file_new_ = false;     ///< the own file was not there when it was set, nor written since
+  bool is_incomplete_ = false;   ///< a part was not read or copied: `Write` refuses
+  bool is_file_new_ = false;     ///< the file did not exist when `path` was set; not written since
 };
+
+/// Whether a text can be the name of a database: 1 to 32 letters, digits and "_", the first no
+/// digit. False for null.
+ZELK_API bool ZelkVerifyDatabaseName(const char* text);
+
+/// Splits "database::object" at its first colon, in place.
+///
+/// @param text    its first ":" is overwritten with a NUL when another ":" follows it
+/// @param db      receives `text`
+/// @param object  receives the part behind the double colon; null when the first colon is single,
+/// or there is none
+/// @return whether the first colon is a double one. With `db` or `object` null the text is only
+/// tested and stays as it is
+ZELK_API bool ZelkSplitQualifiedName(char* text, const char** db, const char** object);
 
 #endif

@@ -17,19 +17,18 @@ struct FramePlan;
 
 /// Decodes all signals of one message from frames of known length.
 ///
-/// A decoder is built once; decoding allocates nothing, raises nothing, and asks neither the
-/// message nor the database. It must be built anew when the message is edited, and it can be used
-/// from any number of threads at once.
+/// A decoder is built once. Decoding neither allocates nor raises, and reads neither the message
+/// nor the database. After an edit of the message the decoder must be built again. Any number of
+/// threads can use it at once.
 ///
 /// Signals stand in the order of the message's list; bit i % 64 of word i / 64 of a presence mask
-/// belongs to signal i. A signal is present when it fits into the frame, its multiplexor, a
-/// signal of the same message, is present and selects it (`ZelkManager::CheckSignalModeValue`), and
-/// it has at most 64 bits. No byte beyond
-/// the frame's length is read.
+/// belongs to signal i. A signal is present when it has at most 64 bits and fits into the frame,
+/// and its multiplexor, a signal of the same message, is present and selects it
+/// (`ZelkManager::CheckSignalModeValue`). No byte beyond the frame's length is read.
 ///
-/// Values are those of `ZelkManager::GetSignalPhysicalValue`, to the last bit, but for signals of
-/// up to 64 bits that reach into a ninth byte: that function loses their upper bits, and they are
-/// whole here.
+/// Values are those of `ZelkManager::GetSignalPhysicalValue`, to the last bit, except for signals
+/// of up to 64 bits that reach into a ninth byte: that function loses their upper bits, a decoder
+/// does not.
 class ZELK_API ZelkFrameDecoder {
  public:
   /// @throws std::bad_alloc
@@ -55,8 +54,8 @@ class ZELK_API ZelkFrameDecoder {
               std::uint64_t* present) const;
   /// Raw values: sign-extended for signed signals, the bit pattern of IEEE ones.
   ///
-  /// @param values  receives `SignalCount()` values; 0 for an absent signal; those of unsigned
-  /// signals are to be taken as unsigned
+  /// @param values  receives `SignalCount()` values; 0 for an absent signal. Convert those of
+  /// unsigned signals to `std::uint64_t`
   void DecodeRaw(const unsigned char* data, std::size_t length, std::int64_t* values,
                  std::uint64_t* present) const;
 
@@ -64,8 +63,8 @@ class ZELK_API ZelkFrameDecoder {
   std::unique_ptr<const zelk::FramePlan> plan_;
 };
 
-/// Encodes signals of one message into frames; the reverse of `ZelkFrameDecoder`, in the same order
-/// and with the same promises.
+/// Encodes signals of one message into frames: the reverse of `ZelkFrameDecoder`, with the same
+/// order of signals and the same guarantees.
 class ZELK_API ZelkFrameEncoder {
  public:
   /// @throws std::bad_alloc
@@ -77,12 +76,12 @@ class ZELK_API ZelkFrameEncoder {
   std::size_t SignalCount() const;
   std::size_t PresenceWords() const { return (SignalCount() + 63) / 64; }
 
-  /// Puts physical values into a frame; bits of no selected signal stay. Values are rounded as by
-  /// `ZelkManager::PhysicalToRawValueInt64`; what the signal's bits cannot hold becomes the nearest
-  /// value that they can, so no neighbour is ever touched. Multiplexing is the caller's, by the
-  /// signals that it selects; where selected signals overlap, one of them wins.
+  /// Puts physical values into a frame; bits that belong to no selected signal stay. Values are
+  /// rounded as by `ZelkManager::PhysicalToRawValueInt64`. A value that the signal's bits cannot
+  /// hold becomes the nearest one that they can, so neighbours are never changed. The caller sees
+  /// to multiplexing when it selects the signals; where selected signals overlap, one of them wins.
   ///
-  /// @param values   one for each signal; those of signals that are not selected are not looked at
+  /// @param values   one for each signal; those of signals that are not selected are not read
   /// @param present  presence mask: the signals to write; null for all
   /// @param data     the frame's data
   /// @param length   in bytes

@@ -17,7 +17,7 @@ template <typename T>
 class ZelkPredicate {
  public:
   /// @param object   never null
-  /// @param db_name  name of the database that holds it; null when the iterator was not told
+  /// @param db_name  name of the database that holds it; null when the iterator does not know it
   virtual bool operator()(T* object, ZelkManager& manager, const char* db_name) = 0;
 
  protected:
@@ -37,11 +37,11 @@ struct ZelkIteratorEnd {};
 ///     for (auto it = manager.GetMessageIterator(nullptr); it; ++it) use(it.DatabaseName(), **it);
 ///     for (const msgblk* message : manager.GetMessageIterator(nullptr)) use(*message);
 ///
-/// It points into the databases: it is valid while they are neither closed nor changed. The
-/// predicate must outlive it. Copies are independent of each other.
+/// An iterator points into the databases: it is valid while they are neither closed nor changed.
+/// The predicate must outlive it. Copies are independent of each other.
 template <typename T>
 class ZelkIterator {
-  /// For records that may be changed: a predicate that only looks at them.
+  /// For records that may be changed: a predicate that takes const ones.
   struct NoPredicate {};
   using ConstPredicate =
       std::conditional_t<std::is_const_v<T>, NoPredicate, ZelkPredicate<const T>>;
@@ -58,12 +58,13 @@ class ZelkIterator {
 
   /// Over the objects of a kind.
   ///
-  /// @param db  name of a database (the walk never leaves it; none when it is not known); null: all
+  /// @param db  name of a database (the walk stays in it; an unknown name has no objects); null:
+  /// all
   ZelkIterator(const ZelkManager& manager, FirstFunction first, const char* db)
       : manager_(&manager), name_(db), first_(first) {
     Begin(db);
   }
-  /// Over those that the predicate accepts.
+  /// Over the objects that the predicate accepts.
   ZelkIterator(const ZelkManager& manager, FirstFunction first, ZelkPredicate<T>& predicate,
                const char* db)
       : flags_(kHasPredicate),
@@ -76,7 +77,7 @@ class ZelkIterator {
   }
   /// Over the list that begins with `start`, null for an empty one.
   ///
-  /// @param db  what `DatabaseName` shall answer
+  /// @param db  what `DatabaseName` returns
   ZelkIterator(const ZelkManager& manager, T* start, const char* db)
       : manager_(&manager), current_(start), name_(db) {}
   ZelkIterator(const ZelkManager& manager, T* start, ZelkPredicate<T>& predicate, const char* db)
@@ -115,16 +116,17 @@ class ZelkIterator {
   operator bool() const { return current_ != nullptr; }
   /// The object it stands on; null behind the last one.
   T* operator*() const { return current_; }
-  /// Name of the database that holds the object; as given when it never leaves one.
+  /// Name of the database that holds the object. A walk that stays in one database returns the name
+  /// that it was given.
   const char* DatabaseName() const { return name_; }
 
-  /// For range-based `for`: a copy, without what a derived class does in `SeekNextValid`.
+  /// For range-based `for`: a copy, which does not call a derived class's `SeekNextValid`.
   ZelkIterator begin() const { return *this; }
   static ZelkIteratorEnd end() { return {}; }
   bool operator==(ZelkIteratorEnd) const { return current_ == nullptr; }
 
   /// Whether both stand on the same object, or both behind the last one. Iterators over different
-  /// kinds of objects cannot be compared, and none has an order.
+  /// kinds of objects cannot be compared, and iterators are not ordered.
   template <typename U>
   bool operator==(const ZelkIterator<U>& other) const requires kIsComparable<U> {
     return current_ == *other;
@@ -140,7 +142,7 @@ class ZelkIterator {
     if (current_ == nullptr && (flags_ & kAllDatabases) != 0) EnterNextDatabase();
   }
 
-  /// Moves on to the next object, this one included, that the predicate accepts.
+  /// Moves on to the first object, beginning with this one, that the predicate accepts.
   virtual void SeekNextValid() {
     while (current_ != nullptr && !IsAccepted()) IncreasePosition();
   }

@@ -28,8 +28,8 @@ class ZELK_API MultiplexedBySignalPredicate : public ZelkPredicate<const sigblk>
   const sigblk* multiplexor_;
 };
 
-/// Signals that a frame holds: they and the multiplexors above them lie within its data, and they
-/// are present (`ZelkManager::CheckSignalModeValue`). No byte beyond the data is read.
+/// Signals that a frame holds: the signal and the multiplexors above it lie within its data, and
+/// the signal is present (`ZelkManager::CheckSignalModeValue`). No byte beyond the data is read.
 class ZELK_API ValidSignalPredicate : public ZelkPredicate<const sigblk> {
  public:
   /// @param frame        the first data byte; the data must outlive the predicate

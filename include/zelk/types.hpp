@@ -19,7 +19,7 @@ enum ZelkError : int {
   ZelkErrorNameUsed = 3,      ///< the manager has a database of that name
   ZelkErrorAlreadyOpen = 4,   ///< the manager has the file open
   ZelkErrorOpenForWrite = 5,  ///< a write manager has the file open
-  ZelkErrorInvalidName = 7,   ///< not a name for a database
+  ZelkErrorInvalidName = 7,   ///< no database can have the name
   ZelkErrorReadOnly = 8,      ///< the file is read-only
   ZelkErrorNotWritten = 9,    ///< not written, and the file as it was; also for no such database
   ZelkErrorFileBelongs = 10,  ///< another database has the file, or one that was to be new exists
@@ -32,7 +32,7 @@ enum ZelkError : int {
 /// @return a constant of the library; never null, also for a number that is none of the results
 ZELK_API const char* ZelkErrorText(ZelkError error);
 
-/// What became of a query; the values of a manager's status word (`ZelkManager::Status`).
+/// Results of queries: the values of a manager's status word (`ZelkManager::Status`).
 enum ZelkStatus : int {
   ZelkStatusOk = 0,
   ZelkStatusNotFound = 2,       ///< no such database or object
@@ -82,13 +82,13 @@ struct zelk_sig_mask_t {
   std::uint32_t min_data_length;  ///< bytes that a frame needs to hold the signal
 };
 
-/// What a caller asks for: which of several databases shall answer.
+/// Selects which of several databases answers a lookup.
 struct ZelkSelection {
   std::uint32_t key = 0;      ///< primary selector; its meaning is the caller's
   std::uint16_t sub_key = 0;  ///< secondary selector
 };
 
-/// What an open database answers to. A new database has the catch-all pattern.
+/// The selections that an open database answers to. A new database answers to every one.
 struct ZelkSelectionPattern {
   static constexpr std::uint32_t kAnyKey = 0xFFFFFFFF;
   static constexpr std::uint16_t kAnySubKey = 0xFFFF;
@@ -96,15 +96,15 @@ struct ZelkSelectionPattern {
   std::uint32_t key = kAnyKey;
   std::uint16_t sub_key = kAnySubKey;
 
-  /// Both members are those of the selection.
+  /// Whether both members equal those of the selection.
   bool IsExact(const ZelkSelection& selection) const {
     return key == selection.key && sub_key == selection.sub_key;
   }
-  /// The key is the selection's, the sub key too or any.
+  /// Whether the key equals that of the selection, and the sub key too or is any.
   bool IsPartial(const ZelkSelection& selection) const {
     return key == selection.key && (sub_key == selection.sub_key || sub_key == kAnySubKey);
   }
-  /// Answers to every selection.
+  /// Whether it answers to every selection.
   bool IsCatchAll() const { return key == kAnyKey && sub_key == kAnySubKey; }
 };
 

@@ -1,7 +1,6 @@
 #include "zelk/converter.hpp"
 
 #include <exception>
-#include <new>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -9,7 +8,8 @@
 #include "database/copier.hpp"
 #include "database/file.hpp"
 #include "database/heads.hpp"
-#include "model/errors.hpp"
+#include "model/release.hpp"
+#include "model/without_raising.hpp"
 #include "platform/platform.hpp"
 #include "zelk/exception.hpp"
 #include "zelk/model.h"
@@ -23,7 +23,7 @@ const zelk_conversion*& running_conversion() {
   return conversion;
 }
 
-/// Sets the running conversion, and the one before it in place again.
+/// Sets the running conversion, and at the end of the scope the one before it.
 class Running {
  public:
   explicit Running(const zelk_conversion& conversion)
@@ -36,7 +36,7 @@ class Running {
   const zelk_conversion* before_;
 };
 
-/// Calls the module's function within a conversion of `database`.
+/// Calls the module's function while a conversion of `database` runs.
 ///
 /// @param number  error number under which an escaping exception is reported
 template <typename Call>
@@ -61,7 +61,7 @@ bool run(ZelkDatabase& database, const char* option, std::uint32_t number, Call 
   return false;
 }
 
-void tell_missing_function(bool is_loaded) {
+void report_missing_function(bool is_loaded) {
   zelk_note(ZELK_ERR_CONVERT, kNoLine,
             is_loaded ? "the module has no such function" : "the module cannot be loaded");
 }
@@ -76,13 +76,21 @@ std::string dbc_path(std::string_view file) {
 }  // namespace
 }  // namespace zelk
 
+namespace {
+
+// Values of the converter's status.
+constexpr std::uint32_t kDone = 0;
+constexpr std::uint32_t kFailed = 1;  ///< or still running
+
+}  // namespace
+
 extern "C" const zelk_conversion* zelk_get_conversion(void) { return zelk::running_conversion(); }
 
 // --- Converter ---
 
 ZelkConverter::ZelkConverter(ZelkManager& manager, const char* module) : manager_(manager) {
   if (module) module_ = static_cast<HINSTANCE>(zelk::platform::load_module(module).release());
-  if (!module_) status_ = 1;
+  if (!module_) status_ = kFailed;
 }
 
 void ZelkConverter::FindFunction(const char* function) {
@@ -112,33 +120,31 @@ ZelkImporter::ZelkImporter(ZelkWriteManager& manager, const char* module, const 
   FindFunction(function);
 }
 
-ZelkError ZelkImporter::Import(const char* db, const char** name, const char* file) try {
-  status_ = 1;
+ZelkError ZelkImporter::Import(const char* db, const char** name, const char* file) {
+  status_ = kFailed;
   zelk_clear_error_text();
-  const ZelkError source = file ? zelk::writability(file) : ZelkErrorFileNotFound;
-  if (source != ZelkErrorOk) return source;
-  const char* stored = nullptr;
-  const ZelkError created = CreateDatabase(db, &stored, file);
-  if (created != ZelkErrorOk) return created;
-  const ZelkError error = FillDatabase(stored, file);
-  if (error == ZelkErrorOk && name) *name = stored;
-  return error;
-} catch (const std::bad_alloc&) {
-  zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
-  return ZelkErrorNoDatabase;
+  return zelk::without_raising(ZelkErrorNoDatabase, [&] {
+    const ZelkError source = file ? zelk::writability(file) : ZelkErrorFileNotFound;
+    if (source != ZelkErrorOk) return source;
+    const char* stored = nullptr;
+    const ZelkError created = CreateDatabase(db, &stored, file);
+    if (created != ZelkErrorOk) return created;
+    const ZelkError error = FillDatabase(stored, file);
+    if (error == ZelkErrorOk && name) *name = stored;
+    return error;
+  });
 }
 
-ZelkError ZelkImporter::CreateDatabase(const char* db, const char** name, const char* file) try {
+ZelkError ZelkImporter::CreateDatabase(const char* db, const char** name, const char* file) {
   auto& manager = static_cast<ZelkWriteManager&>(manager_);
   if (db && manager.GetUniqueDatabaseName(db)) return ZelkErrorNameUsed;
-  return manager.CreateDatabase(db, name, zelk::dbc_path(file).c_str());
-} catch (const std::bad_alloc&) {
-  zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
-  return ZelkErrorNoDatabase;
+  return zelk::without_raising(ZelkErrorNoDatabase, [&] {
+    return manager.CreateDatabase(db, name, zelk::dbc_path(file).c_str());
+  });
 }
 
 ZelkError ZelkImporter::FillDatabase(const char* name, const char* file) {
-  status_ = 1;
+  status_ = kFailed;
   database_ = GetDatabase(name);
   if (!database_) return ZelkErrorNoDatabase;
   const bool is_filled = ProcessFile(file) && CopyDatabaseLists();
@@ -147,13 +153,13 @@ ZelkError ZelkImporter::FillDatabase(const char* name, const char* file) {
     manager_.CloseDatabase(name, false);
     return ZelkErrorNoDatabase;
   }
-  status_ = 0;
+  status_ = kDone;
   return ZelkErrorOk;
 }
 
 bool ZelkImporter::ProcessFile(const char* file) {
   if (!function_) {
-    zelk::tell_missing_function(module_ != nullptr);
+    zelk::report_missing_function(module_ != nullptr);
     return false;
   }
   ZelkDatabase& database = *database_;
@@ -168,19 +174,19 @@ bool ZelkImporter::PostProcess(symblk* nodes, msgblk* messages, env_var_blk* env
                                btlblk* bit_timings, attr_def* attr_defs, attr* attr_values,
                                cat* categories, filter_t filter, char* comment, char* user_data,
                                sigtype* signal_types, valtable* value_tables) {
-  zelk_free(nodes, messages, env_vars, bit_timings, attr_defs, attr_values, categories, &filter,
-            comment, user_data, signal_types, value_tables);
+  zelk::release({nodes, messages, env_vars, bit_timings, attr_defs, attr_values, categories, filter,
+                 comment, user_data, signal_types, value_tables});
   return true;
 }
 
-bool ZelkImporter::CopyDatabaseLists() try {
-  ZelkDatabase filled;
-  zelk::swap_content(zelk::heads_of(filled), zelk::heads_of(*database_));
-  const bool is_complete = zelk::DatabaseCopier(filled, *database_).copy();
-  const auto post_process = [this](auto... parts) { return PostProcess(parts...); };
-  return std::apply(post_process, zelk::take(zelk::heads_of(filled)).all()) && is_complete;
-} catch (const ZelkException&) {  // already reported: raising appends to the error text
-  return false;
+bool ZelkImporter::CopyDatabaseLists() {
+  return zelk::without_raising(false, [this] {
+    ZelkDatabase filled;
+    zelk::swap_content(zelk::heads_of(filled), zelk::heads_of(*database_));
+    const bool is_complete = zelk::DatabaseCopier(filled, *database_).copy();
+    const auto post_process = [this](auto... parts) { return PostProcess(parts...); };
+    return std::apply(post_process, zelk::take(zelk::heads_of(filled)).all()) && is_complete;
+  });
 }
 
 // --- Exporter ---
@@ -190,25 +196,24 @@ ZelkExporter::ZelkExporter(ZelkManager& manager, const char* module, const char*
   FindFunction(function);
 }
 
-ZelkError ZelkExporter::Export(const char* db, const char* file) try {
-  status_ = 1;
+ZelkError ZelkExporter::Export(const char* db, const char* file) {
+  status_ = kFailed;
   zelk_clear_error_text();
   if (!file) return ZelkErrorNotWritten;
-  if (zelk::writability(file) != ZelkErrorFileNotFound) return ZelkErrorFileBelongs;
-  database_ = manager_.FindDatabase(db);
-  const bool is_written = database_ && ProcessFile(file);
-  database_ = nullptr;
-  if (!is_written) return ZelkErrorNotWritten;
-  status_ = 0;
-  return ZelkErrorOk;
-} catch (const std::bad_alloc&) {
-  zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
-  return ZelkErrorNotWritten;
+  return zelk::without_raising(ZelkErrorNotWritten, [&] {
+    if (zelk::writability(file) != ZelkErrorFileNotFound) return ZelkErrorFileBelongs;
+    database_ = manager_.FindDatabase(db);
+    const bool is_written = database_ && ProcessFile(file);
+    database_ = nullptr;
+    if (!is_written) return ZelkErrorNotWritten;
+    status_ = kDone;
+    return ZelkErrorOk;
+  });
 }
 
 bool ZelkExporter::ProcessFile(const char* file) {
   if (!function_) {
-    if (is_function_wanted_) zelk::tell_missing_function(module_ != nullptr);
+    if (is_function_wanted_) zelk::report_missing_function(module_ != nullptr);
     return true;
   }
   const ZelkDatabase& database = *database_;

@@ -1,15 +1,13 @@
 #include "database/copier.hpp"
 
 #include <cstddef>
-#include <new>
 #include <utility>
 
 #include "base/list.hpp"
-#include "model/errors.hpp"
 #include "model/inline_name.hpp"
 #include "model/memory.hpp"
 #include "model/release.hpp"
-#include "zelk/exception.hpp"
+#include "model/without_raising.hpp"
 
 namespace zelk {
 namespace {
@@ -105,15 +103,12 @@ Record* DatabaseCopier::copy_list(const Record* source, CopyMembers copy_members
 /// Copies one of the database's lists, or leaves it empty when memory runs out.
 template <typename Record, typename CopyMembers>
 void DatabaseCopier::copy_whole(Record*& target, const Record* source, CopyMembers copy_members) {
-  try {
+  const bool is_copied = without_raising([&] {
     Owned<Record> copies(copy_list(source, copy_members));
     remember(source, copies.get());
     target = copies.release();
-    return;
-  } catch (const ZelkException&) {  // already reported: raising appends to the error text
-  } catch (const std::bad_alloc&) {
-    zelk_note(ZELK_ERR_MEMORY, kNoLine, nullptr);
-  }
+  });
+  if (is_copied) return;
   is_complete_ = false;
   forget(source);
 }
@@ -320,11 +315,7 @@ void DatabaseCopier::copy_variables() {
 
 /// Copies one of the database's texts, or leaves the target's when memory runs out.
 void DatabaseCopier::copy_whole(char*& target, const char* source) {
-  try {
-    assign_text(target, copy_of(source));
-  } catch (const ZelkException&) {  // already reported: raising appends to the error text
-    is_complete_ = false;
-  }
+  is_complete_ &= without_raising([&] { assign_text(target, copy_of(source)); });
 }
 
 void DatabaseCopier::copy_texts() {

@@ -1,7 +1,6 @@
 #include "zelk/database.hpp"
 
 #include <memory>
-#include <new>
 #include <string>
 #include <utility>
 
@@ -12,11 +11,10 @@
 #include "database/list_ends.hpp"
 #include "database/process_guard.hpp"
 #include "database/registry.hpp"
-#include "model/errors.hpp"
 #include "model/memory.hpp"
 #include "model/release.hpp"
+#include "model/without_raising.hpp"
 #include "reader/read.hpp"
-#include "zelk/exception.hpp"
 
 ZelkDatabase::ZelkDatabase() { zelk::assign_text(user_data, zelk::copy_text("")); }
 
@@ -71,18 +69,15 @@ void ZelkDatabase::SetFile(char* text, std::shared_ptr<const zelk::platform::Fil
 }
 
 /// @return false, with the own file as it was, when memory runs out
-bool ZelkDatabase::TakeFileOf(const ZelkDatabase& other) try {
-  SetFile(zelk::copy_of(other.path).release(), zelk::DatabaseFile::of(other));
-  is_file_new_ = other.is_file_new_;
-  return true;
-} catch (const ZelkException&) {  // already reported: raising appends to the error text
-  return false;
-} catch (const std::bad_alloc&) {
-  zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
-  return false;
+bool ZelkDatabase::TakeFileOf(const ZelkDatabase& other) {
+  return zelk::without_raising([&] {
+    auto file = zelk::DatabaseFile::of(other);
+    SetFile(zelk::copy_of(other.path).release(), std::move(file));
+    is_file_new_ = other.is_file_new_;
+  });
 }
 
-/// The own file's path, which leads to it wherever the working folder has moved.
+/// The path of the own file, usable whatever the working folder is now.
 std::string ZelkDatabase::OwnFile() const {
   const auto file = zelk::DatabaseFile::of(*this);
   const bool has_moved = zelk::platform::FilePath(path).absolute != file->absolute;
@@ -91,8 +86,7 @@ std::string ZelkDatabase::OwnFile() const {
 
 // --- Reading and writing ---
 
-/// The reader's mark for shortened names becomes the database's also when the file turns out to be
-/// faulty.
+/// Takes over the reader's mark for shortened names, also from a file with a fault.
 void ZelkDatabase::ReadFile() {
   const auto keep_mark = [this] {
     symbols_shortened = static_cast<std::uint8_t>(zelk_symbols_shortened());
@@ -112,35 +106,27 @@ void ZelkDatabase::ReadFile() {
   is_incomplete_ = is_file_new_ = false;
 }
 
-bool ZelkDatabase::operator==(const ZelkDatabase& other) const try {
+bool ZelkDatabase::operator==(const ZelkDatabase& other) const {
   if (this == &other) return true;
-  const auto file = zelk::DatabaseFile::of(other);
-  return file && zelk::DatabaseFile::is(*this, *file);
-} catch (const std::bad_alloc&) {
-  zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
-  return false;
+  return zelk::without_raising(false, [&] {
+    const auto file = zelk::DatabaseFile::of(other);
+    return file && zelk::DatabaseFile::is(*this, *file);
+  });
 }
 
-bool ZelkDatabase::IsPathEqual(const char* file) const try {
-  return file && zelk::DatabaseFile::is(*this, file);
-} catch (const std::bad_alloc&) {
-  zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
-  return false;
+bool ZelkDatabase::IsPathEqual(const char* file) const {
+  return zelk::without_raising(false, [&] { return file && zelk::DatabaseFile::is(*this, file); });
 }
 
 ZelkError ZelkDatabase::ReopenDatabaseFile() {
   if (!path) return ZelkErrorFileNotFound;
   Clear();
   is_incomplete_ = true;
-  try {
+  return zelk::without_raising(ZelkErrorNoDatabase, [this] {
     zelk::assign_text(user_data, zelk::copy_text(""));
     ReadFile();
     return ZelkErrorOk;
-  } catch (const std::bad_alloc&) {
-    zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
-  } catch (const ZelkException&) {  // already reported: raising appends to the error text
-  }
-  return ZelkErrorNoDatabase;
+  });
 }
 
 void ZelkDatabase::Clear() {
@@ -153,12 +139,10 @@ void ZelkDatabase::Clear() {
 
 // --- Texts ---
 
-void ZelkDatabase::SetComment(const char* text) try {
-  zelk::assign_text(comment, zelk::copy_of(text));
-} catch (const ZelkException&) {  // already reported; the old comment stays
+void ZelkDatabase::SetComment(const char* text) {
+  zelk::without_raising([&] { zelk::assign_text(comment, zelk::copy_of(text)); });
 }
 
-void ZelkDatabase::SetUserData(const char* text) try {
-  zelk::assign_text(user_data, zelk::copy_text(text ? text : ""));
-} catch (const ZelkException&) {  // already reported; the old text stays
+void ZelkDatabase::SetUserData(const char* text) {
+  zelk::without_raising([&] { zelk::assign_text(user_data, zelk::copy_text(text ? text : "")); });
 }

@@ -5,13 +5,12 @@
 #include <string_view>
 
 #include "base/list.hpp"
-#include "model/errors.hpp"
 #include "model/inline_name.hpp"
 #include "model/memory.hpp"
+#include "model/without_raising.hpp"
 #include "text/words.hpp"
 #include "zelk/database.hpp"
 #include "zelk/dbc.h"
-#include "zelk/exception.hpp"
 
 namespace {
 
@@ -42,9 +41,7 @@ void take_long_name(Object& object, const attr_def& definition, bool is_node) {
 
 template <typename Object>
 void take_long_names(Object* list, const attr_def& definition, bool is_node = false) {
-  for (Object* object = list; object; object = object->next) {
-    take_long_name(*object, definition, is_node);
-  }
+  for (Object& object : zelk::each(list)) take_long_name(object, definition, is_node);
 }
 
 }  // namespace
@@ -71,27 +68,25 @@ void ZelkPredefinedAttributes::ClearAll() {
   std::fill(std::begin(slots), std::end(slots), nullptr);
 }
 
-void ZelkDatabase::CheckAndInsertPredefinedAttrs(attr_def& definition) try {
+void ZelkDatabase::CheckAndInsertPredefinedAttrs(attr_def& definition) {
   if (!predefined.Insert(*HandOut(&definition))) return;
-  switch (definition.object_type) {
-    case ZELK_OBJ_NODE:
-      take_long_names(nodes, definition, true);
-      break;
-    case ZELK_OBJ_MESSAGE:
-      take_long_names(messages, definition);
-      break;
-    case ZELK_OBJ_SIGNAL:
-      for (msgblk* message = messages; message; message = message->next) {
-        take_long_names(message->signals, definition);
-      }
-      break;
-    case ZELK_OBJ_ENVVAR:
-      take_long_names(env_vars, definition);
-      break;
-    default:
-      break;
-  }
-} catch (const ZelkException&) {  // already reported; the other names stay
+  zelk::without_raising([&] {
+    switch (definition.object_type) {
+      case ZELK_OBJ_NODE:
+        return take_long_names(nodes, definition, true);
+      case ZELK_OBJ_MESSAGE:
+        return take_long_names(messages, definition);
+      case ZELK_OBJ_SIGNAL:
+        for (const msgblk& message : zelk::each(messages)) {
+          take_long_names(message.signals, definition);
+        }
+        return;
+      case ZELK_OBJ_ENVVAR:
+        return take_long_names(env_vars, definition);
+      default:
+        return;
+    }
+  });
 }
 
 void ZelkDatabase::CheckAndRemovePredefinedAttrs(attr_def& definition) {

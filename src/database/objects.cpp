@@ -1,5 +1,6 @@
 // Lookups, creation and deletion of a database's objects.
 
+#include <algorithm>
 #include <cstdint>
 #include <new>
 #include <utility>
@@ -9,11 +10,10 @@
 #include "database/index.hpp"
 #include "database/list_ends.hpp"
 #include "database/lookup.hpp"
-#include "model/errors.hpp"
 #include "model/list_edit.hpp"
 #include "model/symbols.hpp"
+#include "model/without_raising.hpp"
 #include "zelk/database.hpp"
-#include "zelk/exception.hpp"
 #include "zelk/model.h"
 #include "zelk/query.h"
 
@@ -38,22 +38,18 @@ bool is_switched_on(const ZelkDatabase& database, const char* name) {
 // --- Creation and deletion ---
 
 template <typename Record>
-Record* ZelkDatabase::CreateAt(Record*& list, unsigned index, Record* (*create)()) try {
-  Record* const record = create();
-  if (!record) {
-    zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
-    return nullptr;
-  }
-  if (!ends_) ends_.reset(new (std::nothrow) zelk::ListEnds());
-  if (ends_) {
-    ends_->of<Record>().link_at(list, index, record);
-  } else {
-    zelk::link_at(list, index, record);
-  }
-  return HandOut(record);
-} catch (
-    const ZelkException&) {  // already reported: whoever raises it appends it to the error text
-  return nullptr;
+Record* ZelkDatabase::CreateAt(Record*& list, unsigned index, Record* (*create)()) {
+  return zelk::without_raising<Record*>(nullptr, [&] {
+    Record* const record = create();
+    if (!record) throw std::bad_alloc();  // silent after a read that has reported an error
+    if (!ends_) ends_.reset(new (std::nothrow) zelk::ListEnds());
+    if (ends_) {
+      ends_->of<Record>().link_at(list, index, record);
+    } else {
+      zelk::link_at(list, index, record);
+    }
+    return HandOut(record);
+  });
 }
 
 template <typename Record>
@@ -133,9 +129,7 @@ bool ZelkDatabase::HasJ1939GroupNumbers() const {
 
 unsigned long ZelkDatabase::GetMaxEnvvarHandle() const {
   std::uint32_t largest = 0;
-  for (const env_var_blk* variable = env_vars; variable; variable = variable->next) {
-    if (variable->id > largest) largest = variable->id;
-  }
+  for (const env_var_blk& variable : zelk::each(env_vars)) largest = std::max(largest, variable.id);
   return largest;
 }
 

@@ -8,22 +8,20 @@
 #include "database/heads.hpp"
 #include "database/process_guard.hpp"
 #include "database/registry.hpp"
-#include "model/errors.hpp"
+#include "model/without_raising.hpp"
 #include "writer/write.hpp"
 #include "zelk/database.hpp"
-#include "zelk/exception.hpp"
 
 namespace {
 
-/// 0 also when there is no memory to ask: the file is saved all the same, only that nobody finds
-/// its database by it.
+/// 0 when memory runs out: the file is saved then, but its database is not found by it.
 std::int64_t time_of_saved(const char* path) try {
   return zelk::modification_time(path);
 } catch (const std::bad_alloc&) {
   return 0;
 }
 
-/// Takes a mark away when this goes.
+/// Clears a mark at the end of a scope.
 class Unmarking {
  public:
   explicit Unmarking(bool& mark) : mark_(mark) {}
@@ -42,13 +40,9 @@ class Unmarking {
 
 ZelkError ZelkDatabase::Write(const char* file) {
   if (!file && !path) return ZelkErrorFileNotFound;
-  try {
+  return zelk::without_raising(ZelkErrorNotWritten, [&] {
     return BelongsToAnother(file) ? ZelkErrorFileBelongs : WriteOwn(file);
-  } catch (const std::bad_alloc&) {
-    zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
-  } catch (const ZelkException&) {  // already reported: raising appends to the error text
-  }
-  return ZelkErrorNotWritten;
+  });
 }
 
 /// Writes to `file`, which becomes the database's own when it can be written; null: to its own.
@@ -88,8 +82,8 @@ ZelkError ZelkDatabase::Save(const char* target) {
   return ZelkErrorOk;
 }
 
-/// Lets other threads find the database by its file alone until it is saved: they must not take it
-/// for another one while its time is not known.
+/// Until the database is saved, other threads find it by its path alone: the time of its file is
+/// about to change.
 ///
 /// @return `FindListed`, with one more hold
 ZelkDatabase* ZelkDatabase::StartSaving() {
@@ -100,14 +94,14 @@ ZelkDatabase* ZelkDatabase::StartSaving() {
   return listed;
 }
 
-void ZelkDatabase::Commit() try {
-  const zelk::ProcessGuard guard;
-  ZelkDatabase* const listed = FindListed();
-  if (!listed) return;
-  *listed = *this;
-  listed->symbols_shortened |= symbols_shortened;  // or the cut names could be saved from there
-} catch (const std::bad_alloc&) {
-  zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
+void ZelkDatabase::Commit() {
+  zelk::without_raising([this] {
+    const zelk::ProcessGuard guard;
+    ZelkDatabase* const listed = FindListed();
+    if (!listed) return;
+    *listed = *this;
+    listed->symbols_shortened |= symbols_shortened;  // or the cut names could be saved from there
+  });
 }
 
 /// Another instance of this database's file, which the process's list has; null when there is none.

@@ -1,4 +1,4 @@
-// Creating records, and deleting them with all that refers to them.
+// Creating records, and deleting them with everything that refers to them.
 
 #include <cstdint>
 
@@ -12,58 +12,50 @@ namespace {
 
 constexpr auto kRelease = [](auto* record) { release_one(record); };
 
-/// Removes attribute values, wherever one may stand.
+/// Removes attribute values from all records that can have them.
 ///
 /// @param is_gone  whether a value goes
 template <typename IsGone>
 void remove_attributes(ZelkDatabase& database, IsGone is_gone) {
-  const auto clean = [is_gone](attr*& values) { remove_if(values, is_gone, kRelease); };
-  const auto clean_links = [clean](rxblk* links) {
-    for (; links; links = links->next) clean(links->attrs);
+  const auto clean_each = [is_gone](auto* owners) {
+    for (auto& owner : each(owners)) remove_if(owner.attrs, is_gone, kRelease);
   };
-  const auto clean_each = [clean](auto* list) {
-    for (; list; list = list->next) clean(list->attrs);
-  };
-  clean(database.attr_values);
+  remove_if(database.attr_values, is_gone, kRelease);
   clean_each(database.nodes);
   clean_each(database.signal_types);
   clean_each(database.messages);
   clean_each(database.env_vars);
-  clean_links(database.filter.nodes);
-  for (env_var_blk* variable = database.env_vars; variable; variable = variable->next) {
-    clean_links(variable->access_nodes);
-  }
-  for (msgblk* message = database.messages; message; message = message->next) {
-    clean_links(message->tx_nodes);
-    clean_each(message->signals);
-    for (sigblk* signal = message->signals; signal; signal = signal->next) {
-      clean_links(signal->receivers);
-    }
+  clean_each(database.filter.nodes);
+  for (const env_var_blk& variable : each(database.env_vars)) clean_each(variable.access_nodes);
+  for (const msgblk& message : each(database.messages)) {
+    clean_each(message.tx_nodes);
+    clean_each(message.signals);
+    for (const sigblk& signal : each(message.signals)) clean_each(signal.receivers);
   }
 }
 
 void detach(ZelkDatabase& database, const symblk& node) {
-  for (msgblk* message = database.messages; message; message = message->next) {
-    remove_transmitter(*message, node, kRelease);
-    for (sigblk* signal = message->signals; signal; signal = signal->next) {
-      count_off(signal->receiver_count, remove_links(signal->receivers, node, kRelease));
+  for (msgblk& message : each(database.messages)) {
+    remove_transmitter(message, node, kRelease);
+    for (sigblk& signal : each(message.signals)) {
+      count_off(signal.receiver_count, remove_links(signal.receivers, node, kRelease));
     }
   }
-  for (env_var_blk* variable = database.env_vars; variable; variable = variable->next) {
-    count_off(variable->access_node_count, remove_links(variable->access_nodes, node, kRelease));
+  for (env_var_blk& variable : each(database.env_vars)) {
+    count_off(variable.access_node_count, remove_links(variable.access_nodes, node, kRelease));
   }
   remove_links(database.filter.nodes, node, kRelease);
 }
 
-/// Nothing refers to these but what they own themselves.
+/// No other record refers to these.
 void detach(ZelkDatabase&, const msgblk&) {}
 void detach(ZelkDatabase&, const env_var_blk&) {}
 void detach(ZelkDatabase&, const btlblk&) {}
 
 template <typename Object>
 void drop_category(Object* list, const cat& category) {
-  for (; list; list = list->next) {
-    if (list->category == &category) list->category = nullptr;
+  for (Object& object : each(list)) {
+    if (object.category == &category) object.category = nullptr;
   }
 }
 
@@ -71,21 +63,20 @@ void detach(ZelkDatabase& database, const cat& category) {
   drop_category(database.nodes, category);
   drop_category(database.messages, category);
   drop_category(database.env_vars, category);
-  const auto leads_to_it = [&category](const catlink& link) { return link.category == &category; };
-  remove_if(database.filter.categories, leads_to_it, kRelease);
+  remove_links(database.filter.categories, category);
 }
 
 void detach(ZelkDatabase& database, const sigtype& type) {
-  for (msgblk* message = database.messages; message; message = message->next) {
-    for (sigblk* signal = message->signals; signal; signal = signal->next) {
-      if (signal->sigtype == &type) signal->sigtype = nullptr;
+  for (const msgblk& message : each(database.messages)) {
+    for (sigblk& signal : each(message.signals)) {
+      if (signal.sigtype == &type) signal.sigtype = nullptr;
     }
   }
 }
 
 void detach(ZelkDatabase& database, const valtable& table) {
-  for (sigtype* type = database.signal_types; type; type = type->next) {
-    if (type->valtable == &table) type->valtable = nullptr;
+  for (sigtype& type : each(database.signal_types)) {
+    if (type.valtable == &table) type.valtable = nullptr;
   }
 }
 
@@ -95,14 +86,11 @@ void detach(ZelkDatabase& database, attr_def& definition) {
   database.CheckAndRemovePredefinedAttrs(definition);
 }
 
-/// The signals that it selects are always there from now on.
+/// The signals that it selects as a multiplexor are always present from now on.
 void detach_signal(msgblk& message, sigblk& signal) {
-  for (siggroupblk* group = message.siggroups; group; group = group->next) {
-    const auto is_entry = [&signal](const siglistblk& entry) { return entry.signal == &signal; };
-    remove_if(group->signals, is_entry, kRelease);
-  }
-  for (sigblk* other = message.signals; other; other = other->next) {
-    if (other->mux_signal == &signal) zelk_remove_multiplexor(other);
+  for (siggroupblk& group : each(message.siggroups)) remove_entries(group, signal);
+  for (sigblk& other : each(message.signals)) {
+    if (other.mux_signal == &signal) zelk_remove_multiplexor(&other);
   }
   zelk_remove_multiplexor(&signal);
 }
@@ -179,24 +167,22 @@ void ZelkWriteManager::DeleteAttrDefinition(attr_def& definition, const char* db
 }
 
 sigblk* ZelkWriteManager::CreateSignal(msgblk& message, unsigned index) {
-  sigblk* signal = nullptr;
-  zelk::edit_or_tell([&] {
-    signal = zelk_create_sigblk();
-    if (!signal) throw std::bad_alloc();
+  return zelk::without_raising<sigblk*>(nullptr, [&] {
+    sigblk* const signal = zelk_create_sigblk();
+    if (!signal) throw std::bad_alloc();  // silent after a read that has reported an error
     zelk::link_at(message.signals, index, signal);
     signal->message = &message;
     ++message.signal_count;
+    return signal;
   });
-  return signal;
 }
 
 siggroupblk* ZelkWriteManager::CreateSignalGroup(msgblk& message, unsigned index) {
-  siggroupblk* group = nullptr;
-  zelk::edit_or_tell([&] {
-    group = zelk_create_siggroup(&message);
-    if (group) zelk::link_at(message.siggroups, index, group);
+  return zelk::without_raising<siggroupblk*>(nullptr, [&] {
+    siggroupblk* const group = zelk_create_siggroup(&message);
+    zelk::link_at(message.siggroups, index, group);
+    return group;
   });
-  return group;
 }
 
 void ZelkWriteManager::DeleteSignal(sigblk& signal, const char* db) {

@@ -14,7 +14,7 @@ namespace zelk {
 namespace {
 
 void set_text(char*& field, const char* text) {
-  edit_or_tell([&] { assign_text(field, copy_of(text)); });
+  without_raising([&] { assign_text(field, copy_of(text)); });
 }
 
 void set_name(char*& field, const char* name) {
@@ -22,7 +22,7 @@ void set_name(char*& field, const char* name) {
 }
 
 void describe(val& description, long value, const char* text) {
-  edit_or_tell([&] {
+  without_raising([&] {
     assign_text(description.text, copy_text(text ? text : ""));
     description.value = static_cast<std::int32_t>(value);
   });
@@ -33,7 +33,7 @@ void describe(val*& descriptions, long value, const char* text) {
   const auto number = static_cast<std::int32_t>(value);
   val* const found = find_first(descriptions, [number](const val& v) { return v.value == number; });
   if (found) return describe(*found, value, text);
-  edit_or_tell([&] {
+  without_raising([&] {
     OwnedText copy = copy_text(text ? text : "");
     auto* const description = create_record<val>();
     description->value = number;
@@ -46,17 +46,14 @@ void describe(val*& descriptions, long value, const char* text) {
 
 /// @return false when there is no memory for the link
 bool add_link(rxblk*& links, const symblk* node) {
-  bool is_added = false;
-  edit_or_tell([&] {
+  return without_raising([&] {
     auto* const link = create_record<rxblk>();
     link->node = const_cast<symblk*>(node);
     link_in_front(links, link);
-    is_added = true;
   });
-  return is_added;
 }
 
-/// Lets go of a link, but not of the attribute values that hang on it: they are the caller's.
+/// Releases a link, but not the attribute values that hang on it: they are the caller's.
 constexpr auto kReleaseLink = [](rxblk* link) { zelk_mfree(link); };
 
 // --- Attribute values ---
@@ -76,7 +73,7 @@ template <typename FindDefinition>
 void set_value(attr*& values, const char* name, const zelk_attr_value_t& value,
                FindDefinition definition) {
   if (!name) return;
-  edit_or_tell([&] {
+  without_raising([&] {
     if (attr* const own = find_attribute_value(values, name)) return store(*own, *own->def, value);
     const attr_def* const found = definition();
     if (!found) return;
@@ -167,15 +164,13 @@ void ZelkWriteManager::SetValueDescription(valtable& table, long value, const ch
 // --- Links ---
 
 void ZelkWriteManager::AddSignal(siggroupblk& group, const sigblk& signal) {
-  zelk::edit_or_tell([&] {
-    siglistblk* const entry = zelk_create_siglist(const_cast<sigblk*>(&signal));
-    if (entry) zelk::link_in_front(group.signals, entry);
+  zelk::without_raising([&] {
+    zelk::link_in_front(group.signals, zelk_create_siglist(const_cast<sigblk*>(&signal)));
   });
 }
 
 void ZelkWriteManager::RemoveSignal(siggroupblk& group, const sigblk& signal) {
-  const auto is_entry = [&signal](const siglistblk& entry) { return entry.signal == &signal; };
-  zelk::remove_if(group.signals, is_entry, zelk_mfree);
+  zelk::remove_entries(group, signal);
 }
 
 void ZelkWriteManager::AddReceiver(sigblk& signal, const symblk& node) {
@@ -203,7 +198,7 @@ void ZelkWriteManager::AddAccessNode(env_var_blk& variable, const symblk& node) 
 void ZelkWriteManager::AddFilterCategory(const cat& category, const char* db) {
   ZelkDatabase* const database = FindDatabase(db);
   if (!database) return;
-  zelk::edit_or_tell([&] {
+  zelk::without_raising([&] {
     auto* const link = zelk::create_record<catlink>();
     const bool is_none = &category == &ZelkNoneFilterCategory();
     link->category = is_none ? nullptr : const_cast<cat*>(&category);
@@ -213,9 +208,7 @@ void ZelkWriteManager::AddFilterCategory(const cat& category, const char* db) {
 
 void ZelkWriteManager::RemoveFilterCategory(const cat& category, const char* db) {
   ZelkDatabase* const database = FindDatabase(db);
-  if (!database) return;
-  const auto leads_to_it = [&category](const catlink& link) { return link.category == &category; };
-  zelk::remove_if(database->filter.categories, leads_to_it, zelk_mfree);
+  if (database) zelk::remove_links(database->filter.categories, category);
 }
 
 void ZelkWriteManager::AddFilterNode(const symblk& node, const char* db) {

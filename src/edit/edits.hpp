@@ -5,13 +5,12 @@
 #define ZELK_EDIT_EDITS_HPP
 
 #include <cstdint>
-#include <new>
 
 #include "base/list.hpp"
 #include "database/holding.hpp"
-#include "model/errors.hpp"
 #include "model/list_edit.hpp"
-#include "zelk/exception.hpp"
+#include "model/without_raising.hpp"
+#include "zelk/model.h"
 #include "zelk/write_manager.hpp"
 
 namespace zelk {
@@ -27,19 +26,19 @@ struct ManagerEdits {
   /// also when the named one does not hold it.
   template <typename Record>
   static ZelkDatabase* holder(ZelkWriteManager& manager, const Record& record, const char* db) {
-    for (ZelkManager::DbListNode* node = manager.databases_; node; node = node->next) {
-      if (db && node->name != db) continue;
-      if (holds(node->database, record)) return node->database.HandOut(&node->database);
+    for (const ZelkManager::DbListNode& node : each(manager.databases_)) {
+      if (db && node.name != db) continue;
+      if (holds(node.database, record)) return node.database.HandOut(&node.database);
     }
     return nullptr;
   }
 
-  /// Before a key of `record` changes: the database that holds it has been handed out, as a rule,
-  /// with the record.
+  /// Called before a key of `record` changes: forbids the index of the database that holds it. As a
+  /// rule that has happened already, when the record was handed out.
   template <typename Record>
   static void begin_change(const ZelkWriteManager& manager, const Record& record) {
-    for (const ZelkManager::DbListNode* node = manager.databases_; node; node = node->next) {
-      const ZelkDatabase& database = node->database;
+    for (const ZelkManager::DbListNode& node : each(manager.databases_)) {
+      const ZelkDatabase& database = node.database;
       if (!database.IsHandedOut() && holds(database, record)) database.HandOut(&database);
     }
   }
@@ -55,7 +54,7 @@ std::uint16_t remove_links(rxblk*& links, const symblk& node, Release release) {
   return static_cast<std::uint16_t>(remove_if(links, leads_to_node, release));
 }
 
-/// Counts off what was removed, from a count that a host may have set to anything.
+/// Subtracts what was removed from a count. A host may have set the count to anything.
 inline void count_off(std::uint16_t& count, std::uint16_t removed) {
   count = static_cast<std::uint16_t>(count > removed ? count - removed : 0);
 }
@@ -70,14 +69,16 @@ void remove_transmitter(msgblk& message, const symblk& node, Release release) {
   message.transmitter = message.tx_nodes ? message.tx_nodes->node : nullptr;
 }
 
-/// Makes an edit; one that finds no memory does not happen, and is reported in the error text.
-template <typename Edit>
-void edit_or_tell(Edit edit) try {
-  edit();
-} catch (
-    const ZelkException&) {  // already reported: whoever raises it appends it to the error text
-} catch (const std::bad_alloc&) {
-  zelk_note(ZELK_ERR_MEMORY, kNoLine, nullptr);
+/// Removes a signal's entries from a group.
+inline void remove_entries(siggroupblk& group, const sigblk& signal) {
+  const auto is_entry = [&signal](const siglistblk& entry) { return entry.signal == &signal; };
+  remove_if(group.signals, is_entry, zelk_mfree);
+}
+
+/// Removes a category's links from a view filter.
+inline void remove_links(catlink*& links, const cat& category) {
+  const auto leads_to_it = [&category](const catlink& link) { return link.category == &category; };
+  remove_if(links, leads_to_it, zelk_mfree);
 }
 
 }  // namespace zelk

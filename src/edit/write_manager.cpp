@@ -2,13 +2,12 @@
 
 #include "zelk/write_manager.hpp"
 
-#include <new>
-
+#include "base/list.hpp"
 #include "database/file.hpp"
 #include "database/process_guard.hpp"
+#include "manager/lock_list.hpp"
 #include "manager/manager_tables.hpp"
-#include "model/errors.hpp"
-#include "zelk/exception.hpp"
+#include "model/without_raising.hpp"
 #include "zelk/lock.hpp"
 
 ZelkWriteManager::ZelkWriteManager(void* thread) : ZelkManager(thread) {
@@ -31,50 +30,42 @@ bool ZelkWriteManager::LockAllDatabases(const char* reason) {
 
 ZelkError ZelkWriteManager::CheckForWriteOpen(const char* path) const {
   const zelk::ProcessGuard guard;
-  for (const ZelkManagerNode* node = GetManagersList(); node; node = node->next) {
-    if (OwnsForWrite(node->manager, path)) return ZelkErrorOpenForWrite;
-  }
-  return ZelkErrorOk;
+  const bool is_owned = zelk::find_first(GetManagersList(), [path](const ZelkManagerNode& node) {
+    return OwnsForWrite(node.manager, path);
+  });
+  return is_owned ? ZelkErrorOpenForWrite : ZelkErrorOk;
 }
 
-bool ZelkWriteManager::OwnsDatabaseForWrite(const char* path) const try {
-  return ListFindPath(path) != nullptr;
-} catch (const std::bad_alloc&) {
-  zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
-  return true;  // who cannot tell must not let a second one in
+bool ZelkWriteManager::OwnsDatabaseForWrite(const char* path) const {
+  constexpr bool kOwnsWhenUnknown = true;  // two owners would be worse than none
+  return zelk::without_raising(kOwnsWhenUnknown, [&] { return ListFindPath(path) != nullptr; });
 }
 
-ZelkError ZelkWriteManager::CreateDatabase(const char* db, const char** name,
-                                           const char* path) try {
+ZelkError ZelkWriteManager::CreateDatabase(const char* db, const char** name, const char* path) {
   if (!ZelkVerifyDatabaseName(db)) return ZelkErrorInvalidName;
   if (ListFindName(db)) return ZelkErrorNameUsed;
-  if (path && zelk::writability(path) != ZelkErrorFileNotFound) return ZelkErrorFileBelongs;
-  ZelkDatabase& database = AssignDatabase(nullptr);
-  try {
-    if (path) database.SetFile(path);
-    database.is_file_new_ = path != nullptr;
-    const char* const stored = ListInsertDatabase(database, db, 0);
-    if (name) *name = stored;
-  } catch (...) {
-    ReleaseDatabase(database, false);
-    throw;
-  }
-  return ZelkErrorOk;
-} catch (const ZelkException&) {  // already reported: raising appends to the error text
-  return ZelkErrorNoDatabase;
-} catch (const std::bad_alloc&) {
-  zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
-  return ZelkErrorNoDatabase;
+  return zelk::without_raising(ZelkErrorNoDatabase, [&] {
+    if (path && zelk::writability(path) != ZelkErrorFileNotFound) return ZelkErrorFileBelongs;
+    ZelkDatabase& database = AssignDatabase(nullptr);
+    try {
+      if (path) database.SetFile(path);
+      database.is_file_new_ = path != nullptr;
+      const char* const stored = ListInsertDatabase(database, db, 0);
+      if (name) *name = stored;
+    } catch (...) {
+      ReleaseDatabase(database, false);
+      throw;
+    }
+    return ZelkErrorOk;
+  });
 }
 
-/// `ZelkErrorLocked` when another manager holds a lock on the database, which the user is told.
-ZelkError ZelkWriteManager::CheckForLock(const ZelkDatabase& database) try {
-  constexpr bool kWriteLocksOnly = false;
-  const bool is_refused = ZelkLock::IsRefused(*this, database, kWriteLocksOnly);
-  return is_refused ? ZelkErrorLocked : ZelkErrorOk;
-} catch (const std::bad_alloc&) {
-  zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
-  return ZelkErrorNotWritten;
+/// `ZelkErrorLocked` when another manager holds a lock on the database; shows the user its reason.
+ZelkError ZelkWriteManager::CheckForLock(const ZelkDatabase& database) {
+  return zelk::without_raising(ZelkErrorNotWritten, [&] {
+    const bool is_refused = ZelkLock::IsRefused(*this, database, zelk::kAnyLock);
+    return is_refused ? ZelkErrorLocked : ZelkErrorOk;
+  });
 }
 
 ZelkError ZelkWriteManager::WriteAndNotify(ZelkDatabase& database, const char* path) {
@@ -92,13 +83,13 @@ ZelkError ZelkWriteManager::WriteDatabase(const char* db, const char* path) {
 }
 
 ZelkError ZelkWriteManager::WriteAllDatabases() {
-  for (DbListNode* node = databases_; node; node = node->next) {
-    const ZelkError refused = CheckForLock(node->database);
+  for (const DbListNode& node : zelk::each(databases_)) {
+    const ZelkError refused = CheckForLock(node.database);
     if (refused != ZelkErrorOk) return refused;
   }
   ZelkError result = ZelkErrorOk;
-  for (DbListNode* node = databases_; node; node = node->next) {
-    const ZelkError error = WriteAndNotify(Changeable(*node), nullptr);
+  for (const DbListNode& node : zelk::each(databases_)) {
+    const ZelkError error = WriteAndNotify(Changeable(node), nullptr);
     if (result == ZelkErrorOk) result = error;
   }
   return result;
@@ -124,7 +115,7 @@ void ZelkWriteManager::ForNamedOrAll(const char* db, Operation operation) {
     if (database) operation(*database);
     return;
   }
-  for (const DbListNode* node = databases_; node; node = node->next) operation(Changeable(*node));
+  for (const DbListNode& node : zelk::each(databases_)) operation(Changeable(node));
 }
 
 bool ZelkWriteManager::WriteExtendedMultiplexing(const char* db, bool on) {

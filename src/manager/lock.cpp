@@ -1,18 +1,17 @@
 #include "zelk/lock.hpp"
 
 #include <memory>
-#include <new>
 #include <optional>
 #include <string>
 
+#include "base/list.hpp"
 #include "database/process_guard.hpp"
 #include "database/registry.hpp"
 #include "manager/lock_list.hpp"
-#include "model/errors.hpp"
 #include "model/memory.hpp"
+#include "model/without_raising.hpp"
 #include "platform/hooks.hpp"
 #include "platform/immortal.hpp"
-#include "zelk/exception.hpp"
 
 namespace zelk {
 
@@ -31,6 +30,14 @@ void LockList::insert(ZelkLock& lock) {
     throw;
   }
   lock.number_ = taken_ = number;
+}
+
+std::optional<std::string> LockList::insert_unless_refused(ZelkLock& lock) {
+  const ProcessGuard guard;
+  const bool write_locks_only = lock.IsWriteLock() ? kAnyLock : kWriteLocksOnly;
+  auto refusal = ZelkLock::Refusal(lock.manager_, lock.database_, write_locks_only);
+  if (!refusal) insert(lock);
+  return refusal;
 }
 
 void LockList::remove(const ZelkLock& lock) noexcept {
@@ -71,9 +78,7 @@ void show(const std::string& message) {
 }  // namespace zelk
 
 ZelkLock::ZelkLock(ZelkManager& manager, ZelkDatabase& database, const char* reason)
-    : manager_(manager),
-      database_(database),
-      reason_(reason ? zelk::copy_text(reason).release() : nullptr) {}
+    : manager_(manager), database_(database), reason_(zelk::copy_of(reason).release()) {}
 
 ZelkLock::~ZelkLock() {
   const zelk::ProcessGuard guard;
@@ -105,8 +110,8 @@ void ZelkLock::ListRemoveLocks(ZelkManager& manager) {
   zelk::LockList::destroy(zelk::lock_list().all(), manager);
 }
 
-/// Compared as instances: another one of the same file, read before it was touched, may be open
-/// here too and keeps its locks.
+/// Frees the locks on this instance alone: the manager may have another instance of the same file
+/// open, read before a touch, which keeps its locks.
 void ZelkLock::ListRemoveLocks(ZelkManager& manager, ZelkDatabase& database) {
   const zelk::ProcessGuard guard;
   zelk::lock_list().destroy(zelk::lock_list().on(database), manager);
@@ -141,29 +146,21 @@ bool ZelkLock::IsRefused(const ZelkManager& manager, const ZelkDatabase& databas
 }
 
 ZelkLock* ZelkLock::CreateUnlessRefused(ZelkManager& manager, const char* db, const char* reason,
-                                        bool is_write_lock) try {
+                                        bool is_write_lock) {
   ZelkDatabase* const database = manager.FindDatabase(db);
   if (!database) return nullptr;
-  std::unique_ptr<ZelkLock> lock;
-  if (is_write_lock) {
-    lock.reset(new ZelkWriteLock(manager, *database, reason));
-  } else {
-    lock.reset(new ZelkReadLock(manager, *database, reason));
-  }
-  std::optional<std::string> refusal;
-  {
-    const zelk::ProcessGuard guard;
-    refusal = Refusal(manager, *database, !is_write_lock);
-    if (!refusal) ListInsertLock(*lock);
-  }
-  if (!refusal) return lock.release();
-  zelk::show(*refusal);
-  return nullptr;
-} catch (const ZelkException&) {  // already reported: raising appends to the error text
-  return nullptr;
-} catch (const std::bad_alloc&) {
-  zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
-  return nullptr;
+  return zelk::without_raising<ZelkLock*>(nullptr, [&]() -> ZelkLock* {
+    std::unique_ptr<ZelkLock> lock;
+    if (is_write_lock) {
+      lock.reset(new ZelkWriteLock(manager, *database, reason));
+    } else {
+      lock.reset(new ZelkReadLock(manager, *database, reason));
+    }
+    const std::optional<std::string> refusal = zelk::lock_list().insert_unless_refused(*lock);
+    if (!refusal) return lock.release();
+    zelk::show(*refusal);
+    return nullptr;
+  });
 }
 
 bool ZelkReadLock::IsWriteLock() const { return false; }
@@ -173,8 +170,7 @@ ZelkReadLock* ZelkReadLock::Create(ZelkManager& manager, const char* db, const c
 }
 
 ZelkLock* ZelkReadLock::GetLock(ZelkManager& manager, ZelkDatabase& database) {
-  constexpr bool kWriteLocksOnly = true;
-  return FindForeign(manager, database, kWriteLocksOnly);
+  return FindForeign(manager, database, zelk::kWriteLocksOnly);
 }
 
 bool ZelkWriteLock::IsWriteLock() const { return true; }
@@ -184,8 +180,7 @@ ZelkWriteLock* ZelkWriteLock::Create(ZelkManager& manager, const char* db, const
 }
 
 ZelkLock* ZelkWriteLock::GetLock(ZelkManager& manager, ZelkDatabase& database) {
-  constexpr bool kWriteLocksOnly = false;
-  return FindForeign(manager, database, kWriteLocksOnly);
+  return FindForeign(manager, database, zelk::kAnyLock);
 }
 
 // --- The manager's side ---
@@ -195,8 +190,8 @@ bool ZelkManager::LockDatabase(const char* db, const char* reason) {
 }
 
 bool ZelkManager::LockAllDatabases(const char* reason) {
-  for (const DbListNode* node = databases_; node; node = node->next) {
-    if (LockDatabase(node->name, reason)) continue;
+  for (const DbListNode& node : zelk::each(databases_)) {
+    if (LockDatabase(node.name, reason)) continue;
     UnlockDatabase(nullptr);
     return false;
   }

@@ -7,11 +7,17 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
+#include <string>
 #include <unordered_map>
 
 #include "zelk/lock.hpp"
 
 namespace zelk {
+
+// The locks of other managers that refuse a new one: values of the parameters `write_locks_only`.
+inline constexpr bool kWriteLocksOnly = true;  ///< refuse a read lock
+inline constexpr bool kAnyLock = false;        ///< refuse a write lock, and a write
 
 /// Locks, the newest first; the list owns them.
 class LockList {
@@ -21,10 +27,15 @@ class LockList {
 
   /// @throws std::bad_alloc, with nothing entered
   void insert(ZelkLock& lock);
+  /// Takes the mutex itself.
+  ///
+  /// @return what the user is shown when another manager's lock refuses; none when it is entered
+  /// @throws std::bad_alloc, with nothing entered
+  std::optional<std::string> insert_unless_refused(ZelkLock& lock);
   void remove(const ZelkLock& lock) noexcept;
 
   const Locks& all() const { return all_; }
-  /// Those on one instance.
+  /// The locks on one instance.
   const Locks& on(const ZelkDatabase& database) const;
   /// Destroys a manager's locks among `locks`, which is one of the above.
   static void destroy(const Locks& locks, const ZelkManager& manager) noexcept;

@@ -7,12 +7,14 @@
 #include <thread>
 #include <utility>
 
+#include "base/list.hpp"
 #include "database/file.hpp"
 #include "database/process_guard.hpp"
 #include "database/registry.hpp"
 #include "manager/manager_tables.hpp"
 #include "model/errors.hpp"
 #include "model/memory.hpp"
+#include "model/without_raising.hpp"
 #include "zelk/exception.hpp"
 #include "zelk/lock.hpp"
 
@@ -77,12 +79,11 @@ void ZelkManager::SetHandle(HWND window) {
 
 // --- Opening ---
 
-ZelkError ZelkManager::GetDatabaseFileInfo(const char* path) const try {
-  const ZelkError found = path ? zelk::writability(path) : ZelkErrorFileNotFound;
-  return found == ZelkErrorReadOnly ? ZelkErrorOk : found;
-} catch (const std::bad_alloc&) {
-  zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
-  return ZelkErrorNoDatabase;
+ZelkError ZelkManager::GetDatabaseFileInfo(const char* path) const {
+  return zelk::without_raising(ZelkErrorNoDatabase, [path] {
+    const ZelkError found = path ? zelk::writability(path) : ZelkErrorFileNotFound;
+    return found == ZelkErrorReadOnly ? ZelkErrorOk : found;
+  });
 }
 
 ZelkError ZelkManager::CheckForWriteOpen(const char*) const { return ZelkErrorOk; }
@@ -113,7 +114,7 @@ ZelkError ZelkManager::OpenDatabase(const char* path, const char** name, const c
   return ZelkErrorNoDatabase;
 }
 
-/// Gets the database and lists it; gives it back when that cannot be.
+/// Gets the database and lists it; gives it back when it cannot be listed.
 ZelkError ZelkManager::OpenAssigned(const char* path, const char** name, const char* wanted_name,
                                     unsigned priority) {
   ZelkDatabase& database = AssignDatabase(path);
@@ -140,8 +141,8 @@ ZelkError ZelkManager::OpenAssigned(const char* path, const char** name, const c
   }
 }
 
-/// Whether a manager owns a file for writing. One of another thread is not asked by its virtual
-/// operation, which may read what that thread changes.
+/// Whether a manager owns a file for writing. The virtual operation of another thread's manager is
+/// not called, because it may read what that thread changes.
 bool ZelkManager::OwnsForWrite(const ZelkManager& manager, const char* path) {
   const zelk::ProcessGuard guard;
   if (manager.tables_->thread == std::this_thread::get_id())
@@ -152,21 +153,18 @@ bool ZelkManager::OwnsForWrite(const ZelkManager& manager, const char* path) {
 /// Whether a write manager of another thread has opened the file while this one read it.
 bool ZelkManager::IsWrittenByOtherThread(const char* path) const {
   if (!tables_->is_for_writing) return false;
-  for (const ZelkManagerNode* node = GetManagersList(); node; node = node->next) {
-    const bool is_other = node->manager.tables_->thread != tables_->thread;
-    if (is_other && OwnsForWrite(node->manager, path)) return true;
-  }
-  return false;
+  return zelk::find_first(GetManagersList(), [&](const ZelkManagerNode& node) {
+    return node.manager.tables_->thread != tables_->thread && OwnsForWrite(node.manager, path);
+  });
 }
 
 /// Whether a manager that owns `file` for writing has `database`, which is of that file, open.
 bool ZelkManager::IsEdited(const ZelkDatabase& database, const char* file) {
   const zelk::ProcessGuard guard;
-  for (const ZelkManagerNode* node = GetManagersList(); node; node = node->next) {
-    const bool has_it = node->manager.tables_->by_database.contains(&database);
-    if (has_it && OwnsForWrite(node->manager, file)) return true;
-  }
-  return false;
+  return zelk::find_first(GetManagersList(), [&](const ZelkManagerNode& node) {
+    return node.manager.tables_->by_database.contains(&database) &&
+           OwnsForWrite(node.manager, file);
+  });
 }
 
 ZelkDatabase& ZelkManager::AssignDatabase(const char* path) {
@@ -202,20 +200,19 @@ ZelkError ZelkManager::ReopenDatabase(const char* db) {
     return node ? Reopen(Changeable(*node)) : ZelkErrorNoDatabase;
   }
   ZelkError result = ZelkErrorOk;
-  for (DbListNode* node = databases_; node; node = node->next) {
-    const ZelkError error = Reopen(Changeable(*node));
+  for (const DbListNode& node : zelk::each(databases_)) {
+    const ZelkError error = Reopen(Changeable(node));
     if (error != ZelkErrorOk) result = error;
   }
   return result;
 }
 
-ZelkError ZelkManager::Reopen(ZelkDatabase& database) const try {
+ZelkError ZelkManager::Reopen(ZelkDatabase& database) const {
   if (!database.path) return ZelkErrorFileNotFound;
-  const ZelkError missing = GetDatabaseFileInfo(database.OwnFile().c_str());
-  return missing != ZelkErrorOk ? missing : database.ReopenDatabaseFile();
-} catch (const std::bad_alloc&) {
-  zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
-  return ZelkErrorNoDatabase;
+  return zelk::without_raising(ZelkErrorNoDatabase, [&] {
+    const ZelkError missing = GetDatabaseFileInfo(database.OwnFile().c_str());
+    return missing != ZelkErrorOk ? missing : database.ReopenDatabaseFile();
+  });
 }
 
 // --- Closing ---
@@ -236,7 +233,7 @@ void ZelkManager::CloseNode(DbListNode& node, bool keep_in_cache) {
   ReleaseDatabase(database, keep_in_cache);
 }
 
-/// A database that finds no memory for its place in the cache is not kept.
+/// Without memory for its place in the cache a database is not kept.
 void ZelkManager::ReleaseDatabase(ZelkDatabase& database, bool keep_in_cache) {
   const zelk::ProcessGuard guard;
   ZelkLock::FreeLock(*this, database);
@@ -269,8 +266,8 @@ void ZelkManager::RemoveFromCache(ZelkDatabase& database) {
 
 void ZelkManager::ForgetCached(ZelkDatabase& database) {
   const zelk::ProcessGuard guard;
-  for (const ZelkManagerNode* node = GetManagersList(); node; node = node->next) {
-    node->manager.RemoveFromCache(database);
+  for (const ZelkManagerNode& node : zelk::each(GetManagersList())) {
+    node.manager.RemoveFromCache(database);
   }
 }
 
@@ -318,7 +315,7 @@ ZelkManager::DbListNode* ZelkManager::ListFindName(const char* text) const {
   return found == tables_->by_name.end() ? nullptr : found->second;
 }
 
-/// Of several instances of the file, as after a touch that was taken back, any one.
+/// Any one of several instances of the file: there can be more when a touch was taken back.
 ZelkManager::DbListNode* ZelkManager::ListFindPath(const char* path) const {
   if (!path || !databases_) return nullptr;
   const zelk::platform::FilePath file(path);

@@ -1,15 +1,13 @@
 // Names and settings of open databases, and what else is asked about one by its name.
 
-#include <new>
 #include <string_view>
 #include <utility>
 
 #include "base/list.hpp"
 #include "database/process_guard.hpp"
 #include "manager/manager_tables.hpp"
-#include "model/errors.hpp"
 #include "model/memory.hpp"
-#include "zelk/exception.hpp"
+#include "model/without_raising.hpp"
 #include "zelk/manager.hpp"
 
 namespace {
@@ -49,25 +47,21 @@ ZelkDatabase* ZelkManager::FindDatabase(const char* db) {
   return node ? &Changeable(*node) : nullptr;
 }
 
-const char* ZelkManager::GetDatabaseName(const char* path) try {
-  status_ = ZelkStatusOk;
-  const DbListNode* const open = ListFindPath(path);
-  if (open) return open->name;
-  if (GetDatabaseFileInfo(path) == ZelkErrorOk) {
+const char* ZelkManager::GetDatabaseName(const char* path) {
+  const char* name = nullptr;
+  const bool is_found = zelk::without_raising(false, [&] {
+    if (const DbListNode* const open = ListFindPath(path)) {
+      name = open->name;
+      return true;
+    }
+    if (GetDatabaseFileInfo(path) != ZelkErrorOk) return false;
     ZelkDatabase& database = AssignDatabase(path);
-    const char* const name = database.GetDefaultName();
+    name = database.GetDefaultName();
     ReleaseDatabase(database, true);
-    return name;
-  }
-  status_ = ZelkStatusNotFound;
-  return nullptr;
-} catch (const ZelkException&) {  // already reported: raising appends to the error text
-  status_ = ZelkStatusNotFound;
-  return nullptr;
-} catch (const std::bad_alloc&) {
-  zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
-  status_ = ZelkStatusNotFound;
-  return nullptr;
+    return true;
+  });
+  status_ = is_found ? ZelkStatusOk : ZelkStatusNotFound;
+  return name;
 }
 
 ZelkError ZelkManager::SetDatabaseName(const char* db, const char** name, const char* new_name) {
@@ -82,17 +76,13 @@ ZelkError ZelkManager::SetDatabaseName(const char* db, const char** name, const 
 }
 
 /// @return false when memory runs out
-bool ZelkManager::Rename(DbListNode& node, const char* name) try {
-  zelk::OwnedText copy = zelk::copy_text(name);
-  const zelk::ProcessGuard guard;
-  tables_->rename(node, copy.get());
-  zelk::assign_text(node.name, std::move(copy));
-  return true;
-} catch (const ZelkException&) {  // already reported: raising appends to the error text
-  return false;
-} catch (const std::bad_alloc&) {
-  zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
-  return false;
+bool ZelkManager::Rename(DbListNode& node, const char* name) {
+  return zelk::without_raising([&] {
+    zelk::OwnedText copy = zelk::copy_text(name);
+    const zelk::ProcessGuard guard;
+    tables_->rename(node, copy.get());
+    zelk::assign_text(node.name, std::move(copy));
+  });
 }
 
 bool ZelkManager::GetDefaultDatabaseName(const char* db, char* buffer, std::size_t size) {
@@ -121,10 +111,10 @@ const char* ZelkManager::GetDbNameBySelectionPattern(const ZelkSelection& select
   status_ = ZelkStatusOk;
   const DbListNode* partial = nullptr;
   const DbListNode* any = nullptr;
-  for (const DbListNode* node = databases_; node; node = node->next) {
-    if (node->pattern.IsExact(selection)) return node->name;
-    if (node->pattern.IsPartial(selection)) partial = node;
-    if (node->pattern.IsCatchAll()) any = node;
+  for (const DbListNode& node : zelk::each(databases_)) {
+    if (node.pattern.IsExact(selection)) return node.name;
+    if (node.pattern.IsPartial(selection)) partial = &node;
+    if (node.pattern.IsCatchAll()) any = &node;
   }
   status_ = ZelkStatusNotFound;
   const DbListNode* const best = partial ? partial : any;
@@ -148,9 +138,7 @@ void* ZelkManager::GetDatabaseInfo(const char* db) {
 }
 
 unsigned ZelkManager::DatabaseCount() const {
-  unsigned count = 0;
-  for (const DbListNode* node = databases_; node; node = node->next) ++count;
-  return count;
+  return static_cast<unsigned>(zelk::each(databases_).size());
 }
 
 bool ZelkManager::SymbolsShortenedOnRead(const char* db) {
@@ -162,7 +150,7 @@ bool ZelkManager::SymbolsShortenedOnRead(const char* db) {
 
 namespace {
 
-/// Whether the signal is there for more than one value of its multiplexor.
+/// Whether more than one value of its multiplexor selects the signal.
 bool has_further_values(const sigblk& signal) {
   const muxor_val_range* const first = signal.mux_ranges;
   return zelk::find_first(first, [first](const muxor_val_range& range) {
@@ -172,12 +160,12 @@ bool has_further_values(const sigblk& signal) {
 
 bool uses_extended_multiplexing(const msgblk& message) {
   const sigblk* multiplexor = nullptr;
-  for (const sigblk* signal = message.signals; signal; signal = signal->next) {
-    if (has_further_values(*signal)) return true;
-    if (!signal->mux_signal) continue;
-    if ((signal->flags & ZELK_SIGNAL_MULTIPLEXOR) != 0) return true;
-    if (multiplexor && multiplexor != signal->mux_signal) return true;
-    multiplexor = signal->mux_signal;
+  for (const sigblk& signal : zelk::each(message.signals)) {
+    if (has_further_values(signal)) return true;
+    if (!signal.mux_signal) continue;
+    if ((signal.flags & ZELK_SIGNAL_MULTIPLEXOR) != 0) return true;
+    if (multiplexor && multiplexor != signal.mux_signal) return true;
+    multiplexor = signal.mux_signal;
   }
   return false;
 }

@@ -1,15 +1,15 @@
-// News of changes, posted to the windows and threads of managers.
+// Notifications of changes, sent to the windows and threads of managers.
 
 #include <algorithm>
 #include <cstdint>
-#include <new>
 #include <utility>
 #include <vector>
 
+#include "base/list.hpp"
 #include "database/process_guard.hpp"
 #include "database/registry.hpp"
 #include "manager/manager_tables.hpp"
-#include "model/errors.hpp"
+#include "model/without_raising.hpp"
 #include "platform/hooks.hpp"
 #include "platform/platform.hpp"
 #include "zelk/library.h"
@@ -17,55 +17,69 @@
 
 namespace {
 
-/// What of a handle fits into a message's parameter.
+using Node = ZelkManager::DbListNode;
+
+/// The part of a handle that fits into a message's parameter.
 std::uint32_t low_word(const void* handle) {
   return static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(handle));
 }
 
 std::uint32_t message_number() {
-  // Asked for once: the number stays, and the answer must not depend on what the system's part
-  // still has when the process ends.
+  // Asked for once: the number stays, and at the end of the process the system may not answer any
+  // more.
   static const std::uint32_t number =
       zelk::platform::registered_message(ZelkNotificationMessageString);
   return number;
 }
 
-/// A host's function may wait for another thread, which may wait for the lists.
+/// Called without the mutex: a host's function may wait for another thread, which may wait for the
+/// mutex.
 void send(const std::vector<zelk_notification>& news) {
   for (const zelk_notification& notification : news) zelk::platform::notify(notification);
 }
 
-}  // namespace
-
-void ZelkManager::NotifyChanges(const ZelkManager& sender, const ZelkDatabase& database) try {
-  std::vector<zelk_notification> news = {
-      {ZELK_NOTIFY_ALL_WINDOWS, nullptr, message_number(), 0, nullptr}};
-  {
-    const zelk::ProcessGuard guard;
-    const auto equal = zelk::registry().equal_to(database);
-    sender.AddNews(equal, sender, news);
-    for (const ZelkManagerNode* node = GetManagersList(); node; node = node->next) {
-      if (&node->manager != &sender) node->manager.AddNews(equal, sender, news);
+/// Puts some nodes of a list into the order of the list.
+void sort_as_listed(const Node* list, std::vector<const Node*>& nodes) {
+  if (nodes.size() < 2) return;
+  const std::vector<const Node*> unordered = std::exchange(nodes, {});
+  for (const Node& node : zelk::each(list)) {
+    if (std::find(unordered.begin(), unordered.end(), &node) != unordered.end()) {
+      nodes.push_back(&node);
     }
   }
-  send(news);
-} catch (const std::bad_alloc&) {
-  zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
 }
 
-void ZelkManager::NotifyChanges(const ZelkDatabase& database, const ZelkManager& sender) const try {
-  std::vector<zelk_notification> news;
-  {
-    const zelk::ProcessGuard guard;
-    AddNews(zelk::registry().equal_to(database), sender, news);
-  }
-  send(news);
-} catch (const std::bad_alloc&) {
-  zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
+}  // namespace
+
+void ZelkManager::NotifyChanges(const ZelkManager& sender, const ZelkDatabase& database) {
+  zelk::without_raising([&] {
+    std::vector<zelk_notification> news = {
+        {ZELK_NOTIFY_ALL_WINDOWS, nullptr, message_number(), 0, nullptr}};
+    {
+      const zelk::ProcessGuard guard;
+      const auto equal = zelk::registry().equal_to(database);
+      sender.AddNews(equal, sender, news);
+      for (const ZelkManagerNode& node : zelk::each(GetManagersList())) {
+        if (&node.manager != &sender) node.manager.AddNews(equal, sender, news);
+      }
+    }
+    send(news);
+  });
 }
 
-/// What this manager's window or thread hears of a change of any of the databases, in the order of
-/// its list.
+void ZelkManager::NotifyChanges(const ZelkDatabase& database, const ZelkManager& sender) const {
+  zelk::without_raising([&] {
+    std::vector<zelk_notification> news;
+    {
+      const zelk::ProcessGuard guard;
+      AddNews(zelk::registry().equal_to(database), sender, news);
+    }
+    send(news);
+  });
+}
+
+/// Appends the notifications of this manager's window or thread about a change of any of the
+/// databases, in the order of its list.
 void ZelkManager::AddNews(const std::vector<const ZelkDatabase*>& databases,
                           const ZelkManager& sender, std::vector<zelk_notification>& news) const {
   if (!window_ && !thread_) return;
@@ -74,14 +88,7 @@ void ZelkManager::AddNews(const std::vector<const ZelkDatabase*>& databases,
     const auto [first, last] = tables_->by_database.equal_range(database);
     for (auto entry = first; entry != last; ++entry) nodes.push_back(entry->second);
   }
-  if (nodes.size() > 1) {
-    const std::vector<const DbListNode*> unordered = std::exchange(nodes, {});
-    for (const DbListNode* node = databases_; node; node = node->next) {
-      if (std::find(unordered.begin(), unordered.end(), node) != unordered.end()) {
-        nodes.push_back(node);
-      }
-    }
-  }
+  sort_as_listed(databases_, nodes);
   for (const DbListNode* const node : nodes) {
     if (window_) {
       news.push_back(
