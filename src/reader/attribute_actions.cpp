@@ -99,23 +99,18 @@ void AttributeActions::define(std::int32_t object_type, TokenText name) {
 
 /// The definition stands in the file twice, first like one for signals.
 void AttributeActions::define_for_signal_types(TokenText name) {
-  attr_def* found = index_.find_of_file(ZELK_OBJ_SIGNAL, name.view());
-  if (!found) found = &definition(ZELK_OBJ_SIGNAL, name);
-  index_.change_kind(found, ZELK_OBJ_SIGTYPE);
-  found_ = nullptr;
+  attr_def* const found = index_.move_to_signal_types(name.view());
+  if (!found) context_.fail(ZELK_ERR_UNDEFINED_ATTRIBUTE, name.view());
   long_name_definitions_.erase(found);
   attr_def** const place = slot(found->name);
   if (place && *place == found) *place = nullptr;
   context_.end_statement();
 }
 
-/// Values of one attribute come in a row.
 attr_def& AttributeActions::definition(std::int32_t object_type, TokenText attribute) {
-  const std::string_view name = inline_key(attribute.view());
-  if (found_ && found_->object_type == object_type && found_->name == name) return *found_;
-  found_ = index_.find(object_type, name);
-  if (!found_) context_.fail(ZELK_ERR_UNDEFINED_ATTRIBUTE, attribute.view());
-  return *found_;
+  attr_def* const found = index_.find(object_type, attribute.view());
+  if (!found) context_.fail(ZELK_ERR_UNDEFINED_ATTRIBUTE, attribute.view());
+  return *found;
 }
 
 // --- Defaults ---

@@ -88,7 +88,6 @@ class AttributeActions {
   ReadContext& context_;
   ListTail<attr_def> definitions_;
   DefinitionIndex index_;
-  attr_def* found_ = nullptr;  ///< the definition looked up last: the first of its kind and name
   std::unordered_map<const attr_def*, Items>
       items_;  ///< of the ENUMs that an item was looked up in
   std::unordered_set<const attr_def*> long_name_definitions_;  ///< of the slots and of the file

@@ -12,6 +12,7 @@
 %require "3.8"
 %language "C"
 %define api.prefix {zelk_}
+%define api.header.include {"text/token_codes.hpp"}
 %define api.pure full
 %define api.value.type {zelk::SemanticValue}
 %define lr.type lalr
@@ -23,10 +24,9 @@
 %lex-param { zelk::Reader& reader }
 
 %code requires {
-#include "reader/token.hpp"
-
 namespace zelk {
 class Reader;
+union SemanticValue;
 }
 }
 
@@ -39,12 +39,10 @@ class Reader;
 
 namespace {
 
-/// Code of a token that no rule takes.
-constexpr int kNoToken = 257;
-
+/// For `ZELK_error` the parser would report nothing; a token that no rule takes is a syntax error.
 int zelk_lex(zelk::SemanticValue* value, zelk::Reader& reader) {
   const int code = reader.context.lexer.next(*value);
-  return code == zelk::kLexicalError ? kNoToken : code;
+  return code == ZELK_error ? ZELK_UNDEF : code;
 }
 
 /// The parser itself reports a syntax error, or a full stack as "memory exhausted".
@@ -57,6 +55,7 @@ int zelk_lex(zelk::SemanticValue* value, zelk::Reader& reader) {
 }  // namespace
 }
 
+/* The one place of the codes: all others use the names, of the generated "text/token_codes.hpp". */
 %token <integer> T_SHORT 258 T_ULONG 259
 %token <real> T_DOUBLE 260
 %token <text> T_IDENT 261 T_STRING 262

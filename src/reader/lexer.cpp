@@ -7,22 +7,19 @@
 #include "base/characters.hpp"
 #include "base/numbers.hpp"
 #include "model/errors.hpp"
-#include "reader/grammar.hpp"
 #include "text/keywords.hpp"
+#include "text/token_codes.hpp"
 #include "zelk/exception.hpp"
 
 namespace zelk {
 namespace {
 
-/// Codes that the grammar does not declare.
-constexpr int kEndOfInput = 0;
-constexpr int kSkipped = -1;  // no token: a comment, or a statement of an unknown kind
+/// Instead of a token's code: a comment, or a statement of an unknown kind.
+constexpr int kSkipped = -1;
 
 constexpr std::ptrdiff_t kTokenMax = 1023;  // characters of a name or number
 constexpr std::uint32_t kShortMax = 32767;
 constexpr std::uint64_t kUlongMax = 4294967295;
-
-constexpr std::ptrdiff_t kPlainDigits = 18;  // so many digits always fit into 64 bits
 
 /// What a byte begins where a token may start. Separators come first.
 enum class Start : std::uint8_t {
@@ -61,16 +58,6 @@ constexpr std::array<bool, 256> make_name_characters() {
   return belongs;
 }
 
-/// Bytes behind which an integer may be something else: a longer or another number, or the window
-/// ends.
-constexpr std::array<bool, 256> make_goes_on() {
-  std::array<bool, 256> goes_on{};
-  for (const char c : {'\0', '.', 'e', 'E'}) goes_on[static_cast<unsigned char>(c)] = true;
-  for (unsigned digit = '0'; digit <= '9'; ++digit) goes_on[digit] = true;
-  return goes_on;
-}
-
-constexpr std::array<bool, 256> kGoesOn = make_goes_on();
 constexpr std::array<Start, 256> kStarts = make_starts();
 constexpr std::array<bool, 256> kNameCharacters = make_name_characters();
 
@@ -82,18 +69,6 @@ TokenText text_between(const char* start, const char* end) {
 
 std::string_view between(const char* start, const char* end) {
   return text_between(start, end).view();
-}
-
-/// All digits but the zeros in front of another one.
-std::string_view without_leading_zeros(std::string_view digits) {
-  return digits.substr(std::min(digits.find_first_not_of('0'), digits.size() - 1));
-}
-
-/// Value of the digits at the start of `digits` that belong to the base. They fit into 64 bits.
-std::uint64_t integer_value(std::string_view digits, int base) {
-  std::uint64_t value = 0;
-  std::from_chars(digits.data(), digits.data() + digits.size(), value, base);
-  return value;
 }
 
 /// Drops the backslash of every escaped double quote between `start` and `end`; returns the new
@@ -115,10 +90,7 @@ char* resolve_escapes(char* start, const char* end, const std::array<bool, 256>&
 }  // namespace
 
 Lexer::Lexer(platform::File file)
-    : window_(std::move(file)),
-      leads_(platform::lead_bytes()),
-      has_leads_(std::count(leads_.begin(), leads_.end(), true) > 0),
-      string_specials_(leads_) {
+    : window_(std::move(file)), leads_(platform::lead_bytes()), string_specials_(leads_) {
   for (const char special : {'\0', '\n', '"', '\\'}) string_specials_[byte_at(&special)] = true;
 }
 
@@ -151,7 +123,7 @@ int Lexer::token(SemanticValue& value) {
       return *start;
     default:  // the end of the file, or a byte that ends the input
       window_.set_cursor(start);
-      return kEndOfInput;
+      return ZELK_EOF;
   }
 }
 
@@ -199,40 +171,23 @@ void Lexer::fail_in_name(char* start, char* end) {
 
 // --- Numbers ---
 
-/// The way of almost all numbers: an integer without a leading zero, in the window up to its end.
-int Lexer::number(char* start, SemanticValue& value) {
-  std::uint64_t plain = 0;
-  char* end = start;
-  for (; is_digit(*end) && end - start < kPlainDigits; ++end) {
-    plain = plain * 10 + static_cast<unsigned>(*end - '0');
-  }
-  const bool goes_on = kGoesOn[byte_at(end)] || (*start == '0' && end - start > 1);
-  if (goes_on || plain > kUlongMax) return any_number(start, value);
-  window_.set_cursor(end);
-  value.integer = static_cast<std::uint32_t>(plain);
-  return plain <= kShortMax ? T_SHORT : T_ULONG;
-}
-
 /// An integer is converted as `strtoul` in base 0 does, so that a leading zero means octal; but
 /// where that gives a value for T_SHORT, the decimal one counts.
-int Lexer::any_number(char* start, SemanticValue& value) {
+int Lexer::number(char* start, SemanticValue& value) {
   char* const end = skip_digits(start, start);
   if (*end == '.' || *end == 'e' || *end == 'E') return real(start, end, value);
   window_.set_cursor(end);
-  const std::string_view digits = without_leading_zeros(between(start, end));
-  const std::uint64_t decimal = digits.size() <= static_cast<std::size_t>(kPlainDigits)
-                                    ? integer_value(digits, 10)
-                                    : kUlongMax + 1;
+  std::uint64_t decimal = 0;
+  for (const char* digit = start; digit != end && decimal <= kUlongMax; ++digit)
+    decimal = decimal * 10 + static_cast<unsigned>(*digit - '0');
   if (decimal > kUlongMax) {
-    value.real = literal_to_double(digits);
+    value.real = literal_to_double(between(start, end));
     return T_DOUBLE;
   }
-  const bool has_prefix = *start == '0';
-  const auto plain = static_cast<std::uint32_t>(decimal);
-  const std::uint32_t prefixed =
-      has_prefix ? static_cast<std::uint32_t>(integer_value(digits, 8)) : plain;
+  auto prefixed = static_cast<std::uint32_t>(decimal);
+  if (*start == '0') std::from_chars(start, end, prefixed, 8);
   const bool is_short = prefixed <= kShortMax;
-  value.integer = is_short ? plain : prefixed;
+  value.integer = is_short ? static_cast<std::uint32_t>(decimal) : prefixed;
   return is_short ? T_SHORT : T_ULONG;
 }
 
@@ -247,7 +202,7 @@ int Lexer::real(char* start, char* position, SemanticValue& value) {
     position = skip_digits(start, position);
     if (position - start == digits_offset) {
       window_.set_cursor(position);
-      return kLexicalError;
+      return ZELK_error;
     }
   }
   window_.set_cursor(position);
@@ -265,51 +220,45 @@ char* Lexer::skip_digits(char*& start, char* position) {
 
 int Lexer::string(char* quote, SemanticValue& value) {
   char* start = quote + 1;
-  char* position = start;
-  bool is_as_it_stands = true;
-  for (;;) {
+  bool is_as_it_stands = true;  // no escape, no NUL
+  char* position = skip_plain(start);
+  while (*position != '"') {
+    if (*position == '\n') {
+      ++line_;
+      ++position;
+    } else {
+      is_as_it_stands = false;
+      position = skip_special(start, position);
+    }
     position = skip_plain(position);
-    if (*position == '"') break;
-    position = skip_special(start, position, is_as_it_stands);
   }
   window_.set_cursor(position + 1);
-  value.text = is_as_it_stands ? text_between(start, position) : string_text(start, position);
+  value.text = is_as_it_stands ? text_between(start, position) : unescaped(start, position);
   return T_STRING;
 }
 
 /// Returns the next byte that a string does not simply take: a quote, backslash, line feed, NUL or
 /// lead byte.
 char* Lexer::skip_plain(char* position) const {
-  if (string_specials_[byte_at(position)]) return position;
-  if (!has_leads_) return position + std::strcspn(position, "\"\\\n");
   while (!string_specials_[byte_at(position)]) ++position;
   return position;
 }
 
-/// Skips a line feed, an escape, a lone backslash, a double-byte character, or a NUL (the end of
-/// the window's bytes).
-char* Lexer::skip_special(char*& start, char* position, bool& is_as_it_stands) {
-  if (*position == '\n') ++line_;
-  const bool is_at_limit = position == window_.limit();
-  if (is_at_limit && !more(start, position)) fail_at_end();
-  if (is_at_limit) return position;
-  if (*position == '\0') is_as_it_stands = false;
-  const bool is_lead = leads_[byte_at(position)];
-  if (*position != '\\' && !is_lead) return position + 1;
-  if (position + 1 == window_.limit()) {
-    ++position;
-    if (!more(start, position)) fail_at_end();
-    --position;
-  }
-  if (is_lead) return position + (is_trail_byte(position[1]) ? 2 : 1);
-  const bool is_escape = position[1] == '"';
-  if (is_escape) is_as_it_stands = false;
-  return position + (is_escape ? 2 : 1);
+/// Skips an escaped quote, a lone backslash, a double-byte character or a NUL. At the limit, where
+/// a NUL stands too, it only reads on.
+char* Lexer::skip_special(char*& start, char* position) {
+  if (position == window_.limit()) return read_on(start, position);
+  const char first = *position;
+  char* second = position + 1;
+  if (second == window_.limit()) second = read_on(start, second);
+  const bool is_pair =
+      leads_[byte_at(&first)] ? is_trail_byte(*second) : first == '\\' && *second == '"';
+  return second + (is_pair ? 1 : 0);
 }
 
 /// The text between two quotes with its escapes resolved, in place. A NUL ends a text in the
 /// records, so it ends here too, with a warning.
-TokenText Lexer::string_text(char* start, char* end) const {
+TokenText Lexer::unescaped(char* start, char* end) const {
   end = resolve_escapes(start, end, leads_);
   auto* const nul =
       static_cast<char*>(std::memchr(start, '\0', static_cast<std::size_t>(end - start)));
@@ -334,15 +283,13 @@ int Lexer::slash(char* start) {
 /// file.
 void Lexer::skip_through(char last) {
   for (char* position = window_.cursor();; ++position) {
-    if (position == window_.limit() && !more(position, position)) fail_at_end();
+    if (position == window_.limit()) position = read_on(position, position);
     if (*position == '\n') ++line_;
     if (*position != last) continue;
     window_.set_cursor(position + 1);
     return;
   }
 }
-
-void Lexer::fail_at_end() const { fail(ZELK_ERR_SYNTAX, kSyntaxErrorText); }
 
 // --- The window ---
 
@@ -354,6 +301,12 @@ bool Lexer::more(char*& start, char*& position) {
   if (!has_more && window_.failed()) fail(ZELK_ERR_NOT_FOUND, "the file cannot be read on");
   position = start + offset;
   return has_more;
+}
+
+/// `more` within something that must not end with the file; returns the new `position`.
+char* Lexer::read_on(char*& start, char* position) {
+  if (!more(start, position)) fail(ZELK_ERR_SYNTAX, kSyntaxErrorText);
+  return position;
 }
 
 /// Returns the first character from `position` on that does not belong to the token at `start`,

@@ -27,9 +27,6 @@
 
 namespace zelk {
 
-/// Code of a token that no rule takes.
-inline constexpr int kLexicalError = 256;
-
 /// Detail of a syntax error's report.
 inline constexpr std::string_view kSyntaxErrorText = "error: syntax";
 
@@ -37,8 +34,8 @@ class Lexer {
  public:
   explicit Lexer(platform::File file);
 
-  /// Reads the next token and returns its code: 0 at the end of the input, 256 for a malformed
-  /// number, else a code of the grammar. `value` is set as the code wants it.
+  /// Reads the next token and returns its code: `ZELK_EOF` at the end of the input, `ZELK_error`
+  /// for a malformed number, else a code of the grammar. `value` is set as the code wants it.
   ///
   /// @throws ZelkException for errors 1, 16, 24 and 27
   /// @throws std::bad_alloc
@@ -64,12 +61,12 @@ class Lexer {
   int name(char* start, SemanticValue& value);
   [[noreturn]] void fail_in_name(char* start, char* end);
   int number(char* start, SemanticValue& value);
-  int any_number(char* start, SemanticValue& value);
   int real(char* start, char* position, SemanticValue& value);
   int string(char* quote, SemanticValue& value);
   char* skip_plain(char* position) const;
-  char* skip_special(char*& start, char* position, bool& is_as_it_stands);
-  TokenText string_text(char* start, char* end) const;
+  char* skip_special(char*& start, char* position);
+  char* read_on(char*& start, char* position);
+  TokenText unescaped(char* start, char* end) const;
   int slash(char* start);
   void skip_through(char last);
 
@@ -77,13 +74,11 @@ class Lexer {
   template <typename Predicate>
   char* scan(char*& start, char* position, Predicate belongs);
   char* skip_digits(char*& start, char* position);
-  [[noreturn]] void fail_at_end() const;
 
   Window window_;
   NewSymbols new_symbols_;
   std::int32_t line_ = 0;
-  std::array<bool, 256> leads_;  ///< first bytes of double-byte characters
-  bool has_leads_;
+  std::array<bool, 256> leads_;            ///< first bytes of double-byte characters
   std::array<bool, 256> string_specials_;  ///< bytes that a string does not simply take
 };
 

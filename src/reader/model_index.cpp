@@ -1,7 +1,6 @@
 #include "reader/model_index.hpp"
 
-#include <cstring>
-
+#include "base/list.hpp"
 #include "model/symbols.hpp"
 
 namespace zelk {
@@ -21,13 +20,6 @@ void add_by_name(Map& map, Record* record) {
   if (record->name) map.try_emplace(record->name, record);
 }
 
-/// `name` is not empty. The first characters differ for most, which spares the call.
-bool has_name(const sigblk& signal, std::string_view name) {
-  return signal.name && *signal.name == name[0] &&
-         std::strncmp(signal.name, name.data(), name.size()) == 0 &&
-         signal.name[name.size()] == '\0';
-}
-
 /// The first element that `matches`; null when there is none. `is_long` is set, and the answer
 /// null, when the list turns out too long for a walk.
 template <typename Record, typename Matches>
@@ -44,7 +36,7 @@ Record* walk(Record* list, bool& is_long, Matches matches) {
 
 template <typename Index, typename Record>
 void add_all(Index& index, Record* list) {
-  for (; list; list = list->next) index.add(list);
+  for (Record& record : each(list)) index.add(&record);
 }
 
 }  // namespace
@@ -85,12 +77,11 @@ valtable* ModelIndex::table(std::string_view name) const { return find(tables_, 
 sigblk* ModelIndex::signal(const msgblk& message, std::string_view name) {
   bool is_long = false;
   sigblk* found = walk(message.signals, is_long,
-                       [name](const sigblk& signal) { return has_name(signal, name); });
+                       [name](const sigblk& signal) { return signal.name && signal.name == name; });
   if (!is_long) return found;
   const auto [index, is_new] = long_signal_lists_.try_emplace(&message);
-  for (sigblk* signal = is_new ? message.signals : nullptr; signal; signal = signal->next) {
-    add_by_name(index->second, signal);
-  }
+  for (sigblk& signal : each(is_new ? message.signals : nullptr))
+    add_by_name(index->second, &signal);
   return find(index->second, name);
 }
 
@@ -99,9 +90,7 @@ rxblk* ModelIndex::link(rxblk* links, const symblk* node) {
   rxblk* found = walk(links, is_long, [node](const rxblk& link) { return link.node == node; });
   if (!is_long) return found;
   const auto [index, is_new] = long_link_lists_.try_emplace(links);
-  for (rxblk* link = is_new ? links : nullptr; link; link = link->next) {
-    index->second.try_emplace(link->node, link);
-  }
+  for (rxblk& link : each(is_new ? links : nullptr)) index->second.try_emplace(link.node, &link);
   return find(index->second, node);
 }
 

@@ -3,8 +3,8 @@
 #include <new>
 
 #include "model/errors.hpp"
-#include "reader/grammar.hpp"
 #include "text/new_symbols.hpp"
+#include "text/token_codes.hpp"
 #include "zelk/dbc.h"
 #include "zelk/exception.hpp"
 

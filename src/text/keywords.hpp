@@ -10,7 +10,7 @@
 namespace zelk {
 
 struct Keyword {
-  const char* text;
+  std::string_view text;
   int code;  ///< token code of the grammar; "EV_DATA_" and "ENVVAR_DATA_" share one
   const char* description;
 };
@@ -18,9 +18,6 @@ struct Keyword {
 /// All keywords. The order is part of the format: the rows behind "NS_" make up a written "NS_"
 /// list.
 extern const std::array<Keyword, 40> zelk_keyword;
-
-/// Token code of "NS_".
-inline constexpr int kNewSymbolsCode = 276;
 
 /// The keyword equal to `name`, case included; null when it is none.
 const Keyword* find_keyword(std::string_view name);

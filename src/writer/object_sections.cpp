@@ -8,6 +8,7 @@
 #include "base/seeded_hash.hpp"
 #include "text/keywords.hpp"
 #include "text/new_symbols.hpp"
+#include "text/token_codes.hpp"
 #include "text/words.hpp"
 #include "writer/writer.hpp"
 
@@ -78,7 +79,7 @@ void Writer::new_symbols() {
   out_.put("\nNS_ : \n");
   const auto* const first =
       std::find_if(zelk_keyword.begin(), zelk_keyword.end(),
-                   [](const Keyword& keyword) { return keyword.code == kNewSymbolsCode; });
+                   [](const Keyword& keyword) { return keyword.code == T_NS; });
   for (const auto* keyword = first + 1; keyword != zelk_keyword.end(); ++keyword) {
     out_.put('\t', keyword->text, '\n');
   }

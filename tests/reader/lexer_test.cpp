@@ -5,9 +5,9 @@
 #include <clocale>
 
 #include "model/errors.hpp"
-#include "reader/grammar.hpp"
 #include "support/database.hpp"
 #include "support/system.hpp"
+#include "text/token_codes.hpp"
 #include "zelk/exception.hpp"
 
 namespace {
