@@ -26,6 +26,9 @@ void copy_inline(char (&destination)[kSize], std::string_view source) {
   copy_symbol(destination, ZELK_INLINE_NAME_MAX, source);
 }
 
+/// Whether an inline name or unit can hold the whole text.
+inline bool fits_inline(std::string_view text) { return text.size() <= ZELK_INLINE_NAME_MAX; }
+
 /// The part of a name by which inline names are compared.
 inline std::string_view inline_key(std::string_view name) {
   return name.substr(0, ZELK_INLINE_NAME_MAX);

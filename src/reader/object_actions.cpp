@@ -1,7 +1,6 @@
 #include "reader/object_actions.hpp"
 
 #include <charconv>
-#include <limits>
 #include <string>
 #include <utility>
 
@@ -10,12 +9,6 @@
 
 namespace zelk {
 namespace {
-
-template <typename Integer>
-bool fits(std::int64_t number) {
-  return number >= std::numeric_limits<Integer>::min() &&
-         number <= std::numeric_limits<Integer>::max();
-}
 
 catlink* create_category_link(cat* category) {
   auto* link = create_record<catlink>();
@@ -117,8 +110,8 @@ void ObjectActions::signal_type_reference(std::uint32_t id, TokenText signal_nam
 // --- Categories ---
 
 void ObjectActions::define_category(std::int64_t number, TokenText name, std::uint32_t level) {
-  if (!fits<std::int16_t>(number)) context_.fail(ZELK_ERR_MEANING, std::to_string(number));
-  if (!fits<std::uint16_t>(level)) context_.fail(ZELK_ERR_MEANING, std::to_string(level));
+  if (!std::in_range<std::int16_t>(number)) context_.fail(ZELK_ERR_MEANING, std::to_string(number));
+  if (!std::in_range<std::uint16_t>(level)) context_.fail(ZELK_ERR_MEANING, std::to_string(level));
   Owned<cat> category(zelk_create_category());
   category->number = static_cast<std::int16_t>(number);
   category->level = static_cast<std::uint16_t>(level);
@@ -130,7 +123,7 @@ void ObjectActions::define_category(std::int64_t number, TokenText name, std::ui
 
 /// Null for category 0, unless one with that number is defined.
 cat* ObjectActions::category(std::int64_t number) const {
-  cat* found = fits<std::int16_t>(number)
+  cat* found = std::in_range<std::int16_t>(number)
                    ? context_.index.category(static_cast<std::int32_t>(number))
                    : nullptr;
   if (!found && number != 0) context_.fail(ZELK_ERR_UNKNOWN_CATEGORY, std::to_string(number));
@@ -155,7 +148,7 @@ void ObjectActions::variable_category(TokenText name, std::int64_t number) {
 // --- The view filter ---
 
 void ObjectActions::filter(std::int64_t mode) {
-  if (!fits<std::int32_t>(mode)) context_.fail(ZELK_ERR_MEANING, std::to_string(mode));
+  if (!std::in_range<std::int32_t>(mode)) context_.fail(ZELK_ERR_MEANING, std::to_string(mode));
   Owned<catlink> categories(filter_categories());
   Owned<rxblk> nodes(filter_nodes());
   filter_t& filter = context_.model.filter;

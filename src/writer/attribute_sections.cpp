@@ -1,6 +1,5 @@
 // Attribute definitions, defaults and values.
 
-#include <cstring>
 #include <string_view>
 
 #include "text/words.hpp"
@@ -71,18 +70,18 @@ void Writer::attributes() {
 // --- Definitions ---
 
 void Writer::definitions() {
-  for (const attr_def* definition = model_.attr_defs; definition; definition = definition->next) {
-    if (is_relation(definition->object_type)) continue;
-    out_.put("BA_DEF_ ", object_keyword(definition->object_type), ' ');
-    out_.put_quoted(definition->name);
+  for (const attr_def& definition : each(model_.attr_defs)) {
+    if (is_relation(definition.object_type)) continue;
+    out_.put("BA_DEF_ ", object_keyword(definition.object_type), ' ');
+    out_.put_quoted(definition.name);
     out_.put(' ');
-    type_and_range(*definition);
+    type_and_range(definition);
     out_.put(";\n");
     for (std::size_t kind = 0; kind < kNamedKinds; ++kind) {
-      const bool is_for_names = definition->object_type == kKindNumbers[kind] &&
-                                definition->name == kLongNameAttributes[kind];
+      const bool is_for_names = definition.object_type == kKindNumbers[kind] &&
+                                definition.name == kLongNameAttributes[kind];
       const attr_def*& first = long_name_definitions_[kind];
-      if (is_for_names && !first) first = definition;
+      if (is_for_names && !first) first = &definition;
     }
   }
 }
@@ -107,21 +106,21 @@ bool Writer::writes_long_names(NamedKind kind) const {
 }
 
 void Writer::signal_type_definitions() {
-  for (const attr_def* definition = model_.attr_defs; definition; definition = definition->next) {
-    if (definition->object_type != ZELK_OBJ_SIGTYPE) continue;
+  for (const attr_def& definition : each(model_.attr_defs)) {
+    if (definition.object_type != ZELK_OBJ_SIGTYPE) continue;
     out_.put("BA_DEF_SGTYPE_ ");
-    out_.put_quoted(definition->name);
+    out_.put_quoted(definition.name);
     out_.put(";\n");
   }
 }
 
 void Writer::relation_definitions() {
-  for (const attr_def* definition = model_.attr_defs; definition; definition = definition->next) {
-    if (!is_relation(definition->object_type)) continue;
-    out_.put("BA_DEF_REL_ ", relation_keyword(definition->object_type), ' ');
-    out_.put_quoted(definition->name);
+  for (const attr_def& definition : each(model_.attr_defs)) {
+    if (!is_relation(definition.object_type)) continue;
+    out_.put("BA_DEF_REL_ ", relation_keyword(definition.object_type), ' ');
+    out_.put_quoted(definition.name);
     out_.put(' ');
-    type_and_range(*definition);
+    type_and_range(definition);
     out_.put(";\n");
   }
 }
@@ -129,7 +128,7 @@ void Writer::relation_definitions() {
 void Writer::type_and_range(const attr_def& definition) {
   out_.put(type_keyword(definition.value_type));
   if (definition.value_type == ZELK_ATTR_ENUM) {
-    items(definition.enum_values ? definition.enum_values : "");
+    items(view(definition.enum_values));
   } else if (definition.value_type != ZELK_ATTR_STRING) {
     out_.put(definition.minimum, ' ', definition.maximum);
   }
@@ -155,13 +154,13 @@ void Writer::items(std::string_view list) {
 }
 
 void Writer::defaults() {
-  for (const attr_def* definition = model_.attr_defs; definition; definition = definition->next) {
-    out_.put(is_relation(definition->object_type) ? "BA_DEF_DEF_REL_" : "BA_DEF_DEF_ ", ' ');
-    out_.put_quoted(definition->name);
+  for (const attr_def& definition : each(model_.attr_defs)) {
+    out_.put(is_relation(definition.object_type) ? "BA_DEF_DEF_REL_" : "BA_DEF_DEF_ ", ' ');
+    out_.put_quoted(definition.name);
     out_.put(' ');
     const bool is_text =
-        definition->value_type == ZELK_ATTR_STRING || definition->value_type == ZELK_ATTR_ENUM;
-    number_or_text(is_text, definition->default_value);
+        definition.value_type == ZELK_ATTR_STRING || definition.value_type == ZELK_ATTR_ENUM;
+    number_or_text(is_text, definition.default_value);
   }
   for (std::size_t kind = 0; kind < kNamedKinds; ++kind) {
     if (defines_long_names(kind))
@@ -181,36 +180,36 @@ void Writer::number_or_text(bool is_text, zelk_attr_value_t value) {
 // --- Values of objects ---
 
 void Writer::values() {
-  for (const attr* value = model_.net_attrs; value; value = value->next) this->value("BA_ ", *value);
-  for (const symblk* node = model_.nodes; node; node = node->next) {
-    object_values(node->attrs, "BU_ ", name(*node), ' ');
-    long_name(NamedKind::kNode, node->name, "BU_ ", name(*node), ' ');
+  for (const attr& value : each(model_.net_attrs)) this->value("BA_ ", value);
+  for (const symblk& node : each(model_.nodes)) {
+    object_values(node.attrs, "BU_ ", name(node), ' ');
+    long_name(NamedKind::kNode, node.name, "BU_ ", name(node), ' ');
   }
   const MessageSet hidden = hidden_messages();
-  for (const msgblk* message = model_.messages; message; message = message->next) {
-    object_values(message->attrs, "BO_ ", message->id, ' ');
-    if (hidden.contains(message)) continue;
-    long_name(NamedKind::kMessage, message->name, "BO_ ", message->id, ' ');
+  for (const msgblk& message : each(model_.messages)) {
+    object_values(message.attrs, "BO_ ", message.id, ' ');
+    if (hidden.contains(&message)) continue;
+    long_name(NamedKind::kMessage, message.name, "BO_ ", message.id, ' ');
   }
   for_each_signal([&](const msgblk& message, const sigblk& signal) {
     object_values(signal.attrs, "SG_ ", message.id, ' ', name(signal), ' ');
     if (hidden.contains(&message)) return;
     long_name(NamedKind::kSignal, signal.name, "SG_ ", message.id, ' ', name(signal), ' ');
   });
-  for (const env_var_blk* variable = model_.env_vars; variable; variable = variable->next) {
-    object_values(variable->attrs, "EV_ ", name(*variable), ' ');
-    long_name(NamedKind::kVariable, variable->name, "EV_ ", name(*variable), ' ');
+  for (const env_var_blk& variable : each(model_.env_vars)) {
+    object_values(variable.attrs, "EV_ ", name(variable), ' ');
+    long_name(NamedKind::kVariable, variable.name, "EV_ ", name(variable), ' ');
   }
-  for (const sigtype* type = model_.sig_types; type; type = type->next) {
-    for (const attr* value = type->attrs; value; value = value->next) {
-      this->value("BA_SGTYPE_ ", *value, "SGTYPE_ ", type->name, ' ');
+  for (const sigtype& type : each(model_.sig_types)) {
+    for (const attr& value : each(type.attrs)) {
+      this->value("BA_SGTYPE_ ", value, "SGTYPE_ ", type.name, ' ');
     }
   }
 }
 
 template <typename... Place>
 void Writer::object_values(const attr* values, const Place&... place) {
-  for (; values; values = values->next) value("BA_ ", *values, place...);
+  for (const attr& value : each(values)) this->value("BA_ ", value, place...);
 }
 
 /// Messages that a reader cannot name, because others with their identifiers stand in front of
@@ -221,8 +220,8 @@ Writer::MessageSet Writer::hidden_messages() const {
   if (!writes_long_names(NamedKind::kMessage) && !writes_long_names(NamedKind::kSignal))
     return hidden;
   std::unordered_set<std::uint32_t, SeededHash> ids;
-  for (const msgblk* message = model_.messages; message; message = message->next) {
-    if (!ids.insert(message->id).second) hidden.insert(message);
+  for (const msgblk& message : each(model_.messages)) {
+    if (!ids.insert(message.id).second) hidden.insert(&message);
   }
   return hidden;
 }
@@ -255,19 +254,19 @@ void Writer::relation_values() {
       link_values(signal.receivers, "BU_SG_REL_ ", "SG_ ", message.id, ' ', name(signal), ' ');
     });
   }
-  for (const msgblk* message = model_.messages; message; message = message->next) {
-    link_values(message->tx_nodes, "BU_BO_REL_ ", message->id, ' ');
+  for (const msgblk& message : each(model_.messages)) {
+    link_values(message.tx_nodes, "BU_BO_REL_ ", message.id, ' ');
   }
-  for (const env_var_blk* variable = model_.env_vars; variable; variable = variable->next) {
-    link_values(variable->access_nodes, "BU_EV_REL_ ", name(*variable), ' ');
+  for (const env_var_blk& variable : each(model_.env_vars)) {
+    link_values(variable.access_nodes, "BU_EV_REL_ ", name(variable), ' ');
   }
 }
 
 template <typename... Place>
 void Writer::link_values(const rxblk* links, const char* relation, const Place&... place) {
-  for (; links; links = links->next) {
-    for (const attr* value = links->attrs; value; value = value->next) {
-      this->value("BA_REL_ ", *value, relation, name(links->node), ' ', place...);
+  for (const rxblk& link : each(links)) {
+    for (const attr& value : each(link.attrs)) {
+      this->value("BA_REL_ ", value, relation, name(link.node), ' ', place...);
     }
   }
 }

@@ -7,20 +7,18 @@ namespace zelk {
 namespace {
 
 bool has_several_multiplexors(const msgblk& message) {
-  int count = 0;
-  for (const sigblk* signal = message.signals; signal && count < 2; signal = signal->next) {
-    if ((signal->flags & ZELK_SIGNAL_MULTIPLEXOR) != 0) ++count;
-  }
-  return count > 1;
+  const auto is_multiplexor = [](const sigblk& signal) {
+    return (signal.flags & ZELK_SIGNAL_MULTIPLEXOR) != 0;
+  };
+  const sigblk* const first = find_first(message.signals, is_multiplexor);
+  return first && find_first(first->next, is_multiplexor);
 }
 
 /// Whether all ranges are one and the same single value: the "SG_" line says it already.
 bool is_one_value(const muxor_val_range* ranges) {
-  const std::uint32_t value = ranges->low;
-  for (; ranges; ranges = ranges->next) {
-    if (ranges->low != value || ranges->high != value) return false;
-  }
-  return true;
+  return !find_first(ranges, [value = ranges->low](const muxor_val_range& range) {
+    return range.low != value || range.high != value;
+  });
 }
 
 }  // namespace
@@ -28,9 +26,9 @@ bool is_one_value(const muxor_val_range* ranges) {
 // --- Value descriptions ---
 
 void Writer::value_tables() {
-  for (const valtable* table = model_.val_tables; table; table = table->next) {
-    out_.put("VAL_TABLE_ ", table->name, ' ');
-    descriptions(table->values);
+  for (const valtable& table : each(model_.val_tables)) {
+    out_.put("VAL_TABLE_ ", table.name, ' ');
+    descriptions(table.values);
   }
   out_.put('\n');
 }
@@ -41,17 +39,17 @@ void Writer::value_descriptions() {
     out_.put("VAL_ ", message.id, ' ', name(signal), ' ');
     descriptions(signal.values);
   });
-  for (const env_var_blk* variable = model_.env_vars; variable; variable = variable->next) {
-    if (!variable->values) continue;
-    out_.put("VAL_ ", name(*variable), ' ');
-    descriptions(variable->values);
+  for (const env_var_blk& variable : each(model_.env_vars)) {
+    if (!variable.values) continue;
+    out_.put("VAL_ ", name(variable), ' ');
+    descriptions(variable.values);
   }
 }
 
 void Writer::descriptions(const val* list) {
-  for (; list; list = list->next) {
-    out_.put(list->value, ' ');
-    out_.put_quoted(list->text);
+  for (const val& description : each(list)) {
+    out_.put(description.value, ' ');
+    out_.put_quoted(description.text);
     out_.put(' ');
   }
   out_.put(";\n");
@@ -60,18 +58,18 @@ void Writer::descriptions(const val* list) {
 // --- Categories and filter ---
 
 void Writer::categories() {
-  for (const cat* category = model_.categories; category; category = category->next) {
-    out_.put("CAT_DEF_ ", std::int32_t{category->number}, ' ', category->name, ' ', category->level,
+  for (const cat& category : each(model_.categories)) {
+    out_.put("CAT_DEF_ ", std::int32_t{category.number}, ' ', category.name, ' ', category.level,
              ";\n");
   }
-  for (const symblk* node = model_.nodes; node; node = node->next) {
-    category_of(*node, "BU_ ", name(*node));
+  for (const symblk& node : each(model_.nodes)) {
+    category_of(node, "BU_ ", name(node));
   }
-  for (const env_var_blk* variable = model_.env_vars; variable; variable = variable->next) {
-    category_of(*variable, "EV_ ", name(*variable));
+  for (const env_var_blk& variable : each(model_.env_vars)) {
+    category_of(variable, "EV_ ", name(variable));
   }
-  for (const msgblk* message = model_.messages; message; message = message->next) {
-    category_of(*message, "BO_ ", message->id);
+  for (const msgblk& message : each(model_.messages)) {
+    category_of(message, "BO_ ", message.id);
   }
 }
 
@@ -86,14 +84,14 @@ void Writer::filter() {
   if (!filter.categories && !filter.nodes) return;
   out_.put("FILTER ", filter.mode, " CAT_ ");
   if (!filter.categories) out_.put("0 ");
-  for (const catlink* link = filter.categories; link; link = link->next) {
-    out_.put(std::int32_t{link->category ? link->category->number : std::int16_t{0}}, ' ');
+  for (const catlink& link : each(filter.categories)) {
+    out_.put(std::int32_t{link.category ? link.category->number : std::int16_t{0}}, ' ');
   }
   out_.put("BU_ ");
   if (!filter.nodes) out_.put('"', kNoFilterNode, "\" ");
-  for (const rxblk* link = filter.nodes; link; link = link->next) {
-    if (link->node) {
-      out_.put(name(*link->node), ' ');
+  for (const rxblk& link : each(filter.nodes)) {
+    if (link.node) {
+      out_.put(name(*link.node), ' ');
     } else {
       out_.put('"', kNoFilterNode, "\" ");
     }
@@ -112,12 +110,12 @@ void Writer::type_references() {
 }
 
 void Writer::signal_groups() {
-  for (const msgblk* message = model_.messages; message; message = message->next) {
-    for (const siggroupblk* group = message->siggroups; group; group = group->next) {
-      out_.put("SIG_GROUP_ ", message->id, ' ', group->name, ' ',
-               static_cast<std::uint32_t>(group->repetitions), " :");
-      for (const siglistblk* member = group->signals; member; member = member->next) {
-        if (member->signal) out_.put(' ', name(*member->signal));
+  for (const msgblk& message : each(model_.messages)) {
+    for (const siggroupblk& group : each(message.siggroups)) {
+      out_.put("SIG_GROUP_ ", message.id, ' ', group.name, ' ',
+               static_cast<std::uint32_t>(group.repetitions), " :");
+      for (const siglistblk& member : each(group.signals)) {
+        if (member.signal) out_.put(' ', name(*member.signal));
       }
       out_.put(";\n");
     }
@@ -131,9 +129,9 @@ void Writer::value_types() {
       out_.put("SIG_VALTYPE_ ", message.id, ' ', name(signal), " : ", signal.value_type, ";\n");
     });
   }
-  for (const sigtype* type = model_.sig_types; type; type = type->next) {
-    if (type->value_type == ZELK_VALUE_INTEGER) continue;
-    out_.put("SIGTYPE_VALTYPE_ ", type->name, " : ", type->value_type, ";\n");
+  for (const sigtype& type : each(model_.sig_types)) {
+    if (type.value_type == ZELK_VALUE_INTEGER) continue;
+    out_.put("SIGTYPE_VALTYPE_ ", type.name, " : ", type.value_type, ";\n");
   }
 }
 
@@ -141,12 +139,12 @@ void Writer::value_types() {
 
 void Writer::multiplexor_ranges() {
   const msgblk* const messages = noticed_.multiplexor ? model_.messages : nullptr;
-  for (const msgblk* message = messages; message; message = message->next) {
-    const bool is_extended = has_several_multiplexors(*message);
-    for (const sigblk* signal = message->signals; signal; signal = signal->next) {
-      if (signal->mux_signal && signal->mux_ranges &&
-          (is_extended || !is_one_value(signal->mux_ranges))) {
-        signal_ranges(*message, *signal);
+  for (const msgblk& message : each(messages)) {
+    const bool is_extended = has_several_multiplexors(message);
+    for (const sigblk& signal : each(message.signals)) {
+      if (signal.mux_signal && signal.mux_ranges &&
+          (is_extended || !is_one_value(signal.mux_ranges))) {
+        signal_ranges(message, signal);
       }
     }
   }
@@ -155,8 +153,8 @@ void Writer::multiplexor_ranges() {
 
 void Writer::signal_ranges(const msgblk& message, const sigblk& signal) {
   out_.put("\nSG_MUL_VAL_ ", message.id, ' ', name(signal), ' ', name(*signal.mux_signal));
-  for (const muxor_val_range* range = signal.mux_ranges; range; range = range->next) {
-    out_.put(' ', range->low, '-', range->high, range->next ? ',' : ';');
+  for (const muxor_val_range& range : each(signal.mux_ranges)) {
+    out_.put(' ', range.low, '-', range.high, range.next ? ',' : ';');
   }
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 #include <unordered_set>
+#include <utility>
 
 #include "base/characters.hpp"
 #include "base/seeded_hash.hpp"
@@ -14,16 +15,6 @@
 
 namespace zelk {
 namespace {
-
-bool is_set(const char* text) { return text && *text; }
-
-template <typename Record, typename Predicate>
-bool any(const Record* list, Predicate holds) {
-  for (; list; list = list->next) {
-    if (holds(*list)) return true;
-  }
-  return false;
-}
 
 int byte_order(std::uint16_t flags) { return (flags & ZELK_SIGNAL_MOTOROLA) != 0 ? 0 : 1; }
 
@@ -64,11 +55,14 @@ void Writer::write(bool with_multiplexor_ranges) {
 }
 
 bool Writer::needs_new_symbols() const {
-  const auto has_comment = [](const auto& object) { return is_set(object.comment); };
-  return is_set(model_.comment) || any(model_.nodes, has_comment) ||
-         any(model_.messages,
-             [](const msgblk& message) { return is_set(message.comment) || message.signals; }) ||
-         any(model_.env_vars,
+  const auto has_comment = [](const auto& object) { return !view(object.comment).empty(); };
+  return !view(model_.comment).empty() || find_first(model_.nodes, has_comment) ||
+         find_first(model_.messages,
+                    [](const msgblk& message) {
+                      return !view(message.comment).empty() || message.signals;
+                    }) ||
+         find_first(
+             model_.env_vars,
              [](const env_var_blk& variable) { return variable.type == ZELK_ENVVAR_DATA; }) ||
          model_.filter.categories || model_.filter.nodes || model_.attr_defs || model_.categories ||
          model_.sig_types;
@@ -92,29 +86,26 @@ void Writer::new_symbols() {
 template <typename Use>
 void Writer::for_each_written_name(Use use) {
   const auto use_links = [&](const rxblk* links) {
-    for (; links; links = links->next) use(name(links->node));
+    for (const rxblk& link : each(links)) use(name(link.node));
   };
-  for (const symblk* node = model_.nodes; node; node = node->next) use(name(*node));
-  for (const valtable* table = model_.val_tables; table; table = table->next) use(table->name);
-  for (const msgblk* message = model_.messages; message; message = message->next) {
-    use(name(*message));
-    use(transmitter(*message));
-    for (const sigblk* signal = message->signals; signal; signal = signal->next) {
-      use(name(*signal));
-      use_links(signal->receivers);
+  for (const symblk& node : each(model_.nodes)) use(name(node));
+  for (const valtable& table : each(model_.val_tables)) use(table.name);
+  for (const msgblk& message : each(model_.messages)) {
+    use(name(message));
+    use(transmitter(message));
+    for (const sigblk& signal : each(message.signals)) {
+      use(name(signal));
+      use_links(signal.receivers);
     }
-    for (const siggroupblk* group = message->siggroups; group; group = group->next)
-      use(group->name);
+    for (const siggroupblk& group : each(message.siggroups)) use(group.name);
   }
-  for (const msgblk* message = model_.messages; message; message = message->next)
-    use_links(message->tx_nodes);
-  for (const env_var_blk* variable = model_.env_vars; variable; variable = variable->next) {
-    use(name(*variable));
-    use_links(variable->access_nodes);
+  for (const msgblk& message : each(model_.messages)) use_links(message.tx_nodes);
+  for (const env_var_blk& variable : each(model_.env_vars)) {
+    use(name(variable));
+    use_links(variable.access_nodes);
   }
-  for (const sigtype* type = model_.sig_types; type; type = type->next) use(type->name);
-  for (const cat* category = model_.categories; category; category = category->next)
-    use(category->name);
+  for (const sigtype& type : each(model_.sig_types)) use(type.name);
+  for (const cat& category : each(model_.categories)) use(category.name);
 }
 
 /// Those of the last file's announced names that no record bears here. A reader skips every
@@ -133,27 +124,26 @@ std::vector<std::string> Writer::unused_new_symbols() {
 
 void Writer::bit_timings() {
   out_.put("BS_:\n");
-  for (const btlblk* timing = model_.bit_timings; timing; timing = timing->next) {
-    out_.put(' ', Padded{timing->baudrate, 5}, ':', Padded{timing->btr1, 3}, ',',
-             Padded{timing->btr2, 3}, '\n');
+  for (const btlblk& timing : each(model_.bit_timings)) {
+    out_.put(' ', Padded{timing.baudrate, 5}, ':', Padded{timing.btr1, 3}, ',',
+             Padded{timing.btr2, 3}, '\n');
   }
   out_.put('\n');
 }
 
 void Writer::nodes() {
   out_.put("BU_:");
-  for (const symblk* node = model_.nodes; node; node = node->next) out_.put(' ', name(*node));
+  for (const symblk& node : each(model_.nodes)) out_.put(' ', name(node));
   out_.put('\n');
 }
 
 // --- Messages and signals ---
 
 void Writer::messages() {
-  for (const msgblk* message = model_.messages; message; message = message->next) {
-    out_.put("\nBO_ ", message->id, ' ', name(*message), ": ", message->dlc, ' ',
-             transmitter(*message), '\n');
-    for (const sigblk* signal = message->signals; signal; signal = signal->next)
-      this->signal(*signal);
+  for (const msgblk& message : each(model_.messages)) {
+    out_.put("\nBO_ ", message.id, ' ', name(message), ": ", message.dlc, ' ', transmitter(message),
+             '\n');
+    for (const sigblk& signal : each(message.signals)) this->signal(signal);
   }
   out_.put('\n');
 }
@@ -178,8 +168,9 @@ void Writer::signal(const sigblk& signal) {
 }
 
 void Writer::notice(const sigblk& signal) {
-  noticed_.link_attribute |=
-      any(signal.receivers, [](const rxblk& link) { return link.attrs != nullptr; });
+  noticed_.link_attribute |= find_first(signal.receivers, [](const rxblk& link) {
+                               return link.attrs != nullptr;
+                             }) != nullptr;
   noticed_.type |= signal.sigtype != nullptr;
   noticed_.value_type |= signal.value_type != ZELK_VALUE_INTEGER;
   noticed_.multiplexor |= signal.mux_signal != nullptr;
@@ -188,17 +179,17 @@ void Writer::notice(const sigblk& signal) {
 /// Nodes behind a blank, separated by commas; the placeholder without a blank.
 void Writer::names(const rxblk* links) {
   if (!links) out_.put(ZELK_NO_NODE);
-  for (char separator = ' '; links; links = links->next, separator = ',')
-    out_.put(separator, name(links->node));
+  char separator = ' ';
+  for (const rxblk& link : each(links)) out_.put(std::exchange(separator, ','), name(link.node));
 }
 
 /// The "BO_" line names one transmitter already.
 void Writer::transmitters() {
-  for (const msgblk* message = model_.messages; message; message = message->next) {
-    const rxblk* links = message->tx_nodes;
+  for (const msgblk& message : each(model_.messages)) {
+    const rxblk* links = message.tx_nodes;
     if (!links || !links->next) continue;
-    out_.put("BO_TX_BU_ ", message->id, " : ", name(links->node));
-    for (links = links->next; links; links = links->next) out_.put(',', name(links->node));
+    out_.put("BO_TX_BU_ ", message.id, " : ", name(links->node));
+    for (const rxblk& link : each(links->next)) out_.put(',', name(link.node));
     out_.put(";\n");
   }
   out_.put('\n');
@@ -207,13 +198,12 @@ void Writer::transmitters() {
 // --- Environment variables and signal types ---
 
 void Writer::variables() {
-  for (const env_var_blk* variable = model_.env_vars; variable; variable = variable->next)
-    this->variable(*variable);
-  for (const env_var_blk* variable = model_.env_vars; variable; variable = variable->next) {
-    if (variable->type != ZELK_ENVVAR_DATA) continue;
-    out_.put("ENVVAR_DATA_ ", name(*variable), ": ", variable->data_size, ";\n");
+  for (const env_var_blk& variable : each(model_.env_vars)) this->variable(variable);
+  for (const env_var_blk& variable : each(model_.env_vars)) {
+    if (variable.type != ZELK_ENVVAR_DATA) continue;
+    out_.put("ENVVAR_DATA_ ", name(variable), ": ", variable.data_size, ";\n");
   }
-  for (const sigtype* type = model_.sig_types; type; type = type->next) signal_type(*type);
+  for (const sigtype& type : each(model_.sig_types)) signal_type(type);
   out_.put('\n');
 }
 
@@ -243,38 +233,37 @@ void Writer::signal_type(const sigtype& type) {
 // --- Comments ---
 
 void Writer::comments() {
-  if (is_set(model_.comment)) {
+  if (!view(model_.comment).empty()) {
     out_.put("CM_ ");
     comment_text(model_.comment);
   }
-  for (const symblk* node = model_.nodes; node; node = node->next) {
-    if (!is_set(node->comment)) continue;
-    out_.put("CM_ BU_ ", name(*node), ' ');
-    comment_text(node->comment);
+  for (const symblk& node : each(model_.nodes)) {
+    if (view(node.comment).empty()) continue;
+    out_.put("CM_ BU_ ", name(node), ' ');
+    comment_text(node.comment);
   }
-  for (const msgblk* message = model_.messages; message; message = message->next)
-    message_comments(*message);
-  for (const env_var_blk* variable = model_.env_vars; variable; variable = variable->next) {
-    if (!is_set(variable->comment)) continue;
-    out_.put("CM_ EV_ ", name(*variable), ' ');
-    comment_text(variable->comment);
+  for (const msgblk& message : each(model_.messages)) message_comments(message);
+  for (const env_var_blk& variable : each(model_.env_vars)) {
+    if (view(variable.comment).empty()) continue;
+    out_.put("CM_ EV_ ", name(variable), ' ');
+    comment_text(variable.comment);
   }
-  for (const sigtype* type = model_.sig_types; type; type = type->next) {
-    if (!is_set(type->comment)) continue;
-    out_.put("CM_ SGTYPE_ ", type->name, ' ');
-    comment_text(type->comment);
+  for (const sigtype& type : each(model_.sig_types)) {
+    if (view(type.comment).empty()) continue;
+    out_.put("CM_ SGTYPE_ ", type.name, ' ');
+    comment_text(type.comment);
   }
 }
 
 void Writer::message_comments(const msgblk& message) {
-  if (is_set(message.comment)) {
+  if (!view(message.comment).empty()) {
     out_.put("CM_ BO_ ", message.id, ' ');
     comment_text(message.comment);
   }
-  for (const sigblk* signal = message.signals; signal; signal = signal->next) {
-    if (!is_set(signal->comment)) continue;
-    out_.put("CM_ SG_ ", message.id, ' ', name(*signal), ' ');
-    comment_text(signal->comment);
+  for (const sigblk& signal : each(message.signals)) {
+    if (view(signal.comment).empty()) continue;
+    out_.put("CM_ SG_ ", message.id, ' ', name(signal), ' ');
+    comment_text(signal.comment);
   }
 }
 

@@ -1,14 +1,14 @@
 #include "writer/read_back.hpp"
 
-#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <string_view>
 #include <unordered_set>
 
+#include "base/list.hpp"
 #include "base/seeded_hash.hpp"
-#include "base/text_view.hpp"
 #include "model/cycle_search.hpp"
+#include "model/symbols.hpp"
 #include "text/words.hpp"
 
 namespace zelk {
@@ -21,34 +21,21 @@ bool is_readable(const char* name, bool is_node) {
   return view(name).empty() || can_name_object(name, is_node);
 }
 
-template <std::size_t kSize>
-bool fits(const char (&text)[kSize]) {
-  return std::find(text, text + kSize, '\0') - text <= ZELK_INLINE_NAME_MAX;
-}
-
-bool is_set(const char* text) { return text && *text; }
-
-template <typename Record, typename Predicate>
-bool any(const Record* list, Predicate holds) {
-  while (list && !holds(*list)) list = list->next;
-  return list != nullptr;
-}
-
 bool has_values(const rxblk* links) {
-  return any(links, [](const rxblk& link) { return link.attrs != nullptr; });
+  return find_first(links, [](const rxblk& link) { return link.attrs != nullptr; });
 }
 
 /// Whether further statements speak of a signal.
 bool has_statements(const sigblk& signal) {
-  return is_set(signal.comment) || signal.attrs || signal.values || signal.sigtype ||
+  return !view(signal.comment).empty() || signal.attrs || signal.values || signal.sigtype ||
          signal.value_type != ZELK_VALUE_INTEGER || has_values(signal.receivers);
 }
 
 bool has_statements(const msgblk& message) {
   const bool has_transmitters = message.tx_nodes && message.tx_nodes->next;
-  return is_set(message.comment) || message.attrs || message.category || message.siggroups ||
+  return !view(message.comment).empty() || message.attrs || message.category || message.siggroups ||
          has_transmitters || has_values(message.tx_nodes) ||
-         any(message.signals, [](const sigblk& signal) { return has_statements(signal); });
+         find_first(message.signals, [](const sigblk& signal) { return has_statements(signal); });
 }
 
 bool has_item(std::string_view items, std::string_view wanted) {
@@ -62,8 +49,8 @@ bool has_item(std::string_view items, std::string_view wanted) {
 
 int count_multiplexors(const msgblk& message) {
   int count = 0;
-  for (const sigblk* signal = message.signals; signal; signal = signal->next) {
-    count += (signal->flags & ZELK_SIGNAL_MULTIPLEXOR) != 0 ? 1 : 0;
+  for (const sigblk& signal : each(message.signals)) {
+    count += (signal.flags & ZELK_SIGNAL_MULTIPLEXOR) != 0 ? 1 : 0;
   }
   return count;
 }
@@ -88,32 +75,32 @@ std::string name_of(const sigblk& signal) {
 class Check {
  public:
   explicit Check(const ModelView& model) : model_(model) {
-    for (const auto* node = model.nodes; node; node = node->next) nodes_.insert(node);
-    for (const auto* def = model.attr_defs; def; def = def->next) definitions_.insert(def);
-    for (const auto* cat = model.categories; cat; cat = cat->next) categories_.insert(cat->number);
-    for (const auto* type = model.sig_types; type; type = type->next) types_.insert(type->name);
-    for (const auto* table = model.val_tables; table; table = table->next)
-      tables_.insert(table->name);
+    for (const auto& node : each(model.nodes)) nodes_.insert(&node);
+    for (const auto& def : each(model.attr_defs)) definitions_.insert(&def);
+    for (const auto& cat : each(model.categories)) categories_.insert(cat.number);
+    for (const auto& type : each(model.sig_types)) types_.insert(type.name);
+    for (const auto& table : each(model.val_tables)) tables_.insert(table.name);
   }
 
   std::optional<std::string> run() {
-    each(model_.bit_timings);
-    each(model_.nodes);
-    each(model_.val_tables);
-    each(model_.messages);
-    each(model_.env_vars);
-    each(model_.sig_types);
-    each(model_.attr_defs);
+    check_all(model_.bit_timings);
+    check_all(model_.nodes);
+    check_all(model_.val_tables);
+    check_all(model_.messages);
+    check_all(model_.env_vars);
+    check_all(model_.sig_types);
+    check_all(model_.attr_defs);
     values(model_.net_attrs, [] { return std::string("the database"); });
-    each(model_.categories);
+    check_all(model_.categories);
     filter();
-    if (any(model_.messages, [](const msgblk& m) { return count_multiplexors(m) > 1; })) cycles();
+    const auto has_several = [](const msgblk& message) { return count_multiplexors(message) > 1; };
+    if (find_first(model_.messages, has_several)) cycles();
     return fault_;
   }
 
  private:
   template <typename Record>
-  void each(const Record* list) {
+  void check_all(const Record* list) {
     for (; list && !fault_; list = list->next) check(*list);
   }
 
@@ -144,8 +131,9 @@ class Check {
     links(message.tx_nodes);
     values(message.attrs, [&] { return name_of(message); });
     category(message);
-    each(message.signals);
-    if (any(message.signals, [](const sigblk& signal) { return signal.mux_signal != nullptr; }) ||
+    check_all(message.signals);
+    if (find_first(message.signals,
+                   [](const sigblk& signal) { return signal.mux_signal != nullptr; }) ||
         message.siggroups) {
       members(message);
     }
@@ -158,7 +146,7 @@ class Check {
     require(signal.length <= kCountMax, signal, "its length is above 32767");
     require(signal.factor != 0 && !std::isnan(signal.factor), signal, "its factor is 0");
     require(!(signal.minimum > signal.maximum), signal, "its minimum is above its maximum");
-    require(fits(signal.unit), signal, "its unit is longer than 32 characters");
+    require(fits_inline(view(signal.unit)), signal, "its unit is longer than 32 characters");
     require(!signal.sigtype || types_.contains(signal.sigtype->name), signal,
             "the database does not hold its signal type");
     links(signal.receivers);
@@ -168,17 +156,17 @@ class Check {
   /// What refers to signals must mean signals of the same message.
   void members(const msgblk& message) {
     std::unordered_set<const sigblk*> own;
-    for (const sigblk* signal = message.signals; signal; signal = signal->next) own.insert(signal);
-    for (const sigblk* signal = message.signals; signal; signal = signal->next) {
-      require(!signal->mux_signal || own.contains(signal->mux_signal), *signal,
+    for (const sigblk& signal : each(message.signals)) own.insert(&signal);
+    for (const sigblk& signal : each(message.signals)) {
+      require(!signal.mux_signal || own.contains(signal.mux_signal), signal,
               "its multiplexor is no signal of its message");
     }
-    for (const siggroupblk* group = message.siggroups; group; group = group->next) {
-      inline_name("signal group", group->name);
-      require(!any(group->signals,
-                   [&own](const siglistblk& member) {
-                     return member.signal && !own.contains(member.signal);
-                   }),
+    for (const siggroupblk& group : each(message.siggroups)) {
+      inline_name("signal group", group.name);
+      require(!find_first(group.signals,
+                          [&own](const siglistblk& member) {
+                            return member.signal && !own.contains(member.signal);
+                          }),
               message, "a signal group of it has a signal of another message");
     }
   }
@@ -188,7 +176,7 @@ class Check {
     require(variable.type <= ZELK_ENVVAR_DATA, variable, "its type is none of the format");
     require((variable.access_type & kAccessCodeString) == 0, variable,
             "bit 15 of its access code means a string");
-    require(fits(variable.unit), variable, "its unit is longer than 32 characters");
+    require(fits_inline(view(variable.unit)), variable, "its unit is longer than 32 characters");
     links(variable.access_nodes);
     values(variable.attrs, [&] { return name_of(variable); });
     category(variable);
@@ -196,7 +184,7 @@ class Check {
 
   void check(const sigtype& type) {
     inline_name("signal type", type.name);
-    require(fits(type.unit), type, "its unit is longer than 32 characters");
+    require(fits_inline(view(type.unit)), type, "its unit is longer than 32 characters");
     require(!type.valtable || tables_.contains(type.valtable->name), type,
             "the database does not hold its value table");
     values(type.attrs, [&] { return name_of(type); });
@@ -205,7 +193,8 @@ class Check {
   void check(const attr_def& definition) {
     const std::int32_t kind = definition.object_type;
     const std::int32_t type = definition.value_type;
-    require(fits(definition.name), definition, "its name is longer than 32 characters");
+    require(fits_inline(view(definition.name)), definition,
+            "its name is longer than 32 characters");
     require(kind >= ZELK_OBJ_NETWORK && kind <= ZELK_OBJ_REL_ENVVAR, definition,
             "its kind of object is none of the format");
     require(type >= ZELK_ATTR_INT && type <= ZELK_ATTR_HEX, definition,
@@ -217,12 +206,12 @@ class Check {
   }
 
   void filter() {
-    for (const catlink* link = model_.filter.categories; link; link = link->next) {
-      if (!link->category || categories_.contains(link->category->number) || fault_) continue;
+    for (const catlink& link : each(model_.filter.categories)) {
+      if (!link.category || categories_.contains(link.category->number) || fault_) continue;
       fault_ = "filter: the database does not hold a category of it";
     }
-    for (const rxblk* link = model_.filter.nodes; link; link = link->next) {
-      if (!link->node || nodes_.contains(link->node) || fault_) continue;
+    for (const rxblk& link : each(model_.filter.nodes)) {
+      if (!link.node || nodes_.contains(link.node) || fault_) continue;
       fault_ = "filter: the database does not hold a node of it";
     }
   }
@@ -231,12 +220,12 @@ class Check {
   /// has one, that selects all multiplexed signals: itself, too.
   void cycles() {
     CycleSearch search;
-    for (const msgblk* message = model_.messages; message; message = message->next) {
-      const bool has_one = count_multiplexors(*message) == 1;
-      for (const sigblk* signal = message->signals; signal; signal = signal->next) {
-        if ((signal->flags & ZELK_SIGNAL_MULTIPLEXOR) == 0) continue;
-        const bool selects_itself = has_one && (signal->mux_signal || signal->mux_ranges);
-        require(!selects_itself && !search.finds_cycle_from(*signal), *signal,
+    for (const msgblk& message : each(model_.messages)) {
+      const bool has_one = count_multiplexors(message) == 1;
+      for (const sigblk& signal : each(message.signals)) {
+        if ((signal.flags & ZELK_SIGNAL_MULTIPLEXOR) == 0) continue;
+        const bool selects_itself = has_one && (signal.mux_signal || signal.mux_ranges);
+        require(!selects_itself && !search.finds_cycle_from(signal), signal,
                 "its multiplexors form a circle");
       }
     }
@@ -251,19 +240,19 @@ class Check {
   /// `name_of_object` gives the name of the object that has the values.
   template <typename NameOfObject>
   void values(const attr* list, NameOfObject name_of_object) {
-    for (; list; list = list->next) {
-      if (!list->def || list->def == last_definition_ || fault_) continue;
-      last_definition_ = list->def;
-      if (definitions_.contains(list->def)) continue;
+    for (const attr& value : each(list)) {
+      if (!value.def || value.def == last_definition_ || fault_) continue;
+      last_definition_ = value.def;
+      if (definitions_.contains(value.def)) continue;
       fault_ = name_of_object() + ": the database does not define an attribute of it";
     }
   }
 
   void links(const rxblk* list) {
-    for (; list; list = list->next) {
-      if (!list->node) continue;
-      node_name(*list->node);
-      values(list->attrs, [&] { return name_of(*list->node); });
+    for (const rxblk& link : each(list)) {
+      if (!link.node) continue;
+      node_name(*link.node);
+      values(link.attrs, [&] { return name_of(*link.node); });
     }
   }
 
@@ -275,7 +264,7 @@ class Check {
 
   template <std::size_t kSize>
   void inline_name(const char* kind, const char (&name)[kSize]) {
-    if (fault_ || (fits(name) && is_name(name))) return;
+    if (fault_ || (fits_inline(view(name)) && is_name(name))) return;
     fault_ = name_of(kind, name) + ": its name is none of the format";
   }
 

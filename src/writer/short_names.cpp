@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <functional>
 
-#include "base/text_view.hpp"
+#include "base/list.hpp"
 
 namespace zelk {
 namespace {
@@ -14,20 +14,20 @@ constexpr std::size_t kNumberedMax = 27;  // characters in front of "_" and four
 constexpr int kNumbers = 1000;
 constexpr std::string_view kSubstitute = "invalidShortSymbolicName";
 
-bool fits(std::string_view name) { return !name.empty() && name.size() <= ZELK_INLINE_NAME_MAX; }
+/// Whether a name is written as it is.
+bool is_kept(std::string_view name) { return !name.empty() && fits_inline(name); }
 
 /// Calls `visit(kind, name)` for every object that has a name of its own.
 template <typename Visit>
 void for_each_name(const ModelView& model, Visit visit) {
-  for (const auto* variable = model.env_vars; variable; variable = variable->next) {
-    visit(NamedKind::kVariable, view(variable->name));
+  for (const auto& variable : each(model.env_vars)) {
+    visit(NamedKind::kVariable, view(variable.name));
   }
-  for (const auto* node = model.nodes; node; node = node->next)
-    visit(NamedKind::kNode, view(node->name));
-  for (const auto* message = model.messages; message; message = message->next) {
-    visit(NamedKind::kMessage, view(message->name));
-    for (const auto* signal = message->signals; signal; signal = signal->next) {
-      visit(NamedKind::kSignal, view(signal->name));
+  for (const auto& node : each(model.nodes)) visit(NamedKind::kNode, view(node.name));
+  for (const auto& message : each(model.messages)) {
+    visit(NamedKind::kMessage, view(message.name));
+    for (const auto& signal : each(message.signals)) {
+      visit(NamedKind::kSignal, view(signal.name));
     }
   }
 }
@@ -36,7 +36,7 @@ void for_each_name(const ModelView& model, Visit visit) {
 
 std::string_view ShortNames::written_name(const void* record, const char* name) {
   const std::string_view full = view(name);
-  if (fits(full)) return full;
+  if (is_kept(full)) return full;
   const auto [entry, is_new] = chosen_.try_emplace(record);
   if (!is_new) return entry->second;
   if (is_long_name(name)) has_long_names_ = true;
@@ -63,11 +63,11 @@ ShortNameCache::ShortNameCache(const ModelView& model) {
   // Without a name that does not fit, nobody will ask what is in use.
   std::array<bool, kNamedKinds> needs_names{};
   for_each_name(model, [&needs_names](NamedKind kind, std::string_view name) {
-    needs_names[static_cast<std::size_t>(kind)] |= !fits(name);
+    needs_names[static_cast<std::size_t>(kind)] |= !is_kept(name);
   });
   if (std::none_of(needs_names.begin(), needs_names.end(), std::identity())) return;
   for_each_name(model, [&](NamedKind kind, std::string_view name) {
-    if (needs_names[static_cast<std::size_t>(kind)] && fits(name)) (*this)[kind].reserve(name);
+    if (needs_names[static_cast<std::size_t>(kind)] && is_kept(name)) (*this)[kind].reserve(name);
   });
 }
 

@@ -6,21 +6,20 @@
 
 #include <array>
 #include <cstddef>
-#include <cstring>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 
 #include "base/seeded_hash.hpp"
+#include "base/text_view.hpp"
 #include "model/heads.hpp"
+#include "model/symbols.hpp"
 
 namespace zelk {
 
 /// Whether a name is too long for the format; null is not.
-inline bool is_long_name(const char* name) {
-  return name && std::strlen(name) > ZELK_INLINE_NAME_MAX;
-}
+inline bool is_long_name(const char* name) { return !fits_inline(view(name)); }
 
 /// Kinds of objects whose names may be longer than the format allows, in the order of
 /// `kLongNameAttributes`.

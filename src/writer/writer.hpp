@@ -11,6 +11,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "base/list.hpp"
 #include "base/seeded_hash.hpp"
 #include "model/heads.hpp"
 #include "writer/short_names.hpp"
@@ -109,9 +110,9 @@ class Writer {
   /// Calls `visit(message, signal)` for every signal.
   template <typename Visit>
   void for_each_signal(Visit visit) {
-    for (const msgblk* message = model_.messages; message; message = message->next) {
-      for (const sigblk* signal = message->signals; signal; signal = signal->next) {
-        visit(*message, *signal);
+    for (const msgblk& message : each(model_.messages)) {
+      for (const sigblk& signal : each(message.signals)) {
+        visit(message, signal);
       }
     }
   }
