@@ -1,6 +1,6 @@
 /// \file
 /// A small host of the class interface: two managers, one that reads and one that edits, share the
-/// databases of some files, keep out of each other's way, and tell each other of changes.
+/// databases of some files, lock them against each other, and notify each other of changes.
 ///
 ///     host examples/powertrain.dbc [FILE...] [--copy COPY]
 ///
@@ -24,24 +24,24 @@ struct News {
   const void* receiver;
 };
 
-/// A sink must not call the library. So it notes what has come, and the host deals with it later,
-/// as a program with windows does in its message loop.
+/// A sink must not call the library. So it stores the notifications, and the host handles them
+/// later, as a program with windows does in its message loop.
 ///
 /// On Windows no sink is needed: without one the library posts each notification to the manager's
 /// own window (a manager made with its HWND) or thread (made with its identifier), as the message
 /// of the number RegisterWindowMessageA(ZelkNotificationMessageString), whose LPARAM is the name.
-void note_news(const zelk_notification* notification, void* context) {
+void store_news(const zelk_notification* notification, void* context) {
   if (notification->target == ZELK_NOTIFY_ALL_WINDOWS) return;
   static_cast<std::vector<News>*>(context)->push_back(
       {notification->database_name, notification->handle});
 }
 
-/// Takes the place of the message box in which a user would be told of a refusal.
+/// Replaces the message box that would show the user a refusal.
 void print_message(const char* text, const char* title, std::uint32_t, void*) {
   std::printf("[%s] %s\n", title, text);
 }
 
-/// Opens a file; false, with a line on standard error, when that cannot be.
+/// Opens a file; false, with a line on standard error, when it cannot be opened.
 bool open(ZelkManager& manager, const char* path, unsigned priority) {
   const ZelkError error = manager.OpenDatabase(path, nullptr, priority);
   if (error == ZelkErrorOk) return true;
@@ -65,15 +65,15 @@ void describe(ZelkManager& manager, const char* name) {
               manager.GetPriority(name), count_messages(*manager.GetConstDatabase(name)));
 }
 
-/// Changes the comment and writes the database to `copy`, which is its file from then on: for every
-/// manager, as they share it.
+/// Changes the comment and writes the database to `copy`, which is its file from then on, for all
+/// managers that share it.
 bool edit(ZelkWriteManager& editor, const char* name, const char* copy) {
   if (!editor.LockDatabase(name, "The editor is writing.")) {
     std::puts("The write lock is refused.");
     return false;
   }
   editor.SetDatabaseComment(name, "Edited by an example.");
-  const ZelkError error = editor.WriteDatabase(name, copy);  // which announces it
+  const ZelkError error = editor.WriteDatabase(name, copy);  // announces it too
   editor.UnlockDatabase(name);
   if (error == ZelkErrorOk) return true;
   std::fprintf(stderr, "%s: %s\n%s", copy, ZelkErrorText(error), zelk_get_error_text());
@@ -87,10 +87,10 @@ void print_news(const std::vector<News>& news, const void* reader_id) {
   }
 }
 
-/// Closes the database and opens its file again, which is not read anew as long as the file is
-/// unchanged and the cache has not been flushed.
+/// Closes the database and opens its file again: from the cache, as long as the file is unchanged
+/// and the cache has not been flushed.
 bool reopen_from_cache(ZelkManager& manager, const char* name, const char* path) {
-  manager.CloseDatabase(name, true);  // from here on `name` means nothing
+  manager.CloseDatabase(name, true);  // `name` is no handle any more
   if (!open(manager, path, 0)) return false;
   const ZelkDatabase& database = *manager.GetConstDatabase(manager.GetDatabaseName(path));
   std::printf("Opened again: %u messages, \"%s\"\n", count_messages(database), database.comment);
@@ -116,14 +116,14 @@ bool run(const std::vector<const char*>& paths, const char* copy, const std::vec
   const char* const read = reader.GetDatabaseName(paths[0]);
   const char* const edited = editor.GetDatabaseName(paths[0]);
   reader.LockDatabase(read, "The reader is counting messages.");
-  edit(editor, edited, copy);  // is refused
+  edit(editor, edited, copy);  // refused
   reader.UnlockDatabase(read);
   if (!edit(editor, edited, copy)) return false;
   print_news(news, &reader_id);
 
-  reader.CloseDatabase(read, false);  // nobody but the editor's cache will hold it
+  reader.CloseDatabase(read, false);  // from now on only the editor holds it
   return reopen_from_cache(editor, edited, copy);
-}  // the managers give back all that they hold
+}  // the managers close what they have open
 
 std::string temporary_path() {
   const std::string name = "zelk_host_" + std::to_string(std::random_device()()) + ".dbc";
@@ -146,7 +146,7 @@ int main(int argc, char** argv) {
   const bool is_temporary = copy.empty();
   if (is_temporary) copy = temporary_path();
   std::vector<News> news;
-  zelk_set_notification_sink(note_news, &news);
+  zelk_set_notification_sink(store_news, &news);
   zelk_set_message_box(print_message, nullptr);
   const bool is_done = run(paths, copy.c_str(), news);
   if (is_temporary) std::filesystem::remove(copy);

@@ -21,8 +21,8 @@ class Database {
               comment, version, sig_types, val_tables);
   }
 
-  /// Not done by a constructor: a read that throws leaves records behind, which only the destructor
-  /// of a complete object releases.
+  /// No constructor: a read that throws leaves records behind, and only the destructor of a
+  /// complete object releases them.
   void read(const char* path) {
     attr_def* long_names[4] = {};
     zelk_read(path, &nodes, &messages, &env_vars, &bit_timings, &attr_defs, &attrs, &categories,

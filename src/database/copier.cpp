@@ -12,14 +12,14 @@
 namespace zelk {
 namespace {
 
-/// An inline text whose array a host has filled to the last byte has no end.
+/// A host may have filled the array of an inline text to the last byte, without a NUL.
 template <std::size_t kSize>
 void terminate(char (&field)[kSize]) {
   field[kSize - 1] = '\0';
 }
 
-// Each takes away what a record that was copied byte by byte shares with its source: what it owns.
-// References to other records are the caller's to turn.
+// Each clears the owned members of a record that was copied byte by byte: they are the source's.
+// References to other records stay, for the caller to replace.
 void disown(attr& value) { value.value = {}; }
 void disown(val& description) { description.text = nullptr; }
 void disown(rxblk& link) { link.attrs = nullptr; }
@@ -78,6 +78,19 @@ void disown(attr_def& definition) {
   if (is_enum || definition.value_type == ZELK_ATTR_STRING) definition.default_value = {};
 }
 
+// Each says whether a record can take the place of a foreign one that is referred to.
+template <typename Record>
+bool stands_for(const Record& candidate, const Record& foreign) {
+  return foreign.name && is_named(candidate, foreign.name);
+}
+bool stands_for(const cat& candidate, const cat& foreign) {
+  return candidate.number == foreign.number;
+}
+bool stands_for(const attr_def& candidate, const attr_def& foreign) {
+  return candidate.object_type == foreign.object_type &&
+         candidate.value_type == foreign.value_type && is_named(candidate, foreign.name);
+}
+
 /// For records that own nothing and refer to nothing.
 constexpr auto kNothingMore = [](const auto&, auto&) {};
 
@@ -89,13 +102,13 @@ constexpr auto kNothingMore = [](const auto&, auto&) {};
 template <typename Record, typename CopyMembers>
 Record* DatabaseCopier::copy_list(const Record* source, CopyMembers copy_members) const {
   PendingList<Record> copies;
-  for (; source; source = source->next) {
+  for (const Record& record : each(source)) {
     auto* const copy = create_record<Record>();
-    *copy = *source;
+    *copy = record;
     copy->next = nullptr;
     disown(*copy);
     copies.push_back(copy);
-    copy_members(*source, *copy);
+    copy_members(record, *copy);
   }
   return copies.take();
 }
@@ -113,7 +126,8 @@ void DatabaseCopier::copy_whole(Record*& target, const Record* source, CopyMembe
   forget(source);
 }
 
-/// Lets references to the records of `source` be turned into those to `copy`, record by record.
+/// Makes `rebind` replace references to the records of `source` by those to `copy`, record by
+/// record.
 template <typename Record>
 void DatabaseCopier::remember(const Record* source, Record* copy) {
   for (; source; source = source->next, copy = copy->next) copies_[source] = copy;
@@ -121,60 +135,24 @@ void DatabaseCopier::remember(const Record* source, Record* copy) {
 
 template <typename Record>
 void DatabaseCopier::forget(const Record* source) {
-  for (; source; source = source->next) copies_.erase(source);
+  for (const Record& record : each(source)) copies_.erase(&record);
 }
 
-/// The copy of the referred record, else the first of `list` that `matches`, for a record that is
-/// not the source's own; else null.
-template <typename Record, typename Matches>
-Record* DatabaseCopier::rebind(const Record* reference, Record* list, Matches matches) const {
+/// The copy of the referred record. For a record that is not the source's own: the first one of
+/// `list` that stands for it, else null.
+template <typename Record>
+Record* DatabaseCopier::rebind(const Record* reference, Record* list) const {
   if (!reference) return nullptr;
   const auto found = copies_.find(reference);
   if (found != copies_.end()) return static_cast<Record*>(found->second);
-  return find_first(list, matches);
-}
-
-attr_def* DatabaseCopier::rebind(const attr_def* definition) const {
-  return rebind(definition, target_.attr_defs, [definition](const attr_def& candidate) {
-    return candidate.object_type == definition->object_type &&
-           candidate.value_type == definition->value_type &&
-           same_inline_name(candidate.name, definition->name);
-  });
-}
-
-cat* DatabaseCopier::rebind(const cat* category) const {
-  return rebind(category, target_.categories,
-                [category](const cat& candidate) { return candidate.number == category->number; });
-}
-
-symblk* DatabaseCopier::rebind(const symblk* node) const {
-  return rebind(node, target_.nodes, [node](const symblk& candidate) {
-    return node->name && same_text(candidate.name, node->name);
-  });
-}
-
-valtable* DatabaseCopier::rebind(const valtable* table) const {
-  return rebind(table, target_.value_tables, [table](const valtable& candidate) {
-    return same_inline_name(candidate.name, table->name);
-  });
-}
-
-sigtype* DatabaseCopier::rebind(const sigtype* type) const {
-  return rebind(type, target_.signal_types, [type](const sigtype& candidate) {
-    return same_inline_name(candidate.name, type->name);
-  });
-}
-
-sigblk* DatabaseCopier::rebind(const sigblk* signal, const msgblk& copied_message) const {
-  return rebind(signal, copied_message.signals, [signal](const sigblk& candidate) {
-    return signal->name && same_text(candidate.name, signal->name);
-  });
+  return find_first(
+      list, [reference](const Record& candidate) { return stands_for(candidate, *reference); });
 }
 
 // --- Lists within records ---
 
 void DatabaseCopier::copy_attr(const attr& value, attr& copy) const {
-  copy.def = rebind(value.def);
+  copy.def = rebind(value.def, target_.attr_defs);
   if (!copy.def) return;
   if (copy.def->value_type == ZELK_ATTR_STRING) {
     copy.value.text = copy_of(value.value.text).release();
@@ -194,7 +172,7 @@ val* DatabaseCopier::copy_values(const val* source) const {
 }
 
 void DatabaseCopier::copy_link(const rxblk& link, rxblk& copy) const {
-  copy.node = rebind(link.node);
+  copy.node = rebind(link.node, target_.nodes);
   copy.attrs = copy_attrs(link.attrs);
 }
 
@@ -218,7 +196,9 @@ bool DatabaseCopier::copy() {
   copy_variables();
   copy_whole(target_.bit_timings, source_.bit_timings, kNothingMore);
   copy_whole(target_.filter.categories, source_.filter.categories,
-             [this](const catlink& link, catlink& copy) { copy.category = rebind(link.category); });
+             [this](const catlink& link, catlink& copy) {
+               copy.category = rebind(link.category, target_.categories);
+             });
   copy_whole(target_.filter.nodes, source_.filter.nodes,
              [this](const rxblk& link, rxblk& copy) { copy_link(link, copy); });
   target_.filter.mode = source_.filter.mode;
@@ -234,15 +214,13 @@ void DatabaseCopier::copy_definitions() {
       copy.default_value.text = copy_of(definition.default_value.text).release();
     }
   });
-  for (const attr_def* copy = target_.attr_defs; copy; copy = copy->next) {
-    target_.predefined.Insert(*copy);
-  }
+  for (const attr_def& copy : each(target_.attr_defs)) target_.predefined.Insert(copy);
 }
 
 void DatabaseCopier::copy_signal_types() {
   copy_whole(target_.signal_types, source_.signal_types,
              [this](const sigtype& type, sigtype& copy) {
-               copy.valtable = rebind(type.valtable);
+               copy.valtable = rebind(type.valtable, target_.value_tables);
                copy.comment = copy_of(type.comment).release();
                copy.attrs = copy_attrs(type.attrs);
              });
@@ -250,7 +228,7 @@ void DatabaseCopier::copy_signal_types() {
 
 void DatabaseCopier::copy_nodes() {
   copy_whole(target_.nodes, source_.nodes, [this](const symblk& node, symblk& copy) {
-    copy.category = rebind(node.category);
+    copy.category = rebind(node.category, target_.categories);
     copy.name = copy_of(node.name).release();
     copy.comment = copy_of(node.comment).release();
     copy.attrs = copy_attrs(node.attrs);
@@ -259,8 +237,8 @@ void DatabaseCopier::copy_nodes() {
 
 void DatabaseCopier::copy_messages() {
   copy_whole(target_.messages, source_.messages, [this](const msgblk& message, msgblk& copy) {
-    copy.transmitter = rebind(message.transmitter);
-    copy.category = rebind(message.category);
+    copy.transmitter = rebind(message.transmitter, target_.nodes);
+    copy.category = rebind(message.category, target_.categories);
     copy.name = copy_of(message.name).release();
     copy.comment = copy_of(message.comment).release();
     copy.attrs = copy_attrs(message.attrs);
@@ -275,7 +253,7 @@ void DatabaseCopier::copy_signals(const msgblk& source, msgblk& copied_message) 
   copied_message.signals =
       copy_list(source.signals, [this, &copied_message](const sigblk& signal, sigblk& copy) {
         copy.message = &copied_message;
-        copy.sigtype = rebind(signal.sigtype);
+        copy.sigtype = rebind(signal.sigtype, target_.signal_types);
         copy.name = copy_of(signal.name).release();
         copy.comment = copy_of(signal.comment).release();
         copy.receivers = copy_links(signal.receivers);
@@ -284,8 +262,8 @@ void DatabaseCopier::copy_signals(const msgblk& source, msgblk& copied_message) 
         copy.mux_ranges = copy_list(signal.mux_ranges, kNothingMore);
       });
   remember(source.signals, copied_message.signals);
-  for (sigblk* copy = copied_message.signals; copy; copy = copy->next) {
-    copy->mux_signal = rebind(copy->mux_signal, copied_message);
+  for (sigblk& copy : each(copied_message.signals)) {
+    copy.mux_signal = rebind(copy.mux_signal, copied_message.signals);
   }
 }
 
@@ -296,7 +274,7 @@ void DatabaseCopier::copy_groups(const msgblk& source, msgblk& copied_message) c
         copy.comment = copy_of(group.comment).release();
         copy.extra = copy_list(group.extra, kNothingMore);
         copy.signals = copy_list(group.signals, [&](const siglistblk& member, siglistblk& entry) {
-          entry.signal = rebind(member.signal, copied_message);
+          entry.signal = rebind(member.signal, copied_message.signals);
         });
       });
 }
@@ -304,7 +282,7 @@ void DatabaseCopier::copy_groups(const msgblk& source, msgblk& copied_message) c
 void DatabaseCopier::copy_variables() {
   copy_whole(target_.env_vars, source_.env_vars,
              [this](const env_var_blk& variable, env_var_blk& copy) {
-               copy.category = rebind(variable.category);
+               copy.category = rebind(variable.category, target_.categories);
                copy.name = copy_of(variable.name).release();
                copy.comment = copy_of(variable.comment).release();
                copy.access_nodes = copy_links(variable.access_nodes);

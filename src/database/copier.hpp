@@ -12,8 +12,8 @@ namespace zelk {
 
 /// Copies the lists and texts of one database into another, emptied one.
 ///
-/// A list is copied record by record, and a reference is turned into one to the referred record's
-/// copy. So the lists that are referred to come first.
+/// A list is copied record by record, and each reference is replaced by one to the copy of the
+/// referred record. So lists that others refer to are copied first.
 class DatabaseCopier {
  public:
   DatabaseCopier(const ZelkDatabase& source, ZelkDatabase& target)
@@ -32,15 +32,8 @@ class DatabaseCopier {
   void remember(const Record* source, Record* copy);
   template <typename Record>
   void forget(const Record* source);
-  template <typename Record, typename Matches>
-  Record* rebind(const Record* reference, Record* list, Matches matches) const;
-
-  attr_def* rebind(const attr_def* definition) const;
-  cat* rebind(const cat* category) const;
-  symblk* rebind(const symblk* node) const;
-  valtable* rebind(const valtable* table) const;
-  sigtype* rebind(const sigtype* type) const;
-  sigblk* rebind(const sigblk* signal, const msgblk& copied_message) const;
+  template <typename Record>
+  Record* rebind(const Record* reference, Record* list) const;
 
   void copy_attr(const attr& value, attr& copy) const;
   attr* copy_attrs(const attr* source) const;

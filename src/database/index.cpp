@@ -16,7 +16,7 @@ HashTable<std::uint64_t, Record*> DatabaseIndex::by_name(Record* list) const {
     const char* const name = record.name;
     if (!name) continue;
     table.enter(key_of<Record>(name), &record,
-                [name](const Record* other) { return bears(*other, name); });
+                [name](const Record* other) { return is_named(*other, name); });
   }
   return table;
 }
@@ -47,18 +47,18 @@ DatabaseIndex::DatabaseIndex(const ZelkDatabase& database)
       by_group_and_source_(2 * each(database.messages).size()),
       has_group_numbers_(database.HasJ1939GroupNumbers()),
       default_is_j1939_(j1939::default_is_j1939_format(database.attr_defs)) {
-  for (msgblk* message = database.messages; message; message = message->next) {
-    messages_by_id_.enter(message->id, message);
-    by_addresses_.enter(j1939::address_key(message->id), message);
-    if ((message->id & ZELK_ID_EXTENDED) == 0) continue;
-    by_group_and_source_.enter(j1939::proprietary_key(message->id), message);
-    if (!j1939::has_any_source_key(message->id)) continue;
-    const j1939::Group group = j1939::group_of_number(message->id);
-    by_group_and_source_.enter(j1939::any_source_key(group), message);
+  for (msgblk& message : each(database.messages)) {
+    messages_by_id_.enter(message.id, &message);
+    by_addresses_.enter(j1939::address_key(message.id), &message);
+    if ((message.id & ZELK_ID_EXTENDED) == 0) continue;
+    by_group_and_source_.enter(j1939::proprietary_key(message.id), &message);
+    if (!j1939::has_any_source_key(message.id)) continue;
+    const j1939::Group group = j1939::group_of_number(message.id);
+    by_group_and_source_.enter(j1939::any_source_key(group), &message);
   }
 }
 
-/// Without the messages that no rule takes for this frame.
+/// Tries only messages that some rule can take for this frame.
 msgblk* DatabaseIndex::j1939_message(std::uint32_t id, std::uint32_t flags) const {
   if ((id & ZELK_ID_EXTENDED) == 0) return message(id);
   flags = ZelkDatabase::J1939Flags(flags, has_group_numbers_);

@@ -1,5 +1,5 @@
 /// \file
-/// An index over the objects of a database that no host can change.
+/// The index of a database, for lookups while no host can change it.
 
 #ifndef ZELK_DATABASE_INDEX_HPP
 #define ZELK_DATABASE_INDEX_HPP
@@ -7,7 +7,6 @@
 #include <cstdint>
 #include <deque>
 #include <string_view>
-#include <type_traits>
 #include <vector>
 
 #include "base/hash_table.hpp"
@@ -17,8 +16,8 @@
 
 namespace zelk {
 
-/// Answers as the walks over the database's lists do: of several records with one key it has the
-/// first, and candidates for a J1939 frame stand in the list's order.
+/// Gives what walks over the database's lists give: of several records with one key the first, and
+/// the candidates for a J1939 frame in the order of the list.
 class DatabaseIndex {
  public:
   /// @throws std::bad_alloc
@@ -31,15 +30,15 @@ class DatabaseIndex {
   Record* named(const char* name) const {
     const auto& names = names_of(static_cast<const Record*>(nullptr));
     return names.find(key_of<Record>(name),
-                      [name](const Record* record) { return bears(*record, name); });
+                      [name](const Record* record) { return is_named(*record, name); });
   }
   msgblk* message(std::uint32_t id) const { return messages_by_id_.find(id); }
   msgblk* j1939_message(std::uint32_t id, std::uint32_t flags) const;
 
  private:
-  /// Of the messages that compete for the same frames the first and the last of each priority, in
-  /// the list's order: no rule takes another one. So a lookup takes the same time however many
-  /// there are.
+  /// The messages that compete for the same frames, in the order of the list, but of each priority
+  /// only the first and the last: no rule takes another one. So a lookup takes the same time
+  /// however many there are.
   using Candidates = std::vector<msgblk*>;
 
   /// Candidates by a part of the identifier.
@@ -62,15 +61,7 @@ class DatabaseIndex {
     return definitions_;
   }
 
-  template <typename Record>
-  static constexpr bool kHasInlineName = std::is_array_v<decltype(Record::name)>;
-
-  template <typename Record>
-  static bool bears(const Record& record, const char* name) {
-    if constexpr (kHasInlineName<Record>) return same_inline_name(record.name, name);
-    return same_text(record.name, name);
-  }
-  /// Of the characters that count.
+  /// Hash of the characters that count.
   template <typename Record>
   std::uint64_t key_of(std::string_view name) const {
     return hash_(kHasInlineName<Record> ? name.substr(0, ZELK_INLINE_NAME_MAX) : name);

@@ -12,8 +12,8 @@
 
 namespace zelk {
 
-/// The last record of a list as long as `list_changes` tells of no other change. Records that were
-/// appended without it stand behind that one, and are stepped over.
+/// The last record of a list, valid as long as `list_changes` counts no other change. Records that
+/// were appended without it stand behind that one, and are walked over.
 template <typename Record>
 class ListEnd {
  public:

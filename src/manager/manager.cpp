@@ -1,32 +1,20 @@
-// Opening and closing databases, and the lists that hold them.
+// Opening and closing databases.
 
 #include "zelk/manager.hpp"
 
 #include <memory>
 #include <new>
-#include <thread>
 #include <utility>
 
 #include "base/list.hpp"
 #include "database/file.hpp"
 #include "database/process_guard.hpp"
-#include "database/registry.hpp"
 #include "manager/manager_tables.hpp"
 #include "model/errors.hpp"
 #include "model/memory.hpp"
 #include "model/without_raising.hpp"
 #include "zelk/exception.hpp"
 #include "zelk/lock.hpp"
-
-namespace {
-
-/// The newest manager of the process; the mutex of `ProcessGuard` guards the list.
-ZelkManagerNode*& managers() {
-  static ZelkManagerNode* head = nullptr;
-  return head;
-}
-
-}  // namespace
 
 ZelkManager::ZelkManager(void* thread)
     : thread_(thread), tables_(std::make_unique<zelk::ManagerTables>()) {
@@ -43,26 +31,6 @@ ZelkManager::~ZelkManager() {
   CloseDatabase(false);
   LeaveManagersList();
   zelk_mfree(last_open_error_);
-}
-
-void ZelkManager::EnterManagersList() {
-  const zelk::ProcessGuard guard;
-  ZelkManagerNode*& head = managers();
-  head = new ZelkManagerNode{*this, head};
-}
-
-void ZelkManager::LeaveManagersList() {
-  const zelk::ProcessGuard guard;
-  ZelkManagerNode*& head = managers();
-  ZelkManagerNode** link = &head;
-  while (*link && &(*link)->manager != this) link = &(*link)->next;
-  if (*link) delete std::exchange(*link, (*link)->next);
-  if (!head) ZelkDatabase::ReleaseCache();
-}
-
-const ZelkManagerNode* ZelkManager::GetManagersList() {
-  const zelk::ProcessGuard guard;
-  return managers();
 }
 
 void ZelkManager::SetHandle(void* thread) {
@@ -141,32 +109,6 @@ ZelkError ZelkManager::OpenAssigned(const char* path, const char** name, const c
   }
 }
 
-/// Whether a manager owns a file for writing. The virtual operation of another thread's manager is
-/// not called, because it may read what that thread changes.
-bool ZelkManager::OwnsForWrite(const ZelkManager& manager, const char* path) {
-  const zelk::ProcessGuard guard;
-  if (manager.tables_->thread == std::this_thread::get_id())
-    return manager.OwnsDatabaseForWrite(path);
-  return manager.tables_->is_for_writing && manager.ListFindPath(path) != nullptr;
-}
-
-/// Whether a write manager of another thread has opened the file while this one read it.
-bool ZelkManager::IsWrittenByOtherThread(const char* path) const {
-  if (!tables_->is_for_writing) return false;
-  return zelk::find_first(GetManagersList(), [&](const ZelkManagerNode& node) {
-    return node.manager.tables_->thread != tables_->thread && OwnsForWrite(node.manager, path);
-  });
-}
-
-/// Whether a manager that owns `file` for writing has `database`, which is of that file, open.
-bool ZelkManager::IsEdited(const ZelkDatabase& database, const char* file) {
-  const zelk::ProcessGuard guard;
-  return zelk::find_first(GetManagersList(), [&](const ZelkManagerNode& node) {
-    return node.manager.tables_->by_database.contains(&database) &&
-           OwnsForWrite(node.manager, file);
-  });
-}
-
 ZelkDatabase& ZelkManager::AssignDatabase(const char* path) {
   zelk_clear_error_text();
   try {
@@ -180,7 +122,7 @@ ZelkDatabase& ZelkManager::AssignDatabase(const char* path) {
   }
 }
 
-/// Without memory for a copy there is no text.
+/// Keeps the error text for `GetLastOpenError`; without memory for it there is none.
 void ZelkManager::KeepErrorText() noexcept {
   zelk_mfree(std::exchange(last_open_error_, nullptr));
   try {
@@ -262,67 +204,4 @@ void ZelkManager::FlushDatabaseCache() {
 void ZelkManager::RemoveFromCache(ZelkDatabase& database) {
   const zelk::ProcessGuard guard;
   tables_->cache.erase(&database);
-}
-
-void ZelkManager::ForgetCached(ZelkDatabase& database) {
-  const zelk::ProcessGuard guard;
-  for (const ZelkManagerNode& node : zelk::each(GetManagersList())) {
-    node.manager.RemoveFromCache(database);
-  }
-}
-
-// --- The list of open databases ---
-
-const char* ZelkManager::ListInsertDatabase(ZelkDatabase& database, const char* name,
-                                            std::uint32_t priority) {
-  zelk::OwnedText copy = zelk::copy_text(name);
-  auto node = std::make_unique<DbListNode>(DbListNode{
-      copy.get(), database, priority, {}, envvar_handle_base_, nullptr, nullptr, nullptr});
-  const zelk::ProcessGuard guard;
-  tables_->thread = std::this_thread::get_id();
-  tables_->enter(*node, databases_);
-  const DbListNode& listed = *node.release();
-  envvar_handle_base_ += static_cast<std::uint32_t>(listed.database.GetMaxEnvvarHandle());
-  return copy.release();
-}
-
-void ZelkManager::ListRemoveDatabase(DbListNode& node) {
-  last_found_ = nullptr;
-  const zelk::ProcessGuard guard;
-  tables_->leave(node, databases_);
-  zelk_mfree(node.name);
-  delete &node;
-  if (!databases_) envvar_handle_base_ = 0;
-}
-
-ZelkManager::DbListNode* ZelkManager::ListFindDatabase(const char* db) {
-  DbListNode* const found = ListFindNode(db);
-  status_ = found ? ZelkStatusOk : ZelkStatusNotFound;
-  return found;
-}
-
-ZelkManager::DbListNode* ZelkManager::ListFindNode(const char* db) const {
-  if (last_found_ && last_found_->name == db) return last_found_;
-  const auto found = tables_->by_handle.find(db);
-  if (found == tables_->by_handle.end()) return nullptr;
-  last_found_ = found->second;
-  return last_found_;
-}
-
-ZelkManager::DbListNode* ZelkManager::ListFindName(const char* text) const {
-  if (!text) return nullptr;
-  const auto found = tables_->by_name.find(text);
-  return found == tables_->by_name.end() ? nullptr : found->second;
-}
-
-/// Any one of several instances of the file: there can be more when a touch was taken back.
-ZelkManager::DbListNode* ZelkManager::ListFindPath(const char* path) const {
-  if (!path || !databases_) return nullptr;
-  const zelk::platform::FilePath file(path);
-  const zelk::ProcessGuard guard;
-  for (const ZelkDatabase* const database : zelk::registry().of(file)) {
-    const auto found = tables_->by_database.find(database);
-    if (found != tables_->by_database.end()) return found->second;
-  }
-  return nullptr;
 }

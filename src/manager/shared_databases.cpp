@@ -1,4 +1,4 @@
-// How managers share databases: who opens a file that is open gets the database that is there.
+// Sharing databases: managers that open one unchanged file get one database.
 
 #include <memory>
 
@@ -6,8 +6,8 @@
 #include "database/registry.hpp"
 #include "zelk/manager.hpp"
 
-/// Another thread may read the same file meanwhile: who is first lists it, and the other takes
-/// that.
+/// Another thread may read the same file at the same time: the first one lists its database, and
+/// the other one takes that.
 ZelkDatabase& ZelkDatabase::CreateDatabase(const char* file) {
   ZelkDatabase* const found = file ? HoldListed(file) : nullptr;
   if (found) return *found;
@@ -21,7 +21,7 @@ ZelkDatabase& ZelkDatabase::CreateDatabase(const char* file) {
 }
 
 /// The listed database of a file, with one more hold and one mark less; null when there is none, or
-/// only a part of it has been read: who opens the file gets it whole.
+/// only a part of it has been read, so that it is read again.
 ZelkDatabase* ZelkDatabase::HoldListed(const char* file) {
   const zelk::ProcessGuard guard;
   ZelkDatabase* const found = ListFindDb(file);

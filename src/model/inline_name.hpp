@@ -1,11 +1,12 @@
 /// \file
-/// Names that records hold inline, which are compared on as many characters as fit.
+/// Names of records. Those that a record holds inline are compared on as many characters as fit.
 
 #ifndef ZELK_MODEL_INLINE_NAME_HPP
 #define ZELK_MODEL_INLINE_NAME_HPP
 
 #include <cassert>
 #include <cstring>
+#include <type_traits>
 
 #include "base/list.hpp"
 #include "zelk/records.h"
@@ -25,6 +26,25 @@ Record* find_inline_name(Record* head, const char* name) {
   if (name == nullptr) return nullptr;
   return find_first(head,
                     [name](const Record& record) { return same_inline_name(record.name, name); });
+}
+
+template <typename Record>
+inline constexpr bool kHasInlineName = std::is_array_v<decltype(Record::name)>;
+
+/// Whether the record, whichever way it holds its name, has this one.
+///
+/// @param name  not null
+template <typename Record>
+bool is_named(const Record& record, const char* name) {
+  if constexpr (kHasInlineName<Record>) return same_inline_name(record.name, name);
+  return same_text(record.name, name);
+}
+
+/// First record of this name; null gives null.
+template <typename Record>
+Record* find_named(Record* head, const char* name) {
+  if (name == nullptr) return nullptr;
+  return find_first(head, [name](const Record& record) { return is_named(record, name); });
 }
 
 }  // namespace zelk

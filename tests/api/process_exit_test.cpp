@@ -1,5 +1,5 @@
-// A host whose global objects save when the process ends: before and behind all that the library
-// keeps for itself.
+// A host whose global objects save when the process ends: one is destroyed before the library's own
+// objects, one after them.
 
 #include <gtest/gtest.h>
 
@@ -15,7 +15,7 @@
 
 namespace {
 
-/// Edits a database, and writes it when it goes.
+/// Edits a database, and writes it in the destructor.
 class Saver {
  public:
   Saver() = default;

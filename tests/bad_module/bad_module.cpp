@@ -1,5 +1,4 @@
-// A converter module as nobody should write it. Each function fails, or fills lists, in its own
-// wrong way.
+// A converter module full of faults: each function fails, or fills the lists with wrong records.
 
 #include <cmath>
 #include <cstring>
@@ -11,7 +10,7 @@
 
 namespace {
 
-/// Zero-filled, and the first of its list from now on.
+/// Puts a zero-filled record in front of a list.
 template <typename Record>
 Record& add(Record*& list) {
   auto* const rest = std::exchange(list, static_cast<Record*>(zelk_malloc(sizeof(Record))));
@@ -109,14 +108,14 @@ ZELK_MODULE_EXPORT int raise_number(const char*, msgblk**, symblk**, env_var_blk
   throw 7;
 }
 
-/// Runs out of memory where the library would.
+/// Raises what the library raises when memory runs out.
 ZELK_MODULE_EXPORT int raise_memory(const char*, msgblk**, symblk**, env_var_blk**, attr_def**,
                                     attr**) {
   zelk_report(ZELK_ERR_MEMORY, 0, nullptr, 1);
   return 1;
 }
 
-/// An export that succeeds when it is told "yes".
+/// An export that succeeds with the option "yes".
 ZELK_MODULE_EXPORT int asked(const char*, const msgblk*, const symblk*, const env_var_blk*,
                              const attr_def*, const attr*) {
   return std::strcmp(zelk_get_conversion()->option, "yes") == 0;

@@ -104,6 +104,40 @@ TEST_F(Names, CanBeChanged) {
   }
 }
 
+// A private member can be named in an explicit instantiation.
+using FindBySelection = const char* (ZelkManager::*)(const ZelkSelection&);
+FindBySelection find_by_selection();
+template <FindBySelection kMember>
+struct Private {
+  friend FindBySelection find_by_selection() { return kMember; }
+};
+template struct Private<&ZelkManager::GetDbNameBySelectionPattern>;
+
+TEST_F(Names, OfSelections) {
+  constexpr std::uint32_t kAnyKey = 0xFFFFFFFF;
+  constexpr std::uint16_t kAny = 0xFFFF;
+  const struct {
+    ZelkSelectionPattern a, b, c;
+    const char* expected;  ///< for the key 7 and the sub key 1
+    unsigned status;
+  } cases[] = {{{kAnyKey, kAny}, {7, 1}, {7, 1}, "b", 0},
+               {{7, kAny}, {7, kAny}, {kAnyKey, kAny}, "b", 2},
+               {{kAnyKey, kAny}, {kAnyKey, kAny}, {7, 2}, "b", 2},
+               {{7, 2}, {8, 1}, {8, kAny}, nullptr, 2}};
+  Manager manager;
+  const char* names[3];
+  for (int i = 0; i < 3; ++i) {
+    names[i] = open(manager, folder.write(std::string(1, "abc"[i]) + ".dbc", kDatabase));
+  }
+  for (const auto& c : cases) {
+    manager.AssignSelectionPattern(c.a, names[0]);
+    manager.AssignSelectionPattern(c.b, names[1]);
+    manager.AssignSelectionPattern(c.c, names[2]);
+    EXPECT_STREQ((manager.*find_by_selection())({7, 1}), c.expected) << &c - cases;
+    EXPECT_EQ(manager.Status(), c.status) << &c - cases;
+  }
+}
+
 TEST_F(Names, OfFiles) {
   const std::string a = folder.write("1-My Net.dbc", "BS_:\nBU_: Old\n");
   const std::string faulty = folder.write("faulty.dbc", kFaulty);
