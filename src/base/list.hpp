@@ -59,6 +59,14 @@ ListRange<Record> each(Record* head) {
   return ListRange<Record>(head);
 }
 
+/// Number of records of a list, as the 16-bit counts of records hold it: 65535 stands for more.
+template <typename Record>
+std::uint16_t count_16(const Record* head) {
+  std::uint16_t count = 0;
+  for (; head != nullptr && count < UINT16_MAX; head = head->next) ++count;
+  return count;
+}
+
 /// First record from `head` on that `matches`; null when there is none.
 template <typename Record, typename Predicate>
 Record* find_first(Record* head, Predicate matches) {

@@ -1,11 +1,7 @@
-#include <cmath>
-#include <cstddef>
 #include <cstdint>
 
 #include "base/list.hpp"
-#include "capi/attribute_text.hpp"
 #include "model/inline_name.hpp"
-#include "text/words.hpp"
 #include "zelk/query.h"
 
 namespace zelk {
@@ -13,24 +9,6 @@ namespace zelk {
 namespace {
 
 constexpr std::uint32_t kNoAttributeType = 0xFFFFFFFF;
-
-std::optional<std::string_view> as_text(const char* text) {
-  if (text == nullptr) return std::nullopt;
-  return text;
-}
-
-std::optional<std::string_view> enum_item(const char* enum_values, double index) {
-  // The comparison is false for a NaN; no list of items reaches 2^31.
-  const bool is_index = index >= 0 && index < 0x1p31 && std::trunc(index) == index;
-  if (enum_values == nullptr || !is_index) return std::nullopt;
-  std::string_view items = enum_values;
-  for (auto skip = static_cast<std::size_t>(index); skip > 0; --skip) {
-    const std::size_t separator = items.find(kItemSeparator);
-    if (separator == std::string_view::npos) return std::nullopt;
-    items.remove_prefix(separator + 1);
-  }
-  return items.substr(0, items.find(kItemSeparator));
-}
 
 zelk_attr_value_t stored_value(attr* values, const char* name) {
   const attr* value = find_attribute_value(values, name);
@@ -65,31 +43,6 @@ std::uint32_t number_of_text(const Object* object, const char* text) {
 }
 
 }  // namespace
-
-attr* find_attribute_value(attr* values, const char* name) {
-  if (name == nullptr) return nullptr;
-  return find_first(values, [name](const attr& value) {
-    return value.def != nullptr && same_inline_name(value.def->name, name);
-  });
-}
-
-std::optional<std::string_view> attribute_text(const attr& value) {
-  if (value.def == nullptr) return std::nullopt;
-  switch (value.def->value_type) {
-    case ZELK_ATTR_STRING:
-      return as_text(value.value.text);
-    case ZELK_ATTR_ENUM:
-      return enum_item(value.def->enum_values, value.value.number);
-    default:
-      return std::nullopt;
-  }
-}
-
-std::optional<std::string_view> default_text(const attr_def& definition) {
-  const bool is_text =
-      definition.value_type == ZELK_ATTR_STRING || definition.value_type == ZELK_ATTR_ENUM;
-  return is_text ? as_text(definition.default_value.text) : std::nullopt;
-}
 
 }  // namespace zelk
 

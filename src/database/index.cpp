@@ -1,11 +1,9 @@
 #include "database/index.hpp"
 
 #include <algorithm>
-#include <array>
-#include <span>
 
 #include "base/list.hpp"
-#include "codec/j1939.hpp"
+#include "capi/j1939_message.hpp"
 
 namespace zelk {
 
@@ -58,27 +56,37 @@ DatabaseIndex::DatabaseIndex(const ZelkDatabase& database)
   }
 }
 
-/// Tries only messages that some rule can take for this frame.
-msgblk* DatabaseIndex::j1939_message(std::uint32_t id, std::uint32_t flags) const {
-  if ((id & ZELK_ID_EXTENDED) == 0) return message(id);
-  flags = ZelkDatabase::J1939Flags(flags, has_group_numbers_);
-  const j1939::FrameId frame = j1939::frame_of_id(id);
-  const bool stores_numbers = (flags & ZELK_J1939_PGN_IDS) != 0;
-  if (stores_numbers && !j1939::is_proprietary(frame))
-    return message(j1939::stored_id(frame.group));
-  msgblk* const same = stores_numbers ? nullptr : message(id);
-  if (same) return same;
-
-  const CandidateTable& table = stores_numbers ? by_group_and_source_ : by_addresses_;
-  const auto keys = stores_numbers ? j1939::proprietary_keys(frame) : j1939::address_keys(frame);
-  std::array<std::span<msgblk* const>, keys.size()> lists;
-  for (std::size_t i = 0; i < keys.size(); ++i) {
-    const auto* const key = keys.begin() + i;
+template <typename Visit>
+void DatabaseIndex::visit_candidates(const CandidateTable& table, const Keys& keys, Visit visit) {
+  for (auto key = keys.begin(); key != keys.end(); ++key) {
     const bool is_repeated = std::find(keys.begin(), key, *key) != key;
     const Candidates* const candidates = is_repeated ? nullptr : table.table.find(*key);
-    if (candidates) lists[i] = *candidates;
+    if (!candidates) continue;
+    for (msgblk* message : *candidates) {
+      if (visit(*message)) return;
+    }
   }
-  return j1939::find_message(lists, id, flags, [this] { return default_is_j1939_; });
+}
+
+template <typename Visit>
+void DatabaseIndex::visit_addresses(std::uint32_t id, Visit visit) const {
+  msgblk* const same = message(id);
+  if (same && visit(*same)) return;
+  visit_candidates(by_addresses_, j1939::address_keys(j1939::frame_of_id(id)), visit);
+}
+
+template <typename Visit>
+void DatabaseIndex::visit_numbers(std::uint32_t id, Visit visit) const {
+  const j1939::FrameId frame = j1939::frame_of_id(id);
+  if (j1939::is_proprietary(frame)) {
+    visit_candidates(by_group_and_source_, j1939::proprietary_keys(frame), visit);
+  } else if (msgblk* const stored = message(j1939::stored_id(frame.group))) {
+    visit(*stored);
+  }
+}
+
+msgblk* DatabaseIndex::j1939_message(std::uint32_t id, std::uint32_t flags) const {
+  return j1939::find_message(*this, id, ZelkDatabase::J1939Flags(flags, has_group_numbers_));
 }
 
 }  // namespace zelk

@@ -4,6 +4,7 @@
 #ifndef ZELK_DATABASE_INDEX_HPP
 #define ZELK_DATABASE_INDEX_HPP
 
+#include <array>
 #include <cstdint>
 #include <deque>
 #include <string_view>
@@ -33,7 +34,15 @@ class DatabaseIndex {
                       [name](const Record* record) { return is_named(*record, name); });
   }
   msgblk* message(std::uint32_t id) const { return messages_by_id_.find(id); }
+  /// @param id  with `ZELK_ID_EXTENDED`
   msgblk* j1939_message(std::uint32_t id, std::uint32_t flags) const;
+
+  // Candidates for `j1939::find_message`.
+  template <typename Visit>
+  void visit_addresses(std::uint32_t id, Visit visit) const;
+  template <typename Visit>
+  void visit_numbers(std::uint32_t id, Visit visit) const;
+  bool default_is_j1939_format() const { return default_is_j1939_; }
 
  private:
   /// The messages that compete for the same frames, in the order of the list, but of each priority
@@ -49,6 +58,10 @@ class DatabaseIndex {
     HashTable<std::uint64_t, Candidates*> table;
     std::deque<Candidates> all;
   };
+
+  using Keys = std::array<std::uint32_t, 4>;
+  template <typename Visit>
+  static void visit_candidates(const CandidateTable& table, const Keys& keys, Visit visit);
 
   const HashTable<std::uint64_t, symblk*>& names_of(const symblk*) const { return nodes_; }
   const HashTable<std::uint64_t, msgblk*>& names_of(const msgblk*) const { return messages_; }

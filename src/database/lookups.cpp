@@ -7,7 +7,7 @@
 #include <new>
 #include <utility>
 
-#include "capi/attribute_text.hpp"
+#include "base/attribute_text.hpp"
 #include "database/index.hpp"
 #include "database/list_ends.hpp"
 #include "model/inline_name.hpp"
@@ -42,6 +42,7 @@ void ZelkDatabase::DropIndex() const {
 void ZelkDatabase::ForbidIndex() const { index_state_ = IndexState::kForbidden; }
 
 namespace zelk {
+
 template <typename Record>
 const Record* DatabaseLookup::named(const ZelkDatabase& database, const char* name) {
   if (!name) return nullptr;
@@ -64,9 +65,9 @@ const msgblk* DatabaseLookup::message(const ZelkDatabase& database, std::uint32_
 
 const msgblk* DatabaseLookup::j1939_message(const ZelkDatabase& database, std::uint32_t id,
                                             std::uint32_t flags) {
+  if ((id & ZELK_ID_EXTENDED) == 0) return message(database, id);
   const DatabaseIndex* const index = database.Index();
   if (index) return index->j1939_message(id, flags);
-  if ((id & ZELK_ID_EXTENDED) == 0) return zelk_get_message(database.messages, id);
   flags = ZelkDatabase::J1939Flags(flags, database.HasJ1939GroupNumbers());
   return zelk_get_j1939_message(database.messages, database.attr_defs, id, flags);
 }
@@ -141,10 +142,6 @@ btlblk* ZelkDatabase::GetBitTiming(unsigned short baudrate) {
 
 namespace {
 
-bool is_number(const attr_def& definition) {
-  return definition.value_type != ZELK_ATTR_STRING && definition.value_type != ZELK_ATTR_ENUM;
-}
-
 /// Whether the network attribute `name` has a value above 0, or else a default above 0. The default
 /// of an ENUM is a text, and no number.
 bool is_switched_on(const ZelkDatabase& database, const char* name) {
@@ -152,7 +149,7 @@ bool is_switched_on(const ZelkDatabase& database, const char* name) {
   const bool has_number = value && value->def->value_type != ZELK_ATTR_STRING;
   if (has_number && value->value.number > 0) return true;
   const attr_def* definition = zelk_get_attr_def_name(database.attr_defs, name);
-  return definition && is_number(*definition) && definition->default_value.number > 0;
+  return definition && !zelk::has_text_default(*definition) && definition->default_value.number > 0;
 }
 
 }  // namespace

@@ -5,8 +5,9 @@
 #include <optional>
 #include <string_view>
 
+#include "base/attribute_text.hpp"
 #include "base/characters.hpp"
-#include "capi/attribute_text.hpp"
+#include "model/inline_name.hpp"
 #include "zelk/library.h"
 #include "zelk/manager.hpp"
 #include "zelk/model.h"

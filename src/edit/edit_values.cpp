@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-#include "capi/attribute_text.hpp"
 #include "edit/edits.hpp"
+#include "model/inline_name.hpp"
 #include "model/memory.hpp"
 #include "model/release.hpp"
 #include "text/words.hpp"

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/list.hpp"
+#include "base/multiplexing.hpp"
 #include "database/process_guard.hpp"
 #include "manager/manager_tables.hpp"
 #include "model/memory.hpp"
@@ -150,20 +151,12 @@ bool ZelkManager::SymbolsShortenedOnRead(const char* db) {
 
 namespace {
 
-/// Whether more than one value of its multiplexor selects the signal.
-bool has_further_values(const sigblk& signal) {
-  const muxor_val_range* const first = signal.mux_ranges;
-  return zelk::find_first(first, [first](const muxor_val_range& range) {
-           return range.low != first->low || range.high != first->low;
-         }) != nullptr;
-}
-
 bool uses_extended_multiplexing(const msgblk& message) {
   const sigblk* multiplexor = nullptr;
   for (const sigblk& signal : zelk::each(message.signals)) {
-    if (has_further_values(signal)) return true;
+    if (zelk::has_several_values(signal)) return true;
     if (!signal.mux_signal) continue;
-    if ((signal.flags & ZELK_SIGNAL_MULTIPLEXOR) != 0) return true;
+    if (zelk::is_multiplexor(signal)) return true;
     if (multiplexor && multiplexor != signal.mux_signal) return true;
     multiplexor = signal.mux_signal;
   }

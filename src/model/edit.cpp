@@ -5,6 +5,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "base/signal_bits.hpp"
 #include "model/list_edit.hpp"
 #include "model/release.hpp"
 #include "zelk/model.h"
@@ -44,15 +45,10 @@ void delete_with_comment(Record** head, Record* record) {
   delete_bare(head, record);
 }
 
-void set_flag(sigblk& signal, int flag, bool is_set) {
-  signal.flags = static_cast<std::uint16_t>(is_set ? signal.flags | flag : signal.flags & ~flag);
-}
-
 bool selects_any(const msgblk& message, const sigblk* multiplexor) {
-  for (const sigblk* signal = message.signals; signal; signal = signal->next) {
-    if (signal->mux_signal == multiplexor) return true;
-  }
-  return false;
+  return find_first(message.signals, [multiplexor](const sigblk& signal) {
+    return signal.mux_signal == multiplexor;
+  });
 }
 
 void remove_multiplexing(sigblk& signal) {
@@ -197,7 +193,7 @@ muxor_val_range* zelk_add_multiplexor_value_range(sigblk* signal, sigblk* multip
   if (multiplexor != signal->mux_signal) {
     zelk_remove_multiplexor(signal);
     signal->mux_signal = multiplexor;
-    if (multiplexor) zelk::set_flag(*multiplexor, ZELK_SIGNAL_MULTIPLEXOR, true);
+    if (multiplexor) zelk::set_flag(*multiplexor, ZELK_SIGNAL_MULTIPLEXOR);
   }
   if (!signal->mux_signal) return nullptr;
   muxor_val_range* range = zelk_create_muxor_value_range();

@@ -47,6 +47,18 @@ Record* find_named(Record* head, const char* name) {
   return find_first(head, [name](const Record& record) { return is_named(record, name); });
 }
 
+/// First value of the attribute `name`; null when there is none, and for a null `name`. Values
+/// without a definition are passed over.
+///
+/// @tparam Attr  `attr` or `const attr`
+template <typename Attr>
+Attr* find_attribute_value(Attr* values, const char* name) {
+  if (name == nullptr) return nullptr;
+  return find_first(values, [name](const attr& value) {
+    return value.def != nullptr && same_inline_name(value.def->name, name);
+  });
+}
+
 }  // namespace zelk
 
 #endif

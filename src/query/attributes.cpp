@@ -1,14 +1,14 @@
 // Effective attribute values, texts of enumerations, value descriptions, membership in filters.
 
 #include <algorithm>
-#include <cstring>
+#include <optional>
 #include <string_view>
 
+#include "base/enum_items.hpp"
 #include "base/list.hpp"
-#include "capi/attribute_text.hpp"
+#include "database/holding.hpp"
 #include "model/inline_name.hpp"
 #include "model/memory.hpp"
-#include "database/holding.hpp"
 #include "text/words.hpp"
 #include "zelk/exception.hpp"
 #include "zelk/iterator.hpp"
@@ -17,24 +17,10 @@ namespace {
 
 constexpr long kNoNumber = 0x7FFFFFFF;
 
-const attr* own_value(const attr* values, const char* name) {
-  return name ? zelk::find_attribute_value(const_cast<attr*>(values), name) : nullptr;
-}
-
-/// Items of an ENUM, separated; empty for other types.
-std::string_view items_of(const attr_def& definition) {
+/// Items of an ENUM, joined; none for other types.
+std::optional<std::string_view> items_of(const attr_def& definition) {
   const bool has_items = definition.value_type == ZELK_ATTR_ENUM && definition.enum_values;
-  return has_items ? definition.enum_values : std::string_view();
-}
-
-bool has_items(const attr_def& definition) { return items_of(definition).data() != nullptr; }
-
-/// Takes the first item away from a list of them.
-std::string_view take_item(std::string_view& items) {
-  const std::size_t end = std::min(items.find(zelk::kItemSeparator), items.size());
-  const std::string_view item = items.substr(0, end);
-  items.remove_prefix(std::min(end + 1, items.size()));
-  return item;
+  return has_items ? std::optional<std::string_view>(definition.enum_values) : std::nullopt;
 }
 
 }  // namespace
@@ -100,14 +86,15 @@ ZelkStatus ZelkManager::DefaultFor(zelk_obj_t type, const char* name, zelk_attr_
 zelk_attr_value_t ZelkManager::GetAttrValue(const char* name, const char* db) {
   const DbListNode* const node = ListFindDatabase(db);
   if (!node) return {};
-  const attr* const value = own_value(node->database.attr_values, name);
+  const attr* const value =
+      zelk::find_attribute_value<const attr>(node->database.attr_values, name);
   return value ? value->value : GetAttrDefault(name, db);
 }
 
 ZelkStatus ZelkManager::GetAttrValueEx(const char* name, zelk_attr_value_t& value, const char* db) {
   const DbListNode* const node = ListFindDatabase(db);
   if (!node) return ZelkStatusNotFound;
-  const attr* const own = own_value(node->database.attr_values, name);
+  const attr* const own = zelk::find_attribute_value<const attr>(node->database.attr_values, name);
   if (!own) return DefaultFor(ZELK_OBJ_NETWORK, name, value, db);
   value = own->value;
   return Answer(ZelkStatusOk);
@@ -139,7 +126,8 @@ struct zelk::ManagerAttributes {
   static const attr_def* definition(const ZelkManager& manager, const Object& object,
                                     const char* name, const char* db) {
     if (!name) return nullptr;
-    if (const attr* own = own_value(object.attrs, name)) return own->def;
+    if (const attr* own = zelk::find_attribute_value<const attr>(object.attrs, name))
+      return own->def;
     const auto* const node = manager.ListFindNode(db ? db : name_of_holder(manager, object));
     if (!node) return nullptr;
     const ZelkDatabase& database = node->database;
@@ -162,14 +150,14 @@ struct zelk::ManagerAttributes {
   template <typename Object>
   static zelk_attr_value_t value(const ZelkManager& manager, const Object& object,
                                  const char* name) {
-    const attr* const own = own_value(object.attrs, name);
+    const attr* const own = zelk::find_attribute_value<const attr>(object.attrs, name);
     return own ? own->value : manager.GetAttrDefault(name, name_of_holder(manager, object));
   }
 
   template <typename Object>
   static ZelkStatus value_ex(ZelkManager& manager, const Object& object, const char* name,
                              zelk_attr_value_t& value, const char* db) {
-    if (const attr* own = own_value(object.attrs, name)) {
+    if (const attr* own = zelk::find_attribute_value<const attr>(object.attrs, name)) {
       value = own->value;
       return manager.Answer(ZelkStatusOk);
     }
@@ -184,7 +172,7 @@ struct zelk::ManagerAttributes {
 const attr_def* ZelkManager::GetNetworkAttrDefinition(const char* db, const char* name) const {
   const DbListNode* const node = ListFindNode(db);
   if (!node || !name) return nullptr;
-  const attr* const own = own_value(node->database.attr_values, name);
+  const attr* const own = zelk::find_attribute_value<const attr>(node->database.attr_values, name);
   return own ? own->def : definition_for(node->database, ZELK_OBJ_NETWORK, name);
 }
 const attr_def* ZelkManager::GetAttrDefinition(const symblk& node, const char* name,
@@ -220,7 +208,7 @@ ZelkStatus ZelkManager::GetAttrValueEx(const symblk& node, const char* name,
   return zelk::ManagerAttributes::value_ex(*this, node, name, value, db);
 }
 bool ZelkManager::IsAttrValueDefined(const symblk& node, const char* name) const {
-  return own_value(node.attrs, name) != nullptr;
+  return zelk::find_attribute_value<const attr>(node.attrs, name) != nullptr;
 }
 
 zelk_attr_value_t ZelkManager::GetAttrValue(const msgblk& message, const char* name) {
@@ -231,7 +219,7 @@ ZelkStatus ZelkManager::GetAttrValueEx(const msgblk& message, const char* name,
   return zelk::ManagerAttributes::value_ex(*this, message, name, value, db);
 }
 bool ZelkManager::IsAttrValueDefined(const msgblk& message, const char* name) const {
-  return own_value(message.attrs, name) != nullptr;
+  return zelk::find_attribute_value<const attr>(message.attrs, name) != nullptr;
 }
 
 zelk_attr_value_t ZelkManager::GetAttrValue(const env_var_blk& variable, const char* name) {
@@ -242,7 +230,7 @@ ZelkStatus ZelkManager::GetAttrValueEx(const env_var_blk& variable, const char* 
   return zelk::ManagerAttributes::value_ex(*this, variable, name, value, db);
 }
 bool ZelkManager::IsAttrValueDefined(const env_var_blk& variable, const char* name) const {
-  return own_value(variable.attrs, name) != nullptr;
+  return zelk::find_attribute_value<const attr>(variable.attrs, name) != nullptr;
 }
 
 zelk_attr_value_t ZelkManager::GetAttrValue(const sigtype& type, const char* name) {
@@ -253,7 +241,7 @@ ZelkStatus ZelkManager::GetAttrValueEx(const sigtype& type, const char* name,
   return zelk::ManagerAttributes::value_ex(*this, type, name, value, db);
 }
 bool ZelkManager::IsAttrValueDefined(const sigtype& type, const char* name) const {
-  return own_value(type.attrs, name) != nullptr;
+  return zelk::find_attribute_value<const attr>(type.attrs, name) != nullptr;
 }
 
 zelk_attr_value_t ZelkManager::GetAttrValue(const sigblk& signal, const char* name) {
@@ -264,7 +252,7 @@ ZelkStatus ZelkManager::GetAttrValueEx(const sigblk& signal, const char* name,
   return zelk::ManagerAttributes::value_ex(*this, signal, name, value, db);
 }
 bool ZelkManager::IsAttrValueDefined(const sigblk& signal, const char* name) const {
-  return own_value(signal.attrs, name) != nullptr;
+  return zelk::find_attribute_value<const attr>(signal.attrs, name) != nullptr;
 }
 
 zelk_attr_value_t ZelkManager::GetAttrValue(const rxblk& link, const char* name) {
@@ -275,24 +263,18 @@ ZelkStatus ZelkManager::GetAttrValueEx(const rxblk& link, const char* name,
   return zelk::ManagerAttributes::value_ex(*this, link, name, value, db);
 }
 bool ZelkManager::IsAttrValueDefined(const rxblk& link, const char* name) const {
-  return own_value(link.attrs, name) != nullptr;
+  return zelk::find_attribute_value<const attr>(link.attrs, name) != nullptr;
 }
 
 // --- Texts of enumerations ---
 
-const char* ZelkManager::GetAttrValueString(const attr_def& definition, long index) const {
-  if (!has_items(definition)) return nullptr;
-  std::string_view items = items_of(definition);
-  for (; index > 0; --index) {
-    const std::size_t separator = items.find(zelk::kItemSeparator);
-    if (separator == std::string_view::npos) return nullptr;
-    items.remove_prefix(separator + 1);
-  }
-  try {
-    return zelk::copy_text(take_item(items)).release();
-  } catch (const ZelkException&) {
-    return nullptr;
-  }
+const char* ZelkManager::GetAttrValueString(const attr_def& definition, long index) const try {
+  const auto items = items_of(definition);
+  if (!items) return nullptr;
+  const auto item = zelk::EnumItems(*items).at(static_cast<double>(std::max(index, 0L)));
+  return item ? zelk::copy_text(*item).release() : nullptr;
+} catch (const ZelkException&) {
+  return nullptr;
 }
 
 const char* ZelkManager::GetAttrValueString(const char* name, long index, const char* db) const {
@@ -301,10 +283,10 @@ const char* ZelkManager::GetAttrValueString(const char* name, long index, const 
 }
 
 long ZelkManager::GetAttrValueIndex(const attr_def& definition, const char* text) const {
-  if (!has_items(definition) || !text) return -1;
-  std::string_view items = items_of(definition);
-  for (long index = 0; !items.empty();) {
-    const std::string_view item = take_item(items);
+  const auto items = items_of(definition);
+  if (!items || !text) return -1;
+  long index = 0;
+  for (const std::string_view item : zelk::EnumItems(*items)) {
     if (item.empty()) continue;
     if (item == text) return index;
     ++index;

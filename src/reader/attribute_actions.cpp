@@ -4,7 +4,10 @@
 #include <cmath>
 #include <utility>
 
+#include "base/attribute_text.hpp"
+#include "base/enum_items.hpp"
 #include "base/numbers.hpp"
+#include "base/text_view.hpp"
 #include "model/symbols.hpp"
 #include "text/words.hpp"
 
@@ -17,15 +20,6 @@ bool defines_long_names(const attr_def& definition) {
       definition.value_type == ZELK_ATTR_STRING && definition.object_type <= ZELK_OBJ_ENVVAR;
   return can_name && std::find(kLongNameAttributes.begin(), kLongNameAttributes.end(),
                                definition.name) != kLongNameAttributes.end();
-}
-
-bool holds_text(const attr_def& definition) {
-  return definition.value_type == ZELK_ATTR_STRING || definition.value_type == ZELK_ATTR_ENUM;
-}
-
-/// The items of an ENUM; a host's definition may have none.
-std::string_view item_list(const attr_def& definition) {
-  return definition.enum_values ? definition.enum_values : "";
 }
 
 /// An item of an ENUM as the file spells it.
@@ -85,7 +79,7 @@ void AttributeActions::define(std::int32_t object_type, TokenText name) {
     definition->minimum = range_.first;
     definition->maximum = range_.second;
   }
-  if (holds_text(*definition)) definition->default_value.text = copy_text("").release();
+  if (has_text_default(*definition)) definition->default_value.text = copy_text("").release();
   index_.add_new(definition.get());
   if (defines_long_names(*definition)) {
     long_name_definitions_.insert(definition.get());
@@ -287,14 +281,11 @@ const AttributeActions::Items& AttributeActions::items(const attr_def& definitio
   const auto [entry, is_new] = items_.try_emplace(&definition);
   Items& known = entry->second;
   if (!is_new) return known;
-  std::string_view rest = item_list(definition);
-  for (int index = 0;; ++index) {
-    const std::size_t end = rest.find(kItemSeparator);
-    known.texts.push_back(rest.substr(0, end));
-    known.indexes.try_emplace(known.texts.back(), index);
-    if (end == std::string_view::npos) return known;
-    rest.remove_prefix(end + 1);
+  for (const std::string_view item : EnumItems(view(definition.enum_values))) {
+    known.indexes.try_emplace(item, static_cast<int>(known.texts.size()));
+    known.texts.push_back(item);
   }
+  return known;
 }
 
 // --- The end of the file ---

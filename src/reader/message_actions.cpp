@@ -5,25 +5,12 @@
 #include <utility>
 
 #include "base/characters.hpp"
-#include "model/cycle_search.hpp"
+#include "base/multiplexing.hpp"
+#include "base/signal_bits.hpp"
 #include "model/symbols.hpp"
 
 namespace zelk {
 namespace {
-
-bool is_multiplexor(const sigblk& signal) { return (signal.flags & ZELK_SIGNAL_MULTIPLEXOR) != 0; }
-
-void set_flag(sigblk& signal, int flag) {
-  signal.flags = static_cast<std::uint16_t>(signal.flags | flag);
-}
-
-int count_multiplexors_of(const msgblk& message) {
-  int count = 0;
-  for (const sigblk* signal = message.signals; signal; signal = signal->next) {
-    if (is_multiplexor(*signal)) ++count;
-  }
-  return count;
-}
 
 constexpr std::size_t kCycleTextMax = 1024;
 
@@ -111,11 +98,10 @@ void MessageActions::end_message() {
 
 /// With several multiplexors the "SG_MUL_VAL_" statements say which one selects a signal.
 void MessageActions::assign_multiplexor() {
-  const int count = count_multiplexors_of(*message_);
+  const std::size_t count = count_multiplexors(*message_);
   if (count > 1) context_.extended_multiplexing = true;
   if (count == 1) {
-    sigblk* multiplexor = message_->signals;
-    while (!is_multiplexor(*multiplexor)) multiplexor = multiplexor->next;
+    sigblk* const multiplexor = find_first(message_->signals, is_multiplexor);
     for (sigblk* signal : multiplexed_) signal->mux_signal = multiplexor;
   }
   multiplexed_.clear();
@@ -167,8 +153,8 @@ void MessageActions::multiplexor_ranges(std::uint32_t id, TokenText signal_name,
   sigblk& signal = context_.signal(message, signal_name);
   sigblk& multiplexor = context_.signal(message, multiplexor_name);
   const auto [counted, is_new] = multiplexor_counts_.try_emplace(&message, 0);
-  int& count = counted->second;
-  if (is_new) count = count_multiplexors_of(message);
+  std::size_t& count = counted->second;
+  if (is_new) count = count_multiplexors(message);
   if (!is_multiplexor(multiplexor)) ++count;
   set_flag(multiplexor, ZELK_SIGNAL_MULTIPLEXOR);
   signal.mux_signal = &multiplexor;
@@ -179,10 +165,10 @@ void MessageActions::multiplexor_ranges(std::uint32_t id, TokenText signal_name,
 
 void MessageActions::check_multiplexing() const {
   if (!context_.extended_multiplexing) return;
-  CycleSearch search;
+  CircleSearch search;
   for (const msgblk* message = context_.model.messages; message; message = message->next) {
     for (const sigblk* signal = message->signals; signal; signal = signal->next) {
-      if (!is_multiplexor(*signal) || !search.finds_cycle_from(*signal)) continue;
+      if (!is_multiplexor(*signal) || !search.circle_above(*signal)) continue;
       const std::string text = std::string(message->name ? message->name : "") +
                                "::" + (signal->name ? signal->name : "");
       context_.fail(ZELK_ERR_CYCLIC_MULTIPLEXOR, text.substr(0, kCycleTextMax));

@@ -57,7 +57,7 @@ class MessageActions {
   std::vector<sigblk*> multiplexed_;  ///< of `signals_`, those selected by a multiplexor
   char multiplexor_letter_ = 0;       ///< of all indicators of the message; 0 while there was none
   PendingList<muxor_val_range> ranges_;
-  std::unordered_map<const msgblk*, int> multiplexor_counts_;
+  std::unordered_map<const msgblk*, std::size_t> multiplexor_counts_;
 };
 
 }  // namespace zelk

@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "base/signal_bits.hpp"
 #include "model/symbols.hpp"
 #include "text/words.hpp"
 
@@ -76,8 +77,8 @@ void ObjectActions::signal_type(const SignalTypeLine& line) {
     context_.fail(ZELK_ERR_SEGMENTATION, line.name.view());
   }
   type->length = static_cast<std::uint16_t>(line.segment.length_bits);
-  type->flags = static_cast<std::uint16_t>((line.segment.order == 0 ? ZELK_SIGNAL_MOTOROLA : 0) |
-                                           (line.is_signed ? ZELK_SIGNAL_SIGNED : 0));
+  set_flag(*type, ZELK_SIGNAL_MOTOROLA, line.segment.order == 0);
+  set_flag(*type, ZELK_SIGNAL_SIGNED, line.is_signed);
   type->factor = line.factor_offset.first;
   type->offset = line.factor_offset.second;
   type->minimum = line.range.first;

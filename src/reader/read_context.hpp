@@ -65,15 +65,6 @@ struct ReadContext {
   void link_names(PendingList<rxblk>& links, rxblk* (*create)(symblk*));
 };
 
-/// Number of elements of a list, as the 16-bit counts of the records hold it: 65535 stands for
-/// more.
-template <typename Record>
-std::uint16_t count_16(const Record* list) {
-  std::uint16_t count = 0;
-  for (; list && count < 65535; list = list->next) ++count;
-  return count;
-}
-
 }  // namespace zelk
 
 #endif

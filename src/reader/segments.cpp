@@ -1,5 +1,7 @@
 #include "reader/segments.hpp"
 
+#include "base/signal_bits.hpp"
+
 namespace zelk {
 namespace {
 
@@ -24,8 +26,7 @@ std::optional<Layout> Segments::layout(std::uint32_t start_bit) const {
   const std::uint32_t length_bits = first.length_bits + second.length_bits;
   if (!is_valid(second) || length_bits > kLengthMax) return std::nullopt;
   const bool is_motorola = first.order > second.order;
-  const int mirrored = (start & ~7) + 7 - (start & 7);
-  return Layout{is_motorola ? static_cast<std::uint16_t>(mirrored) : start,
+  return Layout{is_motorola ? static_cast<std::uint16_t>(mirrored_bit(start)) : start,
                 static_cast<std::uint16_t>(length_bits), is_motorola};
 }
 

@@ -20,8 +20,6 @@ inline constexpr unsigned kAccessCodeString = 0x8000;
 inline constexpr std::string_view kEmptyItem = "ostrel_leerstring";
 /// A link of the view filter to no node, in quotes.
 inline constexpr std::string_view kNoFilterNode = "<<none>>";
-/// Separates the items of an ENUM in `attr_def::enum_values`.
-inline constexpr char kItemSeparator = '\n';
 
 /// The attributes that carry names too long for the format, in the order of the definition slots:
 /// signal, message, node, environment variable.

@@ -2,6 +2,9 @@
 
 #include <string_view>
 
+#include "base/attribute_text.hpp"
+#include "base/enum_items.hpp"
+#include "base/text_view.hpp"
 #include "text/words.hpp"
 #include "writer/writer.hpp"
 
@@ -145,12 +148,10 @@ void Writer::items(std::string_view list) {
     separator = ',';
     had_empty_item |= item.empty();
   };
-  std::size_t end = 0;
-  while ((end = list.find(kItemSeparator)) != std::string_view::npos) {
-    put_item(list.substr(0, end));
-    list.remove_prefix(end + 1);
+  const char* const end = list.data() + list.size();
+  for (const std::string_view item : EnumItems(list)) {
+    if (item.data() != end || !had_empty_item) put_item(item);
   }
-  if (!list.empty() || !had_empty_item) put_item(list);
 }
 
 void Writer::defaults() {
@@ -158,9 +159,7 @@ void Writer::defaults() {
     out_.put(is_relation(definition.object_type) ? "BA_DEF_DEF_REL_" : "BA_DEF_DEF_ ", ' ');
     out_.put_quoted(definition.name);
     out_.put(' ');
-    const bool is_text =
-        definition.value_type == ZELK_ATTR_STRING || definition.value_type == ZELK_ATTR_ENUM;
-    number_or_text(is_text, definition.default_value);
+    number_or_text(has_text_default(definition), definition.default_value);
   }
   for (std::size_t kind = 0; kind < kNamedKinds; ++kind) {
     if (defines_long_names(kind))

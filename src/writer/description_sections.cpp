@@ -1,27 +1,10 @@
 // Value descriptions, categories, the filter, and the sections that say more about signals.
 
+#include "base/multiplexing.hpp"
 #include "text/words.hpp"
 #include "writer/writer.hpp"
 
 namespace zelk {
-namespace {
-
-bool has_several_multiplexors(const msgblk& message) {
-  const auto is_multiplexor = [](const sigblk& signal) {
-    return (signal.flags & ZELK_SIGNAL_MULTIPLEXOR) != 0;
-  };
-  const sigblk* const first = find_first(message.signals, is_multiplexor);
-  return first && find_first(first->next, is_multiplexor);
-}
-
-/// Whether all ranges are one and the same single value: the "SG_" line says it already.
-bool is_one_value(const muxor_val_range* ranges) {
-  return !find_first(ranges, [value = ranges->low](const muxor_val_range& range) {
-    return range.low != value || range.high != value;
-  });
-}
-
-}  // namespace
 
 // --- Value descriptions ---
 
@@ -140,10 +123,10 @@ void Writer::value_types() {
 void Writer::multiplexor_ranges() {
   const msgblk* const messages = noticed_.multiplexor ? model_.messages : nullptr;
   for (const msgblk& message : each(messages)) {
-    const bool is_extended = has_several_multiplexors(message);
+    const bool is_extended = count_multiplexors(message) > 1;
     for (const sigblk& signal : each(message.signals)) {
-      if (signal.mux_signal && signal.mux_ranges &&
-          (is_extended || !is_one_value(signal.mux_ranges))) {
+      // The "SG_" line says a single value of the only multiplexor already.
+      if (signal.mux_signal && signal.mux_ranges && (is_extended || has_several_values(signal))) {
         signal_ranges(message, signal);
       }
     }

@@ -6,7 +6,9 @@
 #include <utility>
 
 #include "base/characters.hpp"
+#include "base/multiplexing.hpp"
 #include "base/seeded_hash.hpp"
+#include "base/signal_bits.hpp"
 #include "text/keywords.hpp"
 #include "text/new_symbols.hpp"
 #include "text/token_codes.hpp"
@@ -16,9 +18,16 @@
 namespace zelk {
 namespace {
 
-int byte_order(std::uint16_t flags) { return (flags & ZELK_SIGNAL_MOTOROLA) != 0 ? 0 : 1; }
+/// Of a signal or a signal type.
+template <typename Record>
+int byte_order(const Record& record) {
+  return is_motorola(record) ? 0 : 1;
+}
 
-char sign(std::uint16_t flags) { return (flags & ZELK_SIGNAL_SIGNED) != 0 ? '-' : '+'; }
+template <typename Record>
+char sign(const Record& record) {
+  return is_signed(record) ? '-' : '+';
+}
 
 /// Whether the writer puts this word where no object's name stands: the placeholder node, an access
 /// code, or a multiplexer indicator ("M", "m3", "m3M").
@@ -149,17 +158,15 @@ void Writer::messages() {
 }
 
 void Writer::signal(const sigblk& signal) {
-  const bool is_multiplexor = (signal.flags & ZELK_SIGNAL_MULTIPLEXOR) != 0;
   out_.put(" SG_ ", name(signal));
-  if (signal.mux_signal || signal.mux_ranges) {
+  if (is_multiplexed(signal)) {
     out_.put(" m", signal.mux_ranges ? signal.mux_ranges->low : std::uint32_t{0});
-    if (is_multiplexor) out_.put('M');
-  } else if (is_multiplexor) {
+    if (is_multiplexor(signal)) out_.put('M');
+  } else if (is_multiplexor(signal)) {
     out_.put(" M");
   }
-  out_.put(" : ", signal.start_bit, '|', signal.length, '@', byte_order(signal.flags),
-           sign(signal.flags), " (", signal.factor, ',', signal.offset, ") [", signal.minimum, '|',
-           signal.maximum, "] ");
+  out_.put(" : ", signal.start_bit, '|', signal.length, '@', byte_order(signal), sign(signal), " (",
+           signal.factor, ',', signal.offset, ") [", signal.minimum, '|', signal.maximum, "] ");
   out_.put_quoted(signal.unit);
   out_.put(' ');
   names(signal.receivers);
@@ -222,8 +229,8 @@ void Writer::variable(const env_var_blk& variable) {
 }
 
 void Writer::signal_type(const sigtype& type) {
-  out_.put("SGTYPE_ ", type.name, " : ", type.length, '@', byte_order(type.flags), sign(type.flags),
-           " (", type.factor, ',', type.offset, ") [", type.minimum, '|', type.maximum, "] ");
+  out_.put("SGTYPE_ ", type.name, " : ", type.length, '@', byte_order(type), sign(type), " (",
+           type.factor, ',', type.offset, ") [", type.minimum, '|', type.maximum, "] ");
   out_.put_quoted(type.unit);
   out_.put("  ", type.default_value);
   if (type.valtable) out_.put(' ', type.valtable->name);

@@ -5,9 +5,11 @@
 #include <string_view>
 #include <unordered_set>
 
+#include "base/enum_items.hpp"
 #include "base/list.hpp"
+#include "base/multiplexing.hpp"
 #include "base/seeded_hash.hpp"
-#include "model/cycle_search.hpp"
+#include "base/text_view.hpp"
 #include "model/symbols.hpp"
 #include "text/words.hpp"
 
@@ -36,23 +38,6 @@ bool has_statements(const msgblk& message) {
   return !view(message.comment).empty() || message.attrs || message.category || message.siggroups ||
          has_transmitters || has_values(message.tx_nodes) ||
          find_first(message.signals, [](const sigblk& signal) { return has_statements(signal); });
-}
-
-bool has_item(std::string_view items, std::string_view wanted) {
-  for (;;) {
-    const std::size_t end = items.find(kItemSeparator);
-    if (items.substr(0, end) == wanted) return true;
-    if (end == std::string_view::npos) return false;
-    items.remove_prefix(end + 1);
-  }
-}
-
-int count_multiplexors(const msgblk& message) {
-  int count = 0;
-  for (const sigblk& signal : each(message.signals)) {
-    count += (signal.flags & ZELK_SIGNAL_MULTIPLEXOR) != 0 ? 1 : 0;
-  }
-  return count;
 }
 
 std::string name_of(const char* kind, const char* name) {
@@ -201,8 +186,8 @@ class Check {
             "its type is none of the format");
     if (type != ZELK_ATTR_ENUM) return;
     const std::string_view text = view(definition.default_value.text);
-    require(text.empty() || text == kEmptyItem || has_item(view(definition.enum_values), text),
-            definition, "its default is no item");
+    const bool is_item = EnumItems(view(definition.enum_values)).index_of(text).has_value();
+    require(text.empty() || text == kEmptyItem || is_item, definition, "its default is no item");
   }
 
   void filter() {
@@ -219,13 +204,13 @@ class Check {
   /// A file in which some message has several multiplexors must be free of circles. Where a message
   /// has one, that selects all multiplexed signals: itself, too.
   void cycles() {
-    CycleSearch search;
+    CircleSearch search;
     for (const msgblk& message : each(model_.messages)) {
       const bool has_one = count_multiplexors(message) == 1;
       for (const sigblk& signal : each(message.signals)) {
-        if ((signal.flags & ZELK_SIGNAL_MULTIPLEXOR) == 0) continue;
-        const bool selects_itself = has_one && (signal.mux_signal || signal.mux_ranges);
-        require(!selects_itself && !search.finds_cycle_from(signal), signal,
+        if (!is_multiplexor(signal)) continue;
+        const bool selects_itself = has_one && is_multiplexed(signal);
+        require(!selects_itself && !search.circle_above(signal), signal,
                 "its multiplexors form a circle");
       }
     }
