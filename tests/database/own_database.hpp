@@ -9,8 +9,8 @@
 #include <set>
 #include <string>
 #include <string_view>
-#include <tuple>
 
+#include "database/heads.hpp"
 #include "database/registry.hpp"
 #include "support/building.hpp"
 #include "support/database.hpp"
@@ -42,20 +42,7 @@ inline std::string names_in(const Folder& folder) {
   return std::accumulate(names.begin(), names.end(), std::string());
 }
 
-inline auto heads(Database& d) {
-  return std::tie(d.nodes, d.messages, d.variables, d.timings, d.definitions, d.values,
-                  d.categories, d.filter, d.comment, d.version, d.types, d.tables);
-}
-
-inline std::string describe(const ZelkDatabase& d) {
-  Database view, none;
-  heads(view) =
-      std::tie(d.nodes, d.messages, d.env_vars, d.bit_timings, d.attr_defs, d.attr_values,
-               d.categories, d.filter, d.comment, d.user_data, d.signal_types, d.value_tables);
-  std::string text = describe(view);
-  heads(view) = heads(none);
-  return text;
-}
+inline std::string describe(const ZelkDatabase& d) { return describe(zelk::view_of(d)); }
 
 /// Tests that leave no database behind.
 class DatabaseTest : public testing::Test {

@@ -1,4 +1,4 @@
-/// Managers under test, and that nothing is left of them.
+/// Managers under test, with a check that nothing is left of them.
 #ifndef ZELK_TESTS_MANAGER_MANAGER_TEST_HPP
 #define ZELK_TESTS_MANAGER_MANAGER_TEST_HPP
 
@@ -15,13 +15,8 @@
 inline constexpr char kDatabase[] = "BS_:\nBU_: A\n";
 inline constexpr char kFaulty[] = "BS_:\nBU_: A\nBO_ 1\n";
 
-inline std::ptrdiff_t databases_alive() {
-  return std::distance(zelk::registry().all().begin(), zelk::registry().all().end());
-}
-
-inline std::ptrdiff_t locks_alive() {
-  return std::distance(zelk::lock_list().all().begin(), zelk::lock_list().all().end());
-}
+inline std::ptrdiff_t databases_alive() { return std::ssize(zelk::registry().all()); }
+inline std::ptrdiff_t locks_alive() { return std::ssize(zelk::lock_list().all()); }
 
 /// Managers live in the body of a test, so that all must be gone at its end.
 class ManagerTest : public testing::Test {
@@ -44,7 +39,7 @@ class ManagerTest : public testing::Test {
   Host host;
 };
 
-/// A manager whom nobody hears of.
+/// A manager without a window or thread.
 struct Manager : ZelkManager {
   Manager() : ZelkManager(static_cast<void*>(nullptr)) {}
 };

@@ -5,46 +5,6 @@ namespace {
 
 using Names = ManagerTest;
 
-TEST(DatabaseNames, AreVerified) {
-  const struct {
-    const char* text;
-    bool is_valid;
-  } cases[] = {{"_1", true},
-               {"abcdefghijklmnopqrstuvwxyz012345", true},
-               {"abcdefghijklmnopqrstuvwxyz0123456", false},
-               {"", false},
-               {nullptr, false},
-               {"1abc", false},
-               {"a\xE4", false}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(ZelkVerifyDatabaseName(c.text), c.is_valid) << (c.text ? c.text : "null");
-  }
-}
-
-TEST(DatabaseNames, AreSplitFromObjects) {
-  const struct {
-    const char* text;
-    bool is_split;
-    const char *db, *object;
-  } cases[] = {{"a::b::c", true, "a", "b::c"}, {"::", true, "", ""},
-               {"a:::b", true, "a", ":b"},     {"", false, "", nullptr},
-               {":", false, ":", nullptr},     {"a:b::c", false, "a:b::c", nullptr}};
-  for (const auto& c : cases) {
-    std::string text = c.text;
-    const char* db = nullptr;
-    const char* object = "untouched";
-    EXPECT_EQ(ZelkSplitQualifiedName(text.data(), &db, &object), c.is_split) << c.text;
-    EXPECT_EQ(db, text.data()) << c.text;
-    EXPECT_STREQ(db, c.db) << c.text;
-    EXPECT_STREQ(object, c.object) << c.text;
-  }
-  char whole[] = "A::B";
-  const char* untouched = nullptr;
-  EXPECT_TRUE(ZelkSplitQualifiedName(whole, nullptr, &untouched));
-  EXPECT_FALSE(ZelkSplitQualifiedName(nullptr, &untouched, nullptr));
-  EXPECT_STREQ(whole, "A::B");
-}
-
 TEST_F(Names, AreComparedByAddress) {
   const std::string path = folder.write("a.dbc", kDatabase);
   Manager manager, other;

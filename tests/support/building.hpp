@@ -4,6 +4,7 @@
 
 #include <vector>
 
+#include "base/list.hpp"
 #include "model/memory.hpp"
 #include "support/database.hpp"
 #include "support/files.hpp"
@@ -21,15 +22,13 @@ void set(char (&field)[kSize], std::string_view content) {
 
 template <typename Record>
 Record* append(Record*& list, Record* record) {
-  Record** end = &list;
-  while (*end) end = &(*end)->next;
-  return *end = record;
+  return zelk::end_of(list) = record;
 }
 
 template <typename Record>
 std::vector<Record*> records_of(Record* head) {
   std::vector<Record*> records;
-  for (; head; head = head->next) records.push_back(head);
+  for (Record& record : zelk::each(head)) records.push_back(&record);
   return records;
 }
 
@@ -82,10 +81,7 @@ inline uint32_t write_to(const char* path, const Database& d, uint8_t with_range
 
 /// What keeps a file from giving the database back; empty when nothing does.
 inline std::string fault_of(const Database& d) {
-  return zelk::read_back_fault({d.nodes, d.messages, d.variables, d.timings, d.definitions,
-                                d.values, d.categories, d.filter, d.comment, d.version, d.types,
-                                d.tables})
-      .value_or("");
+  return zelk::read_back_fault(view_of(d)).value_or("");
 }
 
 /// What a write makes of a file with another content.

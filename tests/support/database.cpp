@@ -190,23 +190,23 @@ struct Description {
 
 }  // namespace
 
-std::string describe(const Database& database) {
+std::string describe(const zelk::ModelView& model) {
   Description text;
   text.out.precision(15);
-  if (*database.version != '\0') text.add("version ", quoted(database.version), "\n");
-  if (database.comment) text.add("comment ", quoted(database.comment), "\n");
-  if (database.values) text.add("network");
-  text.attributes(database.values);
-  if (database.values) text.add("\n");
-  text.list(database.timings);
-  text.list(database.nodes);
-  text.list(database.tables);
-  text.list(database.messages);
-  text.list(database.variables);
-  text.list(database.types);
-  text.list(database.definitions);
-  text.list(database.categories);
-  const filter_t& filter = database.filter;
+  if (*model.version != '\0') text.add("version ", quoted(model.version), "\n");
+  if (model.comment) text.add("comment ", quoted(model.comment), "\n");
+  if (model.net_attrs) text.add("network");
+  text.attributes(model.net_attrs);
+  if (model.net_attrs) text.add("\n");
+  text.list(model.bit_timings);
+  text.list(model.nodes);
+  text.list(model.val_tables);
+  text.list(model.messages);
+  text.list(model.env_vars);
+  text.list(model.sig_types);
+  text.list(model.attr_defs);
+  text.list(model.categories);
+  const filter_t& filter = model.filter;
   if (!filter.categories && !filter.nodes && filter.mode == 0) return text.out.str();
   text.add("filter ", filter.mode);
   for (const auto* link = filter.categories; link; link = link->next) {

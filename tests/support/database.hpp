@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "model/heads.hpp"
 #include "support/lists.hpp"
 
 /// A file of the given content in the working directory, removed when it goes. One per test at a
@@ -29,8 +30,14 @@ struct Database : Lists {
   std::string reported;  ///< message lines of the last read, each ended by a line feed
 };
 
+inline zelk::ModelView view_of(const Lists& d) {
+  return {d.nodes,      d.messages, d.variables, d.timings, d.definitions, d.values,
+          d.categories, d.filter,   d.comment,   d.version, d.types,       d.tables};
+}
+
 /// Every record in list order, one per line; parts that are absent are left out.
-std::string describe(const Database& database);
+std::string describe(const zelk::ModelView& model);
+inline std::string describe(const Lists& lists) { return describe(view_of(lists)); }
 
 /// A text in which apostrophes stand for double quotes.
 inline std::string with_quotes(std::string text) {

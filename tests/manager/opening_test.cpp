@@ -1,9 +1,5 @@
 #include "manager/manager_test.hpp"
 
-#include <array>
-#include <memory>
-#include <utility>
-
 #include "model/memory.hpp"
 #include "support/failing.hpp"
 #include "support/files.hpp"
@@ -20,8 +16,6 @@ static_assert(kCanClose<bool> && kCanClose<int>);
 static_assert(!kCanClose<const char*> && !kCanClose<char*> && !kCanClose<const char (&)[6]>);
 
 using Opening = ManagerTest;
-using Caching = ManagerTest;
-using Notifications = ManagerTest;
 
 /// Tells in which order its virtual operations are called.
 struct Observed : Manager {
@@ -242,140 +236,6 @@ TEST_F(Opening, WithoutMemory) {
   constexpr int kWithoutErrorText = 1;  // its copy is not worth the database
   EXPECT_EQ(opened_nevertheless<FailingCalloc>(a.c_str(), b.c_str()), kWithoutErrorText);
   EXPECT_EQ(opened_nevertheless<FailingNew>(a.c_str(), b.c_str()), 0);
-}
-
-/// Two managers with one file. A letter is a step of the first one, a capital one of the second:
-/// open, close, keep (close into the cache), flush, name; "!" changes the content but not the time,
-/// "@" both.
-struct TwoManagers {
-  void take(char step) {
-    const std::size_t side = step >= 'a' ? 0 : 1;
-    switch (step | 0x20) {
-      case 'o':
-        managers[side]->OpenDatabase(path.c_str(), &names[side], 0);
-        break;
-      case 'n':
-        zelk_mfree(const_cast<char*>(managers[side]->GetDatabaseName(path.c_str())));
-        break;
-      case 'c':
-      case 'k':
-        managers[side]->CloseDatabase((step | 0x20) == 'k');
-        names[side] = nullptr;
-        break;
-      case 'f':
-        managers[side]->FlushDatabaseCache();
-        break;
-      default:
-        folder.write("a.dbc", "BS_:\nBU_: New\n", step == '@' ? 1 : 0);
-    }
-  }
-
-  ZelkDatabase* database(std::size_t side) const {
-    return managers[side]->GetDatabase(names[side]);
-  }
-
-  const Folder& folder;
-  const std::string path = folder.write("a.dbc", "BS_:\nBU_: Old\n");
-  std::array<std::unique_ptr<Manager>, 2> managers = {std::make_unique<Manager>(),
-                                                      std::make_unique<Manager>()};
-  std::array<const char*, 2> names = {};
-};
-
-TEST_F(Caching, SparesReading) {
-  const struct {
-    std::string_view steps;  ///< the last one opens
-    const char* node;        ///< what it finds
-  } cases[] = {
-      {"oc!o", "New"},    {"ok!o", "Old"},    {"ok!oco", "New"},   // opening takes the mark away
-      {"okf!o", "New"},   {"ok!O", "Old"},    {"okokf!o", "New"},  // of another manager too
-      {"okF!o", "Old"},   {"n!o", "Old"},     {"nf!o", "New"},
-      {"oOkC!o", "Old"},  {"oOkCf!o", "New"}, {"oOkf!o", "Old"},  // the other one holds it
-      {"okOC!o", "New"},   // the second open took away the first one's mark
-      {"okOKf!O", "New"},  // and the first one's flush that of the second
-  };
-  for (const auto& c : cases) {
-    TwoManagers two{folder};
-    for (const char step : c.steps) two.take(step);
-    const ZelkDatabase* const opened = two.database(c.steps.back() == 'o' ? 0 : 1);
-    ASSERT_NE(opened, nullptr) << c.steps;
-    EXPECT_STREQ(opened->nodes->name, c.node) << c.steps;
-  }
-}
-
-// What a manager holds is alive, which a sanitizer sees when it is not, and the same for both.
-TEST_F(Caching, InAllOrders) {
-  constexpr std::string_view kSteps = "ockfOCKF";
-  for (unsigned order = 0; order < 8U * 8 * 8; ++order) {
-    TwoManagers two{folder};
-    std::string steps = "o";
-    two.take('o');
-    for (unsigned rest = order, i = 0; i < 3; ++i, rest /= 8) {
-      steps += kSteps[rest % 8];
-      two.take(steps.back());
-      for (const std::size_t side : {0, 1}) {
-        if (!two.names[side]) continue;
-        EXPECT_STREQ(two.database(side)->nodes->name, "Old") << steps;
-        EXPECT_TRUE(!two.names[1 - side] || two.database(0) == two.database(1)) << steps;
-      }
-    }
-    two.managers[order / 3 % 2].reset();
-    two.managers = {};
-    ASSERT_EQ(databases_alive(), 0) << steps;
-  }
-}
-
-TEST_F(Notifications, TellEveryHolder) {
-  const std::string a = folder.write("a.dbc", kDatabase), b = folder.write("b.dbc", kDatabase);
-  ZelkManager first(handle<HWND>(0x10));
-  ZelkManager sender(handle<void*>(0x700000020));
-  ZelkManager deaf(handle<HWND>(0));
-  ZelkManager other(handle<HWND>(0x30));
-  ZelkManager last(handle<HWND>(0x40));
-  const char* const name = open(sender, a, "sent");
-  const ZelkDatabase& changed = *sender.GetDatabase(name);
-  open(first, b, "b");
-  open(first, a, "one");
-  open(deaf, a);
-  open(other, b);
-  open(last, a);
-  const auto told = [&](const ZelkManager& by, const ZelkDatabase& database) {
-    host.notifications.clear();
-    ZelkManager::NotifyChanges(by, database);
-    return host.notifications;
-  };
-  using Lines = std::vector<std::string>;
-  // A window is told of the sender's window, a thread of its thread.
-  EXPECT_EQ(told(sender, changed), (Lines{"all 0 from 0: -", "thread 700000020 from 20: sent",
-                                          "window 40 from 0: a", "window 10 from 0: one"}));
-  EXPECT_GE(host.number, 0xC000U);
-  EXPECT_LE(host.number, 0xFFFFU);
-  sender.SetHandle(handle<HWND>(0x500000050));
-  EXPECT_EQ(told(sender, changed), (Lines{"all 0 from 0: -", "window 500000050 from 50: sent",
-                                          "window 40 from 50: a", "window 10 from 50: one"}));
-  last.SetHandle(handle<void*>(0x60));
-  first.SetHandle(handle<void*>(0));
-  EXPECT_EQ(told(last, changed),
-            (Lines{"all 0 from 0: -", "thread 60 from 60: a", "window 500000050 from 0: sent"}));
-  sender.CloseDatabase(name, true);
-  EXPECT_EQ(told(deaf, changed), (Lines{"all 0 from 0: -", "thread 60 from 0: a"}));
-  host.notifications.clear();
-  other.NotifyChanges(changed, sender);
-  last.NotifyChanges(changed, first);
-  EXPECT_EQ(host.notifications, (Lines{"thread 60 from 0: a"}));
-}
-
-TEST_F(Notifications, OfATouchedFile) {
-  const std::string path = folder.write("a.dbc", kDatabase);
-  ZelkManager manager(handle<HWND>(0x10));
-  const ZelkDatabase& read_before = *manager.GetDatabase(open(manager, path, "before"));
-  Folder::touch(path, 1);
-  const ZelkDatabase& read_after = *manager.GetDatabase(open(manager, path, "after"));
-  manager.NotifyChanges(read_before, manager);
-  manager.NotifyChanges(read_after, manager);
-  // The older one is itself, and the newer one has its file; but it is not the file that is there.
-  EXPECT_EQ(host.notifications,
-            (std::vector<std::string>{"window 10 from 10: before", "window 10 from 10: after",
-                                      "window 10 from 10: after"}));
 }
 
 }  // namespace
