@@ -1,5 +1,5 @@
 /// \file
-/// What a message's signals say, worked out for decoding and encoding frame after frame.
+/// A message's signals, prepared for decoding and encoding frame after frame.
 
 #ifndef ZELK_CODEC_FRAME_PLAN_HPP
 #define ZELK_CODEC_FRAME_PLAN_HPP
@@ -10,12 +10,12 @@
 #include <span>
 #include <vector>
 
-#include "codec/codec.hpp"
+#include "codec/bits.hpp"
 
 namespace zelk {
 
-/// A signal within the first eight bytes whose raw value is a signed 64-bit number: all but the
-/// odd ones. The eight bytes are taken as one word in both byte orders.
+/// A signal within the first eight bytes whose raw value fits a signed 64-bit number; nearly all
+/// are. The eight bytes are taken as one word in both byte orders.
 struct QuickSignal {
   double factor;
   double offset;
@@ -54,11 +54,11 @@ struct ValueRange {
   std::uint32_t high;
 };
 
-/// Everything is told by the index of a signal in the message's list. A plan keeps no more than is
-/// asked for frame by frame: those of some hundred messages are to stay in the caches.
+/// Signals are named by their index in the message's list. A plan keeps only what is needed frame
+/// by frame, so that the plans of some hundred messages stay in the caches.
 ///
-/// The quick signals stand behind the plan in its own memory: where they are is known as soon as
-/// the plan is, and no read has to wait for another.
+/// The quick signals stand behind the plan in its own memory: no read of a pointer has to come
+/// before theirs.
 struct alignas(64) FramePlan {
   static std::unique_ptr<const FramePlan> of(const msgblk& message);
   FramePlan(const FramePlan&) = delete;
@@ -95,20 +95,10 @@ struct alignas(64) FramePlan {
   void* operator new(std::size_t size, std::size_t signal_count);
   void operator delete(void* memory, std::size_t signal_count);
 
-  enum class Standing : std::uint8_t { kUnknown, kUnderWay, kKnown, kNever };
-
   void add(std::uint32_t index);
   void add_dependents();
   void add_dependent(std::uint32_t index, std::uint32_t multiplexor);
 };
-
-/// Bytes that a frame needs to hold a signal.
-std::size_t bytes_needed_by(const sigblk& signal);
-
-/// Bits that a signal has in a frame.
-inline std::uint16_t length_in_frame(const sigblk& signal) {
-  return codec::is_ieee(signal) ? codec::ieee_length(signal) : signal.length;
-}
 
 }  // namespace zelk
 

@@ -6,7 +6,9 @@
 #include <string_view>
 #include <system_error>
 
-#include "codec/codec.hpp"
+#include "base/text_view.hpp"
+#include "codec/presence.hpp"
+#include "codec/signal_value.hpp"
 #include "zelk/query.h"
 
 namespace zelk::codec {
@@ -70,10 +72,6 @@ class NumberLine {
   char* end_ = nullptr;
 };
 
-std::string_view unit_of(const sigblk& signal) {
-  return {signal.unit, strnlen(signal.unit, sizeof signal.unit)};
-}
-
 ZelkSigvalueResult put_decimal(Target target, std::uint32_t low, const sigblk& signal,
                                const char* format) {
   const auto number = static_cast<std::int32_t>(sign_handled(low, signal));
@@ -90,9 +88,9 @@ ZelkSigvalueResult put_physical(Target target, double physical, const char* form
 
 ZelkSigvalueResult put_with_unit(Target target, double physical, const sigblk& signal,
                                  const char* format) {
-  if (!format) return put(target, NumberLine(physical).with(unit_of(signal)).view());
+  if (!format) return put(target, NumberLine(physical).with(view(signal.unit)).view());
   char unit[sizeof signal.unit + 1] = {};
-  unit_of(signal).copy(unit, sizeof signal.unit);
+  view(signal.unit).copy(unit, sizeof signal.unit);
   return print(target, format, physical, static_cast<const char*>(unit));
 }
 

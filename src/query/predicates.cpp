@@ -1,6 +1,7 @@
 #include "zelk/predicates.hpp"
 
-#include "codec/codec.hpp"
+#include "base/multiplexing.hpp"
+#include "codec/bits.hpp"
 
 namespace codec = zelk::codec;
 
@@ -15,16 +16,11 @@ bool fits(const sigblk& signal, unsigned data_length) {
   return highest / 8 + 1 <= std::int64_t{data_length};
 }
 
-/// Whether the multiplexors above the signal fit too, so that they can be asked. A circle ends
-/// where it is met.
+/// Whether the multiplexors above the signal fit too, so that they can be read.
 bool multiplexors_fit(const sigblk& signal, unsigned data_length) {
-  const sigblk* behind = &signal;
-  bool follows = false;
-  for (const sigblk* above = signal.mux_signal; above; above = above->mux_signal) {
-    if (!fits(*above, data_length)) return false;
-    if (follows) behind = behind->mux_signal;
-    follows = !follows;
-    if (above == behind) return true;
+  zelk::MultiplexorsAbove above(signal);
+  while (const sigblk* const multiplexor = above.next()) {
+    if (!fits(*multiplexor, data_length)) return false;
   }
   return true;
 }

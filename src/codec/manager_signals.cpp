@@ -1,15 +1,14 @@
-// The codec's operations as members: each only forwards.
+// The members of the manager for signals in frames: each only forwards.
 
 #include <optional>
 
-#include "codec/codec.hpp"
+#include "codec/presence.hpp"
+#include "codec/signal_value.hpp"
 #include "zelk/manager.hpp"
 
 namespace codec = zelk::codec;
 
 namespace {
-
-constexpr std::uint32_t kNoDescription = 4;
 
 /// Hands a value of the codec's type out as the interface spells it; 32-bit results are
 /// zero-extended. `out` is only written, and not at all when nothing is read: the caller may not
@@ -31,15 +30,15 @@ const sigblk* ZelkManager::GetMultiplexorSignal(const sigblk* signal) {
 }
 
 bool ZelkManager::SignalIsMultiplexor(const sigblk* signal) {
-  return signal && (signal->flags & ZELK_SIGNAL_MULTIPLEXOR) != 0;
+  return signal && zelk::is_multiplexor(*signal);
 }
 
 bool ZelkManager::SignalIsMultiplexed(const sigblk* signal) {
-  return signal && codec::is_multiplexed(*signal);
+  return signal && zelk::is_multiplexed(*signal);
 }
 
 bool ZelkManager::SignalIsMultiplexedByValue(const sigblk* signal, unsigned long value) {
-  return signal && codec::has_in_ranges(*signal, static_cast<std::uint32_t>(value));
+  return signal && zelk::is_selected_by(*signal, static_cast<std::uint32_t>(value));
 }
 
 const muxor_val_range* ZelkManager::GetMultiplexorValueRanges(const sigblk* signal) {
@@ -201,7 +200,7 @@ ZelkSigvalueResult ZelkManager::GetSignalValue(const unsigned char& frame, const
   const ZelkSigvalueResult result =
       codec::value_text(&frame, signal, text, size, text_format, format);
   if (text_format == ZelkFormatValueDescription && signal.length <= codec::kStringMax) {
-    status_ = result == ZelkSigvalueError ? kNoDescription : 0;
+    status_ = result == ZelkSigvalueError ? ZelkStatusNoDescription : ZelkStatusOk;
   }
   return result;
 }

@@ -1,0 +1,43 @@
+#include <algorithm>
+#include <vector>
+
+#include "base/hash_table.hpp"
+#include "base/list.hpp"
+#include "zelk/frame_decoder.hpp"
+
+/// Places among the decoders by identifier. They take half the memory of pointers, so that the
+/// slots of a large database stay in the caches.
+struct ZelkFrameDecoderTable::Entries {
+  static constexpr std::uint32_t kNone = 0xFFFFFFFF;
+
+  explicit Entries(const msgblk* messages) : places(zelk::each(messages).size()) {
+    for (const msgblk& message : zelk::each(messages)) {
+      places.enter(message.id, static_cast<std::uint32_t>(decoders.size()));
+      decoders.emplace_back(message);
+    }
+  }
+
+  std::vector<ZelkFrameDecoder> decoders;
+  zelk::HashTable<std::uint32_t, std::uint32_t, kNone> places;
+};
+
+ZelkFrameDecoderTable::ZelkFrameDecoderTable(const msgblk* messages)
+    : entries_(std::make_unique<const Entries>(messages)) {}
+ZelkFrameDecoderTable::ZelkFrameDecoderTable(ZelkFrameDecoderTable&&) noexcept = default;
+ZelkFrameDecoderTable& ZelkFrameDecoderTable::operator=(ZelkFrameDecoderTable&&) noexcept = default;
+ZelkFrameDecoderTable::~ZelkFrameDecoderTable() = default;
+
+const ZelkFrameDecoder* ZelkFrameDecoderTable::Find(std::uint32_t id) const {
+  const std::uint32_t place = entries_->places.find(id);
+  return place == Entries::kNone ? nullptr : &entries_->decoders[place];
+}
+
+const ZelkFrameDecoder* ZelkFrameDecoderTable::Find(const msgblk& message) const {
+  const ZelkFrameDecoder* const first = Find(message.id);
+  if (first && &first->Message() == &message) return first;
+  const auto& decoders = entries_->decoders;
+  const auto found = std::find_if(decoders.begin(), decoders.end(), [&](const auto& decoder) {
+    return &decoder.Message() == &message;
+  });
+  return found == decoders.end() ? nullptr : &*found;
+}
