@@ -1,67 +1,14 @@
-// Every edit of the write manager, told by what it changes in the written file.
+// Every edit of the write manager, shown by what it changes in the written file.
 
-#include <algorithm>
 #include <cstring>
 #include <functional>
-#include <sstream>
 
-#include "manager/manager_test.hpp"
-#include "support/failing.hpp"
-#include "support/files.hpp"
+#include "edit/edited.hpp"
 #include "zelk/errors.h"
-#include "zelk/model.h"
-#include "zelk/write_manager.hpp"
 
 namespace {
 
 using Edits = ManagerTest;
-
-/// A database with every kind of object, in a write manager.
-class Edited : public ZelkWriteManager {
- public:
-  explicit Edited(const Folder& folder) : ZelkWriteManager(static_cast<void*>(nullptr)) {
-    const std::string source = ZELK_SOURCE_DIR "/tests/data/ok_every_statement.dbc";
-    const std::string path = folder.write("edited.dbc", bytes_of(source));
-    EXPECT_EQ(OpenDatabase(path.c_str(), &db, "edited", 0), 0);
-  }
-
-  symblk& node(const char* name) { return *GetNode(name, db); }
-  msgblk& message() { return *GetMessage(1UL, db); }
-  sigblk& signal(const char* name) { return *GetSignal(message(), name); }
-  env_var_blk& variable() { return *GetEnvvar("V", db); }
-  siggroupblk& group() { return *GetSignalGroup(message(), "G"); }
-
-  /// The lines of the file that is written now.
-  std::vector<std::string> lines() {
-    EXPECT_EQ(GetDatabase(db)->Write(nullptr), 0);
-    std::istringstream content(content_of(GetDatabasePath("edited")));
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(content, line);) {
-      if (!line.empty()) lines.push_back(line);
-    }
-    return lines;
-  }
-
-  const char* db = nullptr;
-};
-
-/// The lines that are in one of them only: "-" and those gone, "+" and those come.
-std::string difference(std::vector<std::string> before, std::vector<std::string> after) {
-  std::string result;
-  for (const std::string& line : before) {
-    const auto same = std::find(after.begin(), after.end(), line);
-    if (same == after.end()) {
-      result += "-" + line + "\n";
-    } else {
-      after.erase(same);
-    }
-  }
-  for (const std::string& line : after) result += "+" + line + "\n";
-  return result;
-}
-
-zelk_attr_value_t number(double value) { return {.number = value}; }
-zelk_attr_value_t text(const char* value) { return {.text = const_cast<char*>(value)}; }
 
 struct Case {
   const char* what;
@@ -292,108 +239,6 @@ TEST_F(Edits, ChangeTheFile) {
     EXPECT_EQ("\n" + difference(before, edited.lines()), c.expected) << c.what;
     EXPECT_EQ(edited.ReopenDatabase(edited.db), 0) << c.what << ": " << zelk_get_error_text();
   }
-}
-
-/// Deletes all records of a kind.
-template <typename Record>
-std::function<void(Edited&)> all(ZelkIterator<Record> (ZelkWriteManager::*walk)(const char*) const,
-                                 void (ZelkWriteManager::*remove)(Record&, const char*)) {
-  return [=](Edited& e) {
-    for (auto record = (e.*walk)(e.db); record;) (e.*remove)(**record++, nullptr);
-  };
-}
-
-void delete_signals(Edited& e) {
-  for (auto message = e.GetMessageIterator(e.db); message; ++message) {
-    for (auto signal = e.GetSignalIterator(**message); signal;) e.DeleteSignal(**signal++);
-  }
-}
-
-// What is deleted leaves nothing behind that leads to it, whatever goes first.
-TEST_F(Edits, DeleteEverything) {
-  const std::vector<std::string> left = {"BS_:", "BU_:", "CM_ \"the", "network\";",
-                                         "FILTER 3 CAT_ 0 BU_ \"<<none>>\" ;"};
-  using W = ZelkWriteManager;
-  const std::function<void(Edited&)> deletions[] = {
-      all(&W::GetNodeIterator, &W::DeleteNode),
-      all(&W::GetCategoryIterator, &W::DeleteCategory),
-      all(&W::GetAttrDefinitionIterator, &W::DeleteAttrDefinition),
-      all(&W::GetSignalTypeIterator, &W::DeleteSignalType),
-      all(&W::GetValueTableIterator, &W::DeleteValueTable),
-      delete_signals,
-      all(&W::GetMessageIterator, &W::DeleteMessage),
-      all(&W::GetEnvvarIterator, &W::DeleteEnvvar),
-      all(&W::GetBitTimingIterator, &W::DeleteBitTiming),
-  };
-  for (int first = 0; first < 9; ++first) {
-    Edited e(folder);
-    std::vector<std::string> lines;
-    for (int i = 0; i < 9; ++i) {
-      deletions[(first + i) % 9](e);
-      lines = e.lines();
-    }
-    const auto body = std::find(lines.begin(), lines.end(), "BS_:");
-    EXPECT_EQ(std::vector<std::string>(body, lines.end()), left) << first;
-    EXPECT_EQ(e.ReopenDatabase(e.db), 0) << zelk_get_error_text();
-  }
-}
-
-// A record of another database, or of none, is not this one's to delete.
-TEST_F(Edits, DeleteOnlyWhatTheDatabaseHolds) {
-  Edited e(folder);
-  const char* other = nullptr;
-  ASSERT_EQ(e.CreateDatabase("other", &other, nullptr), 0);
-  symblk& foreign = *e.CreateNode(other, 0);
-  e.SetName(foreign, "Foreign");
-  const auto before = e.lines();
-  e.DeleteNode(foreign, e.db);
-  e.DeleteMessage(e.message(), other);
-  e.DeleteSignal(e.signal("S"), other);
-  sigblk loose = {};
-  e.DeleteSignal(loose);
-  EXPECT_EQ(difference(before, e.lines()), "");
-  EXPECT_EQ(e.NodeCount(other), 1U);
-}
-
-// An edit for which memory runs out does not happen, and is told.
-TEST_F(Edits, WithoutMemory) {
-  const std::function<void(Edited&)> edits[] = {
-      [](Edited& e) { e.CreateNode(e.db, 0); },
-      [](Edited& e) { e.CreateSignal(e.message(), 0); },
-      [](Edited& e) { e.SetName(e.signal("S"), "New"); },
-      [](Edited& e) { e.SetComment(e.message(), "New"); },
-      [](Edited& e) { e.SetValueDescription(e.signal("S"), 9, "New"); },
-      [](Edited& e) { e.AddSignal(e.group(), e.signal("U")); },
-      [](Edited& e) { e.AddFilterNode(e.node("B"), e.db); },
-      [](Edited& e) { e.SetAttrValue(*e.GetEnvvar("W", e.db), "Var", text("New")); },
-  };
-  for (const auto& edit : edits) {
-    const auto index = &edit - edits;
-    bool has_failed = true;
-    for (std::size_t n = 0; has_failed; ++n) {
-      Edited e(folder);
-      const auto before = e.lines();
-      zelk_clear_error_text();
-      has_failed = fails_at<FailingCalloc>(n, [&] { edit(e); });
-      EXPECT_STREQ(zelk_get_error_text(), has_failed ? "not enough memory\n" : "") << index;
-      if (!has_failed) continue;
-      EXPECT_EQ(difference(before, e.lines()), "") << index;
-      EXPECT_EQ(e.signal("U").receiver_count + e.variable().access_node_count, 2) << index;
-      EXPECT_EQ(e.message().signal_count, 3) << index;
-    }
-  }
-}
-
-// What hangs on a link is not released with it: a host takes it before.
-TEST_F(Edits, LinksLetGoOfTheirValues) {
-  Edited e(folder);
-  rxblk* link = e.signal("S").receivers;
-  while (!link->attrs) link = link->next;
-  attr* const value = link->attrs;
-  e.RemoveReceiver(e.signal("S"), *link->node);
-  EXPECT_STREQ(value->def->name, "RelSig");
-  EXPECT_EQ(value->value.number, 3);
-  zelk_mfree(value);
 }
 
 }  // namespace
