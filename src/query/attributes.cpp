@@ -1,29 +1,10 @@
-// Effective attribute values, texts of enumerations, value descriptions, membership in filters.
+// Effective values of attributes.
 
-#include <algorithm>
-#include <optional>
-#include <string_view>
-
-#include "base/enum_items.hpp"
 #include "base/list.hpp"
 #include "database/holding.hpp"
 #include "model/inline_name.hpp"
-#include "model/memory.hpp"
 #include "text/words.hpp"
-#include "zelk/exception.hpp"
 #include "zelk/iterator.hpp"
-
-namespace {
-
-constexpr long kNoNumber = 0x7FFFFFFF;
-
-/// Items of an ENUM, joined; none for other types.
-std::optional<std::string_view> items_of(const attr_def& definition) {
-  const bool has_items = definition.value_type == ZELK_ATTR_ENUM && definition.enum_values;
-  return has_items ? std::optional<std::string_view>(definition.enum_values) : std::nullopt;
-}
-
-}  // namespace
 
 // --- Presence ---
 
@@ -86,15 +67,14 @@ ZelkStatus ZelkManager::DefaultFor(zelk_obj_t type, const char* name, zelk_attr_
 zelk_attr_value_t ZelkManager::GetAttrValue(const char* name, const char* db) {
   const DbListNode* const node = ListFindDatabase(db);
   if (!node) return {};
-  const attr* const value =
-      zelk::find_attribute_value<const attr>(node->database.attr_values, name);
+  const attr* const value = zelk::find_attribute_value(node->database.attr_values, name);
   return value ? value->value : GetAttrDefault(name, db);
 }
 
 ZelkStatus ZelkManager::GetAttrValueEx(const char* name, zelk_attr_value_t& value, const char* db) {
   const DbListNode* const node = ListFindDatabase(db);
   if (!node) return ZelkStatusNotFound;
-  const attr* const own = zelk::find_attribute_value<const attr>(node->database.attr_values, name);
+  const attr* const own = zelk::find_attribute_value(node->database.attr_values, name);
   if (!own) return DefaultFor(ZELK_OBJ_NETWORK, name, value, db);
   value = own->value;
   return Answer(ZelkStatusOk);
@@ -126,8 +106,7 @@ struct zelk::ManagerAttributes {
   static const attr_def* definition(const ZelkManager& manager, const Object& object,
                                     const char* name, const char* db) {
     if (!name) return nullptr;
-    if (const attr* own = zelk::find_attribute_value<const attr>(object.attrs, name))
-      return own->def;
+    if (const attr* own = find_attribute_value(object.attrs, name)) return own->def;
     const auto* const node = manager.ListFindNode(db ? db : name_of_holder(manager, object));
     if (!node) return nullptr;
     const ZelkDatabase& database = node->database;
@@ -150,14 +129,14 @@ struct zelk::ManagerAttributes {
   template <typename Object>
   static zelk_attr_value_t value(const ZelkManager& manager, const Object& object,
                                  const char* name) {
-    const attr* const own = zelk::find_attribute_value<const attr>(object.attrs, name);
+    const attr* const own = find_attribute_value(object.attrs, name);
     return own ? own->value : manager.GetAttrDefault(name, name_of_holder(manager, object));
   }
 
   template <typename Object>
   static ZelkStatus value_ex(ZelkManager& manager, const Object& object, const char* name,
                              zelk_attr_value_t& value, const char* db) {
-    if (const attr* own = zelk::find_attribute_value<const attr>(object.attrs, name)) {
+    if (const attr* own = find_attribute_value(object.attrs, name)) {
       value = own->value;
       return manager.Answer(ZelkStatusOk);
     }
@@ -169,179 +148,101 @@ struct zelk::ManagerAttributes {
   }
 };
 
+using Attributes = zelk::ManagerAttributes;
+
 const attr_def* ZelkManager::GetNetworkAttrDefinition(const char* db, const char* name) const {
   const DbListNode* const node = ListFindNode(db);
   if (!node || !name) return nullptr;
-  const attr* const own = zelk::find_attribute_value<const attr>(node->database.attr_values, name);
+  const attr* const own = zelk::find_attribute_value(node->database.attr_values, name);
   return own ? own->def : definition_for(node->database, ZELK_OBJ_NETWORK, name);
 }
 const attr_def* ZelkManager::GetAttrDefinition(const symblk& node, const char* name,
                                                const char* db) const {
-  return zelk::ManagerAttributes::definition(*this, node, name, db);
+  return Attributes::definition(*this, node, name, db);
 }
 const attr_def* ZelkManager::GetAttrDefinition(const msgblk& message, const char* name,
                                                const char* db) const {
-  return zelk::ManagerAttributes::definition(*this, message, name, db);
+  return Attributes::definition(*this, message, name, db);
 }
 const attr_def* ZelkManager::GetAttrDefinition(const env_var_blk& variable, const char* name,
                                                const char* db) const {
-  return zelk::ManagerAttributes::definition(*this, variable, name, db);
+  return Attributes::definition(*this, variable, name, db);
 }
 const attr_def* ZelkManager::GetAttrDefinition(const sigtype& type, const char* name,
                                                const char* db) const {
-  return zelk::ManagerAttributes::definition(*this, type, name, db);
+  return Attributes::definition(*this, type, name, db);
 }
 const attr_def* ZelkManager::GetAttrDefinition(const sigblk& signal, const char* name,
                                                const char* db) const {
-  return zelk::ManagerAttributes::definition(*this, signal, name, db);
+  return Attributes::definition(*this, signal, name, db);
 }
 const attr_def* ZelkManager::GetAttrDefinition(const rxblk& link, const char* name,
                                                const char* db) const {
-  return zelk::ManagerAttributes::definition(*this, link, name, db);
+  return Attributes::definition(*this, link, name, db);
 }
 
 zelk_attr_value_t ZelkManager::GetAttrValue(const symblk& node, const char* name) {
-  return zelk::ManagerAttributes::value(*this, node, name);
+  return Attributes::value(*this, node, name);
 }
 ZelkStatus ZelkManager::GetAttrValueEx(const symblk& node, const char* name,
                                        zelk_attr_value_t& value, const char* db) {
-  return zelk::ManagerAttributes::value_ex(*this, node, name, value, db);
+  return Attributes::value_ex(*this, node, name, value, db);
 }
 bool ZelkManager::IsAttrValueDefined(const symblk& node, const char* name) const {
-  return zelk::find_attribute_value<const attr>(node.attrs, name) != nullptr;
+  return zelk::find_attribute_value(node.attrs, name) != nullptr;
 }
 
 zelk_attr_value_t ZelkManager::GetAttrValue(const msgblk& message, const char* name) {
-  return zelk::ManagerAttributes::value(*this, message, name);
+  return Attributes::value(*this, message, name);
 }
 ZelkStatus ZelkManager::GetAttrValueEx(const msgblk& message, const char* name,
                                        zelk_attr_value_t& value, const char* db) {
-  return zelk::ManagerAttributes::value_ex(*this, message, name, value, db);
+  return Attributes::value_ex(*this, message, name, value, db);
 }
 bool ZelkManager::IsAttrValueDefined(const msgblk& message, const char* name) const {
-  return zelk::find_attribute_value<const attr>(message.attrs, name) != nullptr;
+  return zelk::find_attribute_value(message.attrs, name) != nullptr;
 }
 
 zelk_attr_value_t ZelkManager::GetAttrValue(const env_var_blk& variable, const char* name) {
-  return zelk::ManagerAttributes::value(*this, variable, name);
+  return Attributes::value(*this, variable, name);
 }
 ZelkStatus ZelkManager::GetAttrValueEx(const env_var_blk& variable, const char* name,
                                        zelk_attr_value_t& value, const char* db) {
-  return zelk::ManagerAttributes::value_ex(*this, variable, name, value, db);
+  return Attributes::value_ex(*this, variable, name, value, db);
 }
 bool ZelkManager::IsAttrValueDefined(const env_var_blk& variable, const char* name) const {
-  return zelk::find_attribute_value<const attr>(variable.attrs, name) != nullptr;
+  return zelk::find_attribute_value(variable.attrs, name) != nullptr;
 }
 
 zelk_attr_value_t ZelkManager::GetAttrValue(const sigtype& type, const char* name) {
-  return zelk::ManagerAttributes::value(*this, type, name);
+  return Attributes::value(*this, type, name);
 }
 ZelkStatus ZelkManager::GetAttrValueEx(const sigtype& type, const char* name,
                                        zelk_attr_value_t& value, const char* db) {
-  return zelk::ManagerAttributes::value_ex(*this, type, name, value, db);
+  return Attributes::value_ex(*this, type, name, value, db);
 }
 bool ZelkManager::IsAttrValueDefined(const sigtype& type, const char* name) const {
-  return zelk::find_attribute_value<const attr>(type.attrs, name) != nullptr;
+  return zelk::find_attribute_value(type.attrs, name) != nullptr;
 }
 
 zelk_attr_value_t ZelkManager::GetAttrValue(const sigblk& signal, const char* name) {
-  return zelk::ManagerAttributes::value(*this, signal, name);
+  return Attributes::value(*this, signal, name);
 }
 ZelkStatus ZelkManager::GetAttrValueEx(const sigblk& signal, const char* name,
                                        zelk_attr_value_t& value, const char* db) {
-  return zelk::ManagerAttributes::value_ex(*this, signal, name, value, db);
+  return Attributes::value_ex(*this, signal, name, value, db);
 }
 bool ZelkManager::IsAttrValueDefined(const sigblk& signal, const char* name) const {
-  return zelk::find_attribute_value<const attr>(signal.attrs, name) != nullptr;
+  return zelk::find_attribute_value(signal.attrs, name) != nullptr;
 }
 
 zelk_attr_value_t ZelkManager::GetAttrValue(const rxblk& link, const char* name) {
-  return zelk::ManagerAttributes::value(*this, link, name);
+  return Attributes::value(*this, link, name);
 }
 ZelkStatus ZelkManager::GetAttrValueEx(const rxblk& link, const char* name,
                                        zelk_attr_value_t& value, const char* db) {
-  return zelk::ManagerAttributes::value_ex(*this, link, name, value, db);
+  return Attributes::value_ex(*this, link, name, value, db);
 }
 bool ZelkManager::IsAttrValueDefined(const rxblk& link, const char* name) const {
-  return zelk::find_attribute_value<const attr>(link.attrs, name) != nullptr;
-}
-
-// --- Texts of enumerations ---
-
-const char* ZelkManager::GetAttrValueString(const attr_def& definition, long index) const try {
-  const auto items = items_of(definition);
-  if (!items) return nullptr;
-  const auto item = zelk::EnumItems(*items).at(static_cast<double>(std::max(index, 0L)));
-  return item ? zelk::copy_text(*item).release() : nullptr;
-} catch (const ZelkException&) {
-  return nullptr;
-}
-
-const char* ZelkManager::GetAttrValueString(const char* name, long index, const char* db) const {
-  const attr_def* const definition = FindDefinition(name, db);
-  return definition ? GetAttrValueString(*definition, index) : nullptr;
-}
-
-long ZelkManager::GetAttrValueIndex(const attr_def& definition, const char* text) const {
-  const auto items = items_of(definition);
-  if (!items || !text) return -1;
-  long index = 0;
-  for (const std::string_view item : zelk::EnumItems(*items)) {
-    if (item.empty()) continue;
-    if (item == text) return index;
-    ++index;
-  }
-  return -1;
-}
-
-long ZelkManager::GetAttrValueIndex(const char* name, const char* text, const char* db) const {
-  const attr_def* const definition = FindDefinition(name, db);
-  return definition ? GetAttrValueIndex(*definition, text) : -1;
-}
-
-// --- Value descriptions ---
-
-const char* ZelkManager::DescriptionOf(const val* descriptions, long value) {
-  const auto number = static_cast<std::int32_t>(value);
-  const val* const found = zelk::find_first(
-      descriptions, [number](const val& description) { return description.value == number; });
-  status_ = found ? ZelkStatusOk : ZelkStatusNoDescription;
-  return found ? found->text : nullptr;
-}
-
-long ZelkManager::NumberOf(const val* descriptions, const char* text) {
-  const val* const found = zelk::find_first(descriptions, [text](const val& description) {
-    return text && zelk::same_text(description.text, text);
-  });
-  status_ = found ? ZelkStatusOk : ZelkStatusNoNumber;
-  return found ? found->value : kNoNumber;
-}
-
-const char* ZelkManager::GetValueDescription(const sigblk& signal, long value) {
-  return DescriptionOf(signal.values, value);
-}
-const char* ZelkManager::GetValueDescription(const env_var_blk& variable, long value) {
-  return DescriptionOf(variable.values, value);
-}
-long ZelkManager::GetDescriptionValue(const sigblk& signal, const char* text) {
-  return NumberOf(signal.values, text);
-}
-long ZelkManager::GetDescriptionValue(const env_var_blk& variable, const char* text) {
-  return NumberOf(variable.values, text);
-}
-
-// --- Filters ---
-
-bool ZelkManager::IsCategoryInFilter(const cat& category, const char* db) const {
-  for (ZelkConstFilterCategoryIterator link(*this, db); link; ++link) {
-    if (&link.Category() == &category) return true;
-  }
-  return false;
-}
-
-bool ZelkManager::IsNodeInFilter(const symblk& node, const char* db) const {
-  for (ZelkConstFilterNodeIterator link(*this, db); link; ++link) {
-    if (&link.Node() == &node) return true;
-  }
-  return false;
+  return zelk::find_attribute_value(link.attrs, name) != nullptr;
 }

@@ -15,7 +15,7 @@ unsigned count(ZelkIterator<T> iterator) {
 }
 
 /// It has no state.
-MultiplexorPredicate& is_multiplexor() {
+MultiplexorPredicate& any_multiplexor() {
   static MultiplexorPredicate predicate;
   return predicate;
 }
@@ -33,50 +33,41 @@ symblk& ZelkNoneFilterNode() {
   return none;
 }
 
-ZelkIterator<const ZelkManager::DbListNode> ZelkManager::GetDatabaseNameIterator() const {
-  return {*this, static_cast<const DbListNode*>(databases_), nullptr};
-}
+// --- Over the objects of databases ---
 
+ZelkIterator<const ZelkManager::DbListNode> ZelkManager::GetDatabaseNameIterator() const {
+  return {*this, databases_, nullptr};
+}
 ZelkIterator<const symblk> ZelkManager::GetNodeIterator(const char* db) const {
   return {*this, &ZelkDatabase::Walk<const symblk>, db};
 }
-
 ZelkIterator<const msgblk> ZelkManager::GetMessageIterator(const char* db) const {
   return {*this, &ZelkDatabase::Walk<const msgblk>, db};
 }
-
 ZelkIterator<const env_var_blk> ZelkManager::GetEnvvarIterator(const char* db) const {
   return {*this, &ZelkDatabase::Walk<const env_var_blk>, db};
 }
-
 ZelkIterator<const btlblk> ZelkManager::GetBitTimingIterator(const char* db) const {
   return {*this, &ZelkDatabase::Walk<const btlblk>, db};
 }
-
 ZelkIterator<const attr_def> ZelkManager::GetAttrDefinitionIterator(const char* db) const {
   return {*this, &ZelkDatabase::Walk<const attr_def>, db};
 }
-
 ZelkIterator<const cat> ZelkManager::GetCategoryIterator(const char* db) const {
   return {*this, &ZelkDatabase::Walk<const cat>, db};
 }
-
 ZelkIterator<const sigtype> ZelkManager::GetSignalTypeIterator(const char* db) const {
   return {*this, &ZelkDatabase::Walk<const sigtype>, db};
 }
-
 ZelkIterator<const valtable> ZelkManager::GetValueTableIterator(const char* db) const {
   return {*this, &ZelkDatabase::Walk<const valtable>, db};
 }
-
 ZelkIterator<const attr> ZelkManager::GetAttributeIterator(const char* db) const {
   return {*this, &ZelkDatabase::Walk<const attr>, db};
 }
-
 ZelkIterator<const catlink> ZelkManager::GetFilterCategoryIterator(const char* db) const {
   return {*this, &ZelkDatabase::Walk<const catlink>, db};
 }
-
 ZelkIterator<const rxblk> ZelkManager::GetFilterNodeIterator(const char* db) const {
   return {*this, &ZelkDatabase::Walk<const rxblk>, db};
 }
@@ -84,102 +75,80 @@ ZelkIterator<const rxblk> ZelkManager::GetFilterNodeIterator(const char* db) con
 // --- Over what one object owns ---
 
 ZelkIterator<const sigblk> ZelkManager::GetSignalIterator(const msgblk& message) const {
-  return {*this, static_cast<const sigblk*>(message.signals), nullptr};
+  return {*this, message.signals, nullptr};
 }
-
 ZelkIterator<const siggroupblk> ZelkManager::GetSignalGroupIterator(const msgblk& message) const {
-  return {*this, static_cast<const siggroupblk*>(message.siggroups), nullptr};
+  return {*this, message.siggroups, nullptr};
 }
-
 ZelkIterator<const siglistblk> ZelkManager::GetSubsignalIterator(const siggroupblk& group) const {
-  return {*this, static_cast<const siglistblk*>(group.signals), nullptr};
+  return {*this, group.signals, nullptr};
 }
-
 ZelkIterator<const rxblk> ZelkManager::GetReceiverIterator(const sigblk& signal) const {
-  return {*this, static_cast<const rxblk*>(signal.receivers), nullptr};
+  return {*this, signal.receivers, nullptr};
 }
-
 ZelkIterator<const rxblk> ZelkManager::GetTransmitterIterator(const msgblk& message) const {
-  return {*this, static_cast<const rxblk*>(message.tx_nodes), nullptr};
+  return {*this, message.tx_nodes, nullptr};
 }
-
 ZelkIterator<const rxblk> ZelkManager::GetAccessNodeIterator(const env_var_blk& variable) const {
-  return {*this, static_cast<const rxblk*>(variable.access_nodes), nullptr};
+  return {*this, variable.access_nodes, nullptr};
 }
-
 ZelkIterator<const val> ZelkManager::GetValueDescriptionIterator(const sigblk& signal) const {
-  return {*this, static_cast<const val*>(signal.values), nullptr};
+  return {*this, signal.values, nullptr};
 }
-
 ZelkIterator<const val> ZelkManager::GetValueDescriptionIterator(
     const env_var_blk& variable) const {
-  return {*this, static_cast<const val*>(variable.values), nullptr};
+  return {*this, variable.values, nullptr};
 }
-
 ZelkIterator<const val> ZelkManager::GetValueDescriptionIterator(const valtable& table) const {
-  return {*this, static_cast<const val*>(table.values), nullptr};
+  return {*this, table.values, nullptr};
 }
-
 ZelkIterator<const attr> ZelkManager::GetAttributeIterator(const symblk& node) const {
-  return {*this, static_cast<const attr*>(node.attrs), nullptr};
+  return {*this, node.attrs, nullptr};
 }
-
 ZelkIterator<const attr> ZelkManager::GetAttributeIterator(const msgblk& message) const {
-  return {*this, static_cast<const attr*>(message.attrs), nullptr};
+  return {*this, message.attrs, nullptr};
 }
-
 ZelkIterator<const attr> ZelkManager::GetAttributeIterator(const sigblk& signal) const {
-  return {*this, static_cast<const attr*>(signal.attrs), nullptr};
+  return {*this, signal.attrs, nullptr};
 }
-
 ZelkIterator<const attr> ZelkManager::GetAttributeIterator(const env_var_blk& variable) const {
-  return {*this, static_cast<const attr*>(variable.attrs), nullptr};
+  return {*this, variable.attrs, nullptr};
 }
-
 ZelkIterator<const attr> ZelkManager::GetAttributeIterator(const sigtype& type) const {
-  return {*this, static_cast<const attr*>(type.attrs), nullptr};
+  return {*this, type.attrs, nullptr};
 }
-
 ZelkIterator<const attr> ZelkManager::GetAttributeIterator(const rxblk& link) const {
-  return {*this, static_cast<const attr*>(link.attrs), nullptr};
+  return {*this, link.attrs, nullptr};
 }
-
 ZelkIterator<const sigblk> ZelkManager::GetValidSignalIterator(
     const msgblk& message, ValidSignalPredicate& predicate) const {
-  return {*this, static_cast<const sigblk*>(message.signals), predicate, nullptr};
+  return {*this, message.signals, predicate, nullptr};
 }
-
 ZelkIterator<const sigblk> ZelkManager::GetValidMultiplexorSignalIterator(
     const msgblk& message, ValidMultiplexorPredicate& predicate) const {
-  return {*this, static_cast<const sigblk*>(message.signals), predicate, nullptr};
+  return {*this, message.signals, predicate, nullptr};
 }
-
 ZelkIterator<const sigblk> ZelkManager::GetMultiplexedSignalIterator(
     const msgblk& message, MultiplexedBySignalPredicate& predicate) const {
-  return {*this, static_cast<const sigblk*>(message.signals), predicate, nullptr};
+  return {*this, message.signals, predicate, nullptr};
 }
-
 ZelkIterator<const sigblk> ZelkManager::GetMultiplexorSignalIterator(const msgblk& message) const {
-  return {*this, static_cast<const sigblk*>(message.signals), is_multiplexor(), nullptr};
+  return {*this, message.signals, any_multiplexor(), nullptr};
 }
-
 ZelkIterator<sigblk> ZelkWriteManager::GetValidSignalIterator(
     msgblk& message, ValidSignalPredicate& predicate) const {
   return {*this, message.signals, predicate, nullptr};
 }
-
 ZelkIterator<sigblk> ZelkWriteManager::GetValidMultiplexorSignalIterator(
     msgblk& message, ValidMultiplexorPredicate& predicate) const {
   return {*this, message.signals, predicate, nullptr};
 }
-
 ZelkIterator<sigblk> ZelkWriteManager::GetMultiplexedSignalIterator(
     msgblk& message, MultiplexedBySignalPredicate& predicate) const {
   return {*this, message.signals, predicate, nullptr};
 }
-
 ZelkIterator<sigblk> ZelkWriteManager::GetMultiplexorSignalIterator(msgblk& message) const {
-  return {*this, message.signals, is_multiplexor(), nullptr};
+  return {*this, message.signals, any_multiplexor(), nullptr};
 }
 
 // --- Counts ---

@@ -13,23 +13,7 @@ namespace {
 using zelk::DatabaseLookup;
 using Node = ZelkManager::DbListNode;
 
-/// The first answer of the databases that `accepts` takes, in list order.
-///
-/// @param db_name   receives the name of the database that answered; may be null
-/// @param answered  receives that database
-template <typename Find, typename Accepts>
-auto first_answer(const Node* list, Find find, const char** db_name, const ZelkDatabase*& answered,
-                  Accepts accepts) -> decltype(find(list->database)) {
-  for (const Node* node = list; node; node = node->next) {
-    if (!accepts(*node)) continue;
-    const auto found = find(node->database);
-    if (!found) continue;
-    if (db_name) *db_name = node->name;
-    answered = &node->database;
-    return found;
-  }
-  return nullptr;
-}
+// What finds an object in one database.
 
 template <typename Record>
 auto named(const char* name) {
@@ -65,30 +49,39 @@ auto category(const char* name) {
 
 }  // namespace
 
-/// The forms of all lookups.
+/// The ways to choose among the databases; the overloads of `look_up` have the last parameters of
+/// the lookups. The manager notes which database answered: who may change what was found marks it.
 struct zelk::ManagerLookups {
+  /// The first answer of the databases that `accepts` takes, in list order.
   template <typename Find, typename Accepts>
-  static auto first(ZelkManager& manager, Find find, const char** db_name, Accepts accepts) {
-    return first_answer(manager.databases_, find, db_name, manager.answered_, accepts);
+  static auto first(ZelkManager& manager, Find find, const char** db_name, Accepts accepts)
+      -> decltype(find(manager.databases_->database)) {
+    for (const Node& node : each<const Node>(manager.databases_)) {
+      const auto found = accepts(node) ? find(node.database) : nullptr;
+      if (!found) continue;
+      if (db_name) *db_name = node.name;
+      manager.answered_ = &node.database;
+      return found;
+    }
+    return nullptr;
   }
 
   template <typename Find>
-  static auto in_any(ZelkManager& manager, Find find, const char** db_name) {
+  static auto look_up(ZelkManager& manager, Find find, const char** db_name) {
     return first(manager, find, db_name, [](const Node&) { return true; });
   }
 
   template <typename Find>
-  static auto in_database(ZelkManager& manager, Find find, const char* db) {
-    if (!db) return in_any(manager, find, nullptr);
+  static auto look_up(ZelkManager& manager, Find find, const char* db) {
+    if (!db) return look_up(manager, find, static_cast<const char**>(nullptr));
     const Node* const node = manager.ListFindDatabase(db);
-    if (!node) return decltype(find(node->database))(nullptr);
-    manager.answered_ = &node->database;
-    return find(node->database);
+    if (node) manager.answered_ = &node->database;
+    return node ? find(node->database) : nullptr;
   }
 
   template <typename Find>
-  static auto selected(ZelkManager& manager, Find find, const ZelkSelection& selection,
-                       const char** db_name) {
+  static auto look_up(ZelkManager& manager, Find find, const ZelkSelection& selection,
+                      const char** db_name = nullptr) {
     manager.status_ = ZelkStatusOk;
     auto found = first(manager, find, db_name,
                        [&](const Node& node) { return node.pattern.IsExact(selection); });
@@ -106,131 +99,131 @@ struct zelk::ManagerLookups {
 using Lookups = zelk::ManagerLookups;
 
 const symblk* ZelkManager::GetNode(const char* name, const char* db) {
-  return Lookups::in_database(*this, named<symblk>(name), db);
+  return Lookups::look_up(*this, named<symblk>(name), db);
 }
 const symblk* ZelkManager::GetNode(const char* name, const char** db_name) {
-  return Lookups::in_any(*this, named<symblk>(name), db_name);
+  return Lookups::look_up(*this, named<symblk>(name), db_name);
 }
 const symblk* ZelkManager::GetNode(const char* name, const ZelkSelection& selection) {
-  return Lookups::selected(*this, named<symblk>(name), selection, nullptr);
+  return Lookups::look_up(*this, named<symblk>(name), selection);
 }
 const symblk* ZelkManager::GetNode(const char* name, const ZelkSelection& selection,
                                    const char** db_name) {
-  return Lookups::selected(*this, named<symblk>(name), selection, db_name);
+  return Lookups::look_up(*this, named<symblk>(name), selection, db_name);
 }
 
 const msgblk* ZelkManager::GetMessage(const char* name, const char* db) {
-  return Lookups::in_database(*this, named<msgblk>(name), db);
+  return Lookups::look_up(*this, named<msgblk>(name), db);
 }
 const msgblk* ZelkManager::GetMessage(const char* name, const char** db_name) {
-  return Lookups::in_any(*this, named<msgblk>(name), db_name);
+  return Lookups::look_up(*this, named<msgblk>(name), db_name);
 }
 const msgblk* ZelkManager::GetMessage(const char* name, const ZelkSelection& selection) {
-  return Lookups::selected(*this, named<msgblk>(name), selection, nullptr);
+  return Lookups::look_up(*this, named<msgblk>(name), selection);
 }
 const msgblk* ZelkManager::GetMessage(const char* name, const ZelkSelection& selection,
                                       const char** db_name) {
-  return Lookups::selected(*this, named<msgblk>(name), selection, db_name);
+  return Lookups::look_up(*this, named<msgblk>(name), selection, db_name);
 }
 
 const msgblk* ZelkManager::GetMessage(unsigned long id, const char* db) {
-  return Lookups::in_database(*this, message(id), db);
+  return Lookups::look_up(*this, message(id), db);
 }
 const msgblk* ZelkManager::GetMessage(unsigned long id, const char** db_name) {
-  return Lookups::in_any(*this, message(id), db_name);
+  return Lookups::look_up(*this, message(id), db_name);
 }
 const msgblk* ZelkManager::GetMessage(unsigned long id, const ZelkSelection& selection) {
-  return Lookups::selected(*this, message(id), selection, nullptr);
+  return Lookups::look_up(*this, message(id), selection);
 }
 const msgblk* ZelkManager::GetMessage(unsigned long id, const ZelkSelection& selection,
                                       const char** db_name) {
-  return Lookups::selected(*this, message(id), selection, db_name);
+  return Lookups::look_up(*this, message(id), selection, db_name);
 }
 
 const msgblk* ZelkManager::GetJ1939Message(unsigned long id, unsigned long flags, const char* db) {
-  return Lookups::in_database(*this, j1939_message(id, flags), db);
+  return Lookups::look_up(*this, j1939_message(id, flags), db);
 }
 const msgblk* ZelkManager::GetJ1939Message(unsigned long id, unsigned long flags,
                                            const char** db_name) {
-  return Lookups::in_any(*this, j1939_message(id, flags), db_name);
+  return Lookups::look_up(*this, j1939_message(id, flags), db_name);
 }
 const msgblk* ZelkManager::GetJ1939Message(unsigned long id, unsigned long flags,
                                            const ZelkSelection& selection) {
-  return Lookups::selected(*this, j1939_message(id, flags), selection, nullptr);
+  return Lookups::look_up(*this, j1939_message(id, flags), selection);
 }
 const msgblk* ZelkManager::GetJ1939Message(unsigned long id, unsigned long flags,
                                            const ZelkSelection& selection, const char** db_name) {
-  return Lookups::selected(*this, j1939_message(id, flags), selection, db_name);
+  return Lookups::look_up(*this, j1939_message(id, flags), selection, db_name);
 }
 
 const env_var_blk* ZelkManager::GetEnvvar(const char* name, const char* db) {
-  return Lookups::in_database(*this, named<env_var_blk>(name), db);
+  return Lookups::look_up(*this, named<env_var_blk>(name), db);
 }
 const env_var_blk* ZelkManager::GetEnvvar(const char* name, const char** db_name) {
-  return Lookups::in_any(*this, named<env_var_blk>(name), db_name);
+  return Lookups::look_up(*this, named<env_var_blk>(name), db_name);
 }
 const env_var_blk* ZelkManager::GetEnvvar(const char* name, const ZelkSelection& selection) {
-  return Lookups::selected(*this, named<env_var_blk>(name), selection, nullptr);
+  return Lookups::look_up(*this, named<env_var_blk>(name), selection);
 }
 const env_var_blk* ZelkManager::GetEnvvar(const char* name, const ZelkSelection& selection,
                                           const char** db_name) {
-  return Lookups::selected(*this, named<env_var_blk>(name), selection, db_name);
+  return Lookups::look_up(*this, named<env_var_blk>(name), selection, db_name);
 }
 
 const btlblk* ZelkManager::GetBitTiming(unsigned short baudrate, const char* db) {
-  return Lookups::in_database(*this, bit_timing(baudrate), db);
+  return Lookups::look_up(*this, bit_timing(baudrate), db);
 }
 const btlblk* ZelkManager::GetBitTiming(unsigned short baudrate, const char** db_name) {
-  return Lookups::in_any(*this, bit_timing(baudrate), db_name);
+  return Lookups::look_up(*this, bit_timing(baudrate), db_name);
 }
 const btlblk* ZelkManager::GetBitTiming(unsigned short baudrate, const ZelkSelection& selection) {
-  return Lookups::selected(*this, bit_timing(baudrate), selection, nullptr);
+  return Lookups::look_up(*this, bit_timing(baudrate), selection);
 }
 const btlblk* ZelkManager::GetBitTiming(unsigned short baudrate, const ZelkSelection& selection,
                                         const char** db_name) {
-  return Lookups::selected(*this, bit_timing(baudrate), selection, db_name);
+  return Lookups::look_up(*this, bit_timing(baudrate), selection, db_name);
 }
 
 const cat* ZelkManager::GetCategory(const char* name, const char* db) {
-  return Lookups::in_database(*this, category(name), db);
+  return Lookups::look_up(*this, category(name), db);
 }
 const cat* ZelkManager::GetCategory(const char* name, const char** db_name) {
-  return Lookups::in_any(*this, category(name), db_name);
+  return Lookups::look_up(*this, category(name), db_name);
 }
 
 const sigtype* ZelkManager::GetSignalType(const char* name, const char* db) {
-  return Lookups::in_database(*this, named<sigtype>(name), db);
+  return Lookups::look_up(*this, named<sigtype>(name), db);
 }
 const sigtype* ZelkManager::GetSignalType(const char* name, const char** db_name) {
-  return Lookups::in_any(*this, named<sigtype>(name), db_name);
+  return Lookups::look_up(*this, named<sigtype>(name), db_name);
 }
 const sigtype* ZelkManager::GetSignalType(const char* name, const ZelkSelection& selection) {
-  return Lookups::selected(*this, named<sigtype>(name), selection, nullptr);
+  return Lookups::look_up(*this, named<sigtype>(name), selection);
 }
 const sigtype* ZelkManager::GetSignalType(const char* name, const ZelkSelection& selection,
                                           const char** db_name) {
-  return Lookups::selected(*this, named<sigtype>(name), selection, db_name);
+  return Lookups::look_up(*this, named<sigtype>(name), selection, db_name);
 }
 
 const valtable* ZelkManager::GetValueTable(const char* name, const char* db) {
-  return Lookups::in_database(*this, named<valtable>(name), db);
+  return Lookups::look_up(*this, named<valtable>(name), db);
 }
 const valtable* ZelkManager::GetValueTable(const char* name, const char** db_name) {
-  return Lookups::in_any(*this, named<valtable>(name), db_name);
+  return Lookups::look_up(*this, named<valtable>(name), db_name);
 }
 const valtable* ZelkManager::GetValueTable(const char* name, const ZelkSelection& selection) {
-  return Lookups::selected(*this, named<valtable>(name), selection, nullptr);
+  return Lookups::look_up(*this, named<valtable>(name), selection);
 }
 const valtable* ZelkManager::GetValueTable(const char* name, const ZelkSelection& selection,
                                            const char** db_name) {
-  return Lookups::selected(*this, named<valtable>(name), selection, db_name);
+  return Lookups::look_up(*this, named<valtable>(name), selection, db_name);
 }
 
 const attr_def* ZelkManager::GetAttrDefinition(const char* name, const char* db) {
-  return Lookups::in_database(*this, named<attr_def>(name), db);
+  return Lookups::look_up(*this, named<attr_def>(name), db);
 }
 const attr_def* ZelkManager::GetAttrDefinition(const char* name, const char** db_name) {
-  return Lookups::in_any(*this, named<attr_def>(name), db_name);
+  return Lookups::look_up(*this, named<attr_def>(name), db_name);
 }
 
 // --- In one object ---
