@@ -2,6 +2,8 @@
 
 #include "zelk/write_manager.hpp"
 
+#include <memory>
+
 #include "base/list.hpp"
 #include "database/file.hpp"
 #include "database/process_guard.hpp"
@@ -46,16 +48,14 @@ ZelkError ZelkWriteManager::CreateDatabase(const char* db, const char** name, co
   if (ListFindName(db)) return ZelkErrorNameUsed;
   return zelk::without_raising(ZelkErrorNoDatabase, [&] {
     if (path && zelk::writability(path) != ZelkErrorFileNotFound) return ZelkErrorFileBelongs;
-    ZelkDatabase& database = AssignDatabase(nullptr);
-    try {
-      if (path) database.SetFile(path);
-      database.is_file_new_ = path != nullptr;
-      const char* const stored = ListInsertDatabase(database, db, 0);
-      if (name) *name = stored;
-    } catch (...) {
-      ReleaseDatabase(database, false);
-      throw;
-    }
+    auto give_back = [this](ZelkDatabase* unlisted) { ReleaseDatabase(*unlisted, false); };
+    std::unique_ptr<ZelkDatabase, decltype(give_back)> database(&AssignDatabase(nullptr),
+                                                                give_back);
+    if (path) database->SetFile(path);
+    database->is_file_new_ = path != nullptr;
+    const char* const stored = ListInsertDatabase(*database, db, 0);
+    static_cast<void>(database.release());  // the list's from now on
+    if (name) *name = stored;
     return ZelkErrorOk;
   });
 }

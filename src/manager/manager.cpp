@@ -85,28 +85,19 @@ ZelkError ZelkManager::OpenDatabase(const char* path, const char** name, const c
 /// Gets the database and lists it; gives it back when it cannot be listed.
 ZelkError ZelkManager::OpenAssigned(const char* path, const char** name, const char* wanted_name,
                                     unsigned priority) {
-  ZelkDatabase& database = AssignDatabase(path);
-  try {
-    const zelk::OwnedText default_name(wanted_name ? nullptr : database.GetDefaultName());
-    if (!wanted_name && !default_name) throw std::bad_alloc();
-    if (!wanted_name && ListFindName(default_name.get())) {
-      ReleaseDatabase(database, false);
-      return ZelkErrorNameUsed;
-    }
-    const zelk::ProcessGuard guard;
-    if (IsWrittenByOtherThread(path)) {
-      ReleaseDatabase(database, false);
-      return ZelkErrorOpenForWrite;
-    }
-    const char* const stored = wanted_name
-                                   ? ListInsertDatabase(database, wanted_name, 0)
-                                   : ListInsertDatabase(database, default_name.get(), priority);
-    if (name) *name = stored;
-    return ZelkErrorOk;
-  } catch (...) {
-    ReleaseDatabase(database, false);
-    throw;
-  }
+  auto give_back = [this](ZelkDatabase* unlisted) { ReleaseDatabase(*unlisted, false); };
+  std::unique_ptr<ZelkDatabase, decltype(give_back)> database(&AssignDatabase(path), give_back);
+  const zelk::OwnedText default_name(wanted_name ? nullptr : database->GetDefaultName());
+  if (!wanted_name && !default_name) throw std::bad_alloc();
+  if (!wanted_name && ListFindName(default_name.get())) return ZelkErrorNameUsed;
+  const zelk::ProcessGuard guard;
+  if (IsWrittenByOtherThread(path)) return ZelkErrorOpenForWrite;
+  const char* const stored = wanted_name
+                                 ? ListInsertDatabase(*database, wanted_name, 0)
+                                 : ListInsertDatabase(*database, default_name.get(), priority);
+  static_cast<void>(database.release());  // the list's from now on
+  if (name) *name = stored;
+  return ZelkErrorOk;
 }
 
 ZelkDatabase& ZelkManager::AssignDatabase(const char* path) {
@@ -125,10 +116,8 @@ ZelkDatabase& ZelkManager::AssignDatabase(const char* path) {
 /// Keeps the error text for `GetLastOpenError`; without memory for it there is none.
 void ZelkManager::KeepErrorText() noexcept {
   zelk_mfree(std::exchange(last_open_error_, nullptr));
-  try {
-    last_open_error_ = zelk::copy_text(zelk_get_thread_error_text()).release();
-  } catch (const ZelkException&) {  // the open itself goes on
-  }
+  zelk::without_raising(
+      [this] { last_open_error_ = zelk::copy_text(zelk_get_thread_error_text()).release(); });
 }
 
 const char* ZelkManager::GetLastOpenError() const {

@@ -10,29 +10,19 @@ namespace {
 using Caching = ManagerTest;
 
 /// Two managers with one file. A letter is a step of the first one, a capital one of the second:
-/// open, close, keep (close into the cache), flush, name; "!" changes the content but not the time,
-/// "@" both.
+/// open, close, keep (close into the cache), flush, name; "!" changes the content but not the time.
 struct TwoManagers {
   void take(char step) {
+    if (step == '!') return void(folder.write("a.dbc", "BS_:\nBU_: New\n"));
     const std::size_t side = step >= 'a' ? 0 : 1;
-    switch (step | 0x20) {
-      case 'o':
-        managers[side]->OpenDatabase(path.c_str(), &names[side], 0);
-        break;
-      case 'n':
-        zelk_mfree(const_cast<char*>(managers[side]->GetDatabaseName(path.c_str())));
-        break;
-      case 'c':
-      case 'k':
-        managers[side]->CloseDatabase((step | 0x20) == 'k');
-        names[side] = nullptr;
-        break;
-      case 'f':
-        managers[side]->FlushDatabaseCache();
-        break;
-      default:
-        folder.write("a.dbc", "BS_:\nBU_: New\n", step == '@' ? 1 : 0);
-    }
+    const int kind = step | 0x20;
+    Manager& manager = *managers[side];
+    if (kind == 'o') manager.OpenDatabase(path.c_str(), &names[side], 0);
+    if (kind == 'n') zelk_mfree(const_cast<char*>(manager.GetDatabaseName(path.c_str())));
+    if (kind == 'f') manager.FlushDatabaseCache();
+    if (kind != 'c' && kind != 'k') return;
+    manager.CloseDatabase(kind == 'k');
+    names[side] = nullptr;
   }
 
   ZelkDatabase* database(std::size_t side) const {
@@ -67,7 +57,7 @@ TEST_F(Caching, SparesReading) {
   }
 }
 
-// What a manager holds is alive, which a sanitizer sees when it is not, and the same for both.
+// What a manager holds is alive (a sanitizer would see otherwise), and the same for both.
 TEST_F(Caching, InAllOrders) {
   constexpr std::string_view kSteps = "ockfOCKF";
   for (unsigned order = 0; order < 8U * 8 * 8; ++order) {

@@ -77,22 +77,20 @@ TEST_F(Names, OfSelections) {
   constexpr std::uint32_t kAnyKey = 0xFFFFFFFF;
   constexpr std::uint16_t kAny = 0xFFFF;
   const struct {
-    ZelkSelectionPattern a, b, c;
+    ZelkSelectionPattern patterns[3];
     const char* expected;  ///< for the key 7 and the sub key 1
     unsigned status;
-  } cases[] = {{{kAnyKey, kAny}, {7, 1}, {7, 1}, "b", 0},
-               {{7, kAny}, {7, kAny}, {kAnyKey, kAny}, "b", 2},
-               {{kAnyKey, kAny}, {kAnyKey, kAny}, {7, 2}, "b", 2},
-               {{7, 2}, {8, 1}, {8, kAny}, nullptr, 2}};
+  } cases[] = {{{{kAnyKey, kAny}, {7, 1}, {7, 1}}, "b", 0},
+               {{{7, kAny}, {7, kAny}, {kAnyKey, kAny}}, "b", 2},
+               {{{kAnyKey, kAny}, {kAnyKey, kAny}, {7, 2}}, "b", 2},
+               {{{7, 2}, {8, 1}, {8, kAny}}, nullptr, 2}};
   Manager manager;
-  const char* names[3];
-  for (int i = 0; i < 3; ++i) {
-    names[i] = open(manager, folder.write(std::string(1, "abc"[i]) + ".dbc", kDatabase));
-  }
+  for (const char* file : {"a", "b", "c"}) open(manager, folder.write(file, kDatabase));
   for (const auto& c : cases) {
-    manager.AssignSelectionPattern(c.a, names[0]);
-    manager.AssignSelectionPattern(c.b, names[1]);
-    manager.AssignSelectionPattern(c.c, names[2]);
+    const ZelkSelectionPattern* pattern = c.patterns;
+    for (const auto* node : manager.GetDatabaseNameIterator()) {
+      manager.AssignSelectionPattern(*pattern++, node->name);
+    }
     EXPECT_STREQ((manager.*find_by_selection())({7, 1}), c.expected) << &c - cases;
     EXPECT_EQ(manager.Status(), c.status) << &c - cases;
   }

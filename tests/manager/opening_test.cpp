@@ -17,7 +17,7 @@ static_assert(!kCanClose<const char*> && !kCanClose<char*> && !kCanClose<const c
 
 using Opening = ManagerTest;
 
-/// Tells in which order its virtual operations are called.
+/// Records in which order its virtual operations are called.
 struct Observed : Manager {
   ZelkError GetDatabaseFileInfo(const char* path) const override {
     calls += "info ";
@@ -119,23 +119,7 @@ TEST_F(Opening, OrdersByPriority) {
   EXPECT_EQ(order(), "first third low w zero ");
 }
 
-TEST_F(Opening, SharesUnchangedFiles) {
-  const std::string path = folder.write("a.dbc", kDatabase);
-  Manager first, second;
-  EXPECT_EQ(&ZelkManager::GetManagersList()->manager, &second);
-  ZelkDatabase* const shared = first.GetDatabase(open(first, path));
-  EXPECT_EQ(second.GetDatabase(open(second, path, "other_name")), shared);
-  EXPECT_EQ(shared->ref_count, 2U);
-  Folder::touch(path, 1);
-  // Another default name is wanted: the touched file is not the open one.
-  EXPECT_EQ(first.OpenDatabase(path.c_str(), nullptr, 0), 3);
-  EXPECT_NE(first.GetDatabase(open(first, path, "fresh")), shared);
-  std::filesystem::remove(path);
-  EXPECT_EQ(first.OpenDatabase(path.c_str(), nullptr, "gone", 0), 2);
-  EXPECT_STREQ(shared->nodes->name, "A");
-}
-
-// What its path led to when it was given stays its file.
+// A database stays with the file that its path named when it was opened.
 TEST_F(Opening, KeepsTheFileOfARelativePath) {
   const std::string path = folder.write("a.dbc", kDatabase);
   const std::filesystem::path here = std::filesystem::current_path();
