@@ -7,12 +7,12 @@
 #include <cstring>
 #include <string>
 
+#include "platform/in_place.hpp"
+
 namespace zelk::platform {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr const char* kBusy = "another save is writing to it";
 
 using Block = std::array<char, 16384>;
 
@@ -90,17 +90,10 @@ void reserve(const Descriptor& file, off_t size) {
   fail_save(reason);
 }
 
-/// Overwrites `target`, whose content stands in `copy` now.
-void overwrite(const Descriptor& target, const Descriptor& content, const fs::path& copy) {
-  try {
-    if (ftruncate(target.get(), 0) != 0) fail_save();
-    reserve(target, status_of(content).st_size);
-    copy_rest(content, target, 0);
-  } catch (const SaveFailure& failure) {
-    throw SaveFailure(std::string(failure.what()) + "; its whole content is in " +
-                      copy.filename().string());
-  }
-  unlink(copy.c_str());
+void write_all(const Descriptor& target, const Descriptor& content) {
+  if (ftruncate(target.get(), 0) != 0) fail_save();
+  reserve(target, status_of(content).st_size);
+  copy_rest(content, target, 0);
 }
 
 /// Locks the file until its descriptor goes. A file system without locks has none to respect.
@@ -108,11 +101,9 @@ void lock(const Descriptor& file) {
   if (!try_lock(file) && errno == EWOULDBLOCK) throw SaveFailure(kBusy);
 }
 
-enum class Progress { kPart, kAll, kUnknown };
-
-/// How far the write came; nobody is about it any more.
+/// Of a write whose writer has gone.
 Progress progress_of(const fs::path& target, const Descriptor& old, const Descriptor& whole) {
-  lock(old);  // by another of its names, a process may be about another write
+  lock(old);  // another process may write to it by another of its names
   const Descriptor readable(open(target.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
   if (!readable) fail_save("a write did not end, and it cannot be read");
   const struct stat now = status_of(old);
@@ -126,7 +117,7 @@ Progress progress_of(const fs::path& target, const Descriptor& old, const Descri
 
 }  // namespace
 
-void write_in_place(const fs::path& target, const Descriptor& old, FileBeside& fresh) {
+void write_in_place(const fs::path& target, const Descriptor& old, TemporaryFile& fresh) {
   lock(old);
   if (!is_named(old, target.c_str())) throw SaveFailure("another process has replaced it");
   reserve(old, status_of(fresh.descriptor()).st_size);
@@ -140,10 +131,10 @@ void write_in_place(const fs::path& target, const Descriptor& old, FileBeside& f
   try {
     sync_folder_of(copy);
   } catch (const SaveFailure&) {
-    unlink(copy.c_str());
+    remove_copy(copy);
     throw;
   }
-  overwrite(old, fresh.descriptor(), copy);
+  overwrite(copy, [&] { write_all(old, fresh.descriptor()); });
 }
 
 bool end_write_in_place(const fs::path& target, const Descriptor& old) {
@@ -159,16 +150,9 @@ bool end_write_in_place(const fs::path& target, const Descriptor& old) {
     throw SaveFailure(name + " beside it is somebody else's");
   }
   const Progress progress = old ? progress_of(target, old, whole) : Progress::kUnknown;
-  if (progress == Progress::kUnknown) {
-    throw SaveFailure("it was changed after a write that did not end; " + name +
-                      " has what was to be written: keep one, and remove that");
-  }
-  if (progress == Progress::kPart) {
-    overwrite(old, whole, copy);
-  } else {
-    unlink(copy.c_str());
-  }
-  return progress == Progress::kPart;
+  return end_write(progress, copy, [&] { write_all(old, whole); });
 }
+
+void remove_copy(const fs::path& copy) { unlink(copy.c_str()); }
 
 }  // namespace zelk::platform

@@ -3,14 +3,13 @@
 #include <array>
 #include <cstring>
 
+#include "platform/in_place.hpp"
 #include "platform/save_failure.hpp"
 
 namespace zelk::platform {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr const char* kBusy = "another save is writing to it";
 
 using Block = std::array<char, 16384>;
 
@@ -65,19 +64,6 @@ Handle open_target(const fs::path& target) {
   return file;
 }
 
-/// Overwrites `target`, whose content stands in `copy` now.
-void overwrite(const Handle& target, const Handle& content, const fs::path& copy) {
-  try {
-    copy_content(content, target);
-  } catch (const SaveFailure& failure) {
-    throw SaveFailure(std::string(failure.what()) + "; its whole content is in " +
-                      copy.filename().string());
-  }
-  DeleteFileW(copy.c_str());
-}
-
-enum class Progress { kPart, kAll, kUnknown };
-
 Progress progress_of(const Handle& target, const Handle& whole) {
   const BY_HANDLE_FILE_INFORMATION now = information_of(target);
   const BY_HANDLE_FILE_INFORMATION wanted = information_of(whole);
@@ -109,29 +95,23 @@ void write_in_place(const fs::path& target, const fs::path& copy, const Handle& 
       !MoveFileExW(path.c_str(), copy.c_str(), MOVEFILE_WRITE_THROUGH)) {
     fail_save_of_windows("no copy can be kept beside it");
   }
-  overwrite(old, fresh, copy);
+  overwrite(copy, [&] { copy_content(fresh, old); });
 }
 
 bool end_write_in_place(const fs::path& target, const fs::path& copy) {
-  // Who is about the write holds the copy open, and does not share it with this.
+  // A writer holds the copy open, and does not share it with this.
   const Handle whole = open_handle(copy, GENERIC_READ, FILE_SHARE_DELETE, OPEN_EXISTING);
   const DWORD error = whole ? ERROR_SUCCESS : GetLastError();
   if (GetFileAttributesW(copy.c_str()) == INVALID_FILE_ATTRIBUTES) return false;
   if (error == ERROR_SHARING_VIOLATION) throw SaveFailure(kBusy);
-  const std::string name = copy.filename().string();
-  if (!whole) fail_save_of_windows("a write did not end, and " + name + " cannot be opened");
+  if (!whole) {
+    fail_save_of_windows("a write did not end, and " + copy.filename().string() +
+                         " cannot be opened");
+  }
   const Handle old = open_target(target);
-  const Progress progress = progress_of(old, whole);
-  if (progress == Progress::kUnknown) {
-    throw SaveFailure("it was changed after a write that did not end; " + name +
-                      " has what was to be written: keep one, and remove that");
-  }
-  if (progress == Progress::kPart) {
-    overwrite(old, whole, copy);
-  } else {
-    DeleteFileW(copy.c_str());
-  }
-  return progress == Progress::kPart;
+  return end_write(progress_of(old, whole), copy, [&] { copy_content(whole, old); });
 }
+
+void remove_copy(const fs::path& copy) { DeleteFileW(copy.c_str()); }
 
 }  // namespace zelk::platform

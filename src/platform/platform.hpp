@@ -73,11 +73,9 @@ class Replacement {
   const std::string& notice() const { return notice_; }
 
  private:
-  struct State;
-
   std::string failure_;
   std::string notice_;
-  std::unique_ptr<State> state_;
+  std::unique_ptr<class Save> save_;  ///< null when it failed to start
 };
 
 /// When a file was last changed, to what the file system keeps; two readings of an unchanged file

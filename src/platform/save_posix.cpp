@@ -5,10 +5,11 @@
 #include <memory>
 #include <optional>
 
-#include "platform/beside_posix.hpp"
+#include "platform/attributes_posix.hpp"
 #include "platform/in_place_posix.hpp"
 #include "platform/platform.hpp"
-#include "platform/rights_posix.hpp"
+#include "platform/save.hpp"
+#include "platform/temporary_file_posix.hpp"
 
 namespace zelk::platform {
 namespace {
@@ -66,85 +67,73 @@ bool is_in_sticky_folder(const fs::path& target) {
   return stat((target.parent_path() / ".").c_str(), &folder) == 0 && (folder.st_mode & S_ISVTX);
 }
 
-}  // namespace
-
-struct Replacement::State {
+class PosixSave : public Save {
+ public:
   void open(const char* name, std::string& notice);
-  void take_place();
-  void open_target();
-  bool has_other_names() const { return target && status_of(target).st_nlink > 1; }
+  std::FILE* file() const override { return stream_.get(); }
+  void take_place() override;
 
-  const HeldSizeSignal held;
-  fs::path path;                    ///< of the target itself, behind all links
-  Descriptor target;                ///< open for writing; none when nothing is there yet
-  std::optional<FileBeside> fresh;  ///< none when the target is no regular file
-  File stream;                      ///< into `fresh`, or else into the target
+ private:
+  void open_target();
+  bool has_other_names() const { return target_ && status_of(target_).st_nlink > 1; }
+
+  const HeldSizeSignal held_;
+  fs::path path_;                       ///< of the target itself, behind all links
+  Descriptor target_;                   ///< open for writing; none when nothing is there yet
+  std::optional<TemporaryFile> fresh_;  ///< none when the target is no regular file
+  File stream_;                         ///< into `fresh_`, or else into the target
 };
 
-void Replacement::State::open(const char* name, std::string& notice) {
+void PosixSave::open(const char* name, std::string& notice) {
   // Asked of the path as it is: "/dev/stdout" may link to a pipe, which has no other name.
   struct stat status = {};
   const bool is_there = stat(name, &status) == 0;
   if (!is_there && errno != ENOENT) fail_save();
   if (is_there && !S_ISREG(status.st_mode)) {
-    stream = open_for_writing(name);
-    if (!stream) fail_save();
+    stream_ = open_for_writing(name);
+    if (!stream_) fail_save();
     return;
   }
-  path = behind_links(name);
+  path_ = behind_links(name);
   if (is_there) open_target();
-  if (end_write_in_place(path, target)) {
-    notice = "an earlier write did not end, and was ended now";
-  }
-  clear_leftovers(path);
+  if (end_write_in_place(path_, target_)) notice = kEarlierWriteEnded;
+  clear_leftovers(path_);
   constexpr mode_t kOwnerAlone = 0600;
   constexpr mode_t kEverybody = 0666;
-  fresh.emplace(path, is_there ? kOwnerAlone : kEverybody);
-  stream = stream_of(fresh->descriptor());
+  fresh_.emplace(path_, is_there ? kOwnerAlone : kEverybody);
+  stream_ = stream_of(fresh_->descriptor());
 }
 
 /// To open it asks all at once: the permissions, the access list, the file's own flags and the file
 /// system.
-void Replacement::State::open_target() {
+void PosixSave::open_target() {
   constexpr int kFlags = O_WRONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-  target = Descriptor(::open(path.c_str(), kFlags));
-  if (!target) fail_save();
+  target_ = Descriptor(::open(path_.c_str(), kFlags));
+  if (!target_) fail_save();
 }
 
-void Replacement::State::take_place() {
-  if (!fresh) {
-    if (std::fclose(stream.release()) != 0) fail_save();
+void PosixSave::take_place() {
+  if (!fresh_) {
+    if (std::fclose(stream_.release()) != 0) fail_save();
     return;
   }
   const bool is_in_place = has_other_names();
-  if (target && !is_in_place) keep_rights(target, fresh->descriptor());
-  if (fsync(fresh->descriptor().get()) != 0 || std::fclose(stream.release()) != 0) fail_save();
+  if (target_ && !is_in_place) copy_attributes(target_, fresh_->descriptor());
+  if (fsync(fresh_->descriptor().get()) != 0 || std::fclose(stream_.release()) != 0) fail_save();
   if (is_in_place) {
-    write_in_place(path, target, *fresh);
-  } else if (!fresh->move_to(path)) {
-    fail_save(is_in_sticky_folder(path) ? "its sticky folder lets only the owner replace it"
-                                        : "it cannot be replaced");
+    write_in_place(path_, target_, *fresh_);
+  } else if (!fresh_->move_to(path_)) {
+    fail_save(is_in_sticky_folder(path_) ? "its sticky folder lets only the owner replace it"
+                                         : "it cannot be replaced");
   }
 }
 
-Replacement::Replacement(const char* path) : state_(std::make_unique<State>()) {
-  try {
-    state_->open(path, notice_);
-  } catch (const SaveFailure& failure) {
-    failure_ = failure.what();
-  }
-}
+}  // namespace
 
-Replacement::~Replacement() = default;
-
-std::FILE* Replacement::file() const { return state_->stream.get(); }
-
-bool Replacement::take_place() try {
-  state_->take_place();
-  return true;
-} catch (const SaveFailure& failure) {
-  failure_ = failure.what();
-  return false;
+std::unique_ptr<Save> start_save(const char* path, std::string& notice) {
+  auto save = std::make_unique<PosixSave>();
+  save->open(path, notice);
+  return save;
 }
 
 }  // namespace zelk::platform

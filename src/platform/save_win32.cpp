@@ -5,6 +5,7 @@
 
 #include "platform/in_place_win32.hpp"
 #include "platform/platform.hpp"
+#include "platform/save.hpp"
 #include "platform/save_failure.hpp"
 
 namespace zelk::platform {
@@ -12,10 +13,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kMostWriters = 32;  ///< of one target at a time
-
-/// A file beside "a.dbc": ".a.dbc.zelk-0" to ".a.dbc.zelk-31" are being written, each held open by
-/// its writer; ".a.dbc.zelk-whole" is the whole new content of a target that is written in place.
 fs::path beside(const fs::path& target, const std::wstring& ending) {
   constexpr std::size_t kLongestName = 200;  // leaves room for the rest of the name
   const std::wstring name = target.filename().wstring().substr(0, kLongestName);
@@ -59,120 +56,108 @@ File stream_of(const Handle& file) {
   fail_save(reason);
 }
 
-}  // namespace
-
-struct Replacement::State {
-  State() = default;
-  State(const State&) = delete;
-  State& operator=(const State&) = delete;
-  ~State();
+class WindowsSave : public Save {
+ public:
+  WindowsSave() = default;
+  WindowsSave(const WindowsSave&) = delete;
+  WindowsSave& operator=(const WindowsSave&) = delete;
+  ~WindowsSave() override;
   void open(const char* name, std::string& notice);
-  void take_place();
+  std::FILE* file() const override { return stream_.get(); }
+  void take_place() override;
+
+ private:
   void check_target() const;
   void create();
   void replace();
 
-  fs::path target;    ///< behind a link
-  std::wstring path;  ///< of the file to remove; empty when there is none
-  Handle fresh;       ///< held until it has taken its place; none when the target is a device
-  File stream;        ///< into `fresh`, or else into the target
+  fs::path target_;    ///< behind a link
+  std::wstring path_;  ///< of the file to remove; empty when there is none
+  Handle fresh_;       ///< held until it has taken its place; none when the target is a device
+  File stream_;        ///< into `fresh_`, or else into the target
 };
 
-void Replacement::State::open(const char* name, std::string& notice) {
-  target = system_path(name);
+void WindowsSave::open(const char* name, std::string& notice) {
+  target_ = system_path(name);
   std::error_code error;
-  const fs::path linked = fs::canonical(target, error);
-  if (!error && fs::is_symlink(target, error)) target = linked;
-  if (is_device(target)) {
-    stream = open_for_writing(name);
-    if (!stream) fail_save({errno, std::generic_category()});
+  const fs::path linked = fs::canonical(target_, error);
+  if (!error && fs::is_symlink(target_, error)) target_ = linked;
+  if (is_device(target_)) {
+    stream_ = open_for_writing(name);
+    if (!stream_) fail_save({errno, std::generic_category()});
     return;
   }
   check_target();
-  if (end_write_in_place(target, beside(target, L"whole"))) {
-    notice = "an earlier write did not end, and was ended now";
-  }
+  if (end_write_in_place(target_, beside(target_, L"whole"))) notice = kEarlierWriteEnded;
   // Without a target, what is left may be all there is of it: see `replace`.
-  if (is_there(target)) clear_leftovers(target);
+  if (is_there(target_)) clear_leftovers(target_);
   create();
-  stream = stream_of(fresh);
+  stream_ = stream_of(fresh_);
 }
 
 /// Refuses what this process may not write. That another one uses the file now says nothing.
-void Replacement::State::check_target() const {
-  if (target.filename().empty())
+void WindowsSave::check_target() const {
+  if (target_.filename().empty())
     fail_save(std::make_error_code(std::errc::no_such_file_or_directory));
-  if (is_there(target) && !open_handle(target, GENERIC_WRITE, kShareAll, OPEN_EXISTING) &&
+  if (is_there(target_) && !open_handle(target_, GENERIC_WRITE, kShareAll, OPEN_EXISTING) &&
       GetLastError() != ERROR_SHARING_VIOLATION) {
     fail_save_of_windows();
   }
 }
 
-void Replacement::State::create() {
+void WindowsSave::create() {
   constexpr DWORD kAccess = GENERIC_READ | GENERIC_WRITE;
-  for (int number = 0; number < kMostWriters && !fresh; ++number) {
-    std::wstring name = beside(target, std::to_wstring(number)).wstring();
-    fresh = open_handle(name, kAccess, kShareAll, CREATE_NEW);
-    if (fresh) path = std::move(name);
-    if (!fresh && GetLastError() != ERROR_FILE_EXISTS) break;
+  for (int number = 0; number < kMostWriters && !fresh_; ++number) {
+    std::wstring name = beside(target_, std::to_wstring(number)).wstring();
+    fresh_ = open_handle(name, kAccess, kShareAll, CREATE_NEW);
+    if (fresh_) path_ = std::move(name);
+    if (!fresh_ && GetLastError() != ERROR_FILE_EXISTS) break;
   }
-  if (!fresh) fail_save_of_windows("no file can be created beside it");
+  if (!fresh_) fail_save_of_windows("no file can be created beside it");
 }
 
-void Replacement::State::take_place() {
-  const bool is_written = !fresh || _commit(_fileno(stream.get())) == 0;
-  if (!is_written || std::fclose(stream.release()) != 0) {
+void WindowsSave::take_place() {
+  const bool is_written = !fresh_ || _commit(_fileno(stream_.get())) == 0;
+  if (!is_written || std::fclose(stream_.release()) != 0) {
     fail_save({errno, std::generic_category()});
   }
-  if (!fresh) return;
-  if (has_other_names(target)) {
-    write_in_place(target, beside(target, L"whole"), fresh, path);
-    path.clear();
+  if (!fresh_) return;
+  if (has_other_names(target_)) {
+    write_in_place(target_, beside(target_, L"whole"), fresh_, path_);
+    path_.clear();
   } else {
     replace();
   }
-  fresh.reset();  // the next save cannot replace a file that is held
+  fresh_.reset();  // the next save cannot replace a file that is held
 }
 
-void Replacement::State::replace() {
-  const bool was_there = is_there(target);
+void WindowsSave::replace() {
+  const bool was_there = is_there(target_);
   // The first way keeps what Windows knows about the old file, such as who may use it; it wants one
   // to be there, and a file system that can do it.
-  const bool is_in_place = ReplaceFileW(target.c_str(), path.c_str(), nullptr,
+  const bool is_in_place = ReplaceFileW(target_.c_str(), path_.c_str(), nullptr,
                                         REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr, nullptr) != 0 ||
-                           MoveFileExW(path.c_str(), target.c_str(),
+                           MoveFileExW(path_.c_str(), target_.c_str(),
                                        MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
   const DWORD error = is_in_place ? ERROR_SUCCESS : GetLastError();
   // The first way can fail after it has removed the old file: the new one is all there is then.
-  if (is_in_place || (was_there && !is_there(target))) path.clear();
+  if (is_in_place || (was_there && !is_there(target_))) path_.clear();
   SetLastError(error);
   if (!is_in_place) fail_save_of_windows("it cannot be replaced");
 }
 
-Replacement::State::~State() {
-  stream.reset();
-  fresh.reset();
-  if (!path.empty()) DeleteFileW(path.c_str());
+WindowsSave::~WindowsSave() {
+  stream_.reset();
+  fresh_.reset();
+  if (!path_.empty()) DeleteFileW(path_.c_str());
 }
 
-Replacement::Replacement(const char* path) : state_(std::make_unique<State>()) {
-  try {
-    state_->open(path, notice_);
-  } catch (const SaveFailure& failure) {
-    failure_ = failure.what();
-  }
-}
+}  // namespace
 
-Replacement::~Replacement() = default;
-
-std::FILE* Replacement::file() const { return state_->stream.get(); }
-
-bool Replacement::take_place() try {
-  state_->take_place();
-  return true;
-} catch (const SaveFailure& failure) {
-  failure_ = failure.what();
-  return false;
+std::unique_ptr<Save> start_save(const char* path, std::string& notice) {
+  auto save = std::make_unique<WindowsSave>();
+  save->open(path, notice);
+  return save;
 }
 
 }  // namespace zelk::platform

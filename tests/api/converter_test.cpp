@@ -4,6 +4,7 @@
 
 #include "support/files.hpp"
 #include "support/folder.hpp"
+#include "support/paths.hpp"
 #include "zelk/dbc.h"
 #include "zelk/errors.h"
 

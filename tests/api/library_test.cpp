@@ -7,6 +7,7 @@
 #include <string>
 
 #include "support/lists.hpp"
+#include "support/paths.hpp"
 #include "zelk/exception.hpp"
 
 namespace {

@@ -4,6 +4,7 @@
 
 #include "database/own_database.hpp"
 #include "support/files.hpp"
+#include "support/paths.hpp"
 
 namespace {
 

@@ -4,6 +4,7 @@
 
 #include "database/own_database.hpp"
 #include "support/failing.hpp"
+#include "support/paths.hpp"
 #include "zelk/exception.hpp"
 
 namespace {

@@ -9,6 +9,7 @@
 
 #include "manager/manager_test.hpp"
 #include "support/files.hpp"
+#include "support/paths.hpp"
 #include "zelk/write_manager.hpp"
 
 /// A database with every kind of object, in a write manager.

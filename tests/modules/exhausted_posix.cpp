@@ -11,6 +11,7 @@
 
 #include "modules/conversions.hpp"
 #include "support/failing.hpp"
+#include "support/paths.hpp"
 
 namespace {
 
@@ -114,6 +115,9 @@ TEST_P(Exhausted, Disk) {
   EXPECT_FALSE(std::filesystem::exists(out_));
 }
 
-INSTANTIATE_TEST_SUITE_P(Modules, Exhausted, testing::Values(ZELK_JSON_MODULE, ZELK_KCD_MODULE));
+INSTANTIATE_TEST_SUITE_P(Modules, Exhausted, testing::Values(ZELK_JSON_MODULE, ZELK_KCD_MODULE),
+                         [](const auto& module) {
+                           return std::string(module.index == 0 ? "json" : "kcd");
+                         });
 
 }  // namespace

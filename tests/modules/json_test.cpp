@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "modules/conversions.hpp"
+#include "support/paths.hpp"
 
 namespace {
 

@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "modules/conversions.hpp"
+#include "support/paths.hpp"
 
 namespace {
 

@@ -2,6 +2,7 @@
 
 #include "platform/folder.hpp"
 #include "platform/platform.hpp"
+#include "support/paths.hpp"
 #include "zelk/library.h"
 
 namespace {

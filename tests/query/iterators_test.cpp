@@ -5,6 +5,7 @@
 #include <ranges>
 
 #include "manager/manager_test.hpp"
+#include "support/paths.hpp"
 #include "zelk/predicates.hpp"
 
 static_assert(std::ranges::input_range<ZelkIterator<const msgblk>>);

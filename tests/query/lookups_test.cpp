@@ -4,6 +4,7 @@
 
 #include "manager/manager_test.hpp"
 #include "support/files.hpp"
+#include "support/paths.hpp"
 #include "zelk/iterator.hpp"
 #include "zelk/query.h"
 

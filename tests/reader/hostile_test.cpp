@@ -6,6 +6,7 @@
 
 #include "support/building.hpp"
 #include "support/failing.hpp"
+#include "support/paths.hpp"
 
 // Whatever the file holds, a read ends with a number, and what it leaves behind can be walked and
 // released; the sanitizers tell when it cannot.

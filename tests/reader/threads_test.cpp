@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "support/building.hpp"
+#include "support/paths.hpp"
 #include "text/new_symbols.hpp"
 
 // What threads do with databases of their own, 8 at a time. The thread sanitizer finds what they

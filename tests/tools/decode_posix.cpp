@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "support/files.hpp"
+#include "support/paths.hpp"
 #include "tools/run_tool.hpp"
 
 namespace {

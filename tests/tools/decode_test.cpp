@@ -4,6 +4,7 @@
 #include <string>
 
 #include "support/files.hpp"
+#include "support/paths.hpp"
 #include "tools/tool_case.hpp"
 
 namespace {

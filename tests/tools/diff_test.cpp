@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "support/files.hpp"
+#include "support/paths.hpp"
 #include "tools/tool_case.hpp"
 
 namespace {

@@ -1,4 +1,5 @@
 #include "support/files.hpp"
+#include "support/paths.hpp"
 #include "tools/tool_case.hpp"
 
 namespace {

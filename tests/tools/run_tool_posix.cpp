@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 
+#include "support/paths.hpp"
 #include "tools/run_tool.hpp"
 
 namespace {

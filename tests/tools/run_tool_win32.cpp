@@ -3,6 +3,7 @@
 
 #include <memory>
 
+#include "support/paths.hpp"
 #include "tools/run_tool.hpp"
 
 namespace {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "support/building.hpp"
+#include "support/paths.hpp"
 #include "support/system.hpp"
 
 // In the expected texts of this file an apostrophe stands for a double quote.

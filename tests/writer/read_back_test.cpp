@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "database/own_database.hpp"
+#include "support/paths.hpp"
 
 namespace {
 

@@ -5,6 +5,7 @@
 
 #include "support/building.hpp"
 #include "support/failing.hpp"
+#include "support/paths.hpp"
 #include "support/system.hpp"
 
 namespace {

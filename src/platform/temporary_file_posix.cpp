@@ -1,4 +1,4 @@
-#include "platform/beside_posix.hpp"
+#include "platform/temporary_file_posix.hpp"
 
 #include <fcntl.h>
 
@@ -7,10 +7,10 @@
 #include <cstdio>
 #include <string_view>
 
+#include "platform/save.hpp"
+
 namespace zelk::platform {
 namespace {
-
-constexpr int kMostWriters = 32;  ///< of one target at a time
 
 /// Part of the names of a target's files: its own name, or the beginning of a long one with a
 /// number for the whole. The two never meet, since they differ in length.
@@ -32,7 +32,7 @@ std::filesystem::path beside(const std::filesystem::path& target, std::string_vi
 
 }  // namespace
 
-FileBeside::FileBeside(const std::filesystem::path& target, mode_t mode) {
+TemporaryFile::TemporaryFile(const std::filesystem::path& target, mode_t mode) {
   errno = EEXIST;
   int number = 0;
   while (number < kMostWriters && !create(target, number, mode) && errno == EEXIST) ++number;
@@ -40,7 +40,7 @@ FileBeside::FileBeside(const std::filesystem::path& target, mode_t mode) {
 }
 
 /// A name that is taken, or that another save takes for a leftover's in this moment, is `EEXIST`.
-bool FileBeside::create(const std::filesystem::path& target, int number, mode_t mode) {
+bool TemporaryFile::create(const std::filesystem::path& target, int number, mode_t mode) {
   std::string path = beside(target, std::to_string(number)).string();
   Descriptor file(open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode));
   if (!file) return false;
@@ -55,17 +55,17 @@ bool FileBeside::create(const std::filesystem::path& target, int number, mode_t 
   return true;
 }
 
-bool FileBeside::move_to(const std::filesystem::path& path) {
+bool TemporaryFile::move_to(const std::filesystem::path& path) {
   if (rename(path_.c_str(), path.c_str()) != 0) return false;
   path_.clear();
   return true;
 }
 
-bool FileBeside::link_to(const std::filesystem::path& path) const {
+bool TemporaryFile::link_to(const std::filesystem::path& path) const {
   return link(path_.c_str(), path.c_str()) == 0;
 }
 
-FileBeside::~FileBeside() {
+TemporaryFile::~TemporaryFile() {
   if (!path_.empty()) unlink(path_.c_str());
 }
 

@@ -1,4 +1,4 @@
-#include "platform/rights_posix.hpp"
+#include "platform/attributes_posix.hpp"
 
 #include <sys/xattr.h>
 
@@ -93,7 +93,7 @@ void keep_permissions(const struct stat& old, const Descriptor& fresh) {
 
 }  // namespace
 
-void keep_rights(const Descriptor& old, const Descriptor& fresh) {
+void copy_attributes(const Descriptor& old, const Descriptor& fresh) {
   const struct stat status = status_of(old);
   keep_owner(status, fresh);
   keep_attributes(old, fresh);

@@ -1,11 +1,8 @@
 /// \file
-/// The files that a save makes beside its target. For a target "a.dbc" they are
-///
-///     .a.dbc.zelk-0 to .a.dbc.zelk-31   what is being written; its writer holds its lock
-///     .a.dbc.zelk-whole                 the whole new content of a target that is written in place
+/// The files that a save makes beside its target (save.hpp). Their writers hold their locks.
 
-#ifndef ZELK_PLATFORM_BESIDE_POSIX_HPP
-#define ZELK_PLATFORM_BESIDE_POSIX_HPP
+#ifndef ZELK_PLATFORM_TEMPORARY_FILE_POSIX_HPP
+#define ZELK_PLATFORM_TEMPORARY_FILE_POSIX_HPP
 
 #include <filesystem>
 #include <string>
@@ -15,14 +12,14 @@
 namespace zelk::platform {
 
 /// A new file beside the target, locked, and removed when it goes unless it was moved away.
-class FileBeside {
+class TemporaryFile {
  public:
   /// @param mode  permissions, from which the process's mask takes some away
   /// @throws SaveFailure, std::bad_alloc
-  FileBeside(const std::filesystem::path& target, mode_t mode);
-  FileBeside(const FileBeside&) = delete;
-  FileBeside& operator=(const FileBeside&) = delete;
-  ~FileBeside();
+  TemporaryFile(const std::filesystem::path& target, mode_t mode);
+  TemporaryFile(const TemporaryFile&) = delete;
+  TemporaryFile& operator=(const TemporaryFile&) = delete;
+  ~TemporaryFile();
 
   const Descriptor& descriptor() const { return descriptor_; }
   const char* path() const { return path_.c_str(); }

@@ -1,8 +1,8 @@
 /// \file
 /// What a file system keeps beside the content of a file.
 
-#ifndef ZELK_PLATFORM_RIGHTS_POSIX_HPP
-#define ZELK_PLATFORM_RIGHTS_POSIX_HPP
+#ifndef ZELK_PLATFORM_ATTRIBUTES_POSIX_HPP
+#define ZELK_PLATFORM_ATTRIBUTES_POSIX_HPP
 
 #include "platform/descriptor_posix.hpp"
 
@@ -16,7 +16,7 @@ namespace zelk::platform {
 /// from the content.
 ///
 /// @throws SaveFailure when something cannot be kept, std::bad_alloc
-void keep_rights(const Descriptor& old, const Descriptor& fresh);
+void copy_attributes(const Descriptor& old, const Descriptor& fresh);
 
 }  // namespace zelk::platform
 

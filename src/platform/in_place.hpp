@@ -1,0 +1,42 @@
+/// \file
+/// Writing a file in place, where it has several names (hard links) that shall stay names of one
+/// file.
+///
+/// No single step does that. So a whole copy of the new content stands beside the target, on the
+/// disk, from before the target is emptied until all of it is on the disk again; the copy has the
+/// target's time of the last change before that. Its writer holds it: on POSIX systems by a lock,
+/// on Windows open. A copy that nobody holds shows that a write did not end. Nobody has changed the
+/// target since when it still has that time (not yet emptied), or its content begins the copy's.
+
+#ifndef ZELK_PLATFORM_IN_PLACE_HPP
+#define ZELK_PLATFORM_IN_PLACE_HPP
+
+#include <filesystem>
+#include <functional>
+
+namespace zelk::platform {
+
+/// Text of a failure: another process holds the target or the copy.
+inline constexpr const char* kBusy = "another save is writing to it";
+
+/// How far a write came: `kUnknown` when somebody has changed the target since.
+enum class Progress { kPart, kAll, kUnknown };
+
+/// Overwrites the target with the content of `copy`, by `write`, and removes the copy.
+///
+/// @throws SaveFailure as `write` does; it names the copy, which stays
+void overwrite(const std::filesystem::path& copy, const std::function<void()>& write);
+
+/// Ends a write that did not end, with `overwrite` when it came to a part.
+///
+/// @return whether that was so
+/// @throws SaveFailure for `kUnknown`, and as `overwrite`
+bool end_write(Progress progress, const std::filesystem::path& copy,
+               const std::function<void()>& write);
+
+/// Removes a file, if the system does it. For each system its own.
+void remove_copy(const std::filesystem::path& copy);
+
+}  // namespace zelk::platform
+
+#endif
