@@ -5,8 +5,10 @@
 #define ZELK_BASE_NUMBERS_HPP
 
 #include <array>
+#include <charconv>
 #include <optional>
 #include <string_view>
+#include <system_error>
 
 namespace zelk {
 
@@ -18,6 +20,19 @@ double literal_to_double(std::string_view literal);
 /// Value of `text` when all of it is a decimal number with an optional sign; none for anything
 /// else, such as "0x10", " 5" or "inf".
 std::optional<double> parse_number(std::string_view text);
+
+/// All of `text` as `std::from_chars` reads it; none when something is left over, or when the value
+/// is out of the type's range.
+///
+/// @param format  base of an integer, or `std::chars_format`
+template <typename Number, typename... Format>
+std::optional<Number> parse_whole(std::string_view text, Format... format) {
+  Number number{};
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, number, format...);
+  if (error != std::errc() || stop != end) return std::nullopt;
+  return number;
+}
 
 /// A number as "%.14G" writes it in the C locale; infinities as the largest finite doubles,
 /// not-a-number as 0.

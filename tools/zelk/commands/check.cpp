@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "commands/commands.hpp"
-#include "input/database.hpp"
+#include "input/opening.hpp"
 #include "term/text.hpp"
 
 namespace zelk::tool {

@@ -3,95 +3,17 @@
 #include <string>
 
 #include "commands/commands.hpp"
-#include "edit/read_back.hpp"
-#include "input/database.hpp"
-#include "input/formats.hpp"
-#include "input/importing.hpp"
-#include "input/lookup.hpp"
-#include "term/quoting.hpp"
-#include "term/system.hpp"
+#include "convert/conversion.hpp"
 #include "term/text.hpp"
-#include "zelk/converter.hpp"
 
 namespace zelk::tool {
 
 namespace {
 
-struct Arguments {
-  std::string in;
-  std::string out;
+struct Arguments : Conversion {
   std::string from_name;  // empty: by the extension
   std::string to_name;
-  Format from;
-  Format to;
-  std::string option;
-  std::string import_function = "zelk_import";
-  std::string export_function = "zelk_export";
 };
-
-/// Tells what the library and a module noted about a file.
-///
-/// @param fallback  what is told of a failure of which nothing was noted
-void tell_notes(const std::string& path, bool is_success, const char* fallback) {
-  const std::vector<std::string> lines = escaped_lines(utf8(zelk_get_error_text()));
-  for (const std::string& line : lines)
-    print_error(behind_path(path, is_success ? "warning: " + line : line));
-  if (!is_success && lines.empty()) print_error(behind_path(path, fallback));
-}
-
-/// Writes a file of another format.
-///
-/// @return false when that fails, which has been told
-bool export_database(const Arguments& arguments, ZelkWriteManager& manager, const char* name) {
-  const ModuleCall call = {arguments.to.module, arguments.export_function, arguments.option};
-  ZelkExporter exporter(manager, call.module.c_str(), call.function.c_str());
-  const std::string fault = fault_of(manager, exporter, call);
-  if (!fault.empty()) {
-    print_error(behind_path(call.module, fault));
-    return false;
-  }
-  exporter.SetOption(call.option.c_str());
-  const HeldSignals held;
-  const ZelkError error = exporter.Export(name, arguments.out.c_str());
-  tell_notes(arguments.out, error == ZelkErrorOk, "cannot be exported");
-  return error == ZelkErrorOk;
-}
-
-bool write(const Arguments& arguments, ZelkWriteManager& manager, const OpenedDatabase& opened) {
-  try {
-    check_read_back({*opened.database, opened.encoding}, arguments.out);
-  } catch (const RequestError& error) {
-    print_error(behind_path(arguments.out, error.what()));
-    return false;
-  }
-  const HeldSignals held;
-  zelk_clear_error_text();
-  const ZelkError error = manager.WriteDatabase(opened.name, arguments.out.c_str());
-  if (error == ZelkErrorOk) {
-    tell_save_notes(*opened.database, arguments.out);
-    return true;
-  }
-  print_error(behind_path(arguments.out, write_complaint(error, *opened.database)));
-  return false;
-}
-
-ExitCode convert(const Arguments& arguments) {
-  ZelkWriteManager manager(static_cast<void*>(nullptr));
-  if (exists(manager, arguments.out)) {
-    print_error(behind_path(arguments.out, "exists already, and is not replaced"));
-    return kExitFailure;
-  }
-  const OpenedDatabase opened =
-      arguments.from.is_own()
-          ? open_database(manager, arguments.in)
-          : import_database(manager, arguments.in, "converted",
-                            {arguments.from.module, arguments.import_function, arguments.option});
-  tell_reports(opened, arguments.in);
-  if (!opened.database) return kExitFailure;
-  const bool is_written = arguments.to.is_own() ? write(arguments, manager, opened)
-                                                : export_database(arguments, manager, opened.name);
-  return is_written ? kExitSuccess : kExitFailure;
-}
 
 /// @throws CLI::ValidationError when neither the option nor the file's extension tells it
 Format format_of(const std::string& path, const char* option, const std::string& name) {
@@ -142,7 +64,7 @@ void add_convert_command(CLI::App& app, Action& action) {
   command->callback([arguments, &action] {
     arguments->from = format_of(arguments->in, "--from", arguments->from_name);
     arguments->to = format_of(arguments->out, "--to", arguments->to_name);
-    action = [arguments](Output&) { return convert(*arguments); };
+    action = [arguments](Output&) { return convert(*arguments) ? kExitSuccess : kExitFailure; };
   });
 }
 

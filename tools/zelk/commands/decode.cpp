@@ -6,13 +6,12 @@
 #include <vector>
 
 #include "commands/commands.hpp"
-#include "log/file_type.hpp"
+#include "input/opening.hpp"
 #include "log/frame_catalog.hpp"
-#include "log/frame_writer.hpp"
 #include "log/log_input.hpp"
 #include "log/log_pipeline.hpp"
-#include "log/log_probe.hpp"
 #include "log/log_reports.hpp"
+#include "term/file_type.hpp"
 #include "term/system.hpp"
 #include "term/text.hpp"
 
@@ -29,9 +28,9 @@ struct Arguments {
   unsigned threads = 0;  // 0: by the size of the log
 };
 
-FrameFormat format_of(const std::string& name) {
-  if (name == "json") return FrameFormat::kJson;
-  return name == "csv" ? FrameFormat::kCsv : FrameFormat::kText;
+const FrameFormat& format_of(const std::string& name) {
+  if (name == "json") return json_frames();
+  return name == "csv" ? csv_frames() : text_frames();
 }
 
 /// A pipe is decoded as it comes; a small file is done before a thread has started.
@@ -44,7 +43,7 @@ unsigned threads_for(const LogInput& input, unsigned wanted) {
 
 ExitCode decode_log(const Arguments& arguments, const FrameCatalog& catalog, LogInput& input,
                     Output& out) {
-  out.raw(heading(arguments.options.format));
+  out.raw(arguments.options.format->heading());
   LogReport report(input.name());
   LogPipeline pipeline(catalog, input, out, report);
   pipeline.run(threads_for(input, arguments.threads));
@@ -143,7 +142,7 @@ void add_decode_command(CLI::App& app, Action& action) {
       ->type_name("N")
       ->check(CLI::Range(1u, 256u).description(""));
   command->callback([arguments, &action] {
-    arguments->options.format = format_of(arguments->format);
+    arguments->options.format = &format_of(arguments->format);
     action = [arguments](Output& out) { return decode(*arguments, out); };
   });
 }

@@ -2,9 +2,9 @@
 #include <string>
 
 #include "commands/commands.hpp"
-#include "diff/differences.hpp"
-#include "input/database.hpp"
-#include "table/rows.hpp"
+#include "diff/diff_json.hpp"
+#include "diff/diff_text.hpp"
+#include "input/opening.hpp"
 
 namespace zelk::tool {
 
@@ -22,45 +22,20 @@ struct Arguments {
   bool json = false;
 };
 
-void tell(const Difference& difference, Output& out) {
-  out.line("{} {}", sign_of(difference), difference.object);
-  const Output::Indent indent(out);
-  const Output::Indent indent_more(out);
-  for (const Change& change : difference.changes)
-    out.line("{}: {} -> {}", change.field, change.before.shown, change.after.shown);
-}
-
-Json json_of(const Difference& difference) {
-  Json object;
-  object["difference"] = difference.presence == Presence::kAdded     ? "added"
-                         : difference.presence == Presence::kRemoved ? "removed"
-                                                                     : "changed";
-  object.update(difference.identity);
-  if (difference.presence != Presence::kChanged) return object;
-  Json& changes = object["changes"] = Json::array();
-  for (const Change& change : difference.changes) {
-    Json entry = change.labels;
-    entry["before"] = change.before.value;
-    entry["after"] = change.after.value;
-    changes.push_back(std::move(entry));
-  }
-  return object;
-}
-
 ExitCode diff(const Arguments& arguments, Output& out) {
   DatabaseFile old_file;
   DatabaseFile new_file;
-  const bool has_before = open_and_report(old_file, arguments.before) != nullptr;
-  const bool has_after = open_and_report(new_file, arguments.after) != nullptr;
+  const bool has_before = old_file.open_and_report(arguments.before) != nullptr;
+  const bool has_after = new_file.open_and_report(arguments.after) != nullptr;
   if (!has_before || !has_after) return kExitTrouble;
   bool differs = false;
   JsonArray array(out);
   for_each_difference(old_file.encoded(), new_file.encoded(), [&](const Difference& difference) {
     differs = true;
     if (arguments.json) {
-      array.element(json_of(difference));
+      add_difference(array, difference);
     } else {
-      tell(difference, out);
+      print_difference(difference, out);
     }
   });
   if (arguments.json) array.finish();

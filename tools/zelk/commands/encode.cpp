@@ -1,84 +1,24 @@
 #include <algorithm>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "commands/commands.hpp"
-#include "input/attributes.hpp"
-#include "input/database.hpp"
+#include "encode/encode_message.hpp"
 #include "input/lookup.hpp"
-#include "log/candump_log.hpp"
-#include "log/frame_encoder.hpp"
+#include "input/opening.hpp"
 #include "term/text.hpp"
 
 namespace zelk::tool {
 
 namespace {
 
-struct Arguments {
+struct Arguments : FrameValues {
   std::string database;
-  std::string message;
-  std::vector<std::string> signals;
-  std::optional<std::string> from;
-  ValueOptions values;
   bool log = false;  // a whole line of a log, and not the frame alone
   std::string time = "0";
   std::string interface_name = "can0";
 };
-
-bool has_fd_format(const ZelkDatabase& database, const msgblk& message) {
-  return attribute_text(message.attrs, database.GetAttrDef("VFrameFormat")).ends_with("FD");
-}
-
-LogFrame empty_frame(const ZelkDatabase& database, const msgblk& message) {
-  if (message.dlc > kFdDataBytes) {
-    throw RequestError(fmt::format("{} has {}, and a frame at most {}", escaped(view(message.name)),
-                                   counted(message.dlc, "byte"), kFdDataBytes));
-  }
-  LogFrame frame;
-  frame.id = message.id;
-  frame.length = message.dlc;
-  frame.is_fd = message.dlc > kClassicDataBytes || has_fd_format(database, message);
-  return frame;
-}
-
-/// A frame of the message, in which signals are to be changed. The addresses of a parameter group
-/// may be others than in the database.
-LogFrame parse_given_frame(const ZelkDatabase& database, const msgblk& message,
-                           const std::string& text) {
-  LogFrame frame;
-  if (parse_frame(text, frame) != LogLine::kData) {
-    throw RequestError(
-        fmt::format("{} is not a frame with data, such as 123#DEADBEEF", in_quotes(text)));
-  }
-  const bool is_extended = frame.id & ZELK_ID_EXTENDED;
-  if (frame.id != message.id &&
-      !(is_extended && database.GetJ1939Message(frame.id, 0) == &message)) {
-    throw RequestError(
-        fmt::format("{} is not a frame of {}", in_quotes(text), escaped(view(message.name))));
-  }
-  return frame;
-}
-
-LogFrame encoded(EncodedDatabase of, const Arguments& arguments) {
-  const ZelkDatabase& database = of.records;
-  ValueOptions options = arguments.values;
-  options.encoding = of.encoding;
-  const msgblk& message = *find_messages(database, arguments.message).front();
-  const LogFrame start = arguments.from ? parse_given_frame(database, message, *arguments.from)
-                                        : empty_frame(database, message);
-  FrameEncoder encoder(message, start, arguments.from.has_value());
-  for (const std::string& text : arguments.signals) {
-    const std::size_t mark = text.find('=');
-    if (mark == std::string::npos)
-      throw RequestError(fmt::format("{} is not SIGNAL=VALUE", in_quotes(text)));
-    const std::string_view whole = text;
-    encoder.set(whole.substr(0, mark), whole.substr(mark + 1), options);
-  }
-  return encoder.finish();
-}
 
 /// Seconds with six decimals, as every reader of logs expects them; empty when `text` is no time.
 std::string log_time(std::string_view text) {
@@ -118,9 +58,9 @@ std::string check_interface(const std::string& name) {
 
 ExitCode encode(const Arguments& arguments, Output& out) {
   DatabaseFile file;
-  if (!open_and_report(file, arguments.database)) return kExitFailure;
+  if (!file.open_and_report(arguments.database)) return kExitFailure;
   try {
-    out.line("{}", lead_of(arguments) + frame_text(encoded(file.encoded(), arguments)));
+    out.line("{}", lead_of(arguments) + frame_text(encode_message(file.encoded(), arguments)));
   } catch (const RequestError& error) {
     print_error(behind_path(arguments.database, error.what()));
     return kExitFailure;
@@ -164,8 +104,8 @@ void add_encode_command(CLI::App& app, Action& action) {
       ->type_name("NAME")
       ->check(CLI::Validator(check_interface, ""))
       ->needs(log);
-  command->add_flag("--raw", arguments->values.raw, "Values are raw ones");
-  command->add_flag("--force", arguments->values.force,
+  command->add_flag("--raw", arguments->options.raw, "Values are raw ones");
+  command->add_flag("--force", arguments->options.force,
                     "Take values that are out of range; of what the bits cannot hold the nearest");
   command->callback([arguments, &action] {
     action = [arguments](Output& out) { return encode(*arguments, out); };

@@ -2,12 +2,11 @@
 #include <string>
 
 #include "commands/commands.hpp"
-#include "edit/read_back.hpp"
-#include "edit/rounding.hpp"
-#include "input/database.hpp"
 #include "input/formats.hpp"
 #include "input/lookup.hpp"
-#include "term/system.hpp"
+#include "input/opening.hpp"
+#include "save/rounding.hpp"
+#include "save/saving.hpp"
 
 namespace zelk::tool {
 
@@ -25,17 +24,14 @@ void write(const Arguments& arguments, const DatabaseFile& file, ZelkDatabase& d
   if (arguments.allow_cut) database.symbols_shortened = 0;
   check_roundings(roundings_of(file.encoded()), arguments.out, arguments.allow_rounding);
   if (!format_of_file(arguments.in).value_or(Format{}).is_own())
-    check_read_back(file.encoded(), arguments.out);  // a module may give what no DBC file can hold
-  const HeldSignals held;
-  zelk_clear_error_text();
-  const ZelkError error = database.Write(arguments.out.c_str());
-  if (error != ZelkErrorOk) throw RequestError(write_complaint(error, database));
-  tell_save_notes(database, arguments.out);
+    check_trial_write(file.encoded(),
+                      arguments.out);  // a module may give what no DBC file can hold
+  save(database, arguments.out, [&] { return database.Write(arguments.out.c_str()); });
 }
 
 ExitCode rewrite(const Arguments& arguments) {
   DatabaseFile file;
-  ZelkDatabase* const database = open_and_report(file, arguments.in);
+  ZelkDatabase* const database = file.open_and_report(arguments.in);
   if (!database) return kExitFailure;
   try {
     write(arguments, file, *database);

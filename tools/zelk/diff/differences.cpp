@@ -1,15 +1,13 @@
 #include "diff/differences.hpp"
 
-#include <fmt/format.h>
-
 #include <cstddef>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
 
+#include "base/list.hpp"
 #include "diff/pairing.hpp"
-#include "input/attributes.hpp"
-#include "term/text.hpp"
+#include "words/attribute_words.hpp"
 
 namespace zelk::tool {
 
@@ -85,43 +83,6 @@ class MessagePairs {
   std::unordered_map<const msgblk*, std::size_t> numbers_;
 };
 
-Cell cell_under(const ObjectKind& kind, const Object& object, std::string_view heading) {
-  for (std::size_t i = 0; i < kind.headings.size(); ++i)
-    if (kind.headings[i] == heading) return kind.cell(object, i);
-  return none();
-}
-
-bool is_message(const ObjectKind& kind) { return kind.attribute_type == ZELK_OBJ_MESSAGE; }
-
-/// The definition of an attribute; null for other kinds.
-const attr_def* definition_of(const ObjectKind& kind, const Object& object) {
-  return kind.plural == "attributes" ? static_cast<const attr_def*>(object.record) : nullptr;
-}
-
-std::string shown_object(const ObjectKind& kind, const Object& object) {
-  const std::string name = escaped(object.name_text());
-  if (is_message(kind)) {
-    return fmt::format("{} {} {}", kind.singular, shown(cell_under(kind, object, "id")), name);
-  }
-  if (const attr_def* definition = definition_of(kind, object)) {
-    return fmt::format("{} {} {}", object_kind(*definition), kind.singular,
-                       in_quotes(object.name_text()));
-  }
-  const std::string owner = object.owner ? escaped(object.owner_text()) + "." : "";
-  return fmt::format("{} {}{}", kind.singular, owner, name);
-}
-
-Json identity_of(const ObjectKind& kind, const Object& object) {
-  Json identity{{"kind", kind.singular}};
-  if (object.owner) identity["message"] = object.owner_text();
-  for (const std::string_view heading : {"id", "format"})
-    if (is_message(kind)) identity[std::string(heading)] = cell_under(kind, object, heading).value;
-  if (const attr_def* definition = definition_of(kind, object))
-    identity["object"] = object_kind(*definition);
-  identity["name"] = object.name_text();
-  return identity;
-}
-
 class DatabaseComparison {
  public:
   DatabaseComparison(EncodedDatabase before, EncodedDatabase after,
@@ -131,7 +92,7 @@ class DatabaseComparison {
   void network() const {
     std::vector<Change> changes = network_changes(before_, after_);
     if (changes.empty()) return;
-    visit_({Presence::kChanged, "network", Json{{"kind", "network"}}, std::move(changes)});
+    visit_({Presence::kChanged, nullptr, {}, std::move(changes)});
   }
 
   void objects(const ObjectKind& kind) const {
@@ -139,9 +100,9 @@ class DatabaseComparison {
     const Side after = side(kind, after_);
     for (const Pair& pair : pair_up(before.keys, after.keys)) {
       if (!pair.after) {
-        alone(Presence::kRemoved, kind, before.objects[*pair.before]);
+        visit_({Presence::kRemoved, &kind, before.objects[*pair.before], {}});
       } else if (!pair.before) {
-        alone(Presence::kAdded, kind, after.objects[*pair.after]);
+        visit_({Presence::kAdded, &kind, after.objects[*pair.after], {}});
       } else {
         common(kind, before.objects[*pair.before], after.objects[*pair.after]);
       }
@@ -160,28 +121,22 @@ class DatabaseComparison {
     kind.for_each(database, [&](const Object& object) {
       if (object.owner && !messages_.is_common(*object.owner)) return;
       side.objects.push_back(object);
-      side.keys.push_back(key_of(kind, object));
+      side.keys.push_back(key_of(object));
     });
     return side;
   }
 
-  Key key_of(const ObjectKind& kind, const Object& object) const {
-    if (is_message(kind))
-      return {messages_.number(*static_cast<const msgblk*>(object.record)), {}, {}};
+  Key key_of(const Object& object) const {
+    if (const msgblk* const message = object.as<msgblk>())
+      return {messages_.number(*message), {}, {}};
     if (object.owner) return {messages_.number(*object.owner), object.name_text(), {}};
-    const attr_def* const definition = definition_of(kind, object);
+    const attr_def* const definition = object.as<attr_def>();
     return {0, object.name_text(), definition ? std::string(object_kind(*definition)) : ""};
-  }
-
-  void alone(Presence presence, const ObjectKind& kind, const Object& object) const {
-    visit_({presence, shown_object(kind, object), identity_of(kind, object), {}});
   }
 
   void common(const ObjectKind& kind, const Object& before, const Object& after) const {
     std::vector<Change> changes = changes_between(kind, before, after);
-    if (changes.empty()) return;
-    visit_({Presence::kChanged, shown_object(kind, before), identity_of(kind, before),
-            std::move(changes)});
+    if (!changes.empty()) visit_({Presence::kChanged, &kind, before, std::move(changes)});
   }
 
   EncodedDatabase before_;
@@ -191,11 +146,6 @@ class DatabaseComparison {
 };
 
 }  // namespace
-
-char sign_of(const Difference& difference) {
-  constexpr char kSigns[] = {'-', '+', '~'};
-  return kSigns[static_cast<std::size_t>(difference.presence)];
-}
 
 void for_each_difference(EncodedDatabase before, EncodedDatabase after,
                          const std::function<void(const Difference&)>& visit) {

@@ -7,13 +7,13 @@
 #include <type_traits>
 #include <vector>
 
-#include "edit/attribute_input.hpp"
-#include "input/attributes.hpp"
-#include "input/database.hpp"
+#include "base/characters.hpp"
+#include "edit/parse_attribute.hpp"
 #include "input/lookup.hpp"
-#include "input/object_names.hpp"
-#include "table/attribute_cells.hpp"
+#include "input/opening.hpp"
 #include "term/text.hpp"
+#include "words/attribute_words.hpp"
+#include "zelk/dbc.h"
 
 namespace zelk::tool {
 
@@ -22,6 +22,27 @@ namespace {
 /// Whether a target is the network itself.
 template <typename Record>
 constexpr bool kIsNetwork = std::is_same_v<Record, std::monostate>;
+
+constexpr std::size_t kLongestName = 128;
+
+/// Why no node, message, signal or environment variable can have the name in a file; empty when
+/// nothing does.
+std::string_view fault_of(std::string_view name) {
+  if (name.empty() || !std::ranges::all_of(name, is_name_character))
+    return "a name has letters, digits and _ only";
+  if (is_digit(name.front())) return "a name does not begin with a digit";
+  if (name.size() > kLongestName) return "a name has at most 128 characters";
+  if (name == ZELK_NO_NODE) return "that stands for no node";
+  constexpr int kIsNode = 1;
+  const bool can_name = zelk_can_name_object(std::string(name).c_str(), kIsNode) != 0;
+  return can_name ? std::string_view() : "that is a keyword of the format";
+}
+
+/// @throws RequestError when a file cannot hold the name
+void check_name(std::string_view name) {
+  const std::string_view fault = fault_of(name);
+  if (!fault.empty()) throw RequestError(fmt::format("no name is {}: {}", in_quotes(name), fault));
+}
 
 bool leads_to(const rxblk* links, const symblk& node) {
   return std::ranges::any_of(each(links),

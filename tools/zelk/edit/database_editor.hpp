@@ -8,7 +8,7 @@
 #include <string>
 
 #include "edit/edit_target.hpp"
-#include "input/database.hpp"
+#include "input/opening.hpp"
 
 namespace zelk::tool {
 

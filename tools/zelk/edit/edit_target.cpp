@@ -7,9 +7,9 @@
 #include <optional>
 #include <vector>
 
-#include "input/database.hpp"
 #include "input/lookup.hpp"
 #include "term/text.hpp"
+#include "words/record_words.hpp"
 
 namespace zelk::tool {
 
@@ -20,22 +20,20 @@ namespace {
 /// @param complaint  begins the message when there is none: "no node is named"
 template <typename Record>
 Record& only_named(const Record* list, std::string_view name, const std::string& complaint) {
-  std::vector<std::string_view> names;
+  NameSuggestion names(name);
   const Record* found = nullptr;
   for (const Record& record : each(list)) {
-    names.push_back(view(record.name));
-    if (names.back() != name) continue;
+    names.add(view(record.name));
+    if (view(record.name) != name) continue;
     if (found) throw RequestError(fmt::format("several are named {}", in_quotes(name)));
     found = &record;
   }
   if (found) return *changeable(found);
-  throw RequestError(fmt::format("{} {}{}", complaint, in_quotes(name), suggestion(names, name)));
+  throw RequestError(fmt::format("{} {}{}", complaint, in_quotes(name), names.text()));
 }
 
 std::string shown_message(const msgblk& message) {
-  const bool is_extended = message.id & ZELK_ID_EXTENDED;
-  return fmt::format("message 0x{:0{}X} {}", message.id & ~ZELK_ID_EXTENDED, is_extended ? 8 : 3,
-                     escaped(view(message.name)));
+  return fmt::format("message {} {}", padded_id(message.id), escaped(view(message.name)));
 }
 
 /// A file tells comments and attribute values by the identifier of the message.

@@ -6,7 +6,8 @@
 #include <system_error>
 #include <utility>
 
-#include "input/importing.hpp"
+#include "base/characters.hpp"
+#include "input/opening.hpp"
 #include "term/output.hpp"
 #include "term/text.hpp"
 
@@ -32,9 +33,7 @@ std::string database_name(std::string_view path) {
   std::string name;
   const std::string_view file = path.substr(path.find_last_of("/\\") + 1);
   for (const char c : file.substr(0, file.rfind('.'))) {
-    const bool is_letter = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_';
-    const bool is_digit = c >= '0' && c <= '9';
-    if (is_letter || (is_digit && !name.empty())) name += c;
+    if (is_letter(c) || (is_digit(c) && !name.empty())) name += c;
   }
   return name.empty() ? "database" : name.substr(0, kLongestName);
 }
@@ -54,7 +53,7 @@ bool DatabaseSet::open(const std::string& path) {
     print_error(fmt::format("{}: warning: named twice", escaped(path)));
     return true;
   }
-  tell_reports(opened, path);
+  print_reports(opened, path);
   if (!opened.database) return false;
   databases_.push_back({opened.name, {*opened.database, opened.encoding}});
   return true;
@@ -77,7 +76,7 @@ OpenedDatabase DatabaseSet::import(const std::string& path, const Format& format
     opened.error = ZelkErrorAlreadyOpen;
     return opened;
   }
-  return import_database(manager_, path, unique(database_name(path)).c_str(), import_call(format));
+  return import_database(manager_, path, unique(database_name(path)).c_str(), {format.module});
 }
 
 std::string DatabaseSet::unique(std::string_view name) {

@@ -10,8 +10,8 @@
 #include <string_view>
 #include <vector>
 
-#include "input/database.hpp"
 #include "input/formats.hpp"
+#include "input/opening.hpp"
 
 namespace zelk::tool {
 

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "input/lookup.hpp"
-#include "log/file_type.hpp"
+#include "term/file_type.hpp"
 #include "term/output.hpp"
 #include "term/text.hpp"
 
@@ -26,16 +26,16 @@ Binding parse_binding(const std::string& argument) {
   return {argument.substr(0, mark), argument.substr(mark + 1)};
 }
 
-/// Tells of a pattern that matches none of `names`.
+/// Prints an error for a pattern that matches none of `names`.
 bool check_pattern(std::string_view kind, const std::string& pattern,
-                   const std::vector<std::string_view>& names) {
-  const bool matches = std::ranges::any_of(
-      names, [&](std::string_view name) { return matches_wildcards(pattern, name); });
-  if (!matches) {
-    print_error(fmt::format("zelk: no {} is named {}{}", kind, in_quotes(pattern),
-                            suggestion(names, pattern)));
+                   const std::vector<std::string>& names) {
+  NameSuggestion others(pattern);
+  for (const std::string& name : names) {
+    if (matches_wildcards(pattern, name)) return true;
+    others.add(name);
   }
-  return matches;
+  print_error(fmt::format("zelk: no {} is named {}{}", kind, in_quotes(pattern), others.text()));
+  return false;
 }
 
 }  // namespace
@@ -51,18 +51,18 @@ CatalogDatabase::CatalogDatabase(EncodedDatabase of, const FrameOptions& options
   }
 }
 
-const MessageLayout* CatalogDatabase::layout_of(const ZelkFrameDecoder* decoder) const {
+const PreparedMessage* CatalogDatabase::layout_of(const ZelkFrameDecoder* decoder) const {
   const auto found = layouts_.find(decoder);
   return found == layouts_.end() ? nullptr : &found->second;
 }
 
-const MessageLayout* CatalogDatabase::find(std::uint32_t id) const {
+const PreparedMessage* CatalogDatabase::find(std::uint32_t id) const {
   // A group number is no identifier, even where they are equal.
   if (has_group_numbers_ && (id & ZELK_ID_EXTENDED)) return nullptr;
   return layout_of(decoders_.Find(id));
 }
 
-const MessageLayout* CatalogDatabase::find_group(std::uint32_t id) const {
+const PreparedMessage* CatalogDatabase::find_group(std::uint32_t id) const {
   if (!has_groups_ || !(id & ZELK_ID_EXTENDED)) return nullptr;
   const msgblk* const message = database_.GetJ1939Message(id, 0);
   return message ? layout_of(decoders_.Find(*message)) : nullptr;
@@ -71,7 +71,7 @@ const MessageLayout* CatalogDatabase::find_group(std::uint32_t id) const {
 bool FrameCatalog::open(const std::string& argument) {
   const Binding binding = parse_binding(argument);
   auto file = std::make_unique<DatabaseFile>();
-  const ZelkDatabase* const database = open_and_report(*file, binding.path);
+  const ZelkDatabase* const database = file->open_and_report(binding.path);
   if (!database) return false;
   for (const msgblk& message : each(database->messages))
     most_signals_ = std::max(most_signals_, each(message.signals).size());
@@ -80,14 +80,14 @@ bool FrameCatalog::open(const std::string& argument) {
   return true;
 }
 
-const MessageLayout* FrameCatalog::find(std::string_view interface_name, std::uint32_t id) const {
+const PreparedMessage* FrameCatalog::find(std::string_view interface_name, std::uint32_t id) const {
   for (const Source& source : sources_) {
     if (!source.counts_for(interface_name)) continue;
-    if (const MessageLayout* const layout = source.database->find(id)) return layout;
+    if (const PreparedMessage* const layout = source.database->find(id)) return layout;
   }
   for (const Source& source : sources_) {
     if (!source.counts_for(interface_name)) continue;
-    if (const MessageLayout* const layout = source.database->find_group(id)) return layout;
+    if (const PreparedMessage* const layout = source.database->find_group(id)) return layout;
   }
   return nullptr;
 }
@@ -95,19 +95,17 @@ const MessageLayout* FrameCatalog::find(std::string_view interface_name, std::ui
 bool FrameCatalog::check_filter() const {
   const NameFilter& filter = options_.filter;
   if (filter.messages.empty() && filter.signals.empty()) return true;
-  std::vector<std::string_view> messages;
-  std::vector<std::string_view> signals;
-  std::vector<std::string> qualified;
+  std::vector<std::string> messages;
+  std::vector<std::string> signals;
   for (const Source& source : sources_) {
     for (const msgblk& message : each(source.database->database().messages)) {
-      messages.push_back(view(message.name));
+      messages.emplace_back(view(message.name));
       for (const sigblk& signal : each(message.signals)) {
-        signals.push_back(view(signal.name));
-        qualified.push_back(fmt::format("{}.{}", view(message.name), view(signal.name)));
+        signals.emplace_back(view(signal.name));
+        signals.push_back(fmt::format("{}.{}", view(message.name), view(signal.name)));
       }
     }
   }
-  signals.insert(signals.end(), qualified.begin(), qualified.end());
   bool all = true;
   for (const std::string& pattern : filter.messages)
     all &= check_pattern("message", pattern, messages);

@@ -11,8 +11,8 @@
 #include <unordered_map>
 #include <vector>
 
-#include "input/database.hpp"
-#include "log/frame_layout.hpp"
+#include "input/opening.hpp"
+#include "log/prepared_message.hpp"
 
 namespace zelk::tool {
 
@@ -23,20 +23,20 @@ class CatalogDatabase {
   CatalogDatabase(EncodedDatabase of, const FrameOptions& options);
 
   /// The message with the identifier of a frame; null when there is none.
-  const MessageLayout* find(std::uint32_t id) const;
+  const PreparedMessage* find(std::uint32_t id) const;
   /// The parameter group of a frame with an extended identifier, in a database that has any.
-  const MessageLayout* find_group(std::uint32_t id) const;
+  const PreparedMessage* find_group(std::uint32_t id) const;
 
   const ZelkDatabase& database() const { return database_; }
 
  private:
-  const MessageLayout* layout_of(const ZelkFrameDecoder* decoder) const;
+  const PreparedMessage* layout_of(const ZelkFrameDecoder* decoder) const;
 
   const ZelkDatabase& database_;
   ZelkFrameDecoderTable decoders_;
   bool has_group_numbers_;  // in place of identifiers
   bool has_groups_;
-  std::unordered_map<const ZelkFrameDecoder*, MessageLayout> layouts_;
+  std::unordered_map<const ZelkFrameDecoder*, PreparedMessage> layouts_;
 };
 
 /// Databases in the order of the command line, each for all interfaces or for one.
@@ -59,7 +59,7 @@ class FrameCatalog {
 
   /// The layout of a frame's message: in the first database with the identifier, or else in the
   /// first with the parameter group; null when there is none.
-  const MessageLayout* find(std::string_view interface_name, std::uint32_t id) const;
+  const PreparedMessage* find(std::string_view interface_name, std::uint32_t id) const;
 
   const FrameOptions& options() const { return options_; }
   bool empty() const { return sources_.empty(); }

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "log/frame_writer.hpp"
-
 namespace zelk::tool {
 
 namespace {
@@ -73,14 +71,15 @@ void LogDecoder::decode_frame(DecodedBlock& result) {
     ++result.counts.unknown;
     return;
   }
-  const MessageLayout& message = *known.message;
+  const PreparedMessage& message = *known.message;
   ++result.counts.decoded;
   if (frame_.length < message.decoder->Message().dlc) ++result.counts.too_short;
   if (!message.is_shown) return;
   message.decoder->DecodeRaw(frame_.data.data(), frame_.length, raw_.data(), present_.data());
-  append_frame(result.text,
-               {frame_.time, channel.text, frame_.id, &message, raw_.data(), present_.data()},
-               catalog_.options());
+  const FrameOptions& options = catalog_.options();
+  options.format->append(
+      result.text, {frame_.time, channel.text, frame_.id, &message, raw_.data(), present_.data()},
+      options.raw);
 }
 
 // Most frames come from the interface of the frame before.
@@ -89,7 +88,7 @@ LogDecoder::Channel& LogDecoder::channel_of(std::string_view name) {
   auto found = channels_.find(name);
   if (found == channels_.end()) {
     found = channels_.try_emplace(std::string(name)).first;
-    found->second.text = interface_text(name, catalog_.options().format);
+    found->second.text = catalog_.options().format->interface_text(name);
   }
   last_channel_ = &*found;
   return found->second;

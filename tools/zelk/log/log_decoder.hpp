@@ -68,7 +68,7 @@ class LogDecoder {
  private:
   /// An identifier that was met, and what it means.
   struct KnownId {
-    const MessageLayout* message;  ///< null for none
+    const PreparedMessage* message;  ///< null for none
     std::uint64_t count;
   };
   /// An interface that was met.

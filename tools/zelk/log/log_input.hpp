@@ -54,6 +54,15 @@ class LogInput {
   bool skipping_ = false;  // inside a line that was too long
 };
 
+/// Looks for a frame among the first lines of the regular file `path`.
+///
+/// Anything else than a regular file is not touched: what is taken from a pipe is missing to the
+/// one who reads it later.
+///
+/// @return why the file is no log, for standard error; nothing when there is a frame
+/// @throws std::system_error when the file cannot be read
+std::optional<std::string> why_no_log(const std::string& path);
+
 }  // namespace zelk::tool
 
 #endif

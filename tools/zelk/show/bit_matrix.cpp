@@ -3,6 +3,7 @@
 #include <array>
 #include <map>
 
+#include "base/signal_bits.hpp"
 #include "term/text.hpp"
 
 namespace zelk::tool {
@@ -33,7 +34,7 @@ class Matrix {
   void place(const KeyedSignal& keyed) {
     const sigblk& signal = *keyed.signal;
     const std::uint32_t length = signal.length;
-    const bool motorola = signal.flags & ZELK_SIGNAL_MOTOROLA;
+    const bool motorola = is_motorola(signal);
     // Bytes are visited upwards in both byte orders; a signal that leaves the drawing is not
     // followed any further.
     for (std::uint32_t i = 0; i < length; ++i) {
@@ -128,15 +129,13 @@ class Matrix {
 
 }  // namespace
 
-// Intel counts on from the start bit towards more significant bits:     byte * 8 + bit.
-// Motorola signals run along the bits in the order of transmission, most significant first: byte *
-// 8 + (7 - bit).
+// Motorola signals run along the bits as transmitted, most significant first.
 BitPlace bit_place(const sigblk& signal, std::uint32_t index) {
   const std::uint32_t start = signal.start_bit;
-  if (!(signal.flags & ZELK_SIGNAL_MOTOROLA)) return {(start + index) >> 3, (start + index) & 7};
-  const std::uint32_t first_sent = (start & ~7u) + 7 - (start & 7);
-  const std::uint32_t sent = first_sent + signal.length - 1 - index;
-  return {sent >> 3, 7 - (sent & 7)};
+  const std::uint32_t bit = is_motorola(signal)
+                                ? mirrored_bit(mirrored_bit(start) + signal.length - 1 - index)
+                                : start + index;
+  return {bit >> 3, bit & 7};
 }
 
 void draw_bit_matrix(Output& out, std::uint32_t dlc, const std::vector<KeyedSignal>& signals,

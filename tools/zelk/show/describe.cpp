@@ -1,7 +1,8 @@
 #include "show/describe.hpp"
 
-#include "input/attributes.hpp"
 #include "term/text.hpp"
+#include "words/attribute_words.hpp"
+#include "words/record_words.hpp"
 
 namespace zelk::tool {
 
@@ -20,26 +21,11 @@ void section(Output& out, std::string_view heading, const Record* head, const Sh
 
 }  // namespace
 
-std::string_view env_var_type(std::uint32_t type) {
-  switch (type) {
-    case ZELK_ENVVAR_INTEGER:
-      return "integer";
-    case ZELK_ENVVAR_FLOAT:
-      return "float";
-    case ZELK_ENVVAR_STRING:
-      return "string";
-    case ZELK_ENVVAR_DATA:
-      return "data";
-    default:
-      return "unknown type";
-  }
-}
-
 Describer::Describer(EncodedDatabase database, Output& out)
     : database_(database.records),
       encoding_(database.encoding),
       out_(out),
-      j1939_(database.records) {}
+      parameter_groups_(database.records) {}
 
 std::string Describer::shown(std::string_view text) const {
   return escaped(to_utf8(text, encoding_));

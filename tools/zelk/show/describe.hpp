@@ -10,9 +10,9 @@
 #include <unordered_map>
 #include <vector>
 
-#include "input/database.hpp"
-#include "input/j1939.hpp"
+#include "input/opening.hpp"
 #include "term/output.hpp"
+#include "words/j1939.hpp"
 
 namespace zelk::tool {
 
@@ -73,17 +73,8 @@ class Describer {
   const ZelkDatabase& database_;
   Encoding encoding_;
   Output& out_;
-  J1939 j1939_;
+  ParameterGroups parameter_groups_;
 };
-
-/// "integer", "string", ...: the type of an environment variable (`ZELK_ENVVAR_*`).
-std::string_view env_var_type(std::uint32_t type);
-
-/// "signed", "IEEE single", ...: how the bits of a signal or signal type are read.
-std::string number_format(std::uint16_t flags, std::uint32_t value_type);
-
-/// "0x123 (291), 11-bit": the identifier without its format bit, and its format.
-std::string shown_id(std::uint32_t id);
 
 }  // namespace zelk::tool
 

@@ -1,23 +1,21 @@
 #include <algorithm>
 #include <set>
 
+#include "base/multiplexing.hpp"
 #include "show/bit_matrix.hpp"
 #include "show/describe.hpp"
 #include "show/layouts.hpp"
 #include "term/text.hpp"
+#include "words/record_words.hpp"
 
 namespace zelk::tool {
 
 namespace {
 
-constexpr std::uint32_t kLargestStandardId = 0x7FF;
-constexpr std::uint32_t kLargestExtendedId = 0x1FFFFFFF;
-
 /// "16 bits, Intel, unsigned"
 template <typename Coded>
 std::string coding(const Coded& coded) {
-  return fmt::format("{}, {}, {}", counted(coded.length, "bit"),
-                     coded.flags & ZELK_SIGNAL_MOTOROLA ? "Motorola" : "Intel",
+  return fmt::format("{}, {}, {}", counted(coded.length, "bit"), byte_order(coded.flags),
                      number_format(coded.flags, coded.value_type));
 }
 
@@ -48,28 +46,6 @@ std::string place_text(const sigblk& signal) {
 
 }  // namespace
 
-std::string number_format(std::uint16_t flags, std::uint32_t value_type) {
-  switch (value_type) {
-    case ZELK_VALUE_INTEGER:
-      return flags & ZELK_SIGNAL_SIGNED ? "signed" : "unsigned";
-    case ZELK_VALUE_IEEE_SINGLE:
-      return "IEEE single";
-    case ZELK_VALUE_IEEE_DOUBLE:
-      return "IEEE double";
-    default:
-      return fmt::format("{}, value type {}", flags & ZELK_SIGNAL_SIGNED ? "signed" : "unsigned",
-                         value_type);
-  }
-}
-
-std::string shown_id(std::uint32_t id) {
-  const bool extended = id & ZELK_ID_EXTENDED;
-  const std::uint32_t number = id & ~ZELK_ID_EXTENDED;
-  const bool fits = number <= (extended ? kLargestExtendedId : kLargestStandardId);
-  return fmt::format("0x{:X} ({}), {}{}", number, number, extended ? "29-bit" : "11-bit",
-                     fits ? "" : ", out of range");
-}
-
 template <typename Scaled>
 std::string Describer::scaling(const Scaled& scaled) const {
   return fmt::format("factor {}, offset {}, range {} to {}{}", scaled.factor, scaled.offset,
@@ -84,8 +60,8 @@ std::string Describer::multiplexor_name(const sigblk& signal) const {
 /// look odd.
 std::string Describer::legend_remarks(const sigblk& signal, std::uint32_t dlc, bool drawn) const {
   std::string text;
-  if (signal.flags & ZELK_SIGNAL_MULTIPLEXOR) text += ", multiplexor";
-  if (signal.mux_signal || signal.mux_ranges) {
+  if (is_multiplexor(signal)) text += ", multiplexor";
+  if (is_multiplexed(signal)) {
     text += fmt::format(", for {} = {}", multiplexor_name(signal),
                         signal.mux_ranges ? presence_values(signal) : "(none)");
   }
@@ -108,7 +84,7 @@ void Describer::message_heading(const msgblk& message) const {
 }
 
 void Describer::message_details(const msgblk& message) const {
-  if (const auto group = j1939_.group_of(message)) out_.line("J1939: {}", *group);
+  if (const auto group = parameter_groups_.description(message)) out_.line("J1939: {}", *group);
   transmitters(message);
   category_line(message.category);
   attributes(message.attrs);
@@ -158,8 +134,8 @@ void Describer::signal_details(const sigblk& signal, const GroupsOfSignal& group
 }
 
 void Describer::multiplexing(const sigblk& signal) const {
-  const bool selects = signal.flags & ZELK_SIGNAL_MULTIPLEXOR;
-  const bool is_selected = signal.mux_signal || signal.mux_ranges;
+  const bool selects = is_multiplexor(signal);
+  const bool is_selected = is_multiplexed(signal);
   if (!selects && !is_selected) return;
   std::string presence;
   if (is_selected) {

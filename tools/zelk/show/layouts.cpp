@@ -9,8 +9,10 @@
 #include <set>
 #include <unordered_map>
 
-#include "input/database.hpp"
+#include "base/multiplexing.hpp"
 #include "term/text.hpp"
+#include "words/record_words.hpp"
+#include "zelk/query.h"
 
 namespace zelk::tool {
 
@@ -30,10 +32,6 @@ struct Selection {
   Signals signals;
   std::vector<Range> ranges;
 };
-
-std::string range_text(std::uint64_t low, std::uint64_t high) {
-  return low == high ? fmt::format("{}", low) : fmt::format("{}..{}", low, high);
-}
 
 /// Where the set of selected signals changes: at `value`, `signal` (an index) begins or ceases to
 /// be there.
@@ -106,7 +104,7 @@ class LayoutBuilder {
  public:
   LayoutBuilder(const msgblk& message, Encoding encoding) : encoding_(encoding) {
     for (const sigblk& signal : each(message.signals)) {
-      if (signal.mux_signal || signal.mux_ranges) {
+      if (is_multiplexed(signal)) {
         dependants_[signal.mux_signal].push_back(&signal);
       } else {
         always_.push_back(&signal);
@@ -169,13 +167,6 @@ class LayoutBuilder {
 
 Layouts layouts_of(const msgblk& message, Encoding encoding) {
   return LayoutBuilder(message, encoding).build();
-}
-
-std::string presence_values(const sigblk& signal) {
-  std::string text;
-  for (const muxor_val_range& range : each(signal.mux_ranges))
-    text += (text.empty() ? "" : ", ") + range_text(range.low, range.high);
-  return text;
 }
 
 }  // namespace zelk::tool

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "input/text_encoding.hpp"
+#include "input/encoded_database.hpp"
 #include "zelk/records.h"
 
 namespace zelk::tool {
@@ -36,10 +36,6 @@ struct Layouts {
 ///
 /// @param encoding  of the message's texts; conditions are in UTF-8
 Layouts layouts_of(const msgblk& message, Encoding encoding);
-
-/// The multiplexor values for which `signal` is there, in list order: "3, 5..7"; empty when it has
-/// none.
-std::string presence_values(const sigblk& signal);
 
 }  // namespace zelk::tool
 

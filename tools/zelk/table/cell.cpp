@@ -5,86 +5,101 @@
 #include <cmath>
 #include <utility>
 
-#include "input/database.hpp"
+#include "base/list.hpp"
 #include "term/text.hpp"
+#include "words/attribute_words.hpp"
 
 namespace zelk::tool {
 
 namespace {
 
-std::string shown_number(const Json& number, int hex_digits) {
-  if (hex_digits > 0) return fmt::format("0x{:0{}X}", number.get<std::uint64_t>(), hex_digits);
-  if (number.is_number_float()) return fmt::format("{}", number.get<double>());
-  return fmt::format("{}", number.get<std::int64_t>());
+std::string shown_number(double number, int hex_digits) {
+  if (hex_digits == 0) return fmt::format("{}", number);
+  return fmt::format("0x{:0{}X}", static_cast<std::uint64_t>(number), hex_digits);
 }
 
-/// Of an element of a list.
-std::string shown_element(const Json& value) {
-  if (value.is_string()) {
-    const std::string& text = value.get_ref<const std::string&>();
-    return text.empty() ? "\"\"" : escaped(text);
-  }
-  return fmt::format("{}={}", shown_number(value.at("value"), 0),
-                     in_quotes(value.at("text").get_ref<const std::string&>()));
+std::string shown_element(const CellElement& element) {
+  if (element.number) return fmt::format("{}={}", *element.number, in_quotes(element.text));
+  return element.text.empty() ? "\"\"" : escaped(element.text);
 }
 
-void make_utf8(Json& value, Encoding encoding) {
-  if (value.is_string()) value = to_utf8(value.get_ref<const std::string&>(), encoding);
-  if (!value.is_structured()) return;
-  for (Json& element : value) make_utf8(element, encoding);
+Cell number_cell(const attr_def& definition, double value) {
+  return is_hexadecimal(definition, value) ? hexadecimal(value, 1) : number(value);
+}
+
+bool has_item(const attr_def& definition, double index) {
+  const std::size_t count = EnumItems(view(definition.enum_values)).size();
+  return index >= 0 && index <= static_cast<double>(count - 1);
 }
 
 }  // namespace
 
 Cell none() { return {}; }
 
-Cell text(const char* text) { return {Json(view(text))}; }
+Cell text(std::string_view text) { return {std::string(text)}; }
 
-Cell text(std::string_view text) { return {Json(text)}; }
+Cell number(double number) { return {number + 0.0}; }  // turns a negative zero into 0
 
-Cell number(double number) {
-  constexpr double kEndOfWhole = 9007199254740992.0;  // 2^53: from here on, doubles skip numbers
-  if (std::abs(number) < kEndOfWhole && number == std::floor(number))
-    return {Json(static_cast<std::int64_t>(number))};
-  return {Json(number)};
-}
+Cell hexadecimal(double number, int digits) { return {number, digits}; }
 
-Cell hexadecimal(std::uint64_t number, int digits) { return {Json(number), digits}; }
-
-Cell yes_or_no(bool yes) { return {Json(yes)}; }
+Cell yes_or_no(bool yes) { return {yes}; }
 
 Cell value_descriptions(const val* values) {
-  Cell list{Json::array()};
+  CellList list;
   for (const val& value : each(values))
-    list.value.push_back(Json{{"value", value.value}, {"text", view(value.text)}});
-  return list;
+    list.push_back({std::string(view(value.text)), value.value});
+  return {std::move(list)};
 }
 
 Cell node_names(const rxblk* links) {
-  Cell list{Json::array()};
+  CellList list;
   for (const rxblk& link : each(links))
-    if (link.node) list.value.push_back(view(link.node->name));
-  return list;
+    if (link.node) list.push_back({std::string(view(link.node->name))});
+  return {std::move(list)};
+}
+
+Cell value_cell(const attr& value) {
+  const attr_def& definition = *value.def;
+  const double number = value.value.number;
+  const bool is_text = !has_range(definition) &&
+                       (definition.value_type == ZELK_ATTR_STRING || has_item(definition, number));
+  return is_text ? text(attribute_text(value).value_or("")) : number_cell(definition, number);
+}
+
+Cell default_cell(const attr_def& definition) {
+  return has_range(definition) ? number_cell(definition, definition.default_value.number)
+                               : text(default_text(definition).value_or(""));
+}
+
+Cell effective_value(const attr* values, const attr_def* definition) {
+  if (!definition) return none();
+  for (const attr& value : each(values))
+    if (view(value.def->name) == view(definition->name)) return value_cell(value);
+  return default_cell(*definition);
 }
 
 Cell in_utf8(Cell cell, Encoding encoding) {
-  make_utf8(cell.value, encoding);
+  if (auto* const text = std::get_if<std::string>(&cell.value)) *text = to_utf8(*text, encoding);
+  if (auto* const list = std::get_if<CellList>(&cell.value))
+    for (CellElement& element : *list) element.text = to_utf8(element.text, encoding);
   return cell;
 }
 
-std::string shown(const Cell& cell) {
-  const Json& value = cell.value;
-  if (value.is_null()) return {};
-  if (value.is_number()) return shown_number(value, cell.hex_digits);
-  if (value.is_boolean()) return value.get<bool>() ? "yes" : "no";
-  if (value.is_string()) return escaped(value.get_ref<const std::string&>());
-  std::string list;
-  for (const Json& element : value) list += ", " + shown_element(element);
-  return list.empty() ? list : list.substr(2);
+// From 2^53 on, doubles skip whole numbers.
+bool is_whole(double number) {
+  constexpr double kEndOfWhole = 9007199254740992.0;
+  return std::abs(number) < kEndOfWhole && number == std::floor(number);
 }
 
-std::string plain(const Cell& cell) {
-  return cell.value.is_string() ? cell.value.get<std::string>() : shown(cell);
+std::string shown(const Cell& cell) {
+  if (const double* const number = cell.number()) return shown_number(*number, cell.hex_digits);
+  if (const std::string* const text = cell.text()) return escaped(*text);
+  if (const bool* const yes = std::get_if<bool>(&cell.value)) return *yes ? "yes" : "no";
+  if (cell.is_none()) return {};
+  std::string shown;
+  for (const CellElement& element : *cell.list())
+    shown += (shown.empty() ? "" : ", ") + shown_element(element);
+  return shown;
 }
 
 }  // namespace zelk::tool

@@ -10,17 +10,23 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <variant>
 #include <vector>
 
-#include "input/database.hpp"
+#include "input/encoded_database.hpp"
 #include "table/cell.hpp"
+#include "table/columns.hpp"
 
 namespace zelk::tool {
 
-/// One object of a database, into which it points. Of value descriptions and attribute values it
-/// lives no longer than the call that it is handed to.
+using ObjectRecord = std::variant<const symblk*, const msgblk*, const sigblk*, const siggroupblk*,
+                                  const env_var_blk*, const valtable*, const sigtype*, const cat*,
+                                  const attr_def*, const AttributeValue*, const Description*>;
+
+/// One object of a database, into which it points. Value descriptions and attribute values live no
+/// longer than the call that hands them out.
 struct Object {
-  const void* record;
+  ObjectRecord record;
   std::string_view name;             ///< as in the record
   const msgblk* owner = nullptr;     ///< the message that has it; null for none
   const char* comment = nullptr;     ///< may be null
@@ -29,9 +35,18 @@ struct Object {
   const rxblk* links = nullptr;      ///< to the nodes that send, receive or access it
   Encoding encoding = Encoding::kUtf8;
 
+  /// The record, when it is of this type; else null.
+  template <typename Record>
+  const Record* as() const {
+    const auto* const pointer = std::get_if<const Record*>(&record);
+    return pointer ? *pointer : nullptr;
+  }
+
   std::string name_text() const { return to_utf8(name, encoding); }
   /// The name of `owner`; empty for none.
   std::string owner_text() const;
+  /// The comment in UTF-8.
+  Cell comment_cell() const;
 };
 
 using VisitObject = std::function<void(const Object&)>;

@@ -1,10 +1,9 @@
 /// \file
-/// Tables, as text and for programs.
+/// Tables, whatever their format; each format stands in a source of its own.
 
 #ifndef ZELK_TOOL_TABLE_ROWS_HPP
 #define ZELK_TOOL_TABLE_ROWS_HPP
 
-#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
@@ -13,12 +12,6 @@
 #include "term/output.hpp"
 
 namespace zelk::tool {
-
-enum class RowFormat {
-  kTable,  ///< aligned columns, numbers to the right; "-" for what is missing or empty
-  kJson,   ///< an array of objects with the headings as keys, one in a line
-  kCsv,    ///< RFC 4180, with a line of headings
-};
 
 /// Writes the rows of one table.
 class RowWriter {
@@ -36,22 +29,12 @@ class RowWriter {
   RowWriter() = default;
 };
 
-/// @param out  must outlive the writer
-std::unique_ptr<RowWriter> make_row_writer(RowFormat format,
-                                           const std::vector<std::string>& headings, Output& out);
+/// Makes a writer to `out`, which must outlive it.
+using MakeRows = std::unique_ptr<RowWriter>(const std::vector<std::string>& headings, Output& out);
 
-/// Writes the elements of a JSON array, one in a line.
-class JsonArray {
- public:
-  explicit JsonArray(Output& out) : out_(out) {}
-
-  void element(const Json& element);  ///< whose texts are in UTF-8
-  void finish();
-
- private:
-  Output& out_;
-  std::string pending_;  // the last element, which gets a comma or not
-};
+MakeRows make_text_rows;  ///< aligned columns, numbers to the right; "-" for missing or empty
+MakeRows make_json_rows;  ///< an array of objects with the headings as keys, one in a line
+MakeRows make_csv_rows;   ///< RFC 4180, with a line of headings
 
 }  // namespace zelk::tool
 

@@ -26,10 +26,13 @@ std::string json_string(std::string_view text) {
 }
 
 std::string csv_field(std::string_view text) {
-  std::string field = escaped_between_lines(utf8(text));
-  if (field.find_first_of(",\"\r\n") == std::string::npos) return field;
+  return csv_quoted(escaped_between_lines(utf8(text)));
+}
+
+std::string csv_quoted(std::string_view text) {
+  if (text.find_first_of(",\"\r\n") == std::string_view::npos) return std::string(text);
   std::string result = "\"";
-  for (const char c : field) {
+  for (const char c : text) {
     if (c == '"') result += '"';
     result += c;
   }

@@ -1,0 +1,56 @@
+/// \file
+/// The formats in which decoded frames are printed; each stands in a source of its own.
+
+#ifndef ZELK_TOOL_LOG_FRAME_FORMAT_HPP
+#define ZELK_TOOL_LOG_FRAME_FORMAT_HPP
+
+#include <string>
+#include <string_view>
+
+#include "term/line_buffer.hpp"
+
+namespace zelk::tool {
+
+struct DecodedFrame;
+
+/// The texts around the value of a signal.
+struct SignalTexts {
+  std::string lead;   ///< in front of it
+  std::string trail;  ///< behind it
+};
+
+/// Makes the texts of a database once, and then the lines of frames from them. Texts of databases
+/// are in UTF-8.
+class FrameFormat {
+ public:
+  virtual ~FrameFormat() = default;
+  FrameFormat(const FrameFormat&) = delete;
+  FrameFormat& operator=(const FrameFormat&) = delete;
+
+  /// The line in front of all frames; empty for none.
+  virtual std::string_view heading() const { return {}; }
+  /// The name of a message.
+  virtual std::string message_text(std::string_view name) const = 0;
+  /// The name of an interface, empty for none; one that is no UTF-8 comes from a log.
+  virtual std::string interface_text(std::string_view name) const = 0;
+  /// @param unit  empty for none
+  virtual SignalTexts signal_texts(std::string_view name, std::string_view unit) const = 0;
+  /// A value description of the signal `name`.
+  virtual std::string description_text(std::string_view name, std::string_view text) const = 0;
+
+  /// Appends the line of a frame, or its lines; none when a signal is wanted that it does not hold.
+  ///
+  /// @param raw  raw values instead of physical ones
+  virtual void append(LineBuffer& out, const DecodedFrame& frame, bool raw) const = 0;
+
+ protected:
+  constexpr FrameFormat() = default;
+};
+
+const FrameFormat& text_frames();  ///< a line for each frame
+const FrameFormat& json_frames();  ///< an object in a line for each frame
+const FrameFormat& csv_frames();   ///< a line for each signal
+
+}  // namespace zelk::tool
+
+#endif

@@ -1,0 +1,104 @@
+#include "log/prepared_message.hpp"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <limits>
+
+#include "base/list.hpp"
+#include "base/signal_bits.hpp"
+
+namespace zelk::tool {
+
+namespace {
+
+DescriptionTexts descriptions_of(const sigblk& signal, std::string_view name,
+                                 const FrameOptions& options, Encoding encoding) {
+  DescriptionTexts texts;
+  if (options.numbers || is_ieee(signal)) return texts;
+  for (const val& value : each(signal.values)) {
+    texts.add(static_cast<std::uint32_t>(value.value),
+              options.format->description_text(name, to_utf8(view(value.text), encoding)));
+  }
+  return texts;
+}
+
+void append_double(LineBuffer& out, double number, NonFinite non_finite) {
+  if (non_finite == NonFinite::kAsNull && !std::isfinite(number)) return out.append("null");
+  out.end_at(put_double(out.room(kNumberBytes), number));
+}
+
+/// The number in an IEEE signal, a single with no more digits than its bits are worth.
+void append_ieee(LineBuffer& out, const PreparedSignal& signal, std::int64_t value,
+                 NonFinite non_finite) {
+  const double number = signal.ieee_number(value);
+  if (signal.is_double || !std::isfinite(number)) return append_double(out, number, non_finite);
+  out.end_at(put_float(out.room(kNumberBytes), static_cast<float>(number)));
+}
+
+}  // namespace
+
+// Texts are few: a new one finds its place among those that are there.
+void DescriptionTexts::add(std::uint32_t value, std::string text) {
+  const auto at = std::ranges::lower_bound(entries_, value, {}, &Entry::value);
+  if (at == entries_.end() || at->value != value) entries_.insert(at, {value, std::move(text)});
+}
+
+std::string_view DescriptionTexts::find(std::int64_t raw) const {
+  if (entries_.empty()) return {};
+  if (raw < std::numeric_limits<std::int32_t>::min() ||
+      raw > std::numeric_limits<std::uint32_t>::max()) {
+    return {};
+  }
+  const auto value = static_cast<std::uint32_t>(raw);
+  const auto at = std::ranges::lower_bound(entries_, value, {}, &Entry::value);
+  return at != entries_.end() && at->value == value ? at->text : std::string_view();
+}
+
+PreparedSignal::PreparedSignal(const sigblk& signal, std::size_t position,
+                               const FrameOptions& options, Encoding encoding)
+    : index(position),
+      is_signed(zelk::is_signed(signal)),
+      is_ieee(zelk::is_ieee(signal)),
+      is_double(signal.value_type == ZELK_VALUE_IEEE_DOUBLE),
+      factor(signal.factor),
+      offset(signal.offset),
+      scale(signal.factor, signal.offset) {
+  const std::string name = to_utf8(view(signal.name), encoding);
+  const std::string unit = options.raw ? "" : to_utf8(view(signal.unit), encoding);
+  texts = options.format->signal_texts(name, unit);
+  descriptions = descriptions_of(signal, name, options, encoding);
+}
+
+double PreparedSignal::ieee_number(std::int64_t raw) const {
+  if (is_double) return std::bit_cast<double>(raw);
+  return static_cast<double>(std::bit_cast<float>(static_cast<std::uint32_t>(raw)));
+}
+
+void append_value(LineBuffer& out, const PreparedSignal& signal, std::int64_t value, bool raw,
+                  NonFinite non_finite) {
+  if (!signal.is_ieee) {
+    char* const at = out.room(kNumberBytes);
+    out.end_at(raw ? put_integer(at, value, signal.is_signed)
+                   : signal.scale.put(at, value, signal.is_signed));
+  } else if (raw || (signal.factor == 1 && signal.offset == 0)) {
+    append_ieee(out, signal, value, non_finite);
+  } else {
+    append_double(out, signal.ieee_number(value) * signal.factor + signal.offset, non_finite);
+  }
+}
+
+PreparedMessage::PreparedMessage(const ZelkFrameDecoder& of, const FrameOptions& options,
+                                 Encoding encoding)
+    : decoder(&of),
+      name(options.format->message_text(to_utf8(view(of.Message().name), encoding))),
+      needs_signal(!options.filter.signals.empty()) {
+  const msgblk& message = of.Message();
+  for (std::size_t i = 0; i < of.SignalCount(); ++i) {
+    if (options.filter.takes(message, of.Signal(i)))
+      signals.emplace_back(of.Signal(i), i, options, encoding);
+  }
+  is_shown = options.filter.takes(message) && !(needs_signal && signals.empty());
+}
+
+}  // namespace zelk::tool

@@ -1,0 +1,106 @@
+/// \file
+/// What a message needs to print its frames, prepared once.
+
+#ifndef ZELK_TOOL_LOG_PREPARED_MESSAGE_HPP
+#define ZELK_TOOL_LOG_PREPARED_MESSAGE_HPP
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/encoding.hpp"
+#include "input/name_filter.hpp"
+#include "log/frame_format.hpp"
+#include "term/decimal.hpp"
+#include "zelk/frame_decoder.hpp"
+
+namespace zelk::tool {
+
+/// Which fields of a frame are printed, and in which format.
+struct FrameOptions {
+  const FrameFormat* format = &text_frames();
+  bool raw = false;      ///< raw values instead of physical ones
+  bool numbers = false;  ///< no value descriptions
+  NameFilter filter;
+};
+
+/// The value descriptions of a signal, each as the format has it.
+class DescriptionTexts {
+ public:
+  /// Of several texts for a value the first counts.
+  void add(std::uint32_t value, std::string text);
+  /// The text for a raw value; empty for none.
+  std::string_view find(std::int64_t raw) const;
+
+ private:
+  struct Entry {
+    std::uint32_t value;
+    std::string text;
+  };
+
+  std::vector<Entry> entries_;  // by value
+};
+
+/// One signal of a message.
+struct PreparedSignal {
+  PreparedSignal(const sigblk& signal, std::size_t position, const FrameOptions& options,
+                 Encoding encoding);
+
+  /// The number in an IEEE signal.
+  double ieee_number(std::int64_t raw) const;
+
+  std::size_t index;  ///< among the message's signals
+  bool is_signed;
+  bool is_ieee;
+  bool is_double;  ///< of 64 bits, when it is an IEEE signal
+  double factor;
+  double offset;
+  DecimalScale scale;
+  SignalTexts texts;
+  DescriptionTexts descriptions;
+};
+
+/// How not-a-number and the infinities are written: "nan", "inf", "-inf", or "null".
+enum class NonFinite { kAsText, kAsNull };
+
+/// @param raw     the raw value instead of the physical one
+/// @param value   of the signal, from `ZelkFrameDecoder::DecodeRaw`
+void append_value(LineBuffer& out, const PreparedSignal& signal, std::int64_t value, bool raw,
+                  NonFinite non_finite);
+
+/// One message.
+struct PreparedMessage {
+  /// @param encoding  of the database's texts
+  PreparedMessage(const ZelkFrameDecoder& of, const FrameOptions& options, Encoding encoding);
+
+  const ZelkFrameDecoder* decoder;
+  std::string name;                     ///< as the format has it
+  std::vector<PreparedSignal> signals;  ///< those to print, in the order of the message
+  bool is_shown;      ///< whether the filter takes the message and any of its signals
+  bool needs_signal;  ///< whether a frame without any signal to print is left out
+};
+
+/// A decoded frame.
+struct DecodedFrame {
+  std::string_view time;            ///< empty for none
+  std::string_view interface_text;  ///< as the format has it
+  std::uint32_t id;                 ///< bit 31: extended
+  const PreparedMessage* message;
+  const std::int64_t* raw;       ///< from `ZelkFrameDecoder::DecodeRaw`
+  const std::uint64_t* present;  ///< likewise
+};
+
+/// Calls `visit(signal, raw value)` for each signal to print that the frame holds.
+template <typename Visit>
+void for_each_present(const DecodedFrame& frame, const Visit& visit) {
+  for (const PreparedSignal& signal : frame.message->signals) {
+    if (frame.present[signal.index / 64] >> (signal.index % 64) & 1)
+      visit(signal, frame.raw[signal.index]);
+  }
+}
+
+}  // namespace zelk::tool
+
+#endif

@@ -1,0 +1,138 @@
+#include "term/decimal.hpp"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <optional>
+#include <string_view>
+
+namespace zelk::tool {
+
+namespace {
+
+// No two decimals of up to 15 digits are the same double: a text of so few digits is the shortest
+// one of its double.
+constexpr std::int64_t kLargest = 1'000'000'000'000'000;
+constexpr int kLargestExponent = 15;
+constexpr int kMostDecimals = 12;
+
+/// digits * 10^exponent
+struct Decimal {
+  std::int64_t digits;
+  int exponent;
+};
+
+std::int64_t power_of_ten(int exponent) {
+  std::int64_t power = 1;
+  for (; exponent > 0; --exponent) power *= 10;
+  return power;
+}
+
+/// The shortest decimal of `value`; none for one of more than 15 digits or beyond the exponents
+/// used here.
+std::optional<Decimal> decimal_of(double value) {
+  if (!std::isfinite(value)) return std::nullopt;
+  std::array<char, kNumberBytes> buffer;
+  const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
+                                          std::chars_format::scientific);
+  if (error != std::errc()) return std::nullopt;
+  // "-1.25e-02"
+  Decimal result = {0, 0};
+  const char* at = buffer.data();
+  const bool is_negative = *at == '-';
+  if (is_negative) ++at;
+  bool behind_point = false;
+  for (; *at != 'e'; ++at) {
+    if (*at == '.') {
+      behind_point = true;
+      continue;
+    }
+    if (result.digits >= kLargest / 10) return std::nullopt;
+    result.digits = result.digits * 10 + (*at - '0');
+    if (behind_point) --result.exponent;
+  }
+  ++at;
+  if (*at == '+') ++at;
+  int exponent = 0;
+  std::from_chars(at, end, exponent);
+  result.exponent += exponent;
+  if (is_negative) result.digits = -result.digits;
+  if (std::abs(result.exponent) > kLargestExponent) return std::nullopt;
+  return result;
+}
+
+/// The digits of `decimal` in units of 10^-decimals; none when they are too many.
+std::optional<std::int64_t> in_units(const Decimal& decimal, int decimals) {
+  const int shift = decimal.exponent + decimals;
+  if (shift < 0 || shift > kLargestExponent) return std::nullopt;
+  const std::int64_t power = power_of_ten(shift);
+  if (std::abs(decimal.digits) > kLargest / power) return std::nullopt;
+  return decimal.digits * power;
+}
+
+/// magnitude / 10^decimals, without needless zeros.
+char* put_with_point(char* at, std::uint64_t magnitude, std::size_t decimals) {
+  while (decimals > 0 && magnitude % 10 == 0) {
+    magnitude /= 10;
+    --decimals;
+  }
+  if (decimals == 0) return std::to_chars(at, at + kNumberBytes, magnitude).ptr;
+  std::array<char, 20> digits;
+  const char* const end =
+      std::to_chars(digits.data(), digits.data() + digits.size(), magnitude).ptr;
+  const auto count = static_cast<std::size_t>(end - digits.data());
+  if (count <= decimals) {
+    *at++ = '0';
+    *at++ = '.';
+    at = std::fill_n(at, decimals - count, '0');
+    return std::copy_n(digits.data(), count, at);
+  }
+  at = std::copy_n(digits.data(), count - decimals, at);
+  *at++ = '.';
+  return std::copy_n(end - decimals, decimals, at);
+}
+
+}  // namespace
+
+char* put_double(char* at, double value) { return fmt::format_to(at, "{}", value); }
+
+char* put_float(char* at, float value) { return fmt::format_to(at, "{}", value); }
+
+char* put_integer(char* at, std::int64_t raw, bool is_signed) {
+  if (is_signed) return std::to_chars(at, at + kNumberBytes, raw).ptr;
+  return std::to_chars(at, at + kNumberBytes, static_cast<std::uint64_t>(raw)).ptr;
+}
+
+DecimalScale::DecimalScale(double factor, double offset) : factor_(factor), offset_(offset) {
+  const std::optional<Decimal> step = decimal_of(factor);
+  const std::optional<Decimal> start = decimal_of(offset);
+  if (!step || !start) return;
+  const int decimals = std::max({0, -step->exponent, -start->exponent});
+  if (decimals > kMostDecimals) return;
+  const std::optional<std::int64_t> multiplier = in_units(*step, decimals);
+  const std::optional<std::int64_t> addend = in_units(*start, decimals);
+  if (!multiplier || !addend) return;
+  multiplier_ = *multiplier;
+  addend_ = *addend;
+  decimals_ = static_cast<std::size_t>(decimals);
+  limit_ = (kLargest - 1 - std::abs(addend_)) / std::max<std::int64_t>(std::abs(multiplier_), 1);
+}
+
+char* DecimalScale::put(char* at, std::int64_t raw, bool is_signed) const {
+  const bool is_huge = raw < 0 && !is_signed;  // above 2^63
+  if (is_huge || raw > limit_ || raw < -limit_) {
+    const double number =
+        is_signed ? static_cast<double>(raw) : static_cast<double>(static_cast<std::uint64_t>(raw));
+    return put_double(at, number * factor_ + offset_);
+  }
+  const std::int64_t units = raw * multiplier_ + addend_;
+  if (units < 0) *at++ = '-';
+  return put_with_point(at, static_cast<std::uint64_t>(std::abs(units)), decimals_);
+}
+
+}  // namespace zelk::tool

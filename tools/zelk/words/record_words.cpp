@@ -1,0 +1,73 @@
+#include "words/record_words.hpp"
+
+#include <fmt/format.h>
+
+#include "base/list.hpp"
+
+namespace zelk::tool {
+
+namespace {
+
+constexpr std::uint32_t kLargestStandardId = 0x7FF;
+constexpr std::uint32_t kLargestExtendedId = 0x1FFFFFFF;
+
+}  // namespace
+
+std::string padded_id(std::uint32_t id) {
+  return fmt::format("0x{:0{}X}", bare_id(id), id_digits(id));
+}
+
+std::string_view id_format(std::uint32_t id) { return id & ZELK_ID_EXTENDED ? "29-bit" : "11-bit"; }
+
+std::string shown_id(std::uint32_t id) {
+  const std::uint32_t number = bare_id(id);
+  const bool fits = number <= (number == id ? kLargestStandardId : kLargestExtendedId);
+  return fmt::format("0x{:X} ({}), {}{}", number, number, id_format(id),
+                     fits ? "" : ", out of range");
+}
+
+std::string_view byte_order(std::uint16_t flags) {
+  return flags & ZELK_SIGNAL_MOTOROLA ? "Motorola" : "Intel";
+}
+
+std::string number_format(std::uint16_t flags, std::uint32_t value_type) {
+  const char* const sign = flags & ZELK_SIGNAL_SIGNED ? "signed" : "unsigned";
+  switch (value_type) {
+    case ZELK_VALUE_INTEGER:
+      return sign;
+    case ZELK_VALUE_IEEE_SINGLE:
+      return "IEEE single";
+    case ZELK_VALUE_IEEE_DOUBLE:
+      return "IEEE double";
+    default:
+      return fmt::format("{}, value type {}", sign, value_type);
+  }
+}
+
+std::string_view env_var_type(std::uint32_t type) {
+  switch (type) {
+    case ZELK_ENVVAR_INTEGER:
+      return "integer";
+    case ZELK_ENVVAR_FLOAT:
+      return "float";
+    case ZELK_ENVVAR_STRING:
+      return "string";
+    case ZELK_ENVVAR_DATA:
+      return "data";
+    default:
+      return "unknown type";
+  }
+}
+
+std::string range_text(std::uint64_t low, std::uint64_t high) {
+  return low == high ? fmt::format("{}", low) : fmt::format("{}..{}", low, high);
+}
+
+std::string presence_values(const sigblk& signal) {
+  std::string text;
+  for (const muxor_val_range& range : each(signal.mux_ranges))
+    text += (text.empty() ? "" : ", ") + range_text(range.low, range.high);
+  return text;
+}
+
+}  // namespace zelk::tool
