@@ -28,7 +28,7 @@ constexpr const char* kExitCodes =
 
 constexpr const char* kHelpHint = "Run with --help for more information.";
 
-/// Tells what is wrong with the command line.
+/// Prints what is wrong with the command line.
 void complain(std::string_view text) {
   std::string_view lead = "zelk: ";
   for (const std::string& line : escaped_lines(text)) {
@@ -82,7 +82,7 @@ ExitCode run(int argc, char** argv, Output& out, ExitCode& failure) {
       "zelk");
   app.allow_windows_style_options(false);  // "/" begins a path
   app.set_version_flag("--version", "zelk " ZELK_TOOL_VERSION, "Print the version and exit");
-  app.require_subcommand(0, 1);  // none is told below, where a misspelt one has been told already
+  app.require_subcommand(0, 1);  // `run` reports a missing one, as a misspelt one is reported
   app.footer(kExitCodes);        // subcommands added from here on take it over
   add_check_command(app, action);
   add_show_command(app, action);
@@ -117,7 +117,7 @@ void print_failure(const char* what) {
 
 }  // namespace
 
-/// `run`, with everything that is thrown told on standard error.
+/// `run`, with a message on standard error for everything that is thrown.
 int guarded_main(int argc, char** argv) {
   Output out(stdout);
   ExitCode failure = kExitFailure;

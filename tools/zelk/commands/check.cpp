@@ -10,7 +10,7 @@ namespace zelk::tool {
 
 namespace {
 
-/// "3 nodes, 1 message, ...". What few databases have is told only when it is there.
+/// "3 nodes, 1 message, ...". What few databases have is left out when there is none.
 std::string counts(const ZelkDatabase& database) {
   std::size_t signals = 0;
   std::size_t groups = 0;

@@ -15,7 +15,7 @@ struct Arguments : Conversion {
   std::string to_name;
 };
 
-/// @throws CLI::ValidationError when neither the option nor the file's extension tells it
+/// @throws CLI::ValidationError when neither the option nor the file's extension names a format
 Format format_of(const std::string& path, const char* option, const std::string& name) {
   if (!name.empty()) return format_named(name);
   if (const std::optional<Format> format = format_of_file(path)) return *format;

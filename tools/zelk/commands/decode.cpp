@@ -11,7 +11,6 @@
 #include "log/log_input.hpp"
 #include "log/log_pipeline.hpp"
 #include "log/log_reports.hpp"
-#include "term/file_type.hpp"
 #include "term/system.hpp"
 #include "term/text.hpp"
 
@@ -48,8 +47,8 @@ ExitCode decode_log(const Arguments& arguments, const FrameCatalog& catalog, Log
   LogPipeline pipeline(catalog, input, out, report);
   pipeline.run(threads_for(input, arguments.threads));
   out.flush();
-  report.tell_rest();
-  if (arguments.stats) report.tell_counts(pipeline.unknown());
+  report.print_rest();
+  if (arguments.stats) report.print_counts(pipeline.unknown());
   if (NotedStop::is_requested()) return kExitInterrupted;
   return report.is_of_a_log() ? kExitSuccess : kExitFailure;
 }
@@ -65,7 +64,7 @@ bool take_log(std::optional<std::string>& log, const std::string& path) {
 }
 
 /// Opens a database, or takes the argument for the log. A file that begins like a log is still a
-/// database when it can be read as one; what is neither is reported with both reasons.
+/// database when it can be read as one; a file that is neither is reported with both reasons.
 bool take_argument(const std::string& argument, FrameCatalog& catalog,
                    std::optional<std::string>& log) {
   if (!exists(argument)) return catalog.open(argument);

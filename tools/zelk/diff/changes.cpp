@@ -133,8 +133,8 @@ class Comparison {
   std::vector<Change> changes_;
 };
 
-/// Whether the differences of a column are told of other objects: of the one that this one belongs
-/// to, or of those that belong to it.
+/// Whether other objects have the differences of a column: the one that this one belongs to, or
+/// those that belong to it.
 bool is_compared_elsewhere(const Object& object, std::string_view heading) {
   return heading == "message" || (object.as<msgblk>() && heading == "signals") ||
          (object.as<valtable>() && heading == "values");

@@ -19,9 +19,20 @@ namespace zelk::tool {
 
 namespace {
 
-/// Whether a target is the network itself.
-template <typename Record>
-constexpr bool kIsNetwork = std::is_same_v<Record, std::monostate>;
+/// Calls `on_network()` for the network itself, or `on_record(record)`.
+template <typename OnNetwork, typename OnRecord>
+auto visit_target(const EditTarget& target, const OnNetwork& on_network,
+                  const OnRecord& on_record) {
+  return std::visit(
+      [&](auto record) {
+        if constexpr (std::is_same_v<decltype(record), std::monostate>) {
+          return on_network();
+        } else {
+          return on_record(*record);
+        }
+      },
+      target);
+}
 
 constexpr std::size_t kLongestName = 128;
 
@@ -123,15 +134,9 @@ std::string DatabaseEditor::set_comment(Words words) {
   const EditTarget target = targets_.object(words[0]);
   const std::string bytes = stored(words[1], encoding_);
   const char* const text = bytes.empty() ? nullptr : bytes.c_str();
-  std::visit(
-      [&](auto record) {
-        if constexpr (kIsNetwork<decltype(record)>) {
-          manager_.SetDatabaseComment(name_, text);
-        } else {
-          manager_.SetComment(*record, text);
-        }
-      },
-      target);
+  visit_target(
+      target, [&] { manager_.SetDatabaseComment(name_, text); },
+      [&](auto& record) { manager_.SetComment(record, text); });
   return fmt::format("{}: comment {}", shown_target(target),
                      text ? in_quotes(words[1]) : "removed");
 }
@@ -143,17 +148,16 @@ const attr_def& DatabaseEditor::definition(const EditTarget& target,
   const zelk_obj_t type = attribute_type(target);
   const std::string key = stored(name, encoding_);
   bool has_value = false;
-  const attr_def* const found = std::visit(
-      [&](auto record) -> const attr_def* {
-        if constexpr (kIsNetwork<decltype(record)>) {
-          has_value = manager_.IsAttrValueDefined(key.c_str(), name_);
-          return manager_.GetNetworkAttrDefinition(name_, key.c_str());
-        } else {
-          has_value = manager_.IsAttrValueDefined(record, key.c_str());
-          return manager_.GetAttrDefinition(record, key.c_str(), name_);
-        }
+  const attr_def* const found = visit_target(
+      target,
+      [&] {
+        has_value = manager_.IsAttrValueDefined(key.c_str(), name_);
+        return manager_.GetNetworkAttrDefinition(name_, key.c_str());
       },
-      target);
+      [&](auto& record) {
+        has_value = manager_.IsAttrValueDefined(&record, key.c_str());
+        return manager_.GetAttrDefinition(&record, key.c_str(), name_);
+      });
   if (found && (has_value || found->object_type == type)) return *found;
   NameSuggestion names(name);
   find_definition({database_, encoding_}, type, name, &names);
@@ -166,15 +170,9 @@ std::string DatabaseEditor::set_attribute(Words words) {
   attr value{};
   value.def = changeable(&definition(target, words[1]));
   value.value = parse_attribute_value(*value.def, words[2], encoding_);
-  std::visit(
-      [&](auto record) {
-        if constexpr (kIsNetwork<decltype(record)>) {
-          manager_.SetAttrValue(name_, value.def->name, value.value);
-        } else {
-          manager_.SetAttrValue(*record, value.def->name, value.value, name_);
-        }
-      },
-      target);
+  visit_target(
+      target, [&] { manager_.SetAttrValue(name_, value.def->name, value.value); },
+      [&](auto& record) { manager_.SetAttrValue(record, value.def->name, value.value, name_); });
   return fmt::format("{}: attribute {} = {}", shown_target(target), in_quotes(words[1]),
                      shown_value(value, encoding_));
 }
@@ -182,15 +180,9 @@ std::string DatabaseEditor::set_attribute(Words words) {
 std::string DatabaseEditor::reset_attribute(Words words) {
   const EditTarget target = targets_.object(words[0]);
   const attr_def& attribute = definition(target, words[1]);
-  std::visit(
-      [&](auto record) {
-        if constexpr (kIsNetwork<decltype(record)>) {
-          manager_.ResetAttrValue(name_, attribute.name);
-        } else {
-          manager_.ResetAttrValue(*record, attribute.name);
-        }
-      },
-      target);
+  visit_target(
+      target, [&] { manager_.ResetAttrValue(name_, attribute.name); },
+      [&](auto& record) { manager_.ResetAttrValue(record, attribute.name); });
   return fmt::format("{}: attribute {} = {}, the default", shown_target(target),
                      in_quotes(words[1]), shown_default(attribute, encoding_));
 }

@@ -14,7 +14,7 @@ namespace zelk::tool {
 
 /// Changes objects in memory; nothing is written.
 ///
-/// Each edit takes the words behind its option, in UTF-8, and tells what it did in a line. All
+/// Each edit takes the words behind its option, in UTF-8, and returns a line about what it did. All
 /// throw RequestError, with nothing changed, when there is no such object or attribute, when a file
 /// could not hold the name, when it is another object's, when the value does not suit the
 /// attribute, and for characters that the database's encoding does not have.

@@ -36,7 +36,7 @@ std::string shown_message(const msgblk& message) {
   return fmt::format("message {} {}", padded_id(message.id), escaped(view(message.name)));
 }
 
-/// A file tells comments and attribute values by the identifier of the message.
+/// In a file, comments and attribute values name their message by its identifier.
 ///
 /// @throws RequestError when they would become another message's
 void check_sole(const ZelkDatabase& database, const msgblk& message) {

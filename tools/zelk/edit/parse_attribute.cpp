@@ -16,7 +16,7 @@ namespace zelk::tool {
 
 namespace {
 
-/// An attribute whose value is wanted.
+/// The attribute whose value is parsed.
 struct Attribute {
   const attr_def& definition;
   Encoding encoding;

@@ -1,5 +1,5 @@
 /// \file
-/// Values of attributes as a user writes them.
+/// Attribute values as a user writes them.
 
 #ifndef ZELK_TOOL_EDIT_PARSE_ATTRIBUTE_HPP
 #define ZELK_TOOL_EDIT_PARSE_ATTRIBUTE_HPP

@@ -64,7 +64,7 @@ OpenedDatabase DatabaseSet::open_own(const std::string& path) {
   if (opened.error != ZelkErrorNameUsed) return opened;
   const std::unique_ptr<const char, Release> base(manager_.GetDatabaseName(path.c_str()));
   OpenedDatabase renamed = open_database(manager_, path, unique(view(base.get())).c_str());
-  renamed.reports = std::move(opened.reports);  // it has been read already
+  renamed.reports = std::move(opened.reports);  // of the first reading
   return renamed;
 }
 

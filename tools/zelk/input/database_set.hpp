@@ -18,10 +18,10 @@ namespace zelk::tool {
 /// Database files that one manager holds, each under a name of its own, until this goes.
 class DatabaseSet {
  public:
-  /// Opens every file, in this order. Faults and warnings are told on standard error, also that a
-  /// file is named twice, which counts once.
+  /// Opens every file, in this order. Faults and warnings are printed on standard error. A file
+  /// that is named twice is opened once, with a warning.
   ///
-  /// @return whether all could be read; the others are there all the same
+  /// @return whether all could be read; the set holds those that could
   bool open(const std::vector<std::string>& paths);
 
   /// One of the databases, with its name in the set.

@@ -84,7 +84,7 @@ bool is_time(std::string_view text) {
   });
 }
 
-/// Takes "(time)", if there is one; false when it is at fault.
+/// Takes "(time)", if there is one; false when it is malformed.
 bool take_time(std::string_view& line, LogFrame& frame) {
   frame.time = {};
   if (!line.starts_with('(')) return true;
@@ -161,7 +161,7 @@ bool take_fd_flags(std::string_view& text, LogFrame& frame) {
   return true;
 }
 
-/// "[8]"; two digits tell of CAN FD.
+/// "[8]"; two digits mean CAN FD.
 bool parse_length(std::string_view word, LogFrame& frame, std::size_t& length) {
   if (word.size() < 3 || word.size() > 4 || !word.starts_with('[') || !word.ends_with(']'))
     return false;

@@ -16,7 +16,7 @@ inline constexpr std::size_t kClassicDataBytes = 8;
 inline constexpr std::size_t kFdDataBytes = 64;
 inline constexpr std::size_t kLongestInterface = 64;  // bytes of its name
 
-/// What a line of a log tells.
+/// The kind of a line of a log.
 enum class LogLine {
   kBlank,
   kData,       ///< a frame with data, perhaps of no bytes

@@ -6,9 +6,10 @@
 #include <optional>
 #include <utility>
 
+#include "base/j1939.hpp"
 #include "input/lookup.hpp"
-#include "term/file_type.hpp"
 #include "term/output.hpp"
+#include "term/system.hpp"
 #include "term/text.hpp"
 
 namespace zelk::tool {
@@ -40,32 +41,35 @@ bool check_pattern(std::string_view kind, const std::string& pattern,
 
 }  // namespace
 
-CatalogDatabase::CatalogDatabase(EncodedDatabase of, const FrameOptions& options)
-    : database_(of.records),
-      decoders_(of.records.messages),
-      has_group_numbers_(of.records.HasJ1939GroupNumbers()),
-      has_groups_(has_group_numbers_ || of.records.GetAttrDef("VFrameFormat")) {
-  for (const msgblk& message : each(of.records.messages)) {
+CatalogDatabase::CatalogDatabase(std::string interface_name, std::unique_ptr<DatabaseFile> file,
+                                 const FrameOptions& options)
+    : interface_name_(std::move(interface_name)),
+      file_(std::move(file)),
+      database_(file_->encoded().records),
+      decoders_(database_.messages),
+      has_group_numbers_(database_.HasJ1939GroupNumbers()),
+      has_groups_(has_group_numbers_ || database_.GetAttrDef(j1939::kFrameFormatAttribute)) {
+  for (const msgblk& message : each(messages())) {
     if (const ZelkFrameDecoder* const decoder = decoders_.Find(message))
-      layouts_.try_emplace(decoder, *decoder, options, of.encoding);
+      prepared_.try_emplace(decoder, *decoder, options, file_->encoded().encoding);
   }
 }
 
-const PreparedMessage* CatalogDatabase::layout_of(const ZelkFrameDecoder* decoder) const {
-  const auto found = layouts_.find(decoder);
-  return found == layouts_.end() ? nullptr : &found->second;
+const PreparedMessage* CatalogDatabase::prepared(const ZelkFrameDecoder* decoder) const {
+  const auto found = prepared_.find(decoder);
+  return found == prepared_.end() ? nullptr : &found->second;
 }
 
 const PreparedMessage* CatalogDatabase::find(std::uint32_t id) const {
   // A group number is no identifier, even where they are equal.
   if (has_group_numbers_ && (id & ZELK_ID_EXTENDED)) return nullptr;
-  return layout_of(decoders_.Find(id));
+  return prepared(decoders_.Find(id));
 }
 
 const PreparedMessage* CatalogDatabase::find_group(std::uint32_t id) const {
   if (!has_groups_ || !(id & ZELK_ID_EXTENDED)) return nullptr;
   const msgblk* const message = database_.GetJ1939Message(id, 0);
-  return message ? layout_of(decoders_.Find(*message)) : nullptr;
+  return message ? prepared(decoders_.Find(*message)) : nullptr;
 }
 
 bool FrameCatalog::open(const std::string& argument) {
@@ -75,19 +79,17 @@ bool FrameCatalog::open(const std::string& argument) {
   if (!database) return false;
   for (const msgblk& message : each(database->messages))
     most_signals_ = std::max(most_signals_, each(message.signals).size());
-  auto in_catalog = std::make_unique<CatalogDatabase>(file->encoded(), options_);
-  sources_.push_back({binding.interface_name, std::move(file), std::move(in_catalog)});
+  databases_.push_back(
+      std::make_unique<CatalogDatabase>(binding.interface_name, std::move(file), options_));
   return true;
 }
 
 const PreparedMessage* FrameCatalog::find(std::string_view interface_name, std::uint32_t id) const {
-  for (const Source& source : sources_) {
-    if (!source.counts_for(interface_name)) continue;
-    if (const PreparedMessage* const layout = source.database->find(id)) return layout;
-  }
-  for (const Source& source : sources_) {
-    if (!source.counts_for(interface_name)) continue;
-    if (const PreparedMessage* const layout = source.database->find_group(id)) return layout;
+  for (const auto search : {&CatalogDatabase::find, &CatalogDatabase::find_group}) {
+    for (const auto& database : databases_) {
+      if (!database->counts_for(interface_name)) continue;
+      if (const PreparedMessage* const message = ((*database).*search)(id)) return message;
+    }
   }
   return nullptr;
 }
@@ -97,8 +99,8 @@ bool FrameCatalog::check_filter() const {
   if (filter.messages.empty() && filter.signals.empty()) return true;
   std::vector<std::string> messages;
   std::vector<std::string> signals;
-  for (const Source& source : sources_) {
-    for (const msgblk& message : each(source.database->database().messages)) {
+  for (const auto& database : databases_) {
+    for (const msgblk& message : each(database->messages())) {
       messages.emplace_back(view(message.name));
       for (const sigblk& signal : each(message.signals)) {
         signals.emplace_back(view(signal.name));

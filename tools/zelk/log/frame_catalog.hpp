@@ -16,27 +16,35 @@
 
 namespace zelk::tool {
 
-/// A database of the command line.
+/// A database of the command line, for the frames of all interfaces or of one.
 class CatalogDatabase {
  public:
-  /// @param of  must outlive the object
-  CatalogDatabase(EncodedDatabase of, const FrameOptions& options);
+  /// @param interface_name  empty for all
+  /// @param file            has opened a database
+  CatalogDatabase(std::string interface_name, std::unique_ptr<DatabaseFile> file,
+                  const FrameOptions& options);
+
+  bool counts_for(std::string_view interface_name) const {
+    return interface_name_.empty() || interface_name_ == interface_name;
+  }
 
   /// The message with the identifier of a frame; null when there is none.
   const PreparedMessage* find(std::uint32_t id) const;
   /// The parameter group of a frame with an extended identifier, in a database that has any.
   const PreparedMessage* find_group(std::uint32_t id) const;
 
-  const ZelkDatabase& database() const { return database_; }
+  const msgblk* messages() const { return database_.messages; }
 
  private:
-  const PreparedMessage* layout_of(const ZelkFrameDecoder* decoder) const;
+  const PreparedMessage* prepared(const ZelkFrameDecoder* decoder) const;
 
+  std::string interface_name_;
+  std::unique_ptr<DatabaseFile> file_;
   const ZelkDatabase& database_;
   ZelkFrameDecoderTable decoders_;
   bool has_group_numbers_;  // in place of identifiers
   bool has_groups_;
-  std::unordered_map<const ZelkFrameDecoder*, PreparedMessage> layouts_;
+  std::unordered_map<const ZelkFrameDecoder*, PreparedMessage> prepared_;
 };
 
 /// Databases in the order of the command line, each for all interfaces or for one.
@@ -46,39 +54,29 @@ class FrameCatalog {
  public:
   explicit FrameCatalog(FrameOptions options) : options_(std::move(options)) {}
 
-  /// Reads a database: "PATH", or "INTERFACE=PATH" unless a file bears that whole name. Faults are
-  /// told on standard error.
+  /// Reads a database: "PATH", or "INTERFACE=PATH" unless a file has that whole name. Faults are
+  /// printed on standard error.
   ///
   /// @return false when it cannot be read
   bool open(const std::string& argument);
 
-  /// Tells on standard error of patterns of the filter that no message or signal matches.
+  /// Prints an error for each pattern of the filter that no message or signal matches.
   ///
   /// @return whether all match
   bool check_filter() const;
 
-  /// The layout of a frame's message: in the first database with the identifier, or else in the
+  /// A frame's message: in the first database with the identifier, or else in the
   /// first with the parameter group; null when there is none.
   const PreparedMessage* find(std::string_view interface_name, std::uint32_t id) const;
 
   const FrameOptions& options() const { return options_; }
-  bool empty() const { return sources_.empty(); }
+  bool empty() const { return databases_.empty(); }
   /// The most signals that a message has.
   std::size_t most_signals() const { return most_signals_; }
 
  private:
-  struct Source {
-    std::string interface_name;  // empty for all
-    std::unique_ptr<DatabaseFile> file;
-    std::unique_ptr<CatalogDatabase> database;
-
-    bool counts_for(std::string_view name) const {
-      return interface_name.empty() || interface_name == name;
-    }
-  };
-
   FrameOptions options_;
-  std::vector<Source> sources_;
+  std::vector<std::unique_ptr<CatalogDatabase>> databases_;
   std::size_t most_signals_ = 0;
 };
 

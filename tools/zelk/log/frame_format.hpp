@@ -38,7 +38,8 @@ class FrameFormat {
   /// A value description of the signal `name`.
   virtual std::string description_text(std::string_view name, std::string_view text) const = 0;
 
-  /// Appends the line of a frame, or its lines; none when a signal is wanted that it does not hold.
+  /// Appends the line of a frame, or its lines; none when the filter wants a signal that
+  /// the frame does not hold.
   ///
   /// @param raw  raw values instead of physical ones
   virtual void append(LineBuffer& out, const DecodedFrame& frame, bool raw) const = 0;

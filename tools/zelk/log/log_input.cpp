@@ -8,7 +8,6 @@
 #include <system_error>
 
 #include "log/candump_log.hpp"
-#include "term/file_type.hpp"
 #include "term/system.hpp"
 #include "term/text.hpp"
 

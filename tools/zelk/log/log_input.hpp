@@ -14,7 +14,7 @@
 
 namespace zelk::tool {
 
-/// Reads a log as blocks of whole lines. A pipe's lines are given out as they come.
+/// Reads a log as blocks of whole lines. The lines of a pipe are given out as they come.
 class LogInput {
  public:
   /// @param path  none: standard input
@@ -56,8 +56,8 @@ class LogInput {
 
 /// Looks for a frame among the first lines of the regular file `path`.
 ///
-/// Anything else than a regular file is not touched: what is taken from a pipe is missing to the
-/// one who reads it later.
+/// Anything else than a regular file is not touched: what is taken from a pipe cannot be read
+/// again.
 ///
 /// @return why the file is no log, for standard error; nothing when there is a frame
 /// @throws std::system_error when the file cannot be read

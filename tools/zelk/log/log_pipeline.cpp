@@ -52,7 +52,7 @@ bool LogPipeline::put_block(const DecodedBlock& block, std::uint64_t number) {
   if (!block.malformed.empty()) progress_.clear();
   out_.write_through(block.text.view());
   report_.add(block);
-  progress_.update();
+  progress_.update(input_.bytes_read());
   ++blocks_put_;
   turn_.notify_all();
   return true;

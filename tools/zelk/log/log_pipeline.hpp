@@ -15,6 +15,7 @@
 #include "log/log_input.hpp"
 #include "log/log_reports.hpp"
 #include "term/output.hpp"
+#include "term/progress.hpp"
 
 namespace zelk::tool {
 
@@ -25,7 +26,11 @@ class LogPipeline {
  public:
   /// All must outlive the object.
   LogPipeline(const FrameCatalog& catalog, LogInput& input, Output& out, LogReport& report)
-      : catalog_(catalog), input_(input), out_(out), report_(report), progress_(input) {}
+      : catalog_(catalog),
+        input_(input),
+        out_(out),
+        report_(report),
+        progress_(input.size().value_or(0)) {}
 
   /// Decodes the log to its end.
   ///

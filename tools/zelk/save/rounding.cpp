@@ -30,7 +30,7 @@ class RoundingSearch {
     return escaped(to_utf8(view(name), database_.encoding));
   }
 
-  /// Makes the object's text when it is wanted.
+  /// Makes the text of an object only when it is called.
   template <typename Record>
   auto named(const char* kind, const Record& record) const {
     return [this, kind, &record] { return fmt::format("{} {}", kind, shown(record.name)); };

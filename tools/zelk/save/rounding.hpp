@@ -27,7 +27,7 @@ struct Rounding {
 /// All numbers that change when the database is written: those of more than 14 digits.
 std::vector<Rounding> roundings_of(EncodedDatabase database);
 
-/// Tells of each on standard error, as a fault of the file `path`, or as a warning.
+/// Prints each on standard error, as a fault of the file `path`, or as a warning.
 ///
 /// @throws RequestError when there are any and they are not allowed
 void check_roundings(const std::vector<Rounding>& roundings, const std::string& path,

@@ -37,7 +37,7 @@ std::vector<std::string> save_notes(const ZelkDatabase& database) {
 
 constexpr std::size_t kMostWarnings = 10;
 
-/// A file in a folder that nobody else has; both go with this, also when memory has run out.
+/// A file in a new folder; the destructor removes both, also when memory has run out.
 class TemporaryFile {
  public:
   TemporaryFile() {

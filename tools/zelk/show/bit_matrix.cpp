@@ -75,7 +75,7 @@ class Matrix {
     }
     out.line("{}{}", margin, rule);
     if (cut_) out.line("further bytes are not drawn");
-    tell_overlaps(out);
+    print_overlaps(out);
   }
 
  private:
@@ -100,7 +100,7 @@ class Matrix {
   }
 
   /// One line for each set of signals that share bits, in the order of the bytes.
-  void tell_overlaps(Output& out) const {
+  void print_overlaps(Output& out) const {
     std::map<std::string, std::size_t> bits_of;
     std::vector<std::string> order;
     for (const auto& [byte, row] : rows_) {

@@ -31,10 +31,10 @@ struct KeyedSignal {
 
 /// Draws bytes as rows and bits 7 to 0 as columns. Every cell shows the key of the signal whose bit
 /// it is, "[" in front of the most significant and "]" behind the least significant bit, "." for a
-/// bit that nothing uses and "#" for one that several signals use; which ones is told below the
-/// drawing. Rows behind `dlc` bytes are there only when a signal lies in them, and are marked. Of
-/// frames longer than 64 bytes only the rows with signals are drawn. A drawing ends after 128 rows,
-/// and says so.
+/// bit that nothing uses and "#" for one that several signals use; a line below the drawing says
+/// which ones. Rows behind `dlc` bytes are drawn only when a signal lies in them, and are marked.
+/// Of frames longer than 64 bytes only the rows with signals are drawn. A drawing ends after 128
+/// rows, and says so.
 ///
 /// @param dlc        data length in bytes
 /// @param signals    to be drawn; signals without bits leave no trace

@@ -1,5 +1,5 @@
 /// \file
-/// Showing what bears a name or an identifier.
+/// Showing the objects with a name or an identifier.
 
 #ifndef ZELK_TOOL_SHOW_SHOW_OBJECT_HPP
 #define ZELK_TOOL_SHOW_SHOW_OBJECT_HPP

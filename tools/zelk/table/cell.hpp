@@ -60,7 +60,7 @@ Cell default_cell(const attr_def& definition);
 /// @param definition  of the attribute; null gives none
 Cell effective_value(const attr* values, const attr_def* definition);
 
-/// The value with its texts in UTF-8, as everything that shows or compares it wants it.
+/// The value with its texts in UTF-8, as outputs and comparisons take it.
 Cell in_utf8(Cell cell, Encoding encoding);
 
 /// Whether a number is shown, and stands in JSON, without a decimal point.

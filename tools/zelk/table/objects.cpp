@@ -1,6 +1,7 @@
 #include "table/objects.hpp"
 
 #include "base/list.hpp"
+#include "table/columns.hpp"
 #include "words/attribute_words.hpp"
 
 namespace zelk::tool {
@@ -93,15 +94,15 @@ void visit_values(const ZelkDatabase& database, const VisitObject& visit) {
   ValueVisitor(visit).database(database);
 }
 
-template <typename Record, typename ForEach>
+template <typename Record, std::size_t count, typename ForEach>
 ObjectKind make_kind(std::string_view plural, std::string_view singular,
-                     std::optional<zelk_obj_t> attribute_type, Columns<Record> columns,
-                     const ForEach& for_each) {
+                     std::optional<zelk_obj_t> attribute_type,
+                     const Column<Record> (&columns)[count], const ForEach& for_each) {
   constexpr bool kIsNamed = !requires(Record record) { record.record; };
   constexpr bool kHasComments = requires(Record record) { record.comment; };
   ObjectKind kind{plural, singular, kIsNamed, kHasComments, attribute_type, {}, {}, {}};
   for (const Column<Record>& column : columns) kind.headings.push_back(column.heading);
-  kind.cell = [columns](const Object& object, std::size_t column) {
+  kind.cell = [&columns](const Object& object, std::size_t column) {
     return in_utf8(columns[column].value(*object.as<Record>()), object.encoding);
   };
   kind.for_each = [for_each](EncodedDatabase database, const VisitObject& visit) {

@@ -15,9 +15,25 @@
 
 #include "input/encoded_database.hpp"
 #include "table/cell.hpp"
-#include "table/columns.hpp"
 
 namespace zelk::tool {
+
+/// A description of a raw value, with its owner.
+struct Description {
+  const char* name;       ///< of the signal or environment variable
+  const msgblk* message;  ///< null for an environment variable
+  const val* record;
+};
+
+/// A value of an attribute, with the object that has it.
+struct AttributeValue {
+  const char* name;  ///< of the attribute
+  const attr* record;
+  std::string_view type;
+  const msgblk* message;  ///< null for none
+  const char* object;     ///< null for the database and for a message, which `message` names
+  const symblk* partner;  ///< the node of a relation; null for none
+};
 
 using ObjectRecord = std::variant<const symblk*, const msgblk*, const sigblk*, const siggroupblk*,
                                   const env_var_blk*, const valtable*, const sigtype*, const cat*,

@@ -9,7 +9,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <optional>
+#include <string>
 #include <string_view>
+
+#include "base/numbers.hpp"
 
 namespace zelk::tool {
 
@@ -41,29 +44,19 @@ std::optional<Decimal> decimal_of(double value) {
   const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
                                           std::chars_format::scientific);
   if (error != std::errc()) return std::nullopt;
-  // "-1.25e-02"
-  Decimal result = {0, 0};
-  const char* at = buffer.data();
-  const bool is_negative = *at == '-';
-  if (is_negative) ++at;
-  bool behind_point = false;
-  for (; *at != 'e'; ++at) {
-    if (*at == '.') {
-      behind_point = true;
-      continue;
-    }
-    if (result.digits >= kLargest / 10) return std::nullopt;
-    result.digits = result.digits * 10 + (*at - '0');
-    if (behind_point) --result.exponent;
-  }
-  ++at;
-  if (*at == '+') ++at;
-  int exponent = 0;
-  std::from_chars(at, end, exponent);
-  result.exponent += exponent;
-  if (is_negative) result.digits = -result.digits;
-  if (std::abs(result.exponent) > kLargestExponent) return std::nullopt;
-  return result;
+  // "-1.25e-02": the number without its point, and the power of ten of its last digit.
+  const std::string_view text(buffer.data(), static_cast<std::size_t>(end - buffer.data()));
+  const std::size_t mark = text.find('e');
+  const std::size_t point = std::min(text.find('.'), mark);
+  std::string digits(text.substr(0, mark));
+  if (point < mark) digits.erase(point, 1);
+  const int decimals = point < mark ? static_cast<int>(mark - point) - 1 : 0;
+  const std::size_t sign = text[mark + 1] == '+' ? 1 : 0;
+  const auto number = parse_whole<std::int64_t>(digits);
+  const auto power = parse_whole<int>(text.substr(mark + 1 + sign));
+  if (!number || std::abs(*number) >= kLargest || std::abs(*power - decimals) > kLargestExponent)
+    return std::nullopt;
+  return Decimal{*number, *power - decimals};
 }
 
 /// The digits of `decimal` in units of 10^-decimals; none when they are too many.

@@ -75,8 +75,8 @@ class Output {
   std::size_t level_ = 0;
 };
 
-/// One line on standard error; a failure to write it is ignored, as there is no place left to tell
-/// it. Takes no memory.
+/// One line on standard error; a failure to write it is ignored, because nothing is left to
+/// report it to. Takes no memory.
 void print_error(std::string_view line);
 
 }  // namespace zelk::tool

@@ -7,7 +7,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <filesystem>
 #include <optional>
+#include <string>
+#include <system_error>
 
 namespace zelk::tool {
 
@@ -28,7 +31,7 @@ std::size_t read_some(std::FILE* file, char* buffer, std::size_t size);
 std::optional<std::uint64_t> size_of_regular_file(std::FILE* file);
 
 /// Holds back the signals by which a user ends a program, so that no half-written file is left
-/// behind: they take effect when this goes.
+/// behind. They take effect when this is destroyed.
 class HeldSignals {
  public:
   HeldSignals();
@@ -38,8 +41,8 @@ class HeldSignals {
 };
 
 /// While it lives, the first signal by which a user ends a program (an interrupt, a termination or
-/// a closed terminal) makes `read_some` report the end of its file, so that what has been read can
-/// be finished. The next one ends the program at once. Signals that were ignored stay ignored.
+/// a closed terminal) makes `read_some` report the end of its file, so that the program finishes
+/// what it has read. The next one ends the program at once. Signals that were ignored stay ignored.
 ///
 /// One at a time.
 class NotedStop {
@@ -55,7 +58,19 @@ class NotedStop {
   static bool is_requested();
 };
 
-/// Whether a user watches.
+/// Type of the file that `path`, in UTF-8, leads to; `not_found` or `none` when there is none.
+inline std::filesystem::file_type file_type(const std::string& path) {
+  std::error_code ignored;
+  const std::filesystem::path native(std::u8string(path.begin(), path.end()));
+  return std::filesystem::status(native, ignored).type();
+}
+
+inline bool exists(const std::string& path) {
+  const std::filesystem::file_type type = file_type(path);
+  return type != std::filesystem::file_type::not_found && type != std::filesystem::file_type::none;
+}
+
+/// Whether a user sees what is written to `file`.
 bool is_terminal(std::FILE* file);
 
 }  // namespace zelk::tool

@@ -35,7 +35,7 @@ sigset_t ending_signals() {
 }
 
 std::atomic<int> noted_signal = 0;
-std::array<int, 2> stop_pipe = {-1, -1};  // a byte in it wakes who waits in `read_some`
+std::array<int, 2> stop_pipe = {-1, -1};  // a byte in it ends the wait of `read_some`
 
 void note_signal(int signal) {
   const int kept = errno;

@@ -25,18 +25,12 @@ bool is_wide_control(std::string_view text, std::size_t at) {
 }
 
 void append_control(std::string& result, char c) {
-  switch (c) {
-    case '\n':
-      result += "\\n";
-      break;
-    case '\r':
-      result += "\\r";
-      break;
-    case '\t':
-      result += "\\t";
-      break;
-    default:
-      result += fmt::format("\\x{:02X}", static_cast<unsigned char>(c));
+  constexpr std::string_view kNamed = "\n\r\t";
+  const std::size_t name = kNamed.find(c);
+  if (name == std::string_view::npos) {
+    result += fmt::format("\\x{:02X}", static_cast<unsigned char>(c));
+  } else {
+    result.append({'\\', "nrt"[name]});
   }
 }
 
