@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "base/list.hpp"
 #include "memory_file.hpp"
 #include "support/lists.hpp"
 
@@ -12,8 +13,8 @@ namespace {
 
 /// Every cross-reference of a signal must lead to a living record.
 void visit(const sigblk& signal) {
-  for (const rxblk* link = signal.receivers; link; link = link->next) std::string(link->node->name);
-  for (const attr* value = signal.attrs; value; value = value->next) std::string(value->def->name);
+  for (const rxblk& link : zelk::each(signal.receivers)) std::string(link.node->name);
+  for (const attr& value : zelk::each(signal.attrs)) std::string(value.def->name);
   if (signal.mux_signal) std::string(signal.mux_signal->name);
   if (signal.sigtype) std::string(signal.sigtype->name);
   if (signal.message->signal_count == 0) std::abort();
@@ -27,9 +28,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   zelk_clear_error_text();
   // The second read extends the records of the first.
   for (int pass = 0; pass < 2; ++pass) lists.try_read(file.path().c_str());
-  for (const msgblk* message = lists.messages; message; message = message->next) {
-    for (const sigblk* signal = message->signals; signal; signal = signal->next) visit(*signal);
-    zelk_get_j1939_message(lists.messages, lists.definitions, message->id, ZELK_J1939_FRAME_FORMAT);
+  for (const msgblk& message : zelk::each(lists.messages)) {
+    for (const sigblk& signal : zelk::each(message.signals)) visit(signal);
+    zelk_get_j1939_message(lists.messages, lists.definitions, message.id, ZELK_J1939_FRAME_FORMAT);
   }
   return 0;
 }

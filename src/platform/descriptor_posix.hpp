@@ -16,7 +16,7 @@
 
 namespace zelk::platform {
 
-/// A descriptor, closed when it goes.
+/// A descriptor, closed by its destructor.
 class Descriptor {
  public:
   Descriptor() = default;
@@ -32,7 +32,7 @@ class Descriptor {
 
   explicit operator bool() const { return number_ >= 0; }
   int get() const { return number_; }
-  void release() { number_ = -1; }  ///< another closes it
+  void release() { number_ = -1; }  ///< the caller closes it
 
  private:
   int number_ = -1;

@@ -1,5 +1,5 @@
 /// \file
-/// Notifications and messages, on their way to what the host registered or else to the system.
+/// Sends notifications and messages to what the host registered, or else to the system.
 
 #ifndef ZELK_PLATFORM_HOOKS_HPP
 #define ZELK_PLATFORM_HOOKS_HPP

@@ -1,5 +1,5 @@
 /// \file
-/// The library as a module of a process: told by the system when a process takes it and lets it go.
+/// The library as a module of a process: what happens when the system loads and unloads it.
 
 #ifndef ZELK_PLATFORM_MODULE_ENTRY_HPP
 #define ZELK_PLATFORM_MODULE_ENTRY_HPP
@@ -13,19 +13,19 @@ struct ModuleEntry {
   std::uint32_t attach_count = 0;
 };
 
-/// The process's only one.
+/// The one of this process.
 ModuleEntry& module_entry();
 
-/// A process takes the library; the first time tells its handle.
+/// The system loads the library; the first call sets its handle.
 void attach(void* module);
 
-/// A process lets go of the library; the last time forgets its handle.
+/// The system unloads the library; the last call clears its handle.
 void detach();
 
-/// A thread ends, or the library goes, for which `set_thread_value` has kept `value`.
+/// Releases what `set_thread_value` has kept, when the thread ends or the library is unloaded.
 void release_thread_value(void* value) noexcept;
 
-/// The library may be unloaded: releases the memory of what it has noted. It can note more.
+/// Releases the error text of the process before the library is unloaded; it may grow again.
 void release_notes() noexcept;
 
 }  // namespace zelk::platform

@@ -26,7 +26,7 @@ struct HandleCloser {
   void operator()(HANDLE handle) const noexcept { CloseHandle(handle); }
 };
 
-/// An open file, closed when it goes.
+/// An open file, closed by its destructor.
 using Handle = std::unique_ptr<void, HandleCloser>;
 
 inline constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
@@ -37,8 +37,7 @@ inline constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHA
 Handle open_handle(const std::filesystem::path& path, DWORD access, DWORD share, DWORD disposition,
                    DWORD flags = FILE_ATTRIBUTE_NORMAL);
 
-/// Opens a file or folder only to be asked what it is, beside whoever uses it; null when it does
-/// not exist.
+/// Opens a file or folder to ask what it is, also while others use it; null when it does not exist.
 Handle open_to_ask(const std::filesystem::path& path);
 
 }  // namespace zelk::platform

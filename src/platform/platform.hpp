@@ -23,7 +23,7 @@ struct FileCloser {
   void operator()(std::FILE* file) const noexcept { std::fclose(file); }
 };
 
-/// An open file, closed when it goes.
+/// An open file, closed by its destructor.
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
 /// Opens a file for reading its bytes as they are, without a buffer of the stream's own.
@@ -66,10 +66,10 @@ class Replacement {
   /// `failure` says where the whole new content is
   bool take_place();
 
-  /// Why this object did not do what it should, for people; empty when nothing has failed.
+  /// Why the save failed, as a text for people; empty when it has not.
   const std::string& failure() const { return failure_; }
 
-  /// What else the user should know, for people; empty for nothing.
+  /// What else the user should know, as a text for people; may be empty.
   const std::string& notice() const { return notice_; }
 
  private:
@@ -91,7 +91,7 @@ struct FileStatus {
   bool owner_may_write;
 };
 
-/// @return none when nothing of that name exists, or it cannot be asked for
+/// @return none when nothing of that name exists, or the system does not say
 std::optional<FileStatus> file_status(const char* path);
 
 /// A path, and where it led when this was made, whatever becomes of the working folder.
@@ -122,20 +122,20 @@ struct ModuleUnloader {
   void operator()(void* module) const noexcept;
 };
 
-/// A loaded module, let go of when this goes.
+/// A loaded module, unloaded by its destructor.
 using Module = std::unique_ptr<void, ModuleUnloader>;
 
 /// @return null when there is no loadable module of that name
 Module load_module(const char* path);
 
-/// A pointer of each thread's own; null until the thread sets one.
+/// The calling thread's own pointer; null until the thread sets one.
 void* thread_value() noexcept;
 
-/// Sets the calling thread's pointer. The end of the thread hands it to `release_thread_value`
-/// (module_entry.hpp). The main thread ends with the process: its pointer stays while `atexit`
-/// handlers and destructors of global objects run.
+/// Sets the calling thread's pointer, which `release_thread_value` (module_entry.hpp) gets when the
+/// thread ends. The main thread ends with the process: its pointer stays while `atexit` handlers
+/// and destructors of global objects run.
 ///
-/// @return false when the system keeps no pointer (any more)
+/// @return false when the system keeps no pointer, or no longer
 bool set_thread_value(void* value) noexcept;
 
 using Function = void (*)();
@@ -148,13 +148,13 @@ Function find_function(void* module, const char* name);
 /// 0.
 void own_file_name(char* buffer, std::uint32_t size_bytes);
 
-/// The number of the message of this name, the same for everybody who asks for it.
+/// The number of the message of this name, the same for every caller.
 ///
 /// @return 0xC000 to 0xFFFF; 0 when the system has no number left
 std::uint32_t registered_message(const char* name);
 
-/// Posts to windows or a thread, and never waits for them. To post to nobody is no error. See
-/// hooks.hpp for what the library calls.
+/// Posts to windows or a thread, and never waits for them; a receiver that does not exist is no
+/// error. The library calls `notify` (hooks.hpp) instead.
 void post(const zelk_notification& notification);
 
 /// Shows a message in the system's way and returns when the user has taken note of it.

@@ -87,7 +87,7 @@ ZELK_AT_LOAD void attach_shared_object() {
   attach(file.base);
 }
 
-/// The names of all messages that somebody has asked for, in the order of their numbers.
+/// The names of all messages asked for so far, in the order of their numbers.
 struct MessageNames {
   std::mutex mutex;
   std::vector<std::string> names;

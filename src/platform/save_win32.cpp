@@ -19,7 +19,8 @@ fs::path beside(const fs::path& target, const std::wstring& ending) {
   return target.parent_path() / (L"." + name + L".zelk-" + ending);
 }
 
-/// Removes what killed processes left. Who opens a file for himself alone shares it with no writer.
+/// Removes what killed processes left. To open a file without sharing it fails while its writer
+/// holds it.
 void clear_leftovers(const fs::path& target) {
   for (int number = 0; number < kMostWriters; ++number) {
     open_handle(beside(target, std::to_wstring(number)), DELETE, 0, OPEN_EXISTING,
@@ -95,7 +96,7 @@ void WindowsSave::open(const char* name, std::string& notice) {
   stream_ = stream_of(fresh_);
 }
 
-/// Refuses what this process may not write. That another one uses the file now says nothing.
+/// Refuses what this process may not write. A target that another one uses now is not refused.
 void WindowsSave::check_target() const {
   if (target_.filename().empty())
     fail_save(std::make_error_code(std::errc::no_such_file_or_directory));

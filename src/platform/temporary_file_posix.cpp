@@ -39,7 +39,7 @@ TemporaryFile::TemporaryFile(const std::filesystem::path& target, mode_t mode) {
   if (!descriptor_) fail_save("no file can be created beside it");
 }
 
-/// A name that is taken, or that another save takes for a leftover's in this moment, is `EEXIST`.
+/// `EEXIST` when the name is taken, or when another save is removing the new file as a leftover.
 bool TemporaryFile::create(const std::filesystem::path& target, int number, mode_t mode) {
   std::string path = beside(target, std::to_string(number)).string();
   Descriptor file(open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode));

@@ -11,7 +11,7 @@
 
 namespace zelk::platform {
 
-/// A new file beside the target, locked, and removed when it goes unless it was moved away.
+/// A new, locked file beside the target. The destructor removes it unless it was moved away.
 class TemporaryFile {
  public:
   /// @param mode  permissions, from which the process's mask takes some away

@@ -33,9 +33,9 @@ AttributeActions::AttributeActions(ReadContext& context)
     : context_(context), definitions_(context.model.attr_defs) {
   attr_def** const slots = context.model.slots;
   const std::size_t slot_count = slots ? kLongNameAttributes.size() : 0;
-  for (attr_def* old = context.model.attr_defs; old; old = old->next) {
-    index_.add_old(old);
-    if (std::count(slots, slots + slot_count, old) > 0) long_name_definitions_.insert(old);
+  for (attr_def& old : each(context.model.attr_defs)) {
+    index_.add_old(&old);
+    if (std::count(slots, slots + slot_count, &old) > 0) long_name_definitions_.insert(&old);
   }
   // A slot that was never set, or whose list is gone, says nothing.
   std::replace_if(
@@ -297,13 +297,10 @@ void AttributeActions::accept() {
     std::fill_n(context_.model.slots, kLongNameAttributes.size(), nullptr);
   }
   if (long_name_definitions_.empty()) return;
-  for (attr_def** link = &context_.model.attr_defs; *link;) {
-    if (long_name_definitions_.contains(*link)) {
-      can_delete_attr_def(link, *link);
-    } else {
-      link = &(*link)->next;
-    }
-  }
+  remove_if(
+      context_.model.attr_defs,
+      [this](const attr_def& definition) { return long_name_definitions_.contains(&definition); },
+      [](attr_def* definition) { release_one(definition); });
 }
 
 }  // namespace zelk

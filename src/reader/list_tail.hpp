@@ -34,8 +34,7 @@ class ObjectListTails {
   template <typename Record>
   Record** remembered_end(Record*& head, Record** from) {
     void*& place = places_.try_emplace(&head, from).first->second;
-    auto** tail = static_cast<Record**>(place);
-    while (*tail) tail = &(*tail)->next;
+    Record** const tail = &end_of(*static_cast<Record**>(place));
     place = tail;
     return tail;
   }

@@ -87,9 +87,7 @@ void MessageActions::end_message() {
   }
   assign_multiplexor();
   message_->signal_count = count_16(message_->signals);
-  for (sigblk* signal = message_->signals; signal; signal = signal->next) {
-    signal->message = message_.get();
-  }
+  for (sigblk& signal : each(message_->signals)) signal.message = message_.get();
   multiplexor_letter_ = 0;
   context_.index.add(message_.get());
   context_.messages.append(message_.release());
@@ -166,11 +164,11 @@ void MessageActions::multiplexor_ranges(std::uint32_t id, TokenText signal_name,
 void MessageActions::check_multiplexing() const {
   if (!context_.extended_multiplexing) return;
   CircleSearch search;
-  for (const msgblk* message = context_.model.messages; message; message = message->next) {
-    for (const sigblk* signal = message->signals; signal; signal = signal->next) {
-      if (!is_multiplexor(*signal) || !search.circle_above(*signal)) continue;
-      const std::string text = std::string(message->name ? message->name : "") +
-                               "::" + (signal->name ? signal->name : "");
+  for (const msgblk& message : each(context_.model.messages)) {
+    for (const sigblk& signal : each(message.signals)) {
+      if (!is_multiplexor(signal) || !search.circle_above(signal)) continue;
+      std::string text(view(message.name));
+      text.append("::").append(view(signal.name));
       context_.fail(ZELK_ERR_CYCLIC_MULTIPLEXOR, text.substr(0, kCycleTextMax));
     }
   }

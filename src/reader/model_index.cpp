@@ -6,7 +6,7 @@
 namespace zelk {
 namespace {
 
-constexpr int kShortList = 24;
+constexpr int kShortList = 24;  ///< records that are walked over
 
 template <typename Map, typename Key>
 typename Map::mapped_type find(const Map& map, const Key& key) {
@@ -14,22 +14,21 @@ typename Map::mapped_type find(const Map& map, const Key& key) {
   return found == map.end() ? nullptr : found->second;
 }
 
-/// Adds a record by its name; one without a name cannot be asked for.
+/// Adds a record by its name; one without a name is never looked up.
 template <typename Map, typename Record>
 void add_by_name(Map& map, Record* record) {
   if (record->name) map.try_emplace(record->name, record);
 }
 
-/// The first element that `matches`; null when there is none. `is_long` is set, and the answer
-/// null, when the list turns out too long for a walk.
+/// The first record of a list that `matches`. When there is none among the first records, `is_long`
+/// says whether there are more.
 template <typename Record, typename Matches>
-Record* walk(Record* list, bool& is_long, Matches matches) {
+Record* find_early(Record* list, bool& is_long, Matches matches) {
   int steps = 0;
-  for (Record* record = list; record; record = record->next) {
-    if (matches(*record)) return record;
-    if (++steps < kShortList) continue;
-    is_long = true;
-    return nullptr;
+  for (Record& record : each(list)) {
+    if (matches(record)) return &record;
+    is_long = ++steps == kShortList;
+    if (is_long) return nullptr;
   }
   return nullptr;
 }
@@ -76,8 +75,9 @@ valtable* ModelIndex::table(std::string_view name) const { return find(tables_, 
 
 sigblk* ModelIndex::signal(const msgblk& message, std::string_view name) {
   bool is_long = false;
-  sigblk* found = walk(message.signals, is_long,
-                       [name](const sigblk& signal) { return signal.name && signal.name == name; });
+  sigblk* found = find_early(message.signals, is_long, [name](const sigblk& signal) {
+    return signal.name && signal.name == name;
+  });
   if (!is_long) return found;
   const auto [index, is_new] = long_signal_lists_.try_emplace(&message);
   for (sigblk& signal : each(is_new ? message.signals : nullptr))
@@ -87,7 +87,8 @@ sigblk* ModelIndex::signal(const msgblk& message, std::string_view name) {
 
 rxblk* ModelIndex::link(rxblk* links, const symblk* node) {
   bool is_long = false;
-  rxblk* found = walk(links, is_long, [node](const rxblk& link) { return link.node == node; });
+  rxblk* found =
+      find_early(links, is_long, [node](const rxblk& link) { return link.node == node; });
   if (!is_long) return found;
   const auto [index, is_new] = long_link_lists_.try_emplace(links);
   for (rxblk& link : each(is_new ? links : nullptr)) index->second.try_emplace(link.node, &link);

@@ -1,5 +1,5 @@
 /// \file
-/// Lookups of a read: the answers of the list walks, first in list order, at the price of a hash.
+/// Lookups of a read by hash. Each gives what a walk of the list would: the first match.
 
 #ifndef ZELK_READER_MODEL_INDEX_HPP
 #define ZELK_READER_MODEL_INDEX_HPP
@@ -13,8 +13,8 @@
 
 namespace zelk {
 
-/// Knows the records that the lists held before the read, and every one that it is told of since.
-/// Records must be told in list order. Keys borrow the records' names.
+/// Holds the records that were in the lists before the read, and those added since. They must be
+/// added in list order. Keys borrow the records' names.
 class ModelIndex {
  public:
   explicit ModelIndex(const ModelHeads& model);

@@ -96,7 +96,7 @@ void Writer::long_name_definitions() {
   }
 }
 
-/// Whether the writer brings the attribute for the kind's long names.
+/// Whether the writer has to add the definition for the kind's long names.
 bool Writer::defines_long_names(std::size_t kind) const {
   return names_[static_cast<NamedKind>(kind)].has_long_names() && !long_name_definitions_[kind];
 }
@@ -137,8 +137,8 @@ void Writer::type_and_range(const attr_def& definition) {
   }
 }
 
-/// An empty item is written as a word of its own. Behind the last separator nothing is an empty
-/// item too, but only if there was none before.
+/// An empty item is written as a word of its own. An empty item at the end is left out when
+/// another empty one stands before it.
 void Writer::items(std::string_view list) {
   char separator = ' ';
   bool had_empty_item = false;

@@ -214,8 +214,8 @@ void Writer::variables() {
   out_.put('\n');
 }
 
-/// Strings and data are integers to this statement: a bit of the access code marks a string, a
-/// statement of its own data.
+/// This statement writes strings and data as integers: a bit of the access code marks a string, a
+/// further statement data.
 void Writer::variable(const env_var_blk& variable) {
   const bool is_string = variable.type == ZELK_ENVVAR_STRING;
   const bool is_plain = !is_string && variable.type != ZELK_ENVVAR_DATA;

@@ -60,7 +60,7 @@ std::string ShortNames::choose(std::string_view name) {
 }
 
 ShortNameCache::ShortNameCache(const ModelView& model) {
-  // Without a name that does not fit, nobody will ask what is in use.
+  // Names in use matter only where another name has to be chosen.
   std::array<bool, kNamedKinds> needs_names{};
   for_each_name(model, [&needs_names](NamedKind kind, std::string_view name) {
     needs_names[static_cast<std::size_t>(kind)] |= !is_kept(name);

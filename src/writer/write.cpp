@@ -56,8 +56,8 @@ std::uint32_t write_file(const char* path, const ModelView& model, bool with_mul
   return ZELK_OK;
 }
 
-/// Adds a line about the file to the error text. Of a path that would not leave room for the
-/// reason, the end is told.
+/// Adds a line about the file to the error text. A path that would leave no room for the reason is
+/// cut to its end.
 void note(std::string_view path, const std::string& reason) {
   constexpr std::size_t kPathMax = ZELK_ERROR_LINE_SIZE - 400;
   const bool is_cut = path.size() > kPathMax;

@@ -1,5 +1,5 @@
 /// \file
-/// Saving a database without ever costing the file that is there.
+/// Saving a database without losing the file that is there.
 
 #ifndef ZELK_WRITER_WRITE_HPP
 #define ZELK_WRITER_WRITE_HPP

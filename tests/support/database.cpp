@@ -7,6 +7,8 @@
 #include <fstream>
 #include <sstream>
 
+#include "base/list.hpp"
+
 TemporaryFile::TemporaryFile(std::string_view content) {
   const auto* test = testing::UnitTest::GetInstance()->current_test_info();
   path_ = std::string(test->test_suite_name()) + "." + test->name() + ".dbc";
@@ -50,32 +52,31 @@ struct Description {
   }
 
   void attributes(const attr* list) {
-    for (const attr* value = list; value; value = value->next) {
-      add(value == list ? " {" : " ", name_of(value->def), "=");
-      if (!value->def) continue;
-      if (value->def->value_type == ZELK_ATTR_STRING) add(quoted(value->value.text));
-      if (value->def->value_type != ZELK_ATTR_STRING) add(value->value.number);
+    for (const attr& value : zelk::each(list)) {
+      add(&value == list ? " {" : " ", name_of(value.def), "=");
+      if (!value.def) continue;
+      if (value.def->value_type == ZELK_ATTR_STRING) add(quoted(value.value.text));
+      if (value.def->value_type != ZELK_ATTR_STRING) add(value.value.number);
     }
     if (list) add("}");
   }
 
   void links(const rxblk* list) {
     add("[");
-    for (const rxblk* link = list; link; link = link->next) {
-      add(link == list ? "" : ",", name_of(link->node));
-      attributes(link->attrs);
+    for (const rxblk& link : zelk::each(list)) {
+      add(&link == list ? "" : ",", name_of(link.node));
+      attributes(link.attrs);
     }
     add("]");
   }
 
   void descriptions(const val* list) {
-    for (; list; list = list->next) add(" ", list->value, quoted(list->text));
+    for (const val& value : zelk::each(list)) add(" ", value.value, quoted(value.text));
   }
 
   template <typename Record>
-  void miscounted(const Record* list, int count) {
-    for (; list; list = list->next) --count;
-    if (count != 0) add(" miscounted");
+  void miscounted(const Record* list, std::size_t count) {
+    if (zelk::each(list).size() != count) add(" miscounted");
   }
 
   template <typename Object>
@@ -106,9 +107,7 @@ struct Description {
     links(signal.receivers);
     miscounted(signal.receivers, signal.receiver_count);
     if (signal.mux_signal) add(" by ", signal.mux_signal->name);
-    for (const auto* range = signal.mux_ranges; range; range = range->next) {
-      add(" ", range->low, "-", range->high);
-    }
+    for (const auto& range : zelk::each(signal.mux_ranges)) add(" ", range.low, "-", range.high);
     if (signal.value_type != 0) add(" value type ", signal.value_type);
     if (signal.sigtype) add(" type ", signal.sigtype->name);
     descriptions(signal.values);
@@ -121,16 +120,13 @@ struct Description {
     links(message.tx_nodes);
     miscounted(message.signals, message.signal_count);
     end(message);
-    for (const auto* signal = message.signals; signal; signal = signal->next) {
-      if (signal->message != &message) add("astray: ");
-      record(*signal);
+    for (const auto& signal : zelk::each(message.signals)) {
+      if (signal.message != &message) add("astray: ");
+      record(signal);
     }
-    for (const auto* group = message.siggroups; group; group = group->next) {
-      add(group->message == &message ? "group " : "astray: ", group->name, " x",
-          group->repetitions);
-      for (const auto* member = group->signals; member; member = member->next) {
-        add(" ", member->signal->name);
-      }
+    for (const auto& group : zelk::each(message.siggroups)) {
+      add(group.message == &message ? "group " : "astray: ", group.name, " x", group.repetitions);
+      for (const auto& member : zelk::each(group.signals)) add(" ", member.signal->name);
       add("\n");
     }
   }
@@ -184,7 +180,7 @@ struct Description {
 
   template <typename Record>
   void list(const Record* head) {
-    for (; head; head = head->next) record(*head);
+    for (const Record& one : zelk::each(head)) record(one);
   }
 };
 
@@ -209,9 +205,7 @@ std::string describe(const zelk::ModelView& model) {
   const filter_t& filter = model.filter;
   if (!filter.categories && !filter.nodes && filter.mode == 0) return text.out.str();
   text.add("filter ", filter.mode);
-  for (const auto* link = filter.categories; link; link = link->next) {
-    text.add(" ", name_of(link->category));
-  }
+  for (const auto& link : zelk::each(filter.categories)) text.add(" ", name_of(link.category));
   text.add(" ");
   text.links(filter.nodes);
   return text.out.str() + "\n";
