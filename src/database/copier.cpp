@@ -1,9 +1,10 @@
 #include "database/copier.hpp"
 
-#include <cstddef>
 #include <utility>
 
+#include "base/attribute_text.hpp"
 #include "base/list.hpp"
+#include "database/disown.hpp"
 #include "model/inline_name.hpp"
 #include "model/memory.hpp"
 #include "model/release.hpp"
@@ -11,72 +12,6 @@
 
 namespace zelk {
 namespace {
-
-/// A host may have filled the array of an inline text to the last byte, without a NUL.
-template <std::size_t kSize>
-void terminate(char (&field)[kSize]) {
-  field[kSize - 1] = '\0';
-}
-
-// Each clears the owned members of a record that was copied byte by byte: they are the source's.
-// References to other records stay, for the caller to replace.
-void disown(attr& value) { value.value = {}; }
-void disown(val& description) { description.text = nullptr; }
-void disown(rxblk& link) { link.attrs = nullptr; }
-void disown(catlink&) {}
-void disown(muxor_val_range&) {}
-void disown(siglistblk&) {}
-void disown(siggroup_extra&) {}
-void disown(cat& category) { terminate(category.name); }
-void disown(btlblk&) {}
-void disown(valtable& table) {
-  terminate(table.name);
-  table.values = nullptr;
-}
-void disown(siggroupblk& group) {
-  terminate(group.name);
-  group.signals = nullptr;
-  group.extra = nullptr;
-  group.comment = nullptr;
-}
-void disown(sigblk& signal) {
-  terminate(signal.unit);
-  signal.name = signal.comment = nullptr;
-  signal.receivers = nullptr;
-  signal.attrs = nullptr;
-  signal.values = nullptr;
-  signal.mux_ranges = nullptr;
-}
-void disown(msgblk& message) {
-  message.name = message.comment = nullptr;
-  message.signals = nullptr;
-  message.attrs = nullptr;
-  message.siggroups = nullptr;
-  message.tx_nodes = nullptr;
-}
-void disown(symblk& node) {
-  node.name = node.comment = nullptr;
-  node.attrs = nullptr;
-}
-void disown(env_var_blk& variable) {
-  terminate(variable.unit);
-  variable.name = variable.comment = nullptr;
-  variable.access_nodes = nullptr;
-  variable.attrs = nullptr;
-  variable.values = nullptr;
-}
-void disown(sigtype& type) {
-  terminate(type.name);
-  terminate(type.unit);
-  type.comment = nullptr;
-  type.attrs = nullptr;
-}
-void disown(attr_def& definition) {
-  terminate(definition.name);
-  const bool is_enum = definition.value_type == ZELK_ATTR_ENUM;
-  if (is_enum) definition.enum_values = nullptr;
-  if (is_enum || definition.value_type == ZELK_ATTR_STRING) definition.default_value = {};
-}
 
 // Each says whether a record can take the place of a foreign one that is referred to.
 template <typename Record>
@@ -208,9 +143,10 @@ bool DatabaseCopier::copy() {
 
 void DatabaseCopier::copy_definitions() {
   copy_whole(target_.attr_defs, source_.attr_defs, [](const attr_def& definition, attr_def& copy) {
-    const bool is_enum = definition.value_type == ZELK_ATTR_ENUM;
-    if (is_enum) copy.enum_values = copy_of(definition.enum_values).release();
-    if (is_enum || definition.value_type == ZELK_ATTR_STRING) {
+    if (definition.value_type == ZELK_ATTR_ENUM) {
+      copy.enum_values = copy_of(definition.enum_values).release();
+    }
+    if (has_text_default(definition)) {
       copy.default_value.text = copy_of(definition.default_value.text).release();
     }
   });

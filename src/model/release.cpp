@@ -1,5 +1,7 @@
 #include "model/release.hpp"
 
+#include "base/attribute_text.hpp"
+
 namespace zelk {
 namespace {
 
@@ -59,11 +61,8 @@ void release_members(sigtype& type) {
 }
 
 void release_members(attr_def& definition) {
-  const bool is_enum = definition.value_type == ZELK_ATTR_ENUM;
-  if (is_enum) zelk_mfree(definition.enum_values);
-  if (is_enum || definition.value_type == ZELK_ATTR_STRING) {
-    zelk_mfree(definition.default_value.text);
-  }
+  if (definition.value_type == ZELK_ATTR_ENUM) zelk_mfree(definition.enum_values);
+  if (has_text_default(definition)) zelk_mfree(definition.default_value.text);
 }
 
 /// Releases a list whose records have members to release.

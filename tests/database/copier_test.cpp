@@ -12,8 +12,8 @@ using Copy = DatabaseTest;
 
 const std::string kEveryStatement = ZELK_SOURCE_DIR "/tests/data/ok_every_statement.dbc";
 
-/// Renames all records that others refer to, by their places in the lists: the description then
-/// tells what each reference leads to. A reference to a stranger keeps its old name.
+/// Renames all records that others refer to by their places in the lists: the description then
+/// shows what each reference leads to. A reference to a foreign record shows its old name.
 void number(ZelkDatabase& d, const std::string& mark = "") {
   int count = 0;
   const auto rename = [&](auto* list) {
@@ -36,7 +36,7 @@ std::vector<std::size_t> sizes(const ZelkDatabase& d) {
   return sizes;
 }
 
-// Namesakes stand in front of much that is referred to.
+// Many records that are referred to have a namesake in front of them.
 TEST_F(Copy, HasAllRecordsForItself) {
   for (const char* file : {"/tests/data/ok_every_statement.dbc", "/tests/writer/whole.dbc",
                            "/examples/powertrain.dbc"}) {
@@ -148,8 +148,7 @@ TEST_F(Copy, AssignedKeepsWhatTheTargetIs) {
   EXPECT_EQ(describe(target), "");
 }
 
-/// Copies while the `n`-th allocation fails, for all of them: no more than the list that it was for
-/// is missing.
+/// Copies while each allocation in turn fails: only the list that it was for is missing.
 template <typename Failure>
 std::size_t copy_while_allocations_fail(const ZelkDatabase& source) {
   const auto complete = sizes(source);
@@ -175,7 +174,8 @@ std::size_t copy_while_allocations_fail(const ZelkDatabase& source) {
     EXPECT_EQ(copy.Write(nullptr), 9) << "a file would lose the list, allocation " << n;
     copy.SetUserData(nullptr);
     number(copy, "own");
-    EXPECT_EQ(describe(copy).find("Q__"), std::string::npos) << "a stranger, allocation " << n;
+    EXPECT_EQ(describe(copy).find("Q__"), std::string::npos)
+        << "a foreign record, allocation " << n;
   }
 }
 

@@ -1,4 +1,4 @@
-// Which file is which database, who holds it, and what reading it afresh makes of it.
+// The file of a database, clearing, and reading again.
 
 #include <vector>
 
@@ -56,7 +56,7 @@ TEST_F(Content, IsClearedButForWhatBelongsToTheFile) {
   EXPECT_EQ(describe(database), "");
 }
 
-TEST_F(Content, IsReadAfresh) {
+TEST_F(Content, IsReadAgain) {
   const std::string path = folder_.write("a.dbc", kNodes);
   OwnDatabase none, database(path);
   const int64_t time = database.file_time;
@@ -81,7 +81,7 @@ TEST_F(Content, IsReadAfresh) {
     EXPECT_EQ(describe(database), c.model) << c.name;
     EXPECT_STREQ(zelk_get_error_text(), c.told) << c.name;
     EXPECT_EQ(database.SymbolsShortenedOnRead(), c.has_cut_names) << c.name;
-    database.symbols_shortened = c.has_cut_names ? 0 : 1;  // a reading tells anew
+    database.symbols_shortened = c.has_cut_names ? 0 : 1;  // to be set anew by the next read
     EXPECT_EQ(database.file_time, time) << c.name;
     EXPECT_FALSE(database.IsPathEqual(path.c_str())) << c.name;
   }
@@ -90,7 +90,7 @@ TEST_F(Content, IsReadAfresh) {
   EXPECT_EQ(describe(database), "");
 }
 
-// What stands before the fault is not to take the place of the file.
+// A database that was read in part must not replace its file.
 TEST_F(Content, IsNotSavedUnlessItIsWhole) {
   const std::string path = folder_.write("a.dbc", kNodes);
   struct Case {

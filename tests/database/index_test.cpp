@@ -1,5 +1,5 @@
-// Lookups by the index of a database answer as walks over its lists do, and cease when a host can
-// change the lists.
+// Lookups by the index of a database give what walks over its lists give, and the index is not used
+// while a host can change the lists.
 
 #include <atomic>
 #include <functional>
@@ -72,7 +72,7 @@ TEST_F(Index, ServesUntilARecordIsHandedOut) {
   editor.UnlockDatabase(edited);
   EXPECT_EQ(editor.MessageCount(edited), 2U);
   EXPECT_FALSE(editor.GetNode("none", edited) || editor.GetMessage(7UL, kAll));
-  EXPECT_EQ(finds_all_unlinked(m, db), all) << "none of these gives anything away";
+  EXPECT_EQ(finds_all_unlinked(m, db), all) << "none of these hands a record out";
 
   const auto named = [&] { return editor.ZelkManager::GetNode("A", edited); };
   using D = ZelkDatabase;
@@ -98,7 +98,7 @@ TEST_F(Index, ServesUntilARecordIsHandedOut) {
   for (const auto& way : ways) {
     EXPECT_EQ(m.ReopenDatabase(db), 0);
     EXPECT_TRUE(m.GetNode("B", db));
-    EXPECT_EQ(finds_all_unlinked(m, db), all) << "a database that was read again is nobody's";
+    EXPECT_EQ(finds_all_unlinked(m, db), all) << "reading again allows an index again";
     way(*OwnDatabase::find(file));
     EXPECT_EQ(finds_all_unlinked(m, db), none) << &way - ways;
   }
@@ -131,7 +131,7 @@ std::vector<std::uint32_t> identifiers() {
 
 const std::vector<std::uint32_t> kIds = identifiers();
 
-/// Every question there is.
+/// Makes every lookup.
 void expect_answers_of_the_walk(const ZelkDatabase& d) {
   for (const std::string& name : kNames) {
     const char* const n = name.c_str();

@@ -10,8 +10,8 @@ namespace {
 
 using Objects = DatabaseTest;
 
-/// Creates and deletes records anywhere, and now and then behind the database's back with the
-/// functions of the C interface; a vector follows.
+/// Creates and deletes records anywhere, now and then by the functions of the C interface, and does
+/// the same in a vector.
 template <typename Record>
 void expect_creation(const char* name, Record* ZelkDatabase::*list,
                      Record* (ZelkDatabase::*create)(unsigned),

@@ -1,4 +1,4 @@
-// What only POSIX file systems have: owners, permissions, links, pipes, limits, and processes that
+// What only POSIX file systems have: owners, permissions, links, pipes, limits; and processes that
 // are killed while they save.
 
 #include <fcntl.h>
@@ -72,7 +72,7 @@ TEST_F(SavePosix, KeepsWhatIsBesideTheContent) {
   EXPECT_EQ(OwnDatabase(database_).Write(fresh.c_str()), 0);
   umask(mask);
   EXPECT_EQ(status_of(fresh).st_mode & 07777, 0640u) << "as any new file";
-  if (geteuid() != 0) GTEST_SKIP() << "only root gives files away";
+  if (geteuid() != 0) GTEST_SKIP() << "only root can change owners";
   ASSERT_EQ(chown(path_.c_str(), kNobody, 65533), 0);
   ASSERT_EQ(chmod(path_.c_str(), 02666), 0);
   if (!set_attribute(path_, "user.zelk", "x") || !set_attribute(path_, kAccessList, kList)) {
@@ -91,7 +91,7 @@ TEST_F(SavePosix, KeepsWhatIsBesideTheContent) {
 }
 
 TEST_F(SavePosix, WithoutTheRights) {
-  if (geteuid() != 0) GTEST_SKIP() << "only root becomes somebody else";
+  if (geteuid() != 0) GTEST_SKIP() << "only root can change its user";
   const struct {
     const char* name;
     mode_t folder, file;
@@ -166,13 +166,13 @@ TEST_F(SavePosix, BeyondTheLimitOfFiles) {
   EXPECT_EQ(names_in(folder_), "a.dbc ");
 }
 
-TEST_F(SavePosix, WaitsForNobodyWhoWritesInPlace) {
+TEST_F(SavePosix, RefusesWhileAnotherSaveWritesInPlace) {
   const std::string copy = folder_.write(".a.dbc.zelk-whole", kNodes);
   const int writer = open(copy.c_str(), O_RDWR);
   ASSERT_EQ(flock(writer, LOCK_EX | LOCK_NB), 0);
   EXPECT_EQ(save(), refusal("another save is writing to it"));
   close(writer);
-  if (chown(copy.c_str(), kNobody, 0) != 0) GTEST_SKIP() << "only root gives files away";
+  if (chown(copy.c_str(), kNobody, 0) != 0) GTEST_SKIP() << "only root can change owners";
   EXPECT_EQ(save(), refusal(".a.dbc.zelk-whole beside it is somebody else's"));
   EXPECT_EQ(content_of(path_), kNodes);
 }

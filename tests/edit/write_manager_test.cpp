@@ -67,7 +67,7 @@ TEST_F(WriteManagers, CreateDatabases) {
   EXPECT_TRUE(reader.GetNode("Node", open(reader, path, "copy")));
 }
 
-/// Content that tells who wrote it, and nobody's.
+/// The part of a file that shows who wrote it.
 std::string written(const char* by) { return std::string("CM_ \"") + by + "\""; }
 
 // Each letter is a step, of the first writer or in capitals of the second, on one new file: c
@@ -109,7 +109,7 @@ TEST_F(WriteManagers, OneGetsANewFile) {
   }
 }
 
-// A second writer has the touched file, and edits that nobody has written.
+// A second writer has the touched file open, with unwritten edits.
 TEST_F(WriteManagers, LeaveOthersEditsAlone) {
   for (const bool is_named : {false, true}) {
     const std::string path = folder.write("a.dbc", kDatabase);
@@ -124,19 +124,21 @@ TEST_F(WriteManagers, LeaveOthersEditsAlone) {
     EXPECT_EQ(content_of(path), kDatabase);
     EXPECT_STREQ(second.GetConstDatabase(others)->comment, "second");
     EXPECT_EQ(second.GetNode("A", others), node);
-    EXPECT_EQ(second.WriteDatabase(others, nullptr), 0) << "who has the file as it is may write it";
+    EXPECT_EQ(second.WriteDatabase(others, nullptr), 0)
+        << "its instance is that of the present file";
     EXPECT_EQ(first.WriteDatabase(name, nullptr), 10);
     first.CommitDatabase(nullptr);
-    EXPECT_STREQ(second.GetConstDatabase(others)->comment, "first") << "a commit asks nobody";
+    EXPECT_STREQ(second.GetConstDatabase(others)->comment, "first")
+        << "a commit overwrites without asking";
     second.CloseDatabase(others, false);
     Manager reader;
     open(reader, path);
-    EXPECT_EQ(first.WriteDatabase(name, nullptr), 0) << "who only reads sees what is written";
+    EXPECT_EQ(first.WriteDatabase(name, nullptr), 0) << "a plain manager does not refuse a write";
     EXPECT_NE(content_of(path).find(written("first")), std::string::npos);
   }
 }
 
-// One manager has a file as it was and as it is.
+// One manager has two instances of a file: from before and from after a touch.
 TEST_F(WriteManagers, LeaveTheirOwnEditsAlone) {
   const std::string path = folder.write("a.dbc", kDatabase);
   WriteManager manager;
@@ -153,7 +155,7 @@ TEST_F(WriteManagers, LeaveTheirOwnEditsAlone) {
   EXPECT_EQ(manager.WriteDatabase(fresh, nullptr), 9) << "what was cut is not saved from there";
 }
 
-TEST_F(WriteManagers, GiveNobodyHalfADatabase) {
+TEST_F(WriteManagers, ReadAgainWhatWasReadInPart) {
   const std::string path = folder.write("a.dbc", kDatabase);
   WriteManager writer;
   const char* const name = open(writer, path);
@@ -165,7 +167,7 @@ TEST_F(WriteManagers, GiveNobodyHalfADatabase) {
   EXPECT_EQ(writer.WriteDatabase(name, nullptr), 9);
 }
 
-// Lists that a host exchanges have other ends.
+// A host may exchange the lists of two databases.
 TEST_F(WriteManagers, AppendToTheListThatIsThere) {
   WriteManager manager;
   const char* const names[] = {create(manager, "a"), create(manager, "b")};

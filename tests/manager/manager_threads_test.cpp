@@ -1,4 +1,4 @@
-// Managers of several threads at once, for the thread sanitizer as much as for what is expected.
+// Managers of several threads at once: for the thread sanitizer too.
 
 #include <atomic>
 #include <thread>

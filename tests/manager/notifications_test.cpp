@@ -27,7 +27,7 @@ TEST_F(Notifications, TellEveryHolder) {
     return host.notifications;
   };
   using Lines = std::vector<std::string>;
-  // A window is told of the sender's window, a thread of its thread.
+  // A window gets the handle of the sender's window, a thread that of its thread.
   EXPECT_EQ(told(sender, changed), (Lines{"all 0 from 0: -", "thread 700000020 from 20: sent",
                                           "window 40 from 0: a", "window 10 from 0: one"}));
   EXPECT_GE(host.number, 0xC000U);
@@ -55,7 +55,8 @@ TEST_F(Notifications, OfATouchedFile) {
   const ZelkDatabase& read_after = *manager.GetDatabase(open(manager, path, "after"));
   manager.NotifyChanges(read_before, manager);
   manager.NotifyChanges(read_after, manager);
-  // The older one is itself, and the newer one has its file; but it is not the file that is there.
+  // A change of the older instance is announced for the newer one too, which is that of the present
+  // file, but not the other way round.
   EXPECT_EQ(host.notifications,
             (std::vector<std::string>{"window 10 from 10: before", "window 10 from 10: after",
                                       "window 10 from 10: after"}));

@@ -1,4 +1,4 @@
-// What a host on Windows hears without registering anything: real windows, threads and boxes.
+// Notifications and refusals on Windows without registered functions: real windows, threads, boxes.
 
 #include <windows.h>
 

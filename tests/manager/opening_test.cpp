@@ -163,7 +163,7 @@ TEST_F(Opening, KeepsTheErrorText) {
   EXPECT_STREQ(manager.GetLastOpenError(), "") << "it was not read";
 }
 
-TEST_F(Opening, ReadsAfresh) {
+TEST_F(Opening, ReadsAgain) {
   const std::string paths[] = {folder.write("x.dbc", kDatabase), folder.write("y.dbc", kDatabase),
                                folder.write("z.dbc", kDatabase)};
   Manager manager;
@@ -180,7 +180,7 @@ TEST_F(Opening, ReadsAfresh) {
   EXPECT_EQ(manager.ReopenDatabase(names[2]), 2);
   EXPECT_EQ(manager.ReopenDatabase(nullptr), 2) << "the last one met";
   folder.write("z.dbc", "BS_:\nBU_: C\n", 1);
-  EXPECT_EQ(manager.ReopenDatabase(nullptr), 1) << "later ones are read nevertheless";
+  EXPECT_EQ(manager.ReopenDatabase(nullptr), 1) << "later ones are read all the same";
   EXPECT_STREQ(manager.GetDatabase(names[2])->nodes->name, "C");
   folder.write("y.dbc", kDatabase, 1);
   EXPECT_EQ(manager.ReopenDatabase(nullptr), 0);
