@@ -129,8 +129,8 @@ class ZELK_API ZelkDatabase {
   /// also the one that writes, has another instance of the own file open; `ZelkErrorFileBelongs`,
   /// when the own file exists although it did not when it became that, and this database has not
   /// written it since; `ZelkErrorReadOnly`; `ZelkErrorNotWritten`, when names were shortened on
-  /// reading (error 30), the database was not read or copied whole (error 13), or the file could
-  /// not be written, with the reason in the error text; or `ZelkErrorOk`
+  /// reading (`ZELK_ERR_SHORTENED`), the database was not read or copied whole (`ZELK_ERR_WRITE`),
+  /// or the file could not be written, with the reason in the error text; or `ZelkErrorOk`
   ZelkError Write(const char* file);
 
   /// Copies this database over the other instance of the same file in the process's list; does

@@ -76,7 +76,7 @@ struct ZelkManagerNode {
 /// for those threads.
 ///
 /// **Memory.** Only the constructors raise, when the heap is exhausted. An operation that runs out
-/// of memory reports error 24 in the error text (errors.h) and fails.
+/// of memory reports `ZELK_ERR_MEMORY` in the error text (errors.h) and fails.
 class ZELK_API ZelkManager {
  public:
   /// One open database of a manager.

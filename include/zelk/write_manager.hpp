@@ -26,8 +26,8 @@ Record* changeable(const Record* record) {
 /// host takes it (`LockDatabase`) before the first edit.
 ///
 /// **Edits** return nothing. When there is no such database, definition or value, or no memory
-/// (error 24 in the error text), everything stays as it was. Names and values are stored as they
-/// are given, whether or not a file can hold them. A parameter `db` is a handle as in
+/// (`ZELK_ERR_MEMORY` in the error text), everything stays as it was. Names and values are stored
+/// as they are given, whether or not a file can hold them. A parameter `db` is a handle as in
 /// `ZelkManager`; texts are copied. A given record must belong to an open database of this manager;
 /// when an edit links two records, nothing tests that both are of the same database.
 ///
