@@ -36,23 +36,18 @@ class Window {
   bool extend(char*& start);
 
   /// Releases the blocks left behind: no token text is needed any more.
-  void forget();
+  void forget() { left_.clear(); }
 
   /// Whether reading stopped because of a fault of the file and not at its end.
   bool failed() const { return std::ferror(file_.get()) != 0; }
 
  private:
-  struct Block {
-    std::unique_ptr<char[]> bytes;
-    std::size_t size = 0;
-  };
+  using Block = std::unique_ptr<char[]>;
 
   std::size_t read(char* into, std::size_t room);
-  Block take_block(std::size_t size);
 
   platform::File file_;
   std::vector<Block> left_;  ///< blocks that texts of the statement may still be in
-  Block spare_;              ///< a block of the usual size, for the next change
   Block block_;              ///< the block of the cursor
   char* cursor_;
   char* limit_;
