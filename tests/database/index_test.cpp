@@ -1,16 +1,13 @@
 // Lookups by the index of a database give what walks over its lists give, and the index is not used
 // while a host can change the lists.
 
-#include <atomic>
 #include <functional>
 #include <random>
-#include <thread>
 #include <utility>
 #include <vector>
 
-#include "codec/frames.hpp"
 #include "database/own_database.hpp"
-#include "zelk/frame_decoder.hpp"
+#include "manager/manager_test.hpp"
 #include "zelk/query.h"
 #include "zelk/write_manager.hpp"
 
@@ -192,36 +189,6 @@ TEST_F(EditedIndex, AnswersAsTheWalk) {
     create(d, 1, &D::CreateMessage);
     expect_answers_of_the_walk(d);
   }
-}
-
-/// Every thread finds and decodes all messages of a database that none of them edits.
-TEST(IndexThreads, ReadOneDatabase) {
-  std::string text = "BS_:\nBU_:\n";
-  for (int id = 1; id <= 200; ++id) {
-    const std::string number = std::to_string(id);
-    text += "BO_ " + number + " M" + number + ": 8 Ostrel__XXX\n SG_ S : 0|8@1+ (1," + number +
-            ") [0|0] \"\" Ostrel__XXX\n\n";
-  }
-  const Folder folder;
-  const OwnDatabase d(folder.write("a.dbc", text));
-  const ZelkFrameDecoderTable decoders(d.messages);
-  std::atomic<int> decoded = 0;
-  std::vector<std::thread> threads(8);
-  for (std::thread& thread : threads) {
-    thread = std::thread([&] {
-      for (unsigned long id = 1; id <= 200; ++id) {
-        const msgblk* const message = d.GetMessage(("M" + std::to_string(id)).c_str());
-        const Frame frame(8);
-        double value = 0;
-        std::uint64_t present = 0;
-        decoders.Find(*message)->Decode(frame.data(), 8, &value, &present);
-        const bool is_found = message == d.GetMessage(id) && message == d.GetJ1939Message(id, 0);
-        decoded += is_found && value == static_cast<double>(id) ? 1 : 0;
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
-  EXPECT_EQ(decoded, 1600);
 }
 
 }  // namespace

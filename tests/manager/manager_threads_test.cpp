@@ -6,6 +6,7 @@
 
 #include "manager/manager_test.hpp"
 #include "support/files.hpp"
+#include "zelk/frame_decoder.hpp"
 #include "zelk/lock.hpp"
 #include "zelk/write_manager.hpp"
 
@@ -42,10 +43,12 @@ class ManagerThreads : public ManagerTest {
 };
 
 TEST_F(ManagerThreads, ShareWhatTheyRead) {
-  const std::string shared = folder.write("shared.dbc", "BS_:\nBU_: A\nBO_ 1 M: 8 A\n");
+  const std::string shared = folder.write(
+      "shared.dbc", "BS_:\nBU_: A\nBO_ 1 M: 8 A\n SG_ S : 0|8@1+ (2,1) [0|0] \"\" A\n");
   const std::string faulty = folder.write("faulty.dbc", kFaulty);
   Manager holder;
   const ZelkDatabase* const held = holder.GetConstDatabase(open(holder, shared));
+  const ZelkFrameDecoderTable decoders(held->messages);
   run([&](int thread, int round) {
     Manager manager;
     const std::string own = "own" + std::to_string(thread);
@@ -54,6 +57,12 @@ TEST_F(ManagerThreads, ShareWhatTheyRead) {
     EXPECT_EQ(manager.GetConstDatabase(a), held);
     EXPECT_EQ(manager.GetMessage("M", a), held->messages);
     EXPECT_EQ(manager.GetMessage(1UL, static_cast<const char*>(nullptr)), held->messages);
+    EXPECT_EQ(held->GetJ1939Message(1, 0), held->messages);
+    const unsigned char frame[] = {static_cast<unsigned char>(round)};
+    double value = 0;
+    std::uint64_t present = 0;
+    decoders.Find(1)->Decode(frame, sizeof frame, &value, &present);
+    EXPECT_EQ(value, 2 * round + 1);
     EXPECT_TRUE(manager.LockAllDatabases("reading"));
     EXPECT_EQ(manager.OpenDatabase(faulty.c_str(), nullptr, 0), ZelkErrorNoDatabase);
     EXPECT_STREQ(manager.GetDatabaseName(shared.c_str()), own.c_str());
