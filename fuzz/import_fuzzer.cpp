@@ -29,7 +29,7 @@ class Module {
   }
 
  private:
-  /// An export that is refused has told why; what was written must be read.
+  /// A refused export has a reason in the error text; what was written must be read.
   void again(const char* first) {
     const std::string path = kSecondFile + std::to_string(getpid());
     const bool is_written = exporter_.Export(first, path.c_str()) == ZelkErrorOk;

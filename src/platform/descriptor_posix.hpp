@@ -56,8 +56,8 @@ inline bool is_named(const Descriptor& file, const char* path) {
   return lstat(path, &named) == 0 && named.st_dev == status.st_dev && named.st_ino == status.st_ino;
 }
 
-/// Takes the file's lock, which goes with the last descriptor of this opening, also of a process
-/// that is killed.
+/// Takes the file's lock, which the system releases with the last descriptor of this opening, also
+/// when the process is killed.
 ///
 /// @return false when another opening holds it, or the file system has no locks (`errno` says)
 inline bool try_lock(const Descriptor& file) { return flock(file.get(), LOCK_EX | LOCK_NB) == 0; }

@@ -77,7 +77,7 @@ bool set_time(const Descriptor& file, const timespec& time) {
   return futimens(file.get(), times) == 0;
 }
 
-/// Makes sure that the content finds room in the file, as far as the system can tell.
+/// Reserves room for the content, on file systems that can do it.
 void reserve(const Descriptor& file, off_t size) {
   const timespec before = status_of(file).st_mtim;
   if (size == 0 || fallocate(file.get(), FALLOC_FL_KEEP_SIZE, 0, size) == 0) return;
@@ -96,7 +96,7 @@ void write_all(const Descriptor& target, const Descriptor& content) {
   copy_rest(content, target, 0);
 }
 
-/// Locks the file until its descriptor goes. A file system without locks has none to respect.
+/// Locks the file until its descriptor is closed; a file system may have no locks.
 void lock(const Descriptor& file) {
   if (!try_lock(file) && errno == EWOULDBLOCK) throw SaveFailure(kBusy);
 }

@@ -17,7 +17,7 @@ namespace zelk::platform {
 
 inline constexpr int kMostWriters = 32;  ///< of one target at a time
 
-/// A save under way; ends without effect when it goes before `take_place`.
+/// A save under way. Without `take_place` it has no effect.
 class Save {
  public:
   virtual ~Save() = default;

@@ -37,7 +37,7 @@ AttributeActions::AttributeActions(ReadContext& context)
     index_.add_old(&old);
     if (std::count(slots, slots + slot_count, &old) > 0) long_name_definitions_.insert(&old);
   }
-  // A slot that was never set, or whose list is gone, says nothing.
+  // What stands in a slot that was never set, or whose list was released, is no definition.
   std::replace_if(
       slots, slots + slot_count,
       [this](const attr_def* kept) { return !long_name_definitions_.contains(kept); }, nullptr);

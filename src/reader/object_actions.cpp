@@ -44,8 +44,8 @@ void ObjectActions::variable(const VariableLine& line) {
   context_.end_statement();
 }
 
-/// The hexadecimal number behind the prefix. Another name says nothing about the access: it counts
-/// as 0, with a warning.
+/// The hexadecimal number behind the prefix. Any other name has no access code: it counts as 0,
+/// with a warning.
 std::uint32_t ObjectActions::access_code(TokenText access) const {
   const std::string_view text = access.view();
   std::uint32_t code = 0;

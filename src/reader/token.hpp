@@ -25,7 +25,7 @@ struct RealPair {
   double second;
 };
 
-/// A length in bits, and an order number that tells the byte order.
+/// A length in bits, and an order number, from which the byte order follows.
 struct Segment {
   std::uint32_t length_bits;
   std::uint32_t order;

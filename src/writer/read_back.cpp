@@ -27,7 +27,7 @@ bool has_values(const rxblk* links) {
   return find_first(links, [](const rxblk& link) { return link.attrs != nullptr; });
 }
 
-/// Whether further statements speak of a signal.
+/// Whether statements beside its "SG_" line name the signal.
 bool has_statements(const sigblk& signal) {
   return !view(signal.comment).empty() || signal.attrs || signal.values || signal.sigtype ||
          signal.value_type != ZELK_VALUE_INTEGER || has_values(signal.receivers);

@@ -5,8 +5,8 @@
 #include "support/folder.hpp"
 #include "support/system.hpp"
 
-/// A new folder, which is the working folder while it lives and goes with all that is in it. One
-/// per test at a time.
+/// A new folder, which is the working folder while this lives, and is then removed with all that is
+/// in it. One per test at a time.
 class WorkingFolder {
  public:
   WorkingFolder() {

@@ -9,7 +9,7 @@
 #include "support/paths.hpp"
 
 // Whatever the file holds, a read ends with a number, and what it leaves behind can be walked and
-// released; the sanitizers tell when it cannot.
+// released, as the sanitizers check.
 
 namespace {
 

@@ -268,7 +268,7 @@ TEST(Statements, SignalsAndGroups) {
        {"SG_MUL_VAL_ 1 T S 0-3; SG_MUL_VAL_ 1 T S 7-7;", SIGNAL_T " by S 7-7"}});
 }
 
-// What a statement speaks of must be there.
+// The objects that a statement names must be there.
 TEST(Statements, AboutUnknownObjects) {
   const std::string definition = "BA_DEF_ 'D' INT; BA_DEF_REL_ 'D' INT; ";
   const struct {

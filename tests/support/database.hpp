@@ -8,8 +8,8 @@
 #include "model/heads.hpp"
 #include "support/lists.hpp"
 
-/// A file of the given content in the working directory, removed when it goes. One per test at a
-/// time.
+/// A file of the given content in the working directory, removed by the destructor. One per test at
+/// a time.
 class TemporaryFile {
  public:
   explicit TemporaryFile(std::string_view content);

@@ -14,7 +14,7 @@ class FailingAllocation {
   FailingAllocation& operator=(const FailingAllocation&) = delete;
   ~FailingAllocation() { armed_ = false; }
 
-  /// Whether that allocation has come.
+  /// Whether that allocation has been made.
   bool has_failed() const { return !armed_; }
 
   /// Counts an allocation; whether it is the one.

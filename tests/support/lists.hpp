@@ -5,7 +5,7 @@
 
 #include "zelk/zelk.h"
 
-/// Released when it goes.
+/// Its destructor releases them.
 struct Lists {
   Lists() = default;
   Lists(const Lists&) = delete;
