@@ -8,7 +8,7 @@ install(TARGETS zelkmsnx EXPORT zelkmsnx
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/zelk DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 if(ZELK_BUILD_TOOL)
-  # The program finds the library from where it lies, wherever the installation was put.
+  # The program finds the library relative to its own folder, wherever the installation is.
   file(RELATIVE_PATH bin_to_lib /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
   set_target_properties(zelk PROPERTIES INSTALL_RPATH $ORIGIN/${bin_to_lib})
   install(TARGETS zelk RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
@@ -30,7 +30,7 @@ install(EXPORT zelkmsnx NAMESPACE zelkmsnx:: FILE zelkmsnx-config.cmake DESTINAT
 write_basic_package_version_file(${CMAKE_BINARY_DIR}/zelkmsnx-config-version.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_BINARY_DIR}/zelkmsnx-config-version.cmake DESTINATION ${package_dir})
 
-# The file finds the installation from where it lies, so that `cmake --install --prefix` may put it anywhere.
+# The file names folders relative to its own, so that `cmake --install --prefix` may put the installation anywhere.
 file(RELATIVE_PATH pc_to_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 configure_file(${PROJECT_SOURCE_DIR}/cmake/zelkmsnx.pc.in ${CMAKE_BINARY_DIR}/zelkmsnx.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/zelkmsnx.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

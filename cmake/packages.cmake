@@ -1,9 +1,9 @@
 # The libraries of the program, the modules and the tests, from the distribution: CLI11::CLI11, fmt::fmt,
 # nlohmann_json::nlohmann_json, pugixml::pugixml, GTest::gmock and GTest::gtest_main.
 #
-# A build for another system takes them from the same packages, in forms that do not depend on a system: headers, copied
-# out of /usr/include because what lies beside them there is of the build machine's system, and the sources of GoogleTest
-# and pugixml (scripts/setup fetches the latter, as no package has them).
+# A build for another system takes from the same packages what does not depend on a system: headers, copied out of
+# /usr/include because the headers beside them belong to the build machine's system, and the sources of GoogleTest and
+# pugixml (scripts/setup fetches the latter, as no package has them).
 
 function(zelk_copy_header_library name folder)
   file(COPY /usr/include/${folder} DESTINATION ${CMAKE_BINARY_DIR}/headers)

@@ -1,4 +1,4 @@
-# What is different on each system stands in sources of their own, which end in posix.cpp or win32.cpp.
+# Code that differs between systems stands in sources whose names end in posix.cpp or win32.cpp.
 
 function(zelk_keep_sources_of_this_system list)
   if(WIN32)

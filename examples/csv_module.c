@@ -2,9 +2,9 @@
  *
  *     message,identifier,length,signal,start bit,length,factor,offset,unit
  *
- * with numbers as C writes them in the locale of the process. Signals are integers without a sign,
- * in Intel byte order, and in every frame; no text has a comma.
- * Build it as a shared library that is linked with zelkmsnx, and load it with
+ * with numbers as C writes them in the locale of the process. Signals are unsigned integers in
+ * Intel byte order without multiplexing; no text has a comma. Build it as a shared library that is
+ * linked with zelkmsnx, and load it with
  *
  *     zelk convert --from ./csv_module.so signals.csv signals.dbc
  */
@@ -17,7 +17,7 @@
 
 enum { kFields = 9, kLineSize = 1000 };
 
-/* A copy in the library's heap; null when that is exhausted. */
+/* A copy in the library's heap; null without memory. */
 static char* copy(const char* text) {
   char* block = zelk_malloc(strlen(text) + 1);
   return block ? strcpy(block, text) : NULL;

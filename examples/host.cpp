@@ -52,9 +52,7 @@ bool open(ZelkManager& manager, const char* path, unsigned priority) {
 
 unsigned count_messages(const ZelkDatabase& database) {
   unsigned count = 0;
-  for (const msgblk* message = database.messages; message != nullptr; message = message->next) {
-    ++count;
-  }
+  for (const msgblk* message = database.messages; message; message = message->next) ++count;
   return count;
 }
 

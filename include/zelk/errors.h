@@ -6,8 +6,8 @@
 /// *error texts*: that of the process and that of the reporting thread. Aborting errors also raise
 /// `ZelkException` (exception.hpp); warnings are only noted.
 ///
-/// A line is the count of line feeds read before the fault was noticed, so a fault on the first
-/// line of a file has none.
+/// A line is the number of line feeds that were read before the fault was noticed: a fault in the
+/// first line of a file has none.
 
 #ifndef ZELK_ERRORS_H
 #define ZELK_ERRORS_H
@@ -46,9 +46,8 @@ enum zelk_error_number {
   ZELK_ERR_LOG_NOT_FOUND = 23,
   ZELK_ERR_MEMORY = 24,
   ZELK_ERR_ENVVAR_TYPE = 25,
-  ZELK_ERR_NEW_SYMBOL = 26,  ///< warning: a statement of an unknown kind was skipped
-  ZELK_ERR_INVALID_CHAR =
-      27,  ///< a name runs into a byte outside ASCII or into the end of the file
+  ZELK_ERR_NEW_SYMBOL = 26,    ///< warning: a statement of an unknown kind was skipped
+  ZELK_ERR_INVALID_CHAR = 27,  ///< a byte outside ASCII, or the end of the file, ends a name
   ZELK_ERR_UNKNOWN_CATEGORY = 28,
   ZELK_ERR_ENVVAR_DATA = 29,  ///< warning: data size for an unknown environment variable
   ZELK_ERR_SHORTENED = 30,    ///< saving refused, because names would be cut
@@ -78,7 +77,7 @@ ZELK_API void zelk_note(uint32_t number, int32_t line, const char* text);
 /// a line feed.
 ///
 /// @return never null; a copy, owned by the library and valid until the calling thread calls this
-///         function again or ends. When memory for the copy runs out, what
+///         function again or ends. Without memory for the copy: what
 ///         `zelk_get_thread_error_text` returns
 ZELK_API const char* zelk_get_error_text(void);
 

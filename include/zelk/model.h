@@ -17,7 +17,7 @@ ZELK_EXTERN_C_BEGIN
 /// A zero-filled block from the C heap; every record and every text of the lists is one.
 ///
 /// @param size  in bytes; 0 gives a block that may only be released
-/// @return the block, to be released with `zelk_mfree`; null when the heap is exhausted
+/// @return the block, to be released with `zelk_mfree`; null without memory, which is not reported
 ZELK_API void* zelk_malloc(size_t size);
 
 /// Releases a block of `zelk_malloc`; null is allowed.
@@ -26,11 +26,9 @@ ZELK_API void zelk_mfree(void* block);
 // --- Creation ---
 //
 // Each returns a new record, zero-filled but for what is said, linked nowhere and owned by the
-// caller until it is linked. When the heap is exhausted, `ZELK_ERR_MEMORY` is reported, which
-// raises `ZelkException`; null comes back only from the first nine (up to `zelk_create_evblk`,
-// `zelk_create_value` included) while an error of the calling thread's last `zelk_read` stands:
-// they then stay silent. C hosts test for null and, since they cannot catch, treat an exhausted
-// heap as the end of the process.
+// caller until it is linked. Without memory they raise (zelk.h, 8). While an error of the calling
+// thread's last `zelk_read` stands, the first nine (up to `zelk_create_evblk`, `zelk_create_value`
+// included) report nothing and return null instead.
 
 ZELK_API msgblk* zelk_create_msgblk(void);  ///< `dlc` 1, `signal_count` 1
 ZELK_API sigblk* zelk_create_sigblk(void);  ///< `length` 1, `factor` 1.0
@@ -66,11 +64,10 @@ ZELK_API void* can_insert_sig(msgblk* message, sigblk* signal, uint32_t position
 
 // --- Deletion ---
 //
-// Each unlinks one record and releases it. These are the bare operations of an editor: besides the
-// record they release what is named here and nothing more. Names, attribute values, value
-// descriptions, the attribute values of links, a message's signal groups and transmitters, a
-// group's `extra` and the default text of an ENUM stay allocated, and other records' pointers to
-// the deleted one are not touched: both are the caller's to settle, before the call.
+// Each unlinks one record and releases it, with what is named here and nothing more. Before the
+// call the caller releases the rest (names, attribute values, value descriptions, the attribute
+// values of links, a message's signal groups and transmitters, a group's `extra`, the default text
+// of an ENUM), and clears pointers of other records to the deleted one.
 //
 // A null record, head, message or signal does nothing. A record that is not in the list is released
 // all the same, and the list stays as it is.
@@ -116,16 +113,15 @@ ZELK_API void zelk_remove_multiplexor(sigblk* signal);
 /// be set.
 ///
 /// @return the new range, owned by the signal; null when `signal` is null or it has no multiplexor
-///         now. An exhausted heap is reported as in the creation of records; the multiplexor has
-///         changed then
+///         now. Without memory for the range, as in the creation of records, the multiplexor has
+///         changed all the same
 ZELK_API muxor_val_range* zelk_add_multiplexor_value_range(sigblk* signal, sigblk* multiplexor,
                                                            uint32_t low, uint32_t high);
 
 // --- Release of a whole database ---
 
 /// Releases every record and text of a database. Heads may be null, and so may `filter`; its lists
-/// become null and its mode 0. The caller's own heads are left dangling and are
-/// the caller's to clear.
+/// become null and its mode 0. The caller's own heads dangle afterwards; the caller clears them.
 ZELK_API void zelk_free(symblk* nodes, msgblk* messages, env_var_blk* env_vars, btlblk* bit_timings,
                         attr_def* attr_defs, attr* db_attrs, cat* categories, filter_t* filter,
                         char* comment, char* version, sigtype* sigtypes, valtable* valtables);
@@ -135,10 +131,10 @@ ZELK_API void zelk_free_mode_cache(void);
 
 // --- Length of symbols ---
 
-/// Switches the process's symbol length from 128 to 32 characters for good; the argument does not
-/// matter. It bounds what has room for more than 32 characters, which no record has: inline names
-/// and units keep 32 characters before and after, all other names are kept whole. For hosts that
-/// call it.
+/// Switches the process's symbol length from 128 to 32 characters for good, whatever the argument.
+/// No record has room for more than 32 characters, so this changes nothing: inline names and units
+/// keep 32 characters before and after, all other names are kept whole. Kept for hosts that call
+/// it.
 ZELK_API void zelk_set_symbol_length(uint32_t length);
 
 /// 1 when the calling thread has cut a name or unit since its start or its last
@@ -150,8 +146,8 @@ ZELK_API void zelk_reset_symbols_shortened(void);
 ZELK_EXTERN_C_END
 
 #ifdef __cplusplus
-/// A new value description; reports an exhausted heap like the first group above. Exported with C++
-/// linkage: C hosts take `zelk_malloc(sizeof(val))`.
+/// A new value description, created like the records above. Exported with C++ linkage: C hosts take
+/// `zelk_malloc(sizeof(val))`.
 ZELK_API val* zelk_create_value();
 #endif
 

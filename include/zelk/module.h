@@ -1,5 +1,5 @@
 /// \file
-/// The contract of converter modules: dynamic libraries that fill a database from a file of another
+/// The contract of converter modules: shared libraries that fill a database from a file of another
 /// format, or write one to it.
 ///
 /// A module exports one function for each direction that it serves, with C linkage and under any
@@ -8,17 +8,16 @@
 /// smallest module is examples/csv_module.c.
 ///
 /// **Memory.** Records and texts come from the library (`zelk_malloc`, `zelk_create_*`), each block
-/// has exactly one owner, as records.h describes it, and no list runs in a circle. Nothing else is
-/// taken for granted: missing names, counts that do not agree, references that lead to records of
-/// other databases, and values outside their ranges do no harm here. After a successful import the
-/// library copies all lists and releases the originals as `zelk_free` does: the module keeps no
-/// pointer into them. References lead to the copies; one to a record that is in none of the lists
-/// (of signals: in no list of its message) leads to the first of its name or number there, else
-/// nowhere. When the function fails
-/// the library releases whatever is in the lists by then.
+/// has exactly one owner, as records.h describes it, and no list runs in a circle. The library
+/// tolerates all else: missing names, counts that do not agree, references to records of other
+/// databases, values outside their ranges. After a successful import it copies all lists and
+/// releases the originals as `zelk_free` does: the module keeps no pointer into them. References
+/// become those to the copies; one to a record that is in none of the lists (of signals: in no list
+/// of its message) becomes one to the first of its name or number there, else null. When the
+/// function fails, the library releases what is in the lists by then.
 ///
-/// **Errors.** A function tells what is wrong, and where, by `zelk_note` (errors.h), before it
-/// returns: number 17 (`ZELK_ERR_CONVERTED_FORMAT`) with the line for a faulty file, 18
+/// **Errors.** Before it returns, a function reports what is wrong, and where, by `zelk_note`
+/// (errors.h): number 17 (`ZELK_ERR_CONVERTED_FORMAT`) with the line for a faulty file, 18
 /// (`ZELK_ERR_CONVERT`) for one that cannot be written, 15 (`ZELK_ERR_FORMAT`) for what the other
 /// format cannot hold and is left out. The host finds the lines in the error text. C++ exceptions
 /// end here: an escaping one counts as a failure.
@@ -43,7 +42,7 @@ ZELK_EXTERN_C_BEGIN
 /// @param file  path as the host gave it, in the system's encoding; never null
 /// @param messages, nodes, env_vars, attr_defs, attr_values  heads of the database's lists, null at
 /// the start; `attr_values` are those of the network itself
-/// @return non-zero for success; 0 makes the import fail, and the database goes
+/// @return non-zero for success; 0 makes the import fail, and no database is left
 typedef int (*zelk_import_function)(const char* file, msgblk** messages, symblk** nodes,
                                     env_var_blk** env_vars, attr_def** attr_defs,
                                     attr** attr_values);
@@ -57,10 +56,10 @@ typedef int (*zelk_export_function)(const char* file, const msgblk* messages, co
                                     const env_var_blk* env_vars, const attr_def* attr_defs,
                                     const attr* attr_values);
 
-/// What a conversion has beside the arguments of its function: the database's other lists, for a
-/// module that holds them too. An import fills them, an export only reads.
+/// What a conversion has beside the arguments of its function: the database's other lists. An
+/// import may fill them, an export only reads them.
 typedef struct zelk_conversion {
-  /// What the host asks of this module, in the module's own words; empty for nothing, never null.
+  /// The host's wishes, in a form that the module defines; empty for none, never null.
   const char* option;
   btlblk** bit_timings;
   cat** categories;

@@ -1,10 +1,10 @@
 /// \file
-/// How the library speaks to a host's windows and threads, and how a host takes that over.
+/// Notifications and messages of the library, and the functions by which a host takes them over.
 ///
-/// The library itself shows nothing and sends nothing, but for two things: change notifications,
-/// posted to the windows and threads that managers were made for, and the message box of a refused
-/// lock. On Windows both are the system's own. A host that has no windows, as every host on Linux,
-/// registers functions for them; a registered function takes the system's place on Windows too.
+/// The library posts change notifications to the windows and threads that managers were made for,
+/// and shows a message box when a lock is refused; nothing else. On Windows the system does both. A
+/// host without windows, as every host on Linux, registers functions for them; on Windows, too, a
+/// registered function takes the place of the system.
 
 #ifndef ZELK_PLATFORM_H
 #define ZELK_PLATFORM_H
@@ -19,7 +19,7 @@ typedef struct HINSTANCE__* HINSTANCE;  // NOLINT(bugprone-reserved-identifier)
 
 ZELK_EXTERN_C_BEGIN
 
-/// To whom a notification goes.
+/// The receiver of a notification.
 typedef enum zelk_notification_target {
   ZELK_NOTIFY_ALL_WINDOWS = 0,
   ZELK_NOTIFY_WINDOW = 1,
@@ -42,17 +42,17 @@ typedef struct zelk_notification {
 } zelk_notification;
 
 /// Takes a notification, in the thread that announces a change. Managers of several threads may
-/// announce at once. It notes what it needs: it must not open, close, rename or destroy anything of
-/// the managers, which are still at work.
+/// announce at once. The managers are still at work: the function must not open, close, rename or
+/// destroy anything of theirs, but note what it needs for later.
 ///
 /// @param notification  borrowed for the call
 /// @param context       as registered
 typedef void (*zelk_notification_sink)(const zelk_notification* notification, void* context);
 
-/// Shows a message and returns when the user has taken note of it. Like a sink of notifications, it
-/// leaves the managers as they are.
+/// Shows a message and returns when the user has confirmed it. Like a sink of notifications, it
+/// must not change the managers.
 ///
-/// @param text     what is told, NUL-terminated, with line feeds; borrowed for the call
+/// @param text     the message, NUL-terminated, with line feeds; borrowed for the call
 /// @param title    title of the box; borrowed for the call
 /// @param style    bits of a Windows message box (0x2010: task-modal, error icon, OK button)
 /// @param context  as registered
@@ -60,16 +60,16 @@ typedef void (*zelk_message_box)(const char* text, const char* title, uint32_t s
                                  void* context);
 
 /// Registers the function that receives every notification of the process. It is called in the
-/// thread that notifies (zelk.h, threads), at times in several at once; a call that is under way
-/// when another function is registered still ends in the old one.
+/// thread that notifies, perhaps in several at once (zelk.h, 6). A call that runs while another
+/// function is registered ends in the old one.
 ///
 /// @param function  null: notifications are posted on Windows and go nowhere elsewhere (the state
 /// at the start)
 /// @param context   handed to every call; the host's
 ZELK_API void zelk_set_notification_sink(zelk_notification_sink function, void* context);
 
-/// Registers the function that shows every message of the process; it is called as the one for
-/// notifications is.
+/// Registers the function that shows every message of the process, called like that for
+/// notifications.
 ///
 /// @param function  null: a message box on Windows, a line on standard error elsewhere (the state
 /// at the start)

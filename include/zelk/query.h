@@ -1,12 +1,11 @@
 /// \file
 /// Lookups and attribute queries over caller-held lists.
 ///
-/// All are walks from the head, in list order: the first match wins. They allocate and change
-/// nothing. A returned record or text is owned by its list and valid until it is deleted. A null
-/// list is empty. Names are compared byte by byte, case included, as whole texts; names that
-/// records hold inline (attribute definitions, signal types, value tables) on at most their first
-/// 32 characters. A null name or text matches nothing, and a null record, such as a lookup gives
-/// that found none, has nothing: the answer is the one for what is missing.
+/// All walk from the head, in list order: the first match wins. They allocate and change nothing. A
+/// returned record or text is owned by its list and valid until it is deleted. Names are compared
+/// byte by byte, case included, as whole texts; names that records hold inline (attribute
+/// definitions, signal types, value tables) on at most their first 32 characters. A null name or
+/// text matches nothing, and a null record has nothing (zelk.h, 3).
 ///
 /// Positions count from 1; 1 and everything below give the first element, past the end gives null.
 
@@ -43,9 +42,9 @@ enum {
 /// destination, any source, both.
 ///
 /// Stored CAN identifiers (the normal mode): a message equal in all 32 bits is returned at once.
-/// Among several messages of one kind above, an exact match goes to the lowest priority number, the
-/// first of equals; a wildcard to the last message with the frame's own priority, else to the
-/// lowest priority number.
+/// Of several exact matches the one with the lowest priority number is the answer, the first of
+/// equals. Of several matches by the same wildcards it is the last one with the frame's own
+/// priority, else the one with the lowest priority number.
 ///
 /// Stored group numbers (`ZELK_J1939_PGN_IDS`): identifiers are group numbers with bit 31 set. For
 /// the formats 0xEF and 0xFF they carry the PDU format in bits 8..15, the destination or PDU
@@ -127,9 +126,9 @@ ZELK_API zelk_attr_value_t zelk_get_attrdefault(attr_def* definitions, const cha
 
 // --- Attribute values ---
 //
-// "Is defined" means that the object itself carries a value; none of these falls back to the
-// default. The value of the first match is returned as it is stored (an ENUM value is the index of
-// its item), all zero when there is none, and none of a null object is defined.
+// "Is defined" means that the object itself has a value; defaults do not count. The value of the
+// first match is returned as it is stored (an ENUM value is the index of its item), all zero when
+// there is none.
 
 ZELK_API int zelk_is_attribute_defined(attr* values, const char* name);
 ZELK_API int zelk_is_db_attribute_defined(attr* values,

@@ -1,5 +1,5 @@
 /// \file
-/// Building records, and telling why that cannot be.
+/// Building records, and reporting faults.
 
 #ifndef ZELK_MODULES_COMMON_RECORDS_HPP
 #define ZELK_MODULES_COMMON_RECORDS_HPP
@@ -16,7 +16,7 @@
 
 namespace zelk::modules {
 
-/// What a file cannot be read or written for.
+/// The reason for which a file cannot be read or written.
 class Fault : public std::runtime_error {
  public:
   /// @param line  of the file, from 1; 0: none
@@ -28,7 +28,7 @@ class Fault : public std::runtime_error {
   std::int32_t line_;
 };
 
-/// Runs the body of a conversion function and tells the library what it throws.
+/// Runs the body of a conversion function, and notes what it throws.
 ///
 /// @param number  `ZELK_ERR_CONVERTED_FORMAT` of an import, `ZELK_ERR_CONVERT` of an export
 /// @return what a conversion function returns
@@ -48,7 +48,7 @@ int guarded(std::uint32_t number, Body body) {
 }
 
 /// The conversion that is running.
-/// @throws Fault when none is: the function was not called by the library
+/// @throws Fault when there is none: the caller of the function was not the library
 const zelk_conversion& conversion();
 
 /// A zero-filled block of the library's heap.

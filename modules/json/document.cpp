@@ -14,10 +14,10 @@ namespace zelk::modules::json {
 namespace {
 
 constexpr std::size_t kDepthMax = 32;
-/// Twice as many as any object of the form has: looking for one of few keys takes constant time.
+/// Twice as many as any object of the form has. Few keys are found in constant time.
 constexpr std::size_t kKeysMax = 64;
 
-/// Walks over the text and leaves behind how far the parser has come.
+/// Walks over the text and notes how far the parser has come.
 class Cursor {
  public:
   using iterator_category = std::input_iterator_tag;
@@ -46,7 +46,7 @@ std::int32_t line_at(std::string_view text, const char* end) {
   return static_cast<std::int32_t>(std::count(text.data(), last, '\n')) + 1;
 }
 
-/// What the parser's message says behind its own name and place.
+/// The parser's message without its own name and place in front.
 std::string reason(std::string_view message) {
   for (const std::string_view mark : {"] ", ": "}) {
     const bool is_left = mark == "] " || message.starts_with("parse error at ");
@@ -121,7 +121,7 @@ class Builder : public nlohmann::json_sax<nlohmann::json> {
     return true;
   }
 
-  Value* next_;               ///< for the document itself, and for the value of the last key
+  Value* next_;               ///< the document itself, or the value of the last key
   std::vector<Value*> open_;  ///< arrays and objects, outermost first; only the last one grows
 };
 

@@ -15,7 +15,7 @@ namespace zelk::modules::json {
 struct Member;
 
 /// One value of a document. The JSON library's own arrays and objects allocate in their
-/// destructors, where an exhausted heap ends the process; these only release.
+/// destructors, where a lack of memory ends the process; these only release.
 struct Value {
   using Array = std::vector<Value>;
   using Object = std::vector<Member>;  ///< in the order of the file; no key comes twice

@@ -45,8 +45,8 @@ void read(const char* file, const Database& database) {
 
 // --- Export ---
 
-/// All of a document but its texts is ASCII, and quotes stand around them: the whole is UTF-8 when
-/// each of them is, and otherwise becomes it as a whole.
+/// A document is ASCII except for its texts, which stand in quotes: the whole is UTF-8 when each of
+/// them is, and else is converted as a whole.
 std::string encoded_document(const Database& database) {
   std::string text = document_of(database);
   if (is_utf8(text)) return text;

@@ -12,8 +12,8 @@
 
 namespace zelk::modules::json {
 
-/// A place in the document, for messages: `messages[3].signals[1].length`. It costs nothing until
-/// there is one. The outer places and the keys must outlive it.
+/// A place in the document, for messages: `messages[3].signals[1].length`. Its text is built only
+/// for a message. The outer places and the keys must outlive it.
 class Path {
  public:
   Path() = default;  ///< the document itself

@@ -10,7 +10,7 @@
 namespace zelk::modules::json {
 
 /// Writes values in the order of the document, every element and member in a line of its own,
-/// indented by two blanks. The callers see to it that every key gets one value.
+/// indented by two blanks. Callers write one value for every key.
 class TextOutput {
  public:
   /// Begins an object with '{', an array with '['.

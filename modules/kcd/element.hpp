@@ -1,5 +1,5 @@
 /// \file
-/// The elements of a file as what they have to be.
+/// The elements of a file, checked and converted.
 
 #ifndef ZELK_MODULES_KCD_ELEMENT_HPP
 #define ZELK_MODULES_KCD_ELEMENT_HPP
@@ -16,24 +16,24 @@
 
 namespace zelk::modules::kcd {
 
-/// The file that is read, and what of it is not taken over.
+/// The file that is read, and what the database cannot hold of it.
 struct Reading {
   const Source& source;
   LeftOut& left_out;
 };
 
-/// What of an element is taken over. Everything else in it is counted as left out.
+/// The parts of an element that the importer reads. All others are counted as left out.
 struct Shape {
   std::initializer_list<std::string_view> attributes = {};
   std::initializer_list<std::string_view> once = {};  ///< elements that come at most once
   std::initializer_list<std::string_view> many = {};  ///< elements that come any number of times
-  /// Name and value of an attribute that says nothing with that value, being its default.
+  /// Name and value of an attribute that says nothing with that value, its default.
   std::initializer_list<std::pair<std::string_view, std::string_view>> idle = {};
   bool has_text = false;
 };
 
-/// One element. Texts are in UTF-8 where nothing else is said. Whatever is wrong with the element
-/// is a Fault that names it, its attribute, and the line.
+/// One element. Texts are in UTF-8 unless said otherwise. Every fault of the element is a Fault
+/// that names it, its attribute, and the line.
 class Element {
  public:
   Element(Reading& reading, const pugi::xml_node& node) : reading_(&reading), node_(node) {}
@@ -41,7 +41,7 @@ class Element {
   [[noreturn]] void fail(const std::string& what) const;
 
   std::string_view tag() const { return node_.name(); }
-  /// Counts what is left out.
+  /// Counts the parts that are left out.
   /// @throws Fault for an attribute or element that comes too often
   void take(const Shape& shape) const;
 
@@ -51,7 +51,7 @@ class Element {
   std::string object_name(const char* attribute) const;
   /// A whole number, in decimal or with "0x" in front in hexadecimal digits.
   ///
-  /// @param missing  the value of an attribute that is not there; none: it is a Fault then
+  /// @param missing  the value without the attribute; none: its absence is a Fault
   std::int64_t whole(const char* attribute, std::int64_t smallest, std::int64_t largest,
                      std::optional<std::int64_t> missing = std::nullopt) const;
   /// A finite number.
@@ -63,7 +63,7 @@ class Element {
 
   /// The first child of that name; its node is null when there is none.
   std::optional<Element> child(const char* tag) const;
-  /// Calls `visit` with each child of that name, or with each of all when it is null.
+  /// Calls `visit` with each child of that name, or with every child when it is null.
   template <typename Visit>
   void each(const char* tag, Visit visit) const {
     for (const pugi::xml_node& node : node_.children()) {

@@ -31,25 +31,24 @@ struct Database {
 
 bool is_text(const attr_def& definition) { return definition.value_type == ZELK_ATTR_STRING; }
 
+/// The definition of an attribute; null when the first one of its name has another type.
 const attr_def* find_definition(const attr_def* definitions, const KcdAttribute& attribute) {
-  const attr_def* each = definitions;
-  while (each &&
-         (each->object_type != attribute.object_type || view(each->name) != attribute.name)) {
-    each = each->next;
-  }
-  const bool is_of_type = each && is_text(*each) == (attribute.value_type == ZELK_ATTR_STRING) &&
-                          each->value_type != ZELK_ATTR_ENUM;
-  return is_of_type ? each : nullptr;
+  const attr_def* const found = find_first(definitions, [&attribute](const attr_def& definition) {
+    return definition.object_type == attribute.object_type &&
+           view(definition.name) == attribute.name;
+  });
+  const bool is_of_type = found && is_text(*found) == (attribute.value_type == ZELK_ATTR_STRING) &&
+                          found->value_type != ZELK_ATTR_ENUM;
+  return is_of_type ? found : nullptr;
 }
 
 const attr* find_value(const attr* values, const attr_def* definition) {
   if (!definition) return nullptr;
-  while (values && values->def != definition) values = values->next;
-  return values;
+  return find_first(values, [definition](const attr& value) { return value.def == definition; });
 }
 
-/// The whole number that an object has for a definition; none for another one, and for the default
-/// 0, which says nothing.
+/// The whole number that an object has for a definition; none for a number that KCD cannot hold,
+/// and for the default 0, which says nothing.
 std::optional<std::int32_t> number_of(const attr* value, const attr_def* definition) {
   if (!definition) return std::nullopt;
   const double number = value ? value->value.number : definition->default_value.number;
@@ -60,10 +59,9 @@ std::optional<std::int32_t> number_of(const attr* value, const attr_def* definit
   return static_cast<std::int32_t>(number);
 }
 
-/// Makes an attribute of the element out of the value that `values` has for a definition, or else
-/// of its default.
+/// Writes the value that `values` has for a definition, or else the default, as an attribute.
 ///
-/// @return number of the values taken
+/// @return number of values that became attributes
 std::uint64_t append_number(pugi::xml_node element, const char* tag, const attr* values,
                             const attr_def* definition) {
   const attr* const value = find_value(values, definition);
@@ -107,8 +105,7 @@ void Export::write(const char* file) {
   count_left_out();
   const std::string content = to_xml(document_, left_out_);
   left_out_.note();
-  write_new_file(file,
-                 content);  // last: nothing fails behind it that would have to remove the file
+  write_new_file(file, content);  // last: what fails before it leaves no file behind
 }
 
 void Export::append_document(pugi::xml_node root) const {
@@ -120,14 +117,14 @@ void Export::append_document(pugi::xml_node root) const {
 }
 
 void Export::append_nodes(pugi::xml_node root) {
-  for (const symblk* node = database_.nodes; node; node = node->next) {
+  for (const symblk& node : each(database_.nodes)) {
     const std::string id = std::to_string(ids_.size() + 1);
-    ids_.emplace(node, id);
+    ids_.emplace(&node, id);
     pugi::xml_node element = append_child(root, "Node");
     append_attribute(element, "id", id);
-    append_attribute(element, "name", view(node->name));
-    if (!view(node->comment).empty()) left_out_.add("node comment");
-    left_out_.add("attribute value", "", count(node->attrs));
+    append_attribute(element, "name", view(node.name));
+    if (!view(node.comment).empty()) left_out_.add("node comment");
+    left_out_.add("attribute value", "", each(node.attrs).size());
   }
 }
 
@@ -147,36 +144,37 @@ void Export::append_bus(pugi::xml_node root, const char* file) {
   append_attribute(bus, "name", bus_name(file));
   const std::uint64_t names = find_value(database_.values, bus_name_) ? 1 : 0;
   const std::uint64_t taken = names + append_number(bus, "baudrate", database_.values, baudrate_);
-  left_out_.add("attribute value", "", count(database_.values) - taken);
+  left_out_.add("attribute value", "", each(database_.values).size() - taken);
   append_messages(bus);
 }
 
 void Export::append_messages(pugi::xml_node bus) {
   std::set<std::uint32_t> ids;
-  for (const msgblk* message = database_.messages; message; message = message->next) {
-    const char* reason = obstacle(*message);
-    const bool is_doubled = !reason && !ids.insert(message->id).second;
+  for (const msgblk& message : each(database_.messages)) {
+    const char* reason = obstacle(message);
+    const bool is_doubled = !reason && !ids.insert(message.id).second;
     if (is_doubled) reason = " with the identifier of another one";
     if (reason) {
       left_out_.add("message", reason);
       continue;
     }
-    pugi::xml_node element = MessageExport(*message, ids_, left_out_).append_to(bus);
-    const std::uint64_t taken = append_number(element, "interval", message->attrs, interval_);
-    left_out_.add("attribute value", "", count(message->attrs) - taken);
+    pugi::xml_node element = MessageExport(message, ids_, left_out_).append_to(bus);
+    const std::uint64_t taken = append_number(element, "interval", message.attrs, interval_);
+    left_out_.add("attribute value", "", each(message.attrs).size() - taken);
   }
 }
 
 void Export::count_left_out() {
   const zelk_conversion& other = database_.other;
-  left_out_.add("environment variable", "", count(database_.variables));
-  left_out_.add("bit timing", "", count(*other.bit_timings));
-  left_out_.add("category definition", "", count(*other.categories));
-  left_out_.add("signal type", "", count(*other.signal_types));
-  left_out_.add("value table", "", count(*other.value_tables));
+  left_out_.add("environment variable", "", each(database_.variables).size());
+  left_out_.add("bit timing", "", each(*other.bit_timings).size());
+  left_out_.add("category definition", "", each(*other.categories).size());
+  left_out_.add("signal type", "", each(*other.signal_types).size());
+  left_out_.add("value table", "", each(*other.value_tables).size());
   if (other.filter->categories || other.filter->nodes) left_out_.add("view filter");
-  for (const attr_def* each = database_.definitions; each; each = each->next) {
-    const bool is_taken = each == bus_name_ || each == baudrate_ || each == interval_;
+  for (const attr_def& definition : each(database_.definitions)) {
+    const bool is_taken =
+        &definition == bus_name_ || &definition == baudrate_ || &definition == interval_;
     if (!is_taken) left_out_.add("attribute definition");
   }
 }

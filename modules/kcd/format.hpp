@@ -32,13 +32,13 @@ inline constexpr std::uint32_t kMaxDataBytes = 64;
 inline constexpr std::uint32_t kMaxDataBits = kMaxDataBytes * 8;
 inline constexpr std::uint32_t kMaxStandardId = 0x7FF;
 inline constexpr std::uint32_t kMaxExtendedId = 0x1FFFFFFF;
-/// Values of a label group that become descriptions of their own, and of a multiplexor for which a
-/// signal is put into groups of its own.
+/// Most values of a label group, each of which becomes a description, and of a multiplexor, for
+/// each of which a signal is written in a group.
 inline constexpr std::uint32_t kMaxExpandedValues = 256;
 /// Largest value of the attributes below.
 inline constexpr std::int32_t kMaxAttribute = INT32_MAX;
 
-/// An attribute of the database that has a place of its own in KCD.
+/// An attribute of the database that is a part of the format in KCD.
 struct KcdAttribute {
   const char* name;
   zelk_obj_t object_type;

@@ -6,7 +6,7 @@ namespace zelk::modules::kcd {
 
 namespace {
 
-/// A file can invent as many kinds as it has elements; from here on they are not told apart.
+/// Further kinds are counted together: a file may have as many kinds as elements.
 constexpr std::size_t kMaxKinds = 100;
 
 }  // namespace

@@ -1,5 +1,5 @@
 /// \file
-/// What the other format has no place for, counted.
+/// Counts of what the other format cannot hold.
 
 #ifndef ZELK_MODULES_KCD_LEFT_OUT_HPP
 #define ZELK_MODULES_KCD_LEFT_OUT_HPP
@@ -13,11 +13,11 @@ namespace zelk::modules::kcd {
 
 class LeftOut {
  public:
-  /// @param kind   in the singular, of a word that takes an "s"; counted together with its like
-  /// @param where  stands behind it, with a blank in front
+  /// @param kind   in the singular, with a plural in "s"; equal ones are counted together
+  /// @param where  stands behind the kind, with a blank in front
   void add(const std::string& kind, const std::string& where = "", std::uint64_t count = 1);
 
-  /// Tells the host, in one note for each kind: "left out: 3 VAR elements in Node".
+  /// Reports each kind in a note of its own: "left out: 3 VAR elements in Node".
   void note() const;
 
  private:

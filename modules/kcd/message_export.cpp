@@ -39,13 +39,13 @@ const char* value_type(const sigblk& signal) {
   return is_signed(signal) ? "signed" : "unsigned";
 }
 
-/// The physical range; false when it says nothing or cannot be told.
+/// Whether the physical range bounds anything, and can be written.
 bool has_range(const sigblk& signal) {
   return std::isfinite(signal.minimum) && std::isfinite(signal.maximum) &&
          (signal.minimum != 0 || signal.maximum != 0);
 }
 
-/// What keeps a signal out of the file, whatever its multiplexing; null when nothing does.
+/// The reason for which a signal is left out, whatever its multiplexing; null when there is none.
 const char* obstacle(const sigblk& signal) {
   if (signal.length == 0) return " without bits";
   if (end_byte(signal.start_bit, signal.length, signal.flags) > kMaxDataBytes) {
@@ -55,13 +55,12 @@ const char* obstacle(const sigblk& signal) {
   return is_finite ? nullptr : " with a factor or offset that is no finite number";
 }
 
-/// The multiplexor's values for which a signal is there: more than `kMaxExpandedValues` stand for
-/// any greater number.
+/// The multiplexor's values that select a signal, at most one more than `kMaxExpandedValues`.
 std::set<std::uint32_t> selectors(const sigblk& signal) {
   std::set<std::uint32_t> values;
-  for (const muxor_val_range* range = signal.mux_ranges; range; range = range->next) {
-    std::uint64_t value = range->low;
-    for (; value <= range->high && values.size() <= kMaxExpandedValues; ++value) {
+  for (const muxor_val_range& range : each(signal.mux_ranges)) {
+    std::uint64_t value = range.low;
+    for (; value <= range.high && values.size() <= kMaxExpandedValues; ++value) {
       values.insert(static_cast<std::uint32_t>(value));
     }
   }
@@ -91,7 +90,7 @@ pugi::xml_node MessageExport::append_to(pugi::xml_node bus) {
   for (const sigblk* const signal : plain_) {
     append_signal(append_child(element, "Signal"), *signal);
   }
-  left_out_.add("signal group", "", count(message_.siggroups));
+  left_out_.add("signal group", "", each(message_.siggroups).size());
   return element;
 }
 
@@ -105,14 +104,14 @@ void MessageExport::append_id(pugi::xml_node element) const {
 
 void MessageExport::choose_signals() {
   std::set<std::string_view> names;
-  for (const sigblk* signal = message_.signals; signal; signal = signal->next) {
-    const char* const reason = obstacle(*signal);
+  for (const sigblk& signal : each(message_.signals)) {
+    const char* const reason = obstacle(signal);
     if (reason) {
       left_out_.add("signal", reason);
-    } else if (!names.insert(view(signal->name)).second) {
+    } else if (!names.insert(view(signal.name)).second) {
       left_out_.add("signal", " with the name of another one of the message");
     } else {
-      chosen_.push_back(signal);
+      chosen_.push_back(&signal);
     }
   }
 }
@@ -142,10 +141,11 @@ void MessageExport::place_signal(const sigblk& signal) {
 
 /// Puts a signal into the groups of its multiplexor.
 ///
-/// @return what keeps it out of them; null when nothing does
+/// @return the reason for which it is left out; null when there is none
 const char* MessageExport::select(const sigblk& signal) {
-  if (!is_multiplexor_.contains(signal.mux_signal))
+  if (!is_multiplexor_.contains(signal.mux_signal)) {
     return " with a multiplexor that is not in the file";
+  }
   const std::set<std::uint32_t> values = selectors(signal);
   if (values.empty()) return " selected by no value of the multiplexor";
   if (values.size() > kMaxExpandedValues) {
@@ -161,7 +161,9 @@ void MessageExport::append_multiplexor(pugi::xml_node parent, const sigblk& sign
   for (const auto& [value, selected] : groups_[&signal]) {
     pugi::xml_node group = append_child(element, "MuxGroup");
     append_attribute(group, "count", std::to_string(value));
-    for (const sigblk* const each : selected) append_signal(append_child(group, "Signal"), *each);
+    for (const sigblk* const inner : selected) {
+      append_signal(append_child(group, "Signal"), *inner);
+    }
   }
 }
 
@@ -169,9 +171,7 @@ void MessageExport::append_signal(pugi::xml_node element, const sigblk& signal) 
   append_geometry(element, signal);
   append_text(element, "Notes", signal.comment);
   std::vector<const symblk*> consumers;
-  for (const rxblk* link = signal.receivers; link; link = link->next) {
-    consumers.push_back(link->node);
-  }
+  for (const rxblk& link : each(signal.receivers)) consumers.push_back(link.node);
   append_nodes(element, "Consumer", consumers);
   append_value(element, signal);
   append_labels(element, signal);
@@ -200,13 +200,11 @@ void MessageExport::append_value(pugi::xml_node element, const sigblk& signal) {
 void MessageExport::append_labels(pugi::xml_node element, const sigblk& signal) {
   if (!signal.values) return;
   pugi::xml_node labels = append_child(element, "LabelSet");
-  for (const val* description = signal.values; description; description = description->next) {
-    const std::int32_t value = description->value;
+  for (const val& description : each(signal.values)) {
     pugi::xml_node label = append_child(labels, "Label");
-    append_attribute(label, "name", view(description->text));
-    append_attribute(label, "value",
-                     is_signed(signal) ? std::to_string(value)
-                                       : std::to_string(static_cast<std::uint32_t>(value)));
+    append_attribute(label, "name", view(description.text));
+    const std::int64_t number = description.value;
+    append_attribute(label, "value", digits(is_signed(signal) ? number : number & UINT32_MAX));
   }
 }
 
@@ -228,14 +226,14 @@ void MessageExport::append_nodes(pugi::xml_node parent, const char* tag,
 std::vector<const symblk*> MessageExport::producers() {
   std::vector<const symblk*> nodes;
   if (message_.transmitter) nodes.push_back(message_.transmitter);
-  for (const rxblk* link = message_.tx_nodes; link; link = link->next) {
-    left_out_.add("attribute value", "", count(link->attrs));
-    if (link->node != message_.transmitter) nodes.push_back(link->node);
+  for (const rxblk& link : each(message_.tx_nodes)) {
+    left_out_.add("attribute value", "", each(link.attrs).size());
+    if (link.node != message_.transmitter) nodes.push_back(link.node);
   }
   return nodes;
 }
 
-/// What is left out of a signal, whatever number of groups it stands in.
+/// Counts what is left out of a signal: once, in however many groups it stands.
 void MessageExport::count_losses(const sigblk& signal) {
   if (!std::isfinite(signal.minimum) || !std::isfinite(signal.maximum)) {
     left_out_.add("range", " with a bound that is no finite number");
@@ -243,9 +241,9 @@ void MessageExport::count_losses(const sigblk& signal) {
   if (signal.sigtype) left_out_.add("signal type reference");
   if (is_ieee(signal) && !is_signed(signal)) left_out_.add("plus sign", " of IEEE signals");
   if (signal.value_type > ZELK_VALUE_IEEE_DOUBLE) left_out_.add("unknown value type");
-  left_out_.add("attribute value", "", count(signal.attrs));
-  for (const rxblk* link = signal.receivers; link; link = link->next) {
-    left_out_.add("attribute value", "", count(link->attrs));
+  left_out_.add("attribute value", "", each(signal.attrs).size());
+  for (const rxblk& link : each(signal.receivers)) {
+    left_out_.add("attribute value", "", each(link.attrs).size());
   }
 }
 

@@ -20,12 +20,11 @@ namespace zelk::modules::kcd {
 /// The identifiers by which a file refers to its nodes.
 using NodeIds = std::unordered_map<const symblk*, std::string>;
 
-/// What keeps a message out of the file, as it stands behind the kind in a note; null when nothing
-/// does.
+/// The reason for which a message is left out, as `LeftOut` notes it; null when there is none.
 const char* obstacle(const msgblk& message);
 
-/// Builds the element of one message, with the database's texts as they are. Signals of which the
-/// file would tell something wrong are left out.
+/// Builds the element of one message, with the database's texts as they are. Leaves out signals
+/// that the file would describe wrongly.
 class MessageExport {
  public:
   MessageExport(const msgblk& message, const NodeIds& ids, LeftOut& left_out)
@@ -62,14 +61,6 @@ class MessageExport {
   /// Of each multiplexor, the signals that each of its values selects.
   std::map<const sigblk*, std::map<std::uint32_t, Signals>> groups_;
 };
-
-/// Number of the records in a list.
-template <typename Record>
-std::uint64_t count(const Record* list) {
-  std::uint64_t records = 0;
-  for (; list; list = list->next) ++records;
-  return records;
-}
 
 }  // namespace zelk::modules::kcd
 

@@ -15,8 +15,8 @@ namespace zelk::modules::kcd {
 
 class Nodes {
  public:
-  /// Appends the file's nodes to `list`. Of a file with several buses, those that the bus does not
-  /// refer to are left out.
+  /// Appends the file's nodes to `list`, of a file with several buses only those that the bus
+  /// refers to.
   /// @throws Fault for doubled identifiers and names, and for bad names
   Nodes(Reading& reading, const Element& root, const Element& bus, bool is_only_bus, symblk*& list);
 

@@ -33,7 +33,7 @@ void read_geometry(const Element& element, SignalData& signal) {
 void read_type(const Element& value, SignalData& signal) {
   const std::string_view type = value.find("type").value_or("unsigned");
   if (type == "unsigned") return;
-  // The sign bit of the IEEE formats is theirs; databases by custom mark such signals as signed.
+  // Databases mark IEEE signals as signed by custom; their sign bit belongs to the format.
   signal.flags |= ZELK_SIGNAL_SIGNED;
   if (type == "signed") return;
   if (type == "single") {

@@ -15,8 +15,8 @@
 
 namespace zelk::modules::kcd {
 
-/// What a signal says of itself: everything but its multiplexing. Texts are in the database's
-/// encoding, fields are those of `sigblk`.
+/// A signal without its multiplexing. Texts are in the database's encoding, fields are those of
+/// `sigblk`.
 struct SignalData {
   std::string name;
   std::uint16_t start_bit = 0;
@@ -38,7 +38,7 @@ struct SignalData {
   void fill(sigblk& record) const;
 };
 
-/// Reads a Signal, or a Multiplex as a multiplexor; the groups of the latter are not looked at.
+/// Reads a Signal, or a Multiplex without its groups as a multiplexor.
 /// @throws Fault
 SignalData read_signal(const Element& element, const Nodes& nodes);
 

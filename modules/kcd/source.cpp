@@ -30,9 +30,9 @@ class EncodingChoice : public pugi::xml_tree_walker {
     return true;
   }
 
-  /// What is Windows-1252 only must not look like UTF-8 in it, or it would be taken for that later.
+  /// Texts in Windows-1252 must not all look like UTF-8, or they would be taken for that later.
   Encoding chosen() const {
-    return all_windows_1252_ && told_from_utf8_ ? Encoding::kWindows1252 : Encoding::kUtf8;
+    return all_windows_1252_ && is_distinct_from_utf8_ ? Encoding::kWindows1252 : Encoding::kUtf8;
   }
 
  private:
@@ -44,12 +44,12 @@ class EncodingChoice : public pugi::xml_tree_walker {
     if (!all_windows_1252_) return;
     const std::optional<std::string> bytes = from_utf8(text, Encoding::kWindows1252);
     all_windows_1252_ = bytes.has_value();
-    told_from_utf8_ = told_from_utf8_ || (bytes && !is_utf8(*bytes));
+    is_distinct_from_utf8_ = is_distinct_from_utf8_ || (bytes && !is_utf8(*bytes));
   }
 
   const Source& source_;
   bool all_windows_1252_ = true;
-  bool told_from_utf8_ = false;
+  bool is_distinct_from_utf8_ = false;
 };
 
 }  // namespace
@@ -62,7 +62,7 @@ Source::Source(const char* path) : content_(read_file(path)) {
 }
 
 std::string Source::stored(std::string_view text) const {
-  // Every text has been tried.
+  // The constructor has tried every text.
   return from_utf8(text, encoding_).value_or(std::string());
 }
 
@@ -123,7 +123,7 @@ void Source::parse() {
   throw Fault(std::string("no well-formed XML: ") + result.description(), line_at(result.offset));
 }
 
-/// A NUL would end the document or one of its texts before its end.
+/// A NUL would cut off the rest of the document, or of a text.
 void Source::check_characters() const {
   const std::size_t units = content_.size() / unit_size();
   for (std::size_t i = 0; i < units; ++i) {

@@ -28,7 +28,7 @@ class Source {
   std::string stored(std::string_view text) const;
 
  private:
-  // The tree tells the place of an element in the file converted to UTF-8; the file itself is a
+  // The tree gives the offset of an element in the file converted to UTF-8; the file itself is a
   // sequence of units of 1, 2 or 4 bytes.
   std::size_t unit_size() const;
   /// A unit of the file; 0 behind its end.

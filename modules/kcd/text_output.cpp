@@ -13,7 +13,7 @@ namespace {
 
 constexpr bool is_space(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 
-/// Bytes of the character that XML forbids at the start of `text`, which is UTF-8; 0: it is none.
+/// Number of bytes of the first character of a text in UTF-8 if XML forbids it, else 0.
 std::size_t forbidden_size(std::string_view text) {
   const auto lead = static_cast<unsigned char>(text[0]);
   if (lead < 0x20) return is_space(text[0]) ? 0 : 1;
@@ -21,8 +21,8 @@ std::size_t forbidden_size(std::string_view text) {
   return is_noncharacter ? 3 : 0;
 }
 
-/// Escapes what means something in XML, and white space that readers would alter or drop: all but
-/// blanks and line feeds, line feeds in attributes, and a text of nothing else.
+/// Escapes the characters of the markup, and white space that readers would alter or drop: tabs and
+/// carriage returns, line feeds in attributes, and all of a blank text.
 void append_escaped(std::string& out, char c, bool is_kept_space) {
   switch (c) {
     case '&':
@@ -58,7 +58,7 @@ std::string escaped(std::string_view text, bool is_attribute, LeftOut& left_out)
   return out;
 }
 
-/// Finds out whether all texts are UTF-8.
+/// UTF-8 when all texts are that.
 class EncodingTest : public pugi::xml_tree_walker {
  public:
   bool for_each(pugi::xml_node& node) override {
@@ -75,7 +75,7 @@ class EncodingTest : public pugi::xml_tree_walker {
   Encoding encoding_ = Encoding::kUtf8;
 };
 
-/// Puts escaped UTF-8 in the place of all texts.
+/// Replaces all texts by escaped UTF-8.
 class Escaping : public pugi::xml_tree_walker {
  public:
   Escaping(Encoding encoding, LeftOut& left_out) : encoding_(encoding), left_out_(left_out) {}
@@ -106,7 +106,7 @@ struct StringWriter : pugi::xml_writer {
 
 }  // namespace
 
-// Without memory an element or attribute may also be there without its name.
+// Without memory the XML library may also add an element or attribute that has no name.
 
 pugi::xml_node append_child(pugi::xml_node parent, const char* tag) {
   pugi::xml_node child = parent.append_child(pugi::node_element);

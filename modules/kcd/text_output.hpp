@@ -1,5 +1,5 @@
 /// \file
-/// Building a document of a database's texts, and what it is as a file.
+/// Building a document of a database's texts, and its text as a file.
 
 #ifndef ZELK_MODULES_KCD_TEXT_OUTPUT_HPP
 #define ZELK_MODULES_KCD_TEXT_OUTPUT_HPP
@@ -12,7 +12,7 @@
 
 namespace zelk::modules::kcd {
 
-// The functions of the XML library do nothing when memory runs out; these raise std::bad_alloc.
+// Without memory the functions of the XML library do nothing; these throw std::bad_alloc.
 
 /// A new element, last in `parent`.
 pugi::xml_node append_child(pugi::xml_node parent, const char* tag);
@@ -24,7 +24,7 @@ void append_text(pugi::xml_node parent, const char* tag, const char* text);
 /// The document in UTF-8, indented by two blanks. Its texts are UTF-8 when all of them are, else
 /// Windows-1252; characters that XML forbids are left out.
 ///
-/// @param document  used up: its texts are changed to what stands in the file
+/// @param document  changed: its texts become those of the file
 std::string to_xml(pugi::xml_document& document, LeftOut& left_out);
 
 }  // namespace zelk::modules::kcd
