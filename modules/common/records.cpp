@@ -4,12 +4,6 @@
 
 namespace zelk::modules {
 
-const zelk_conversion& conversion() {
-  const zelk_conversion* const running = zelk_get_conversion();
-  if (!running) throw Fault("no conversion is running");
-  return *running;
-}
-
 void* allocated(std::size_t size) {
   void* const block = zelk_malloc(size);
   if (!block) throw std::bad_alloc();

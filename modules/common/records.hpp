@@ -28,29 +28,6 @@ class Fault : public std::runtime_error {
   std::int32_t line_;
 };
 
-/// Runs the body of a conversion function, and notes what it throws.
-///
-/// @param number  `ZELK_ERR_CONVERTED_FORMAT` of an import, `ZELK_ERR_CONVERT` of an export
-/// @return what a conversion function returns
-template <typename Body>
-int guarded(std::uint32_t number, Body body) {
-  try {
-    body();
-    return 1;
-  } catch (const Fault& fault) {
-    zelk_note(number, fault.line(), fault.what());
-  } catch (const std::bad_alloc&) {
-    zelk_note(ZELK_ERR_MEMORY, 0, nullptr);
-  } catch (const std::exception& error) {
-    zelk_note(number, 0, error.what());
-  }
-  return 0;
-}
-
-/// The conversion that is running.
-/// @throws Fault when there is none: the caller of the function was not the library
-const zelk_conversion& conversion();
-
 /// A zero-filled block of the library's heap.
 /// @throws std::bad_alloc
 void* allocated(std::size_t size);

@@ -96,18 +96,13 @@ ObjectInput::ObjectInput(const ValueInput& input) : input_(input) {
   if (!input.is_object()) path().fail("expected an object");
 }
 
-std::optional<ValueInput> ObjectInput::find(std::string_view key) {
+std::optional<ValueInput> ObjectInput::find(std::string_view key, bool is_required) {
   asked_.push_back(key);
   const Value* const found = input_.value_.find(key);
+  if (!found && is_required) path().fail("the key \"" + std::string(key) + "\" is missing");
   if (!found) return std::nullopt;
   ++found_;
   return ValueInput(*found, Path(path(), key), input_.encoding_);
-}
-
-ValueInput ObjectInput::at(std::string_view key) {
-  const std::optional<ValueInput> value = find(key);
-  if (!value) path().fail("the key \"" + std::string(key) + "\" is missing");
-  return *value;
 }
 
 void ObjectInput::finish() const {

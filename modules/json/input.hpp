@@ -83,9 +83,8 @@ class ObjectInput {
   const Path& path() const { return input_.path(); }
 
   /// The value of a key; none when there is none.
-  std::optional<ValueInput> find(std::string_view key);
-  /// @throws Fault when there is none
-  ValueInput at(std::string_view key);
+  /// @throws Fault without a key that is required
+  std::optional<ValueInput> find(std::string_view key, bool is_required);
 
   /// @throws Fault when the object has a key that nobody asked for
   void finish() const;

@@ -17,30 +17,24 @@ namespace zelk::modules::json {
 
 // --- How a key stands for a field ---
 
+/// A number, a name or a text. The key is left out for the number 0, an empty name, and a text that
+/// the record lacks; null is such a text where the key is required.
+struct Plain {};
 /// What every document of the form says at its beginning.
 struct Fixed {};
-/// A number, a name or a text; null for a text that the record does not have.
-struct Required {};
-/// Likewise. There is no key for the number 0, an empty name, and a text that the record lacks.
-struct Optional {};
-/// Likewise. There is no key for the number `absent`.
+/// A number. The key is left out for `absent`.
 template <typename Number>
 struct Otherwise {
   Number absent;
 };
 /// The text, or the number, of an attribute's value.
-template <typename Kind>
 struct AsText {};
-template <typename Kind>
 struct AsNumber {};
-struct RequiredWord {
+/// A number that may have a word. The key is left out for 0.
+struct NumberWord {
   Words words;
 };
-/// There is no key for the number 0.
-struct OptionalWord {
-  Words words;
-};
-/// `true` for a bit that is set; else there is no key.
+/// `true` for a bit that is set; else the key is left out.
 struct Flag {
   unsigned bit;
 };
@@ -54,11 +48,10 @@ struct OtherBits {
 struct Identifier {};
 /// The items of an ENUM, as an array of texts.
 struct Items {};
-/// Another record, by name or position; null for none.
-struct RequiredReference {};
-/// Likewise. There is no key for none.
-struct OptionalReference {};
-/// An array with an element for each record; there is no key for an empty list.
+/// Another record, by name or position. The key is left out for none; where it is required, null
+/// stands for none.
+struct Reference {};
+/// An array with an element for each record. The key is left out for an empty list.
 struct List {
   /// Kind of object whose attributes stand in the elements; none: that of the outer list.
   std::optional<std::int32_t> attribute_kind = {};
@@ -67,20 +60,26 @@ struct List {
 struct Signals {};
 /// The name of a signal, which is read before all that may refer to it.
 struct SignalName {};
-/// An object; there is no key for a filter that is empty.
+/// An object. The key is left out for an empty filter.
 struct Part {};
 
 /// @tparam Field  gets the field of a record by `std::invoke`
 template <typename Field, typename Kind>
 struct Key {
   std::string_view name;
+  bool is_required;  ///< whether every object has it; otherwise it may be left out
   Field field;
   Kind kind;
 };
 
-template <typename Field, typename Kind>
-constexpr Key<Field, Kind> key(std::string_view name, Field field, Kind kind) {
-  return {name, field, kind};
+template <typename Field, typename Kind = Plain>
+constexpr Key<Field, Kind> required(std::string_view name, Field field, Kind kind = {}) {
+  return {name, true, field, kind};
+}
+
+template <typename Field, typename Kind = Plain>
+constexpr Key<Field, Kind> optional(std::string_view name, Field field, Kind kind = {}) {
+  return {name, false, field, kind};
 }
 
 /// A key that only some records have.
@@ -114,7 +113,7 @@ Field& unwrapped(const std::reference_wrapper<Field>& field) {
 
 template <typename Record, typename Field, typename Kind, typename Visit>
 void visit_key(Record& record, const Key<Field, Kind>& key, const Visit& visit) {
-  visit(key.name, unwrapped(std::invoke(key.field, record)), key.kind);
+  visit(key.name, key.is_required, unwrapped(std::invoke(key.field, record)), key.kind);
 }
 template <typename Record, typename Field, typename Kind, typename Visit>
 void visit_key(Record& record, const ConditionalKey<std::remove_const_t<Record>, Field, Kind>& key,
@@ -122,7 +121,7 @@ void visit_key(Record& record, const ConditionalKey<std::remove_const_t<Record>,
   if (key.applies(record)) visit_key(record, key.key, visit);
 }
 
-/// Calls `visit(name, field, kind)` for each key of a record, in order.
+/// Calls `visit(name, is_required, field, kind)` for each key of a record, in order.
 template <typename Record, typename Visit>
 void for_each_key(Record& record, const Visit& visit) {
   std::apply([&](const auto&... keys) { (visit_key(record, keys, visit), ...); },

@@ -1,32 +1,32 @@
-// From a database to a document.
+// Writes a database as a document. What hosts store in it for themselves is left out and noted.
 
 #include <bit>
 
+#include "base/encoding.hpp"
+#include "common/file.hpp"
 #include "json/form.hpp"
 #include "json/output.hpp"
 
 namespace zelk::modules::json {
 namespace {
 
-template <typename Number>
-bool is_same(Number a, Number b) {
-  return a == b;
-}
+bool is_same(auto a, auto b) { return a == b; }
 /// -0 is not 0, and not-a-number is itself.
 bool is_same(double a, double b) {
   return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
 }
 
-/// A key that an object, which is open in the text, may get.
+/// A key of the object that is open in the text.
 struct Place {
   TextOutput& out;
   const Path& object;
-  std::string_view key;
+  std::string_view name;
+  bool is_required;
 
   /// Begins the member; the result writes its value.
   ValueOutput add() const {
-    out.key(key);
-    return {out, Path(object, key)};
+    out.key(name);
+    return {out, Path(object, name)};
   }
 };
 
@@ -38,9 +38,10 @@ class Writer {
   /// Writes a record as an object of the document.
   void write(const Path& path, const auto& record) {
     out_.open('{');
-    for_each_key(record, [&](std::string_view name, const auto& field, auto kind) {
-      give({out_, path, name}, field, kind);
-    });
+    for_each_key(record,
+                 [&](std::string_view name, bool is_required, const auto& field, auto kind) {
+                   give({out_, path, name, is_required}, field, kind);
+                 });
     out_.close('}');
     note_losses(path, record);
   }
@@ -64,30 +65,25 @@ class Writer {
   // --- Keys ---
 
   void give(Place key, const auto& field, Fixed) { key.add().field(field); }
-  void give(Place key, const auto& field, Required) { key.add().field(field); }
-  template <typename Field>
-  void give(Place key, const Field& field, Optional) {
-    give(key, field, Otherwise<Field>{});
-  }
+  void give(Place key, const char* name, SignalName) { key.add().field(name); }
   template <std::size_t kSize>
-  void give(Place key, const char (&name)[kSize], Optional) {
-    if (name[0] != '\0') key.add().field(name);
+  void give(Place key, const char (&name)[kSize], Plain) {
+    if (key.is_required || name[0] != '\0') key.add().field(name);
+  }
+  template <typename Field>
+  void give(Place key, const Field& field, Plain) {
+    give(key, field, Otherwise<Field>{});
   }
   template <typename Field>
   void give(Place key, const Field& field, Otherwise<Field> kind) {
-    if (!is_same(field, kind.absent)) key.add().field(field);
+    if (key.is_required || !is_same(field, kind.absent)) key.add().field(field);
   }
-  template <typename Kind>
-  void give(Place key, const zelk_attr_value_t& value, AsText<Kind>) {
-    give(key, value.text, Kind());
+  void give(Place key, const zelk_attr_value_t& value, AsText) { give(key, value.text, Plain()); }
+  void give(Place key, const zelk_attr_value_t& value, AsNumber) {
+    give(key, value.number, Plain());
   }
-  template <typename Kind>
-  void give(Place key, const zelk_attr_value_t& value, AsNumber<Kind>) {
-    give(key, value.number, Kind());
-  }
-  void give(Place key, std::int64_t field, RequiredWord kind) { key.add().word(field, kind.words); }
-  void give(Place key, std::int64_t field, OptionalWord kind) {
-    if (field != 0) key.add().word(field, kind.words);
+  void give(Place key, std::int64_t number, NumberWord kind) {
+    if (key.is_required || number != 0) key.add().word(number, kind.words);
   }
   void give(Place key, unsigned flags, Flag kind) {
     if ((flags & kind.bit) != 0) key.add().flag();
@@ -102,9 +98,8 @@ class Writer {
   void give(Place key, const char* field, Items) {
     if (field) key.add().items(field);
   }
-  void give(Place key, const auto* field, RequiredReference) { refer(key.add(), field); }
-  void give(Place key, const auto* field, OptionalReference) {
-    if (field) refer(key.add(), field);
+  void give(Place key, const auto* field, Reference) {
+    if (key.is_required || field) refer(key.add(), field);
   }
   void give(Place key, auto* head, List kind) {
     if (kind.attribute_kind) lists_.References<attr_def>::expect(*kind.attribute_kind);
@@ -116,7 +111,6 @@ class Writer {
     array(key, head);
     check_circles(key.object, head);
   }
-  void give(Place key, const char* name, SignalName) { key.add().field(name); }
   void give(Place key, const filter_t& filter, Part) {
     const bool is_empty = !filter.categories && !filter.nodes && filter.mode == 0;
     if (!is_empty) write(key.add().path(), filter);
@@ -151,12 +145,21 @@ class Writer {
   Lists lists_;
 };
 
-}  // namespace
-
+/// A document is ASCII except for its texts, which stand in quotes: the whole is UTF-8 when each of
+/// them is, and else is converted as a whole.
 std::string document_of(const Database& database) {
   TextOutput out;
   Writer(out).write(Path(), database);
-  return out.text() + "\n";
+  std::string text = out.text() + "\n";
+  if (is_utf8(text)) return text;
+  const std::string_view assumed = kEncodings[0];
+  text.replace(text.find(assumed), assumed.size(), kEncodings[1]);  // in the third line
+  return to_utf8(text, Encoding::kWindows1252);
 }
 
+}  // namespace
 }  // namespace zelk::modules::json
+
+void zelk::modules::export_file(const char* file, const Database& database, std::string_view) {
+  write_new_file(file, json::document_of(database));
+}

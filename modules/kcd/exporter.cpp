@@ -8,26 +8,16 @@
 
 #include "base/encoding.hpp"
 #include "common/file.hpp"
+#include "common/module.hpp"
 #include "common/records.hpp"
 #include "kcd/format.hpp"
 #include "kcd/left_out.hpp"
 #include "kcd/message_export.hpp"
 #include "kcd/text_output.hpp"
-#include "zelk/module.h"
 
 namespace zelk::modules::kcd {
 
 namespace {
-
-/// The lists of the database that is written.
-struct Database {
-  const msgblk* messages;
-  const symblk* nodes;
-  const env_var_blk* variables;
-  const attr_def* definitions;
-  const attr* values;
-  const zelk_conversion& other;
-};
 
 bool is_text(const attr_def& definition) { return definition.value_type == ZELK_ATTR_STRING; }
 
@@ -72,7 +62,8 @@ std::uint64_t append_number(pugi::xml_node element, const char* tag, const attr*
 
 class Export {
  public:
-  explicit Export(const Database& database) : database_(database) {}
+  Export(const Database& database, std::string_view option)
+      : database_(database), option_(option) {}
 
   void write(const char* file);
 
@@ -85,9 +76,10 @@ class Export {
   void count_left_out();
 
   const Database& database_;
-  const attr_def* bus_name_ = find_definition(database_.definitions, kBusName);
-  const attr_def* baudrate_ = find_definition(database_.definitions, kBaudrate);
-  const attr_def* interval_ = find_definition(database_.definitions, kInterval);
+  const std::string_view option_;  ///< name of the bus; empty: none in particular
+  const attr_def* bus_name_ = find_definition(database_.attr_defs, kBusName);
+  const attr_def* baudrate_ = find_definition(database_.attr_defs, kBaudrate);
+  const attr_def* interval_ = find_definition(database_.attr_defs, kInterval);
   pugi::xml_document document_;
   LeftOut left_out_;
   NodeIds ids_;
@@ -109,15 +101,15 @@ void Export::write(const char* file) {
 }
 
 void Export::append_document(pugi::xml_node root) const {
-  append_text(root, "Document", *database_.other.comment);
+  append_text(root, "Document", database_.comment);
   if (!root.first_child()) append_child(root, "Document");
-  const std::string_view version = view(*database_.other.user_data);
+  const std::string_view version = view(database_.version_text);
   if (version.empty()) return;
   append_attribute(root.first_child(), "version", version);
 }
 
 void Export::append_nodes(pugi::xml_node root) {
-  for (const symblk& node : each(database_.nodes)) {
+  for (const symblk& node : each(database_.nodes.get())) {
     const std::string id = std::to_string(ids_.size() + 1);
     ids_.emplace(&node, id);
     pugi::xml_node element = append_child(root, "Node");
@@ -129,10 +121,9 @@ void Export::append_nodes(pugi::xml_node root) {
 }
 
 std::string Export::bus_name(const char* file) const {
-  const std::string_view option = database_.other.option;
-  if (!option.empty()) return std::string(option);
+  if (!option_.empty()) return std::string(option_);
   if (bus_name_) {
-    const attr* const value = find_value(database_.values, bus_name_);
+    const attr* const value = find_value(database_.attr_values, bus_name_);
     const std::string_view name = view(value ? value->value.text : bus_name_->default_value.text);
     if (!name.empty()) return std::string(name);
   }
@@ -142,15 +133,16 @@ std::string Export::bus_name(const char* file) const {
 void Export::append_bus(pugi::xml_node root, const char* file) {
   pugi::xml_node bus = append_child(root, "Bus");
   append_attribute(bus, "name", bus_name(file));
-  const std::uint64_t names = find_value(database_.values, bus_name_) ? 1 : 0;
-  const std::uint64_t taken = names + append_number(bus, "baudrate", database_.values, baudrate_);
-  left_out_.add("attribute value", "", each(database_.values).size() - taken);
+  const std::uint64_t names = find_value(database_.attr_values, bus_name_) ? 1 : 0;
+  const std::uint64_t taken =
+      names + append_number(bus, "baudrate", database_.attr_values, baudrate_);
+  left_out_.add("attribute value", "", each(database_.attr_values.get()).size() - taken);
   append_messages(bus);
 }
 
 void Export::append_messages(pugi::xml_node bus) {
   std::set<std::uint32_t> ids;
-  for (const msgblk& message : each(database_.messages)) {
+  for (const msgblk& message : each(database_.messages.get())) {
     const char* reason = obstacle(message);
     const bool is_doubled = !reason && !ids.insert(message.id).second;
     if (is_doubled) reason = " with the identifier of another one";
@@ -165,14 +157,14 @@ void Export::append_messages(pugi::xml_node bus) {
 }
 
 void Export::count_left_out() {
-  const zelk_conversion& other = database_.other;
-  left_out_.add("environment variable", "", each(database_.variables).size());
-  left_out_.add("bit timing", "", each(*other.bit_timings).size());
-  left_out_.add("category definition", "", each(*other.categories).size());
-  left_out_.add("signal type", "", each(*other.signal_types).size());
-  left_out_.add("value table", "", each(*other.value_tables).size());
-  if (other.filter->categories || other.filter->nodes) left_out_.add("view filter");
-  for (const attr_def& definition : each(database_.definitions)) {
+  left_out_.add("environment variable", "", each(database_.env_vars.get()).size());
+  left_out_.add("bit timing", "", each(database_.bit_timings.get()).size());
+  left_out_.add("category definition", "", each(database_.categories.get()).size());
+  left_out_.add("signal type", "", each(database_.signal_types.get()).size());
+  left_out_.add("value table", "", each(database_.value_tables.get()).size());
+  const filter_t& filter = database_.filter;
+  if (filter.categories || filter.nodes) left_out_.add("view filter");
+  for (const attr_def& definition : each(database_.attr_defs.get())) {
     const bool is_taken =
         &definition == bus_name_ || &definition == baudrate_ || &definition == interval_;
     if (!is_taken) left_out_.add("attribute definition");
@@ -182,13 +174,7 @@ void Export::count_left_out() {
 }  // namespace
 }  // namespace zelk::modules::kcd
 
-extern "C" ZELK_MODULE_EXPORT int zelk_export(const char* file, const msgblk* messages,
-                                              const symblk* nodes, const env_var_blk* env_vars,
-                                              const attr_def* attr_defs, const attr* attr_values) {
-  using namespace zelk::modules;
-  return guarded(ZELK_ERR_CONVERT, [&] {
-    const kcd::Database database = {messages,  nodes,       env_vars,
-                                    attr_defs, attr_values, conversion()};
-    kcd::Export(database).write(file);
-  });
+void zelk::modules::export_file(const char* file, const Database& database,
+                                std::string_view option) {
+  kcd::Export(database, option).write(file);
 }

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "base/encoding.hpp"
+#include "common/module.hpp"
 #include "common/records.hpp"
 #include "kcd/element.hpp"
 #include "kcd/format.hpp"
@@ -12,22 +13,10 @@
 #include "kcd/message_import.hpp"
 #include "kcd/nodes.hpp"
 #include "kcd/source.hpp"
-#include "zelk/module.h"
 
 namespace zelk::modules::kcd {
 
 namespace {
-
-/// The lists of the database that is filled.
-struct Target {
-  msgblk*& messages;
-  symblk*& nodes;
-  attr_def*& definitions;
-  attr*& values;
-  char*& comment;
-  char*& user_data;
-  std::string option;  ///< the wanted bus, in UTF-8; empty: none in particular
-};
 
 /// Appends the definition of an attribute.
 attr_def* define(ListTail<attr_def>& definitions, const KcdAttribute& attribute) {
@@ -52,8 +41,12 @@ attr& append_value(attr*& list, attr_def* definition) {
 
 class Import {
  public:
-  Import(const Source& source, Target& target)
-      : reading_{source, left_out_}, root_(reading_, source.root()), target_(target) {}
+  /// @param option  name of the wanted bus; empty: none in particular
+  Import(const Source& source, const Database& target, std::string_view option)
+      : reading_{source, left_out_},
+        root_(reading_, source.root()),
+        target_(target),
+        option_(to_utf8(option, encoding_of(option))) {}
 
   void run();
 
@@ -68,7 +61,8 @@ class Import {
   LeftOut left_out_;
   Reading reading_;
   Element root_;
-  Target& target_;
+  const Database& target_;
+  const std::string option_;
 };
 
 void Import::run() {
@@ -79,7 +73,7 @@ void Import::run() {
   left_out_.add("Bus element", "", count_buses() - 1);
   take_document();
   const Nodes nodes(reading_, root_, bus, count_buses() == 1, target_.nodes);
-  ListTail<attr_def> definitions(target_.definitions);
+  ListTail<attr_def> definitions(target_.attr_defs);
   take_bus_attributes(bus, definitions);
   take_messages(bus, nodes, definitions);
   left_out_.note();
@@ -109,17 +103,16 @@ Element Import::choose_bus() const {
   root_.each("Bus", [&](const Element& bus) {
     const std::string_view name = bus.text("name");
     names += (names.empty() ? "\"" : ", \"") + std::string(name) + "\"";
-    const bool is_candidate =
-        target_.option.empty() ? is_only || bus.child("Message") : name == target_.option;
+    const bool is_candidate = option_.empty() ? is_only || bus.child("Message") : name == option_;
     if (!is_candidate) return;
     ++candidates;
     chosen = bus;
   });
   if (candidates == 1) return *chosen;
   if (names.empty()) root_.fail("there is no Bus");
-  if (target_.option.empty()) root_.fail("the option has to name one of the buses " + names);
+  if (option_.empty()) root_.fail("the option has to name one of the buses " + names);
   root_.fail(std::string(candidates == 0 ? "no bus" : "more than one bus") + " is named \"" +
-             target_.option + "\"; the buses are " + names);
+             option_ + "\"; the buses are " + names);
 }
 
 void Import::take_document() {
@@ -129,15 +122,15 @@ void Import::take_document() {
   const std::string text = document->content();
   if (!text.empty()) assign_text(target_.comment, text);
   if (const auto version = document->find("version")) {
-    assign_text(target_.user_data, document->stored(*version));
+    assign_text(target_.version_text, document->stored(*version));
   }
 }
 
 void Import::take_bus_attributes(const Element& bus, ListTail<attr_def>& definitions) {
-  attr& name = append_value(target_.values, define(definitions, kBusName));
+  attr& name = append_value(target_.attr_values, define(definitions, kBusName));
   assign_text(name.value.text, bus.stored(bus.text("name")));
   if (!bus.find("baudrate")) return;
-  append_value(target_.values, define(definitions, kBaudrate)).value.number =
+  append_value(target_.attr_values, define(definitions, kBaudrate)).value.number =
       static_cast<double>(bus.whole("baudrate", 0, kMaxAttribute));
 }
 
@@ -160,21 +153,8 @@ void Import::take_messages(const Element& bus, const Nodes& nodes,
 }  // namespace
 }  // namespace zelk::modules::kcd
 
-extern "C" ZELK_MODULE_EXPORT int zelk_import(const char* file, msgblk** messages, symblk** nodes,
-                                              env_var_blk** /*env_vars*/, attr_def** attr_defs,
-                                              attr** attr_values) {
-  using namespace zelk::modules;
-  return guarded(ZELK_ERR_CONVERTED_FORMAT, [&] {
-    const zelk_conversion& more = conversion();
-    const zelk::Encoding encoding = zelk::encoding_of(more.option);
-    kcd::Target target = {*messages,
-                          *nodes,
-                          *attr_defs,
-                          *attr_values,
-                          *more.comment,
-                          *more.user_data,
-                          zelk::to_utf8(more.option, encoding)};
-    const kcd::Source source(file);
-    kcd::Import(source, target).run();
-  });
+void zelk::modules::import_file(const char* file, const Database& database,
+                                std::string_view option) {
+  const kcd::Source source(file);
+  kcd::Import(source, database, option).run();
 }
