@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <tuple>
 
+#include "base/attribute_text.hpp"
 #include "common/module.hpp"
 #include "json/keys.hpp"
 #include "json/words.hpp"
@@ -24,10 +25,7 @@ constexpr OtherBits bits_beyond(std::uint16_t known) {
 
 inline bool is_enum(const attr_def& definition) { return definition.value_type == ZELK_ATTR_ENUM; }
 inline bool is_no_enum(const attr_def& definition) { return !is_enum(definition); }
-inline bool has_text(const attr_def& definition) {
-  return is_enum(definition) || definition.value_type == ZELK_ATTR_STRING;
-}
-inline bool has_number(const attr_def& definition) { return !has_text(definition); }
+inline bool has_number(const attr_def& definition) { return !has_text_default(definition); }
 inline bool is_text(const attr& value) {
   return value.def && value.def->value_type == ZELK_ATTR_STRING;
 }
@@ -67,7 +65,7 @@ inline constexpr auto kKeys<attr_def> =
                when(is_enum, optional("items", &attr_def::enum_values, Items())),
                when(is_no_enum, optional("minimum", &attr_def::minimum)),
                optional("maximum", &attr_def::maximum),
-               when(has_text, optional("default", &attr_def::default_value, AsText())),
+               when(has_text_default, optional("default", &attr_def::default_value, AsText())),
                when(has_number, optional("default", &attr_def::default_value, AsNumber())));
 
 template <>

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "base/enum_items.hpp"
+
 namespace zelk::modules::json {
 
 // --- Values ---

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 
+#include "base/enum_items.hpp"
+
 namespace zelk::modules::json {
 namespace {
 
@@ -44,12 +46,9 @@ void ValueOutput::word(std::int64_t number, Words words) const {
 
 void ValueOutput::items(const char* field) const {
   out_.open('[');
-  std::string_view rest = view(field);
-  for (std::size_t end = 0; end != std::string_view::npos;) {
-    end = rest.find(kItemSeparator);
+  for (const std::string_view item : EnumItems(view(field))) {
     out_.element();
-    out_.string(rest.substr(0, end));
-    rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
+    out_.string(item);
   }
   out_.close(']');
 }

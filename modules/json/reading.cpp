@@ -1,6 +1,5 @@
 // Fills a database from a document.
 
-#include <algorithm>
 
 #include "common/file.hpp"
 #include "json/document.hpp"
@@ -46,12 +45,6 @@ struct Place {
   /// @throws Fault without one that is required
   std::optional<ValueInput> value() const { return object.find(name, is_required); }
 };
-
-/// Number of records, or 65535 when there are more.
-template <typename Record>
-std::uint16_t count_16(const Record* list) {
-  return static_cast<std::uint16_t>(std::min<std::size_t>(each(list).size(), UINT16_MAX));
-}
 
 /// Reads records by their keys: `take` for each way in which a key stands for a field, which leaves
 /// the field of a new record as it is, zero, when there is no such key.

@@ -1,15 +1,16 @@
 #include "json/references.hpp"
 
+#include "base/multiplexing.hpp"
+
 namespace zelk::modules::json {
 
 void check_circles(const Path& path, const sigblk* signals) {
-  std::unordered_map<const sigblk*, const sigblk*> seen;  // and from where
+  CircleSearch search;
   for (const sigblk& start : each(signals)) {
-    const sigblk* signal = start.mux_signal ? &start : nullptr;
-    while (signal && seen.emplace(signal, &start).second) signal = signal->mux_signal;
-    if (!signal || seen[signal] != &start) continue;
-    path.fail("the multiplexor of the signal \"" + std::string(view(signal->name)) +
-              "\" depends on that signal");
+    if (const sigblk* const signal = search.circle_above(start)) {
+      path.fail("the multiplexor of the signal \"" + std::string(view(signal->name)) +
+                "\" depends on that signal");
+    }
   }
 }
 

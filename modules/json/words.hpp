@@ -54,9 +54,6 @@ inline constexpr std::array<Word, 5> kAttributeTypes = {{{"int", ZELK_ATTR_INT},
                                                          {"enum", ZELK_ATTR_ENUM},
                                                          {"hex", ZELK_ATTR_HEX}}};
 
-/// Separates the items of an ENUM in its record.
-inline constexpr char kItemSeparator = '\n';
-
 }  // namespace zelk::modules::json
 
 #endif

@@ -51,22 +51,6 @@ inline constexpr KcdAttribute kBaudrate = {"Baudrate", ZELK_OBJ_NETWORK, ZELK_AT
 /// In milliseconds.
 inline constexpr KcdAttribute kInterval = {"GenMsgCycleTime", ZELK_OBJ_MESSAGE, ZELK_ATTR_INT};
 
-/// Number of the data byte behind the last one that a signal reaches into; arguments as in
-/// `sigblk`.
-///
-///     byte     0                   1
-///     bit      7 6 5 4 3 2 1 0     7  6 ... 0
-///     number   7 6 5 4 3 2 1 0    15 14 ... 8
-///
-/// An Intel signal goes up in numbers from its start bit, a Motorola one to the right in the
-/// picture.
-constexpr std::uint32_t end_byte(std::uint32_t start_bit, std::uint32_t length,
-                                 std::uint32_t flags) {
-  const bool is_motorola = (flags & ZELK_SIGNAL_MOTOROLA) != 0;
-  const std::uint32_t first = is_motorola ? start_bit / 8 * 8 + (7 - start_bit % 8) : start_bit;
-  return (first + length + 7) / 8;
-}
-
 }  // namespace zelk::modules::kcd
 
 #endif

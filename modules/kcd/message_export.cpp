@@ -3,6 +3,8 @@
 #include <charconv>
 #include <cmath>
 
+#include "base/multiplexing.hpp"
+#include "base/signal_bits.hpp"
 #include "common/records.hpp"
 #include "kcd/format.hpp"
 #include "kcd/text_output.hpp"
@@ -27,12 +29,6 @@ std::string hexadecimal(std::uint32_t number) {
   return "0x" + text;
 }
 
-bool is_ieee(const sigblk& signal) {
-  return signal.value_type == ZELK_VALUE_IEEE_SINGLE || signal.value_type == ZELK_VALUE_IEEE_DOUBLE;
-}
-
-bool is_signed(const sigblk& signal) { return (signal.flags & ZELK_SIGNAL_SIGNED) != 0; }
-
 const char* value_type(const sigblk& signal) {
   if (signal.value_type == ZELK_VALUE_IEEE_SINGLE) return "single";
   if (signal.value_type == ZELK_VALUE_IEEE_DOUBLE) return "double";
@@ -48,7 +44,7 @@ bool has_range(const sigblk& signal) {
 /// The reason for which a signal is left out, whatever its multiplexing; null when there is none.
 const char* obstacle(const sigblk& signal) {
   if (signal.length == 0) return " without bits";
-  if (end_byte(signal.start_bit, signal.length, signal.flags) > kMaxDataBytes) {
+  if (end_byte(signal) > kMaxDataBytes) {
     return " ending behind byte 64";
   }
   const bool is_finite = std::isfinite(signal.factor) && std::isfinite(signal.offset);
@@ -119,18 +115,17 @@ void MessageExport::choose_signals() {
 void MessageExport::choose_multiplexors() {
   const std::set<const sigblk*> chosen(chosen_.begin(), chosen_.end());
   for (const sigblk* const signal : chosen_) {
-    if ((signal->flags & ZELK_SIGNAL_MULTIPLEXOR) != 0) is_multiplexor_.insert(signal);
-    if (chosen.contains(signal->mux_signal)) is_multiplexor_.insert(signal->mux_signal);
+    if (is_multiplexor(*signal)) multiplexor_set_.insert(signal);
+    if (chosen.contains(signal->mux_signal)) multiplexor_set_.insert(signal->mux_signal);
   }
 }
 
 /// A multiplexor that another one selects keeps its own signals, and is always there.
 void MessageExport::place_signal(const sigblk& signal) {
-  const bool is_selected = signal.mux_signal || signal.mux_ranges;
-  if (is_multiplexor_.contains(&signal)) {
+  if (multiplexor_set_.contains(&signal)) {
     multiplexors_.push_back(&signal);
-    if (is_selected) left_out_.add("selection", " of a multiplexor by another one");
-  } else if (!is_selected) {
+    if (is_multiplexed(signal)) left_out_.add("selection", " of a multiplexor by another one");
+  } else if (!is_multiplexed(signal)) {
     plain_.push_back(&signal);
   } else if (const char* const reason = select(signal)) {
     left_out_.add("signal", reason);
@@ -143,7 +138,7 @@ void MessageExport::place_signal(const sigblk& signal) {
 ///
 /// @return the reason for which it is left out; null when there is none
 const char* MessageExport::select(const sigblk& signal) {
-  if (!is_multiplexor_.contains(signal.mux_signal)) {
+  if (!multiplexor_set_.contains(signal.mux_signal)) {
     return " with a multiplexor that is not in the file";
   }
   const std::set<std::uint32_t> values = selectors(signal);
@@ -181,7 +176,7 @@ void MessageExport::append_geometry(pugi::xml_node element, const sigblk& signal
   append_attribute(element, "name", view(signal.name));
   append_attribute(element, "offset", std::to_string(signal.start_bit));
   if (signal.length != 1) append_attribute(element, "length", std::to_string(signal.length));
-  if ((signal.flags & ZELK_SIGNAL_MOTOROLA) != 0) append_attribute(element, "endianess", "big");
+  if (is_motorola(signal)) append_attribute(element, "endianess", "big");
 }
 
 void MessageExport::append_value(pugi::xml_node element, const sigblk& signal) {

@@ -57,7 +57,7 @@ class MessageExport {
   Signals chosen_;  ///< in the order of the list, as are the next two
   Signals multiplexors_;
   Signals plain_;
-  std::set<const sigblk*> is_multiplexor_;
+  std::set<const sigblk*> multiplexor_set_;
   /// Of each multiplexor, the signals that each of its values selects.
   std::map<const sigblk*, std::map<std::uint32_t, Signals>> groups_;
 };

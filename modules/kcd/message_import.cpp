@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/signal_bits.hpp"
 #include "common/records.hpp"
 #include "kcd/format.hpp"
 
@@ -44,8 +45,8 @@ std::uint16_t MessageImport::read_dlc() const {
     return static_cast<std::uint16_t>(element_.whole("length", 0, kMaxDataBytes));
   }
   std::uint32_t bytes = 0;
-  for (const auto& [data, multiplexor, selectors] : signals_) {
-    bytes = std::max(bytes, end_byte(data.start_bit, data.length, data.flags));
+  for (const Signal& signal : signals_) {
+    bytes = std::max(bytes, end_byte(signal.data));
   }
   return static_cast<std::uint16_t>(bytes);
 }

@@ -6,35 +6,19 @@
 
 namespace zelk::modules::kcd {
 
-namespace {
-
-/// Collects the identifiers that stand anywhere in a bus.
-class References : public pugi::xml_tree_walker {
- public:
-  bool for_each(pugi::xml_node& node) override {
-    if (std::string_view(node.name()) == "NodeRef") ids_.insert(node.attribute("id").value());
-    return true;
-  }
-  bool contain(std::string_view id) const { return ids_.contains(id); }
-
- private:
-  std::set<std::string_view> ids_;
-};
-
-}  // namespace
-
 Nodes::Nodes(Reading& reading, const Element& root, const Element& bus, bool is_only_bus,
              symblk*& list) {
-  References references;
-  pugi::xml_node inside = bus.node();
-  inside.traverse(references);
+  std::set<std::string_view> references;
+  for (const pugi::xpath_node& reference : bus.node().select_nodes(".//NodeRef")) {
+    references.insert(reference.node().attribute("id").value());
+  }
   ListTail<symblk> nodes(list);
   std::set<std::string> names;
   root.each("Node", [&](const Element& element) {
     const std::string_view id = element.text("id");
     const auto [entry, is_new] = by_id_.try_emplace(id, nullptr);
     if (!is_new) element.fail("another node has the id \"" + std::string(id) + "\"");
-    if (!is_only_bus && !references.contain(id)) {
+    if (!is_only_bus && !references.contains(id)) {
       reading.left_out.add("Node element", " of other buses");
       return;
     }

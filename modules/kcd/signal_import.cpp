@@ -1,5 +1,6 @@
 #include "kcd/signal_import.hpp"
 
+#include "base/signal_bits.hpp"
 #include "common/records.hpp"
 #include "kcd/format.hpp"
 
@@ -25,7 +26,7 @@ void read_geometry(const Element& element, SignalData& signal) {
   } else if (order != "little") {
     element.fail("endianess=\"" + std::string(order) + "\" is neither little nor big");
   }
-  if (end_byte(signal.start_bit, signal.length, signal.flags) > kMaxDataBytes) {
+  if (end_byte(signal) > kMaxDataBytes) {
     element.fail("ends behind byte " + std::to_string(kMaxDataBytes));
   }
 }

@@ -67,16 +67,11 @@ std::string Source::stored(std::string_view text) const {
 }
 
 std::size_t Source::unit_size() const {
-  switch (file_encoding_) {
-    case pugi::encoding_utf16_le:
-    case pugi::encoding_utf16_be:
-      return 2;
-    case pugi::encoding_utf32_le:
-    case pugi::encoding_utf32_be:
-      return 4;
-    default:
-      return 1;
-  }
+  const bool is_16 =
+      file_encoding_ == pugi::encoding_utf16_le || file_encoding_ == pugi::encoding_utf16_be;
+  const bool is_32 =
+      file_encoding_ == pugi::encoding_utf32_le || file_encoding_ == pugi::encoding_utf32_be;
+  return is_32 ? 4 : is_16 ? 2 : 1;
 }
 
 std::uint32_t Source::unit(std::size_t index) const {

@@ -24,22 +24,15 @@ std::size_t forbidden_size(std::string_view text) {
 /// Escapes the characters of the markup, and white space that readers would alter or drop: tabs and
 /// carriage returns, line feeds in attributes, and all of a blank text.
 void append_escaped(std::string& out, char c, bool is_kept_space) {
-  switch (c) {
-    case '&':
-      out += "&amp;";
+  constexpr std::pair<char, const char*> kEntities[] = {
+      {'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}, {'"', "&quot;"}};
+  for (const auto& [character, entity] : kEntities) {
+    if (c == character) {
+      out += entity;
       return;
-    case '<':
-      out += "&lt;";
-      return;
-    case '>':
-      out += "&gt;";
-      return;
-    case '"':
-      out += "&quot;";
-      return;
-    default:
-      out += is_space(c) && !is_kept_space ? "&#" + std::to_string(c) + ";" : std::string(1, c);
+    }
   }
+  out += is_space(c) && !is_kept_space ? "&#" + std::to_string(c) + ";" : std::string(1, c);
 }
 
 std::string escaped(std::string_view text, bool is_attribute, LeftOut& left_out) {
