@@ -6,11 +6,13 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <type_traits>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "common/records.hpp"
@@ -43,7 +45,8 @@ class References {
       positions_.emplace(&record, records_.size());
       records_.push_back(&record);
       // Records without a name are not those of the empty one.
-      if (is_named(record.name)) first_.emplace(Key{view(record.name), kind_of(record)}, &record);
+      if (is_named(record.name))
+        first_.emplace(std::pair(kind_of(record), view(record.name)), &record);
     }
   }
 
@@ -52,7 +55,7 @@ class References {
 
   /// The first record of that name and of the expected kind; null when there is none.
   Record* find(std::string_view name) const {
-    const auto found = first_.find(Key{name, kind_});
+    const auto found = first_.find(std::pair(kind_, name));
     return found == first_.end() ? nullptr : found->second;
   }
 
@@ -70,22 +73,11 @@ class References {
  private:
   static bool is_named(const char* name) { return name != nullptr; }
 
-  struct Key {
-    std::string_view name;
-    std::int32_t kind;
-    bool operator==(const Key&) const = default;
-  };
-  struct Hash {
-    std::size_t operator()(const Key& key) const {
-      return std::hash<std::string_view>()(key.name) + static_cast<std::size_t>(key.kind);
-    }
-  };
-
   const char* what_;
   std::int32_t kind_ = 0;
   std::vector<Record*> records_;
   std::unordered_map<const Record*, std::size_t> positions_;
-  std::unordered_map<Key, Record*, Hash> first_;
+  std::map<std::pair<std::int32_t, std::string_view>, Record*> first_;  ///< by kind and name
 };
 
 /// All lists whose records others refer to; of signals those of one message.
