@@ -1,6 +1,5 @@
 // Fills a database from a document.
 
-
 #include "common/file.hpp"
 #include "json/document.hpp"
 #include "json/form.hpp"

@@ -45,8 +45,7 @@ class References {
       positions_.emplace(&record, records_.size());
       records_.push_back(&record);
       // Records without a name are not those of the empty one.
-      if (is_named(record.name))
-        first_.emplace(std::pair(kind_of(record), view(record.name)), &record);
+      if (is_named(record.name)) first_.try_emplace({kind_of(record), view(record.name)}, &record);
     }
   }
 
