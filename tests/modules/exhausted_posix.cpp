@@ -78,7 +78,7 @@ class Exhausted : public testing::TestWithParam<const char*> {
       EXPECT_EQ(std::filesystem::remove(out_), result == 0 && error == ZelkErrorNotWritten) << n;
       if (result == 0) expect_whole();
     }
-    EXPECT_GT(n, 100U);
+    EXPECT_GT(n, 50U);
     EXPECT_EQ(result, 0) << zelk_get_error_text();
   }
   ZelkError exported() { return host_.exporter.Export(db_, out_.c_str()); }
