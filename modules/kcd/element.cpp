@@ -9,7 +9,6 @@
 #include "zelk/dbc.h"
 
 namespace zelk::modules::kcd {
-
 namespace {
 
 bool contains(std::initializer_list<std::string_view> names, std::string_view name) {

@@ -16,7 +16,6 @@
 #include "kcd/text_output.hpp"
 
 namespace zelk::modules::kcd {
-
 namespace {
 
 bool is_text(const attr_def& definition) { return definition.value_type == ZELK_ATTR_STRING; }

@@ -15,7 +15,6 @@
 #include "kcd/source.hpp"
 
 namespace zelk::modules::kcd {
-
 namespace {
 
 /// Appends the definition of an attribute.

@@ -3,7 +3,6 @@
 #include "zelk/module.h"
 
 namespace zelk::modules::kcd {
-
 namespace {
 
 /// Further kinds are counted together: a file may have as many kinds as elements.

@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cmath>
 
+#include "base/characters.hpp"
 #include "base/multiplexing.hpp"
 #include "base/signal_bits.hpp"
 #include "common/records.hpp"
@@ -10,7 +11,6 @@
 #include "kcd/text_output.hpp"
 
 namespace zelk::modules::kcd {
-
 namespace {
 
 /// The shortest digits that give the same number again.
@@ -23,9 +23,7 @@ std::string digits(Number number, Format... format) {
 
 std::string hexadecimal(std::uint32_t number) {
   std::string text = digits(number, 16);
-  for (char& digit : text) {
-    if (digit >= 'a') digit = static_cast<char>(digit - 'a' + 'A');
-  }
+  for (char& digit : text) digit = to_upper(digit);
   return "0x" + text;
 }
 
@@ -44,9 +42,7 @@ bool has_range(const sigblk& signal) {
 /// The reason for which a signal is left out, whatever its multiplexing; null when there is none.
 const char* obstacle(const sigblk& signal) {
   if (signal.length == 0) return " without bits";
-  if (end_byte(signal) > kMaxDataBytes) {
-    return " ending behind byte 64";
-  }
+  if (end_byte(signal) > kMaxDataBytes) return " ending behind byte 64";
   const bool is_finite = std::isfinite(signal.factor) && std::isfinite(signal.offset);
   return is_finite ? nullptr : " with a factor or offset that is no finite number";
 }

@@ -5,7 +5,6 @@
 #include "kcd/format.hpp"
 
 namespace zelk::modules::kcd {
-
 namespace {
 
 constexpr std::int64_t kSmallestRaw = INT32_MIN;

@@ -7,7 +7,6 @@
 #include "common/records.hpp"
 
 namespace zelk::modules::kcd {
-
 namespace {
 
 constexpr std::uint32_t kMaxCodePoint = 0x10FFFF;

@@ -8,7 +8,6 @@
 #include "common/records.hpp"
 
 namespace zelk::modules::kcd {
-
 namespace {
 
 constexpr bool is_space(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
