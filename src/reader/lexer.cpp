@@ -51,15 +51,7 @@ constexpr std::array<Start, 256> make_starts() {
   return starts;
 }
 
-constexpr std::array<bool, 256> make_name_characters() {
-  std::array<bool, 256> belongs{};
-  for (unsigned byte = 0; byte < 128; ++byte)
-    belongs[byte] = is_name_character(static_cast<char>(byte));
-  return belongs;
-}
-
 constexpr std::array<Start, 256> kStarts = make_starts();
-constexpr std::array<bool, 256> kNameCharacters = make_name_characters();
 
 unsigned char byte_at(const char* position) { return static_cast<unsigned char>(*position); }
 
@@ -146,8 +138,7 @@ char* Lexer::skip_separators() {
 // --- Names ---
 
 int Lexer::name(char* start, SemanticValue& value) {
-  char* const end =
-      scan(start, start, [](char c) { return kNameCharacters[static_cast<unsigned char>(c)]; });
+  char* const end = scan(start, start, is_name_character);
   if (end - start > kTokenMax) fail(ZELK_ERR_SYNTAX, between(start, start + kTokenMax));
   if (end == window_.limit() || byte_at(end) > 127) fail_in_name(start, end);
   window_.set_cursor(end);

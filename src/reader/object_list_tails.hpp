@@ -1,8 +1,8 @@
 /// \file
 /// Appending to the lists inside records without walking them each time.
 
-#ifndef ZELK_READER_LIST_TAIL_HPP
-#define ZELK_READER_LIST_TAIL_HPP
+#ifndef ZELK_READER_OBJECT_LIST_TAILS_HPP
+#define ZELK_READER_OBJECT_LIST_TAILS_HPP
 
 #include <unordered_map>
 
