@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/tool_case.hpp"
+#include "tools/run_tool.hpp"
 
 namespace {
 

@@ -2,8 +2,6 @@
 #include <sys/wait.h>
 
 #include <cstdlib>
-#include <fstream>
-#include <sstream>
 
 #include "support/files.hpp"
 #include "support/paths.hpp"

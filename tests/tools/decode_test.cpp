@@ -5,7 +5,7 @@
 
 #include "support/files.hpp"
 #include "support/paths.hpp"
-#include "tools/tool_case.hpp"
+#include "tools/run_tool.hpp"
 
 namespace {
 
@@ -208,24 +208,6 @@ TEST(Decode, ThreadsKeepTheOrder) {
     const std::string arguments = std::string("decode car.dbc --log log --threads ") + threads;
     EXPECT_EQ(run_tool(arguments, Output::kClosedPipe).exit_code, 1) << threads;
     EXPECT_EQ(run_tool(arguments, Output::kRefused).exit_code, 1) << threads;
-  }
-}
-
-TEST(Decode, Utf8InJson) {
-  const struct {
-    const char* unit;
-    const char* description;  // of the value 0, as JSON
-  } cases[] = {
-      {"\xB0\x43\x80", "\"\u00B0C\u20AC\""},
-      {"a\\b\t", R"("a\\b\u0009")"},
-      {"\xC0\x80", "\"\u00C0\u20AC\""},
-      {"\xED\xA0\x80", "\"\u00ED\u00A0\u20AC\""},
-  };
-  for (const auto& c : cases) {
-    write_file("text.dbc", std::string(kOther) + "VAL_ 291 X 0 \"" + c.unit + "\" ;\n");
-    const ToolRun run = decode("can0 123#00\n", "--format json text.dbc");
-    EXPECT_TRUE(contains(run.out, std::string("\"texts\":{\"X\":") + c.description + "}}"))
-        << run.out << run.err;
   }
 }
 

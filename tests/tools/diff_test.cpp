@@ -6,7 +6,7 @@
 
 #include "support/files.hpp"
 #include "support/paths.hpp"
-#include "tools/tool_case.hpp"
+#include "tools/run_tool.hpp"
 
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include "support/files.hpp"
 #include "support/paths.hpp"
-#include "tools/tool_case.hpp"
+#include "tools/run_tool.hpp"
 
 namespace {
 
@@ -72,18 +72,6 @@ TEST(Encode, Frames) {
        {"--time 1", "--interface can0", "--log --time 1e3", "--log --time -1", "--log --time .5",
         "--log --time 1.0000001", "--log --interface \"a b\"", "--log --interface \"(a\""})
     check({std::string("encode car.dbc Motion ") + options, 2, "", "zelk: --"});
-}
-
-// What was encoded is what is decoded.
-TEST(Encode, ThereAndBack) {
-  write_file("car.dbc", kCar);
-  const std::string values = "Motion Speed=123.4 Gear=R Torque=-17.5";
-  const std::string out = "Motion Speed=123.4 km/h Gear=-1 \"R\" Torque=-17.5\n";
-  write_file("frame", run_tool("encode car.dbc " + values).out);
-  write_file("line", run_tool("encode car.dbc --log " + values).out);
-  const std::string decode = "decode car.dbc --signal Speed --signal Gear --signal Torque";
-  check({decode, 0, out, "", "frame"});
-  check({decode, 0, "(0.000000) can0 " + out, "", "line"});
 }
 
 }  // namespace

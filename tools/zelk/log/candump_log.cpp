@@ -6,7 +6,8 @@
 #include <iterator>
 #include <utility>
 
-#include "zelk/records.h"
+#include "base/characters.hpp"
+#include "words/record_words.hpp"
 
 // Grammar of a line. Blanks and tabs part the words, and may stand around them.
 //
@@ -31,23 +32,14 @@ constexpr std::uint32_t kLargestExtendedId = 0x1FFFFFFF;
 constexpr std::uint32_t kErrorFlag = 0x20000000;
 constexpr std::size_t kLongestTime = 40;
 
-constexpr std::int8_t kNoDigit = -1;
-
-constexpr std::array<std::int8_t, 256> digit_values() {
-  std::array<std::int8_t, 256> values{};
-  values.fill(kNoDigit);
-  for (std::int8_t i = 0; i < 10; ++i) values[static_cast<std::size_t>('0' + i)] = i;
-  for (std::int8_t i = 10; i < 16; ++i) {
-    values[static_cast<std::size_t>('A' + i - 10)] = i;
-    values[static_cast<std::size_t>('a' + i - 10)] = i;
-  }
-  return values;
-}
-
-constexpr auto kDigitValues = digit_values();
+constexpr int kNoDigit = -1;
 
 /// Value of a hexadecimal digit; `kNoDigit` for another character.
-int digit_value(char c) { return kDigitValues[static_cast<unsigned char>(c)]; }
+int digit_value(char c) {
+  if (is_digit(c)) return c - '0';
+  const char upper = to_upper(c);
+  return upper >= 'A' && upper <= 'F' ? upper - 'A' + 10 : kNoDigit;
+}
 
 bool is_blank(char c) { return c == ' ' || c == '\t'; }
 
@@ -79,8 +71,7 @@ bool is_direction(std::string_view text) { return text.empty() || text == "R" ||
 bool is_time(std::string_view text) {
   if (text.empty() || text.size() > kLongestTime) return false;
   return std::ranges::all_of(text, [](char c) {
-    return (c >= '0' && c <= '9') || c == '.' || c == '-' || c == ':' || c == ' ' || c == '+' ||
-           c == 'T' || c == 'Z';
+    return is_digit(c) || std::string_view(".-: +TZ").find(c) != std::string_view::npos;
   });
 }
 
@@ -167,7 +158,7 @@ bool parse_length(std::string_view word, LogFrame& frame, std::size_t& length) {
     return false;
   length = 0;
   for (const char c : word.substr(1, word.size() - 2)) {
-    if (c < '0' || c > '9') return false;
+    if (!is_digit(c)) return false;
     length = length * 10 + static_cast<std::size_t>(c - '0');
   }
   frame.is_fd = word.size() == 4;
@@ -234,9 +225,7 @@ LogLine parse_log_line(std::string_view line, LogFrame& frame) {
 }
 
 std::string frame_text(const LogFrame& frame) {
-  const bool is_extended = frame.id & ZELK_ID_EXTENDED;
-  std::string text = fmt::format("{:0{}X}#", frame.id & ~ZELK_ID_EXTENDED,
-                                 is_extended ? kExtendedIdDigits : kStandardIdDigits);
+  std::string text = fmt::format("{:0{}X}#", bare_id(frame.id), id_digits(frame.id));
   if (frame.is_fd) text += fmt::format("#{:X}", frame.fd_flags);
   for (std::size_t i = 0; i < frame.length; ++i)
     fmt::format_to(std::back_inserter(text), "{:02X}", frame.data[i]);

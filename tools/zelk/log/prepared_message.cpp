@@ -1,6 +1,5 @@
 #include "log/prepared_message.hpp"
 
-#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <limits>
@@ -38,21 +37,14 @@ void append_ieee(LineBuffer& out, const PreparedSignal& signal, std::int64_t val
 
 }  // namespace
 
-// Texts are few: a new one finds its place among those that are there.
-void DescriptionTexts::add(std::uint32_t value, std::string text) {
-  const auto at = std::ranges::lower_bound(entries_, value, {}, &Entry::value);
-  if (at == entries_.end() || at->value != value) entries_.insert(at, {value, std::move(text)});
-}
-
 std::string_view DescriptionTexts::find(std::int64_t raw) const {
-  if (entries_.empty()) return {};
+  if (texts_.empty()) return {};
   if (raw < std::numeric_limits<std::int32_t>::min() ||
       raw > std::numeric_limits<std::uint32_t>::max()) {
     return {};
   }
-  const auto value = static_cast<std::uint32_t>(raw);
-  const auto at = std::ranges::lower_bound(entries_, value, {}, &Entry::value);
-  return at != entries_.end() && at->value == value ? at->text : std::string_view();
+  const auto found = texts_.find(static_cast<std::uint32_t>(raw));
+  return found == texts_.end() ? std::string_view() : found->second;
 }
 
 PreparedSignal::PreparedSignal(const sigblk& signal, std::size_t position,

@@ -6,8 +6,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "base/encoding.hpp"
@@ -30,17 +32,12 @@ struct FrameOptions {
 class DescriptionTexts {
  public:
   /// Of several texts for a value the first counts.
-  void add(std::uint32_t value, std::string text);
+  void add(std::uint32_t value, std::string text) { texts_.try_emplace(value, std::move(text)); }
   /// The text for a raw value; empty for none.
   std::string_view find(std::int64_t raw) const;
 
  private:
-  struct Entry {
-    std::uint32_t value;
-    std::string text;
-  };
-
-  std::vector<Entry> entries_;  // by value
+  std::map<std::uint32_t, std::string> texts_;
 };
 
 /// One signal of a message.
