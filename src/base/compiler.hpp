@@ -1,6 +1,6 @@
 /// \file
-/// What each compiler spells in its own way. No other source of the library asks for the compiler,
-/// but for the public `zelk/export.h`.
+/// What each compiler spells in its own way. Only this header and the public `zelk/export.h` test
+/// for the compiler.
 
 #ifndef ZELK_BASE_COMPILER_HPP
 #define ZELK_BASE_COMPILER_HPP
@@ -14,7 +14,7 @@
 
 // In front of a function definition. `ZELK_ALWAYS_INLINE`, `ZELK_NEVER_INLINE`: inlined wherever it
 // is called, or nowhere. `ZELK_AT_LOAD`, `ZELK_AT_UNLOAD`: called when the library is loaded or
-// unloaded; on Windows `DllMain` is, and sources of that system do without.
+// unloaded; on Windows the system calls `DllMain` instead.
 #if defined(_MSC_VER)
 #define ZELK_ALWAYS_INLINE __forceinline
 #define ZELK_NEVER_INLINE __declspec(noinline)

@@ -1,5 +1,5 @@
 /// \file
-/// The hash table of lookups that are made again and again.
+/// A hash table for lookups that are made again and again.
 
 #ifndef ZELK_BASE_HASH_TABLE_HPP
 #define ZELK_BASE_HASH_TABLE_HPP
@@ -17,8 +17,8 @@ namespace zelk {
 /// costs two multiplications and mostly one access to memory, where `std::unordered_map` divides
 /// and follows links. Nothing is taken out.
 ///
-/// Keys are numbers, or the hashes of what a value is found by: then `matches` tells whether a
-/// value is the one. No file can foresee where a key goes, and so make keys collide.
+/// Keys are numbers, or hashes of names; with hashes, `matches` tells whether a value is the wanted
+/// one. Places of keys differ from process to process, so no file can make its keys collide.
 ///
 /// @tparam kNone  stands for no value, and is never entered
 template <typename Key, typename Value, Value kNone = Value{}>
@@ -52,7 +52,7 @@ class HashTable {
   };
   static constexpr auto kAny = [](const Value&) { return true; };
 
-  /// The slot of the value, or the free one where it would be.
+  /// The slot of the value, or the free slot where it would be.
   template <typename Matches>
   std::size_t slot_of(Key key, const Matches& matches) const {
     const std::size_t last = slots_.size() - 1;

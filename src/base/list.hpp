@@ -1,7 +1,7 @@
 /// \file
-/// Singly linked lists of records: walks, searches and appending. The one place where "first match
-/// in list order" is spelled. A list is the pointer to its first record, null when it is empty;
-/// every record has a member `next`.
+/// Singly linked lists of records: walks, searches and appending. A list is the pointer to its
+/// first record, null when it is empty; every record has a member `next`. Searches give the first
+/// match in list order.
 
 #ifndef ZELK_BASE_LIST_HPP
 #define ZELK_BASE_LIST_HPP

@@ -1,6 +1,6 @@
 /// \file
-/// Hashes of keys that files choose, with a seed that no file can foresee: else a file could be
-/// made whose keys all collide.
+/// Hashes of keys that files choose. The seed differs from process to process: with a fixed one, a
+/// file could be made whose keys all collide.
 
 #ifndef ZELK_BASE_SEEDED_HASH_HPP
 #define ZELK_BASE_SEEDED_HASH_HPP

@@ -11,7 +11,7 @@ std::uint32_t top_mask(unsigned length_bits) {
   return static_cast<std::uint32_t>(low_bits((length_bits - 1) % 32 + 1));
 }
 
-/// What lies above the cut of a word that is shifted up: the bits that its top byte loses.
+/// The bits that a word loses from its top byte when it is shifted up.
 std::uint32_t carry(std::uint8_t top_byte, std::uint32_t bit_offset) {
   return std::uint32_t{top_byte} >> (8 - bit_offset);
 }

@@ -11,8 +11,9 @@
 ///
 /// With the touched bytes in that order both byte orders are one: the value is the number that
 /// they make, shifted down by the offset. Frames are pointers to the first data byte; the caller
-/// answers for the bytes that a signal touches. Where the 16-bit arithmetic of positions wraps, a
-/// signal would reach below the first byte: such bytes read as 0 and are not written.
+/// makes sure that all bytes that a signal touches are there. Where the 16-bit arithmetic of
+/// positions wraps, a signal reaches below the first byte: such bytes read as 0 and are not
+/// written.
 
 #ifndef ZELK_CODEC_BITS_HPP
 #define ZELK_CODEC_BITS_HPP
@@ -31,8 +32,8 @@ namespace zelk::codec {
 
 static_assert(std::endian::native == std::endian::little);
 
-/// Longest signals, in bits, of the 32-bit, 64-bit and text operations. 90 bits have no place: at
-/// every offset they must fit into three words.
+/// Longest signals, in bits, of the 32-bit, 64-bit and text operations. At every bit offset 89 bits
+/// fit into three words; 90 do not.
 inline constexpr unsigned kLongMax = 32;
 inline constexpr unsigned kInt64Max = 64;
 inline constexpr unsigned kStringMax = 89;
@@ -75,7 +76,7 @@ inline Position locate_in_frame(const sigblk& signal) {
 // --- Access records ---
 
 zelk_sig_mask_t access_mask(const sigblk& signal);
-/// Keeps `mask.mask` for signals of 90 bits and more.
+/// Leaves `mask.mask` as it is for signals of 90 bits and more.
 void fill_access_mask(const sigblk& signal, zelk_sig_mask_t& mask);
 
 inline Position position_of(const zelk_sig_mask_t& mask) {

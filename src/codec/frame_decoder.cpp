@@ -56,7 +56,7 @@ void set_value(const SlowSignal& signal, const unsigned char* data, std::int64_t
 /// those that select the signal.
 bool is_selected(const FramePlan& plan, const DependentSignal& signal,
                  const Multiplexor& multiplexor, const unsigned char* data, std::size_t length) {
-  // As a multiplexor an IEEE signal has its own length, which may reach further.
+  // A multiplexor is read in its own length even if it is an IEEE signal, and may need more bytes.
   if (multiplexor.mask.min_data_length > length) return false;
   std::optional<std::uint32_t> value;
   if (codec::read_masked(data, multiplexor.mask, multiplexor.signal, value) != ZelkSigvalueOk) {
@@ -110,8 +110,8 @@ ZELK_NEVER_INLINE void decode_any(const FramePlan& plan, const unsigned char* da
   for (const SlowSignal& signal : plan.slow) set_value(signal, data, values[signal.index]);
 }
 
-/// The most frequent case stays free of all that the others need: here a few instructions more are
-/// a tenth of the time.
+/// The most frequent case has a path of its own: a few more instructions here cost a tenth of the
+/// time.
 template <typename Value>
 void decode(const FramePlan& plan, const unsigned char* data, std::size_t length, Value* values,
             std::uint64_t* present) {

@@ -51,7 +51,7 @@ LimitedRaw limited(double rounded, std::uint64_t mask, bool is_signed) {
   return {raw, raw == wide && rounded > -1 && rounded < 0x1p64};
 }
 
-/// The bits of an IEEE single; what is finite stays so.
+/// The bits of an IEEE single; finite numbers stay finite.
 LimitedRaw limited_single(double number) {
   constexpr float kMost = std::numeric_limits<float>::max();
   auto single = static_cast<float>(number);
@@ -104,7 +104,7 @@ bool is_selected(const std::uint64_t* present, std::size_t index) {
   return !present || is_set(present, index);
 }
 
-/// The signals in their order, each put into the frame by itself.
+/// Puts the signals into the frame one by one, in their order.
 bool encode_any(const FramePlan& plan, const double* values, const std::uint64_t* present,
                 unsigned char* data, std::size_t length) {
   bool holds = true;

@@ -10,9 +10,9 @@ namespace codec = zelk::codec;
 
 namespace {
 
-/// Hands a value of the codec's type out as the interface spells it; 32-bit results are
-/// zero-extended. `out` is only written, and not at all when nothing is read: the caller may not
-/// have initialised it.
+/// Reads a value of the codec's type into one of the interface's; 32-bit results are zero-extended.
+/// `out` is never read, because callers may leave it uninitialised, and only written when a value
+/// was read.
 template <typename Raw, typename Out, typename... Position>
 ZelkSigvalueResult read_into(Out& out, Position&&... position) {
   std::optional<Raw> raw;

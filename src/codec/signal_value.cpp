@@ -85,7 +85,7 @@ ZELK_NEVER_INLINE ZelkSigvalueResult read_physical_of_any(const unsigned char* f
 
 }  // namespace
 
-/// The most frequent call of all, and of the most frequent signals: they need no further call.
+/// The most frequent call of all: for ordinary signals it calls nothing further.
 ZelkSigvalueResult read_physical(const unsigned char* frame, const sigblk& signal,
                                  double& physical) {
   if (is_ieee(signal) || is_multiplexed(signal) || signal.length > kInt64Max) {

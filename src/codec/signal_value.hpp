@@ -15,9 +15,9 @@ namespace zelk::codec {
 
 // --- Reading ---
 
-// All leave `raw` empty when the signal's type, or its length alone, refuses. The form for
-// `std::uint64_t` gives every bit of the signal; the one for `std::int64_t` leaves out those in a
-// ninth byte, and by a record those that the record's 32-bit mask has not.
+// All leave `raw` empty when they refuse because of the signal's type, or of its length alone. The
+// form for `std::uint64_t` gives every bit of the signal; the one for `std::int64_t` leaves out
+// bits in a ninth byte and, by an access record, those outside the record's 32-bit mask.
 ZelkSigvalueResult read(const unsigned char* frame, const sigblk& signal,
                         std::optional<std::uint32_t>& raw);
 ZelkSigvalueResult read(const unsigned char* frame, const sigblk& signal,
@@ -35,7 +35,8 @@ ZelkSigvalueResult read(const unsigned char* frame, const zelk_sig_mask_t& mask,
 ZelkSigvalueResult read(const unsigned char* frame, const zelk_sig_mask_t& mask,
                         const sigblk& signal, std::optional<double>& raw);
 
-/// Reads raw, then converts; the reading's result, else the conversion's.
+/// Converts what was read; gives the result of reading, or that of the conversion when reading
+/// succeeded.
 template <typename Raw>
 ZelkSigvalueResult read_both(ZelkSigvalueResult read_result, const sigblk& signal, const Raw& raw,
                              double& physical) {

@@ -14,7 +14,7 @@
 namespace zelk::codec {
 namespace {
 
-/// Where a text goes to, or the word that it does not fit.
+/// The caller's buffer.
 struct Target {
   char* text;
   std::size_t size;
@@ -135,7 +135,7 @@ double low_number(std::uint32_t low, const sigblk& signal) {
   return static_cast<std::int32_t>(sign_handled(low, signal));
 }
 
-/// A number was printed of the low word alone: it is the value of no longer signal.
+/// Only the low word was printed: a longer signal has another value.
 ZelkSigvalueResult unless_long(ZelkSigvalueResult result, const sigblk& signal) {
   return result == ZelkSigvalueOk && signal.length > kLongMax ? ZelkSigvalueTooLong : result;
 }

@@ -64,22 +64,21 @@ void remove_multiplexing(sigblk& signal) {
 void remove_multiplexing_from(sigblk* first) try {
   std::unordered_set<const sigblk*> named;
   bool is_behind_first = false;
-  for (sigblk* other = first && first->message ? first->message->signals : first; other;
-       other = other->next) {
-    is_behind_first |= other == first;
-    const bool goes = is_behind_first && other->mux_ranges;
-    if (!goes && other->mux_signal) named.insert(other->mux_signal);
+  for (const sigblk& other : each(first && first->message ? first->message->signals : first)) {
+    is_behind_first |= &other == first;
+    const bool goes = is_behind_first && other.mux_ranges;
+    if (!goes && other.mux_signal) named.insert(other.mux_signal);
   }
-  for (sigblk* signal = first; signal; signal = signal->next) {
-    if (!signal->mux_ranges) continue;
-    release_list(std::exchange(signal->mux_ranges, nullptr));
-    sigblk* multiplexor = std::exchange(signal->mux_signal, nullptr);
+  for (sigblk& signal : each(first)) {
+    if (!signal.mux_ranges) continue;
+    release_list(std::exchange(signal.mux_ranges, nullptr));
+    sigblk* multiplexor = std::exchange(signal.mux_signal, nullptr);
     const bool is_named = !multiplexor || named.contains(multiplexor);
     if (!is_named) set_flag(*multiplexor, ZELK_SIGNAL_MULTIPLEXOR, false);
   }
 } catch (const std::bad_alloc&) {  // slower, but a deletion cannot fail
-  for (sigblk* signal = first; signal; signal = signal->next) {
-    if (signal->mux_ranges) remove_multiplexing(*signal);
+  for (sigblk& signal : each(first)) {
+    if (signal.mux_ranges) remove_multiplexing(signal);
   }
 }
 

@@ -11,17 +11,17 @@
 
 namespace zelk {
 
-/// Of one thread.
+/// The state of one thread.
 struct ErrorState {
   std::string text;                      ///< the thread's message lines, each ended by a line feed
-  std::string process_text;              ///< that of the process, as the thread saw it last
+  std::string process_text;              ///< the lines of all threads, as this one saw them last
   char line[ZELK_ERROR_LINE_SIZE] = "";  ///< the last message line
   std::uint32_t last_number =
       ZELK_OK;                       ///< number of the last report, for callers that cannot catch
   bool read_error_reported = false;  ///< an error of the current (or last) read has been reported
 };
 
-/// The calling thread's.
+/// The state of the calling thread.
 ErrorState& error_state();
 
 /// Reports an aborting error of the reader. Raises `ZelkException`, unless an error of this read

@@ -11,9 +11,9 @@
 
 namespace zelk {
 
-/// Counts what is taken out of lists of this kind of record, or put into them elsewhere than at
-/// their end, on behalf of a host: whoever remembers a place in such a list asks whether it still
-/// holds.
+/// Counts removals from lists of this kind of record, and insertions elsewhere than at the end,
+/// that a host asks for. Code that remembers a place in such a list compares the count before using
+/// it.
 template <typename Record>
 inline std::atomic<std::uint64_t> list_changes = 0;
 

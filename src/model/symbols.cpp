@@ -34,7 +34,7 @@ void append_symbol(char* destination, std::size_t room, std::string_view source)
 
 extern "C" {
 
-/// Every path leads to the 32-character limit, so the latch needs no state of its own.
+/// Any argument sets the limit of 32 characters, and nothing sets another one again.
 void zelk_set_symbol_length(uint32_t) { zelk::symbol_length() = ZELK_INLINE_NAME_MAX; }
 
 int zelk_symbols_shortened(void) { return zelk::thread_state().symbols_shortened ? 1 : 0; }

@@ -16,12 +16,12 @@ struct ThreadState {
   bool symbols_shortened = false;
   std::vector<std::string>
       announced_names;  ///< of the file that the thread read last, in file order
-  /// Stands in for threads that find no memory for a state of their own; it holds no texts.
+  /// The one state of all threads that found no memory for their own; it holds no texts.
   bool is_shared = false;
 };
 
-/// The calling thread's, released when the thread ends. The main thread's stays to the end of the
-/// process, and so does the reference.
+/// The state of the calling thread, released when the thread ends. The main thread's state, and the
+/// reference to it, stay valid to the end of the process.
 ThreadState& thread_state() noexcept;
 
 }  // namespace zelk

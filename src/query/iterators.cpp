@@ -14,7 +14,7 @@ unsigned count(ZelkIterator<T> iterator) {
   return total;
 }
 
-/// It has no state.
+/// One for all iterators: it has no state.
 MultiplexorPredicate& any_multiplexor() {
   static MultiplexorPredicate predicate;
   return predicate;

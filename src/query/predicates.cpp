@@ -7,8 +7,8 @@ namespace codec = zelk::codec;
 
 namespace {
 
-/// Whether the signal's bits lie within the data. The quotient of a signal without bits at the
-/// start is cut toward zero, as divisions are.
+/// Whether the signal's bits lie within the data. A signal without bits at bit 0 has the highest
+/// bit -1, which the division takes to byte 0.
 bool fits(const sigblk& signal, unsigned data_length) {
   const codec::Position at = codec::locate(signal);
   const std::int64_t highest = at.motorola ? std::int64_t{at.lsb_byte} * 8 + at.bit_offset
