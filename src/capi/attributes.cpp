@@ -1,11 +1,10 @@
 #include <cstdint>
 
-#include "base/list.hpp"
+#include "model/descriptions.hpp"
 #include "model/inline_name.hpp"
 #include "zelk/query.h"
 
 namespace zelk {
-
 namespace {
 
 constexpr std::uint32_t kNoAttributeType = 0xFFFFFFFF;
@@ -27,23 +26,17 @@ attr* values_of(const Object* object) {
 
 template <typename Object>
 const char* text_of_number(const Object* object, std::uint32_t number) {
-  const val* const values = object != nullptr ? object->values : nullptr;
-  const val* found = find_first(values, [number](const val& description) {
-    return static_cast<std::uint32_t>(description.value) == number;
-  });
+  const val* const found = object != nullptr ? description_of(object->values, number) : nullptr;
   return found != nullptr ? found->text : nullptr;
 }
 
 template <typename Object>
 std::uint32_t number_of_text(const Object* object, const char* text) {
-  if (object == nullptr || text == nullptr) return 0;
-  const val* found = find_first(
-      object->values, [text](const val& description) { return same_text(description.text, text); });
+  const val* const found = object != nullptr ? description_with(object->values, text) : nullptr;
   return found != nullptr ? static_cast<std::uint32_t>(found->value) : 0;
 }
 
 }  // namespace
-
 }  // namespace zelk
 
 extern "C" {

@@ -26,9 +26,6 @@ ZelkSigvalueResult put(Target target, std::string_view text) {
   return ZelkSigvalueOk;
 }
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wformat-nonliteral"
-#pragma GCC diagnostic ignored "-Wformat-security"
 /// Prints in the caller's own format.
 template <typename... Arguments>
 ZelkSigvalueResult print(Target target, const char* format, Arguments... arguments) {
@@ -38,7 +35,6 @@ ZelkSigvalueResult print(Target target, const char* format, Arguments... argumen
   std::snprintf(target.text, target.size, format, arguments...);
   return ZelkSigvalueOk;
 }
-#pragma GCC diagnostic pop
 
 /// A number as "%d", "%x" or "%lg" prints it in the C locale, and what stands behind it.
 class NumberLine {

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "base/enum_items.hpp"
-#include "base/list.hpp"
+#include "model/descriptions.hpp"
 #include "model/memory.hpp"
 #include "zelk/exception.hpp"
 #include "zelk/iterator.hpp"
@@ -58,17 +58,13 @@ long ZelkManager::GetAttrValueIndex(const char* name, const char* text, const ch
 // --- Value descriptions ---
 
 const char* ZelkManager::DescriptionOf(const val* descriptions, long value) {
-  const auto number = static_cast<std::int32_t>(value);
-  const val* const found = zelk::find_first(
-      descriptions, [number](const val& description) { return description.value == number; });
+  const val* const found = zelk::description_of(descriptions, static_cast<std::uint32_t>(value));
   status_ = found ? ZelkStatusOk : ZelkStatusNoDescription;
   return found ? found->text : nullptr;
 }
 
 long ZelkManager::NumberOf(const val* descriptions, const char* text) {
-  const val* const found = zelk::find_first(descriptions, [text](const val& description) {
-    return text && zelk::same_text(description.text, text);
-  });
+  const val* const found = zelk::description_with(descriptions, text);
   status_ = found ? ZelkStatusOk : ZelkStatusNoNumber;
   return found ? found->value : kNoNumber;
 }
