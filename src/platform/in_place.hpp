@@ -12,7 +12,9 @@
 #define ZELK_PLATFORM_IN_PLACE_HPP
 
 #include <filesystem>
-#include <functional>
+#include <string>
+
+#include "platform/save_failure.hpp"
 
 namespace zelk::platform {
 
@@ -22,20 +24,35 @@ inline constexpr const char* kBusy = "another save is writing to it";
 /// How far a write came: `kUnknown` when somebody has changed the target since.
 enum class Progress { kPart, kAll, kUnknown };
 
-/// Overwrites the target with the content of `copy`, by `write`, and removes the copy.
-///
-/// @throws SaveFailure as `write` does; it names the copy, which stays
-void overwrite(const std::filesystem::path& copy, const std::function<void()>& write);
+/// Removes a file, if the system does it. For each system its own.
+void remove_copy(const std::filesystem::path& copy);
+
+/// Overwrites the target with the content of `copy`, by `write`, and removes the copy, which stays
+/// after a SaveFailure.
+template <typename Write>
+void overwrite(const std::filesystem::path& copy, Write write) {
+  try {
+    write();
+  } catch (const SaveFailure& failure) {
+    throw SaveFailure(std::string(failure.what()) + "; its whole content is in " +
+                      copy.filename().string());
+  }
+  remove_copy(copy);
+}
 
 /// Ends a write that did not end, with `overwrite` when it came to a part.
 ///
 /// @return whether that was so
-/// @throws SaveFailure for `kUnknown`, and as `overwrite`
-bool end_write(Progress progress, const std::filesystem::path& copy,
-               const std::function<void()>& write);
-
-/// Removes a file, if the system does it. For each system its own.
-void remove_copy(const std::filesystem::path& copy);
+template <typename Write>
+bool end_write(Progress progress, const std::filesystem::path& copy, Write write) {
+  if (progress == Progress::kUnknown) {
+    throw SaveFailure("it was changed after a write that did not end; " + copy.filename().string() +
+                      " has what was to be written: keep one, and remove that");
+  }
+  const bool is_part = progress == Progress::kPart;
+  is_part ? overwrite(copy, write) : remove_copy(copy);
+  return is_part;
+}
 
 }  // namespace zelk::platform
 
