@@ -23,9 +23,9 @@ struct Arguments {
 void write(const Arguments& arguments, const DatabaseFile& file, ZelkDatabase& database) {
   if (arguments.allow_cut) database.symbols_shortened = 0;
   check_roundings(roundings_of(file.encoded()), arguments.out, arguments.allow_rounding);
+  // A module may give what no DBC file can hold.
   if (!format_of_file(arguments.in).value_or(Format{}).is_own())
-    check_trial_write(file.encoded(),
-                      arguments.out);  // a module may give what no DBC file can hold
+    check_trial_write(file.encoded(), arguments.out);
   save(database, arguments.out, [&] { return database.Write(arguments.out.c_str()); });
 }
 

@@ -37,7 +37,7 @@ std::string name_of(const sigblk& signal) { return escaped(view(signal.name)); }
 class FrameEncoder {
  public:
   /// @param message   must outlive the object
-  /// @param frame     what the signals are put into; its length stays
+  /// @param frame     the frame to put the signals into; its length does not change
   /// @param is_given  whether the multiplexors in `frame` mean something; else they are but zeros
   FrameEncoder(const msgblk& message, const LogFrame& frame, bool is_given);
 
@@ -179,7 +179,7 @@ FrameEncoder::Ranges FrameEncoder::selecting_values(const sigblk& multiplexor,
 }
 
 /// Whether the multiplexor's value, as given or as it was in the frame, is in `ranges`. One that
-/// stays is taken as given, as it may have a multiplexor itself.
+/// keeps its value counts as given, because it may have a multiplexor itself.
 bool FrameEncoder::keeps_selecting(const sigblk& multiplexor, const Ranges& ranges) {
   const std::size_t index = index_of(multiplexor);
   const auto found = given_.find(index);

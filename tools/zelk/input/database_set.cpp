@@ -27,7 +27,7 @@ std::string numbered(std::string_view base, unsigned number) {
   return std::string(base.substr(0, kLongestName - suffix.size())) + suffix;
 }
 
-/// What a database is called after its file: as the library does it, but for the first character,
+/// The name of a database by its file, as the library makes it, except for the first character,
 /// which must be a letter.
 std::string database_name(std::string_view path) {
   std::string name;

@@ -67,7 +67,7 @@ class EncodingTest {
 
   void text(std::string_view bytes) { is_utf8_ = is_utf8_ && zelk::is_utf8(bytes); }
 
-  /// A name or unit that has perhaps been cut within a character, whose first byte is no smaller
+  /// A name or unit that may be cut within a character, whose first byte is no smaller
   /// than 0xC2 and the others 0x80 to 0xBF.
   void inline_text(std::string_view bytes) {
     const auto byte_at = [&](std::size_t at) { return static_cast<unsigned char>(bytes[at]); };

@@ -121,7 +121,7 @@ bool take_byte(std::string_view& text, LogFrame& frame) {
   return true;
 }
 
-/// Takes bytes, perhaps with dots between them, until something else stands there.
+/// Takes bytes, which may have dots between them, up to the end or a "_".
 bool take_data(std::string_view& text, LogFrame& frame) {
   const std::size_t most = frame.is_fd ? kFdDataBytes : kClassicDataBytes;
   frame.length = 0;

@@ -19,7 +19,7 @@ inline constexpr std::size_t kLongestInterface = 64;  // bytes of its name
 /// The kind of a line of a log.
 enum class LogLine {
   kBlank,
-  kData,       ///< a frame with data, perhaps of no bytes
+  kData,       ///< a frame with data, also of no bytes
   kRemote,     ///< a request for a frame
   kError,      ///< the controller's report of a fault on the bus
   kMalformed,  ///< none of the forms
@@ -43,7 +43,7 @@ LogLine parse_log_line(std::string_view line, LogFrame& frame);
 
 /// Reads a frame alone, as the log form has it: "123#DEADBEEF".
 ///
-/// @param frame  its time and interface stay as they are
+/// @param frame  receives the frame; its time and interface do not change
 LogLine parse_frame(std::string_view text, LogFrame& frame);
 
 /// The frame in the log form, "123#DEADBEEF", "12345678##0DEADBEEF".

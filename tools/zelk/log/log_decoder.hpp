@@ -18,7 +18,7 @@
 
 namespace zelk::tool {
 
-/// What was met in a log.
+/// Counts of a log, or of a part of it.
 struct LogCounts {
   std::uint64_t lines = 0;
   std::uint64_t frames = 0;     ///< of all kinds
@@ -32,7 +32,7 @@ struct LogCounts {
   LogCounts& operator+=(const LogCounts& other);
 };
 
-/// How often unknown identifiers were met.
+/// The number of frames with each unknown identifier.
 using UnknownIds = std::unordered_map<std::uint32_t, std::uint64_t>;
 
 /// A malformed line.
@@ -41,7 +41,7 @@ struct MalformedLine {
   std::string text;      ///< its beginning
 };
 
-/// What became of one block.
+/// The result of decoding one block.
 struct DecodedBlock {
   LineBuffer text;
   LogCounts counts;
@@ -59,19 +59,19 @@ class LogDecoder {
   /// @param catalog  must outlive the object
   explicit LogDecoder(const FrameCatalog& catalog);
 
-  /// @param result  receives what the block gives; what it held is gone
+  /// @param result  receives the result, in place of what it held
   void decode(std::string_view block, DecodedBlock& result);
 
   /// Adds the unknown identifiers of all blocks so far.
   void add_unknown_to(UnknownIds& ids) const;
 
  private:
-  /// An identifier that was met, and what it means.
+  /// An identifier that frames had, and its message.
   struct KnownId {
     const PreparedMessage* message;  ///< null for none
     std::uint64_t count;
   };
-  /// An interface that was met.
+  /// An interface that frames came from.
   struct Channel {
     std::string text;  ///< as the output has it
     std::unordered_map<std::uint32_t, KnownId> ids;

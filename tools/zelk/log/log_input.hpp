@@ -21,7 +21,7 @@ class LogInput {
   /// @throws std::system_error when the file cannot be opened
   explicit LogInput(const std::optional<std::string>& path);
 
-  /// The next lines. All end in a line feed, but perhaps the last of the log. Of a line that is
+  /// The next lines. Only the last line of the log may lack its line feed. Of a line that is
   /// longer than any frame takes, only the beginning is given out. After a `NotedStop` what has
   /// been read of a line is no line.
   ///

@@ -11,8 +11,8 @@
 
 namespace zelk::tool {
 
-/// Writes the database to a temporary file and reads that. What comes back otherwise, such as
-/// numbers of more than 14 digits, is printed on standard error as warnings about `path`.
+/// Writes the database to a temporary file and reads that. Values that change, such as
+/// numbers of more than 14 digits, are printed on standard error as warnings about `path`.
 ///
 /// @throws RequestError that says why when it cannot be read back
 void check_trial_write(EncodedDatabase database, const std::string& path);

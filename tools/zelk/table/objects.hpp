@@ -83,7 +83,7 @@ struct ObjectKind {
   void append_cells(const Object& object, std::vector<Cell>& cells) const;
 };
 
-/// All kinds; they stay.
+/// All kinds, valid until the program ends.
 std::span<const ObjectKind> object_kinds();
 
 }  // namespace zelk::tool

@@ -34,7 +34,7 @@ void append_control(std::string& result, char c) {
   }
 }
 
-/// @param kept  control characters that stay as they are
+/// @param kept  control characters that are not escaped
 std::string escape(std::string_view text, std::string_view also_escaped,
                    std::string_view kept = {}) {
   std::string result;

@@ -14,7 +14,7 @@
 namespace zelk::tool {
 
 /// `text`, in UTF-8, fit for a terminal line: control characters become "\n", "\t", "\x1B", ...
-/// What is no UTF-8, such as the name of a file, stays as it is.
+/// Bytes that are no UTF-8, as in the name of a file, are not changed.
 std::string escaped(std::string_view text);
 
 /// `escaped`, but with tabs, carriage returns and line feeds as they are.
@@ -34,7 +34,7 @@ std::string lowered(std::string_view text);
 std::string counted(std::size_t count, std::string_view noun, std::string_view plural = {});
 
 /// Number of inserted, deleted, replaced or swapped characters (ASCII case ignored) that leads from
-/// `a` to `b`; every number above `limit` comes back as `limit` + 1.
+/// `a` to `b`; `limit` + 1 for every larger number.
 std::size_t edit_distance(std::string_view a, std::string_view b, std::size_t limit);
 
 }  // namespace zelk::tool
