@@ -33,7 +33,7 @@ class ValueOutput {
   void field(const Field& field) const;
   void text(const char* text) const { out_.string(text); }
   void flag() const { out_.literal("true"); }
-  void word(std::int64_t field, Words words) const;
+  void word(std::int64_t number, Words words) const;
   /// @throws Fault for a record that is not in `list`
   template <typename Record>
   void reference(const Record* field, const References<Record>& list) const;

@@ -1,12 +1,16 @@
-// A host that uses the C interface at the end of its process: in an `atexit` handler registered
-// before the first call into the library, and in the destructor of a global object older than that.
+// A host that uses the library at the end of its process: the C interface in an `atexit` handler
+// registered before the first call into the library, and in the destructor of a global object older
+// than that; managers in global objects that are destroyed before the library's own and after them.
 // Exits with 0 when all of it worked.
 
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
+#include <memory>
+
 #include "support/lists.hpp"
+#include "zelk/write_manager.hpp"
 
 namespace {
 
@@ -36,10 +40,36 @@ struct Owner {
   }
 } owner;
 
+/// Makes a database, and writes it in the destructor.
+class Saver {
+ public:
+  ~Saver() {
+    if (!manager_) return;
+    const bool is_saved = manager_->WriteDatabase(name_, nullptr) == ZelkErrorOk;
+    if (!is_saved || std::remove(path_) != 0) std::_Exit(4);
+  }
+
+  bool make(const char* path) {
+    path_ = path;
+    manager_ = std::make_unique<ZelkWriteManager>(static_cast<void*>(nullptr));
+    return manager_->CreateDatabase("made", &name_, path) == ZelkErrorOk &&
+           manager_->LockDatabase(name_, "until the end");
+  }
+
+ private:
+  std::unique_ptr<ZelkWriteManager> manager_;
+  const char* path_ = nullptr;
+  const char* name_ = nullptr;
+};
+
+Saver first;
+
 }  // namespace
 
 int main(int, char** arguments) {
   source = arguments[1];
   std::atexit(save);
-  return works() ? 0 : 1;
+  const bool is_made = first.make("exit_host_first.dbc");
+  static Saver last;
+  return is_made && last.make("exit_host_last.dbc") && works() ? 0 : 1;
 }

@@ -1,19 +1,15 @@
 // Managers of several threads at once: for the thread sanitizer too.
 
 #include <atomic>
-#include <thread>
-#include <vector>
 
 #include "manager/manager_test.hpp"
 #include "support/files.hpp"
+#include "support/threads.hpp"
 #include "zelk/frame_decoder.hpp"
 #include "zelk/lock.hpp"
 #include "zelk/write_manager.hpp"
 
 namespace {
-
-constexpr int kThreads = 8;
-constexpr int kRounds = 25;
 
 class ManagerThreads : public ManagerTest {
  protected:
@@ -24,18 +20,6 @@ class ManagerThreads : public ManagerTest {
     zelk_set_message_box([](const char*, const char*, std::uint32_t,
                             void* count) { ++*static_cast<std::atomic<int>*>(count); },
                          &refusals);
-  }
-
-  /// Runs `work(thread, round)`, in rounds, in all threads at once.
-  template <typename Work>
-  static void run(Work work) {
-    std::vector<std::thread> threads;
-    for (int thread = 0; thread < kThreads; ++thread) {
-      threads.emplace_back([work, thread] {
-        for (int round = 0; round < kRounds; ++round) work(thread, round);
-      });
-    }
-    for (std::thread& thread : threads) thread.join();
   }
 
   std::atomic<int> notifications = 0;
@@ -49,7 +33,7 @@ TEST_F(ManagerThreads, ShareWhatTheyRead) {
   Manager holder;
   const ZelkDatabase* const held = holder.GetConstDatabase(open(holder, shared));
   const ZelkFrameDecoderTable decoders(held->messages);
-  run([&](int thread, int round) {
+  run_in_threads([&](int thread, int round) {
     Manager manager;
     const std::string own = "own" + std::to_string(thread);
     const char* const a = open(manager, shared, own.c_str());
@@ -76,7 +60,7 @@ TEST_F(ManagerThreads, ShareWhatTheyRead) {
 TEST_F(ManagerThreads, KeepEachOtherFromWriting) {
   const std::string contested = folder.write("contested.dbc", kDatabase);
   std::atomic<int> writers = 0, written = 0;
-  run([&](int thread, int) {
+  run_in_threads([&](int thread, int) {
     ZelkWriteManager manager(handle<HWND>(0x10));
     const char* name = nullptr;
     if (manager.OpenDatabase(contested.c_str(), &name, 0) == ZelkErrorOk) {
@@ -98,7 +82,7 @@ TEST_F(ManagerThreads, KeepEachOtherFromWriting) {
 TEST_F(ManagerThreads, LockOutEachOther) {
   const std::string path = folder.write("a.dbc", kDatabase);
   std::atomic<int> holders = 0, refused = 0;
-  run([&](int thread, int) {
+  run_in_threads([&](int thread, int) {
     Manager manager;
     const char* const name = open(manager, path, nullptr, static_cast<unsigned>(thread));
     if (ZelkWriteLock::Create(manager, name, "writing")) {

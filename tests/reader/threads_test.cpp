@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <thread>
 
 #include "support/building.hpp"
 #include "support/paths.hpp"
+#include "support/threads.hpp"
 #include "text/new_symbols.hpp"
 
 // What threads do with databases of their own, 8 at a time. The thread sanitizer finds what they
@@ -12,21 +12,8 @@
 
 namespace {
 
-constexpr int kThreads = 8, kRounds = 20;
-
-/// Runs `work(thread)` in all threads at once, some rounds.
-void run_in_threads(const std::function<void(int)>& work) {
-  std::vector<std::thread> threads;
-  for (int thread = 0; thread < kThreads; ++thread) {
-    threads.emplace_back([&work, thread] {
-      for (int round = 0; round < kRounds; ++round) work(thread);
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
-}
-
 TEST(CoreThreads, ReadAndWriteDatabasesOfTheirOwn) {
-  run_in_threads([](int thread) {
+  run_in_threads([](int thread, int) {
     const std::string number = std::to_string(thread), symbol = "SYMBOL_" + number;
     const std::string path = "CoreThreads" + number + ".dbc",
                       node(40, static_cast<char>('a' + thread));
@@ -54,7 +41,7 @@ TEST(CoreThreads, ReadAndWriteDatabasesOfTheirOwn) {
 TEST(CoreThreads, TellTheirErrorsApart) {
   zelk_clear_error_text();
   zelk_note(ZELK_ERR_FORMAT, 0, "main");
-  run_in_threads([](int thread) {
+  run_in_threads([](int thread, int) {
     const std::string missing = "missing" + std::to_string(thread) + ".dbc";
     const std::string line = "database: not found, " + missing;
     zelk_clear_error_text();
@@ -76,7 +63,7 @@ TEST(CoreThreads, WriteOneDatabaseAndRegisterFunctions) {
   Database database;
   ASSERT_EQ(database.read_file(ZELK_SOURCE_DIR "/examples/powertrain.dbc"), 0u);
   const std::string whole = written(database);
-  run_in_threads([&](int thread) {
+  run_in_threads([&](int thread, int) {
     const std::string path = "CoreThreads" + std::to_string(thread) + ".dbc";
     EXPECT_EQ(write_to(path.c_str(), database), 0u);
     EXPECT_EQ(content_of(path), whole);

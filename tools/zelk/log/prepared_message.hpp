@@ -9,7 +9,6 @@
 #include <map>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "base/encoding.hpp"
@@ -32,7 +31,7 @@ struct FrameOptions {
 class DescriptionTexts {
  public:
   /// Of several texts for a value the first counts.
-  void add(std::uint32_t value, std::string text) { texts_.try_emplace(value, std::move(text)); }
+  void add(std::uint32_t value, const std::string& text) { texts_.try_emplace(value, text); }
   /// The text for a raw value; empty for none.
   std::string_view find(std::int64_t raw) const;
 
