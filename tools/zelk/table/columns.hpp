@@ -69,9 +69,10 @@ inline Cell members_of(const siggroupblk& group) {
 inline Cell items_of(const attr_def& definition) {
   if (definition.value_type != ZELK_ATTR_ENUM) return none();
   CellList items;
-  if (definition.enum_values)
-    for (const std::string_view item : EnumItems(definition.enum_values))
-      items.push_back({std::string(item)});
+  if (!definition.enum_values) return {items};
+  for (const std::string_view item : EnumItems(definition.enum_values)) {
+    items.push_back({std::string(item)});
+  }
   return {items};
 }
 

@@ -14,7 +14,7 @@ namespace {
 /// Calls `visit` for each object of a database whose name is wanted.
 template <typename Visit>
 void for_each_wanted(const Listing& listing, EncodedDatabase database, const Visit& visit) {
-  const auto cased = [&listing](std::string name) {
+  const auto cased = [&listing](const std::string& name) {
     return listing.ignore_case ? lowered(name) : name;
   };
   std::vector<std::string> patterns;
