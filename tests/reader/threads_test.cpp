@@ -64,7 +64,7 @@ TEST(CoreThreads, WriteOneDatabaseAndRegisterFunctions) {
   ASSERT_EQ(database.read_file(ZELK_SOURCE_DIR "/examples/powertrain.dbc"), 0u);
   const std::string whole = written(database);
   run_in_threads([&](int thread, int) {
-    const std::string path = "CoreThreads" + std::to_string(thread) + ".dbc";
+    const std::string path = "CoreThreadsShared" + std::to_string(thread) + ".dbc";
     EXPECT_EQ(write_to(path.c_str(), database), 0u);
     EXPECT_EQ(content_of(path), whole);
     EXPECT_STREQ(zelk_get_message_n(database.messages, 2)->name, database.messages->next->name);
