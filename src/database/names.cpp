@@ -8,8 +8,8 @@
 #include "base/attribute_text.hpp"
 #include "base/characters.hpp"
 #include "model/inline_name.hpp"
+#include "zelk/database.hpp"
 #include "zelk/library.h"
-#include "zelk/manager.hpp"
 #include "zelk/model.h"
 #include "zelk/query.h"
 

@@ -2,8 +2,8 @@
 
 #include "zelk/iterator.hpp"
 
+#include "zelk/manager.hpp"
 #include "zelk/predicates.hpp"
-#include "zelk/write_manager.hpp"
 
 namespace {
 
@@ -12,12 +12,6 @@ unsigned count(ZelkIterator<T> iterator) {
   unsigned total = 0;
   for (; iterator; ++iterator) ++total;
   return total;
-}
-
-/// One for all iterators: it has no state.
-MultiplexorPredicate& any_multiplexor() {
-  static MultiplexorPredicate predicate;
-  return predicate;
 }
 
 }  // namespace
@@ -133,22 +127,8 @@ ZelkIterator<const sigblk> ZelkManager::GetMultiplexedSignalIterator(
   return {*this, message.signals, predicate, nullptr};
 }
 ZelkIterator<const sigblk> ZelkManager::GetMultiplexorSignalIterator(const msgblk& message) const {
-  return {*this, message.signals, any_multiplexor(), nullptr};
-}
-ZelkIterator<sigblk> ZelkWriteManager::GetValidSignalIterator(
-    msgblk& message, ValidSignalPredicate& predicate) const {
-  return {*this, message.signals, predicate, nullptr};
-}
-ZelkIterator<sigblk> ZelkWriteManager::GetValidMultiplexorSignalIterator(
-    msgblk& message, ValidMultiplexorPredicate& predicate) const {
-  return {*this, message.signals, predicate, nullptr};
-}
-ZelkIterator<sigblk> ZelkWriteManager::GetMultiplexedSignalIterator(
-    msgblk& message, MultiplexedBySignalPredicate& predicate) const {
-  return {*this, message.signals, predicate, nullptr};
-}
-ZelkIterator<sigblk> ZelkWriteManager::GetMultiplexorSignalIterator(msgblk& message) const {
-  return {*this, message.signals, any_multiplexor(), nullptr};
+  static MultiplexorPredicate is_multiplexor;  // one for all iterators: it has no state
+  return {*this, message.signals, is_multiplexor, nullptr};
 }
 
 // --- Counts ---
