@@ -16,7 +16,8 @@ namespace {
 // Each says whether a record can take the place of a foreign one that is referred to.
 template <typename Record>
 bool stands_for(const Record& candidate, const Record& foreign) {
-  return foreign.name && is_named(candidate, foreign.name);
+  const char* const name = foreign.name;
+  return name && is_named(candidate, name);
 }
 bool stands_for(const cat& candidate, const cat& foreign) {
   return candidate.number == foreign.number;
