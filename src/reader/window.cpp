@@ -32,27 +32,40 @@ std::size_t drop_returns(char* bytes, std::size_t size) {
 
 Window::Window(platform::File file)
     : file_(std::move(file)),
-      block_(std::make_unique<char[]>(1)),
-      cursor_(block_.get()),
+      block_(take_block(kBlockSize)),
+      cursor_(block_.bytes.get()),
       limit_(cursor_) {
   *limit_ = '\0';
 }
 
 bool Window::extend(char*& start) {
   const auto kept = static_cast<std::size_t>(limit_ - start);
-  const std::size_t size = kept < kBlockSize / 2 ? kBlockSize : 4 * kept;
-  Block next = std::make_unique_for_overwrite<char[]>(size);
-  char* const bytes = next.get();
+  Block next = take_block(kept < kBlockSize / 2 ? kBlockSize : 4 * kept);
+  char* const bytes = next.bytes.get();
   std::copy(start, limit_, bytes);
-  const std::size_t count = read(bytes + kept, size - kept - 1);
-  if (count == 0) return false;
+  const std::size_t count = read(bytes + kept, next.size - kept - 1);
+  if (count == 0) {
+    spare_ = std::move(next);
+    return false;
+  }
   // A block that holds nothing but the token under way is borrowed by no other.
-  if (start != block_.get()) left_.push_back(std::move(block_));
+  if (start != block_.bytes.get()) left_.push_back(std::move(block_));
   block_ = std::move(next);
   start = bytes;
   limit_ = bytes + kept + count;
   *limit_ = '\0';
   return true;
+}
+
+void Window::forget() {
+  if (left_.empty()) return;
+  if (left_.back().size == kBlockSize) spare_ = std::move(left_.back());
+  left_.clear();
+}
+
+Window::Block Window::take_block(std::size_t size) {
+  if (spare_.size >= size) return std::exchange(spare_, {});
+  return {std::make_unique_for_overwrite<char[]>(size), size};
 }
 
 /// Reads at least one byte unless the file has ended; returns how many.

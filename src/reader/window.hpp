@@ -36,19 +36,24 @@ class Window {
   bool extend(char*& start);
 
   /// Releases the blocks left behind: no token text is needed any more.
-  void forget() { left_.clear(); }
+  void forget();
 
   /// Whether reading stopped because of a fault of the file and not at its end.
   bool failed() const { return std::ferror(file_.get()) != 0; }
 
  private:
-  using Block = std::unique_ptr<char[]>;
+  struct Block {
+    std::unique_ptr<char[]> bytes;
+    std::size_t size = 0;
+  };
 
   std::size_t read(char* into, std::size_t room);
+  Block take_block(std::size_t size);
 
   platform::File file_;
   std::vector<Block> left_;  ///< blocks that texts of the statement may still be in
-  Block block_;              ///< the block of the cursor
+  Block spare_;  ///< used again, so that no block lies between the records made meanwhile
+  Block block_;  ///< the block of the cursor
   char* cursor_;
   char* limit_;
   bool holds_return_ = false;  ///< a carriage return at the end of a block, not yet delivered
