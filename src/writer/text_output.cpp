@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
-#include <cstring>
 #include <utility>
 
 #include "base/characters.hpp"
@@ -28,16 +27,10 @@ bool TextOutput::flush() {
   return error_ == 0;
 }
 
-void TextOutput::put_item(char character) {
-  if (used_ == buffer_.size()) flush();
-  buffer_[used_++] = character;
-}
-
-void TextOutput::put_item(std::string_view text) {
+void TextOutput::put_long(std::string_view text) {
   while (!text.empty()) {
     if (used_ == buffer_.size()) flush();
-    const std::size_t count = std::min(text.size(), buffer_.size() - used_);
-    std::memcpy(buffer_.data() + used_, text.data(), count);
+    const std::size_t count = text.copy(buffer_.data() + used_, buffer_.size() - used_);
     used_ += count;
     text.remove_prefix(count);
   }

@@ -54,8 +54,14 @@ class TextOutput {
   int error() const { return error_; }
 
  private:
-  void put_item(char character);
-  void put_item(std::string_view text);
+  void put_item(char character) {
+    if (used_ == buffer_.size()) flush();
+    buffer_[used_++] = character;
+  }
+  void put_item(std::string_view text) {
+    if (text.size() > buffer_.size() - used_) return put_long(text);
+    used_ += text.copy(buffer_.data() + used_, text.size());
+  }
   void put_item(const char* text) { put_item(std::string_view(text)); }
   void put_item(std::int32_t number);
   void put_item(std::uint32_t number);
@@ -63,6 +69,8 @@ class TextOutput {
   void put_item(double number);
   void put_item(Padded item);
   void put_item(Hexadecimal item);
+  /// A text for which the buffer has no room.
+  void put_long(std::string_view text);
   template <typename Integer>
   void put_integer(Integer number);
 
