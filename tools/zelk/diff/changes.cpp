@@ -91,7 +91,9 @@ void for_each_change(const std::vector<Entry>& before, const std::vector<Entry>&
     const Entry* const old_one = pair.before ? &before[*pair.before] : nullptr;
     const Entry* const new_one = pair.after ? &after[*pair.after] : nullptr;
     if (old_one && new_one && same_value(*old_one, *new_one)) continue;
-    visit(old_one ? *old_one : *new_one, old_one ? old_one->side() : ChangeSide{},
+    const Entry* const either = old_one ? old_one : new_one;
+    if (!either) continue;
+    visit(*either, old_one ? old_one->side() : ChangeSide{},
           new_one ? new_one->side() : ChangeSide{});
   }
 }

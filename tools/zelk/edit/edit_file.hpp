@@ -34,7 +34,7 @@ struct FileEdits {
 /// on standard error, and then nothing is written.
 ///
 /// @return whether all edits are made, and written unless only tried
-bool edit_file(const FileEdits& edits, Output& out);
+bool edit_file(const FileEdits& file, Output& out);
 
 }  // namespace zelk::tool
 

@@ -22,7 +22,7 @@ struct CellElement {
   std::string text;
   std::optional<std::int32_t> number = {};
 
-  auto operator<=>(const CellElement&) const = default;
+  auto operator<=>(const CellElement&) const = default;  // NOLINT(modernize-use-nullptr)
 };
 
 using CellList = std::vector<CellElement>;
