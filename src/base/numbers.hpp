@@ -6,6 +6,7 @@
 
 #include <array>
 #include <charconv>
+#include <cstdint>
 #include <optional>
 #include <string_view>
 #include <system_error>
@@ -16,6 +17,31 @@ namespace zelk {
 /// rounded to nearest. Beyond the range of a double it is the largest finite double: infinity could
 /// not be written back.
 double literal_to_double(std::string_view literal);
+
+/// An integer of a file.
+struct WholeLiteral {
+  std::uint32_t value;
+  bool is_short;  ///< it may stand for a count
+};
+
+/// An integer as `strtoul` in base 0 reads it, so that a leading zero means octal; but where that
+/// gives a count, which is at most 32767, the decimal value counts.
+///
+/// @param digits  decimal digits and nothing else
+/// @return none for values beyond 32 bits
+inline std::optional<WholeLiteral> whole_literal(std::string_view digits) {
+  constexpr std::uint32_t kLargestCount = 32767;
+  std::uint64_t decimal = 0;
+  for (const char digit : digits) {
+    decimal = decimal * 10 + static_cast<unsigned>(digit - '0');
+    if (decimal > UINT32_MAX) return std::nullopt;
+  }
+  auto prefixed = static_cast<std::uint32_t>(decimal);
+  if (digits.front() == '0')
+    std::from_chars(digits.data(), digits.data() + digits.size(), prefixed, 8);
+  const bool is_short = prefixed <= kLargestCount;
+  return WholeLiteral{is_short ? static_cast<std::uint32_t>(decimal) : prefixed, is_short};
+}
 
 /// Value of `text` when all of it is a decimal number with an optional sign; none for anything
 /// else, such as "0x10", " 5" or "inf".

@@ -1,8 +1,8 @@
 #include "reader/lexer.hpp"
 
 #include <algorithm>
-#include <charconv>
 #include <cstring>
+#include <optional>
 
 #include "base/characters.hpp"
 #include "base/numbers.hpp"
@@ -18,8 +18,6 @@ namespace {
 constexpr int kSkipped = -1;
 
 constexpr std::ptrdiff_t kTokenMax = 1023;  // characters of a name or number
-constexpr std::uint32_t kShortMax = 32767;
-constexpr std::uint64_t kUlongMax = 4294967295;
 
 /// What a byte begins where a token may start. Separators come first.
 enum class Start : std::uint8_t {
@@ -162,24 +160,17 @@ void Lexer::fail_in_name(char* start, char* end) {
 
 // --- Numbers ---
 
-/// An integer is converted as `strtoul` in base 0 does, so that a leading zero means octal; but
-/// where that gives a value for T_SHORT, the decimal one counts.
 int Lexer::number(char* start, SemanticValue& value) {
   char* const end = skip_digits(start, start);
   if (*end == '.' || *end == 'e' || *end == 'E') return real(start, end, value);
   window_.set_cursor(end);
-  std::uint64_t decimal = 0;
-  for (const char* digit = start; digit != end && decimal <= kUlongMax; ++digit)
-    decimal = decimal * 10 + static_cast<unsigned>(*digit - '0');
-  if (decimal > kUlongMax) {
+  const std::optional<WholeLiteral> literal = whole_literal(between(start, end));
+  if (!literal) {
     value.real = literal_to_double(between(start, end));
     return T_DOUBLE;
   }
-  auto prefixed = static_cast<std::uint32_t>(decimal);
-  if (*start == '0') std::from_chars(start, end, prefixed, 8);
-  const bool is_short = prefixed <= kShortMax;
-  value.integer = is_short ? static_cast<std::uint32_t>(decimal) : prefixed;
-  return is_short ? T_SHORT : T_ULONG;
+  value.integer = literal->value;
+  return literal->is_short ? T_SHORT : T_ULONG;
 }
 
 /// A literal whose digits up to `position` are followed by a point or an exponent.
