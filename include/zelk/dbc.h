@@ -4,6 +4,8 @@
 #ifndef ZELK_DBC_H
 #define ZELK_DBC_H
 
+#include <stddef.h>
+
 #include "zelk/export.h"
 #include "zelk/records.h"
 
@@ -48,6 +50,19 @@ ZELK_API uint32_t zelk_try_read(const char* file_name, symblk** nodes, msgblk** 
                                 attr** net_attrs, cat** categories, filter_t* filter,
                                 char** db_comment, char** version, sigtype** sig_types,
                                 valtable** val_tables, attr_def* slots[4]);
+
+/// `zelk_try_read` for the bytes of a file that are in memory: records, numbers and message lines
+/// are those of reading a file with these bytes.
+///
+/// @param text  any bytes, NULs included; only read, and not needed afterwards. Null reads nothing
+///              and returns `ZELK_OK`, as a null file name does
+/// @param size  their count
+ZELK_API uint32_t zelk_try_read_text(const char* text, size_t size, symblk** nodes,
+                                     msgblk** messages, env_var_blk** env_vars,
+                                     btlblk** bit_timings, attr_def** attr_defs, attr** net_attrs,
+                                     cat** categories, filter_t* filter, char** db_comment,
+                                     char** version, sigtype** sig_types, valtable** val_tables,
+                                     attr_def* slots[4]);
 
 /// Writes a database as a DBC file, created or emptied. The order of sections and every blank are
 /// fixed. All list heads and texts may be null. The names of the "NS_" list beyond the keywords are

@@ -79,8 +79,8 @@ char* resolve_escapes(char* start, const char* end, const std::array<bool, 256>&
 
 }  // namespace
 
-Lexer::Lexer(platform::File file)
-    : window_(std::move(file)), leads_(platform::lead_bytes()), string_specials_(leads_) {
+Lexer::Lexer(ByteSource source)
+    : window_(std::move(source)), leads_(platform::lead_bytes()), string_specials_(leads_) {
   for (const char special : {'\0', '\n', '"', '\\'}) string_specials_[byte_at(&special)] = true;
 }
 

@@ -20,7 +20,6 @@
 #include <string>
 #include <string_view>
 
-#include "platform/platform.hpp"
 #include "reader/token.hpp"
 #include "reader/window.hpp"
 #include "text/new_symbols.hpp"
@@ -32,7 +31,7 @@ inline constexpr std::string_view kSyntaxErrorText = "error: syntax";
 
 class Lexer {
  public:
-  explicit Lexer(platform::File file);
+  explicit Lexer(ByteSource source);
 
   /// Reads the next token and returns its code: `ZELK_EOF` at the end of the input, `ZELK_error`
   /// for a malformed number, else a code of the grammar. `value` is set as the code wants it.

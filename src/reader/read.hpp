@@ -1,10 +1,11 @@
 /// \file
-/// Reading a DBC file into lists.
+/// Reading a DBC file, or its text, into lists.
 
 #ifndef ZELK_READER_READ_HPP
 #define ZELK_READER_READ_HPP
 
 #include <cstdint>
+#include <string_view>
 
 #include "model/heads.hpp"
 
@@ -18,6 +19,9 @@ struct ReadTarget : ModelHeads {
 
 /// What `zelk_read` does.
 std::uint32_t read_file(const char* file_name, const ReadTarget& target);
+
+/// The same with the bytes of a file in memory; a null text is no file name.
+std::uint32_t read_text(std::string_view text, const ReadTarget& target);
 
 }  // namespace zelk
 

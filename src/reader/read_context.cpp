@@ -7,9 +7,9 @@
 
 namespace zelk {
 
-ReadContext::ReadContext(const ReadTarget& target, platform::File file)
+ReadContext::ReadContext(const ReadTarget& target, ByteSource source)
     : model(target),
-      lexer(std::move(file)),
+      lexer(std::move(source)),
       index(target),
       nodes(target.nodes),
       messages(target.messages),

@@ -21,7 +21,7 @@ namespace zelk {
 
 /// The state of a read, but for what the statements of one subject keep to themselves.
 struct ReadContext {
-  ReadContext(const ReadTarget& target, platform::File file);
+  ReadContext(const ReadTarget& target, ByteSource source);
 
   ReadTarget model;
   Lexer lexer;

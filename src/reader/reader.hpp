@@ -18,12 +18,12 @@ namespace zelk {
 class Reader {
  public:
   /// @param target  the caller's lists; they must outlive the reader
-  /// @param file    an open file
-  Reader(const ReadTarget& target, platform::File file) : context(target, std::move(file)) {}
+  /// @param source  an open file, or a text
+  Reader(const ReadTarget& target, ByteSource source) : context(target, std::move(source)) {}
   Reader(const Reader&) = delete;
   Reader& operator=(const Reader&) = delete;
 
-  /// Reads the file to its end.
+  /// Reads the source to its end.
   ///
   /// @return 0, or the result of a parse that stopped without a report
   /// @throws ZelkException for every reported error

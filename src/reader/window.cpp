@@ -30,8 +30,8 @@ std::size_t drop_returns(char* bytes, std::size_t size) {
 
 }  // namespace
 
-Window::Window(platform::File file)
-    : file_(std::move(file)),
+Window::Window(ByteSource source)
+    : source_(std::move(source)),
       block_(take_block(kBlockSize)),
       cursor_(block_.bytes.get()),
       limit_(cursor_) {
@@ -68,13 +68,13 @@ Window::Block Window::take_block(std::size_t size) {
   return {std::make_unique_for_overwrite<char[]>(size), size};
 }
 
-/// Reads at least one byte unless the file has ended; returns how many.
+/// Reads at least one byte unless the source has ended; returns how many.
 std::size_t Window::read(char* into, std::size_t room) {
   std::size_t count = 0;
   do {
     count = std::exchange(holds_return_, false) ? 1 : 0;
     if (count == 1) into[0] = '\r';
-    const std::size_t got = std::fread(into + count, 1, room - count, file_.get());
+    const std::size_t got = source_.read(into + count, room - count);
     if (got == 0) return count;
     count += got;
     holds_return_ = into[count - 1] == '\r';

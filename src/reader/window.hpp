@@ -1,6 +1,6 @@
 /// \file
-/// The part of a file that the lexer sees: blocks of bytes in which the texts of the present
-/// statement stay readable.
+/// The part of a file or text that the lexer sees: blocks of bytes in which the texts of the
+/// present statement stay readable.
 
 #ifndef ZELK_READER_WINDOW_HPP
 #define ZELK_READER_WINDOW_HPP
@@ -9,11 +9,11 @@
 #include <memory>
 #include <vector>
 
-#include "platform/platform.hpp"
+#include "reader/byte_source.hpp"
 
 namespace zelk {
 
-/// A window onto a file in text mode: a carriage return directly before a line feed is dropped.
+/// A window onto bytes in text mode: a carriage return directly before a line feed is dropped.
 ///
 /// The bytes from the cursor to `limit()` are in memory, and a NUL stands behind them, so that a
 /// scan needs to look at the limit only when it meets a NUL. Blocks that the window has left stay
@@ -21,7 +21,7 @@ namespace zelk {
 /// reached, with the token under way copied to the next one.
 class Window {
  public:
-  explicit Window(platform::File file);
+  explicit Window(ByteSource source);
 
   char* cursor() const { return cursor_; }
   void set_cursor(char* cursor) { cursor_ = cursor; }
@@ -31,7 +31,7 @@ class Window {
   /// of the new ones, and `start` moves along with them. All other pointers into the window keep
   /// their bytes, until `forget()`.
   ///
-  /// @return false at the end of the file, with nothing changed
+  /// @return false at the end of the source, with nothing changed
   /// @throws std::bad_alloc
   bool extend(char*& start);
 
@@ -39,7 +39,7 @@ class Window {
   void forget();
 
   /// Whether reading stopped because of a fault of the file and not at its end.
-  bool failed() const { return std::ferror(file_.get()) != 0; }
+  bool failed() const { return source_.failed(); }
 
  private:
   struct Block {
@@ -50,7 +50,7 @@ class Window {
   std::size_t read(char* into, std::size_t room);
   Block take_block(std::size_t size);
 
-  platform::File file_;
+  ByteSource source_;
   std::vector<Block> left_;  ///< blocks that texts of the statement may still be in
   Block spare_;  ///< used again, so that no block lies between the records made meanwhile
   Block block_;  ///< the block of the cursor

@@ -58,6 +58,15 @@ TEST(HostileFiles, WithoutMemory) {
   EXPECT_GT(read_without_memory<FailingNew>(whole), 30u);
 }
 
+TEST(HostileFiles, TextInMemory) {
+  Database database;
+  EXPECT_EQ(database.read_text({}), 0u);  // null, as a null file name
+  EXPECT_STREQ(database.version, "");
+  EXPECT_EQ(database.read_text({"BS_:BU_: A\nB\0", 14}), 0u);
+  EXPECT_EQ(database.read_text(std::string_view("BS_:BU_: C\n;", 11)), 0u);  // no NUL behind it
+  EXPECT_THAT(describe(database), testing::HasSubstr("node C"));
+}
+
 TEST(HostileFiles, RandomBytesAndTokens) {
   const std::string good = bytes_of(kEveryStatement);
   std::mt19937 random(20240229);
@@ -87,7 +96,10 @@ TEST(HostileFiles, RandomBytesAndTokens) {
     const uint32_t number = database.read(text);
     ASSERT_THAT(number, testing::AnyOf(0, 1, 11, 12, 14, 20, 21, 25, 27, 28, 31)) << text;
     ASSERT_TRUE(number == 0 || database.reported.ends_with('\n')) << text;
-    describe(database);
+    Database from_memory;
+    ASSERT_EQ(from_memory.read_text(text), number) << text;
+    ASSERT_EQ(from_memory.reported, database.reported) << text;
+    ASSERT_EQ(describe(from_memory), describe(database)) << text;
     accepted += number == 0;
     if (number != 0 || fault_of(database) != "") continue;
     Database read_back;
@@ -136,13 +148,14 @@ TEST(HostileFiles, ManyOfEverything) {
        "", "", " BA_ 'SystemSignalLongSymbol' SG_ 1 S# 'Long#';", "\n", "signal Long"},
       {"categories", "BS_:BU_:", "CAT_DEF_ 1 K# 1;", "FILTER 1 CAT_", " 1", " BU_ ;", "category"}};
   for (const auto& c : cases) {
-    Database database;
-    EXPECT_EQ(
-        database.read(repeated(c.start, 1) + repeated(c.piece, kCount) + repeated(c.middle, 1) +
-                      repeated(c.second_piece, kCount) + repeated(c.end, 1)),
-        0u)
-        << c.name << database.reported.substr(0, 200);
+    const std::string text = repeated(c.start, 1) + repeated(c.piece, kCount) +
+                             repeated(c.middle, 1) + repeated(c.second_piece, kCount) +
+                             repeated(c.end, 1);
+    Database database, from_memory;
+    EXPECT_EQ(database.read(text), 0u) << c.name << database.reported.substr(0, 200);
     const std::string description = describe(database), trace = repeated(c.trace, 1);
+    EXPECT_EQ(from_memory.read_text(text), 0u) << c.name;
+    EXPECT_TRUE(describe(from_memory) == description) << c.name;
     int found = 0;
     for (auto at = description.find(trace); at != std::string::npos;
          at = description.find(trace, at + 1)) {

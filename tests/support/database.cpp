@@ -28,6 +28,13 @@ uint32_t Database::read_file(const char* path) {
   return number;
 }
 
+uint32_t Database::read_text(std::string_view content) {
+  zelk_clear_error_text();
+  const uint32_t number = read_by(zelk_try_read_text, content.data(), content.size());
+  reported = zelk_get_error_text();
+  return number;
+}
+
 namespace {
 
 std::string quoted(const char* text) {

@@ -26,6 +26,7 @@ struct Database : Lists {
   /// Reads into the lists; returns the error number and leaves the reported lines in `reported`.
   uint32_t read(std::string_view content);
   uint32_t read_file(const char* path);
+  uint32_t read_text(std::string_view content);
 
   std::string reported;  ///< message lines of the last read, each ended by a line feed
 };

@@ -15,11 +15,11 @@ struct Lists {
               comment, version, types, tables);
   }
 
-  /// Calls `zelk_read` or `zelk_try_read`, which add to what is in the lists.
-  template <typename Read>
-  auto read_by(Read read, const char* path) {
-    return read(path, &nodes, &messages, &variables, &timings, &definitions, &values, &categories,
-                &filter, &comment, &version, &types, &tables, slots);
+  /// Calls `zelk_read`, `zelk_try_read` or `zelk_try_read_text`, which add to what is in the lists.
+  template <typename Read, typename... Input>
+  auto read_by(Read read, Input... input) {
+    return read(input..., &nodes, &messages, &variables, &timings, &definitions, &values,
+                &categories, &filter, &comment, &version, &types, &tables, slots);
   }
   uint32_t try_read(const char* path) { return read_by(zelk_try_read, path); }
   /// Calls `zelk_write` or `zelk_try_write`.
