@@ -1,5 +1,6 @@
 /// \file
-/// What the library needs of an operating system; one source file per system fulfils it.
+/// What the library needs of an operating system beside files (files/files.hpp); one source file
+/// per system fulfils it.
 ///
 /// Paths are NUL-terminated and in the system's encoding of file names: on Windows the process's
 /// ANSI code page. A path may be longer than 260 characters on Windows too.
@@ -10,7 +11,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <memory>
 #include <optional>
 #include <string>
@@ -18,65 +18,6 @@
 #include "zelk/platform.h"
 
 namespace zelk::platform {
-
-struct FileCloser {
-  void operator()(std::FILE* file) const noexcept { std::fclose(file); }
-};
-
-/// An open file, closed by its destructor.
-using File = std::unique_ptr<std::FILE, FileCloser>;
-
-/// Opens a file for reading its bytes as they are, without a buffer of the stream's own.
-///
-/// @return null when the file cannot be opened, or is a directory
-File open_for_reading(const char* path);
-
-/// Creates or empties a file for writing text, without a buffer of the stream's own: a line feed is
-/// written as the system's line end.
-///
-/// @return null when the file cannot be opened for writing
-File open_for_writing(const char* path);
-
-/// A file that takes the place of another one in a single step, once it is whole: whoever opens the
-/// other sees all of the old content or all of the new. It stands beside the other until then; the
-/// next replacement of the same file removes what a killed process left there.
-///
-/// What is no regular file, such as a device, has no place to take and is written to directly. A
-/// file with several names (hard links) is written in place, while a whole copy of the new content
-/// stands beside it; the next replacement ends such a write when the process was killed.
-class Replacement {
- public:
-  /// Opens a new text file beside `path`, or beside the file that `path` links to. Refuses what
-  /// this process may not write.
-  explicit Replacement(const char* path);
-  Replacement(const Replacement&) = delete;
-  Replacement& operator=(const Replacement&) = delete;
-  /// Removes the file unless it has taken its place.
-  ~Replacement();
-
-  /// The stream to write to, without a buffer of its own; null after a failure.
-  std::FILE* file() const;
-
-  /// Gives the file what the other one has beside its content (permissions, access lists, extended
-  /// attributes, and the owner where the process may), puts it on the disk and in its place, and
-  /// closes it.
-  ///
-  /// @pre `file()` is not null
-  /// @return false when the system did not do all of that; the other file is as it was then, or
-  /// `failure` says where the whole new content is
-  bool take_place();
-
-  /// Why the save failed, as a text for people; empty when it has not.
-  const std::string& failure() const { return failure_; }
-
-  /// What else the user should know, as a text for people; may be empty.
-  const std::string& notice() const { return notice_; }
-
- private:
-  std::string failure_;
-  std::string notice_;
-  std::unique_ptr<class Save> save_;  ///< null when it failed to start
-};
 
 /// When a file was last changed, to what the file system keeps; two readings of an unchanged file
 /// are equal.

@@ -28,11 +28,6 @@ constexpr std::uint64_t kNanosecondsPerSecond = 1'000'000'000;
 constexpr std::uint32_t kFirstMessage = 0xC000;
 constexpr std::uint32_t kLastMessage = 0xFFFF;
 
-bool is_directory(std::FILE* file) {
-  struct stat status = {};
-  return fstat(fileno(file), &status) == 0 && S_ISDIR(status.st_mode);
-}
-
 /// Whether the C library takes `byte`, alone, for the beginning of a longer character.
 bool begins_character(char byte) {
   std::mbstate_t state = {};
@@ -125,19 +120,6 @@ ZELK_AT_UNLOAD void detach_shared_object() {
 }
 
 }  // namespace
-
-File open_for_reading(const char* path) {
-  File file(std::fopen(path, "rbe"));
-  if (!file || is_directory(file.get())) return nullptr;
-  std::setvbuf(file.get(), nullptr, _IONBF, 0);
-  return file;
-}
-
-File open_for_writing(const char* path) {
-  File file(std::fopen(path, "we"));
-  if (file) std::setvbuf(file.get(), nullptr, _IONBF, 0);
-  return file;
-}
 
 std::optional<FileStatus> file_status(const char* path) {
   struct stat status = {};

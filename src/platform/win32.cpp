@@ -4,11 +4,18 @@
 #include <atomic>
 #include <string>
 
+#include "files/paths_win32.hpp"
 #include "platform/module_entry.hpp"
-#include "platform/paths_win32.hpp"
 #include "platform/platform.hpp"
 
 namespace zelk::platform {
+
+using files::absolute_path;
+using files::Handle;
+using files::open_to_ask;
+using files::system_path;
+using files::wide;
+
 namespace {
 
 /// In the process's code page; none when that lacks a character.
@@ -29,14 +36,6 @@ std::wstring upper_case(const std::wstring& text) {
   LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_UPPERCASE, text.data(), size, result.data(), size,
                 nullptr, nullptr, 0);
   return result;
-}
-
-/// Null for a path that does not exist: an empty one must not become the working folder.
-File open_file(const char* path, const wchar_t* mode) {
-  const std::wstring name = system_path(path);
-  File file(name.empty() ? nullptr : _wfopen(name.c_str(), mode));
-  if (file) std::setvbuf(file.get(), nullptr, _IONBF, 0);
-  return file;
 }
 
 /// Whether both files exist and are not the same one; folders may tell "a" and "A" apart.
@@ -75,10 +74,6 @@ void close_thread_index() noexcept {
 }
 
 }  // namespace
-
-File open_for_reading(const char* path) { return open_file(path, L"rbN"); }
-
-File open_for_writing(const char* path) { return open_file(path, L"wtN"); }
 
 std::optional<FileStatus> file_status(const char* path) {
   WIN32_FILE_ATTRIBUTE_DATA data = {};

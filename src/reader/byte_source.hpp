@@ -9,14 +9,14 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/platform.hpp"
+#include "files/files.hpp"
 
 namespace zelk {
 
 class ByteSource {
  public:
   // NOLINTNEXTLINE(google-explicit-constructor): a file is a source
-  ByteSource(platform::File file) : file_(std::move(file)) {}
+  ByteSource(files::File file) : file_(std::move(file)) {}
   /// @param bytes  outlive the source
   explicit ByteSource(std::string_view bytes) : bytes_(bytes) {}
 
@@ -32,7 +32,7 @@ class ByteSource {
   bool failed() const { return file_ && std::ferror(file_.get()) != 0; }
 
  private:
-  platform::File file_;  ///< null for memory
+  files::File file_;  ///< null for memory
   std::string_view bytes_;
 };
 

@@ -7,6 +7,7 @@
 #include "base/characters.hpp"
 #include "base/numbers.hpp"
 #include "model/errors.hpp"
+#include "platform/platform.hpp"
 #include "text/keywords.hpp"
 #include "text/token_codes.hpp"
 #include "zelk/exception.hpp"

@@ -48,7 +48,7 @@ std::uint32_t read_file(const char* file_name, const ReadTarget& target) {
   begin_read(target);
   if (!file_name) return ZELK_OK;
   return read_by(target, [file_name] {
-    platform::File file = platform::open_for_reading(file_name);
+    files::File file = files::open_for_reading(file_name);
     if (!file) zelk_report(ZELK_ERR_NOT_FOUND, kNoLine, file_name, 1);
     return ByteSource(std::move(file));
   });

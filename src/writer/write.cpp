@@ -5,8 +5,8 @@
 #include <string_view>
 #include <system_error>
 
+#include "files/files.hpp"
 #include "model/errors.hpp"
-#include "platform/platform.hpp"
 #include "writer/read_back.hpp"
 #include "writer/writer.hpp"
 #include "zelk/dbc.h"
@@ -50,7 +50,7 @@ int write_model(std::FILE* file, const ModelView& model, ShortNameCache& names,
 
 std::uint32_t write_file(const char* path, const ModelView& model, bool with_multiplexor_ranges) {
   ShortNameCache names(model);
-  const platform::File file = path ? platform::open_for_writing(path) : nullptr;
+  const files::File file = path ? files::open_for_writing(path) : nullptr;
   if (!file) return ZELK_ERR_WRITE;
   write_model(file.get(), model, names, with_multiplexor_ranges);
   return ZELK_OK;
@@ -74,7 +74,7 @@ bool save(const char* path, const ModelView& model, bool with_multiplexor_ranges
     return false;
   }
   ShortNameCache names(model);
-  platform::Replacement file(path);
+  files::Replacement file(path);
   if (!file.notice().empty()) note(path, file.notice());
   const int error =
       file.file() ? write_model(file.file(), model, names, with_multiplexor_ranges) : 0;

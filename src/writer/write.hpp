@@ -13,7 +13,7 @@ namespace zelk {
 /// the record (`ZELK_ERR_FORMAT`).
 ///
 /// A failure adds its reason to the error text, with the path, as error 13. See
-/// `platform::Replacement` for the files that are not replaced in one step.
+/// `files::Replacement` for the files that are not replaced in one step.
 ///
 /// @return false when nothing was written, or not the whole; the file that was there is as it was
 /// @throws std::bad_alloc, with the same effect

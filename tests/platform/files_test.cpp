@@ -2,12 +2,14 @@
 
 #include <cstdio>
 
+#include "files/files.hpp"
 #include "platform/folder.hpp"
 #include "platform/platform.hpp"
 #include "support/files.hpp"
 
 namespace {
 
+using namespace zelk::files;
 using namespace zelk::platform;
 namespace fs = std::filesystem;
 

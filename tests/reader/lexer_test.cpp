@@ -38,7 +38,7 @@ std::string token_text(int code, const SemanticValue& value) {
 /// The tokens up to the end or the first error, each followed by a blank, then "@" and the line.
 std::string tokens(std::string_view input) {
   const TemporaryFile file(input);
-  zelk::Lexer lexer(zelk::platform::open_for_reading(file.path()));
+  zelk::Lexer lexer(zelk::files::open_for_reading(file.path()));
   zelk::error_state().read_error_reported = false;
   std::string result;
   SemanticValue value{};

@@ -1,13 +1,13 @@
-#include "platform/save.hpp"
+#include "files/save.hpp"
 
-#include "platform/platform.hpp"
-#include "platform/save_failure.hpp"
+#include "files/files.hpp"
+#include "files/save_failure.hpp"
 
-namespace zelk::platform {
+namespace zelk::files {
 
-Replacement::Replacement(const char* path) {
+Replacement::Replacement(const char* path, Content content) {
   try {
-    save_ = start_save(path, notice_);
+    save_ = start_save(path, content, notice_);
   } catch (const SaveFailure& failure) {
     failure_ = failure.what();
   }
@@ -25,4 +25,4 @@ bool Replacement::take_place() try {
   return false;
 }
 
-}  // namespace zelk::platform
+}  // namespace zelk::files

@@ -1,4 +1,4 @@
-#include "platform/temporary_file_posix.hpp"
+#include "files/temporary_file_posix.hpp"
 
 #include <fcntl.h>
 
@@ -7,9 +7,9 @@
 #include <cstdio>
 #include <string_view>
 
-#include "platform/save.hpp"
+#include "files/save.hpp"
 
-namespace zelk::platform {
+namespace zelk::files {
 namespace {
 
 /// Part of the names of a target's files: its own name, or the beginning of a long one with a
@@ -85,4 +85,4 @@ void clear_leftovers(const std::filesystem::path& target) {
   }
 }
 
-}  // namespace zelk::platform
+}  // namespace zelk::files

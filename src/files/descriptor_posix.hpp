@@ -1,8 +1,8 @@
 /// \file
 /// Descriptors of POSIX systems.
 
-#ifndef ZELK_PLATFORM_DESCRIPTOR_POSIX_HPP
-#define ZELK_PLATFORM_DESCRIPTOR_POSIX_HPP
+#ifndef ZELK_FILES_DESCRIPTOR_POSIX_HPP
+#define ZELK_FILES_DESCRIPTOR_POSIX_HPP
 
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -12,9 +12,9 @@
 #include <string>
 #include <utility>
 
-#include "platform/save_failure.hpp"
+#include "files/save_failure.hpp"
 
-namespace zelk::platform {
+namespace zelk::files {
 
 /// A descriptor, closed by its destructor.
 class Descriptor {
@@ -62,6 +62,6 @@ inline bool is_named(const Descriptor& file, const char* path) {
 /// @return false when another opening holds it, or the file system has no locks (`errno` says)
 inline bool try_lock(const Descriptor& file) { return flock(file.get(), LOCK_EX | LOCK_NB) == 0; }
 
-}  // namespace zelk::platform
+}  // namespace zelk::files
 
 #endif

@@ -1,12 +1,12 @@
-#include "platform/in_place_win32.hpp"
+#include "files/in_place_win32.hpp"
 
 #include <array>
 #include <cstring>
 
-#include "platform/in_place.hpp"
-#include "platform/save_failure.hpp"
+#include "files/in_place.hpp"
+#include "files/save_failure.hpp"
 
-namespace zelk::platform {
+namespace zelk::files {
 namespace {
 
 namespace fs = std::filesystem;
@@ -114,4 +114,4 @@ bool end_write_in_place(const fs::path& target, const fs::path& copy) {
 
 void remove_copy(const fs::path& copy) { DeleteFileW(copy.c_str()); }
 
-}  // namespace zelk::platform
+}  // namespace zelk::files

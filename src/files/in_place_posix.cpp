@@ -1,4 +1,4 @@
-#include "platform/in_place_posix.hpp"
+#include "files/in_place_posix.hpp"
 
 #include <fcntl.h>
 
@@ -7,9 +7,9 @@
 #include <cstring>
 #include <string>
 
-#include "platform/in_place.hpp"
+#include "files/in_place.hpp"
 
-namespace zelk::platform {
+namespace zelk::files {
 namespace {
 
 namespace fs = std::filesystem;
@@ -155,4 +155,4 @@ bool end_write_in_place(const fs::path& target, const Descriptor& old) {
 
 void remove_copy(const fs::path& copy) { unlink(copy.c_str()); }
 
-}  // namespace zelk::platform
+}  // namespace zelk::files

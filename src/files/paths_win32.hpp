@@ -1,8 +1,8 @@
 /// \file
 /// Paths and handles of Windows.
 
-#ifndef ZELK_PLATFORM_PATHS_WIN32_HPP
-#define ZELK_PLATFORM_PATHS_WIN32_HPP
+#ifndef ZELK_FILES_PATHS_WIN32_HPP
+#define ZELK_FILES_PATHS_WIN32_HPP
 
 #include <windows.h>
 
@@ -10,7 +10,7 @@
 #include <memory>
 #include <string>
 
-namespace zelk::platform {
+namespace zelk::files {
 
 /// In UTF-16; empty when `text` is no text of the process's code page.
 std::wstring wide(const char* text);
@@ -40,6 +40,6 @@ Handle open_handle(const std::filesystem::path& path, DWORD access, DWORD share,
 /// Opens a file or folder to ask what it is, also while others use it; null when it does not exist.
 Handle open_to_ask(const std::filesystem::path& path);
 
-}  // namespace zelk::platform
+}  // namespace zelk::files
 
 #endif

@@ -1,19 +1,21 @@
 /// \file
-/// What one system does for a `Replacement` (platform.hpp).
+/// What one system does for a `Replacement` (files.hpp).
 ///
 /// The files that a save makes beside its target stand in the same folder. For a target "a.dbc":
 ///
 ///     .a.dbc.zelk-0 to .a.dbc.zelk-31   what is being written; its writer holds it
 ///     .a.dbc.zelk-whole                 the whole new content of a target that is written in place
 
-#ifndef ZELK_PLATFORM_SAVE_HPP
-#define ZELK_PLATFORM_SAVE_HPP
+#ifndef ZELK_FILES_SAVE_HPP
+#define ZELK_FILES_SAVE_HPP
 
 #include <cstdio>
 #include <memory>
 #include <string>
 
-namespace zelk::platform {
+#include "files/files.hpp"
+
+namespace zelk::files {
 
 inline constexpr int kMostWriters = 32;  ///< of one target at a time
 
@@ -32,10 +34,10 @@ class Save {
 ///
 /// @param notice  set to what else the user should know
 /// @throws SaveFailure, std::bad_alloc
-std::unique_ptr<Save> start_save(const char* path, std::string& notice);
+std::unique_ptr<Save> start_save(const char* path, Content content, std::string& notice);
 
 inline constexpr const char* kEarlierWriteEnded = "an earlier write did not end, and was ended now";
 
-}  // namespace zelk::platform
+}  // namespace zelk::files
 
 #endif

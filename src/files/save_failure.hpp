@@ -1,14 +1,14 @@
 /// \file
 /// Why a save cannot go on.
 
-#ifndef ZELK_PLATFORM_SAVE_FAILURE_HPP
-#define ZELK_PLATFORM_SAVE_FAILURE_HPP
+#ifndef ZELK_FILES_SAVE_FAILURE_HPP
+#define ZELK_FILES_SAVE_FAILURE_HPP
 
 #include <stdexcept>
 #include <string>
 #include <system_error>
 
-namespace zelk::platform {
+namespace zelk::files {
 
 /// Ends a save; `what()` is a text for people, without the name of the file.
 class SaveFailure : public std::runtime_error {
@@ -21,6 +21,6 @@ class SaveFailure : public std::runtime_error {
   throw SaveFailure(step.empty() ? reason.message() : step + ": " + reason.message());
 }
 
-}  // namespace zelk::platform
+}  // namespace zelk::files
 
 #endif

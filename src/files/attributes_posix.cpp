@@ -1,4 +1,4 @@
-#include "platform/attributes_posix.hpp"
+#include "files/attributes_posix.hpp"
 
 #include <sys/xattr.h>
 
@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-namespace zelk::platform {
+namespace zelk::files {
 namespace {
 
 using Bytes = std::vector<char>;
@@ -100,4 +100,4 @@ void copy_attributes(const Descriptor& old, const Descriptor& fresh) {
   keep_permissions(status, fresh);
 }
 
-}  // namespace zelk::platform
+}  // namespace zelk::files

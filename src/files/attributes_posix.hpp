@@ -1,12 +1,12 @@
 /// \file
 /// What a file system keeps beside the content of a file.
 
-#ifndef ZELK_PLATFORM_ATTRIBUTES_POSIX_HPP
-#define ZELK_PLATFORM_ATTRIBUTES_POSIX_HPP
+#ifndef ZELK_FILES_ATTRIBUTES_POSIX_HPP
+#define ZELK_FILES_ATTRIBUTES_POSIX_HPP
 
-#include "platform/descriptor_posix.hpp"
+#include "files/descriptor_posix.hpp"
 
-namespace zelk::platform {
+namespace zelk::files {
 
 /// Gives `fresh` the owner, the group, the extended attributes (access lists among them) and the
 /// permissions of `old`, so that it can take its place.
@@ -18,6 +18,6 @@ namespace zelk::platform {
 /// @throws SaveFailure when something cannot be kept, std::bad_alloc
 void copy_attributes(const Descriptor& old, const Descriptor& fresh);
 
-}  // namespace zelk::platform
+}  // namespace zelk::files
 
 #endif

@@ -5,13 +5,12 @@
 #include <memory>
 #include <optional>
 
-#include "platform/attributes_posix.hpp"
-#include "platform/in_place_posix.hpp"
-#include "platform/platform.hpp"
-#include "platform/save.hpp"
-#include "platform/temporary_file_posix.hpp"
+#include "files/attributes_posix.hpp"
+#include "files/in_place_posix.hpp"
+#include "files/save.hpp"
+#include "files/temporary_file_posix.hpp"
 
-namespace zelk::platform {
+namespace zelk::files {
 namespace {
 
 namespace fs = std::filesystem;
@@ -130,10 +129,11 @@ void PosixSave::take_place() {
 
 }  // namespace
 
-std::unique_ptr<Save> start_save(const char* path, std::string& notice) {
+std::unique_ptr<Save> start_save(const char* path, Content /*line ends are line feeds*/,
+                                 std::string& notice) {
   auto save = std::make_unique<PosixSave>();
   save->open(path, notice);
   return save;
 }
 
-}  // namespace zelk::platform
+}  // namespace zelk::files

@@ -1,15 +1,15 @@
 /// \file
 /// The files that a save makes beside its target (save.hpp). Their writers hold their locks.
 
-#ifndef ZELK_PLATFORM_TEMPORARY_FILE_POSIX_HPP
-#define ZELK_PLATFORM_TEMPORARY_FILE_POSIX_HPP
+#ifndef ZELK_FILES_TEMPORARY_FILE_POSIX_HPP
+#define ZELK_FILES_TEMPORARY_FILE_POSIX_HPP
 
 #include <filesystem>
 #include <string>
 
-#include "platform/descriptor_posix.hpp"
+#include "files/descriptor_posix.hpp"
 
-namespace zelk::platform {
+namespace zelk::files {
 
 /// A new, locked file beside the target. The destructor removes it unless it was moved away.
 class TemporaryFile {
@@ -45,6 +45,6 @@ std::filesystem::path whole_copy_of(const std::filesystem::path& target);
 /// Removes what killed processes left beside the target, but for the whole copy.
 void clear_leftovers(const std::filesystem::path& target);
 
-}  // namespace zelk::platform
+}  // namespace zelk::files
 
 #endif

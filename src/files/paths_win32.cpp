@@ -1,6 +1,6 @@
-#include "platform/paths_win32.hpp"
+#include "files/paths_win32.hpp"
 
-namespace zelk::platform {
+namespace zelk::files {
 
 std::wstring wide(const char* text) {
   const int size = MultiByteToWideChar(CP_ACP, MB_ERR_INVALID_CHARS, text, -1, nullptr, 0);
@@ -41,4 +41,4 @@ Handle open_to_ask(const std::filesystem::path& path) {
   return open_handle(path, 0, kShareAll, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS);
 }
 
-}  // namespace zelk::platform
+}  // namespace zelk::files

@@ -3,12 +3,11 @@
 
 #include <utility>
 
-#include "platform/in_place_win32.hpp"
-#include "platform/platform.hpp"
-#include "platform/save.hpp"
-#include "platform/save_failure.hpp"
+#include "files/in_place_win32.hpp"
+#include "files/save.hpp"
+#include "files/save_failure.hpp"
 
-namespace zelk::platform {
+namespace zelk::files {
 namespace {
 
 namespace fs = std::filesystem;
@@ -38,15 +37,17 @@ bool is_there(const fs::path& path) {
   return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
-/// A text stream for the file of a handle that stays open.
-File stream_of(const Handle& file) {
+/// A stream for the file of a handle that stays open.
+File stream_of(const Handle& file, Content content) {
+  const bool is_text = content == Content::kText;
   HANDLE own = nullptr;
   const HANDLE process = GetCurrentProcess();
   if (!DuplicateHandle(process, file.get(), process, &own, 0, FALSE, DUPLICATE_SAME_ACCESS)) {
     fail_save_of_windows();
   }
-  const int descriptor = _open_osfhandle(reinterpret_cast<intptr_t>(own), _O_TEXT);
-  File stream(descriptor < 0 ? nullptr : _fdopen(descriptor, "wt"));
+  const int descriptor =
+      _open_osfhandle(reinterpret_cast<intptr_t>(own), is_text ? _O_TEXT : _O_BINARY);
+  File stream(descriptor < 0 ? nullptr : _fdopen(descriptor, is_text ? "wt" : "wb"));
   if (stream) {
     std::setvbuf(stream.get(), nullptr, _IONBF, 0);
     return stream;
@@ -59,7 +60,7 @@ File stream_of(const Handle& file) {
 
 class WindowsSave : public Save {
  public:
-  WindowsSave() = default;
+  explicit WindowsSave(Content content) : content_(content) {}
   WindowsSave(const WindowsSave&) = delete;
   WindowsSave& operator=(const WindowsSave&) = delete;
   ~WindowsSave() override;
@@ -72,6 +73,7 @@ class WindowsSave : public Save {
   void create();
   void replace();
 
+  Content content_;
   fs::path target_;    ///< behind a link
   std::wstring path_;  ///< of the file to remove; empty when there is none
   Handle fresh_;       ///< held until it has taken its place; none when the target is a device
@@ -84,7 +86,7 @@ void WindowsSave::open(const char* name, std::string& notice) {
   const fs::path linked = fs::canonical(target_, error);
   if (!error && fs::is_symlink(target_, error)) target_ = linked;
   if (is_device(target_)) {
-    stream_ = open_for_writing(name);
+    stream_ = open_for_writing(name, content_);
     if (!stream_) fail_save({errno, std::generic_category()});
     return;
   }
@@ -93,7 +95,7 @@ void WindowsSave::open(const char* name, std::string& notice) {
   // Without a target, what is left may be all there is of it: see `replace`.
   if (is_there(target_)) clear_leftovers(target_);
   create();
-  stream_ = stream_of(fresh_);
+  stream_ = stream_of(fresh_, content_);
 }
 
 /// Refuses what this process may not write. A target that another one uses now is not refused.
@@ -155,10 +157,10 @@ WindowsSave::~WindowsSave() {
 
 }  // namespace
 
-std::unique_ptr<Save> start_save(const char* path, std::string& notice) {
-  auto save = std::make_unique<WindowsSave>();
+std::unique_ptr<Save> start_save(const char* path, Content content, std::string& notice) {
+  auto save = std::make_unique<WindowsSave>(content);
   save->open(path, notice);
   return save;
 }
 
-}  // namespace zelk::platform
+}  // namespace zelk::files

@@ -1,12 +1,12 @@
 /// \file
 /// Writing in place (in_place.hpp) on Windows.
 
-#ifndef ZELK_PLATFORM_IN_PLACE_WIN32_HPP
-#define ZELK_PLATFORM_IN_PLACE_WIN32_HPP
+#ifndef ZELK_FILES_IN_PLACE_WIN32_HPP
+#define ZELK_FILES_IN_PLACE_WIN32_HPP
 
-#include "platform/paths_win32.hpp"
+#include "files/paths_win32.hpp"
 
-namespace zelk::platform {
+namespace zelk::files {
 
 /// Ends a save with the system's reason for the call that has just failed.
 [[noreturn]] void fail_save_of_windows(const std::string& step = {});
@@ -25,6 +25,6 @@ void write_in_place(const std::filesystem::path& target, const std::filesystem::
 /// @throws SaveFailure when another process writes now, or the target has been changed since
 bool end_write_in_place(const std::filesystem::path& target, const std::filesystem::path& copy);
 
-}  // namespace zelk::platform
+}  // namespace zelk::files
 
 #endif

@@ -8,15 +8,15 @@
 /// on Windows open. A copy that nobody holds shows that a write did not end. Nobody has changed the
 /// target since when it still has that time (not yet emptied), or its content begins the copy's.
 
-#ifndef ZELK_PLATFORM_IN_PLACE_HPP
-#define ZELK_PLATFORM_IN_PLACE_HPP
+#ifndef ZELK_FILES_IN_PLACE_HPP
+#define ZELK_FILES_IN_PLACE_HPP
 
 #include <filesystem>
 #include <string>
 
-#include "platform/save_failure.hpp"
+#include "files/save_failure.hpp"
 
-namespace zelk::platform {
+namespace zelk::files {
 
 /// Text of a failure: another process holds the target or the copy.
 inline constexpr const char* kBusy = "another save is writing to it";
@@ -54,6 +54,6 @@ bool end_write(Progress progress, const std::filesystem::path& copy, Write write
   return is_part;
 }
 
-}  // namespace zelk::platform
+}  // namespace zelk::files
 
 #endif

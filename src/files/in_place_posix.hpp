@@ -1,12 +1,12 @@
 /// \file
 /// Writing in place (in_place.hpp) on POSIX systems.
 
-#ifndef ZELK_PLATFORM_IN_PLACE_POSIX_HPP
-#define ZELK_PLATFORM_IN_PLACE_POSIX_HPP
+#ifndef ZELK_FILES_IN_PLACE_POSIX_HPP
+#define ZELK_FILES_IN_PLACE_POSIX_HPP
 
-#include "platform/temporary_file_posix.hpp"
+#include "files/temporary_file_posix.hpp"
 
-namespace zelk::platform {
+namespace zelk::files {
 
 /// Gives the target the content of `fresh`, which is on the disk.
 ///
@@ -22,6 +22,6 @@ void write_in_place(const std::filesystem::path& target, const Descriptor& old,
 /// @throws SaveFailure when another process writes now, or the target has been changed since
 bool end_write_in_place(const std::filesystem::path& target, const Descriptor& old);
 
-}  // namespace zelk::platform
+}  // namespace zelk::files
 
 #endif

@@ -1,0 +1,88 @@
+/// \file
+/// Opening files, and replacing them in one step. A room of its own, which the library and the
+/// program link.
+///
+/// Paths are NUL-terminated and in the system's encoding of file names: on Windows the process's
+/// ANSI code page. A path may be longer than 260 characters on Windows too.
+
+#ifndef ZELK_FILES_FILES_HPP
+#define ZELK_FILES_FILES_HPP
+
+#include <cstdio>
+#include <memory>
+#include <string>
+
+namespace zelk::files {
+
+struct FileCloser {
+  void operator()(std::FILE* file) const noexcept { std::fclose(file); }
+};
+
+/// An open file, closed by its destructor.
+using File = std::unique_ptr<std::FILE, FileCloser>;
+
+/// Opens a file for reading its bytes as they are, without a buffer of the stream's own.
+///
+/// @return null when the file cannot be opened, or is a directory
+File open_for_reading(const char* path);
+
+/// What a file is written as.
+enum class Content {
+  kText,  ///< a line feed is written as the system's line end
+  kBytes
+};
+
+/// Creates or empties a file for writing, without a buffer of the stream's own.
+///
+/// @return null when the file cannot be opened for writing
+File open_for_writing(const char* path, Content content = Content::kText);
+
+/// All bytes of a file.
+///
+/// @throws std::system_error with the system's reason, std::bad_alloc
+std::string read_all(const char* path);
+
+/// A file that takes the place of another one in a single step, once it is whole: whoever opens the
+/// other sees all of the old content or all of the new. It stands beside the other until then; the
+/// next replacement of the same file removes what a killed process left there.
+///
+/// What is no regular file, such as a device, has no place to take and is written to directly. A
+/// file with several names (hard links) is written in place, while a whole copy of the new content
+/// stands beside it; the next replacement ends such a write when the process was killed.
+class Replacement {
+ public:
+  /// Opens a new file beside `path`, or beside the file that `path` links to. Refuses what this
+  /// process may not write.
+  explicit Replacement(const char* path, Content content = Content::kText);
+  Replacement(const Replacement&) = delete;
+  Replacement& operator=(const Replacement&) = delete;
+  /// Removes the file unless it has taken its place.
+  ~Replacement();
+
+  /// The stream to write to, without a buffer of its own; null after a failure.
+  std::FILE* file() const;
+
+  /// Gives the file what the other one has beside its content (permissions, access lists, extended
+  /// attributes, and the owner where the process may), puts it on the disk and in its place, and
+  /// closes it.
+  ///
+  /// @pre `file()` is not null
+  /// @return false when the system did not do all of that; the other file is as it was then, or
+  /// `failure` says where the whole new content is
+  bool take_place();
+
+  /// Why the save failed, as a text for people; empty when it has not.
+  const std::string& failure() const { return failure_; }
+
+  /// What else the user should know, as a text for people; may be empty.
+  const std::string& notice() const { return notice_; }
+
+ private:
+  std::string failure_;
+  std::string notice_;
+  std::unique_ptr<class Save> save_;  ///< null when it failed to start
+};
+
+}  // namespace zelk::files
+
+#endif
