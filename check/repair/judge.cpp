@@ -1,0 +1,74 @@
+#include "check/repair/judge.hpp"
+
+#include <charconv>
+#include <new>
+
+#include "zelk/dbc.h"
+#include "zelk/errors.h"
+#include "zelk/model.h"
+
+namespace zelk::check {
+
+namespace {
+
+/// Everything that a file can hold.
+struct Database {
+  symblk* nodes = nullptr;
+  msgblk* messages = nullptr;
+  env_var_blk* env_vars = nullptr;
+  btlblk* bit_timings = nullptr;
+  attr_def* attr_defs = nullptr;
+  attr* net_attrs = nullptr;
+  cat* categories = nullptr;
+  filter_t filter{};
+  char* comment = nullptr;
+  char* version = nullptr;
+  sigtype* sig_types = nullptr;
+  valtable* val_tables = nullptr;
+  attr_def* slots[4] = {};
+
+  Database() = default;
+  Database(const Database&) = delete;
+  Database& operator=(const Database&) = delete;
+  ~Database() {
+    zelk_free(nodes, messages, env_vars, bit_timings, attr_defs, net_attrs, categories, &filter,
+              comment, version, sig_types, val_tables);
+  }
+  std::uint32_t read(std::string_view text) {
+    return zelk_try_read_text(text.data(), text.size(), &nodes, &messages, &env_vars, &bit_timings,
+                              &attr_defs, &net_attrs, &categories, &filter, &comment, &version,
+                              &sig_types, &val_tables, slots);
+  }
+};
+
+/// The number in ", line N"; 0 when there is none.
+std::uint32_t line_of(std::string_view message) {
+  constexpr std::string_view kLine = ", line ";
+  const std::size_t at = message.find(kLine);
+  std::uint32_t line = 0;
+  if (at != std::string_view::npos)
+    std::from_chars(message.data() + at + kLine.size(), message.data() + message.size(), line);
+  return line;
+}
+
+}  // namespace
+
+Verdict judge(std::string_view text) {
+  // An empty text is a file without statements, and null would be no file.
+  if (text.data() == nullptr) text = "";
+  const std::size_t size_before = std::string_view(zelk_get_thread_error_text()).size();
+  const std::uint32_t number = Database().read(text);
+  if (number == ZELK_ERR_MEMORY) throw std::bad_alloc();
+  std::string_view lines = zelk_get_thread_error_text();
+  lines.remove_prefix(size_before < lines.size() ? size_before : lines.size());
+  while (!lines.empty() && lines.back() == '\n') lines.remove_suffix(1);
+  const bool is_accepted = number == ZELK_OK;
+  // The refusal is the last line, the first note the first one.
+  const std::size_t line_end = lines.find('\n');
+  const std::size_t last = lines.rfind('\n');
+  if (is_accepted) lines = lines.substr(0, line_end);
+  if (!is_accepted && last != std::string_view::npos) lines.remove_prefix(last + 1);
+  return {is_accepted, line_of(lines), std::string(lines)};
+}
+
+}  // namespace zelk::check

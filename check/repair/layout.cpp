@@ -1,0 +1,310 @@
+#include "check/repair/layout.hpp"
+
+#include <algorithm>
+#include <array>
+#include <set>
+#include <utility>
+
+#include "check/repair/sentences.hpp"
+
+namespace zelk::check {
+
+namespace {
+
+constexpr int kPlaces = 24;  // from 1 on
+
+constexpr std::uint32_t kNone = Statement::kNone;
+
+// --- Sections that there must be once ---
+
+/// Readable or not, in the order of the text.
+std::vector<std::uint32_t> statements_of(const Mender& mender, Word kind) {
+  std::vector<std::uint32_t> found;
+  for (std::uint32_t i = 0; i < mender.document.statements.size(); ++i)
+    if (mender.statement(i).kind == kind && !mender.is_dropped(i)) found.push_back(i);
+  return found;
+}
+
+/// What follows the colon, as it stands.
+std::string_view content_of(const Document& document, const Statement& statement) {
+  const auto tokens = document.tokens_of(statement);
+  const auto colon = std::ranges::find_if(tokens, [](const Token& t) { return t.is_mark(':'); });
+  const bool is_empty = colon == tokens.end() || std::next(colon) == tokens.end();
+  return is_empty ? std::string_view()
+                  : document.source.text(std::next(colon)->begin, tokens.back().end);
+}
+
+/// The names of a section that the first one lacks, each with a blank in front.
+std::string further_names(const Mender& mender, const Statement& first, const Statement& other) {
+  const Document& document = mender.document;
+  std::set<std::string_view> there;
+  for (const Token& token : document.tokens_of(first)) there.insert(document.text_of(token));
+  std::string text;
+  for (const Token& token : document.tokens_of(other))
+    if (token.kind == TokenKind::kName && there.insert(document.text_of(token)).second)
+      text.append(" ").append(document.text_of(token));
+  return text;
+}
+
+void merge_section(Mender& mender, std::uint32_t first, std::uint32_t other) {
+  const Statement& kept = mender.statement(first);
+  const Statement& there = mender.statement(other);
+  const bool can_merge = kept.is_readable && there.is_readable && kept.kind != Word::kVersion;
+  const std::string name = '"' + std::string(spelling(kept.kind)) + '"';
+  if (!can_merge) return mender.drop(FaultKind::kDoubledSection, other, "the file has one already");
+  const std::string_view content = content_of(mender.document, there);
+  const bool is_timing = kept.kind == Word::kBitTiming;
+  std::string added = is_timing ? "" : further_names(mender, kept, there);
+  if (is_timing && content != content_of(mender.document, kept) && !content.empty())
+    added = " " + std::string(content);
+  mender.note(FaultKind::kDoubledSection, other, there.first, there.end,
+              added.empty() ? "second " + name + " dropped, the first has all of it"
+                            : "second " + name + " merged into the first:" + added);
+  if (!added.empty()) mender.insert_behind_token(kept.end - 1, std::move(added));
+  mender.erase(other);
+}
+
+/// In front of the first statement that stands behind the place.
+std::uint32_t offset_of(const Mender& mender, int place) {
+  const auto& statements = mender.document.statements;
+  const auto next = std::ranges::find_if(
+      statements, [place](const Statement& each) { return place_of(each.kind) > place; });
+  return next == statements.end() ? mender.document.source.size() : mender.document.begin_of(*next);
+}
+
+void add_section(Mender& mender, FaultKind fault, Word kind, const std::string& content) {
+  if (!mender.is_on(fault)) return;
+  const std::string text = std::string(spelling(kind)) + ':' + content;
+  const std::uint32_t place = offset_of(mender, place_of(kind));
+  mender.note(fault, {place, place}, shown(text) + " added, which no file can do without");
+  mender.add(place_of(kind), text);
+}
+
+// --- Order ---
+
+/// The place of each statement; 0 for those that go with the one in front of them.
+std::vector<int> places_of(const Mender& mender) {
+  std::vector<int> places;
+  places.reserve(mender.document.statements.size());
+  int last = 0;
+  for (std::uint32_t i = 0; i < mender.document.statements.size(); ++i) {
+    const Word kind = mender.statement(i).kind;
+    int place = mender.is_dropped(i) ? 0 : place_of(kind);
+    // Definitions for relations may also stand among those for signal types.
+    if (kind == Word::kRelationDefinition && last == place + 1) place = last;
+    if (place != 0) last = place;
+    places.push_back(place);
+  }
+  return places;
+}
+
+/// Which statements stay where they are: the most that are in order.
+std::vector<bool> find_staying(const std::vector<int>& places) {
+  struct Chain {
+    std::uint32_t length = 0;
+    std::uint32_t last = kNone;
+  };
+  std::array<Chain, kPlaces> best;  // longest chain that ends with a statement of this place
+  std::vector<std::uint32_t> before(places.size(), kNone);
+  for (std::uint32_t i = 0; i < places.size(); ++i) {
+    if (places[i] == 0) continue;
+    const auto place = static_cast<std::size_t>(places[i]);
+    const auto* const longest =
+        std::max_element(best.begin(), best.begin() + places[i] + 1,
+                         [](const Chain& a, const Chain& b) { return a.length < b.length; });
+    before[i] = longest->last;
+    best[place] = {longest->length + 1, i};
+  }
+  std::vector<bool> stays(places.size());
+  for (std::uint32_t i = std::ranges::max_element(best, {}, &Chain::length)->last; i != kNone;
+       i = before[i])
+    stays[i] = true;
+  return stays;
+}
+
+/// Statements that move together.
+struct Run {
+  std::uint32_t first;
+  std::uint32_t last;
+  std::uint32_t count;
+};
+
+class Order {
+ public:
+  explicit Order(Mender& mender)
+      : mender_(mender), places_(places_of(mender)), stays_(find_staying(places_)) {}
+
+  std::vector<Part> parts() {
+    if (!mender_.is_on(FaultKind::kOrder)) return parts_as_they_stand();
+    note_moves();
+    return sorted_parts();
+  }
+
+ private:
+  // --- What is said ---
+
+  void note_moves() {
+    find_neighbours();
+    Run run{kNone, kNone, 0};
+    for (std::uint32_t i = 0; i < places_.size(); ++i) {
+      if (places_[i] == 0) continue;
+      const bool goes_on = run.count != 0 && !stays_[i] && places_[i] == places_[run.first];
+      if (!goes_on) {
+        note_run(run);
+        run = {i, i, 0};
+      }
+      if (!stays_[i]) run = {run.first, i, run.count + 1};
+      if (stays_[i]) run = {kNone, kNone, 0};
+    }
+    note_run(run);
+  }
+
+  /// The last statement that stays and must stand in front of a place.
+  void find_neighbours() {
+    last_staying_.fill(kNone);
+    for (std::uint32_t i = 0; i < places_.size(); ++i)
+      if (stays_[i]) last_staying_[static_cast<std::size_t>(places_[i])] = i;
+    for (std::size_t place = 1; place < kPlaces; ++place)
+      if (last_staying_[place] == kNone) last_staying_[place] = last_staying_[place - 1];
+  }
+
+  void note_run(const Run& run) {
+    if (run.count == 0) return;
+    const Document& document = mender_.document;
+    const Statement& first = mender_.statement(run.first);
+    const auto place = static_cast<std::size_t>(places_[run.first]);
+    const std::uint32_t before = last_staying_[place - 1];
+    std::string message = run.count == 1 ? describe(document, first)
+                                         : counted(run.count, "statement") + " from " +
+                                               describe(document, first) + " on";
+    message += " moved to the place of \"" + std::string(spelling(first.kind)) + "\" statements";
+    if (before != kNone)
+      message += ", behind \"" + std::string(spelling(mender_.statement(before).kind)) + '"';
+    mender_.note(FaultKind::kOrder,
+                 {document.begin_of(first), document.end_of(mender_.statement(run.last))},
+                 std::move(message));
+  }
+
+  // --- Parts ---
+
+  std::vector<Part> parts_as_they_stand() {
+    std::vector<Part> parts{{0, mender_.document.source.size()}};
+    for (const Addition& addition : mender_.additions) {
+      const std::uint32_t place = offset_of(mender_, addition.place);
+      mender_.edits.insert_before(place, addition.text + std::string(line_end()));
+    }
+    return parts;
+  }
+
+  std::vector<Part> sorted_parts() {
+    cut();
+    std::vector<Part> parts{{0, header_end_}};
+    for (int place = 1; place < kPlaces; ++place) {
+      for (const Part& part : by_place_[static_cast<std::size_t>(place)]) append(parts, part);
+      add_new(parts, place);
+    }
+    append(parts, {footer_begin_, mender_.document.source.size()});
+    return parts;
+  }
+
+  /// Divides the text into the stretches of the places.
+  void cut() {
+    const auto& statements = mender_.document.statements;
+    const std::uint32_t size = mender_.document.source.size();
+    std::size_t place = 0;
+    header_end_ = statements.empty() ? size : begin_of_line(0);
+    std::uint32_t begin = header_end_;
+    for (std::uint32_t i = 0; i < statements.size(); ++i) {
+      if (places_[i] != 0) place = static_cast<std::size_t>(places_[i]);
+      const std::uint32_t end = end_of_line(i);
+      auto& list = by_place_[place];
+      if (!list.empty() && list.back().end == begin) {
+        list.back().end = end;
+      } else {
+        list.push_back({begin, end});
+      }
+      begin = end;
+    }
+    footer_begin_ = begin;
+    // What stands in front of all places stays there.
+    if (!by_place_[0].empty()) header_end_ = by_place_[0].back().end;
+  }
+
+  std::uint32_t begin_of_line(std::uint32_t statement) const {
+    return mender_.document.begin_of(mender_.statement(statement));
+  }
+
+  /// Behind the line feed that follows a statement, when no other statement stands before that.
+  std::uint32_t end_of_line(std::uint32_t statement) const {
+    const Document& document = mender_.document;
+    const bool is_last = statement + 1 == document.statements.size();
+    const std::uint32_t end = document.end_of(mender_.statement(statement));
+    const std::uint32_t limit = is_last ? document.source.size() : begin_of_line(statement + 1);
+    const std::size_t line_feed = document.source.text(end, limit).find('\n');
+    if (line_feed != std::string_view::npos) return end + static_cast<std::uint32_t>(line_feed) + 1;
+    return is_last ? limit : end;
+  }
+
+  /// With a line end in front, where the parts did not follow each other before.
+  void append(std::vector<Part>& parts, const Part& part) {
+    if (part.begin == part.end) return;
+    Part& last = parts.back();
+    const bool follows = last.added.empty() && last.end == part.begin;
+    if (follows) {
+      last.end = part.end;
+      return;
+    }
+    if (!ends_line(parts)) parts.push_back({part.begin, part.begin, std::string(line_end())});
+    parts.push_back(part);
+  }
+
+  bool ends_line(const std::vector<Part>& parts) const {
+    const Part& last = parts.back();
+    const std::string_view text = last.added.empty()
+                                      ? mender_.document.source.text(last.begin, last.end)
+                                      : std::string_view(last.added);
+    return text.empty() ? parts.size() == 1 : text.back() == '\n';
+  }
+
+  void add_new(std::vector<Part>& parts, int place) {
+    std::string text;
+    for (const Addition& addition : mender_.additions)
+      if (addition.place == place) text.append(addition.text).append(line_end());
+    if (text.empty()) return;
+    const std::uint32_t origin = parts.back().end;
+    if (!ends_line(parts)) text.insert(0, line_end());
+    // Sections of one line stand between empty ones.
+    if (place <= place_of(Word::kNodes)) text.append(line_end());
+    parts.push_back({origin, origin, std::move(text)});
+  }
+
+  std::string_view line_end() const { return line_end_of(mender_.document.source.text()); }
+
+  Mender& mender_;
+  std::vector<int> places_;
+  std::vector<bool> stays_;
+  std::array<std::uint32_t, kPlaces> last_staying_{};
+  std::array<std::vector<Part>, kPlaces> by_place_;
+  std::uint32_t header_end_ = 0;
+  std::uint32_t footer_begin_ = 0;
+};
+
+}  // namespace
+
+void mend_sections(Mender& mender, const std::vector<std::string>& nodes) {
+  for (const Word kind : {Word::kVersion, Word::kNewSymbols, Word::kBitTiming, Word::kNodes}) {
+    const std::vector<std::uint32_t> found = statements_of(mender, kind);
+    if (!mender.is_on(FaultKind::kDoubledSection)) break;
+    for (std::size_t i = 1; i < found.size(); ++i) merge_section(mender, found[0], found[i]);
+  }
+  if (statements_of(mender, Word::kBitTiming).empty())
+    add_section(mender, FaultKind::kMissingBitTiming, Word::kBitTiming, "");
+  if (!statements_of(mender, Word::kNodes).empty()) return;
+  std::string list;
+  for (const std::string& node : nodes) list.append(" ").append(node);
+  add_section(mender, FaultKind::kMissingNodes, Word::kNodes, list);
+}
+
+std::vector<Part> ordered(Mender& mender) { return Order(mender).parts(); }
+
+}  // namespace zelk::check

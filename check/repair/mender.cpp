@@ -1,0 +1,78 @@
+#include "check/repair/mender.hpp"
+
+#include <algorithm>
+#include <utility>
+
+#include "check/repair/sentences.hpp"
+
+namespace zelk::check {
+
+namespace {
+
+bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
+
+/// The statement; with its line when nothing else stands there, else with the blanks behind it.
+Span with_line(std::string_view text, Span span) {
+  std::uint32_t begin = span.begin;
+  while (begin != 0 && is_blank(text[begin - 1])) --begin;
+  std::uint32_t end = span.end;
+  while (end != text.size() && is_blank(text[end])) ++end;
+  const bool begins_line = begin == 0 || text[begin - 1] == '\n';
+  const bool ends_line = end == text.size() || text[end] == '\n';
+  if (!begins_line || !ends_line) return {span.begin, ends_line ? span.end : end};
+  return {begin, end == text.size() ? end : end + 1};
+}
+
+}  // namespace
+
+void Mender::note(FaultKind kind, Span span, std::string message, std::string statement) {
+  findings.push_back(
+      {Severity::kNote, name_of(kind), span, std::move(message), std::move(statement)});
+}
+
+void Mender::note(FaultKind kind, std::uint32_t statement, std::uint32_t token,
+                  std::uint32_t token_end, std::string message) {
+  const std::uint32_t size = document.source.size();
+  const bool is_empty = token == token_end;
+  // What is missing is missed behind the token before.
+  const std::uint32_t begin = is_empty && token != 0           ? document.tokens[token - 1].end
+                              : token < document.tokens.size() ? document.tokens[token].begin
+                                                               : size;
+  const std::uint32_t end = is_empty ? begin : document.tokens[token_end - 1].end;
+  std::string words;
+  if (statement != Fault::kNoStatement) words = describe(document, document.statements[statement]);
+  note(kind, {begin, std::max(begin, end)}, std::move(message), std::move(words));
+}
+
+void Mender::drop(FaultKind kind, std::uint32_t index, std::string_view why) {
+  if (is_dropped_[index]) return;
+  const Statement& there = document.statements[index];
+  std::string message = describe(document, there) + " dropped";
+  if (!why.empty()) message.append(", ").append(why);
+  note(kind, {document.begin_of(there), document.end_of(there)},
+       message + ": " + shown(document.text_of(there)));
+  erase(index);
+}
+
+void Mender::erase(std::uint32_t index) {
+  if (is_dropped_[index]) return;
+  is_dropped_[index] = true;
+  const Statement& there = document.statements[index];
+  const Span span =
+      with_line(document.source.text(), {document.begin_of(there), document.end_of(there)});
+  edits.erase(span.begin, span.end);
+}
+
+void Mender::erase_tokens(std::uint32_t first, std::uint32_t end) {
+  const std::string_view text = document.source.text();
+  std::uint32_t begin = document.tokens[first].begin;
+  while (begin != 0 && is_blank(text[begin - 1])) --begin;
+  edits.erase(begin, document.tokens[end - 1].end);
+}
+
+std::string_view line_end_of(std::string_view text) {
+  const std::size_t at = text.find('\n');
+  return at != std::string_view::npos && at != 0 && text[at - 1] == '\r' ? "\r\n" : "\n";
+}
+
+}  // namespace zelk::check
