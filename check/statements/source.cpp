@@ -1,6 +1,7 @@
 #include "check/statements/source.hpp"
 
 #include <algorithm>
+#include <utility>
 
 #include "base/encoding.hpp"
 
@@ -16,6 +17,30 @@ std::size_t count_characters(std::string_view text) {
 }
 
 }  // namespace
+
+Source::Source(std::vector<Source> files, std::span<const Stretch> stretches)
+    : path_(files.front().path_) {
+  std::size_t size = 0;
+  for (const Stretch& stretch : stretches) size += stretch.text.size();
+  text_.reserve(size);
+  pieces_.push_back({0, 0, 0});
+  for (const auto& [file, begin, text] : stretches) {
+    if (text.empty()) continue;
+    if (text_.empty()) pieces_.clear();
+    pieces_.push_back({this->size(), file, begin});
+    text_ += text;
+  }
+  files_ = std::move(files);
+}
+
+Source::OwnPlace Source::own_place(std::uint32_t offset) const {
+  if (files_.empty()) return {*this, offset};
+  const auto next = std::ranges::upper_bound(pieces_, offset, {}, &Piece::begin);
+  const Piece& piece = *(next - 1);
+  const Source& file = files_[piece.file];
+  const std::uint32_t distance = std::min(offset - piece.begin, file.size() - piece.own_begin);
+  return {file, piece.own_begin + distance};
+}
 
 const std::vector<std::uint32_t>& Source::starts() const {
   if (!starts_.empty()) return starts_;
@@ -40,15 +65,15 @@ std::uint32_t Source::next_line(std::uint32_t offset) const {
 }
 
 Position Source::position(std::uint32_t offset) const {
-  const std::size_t index = index_of(offset);
-  const std::size_t column = count_characters(text(starts_[index], offset)) + 1;
+  const auto [file, own] = own_place(offset);
+  const std::size_t index = file.index_of(own);
+  const std::size_t column = count_characters(file.text(file.starts_[index], own)) + 1;
   return {static_cast<std::uint32_t>(index + 1), static_cast<std::uint32_t>(column)};
 }
 
-std::string_view Source::line(std::uint32_t number) const {
-  if (number == 0 || number > starts().size()) return {};
-  const std::uint32_t begin = starts_[number - 1];
-  std::string_view line = text(begin, number < starts_.size() ? starts_[number] : size());
+std::string_view Source::line_at(std::uint32_t offset) const {
+  const auto [file, own] = own_place(offset);
+  std::string_view line = file.text(file.line_begin(own), file.next_line(own));
   while (!line.empty() && (line.back() == '\n' || line.back() == '\r')) line.remove_suffix(1);
   return line;
 }

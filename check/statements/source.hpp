@@ -1,11 +1,12 @@
 /// \file
-/// The bytes of a file, and their lines.
+/// The bytes of a file, or of several put together, and their lines.
 
 #ifndef ZELK_CHECK_STATEMENTS_SOURCE_HPP
 #define ZELK_CHECK_STATEMENTS_SOURCE_HPP
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,10 +22,18 @@ struct Position {
   bool operator==(const Position&) const = default;
 };
 
-/// The text of a file, unchanged. Places in it are offsets in bytes. Lines end with a line feed,
-/// whatever stands before it; in a text without line feeds they end with a carriage return.
+/// The text of a file, unchanged, or of a file with others in the places that name them. Places in
+/// it are offsets in bytes. Lines end with a line feed, whatever stands before it; in a text
+/// without line feeds they end with a carriage return.
 class Source {
  public:
+  /// A part of a source of several files.
+  struct Stretch {
+    std::uint32_t file;     ///< index
+    std::uint32_t begin;    ///< its place in the file
+    std::string_view text;  ///< the file's from there on, or one that stands for what is there
+  };
+
   /// Longest text: offsets have 32 bits.
   static constexpr std::size_t kLongest = 0xFFFFFFF0;
 
@@ -32,6 +41,11 @@ class Source {
   /// @param bytes  at most `kLongest` of them
   Source(std::string path, std::string bytes) : path_(std::move(path)), text_(std::move(bytes)) {}
 
+  /// @param files      single ones, the main one first
+  /// @param stretches  in their order, `kLongest` bytes together
+  Source(std::vector<Source> files, std::span<const Stretch> stretches);
+
+  /// Of the main file.
   const std::string& path() const { return path_; }
   std::string_view text() const { return text_; }
   std::uint32_t size() const { return static_cast<std::uint32_t>(text_.size()); }
@@ -39,24 +53,40 @@ class Source {
     return std::string_view(text_).substr(begin, end - begin);
   }
 
-  /// @param offset  up to the size of the text
-  Position position(std::uint32_t offset) const;
+  // What people see of a place: its file, the line and column there, and the text of that line
+  // without its line end.
+  //
+  // @param offset  up to the size of the text
 
-  /// The text of a line without its line end; empty for a line that there is not.
-  ///
-  /// @param number  from 1
-  std::string_view line(std::uint32_t number) const;
+  const std::string& path_at(std::uint32_t offset) const { return own_place(offset).file.path_; }
+  Position position(std::uint32_t offset) const;
+  std::string_view line_at(std::uint32_t offset) const;
 
   /// Where the line around `offset` begins, and where the next one does (or the text ends).
   std::uint32_t line_begin(std::uint32_t offset) const;
   std::uint32_t next_line(std::uint32_t offset) const;
 
  private:
+  /// A place in the file that it is in.
+  struct OwnPlace {
+    const Source& file;
+    std::uint32_t offset;
+  };
+  /// Where a stretch begins here, and in its file.
+  struct Piece {
+    std::uint32_t begin;
+    std::uint32_t file;
+    std::uint32_t own_begin;
+  };
+
+  OwnPlace own_place(std::uint32_t offset) const;
   const std::vector<std::uint32_t>& starts() const;
   std::size_t index_of(std::uint32_t offset) const;
 
   std::string path_;
   std::string text_;
+  std::vector<Source> files_;  ///< empty for a single file
+  std::vector<Piece> pieces_;  ///< likewise; the first begins at 0, and none is empty
   mutable std::vector<std::uint32_t> starts_;  ///< of all lines; empty before the first question
 };
 

@@ -1,0 +1,27 @@
+/// \file
+/// A file made readable, with the files that it includes.
+
+#ifndef ZELK_CHECK_INCLUDES_MEND_HPP
+#define ZELK_CHECK_INCLUDES_MEND_HPP
+
+#include <string>
+
+#include "check/repair/repair.hpp"
+
+namespace zelk::check {
+
+struct MendOptions : RepairOptions {
+  /// Folder in UTF-8, below which comments may name files to include (`include_files`); empty: they
+  /// stay comments, with a note about each.
+  std::string include_folder{};
+};
+
+/// `include_files`, and then `repair`. Without a file that is named the source is not mended, and
+/// stays as it was given. To keep `kIncludeRule` leaves all comments as they are.
+///
+/// @param source  a single file
+Mended mend(Source source, const MendOptions& options);
+
+}  // namespace zelk::check
+
+#endif
