@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "base/characters.hpp"
+#include "check/findings/sentences.hpp"
 #include "check/repair/number_mends.hpp"
-#include "check/repair/sentences.hpp"
 
 namespace zelk::check {
 

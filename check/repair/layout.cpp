@@ -5,7 +5,7 @@
 #include <set>
 #include <utility>
 
-#include "check/repair/sentences.hpp"
+#include "check/findings/sentences.hpp"
 
 namespace zelk::check {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "check/repair/sentences.hpp"
+#include "check/findings/sentences.hpp"
 
 namespace zelk::check {
 

@@ -8,7 +8,7 @@
 
 #include "base/characters.hpp"
 #include "base/numbers.hpp"
-#include "check/repair/sentences.hpp"
+#include "check/findings/sentences.hpp"
 
 namespace zelk::check {
 

@@ -3,11 +3,11 @@
 #include <optional>
 #include <utility>
 
+#include "check/findings/sentences.hpp"
 #include "check/repair/form_mends.hpp"
 #include "check/repair/judge.hpp"
 #include "check/repair/layout.hpp"
 #include "check/repair/mender.hpp"
-#include "check/repair/sentences.hpp"
 #include "check/statements/document.hpp"
 #include "check/statements/names.hpp"
 

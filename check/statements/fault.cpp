@@ -12,6 +12,10 @@ std::string_view name_of(FaultKind kind) {
       return "end-byte";
     case FaultKind::kOpenText:
       return "open-text";
+    case FaultKind::kOddSpace:
+      return "odd-space";
+    case FaultKind::kTooLong:
+      return "too-long";
     case FaultKind::kMissing:
       return "missing";
     case FaultKind::kSurplus:
@@ -30,6 +34,8 @@ std::string_view name_of(FaultKind kind) {
       return "unquoted-text";
     case FaultKind::kCommentObject:
       return "comment-object";
+    case FaultKind::kSkipped:
+      return "skipped";
     case FaultKind::kOrder:
       return "order";
     case FaultKind::kMissingBitTiming:
@@ -54,8 +60,12 @@ std::string_view name_of(FaultKind kind) {
       return "unknown-category";
     case FaultKind::kUnknownAttribute:
       return "unknown-attribute";
+    case FaultKind::kUnknownLink:
+      return "unknown-link";
     case FaultKind::kWrongValue:
       return "wrong-value";
+    case FaultKind::kAccessCode:
+      return "access-code";
     case FaultKind::kIndicator:
       return "indicator";
     case FaultKind::kSegments:

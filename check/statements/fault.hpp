@@ -15,6 +15,8 @@ enum class FaultKind : std::uint8_t {
   kNulByte,
   kEndByte,   ///< 0xFF where a token may start ends the reading
   kOpenText,  ///< a text without its second quote
+  kOddSpace,  ///< a blank outside ASCII directly behind a name, where the reader takes none
+  kTooLong,   ///< a name or number of more characters than the reader takes
   // Forms of statements
   kMissing,        ///< `remedy` must stand in front of the token
   kSurplus,        ///< the tokens do not belong there
@@ -25,6 +27,7 @@ enum class FaultKind : std::uint8_t {
   kOddNumber,      ///< a number that is not spelled so, or is of the wrong kind
   kUnquotedText,   ///< a name where a text must stand
   kCommentObject,  ///< a comment that lacks the kind of its object, which is `remedy`
+  kSkipped,        ///< a statement that begins with an announced name; the reader skips it
   // Order of statements
   kOrder,
   kMissingBitTiming,
@@ -39,8 +42,10 @@ enum class FaultKind : std::uint8_t {
   kUnknownType,
   kUnknownCategory,
   kUnknownAttribute,
+  kUnknownLink,  ///< a relation to a node which does not receive, send or access the object
   // Values
   kWrongValue,  ///< not of the attribute's type, not in its ENUM, or out of the statement's range
+  kAccessCode,
   // Signals
   kIndicator,
   kSegments,
@@ -64,6 +69,7 @@ struct Fault {
                                 ///< name"; static text
   std::string_view remedy{};    ///< text that is missing; static
   std::uint32_t related = kNoStatement;  ///< another statement that has to do with it
+  bool is_accepted = false;              ///< the reader takes it: the file is read nonetheless
 };
 
 /// The name by which the kind is switched off, reported and explained: "unknown-message".

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <initializer_list>
 #include <set>
+#include <span>
 #include <string_view>
 
 #include "check/statements/token_reader.hpp"
@@ -11,6 +12,9 @@
 namespace zelk::check {
 
 namespace {
+
+/// The reader keeps as many characters of announced names.
+constexpr std::size_t kKeptCharacters = 32;
 
 /// The forms of all statements, one function each. Names and order follow the order of a file.
 class FormReader {
@@ -26,29 +30,64 @@ class FormReader {
   void statement() {
     const std::uint32_t first = in_.at();
     const auto index = static_cast<std::uint32_t>(document_.statements.size());
-    const Word kind = kind_here();
+    const Word kind = begins_statement(*in_.peek(0)) ? in_.peek(0)->word : Word::kNone;
     document_.statements.push_back({kind, true, first, first});
     in_.begin(index);
+    if (kind != Word::kNone && kind != Word::kAnnounced) form_and_end(kind);
+    const bool is_exact = in_.is_readable() && in_.at() != first;
+    if (!is_exact) statement_again(kind, first);
+    close(document_.statements[index]);
+    if (kind == Word::kNewSymbols) announce(document_.statements[index]);
+  }
+
+  /// Reads a statement with its faults.
+  void statement_again(Word kind, std::uint32_t first) {
+    in_.begin_again(first);
     if (kind == Word::kNone) {
       in_.skip_to_statement();
       in_.fault(FaultKind::kStray, first, in_.at(), "a statement");
-    } else if (kind == Word::kAnnounced) {
-      in_.skip_rest();
-    } else {
-      in_.take();
-      form(kind);
-      if (in_.at_mark(';') && in_.is_readable()) surplus_semicolons();
-      if (!in_.is_readable()) in_.skip_rest();
+      return;
     }
-    close(document_.statements[index]);
+    if (kind == Word::kAnnounced) {
+      announced();
+    } else {
+      form_and_end(kind);
+    }
+    if (!in_.is_readable()) in_.skip_rest();
   }
 
-  Word kind_here() const {
-    const Token& token = *in_.peek(0);
-    if (token.kind == TokenKind::kName && announced_.contains(document_.text_of(token)))
-      return Word::kAnnounced;
-    const bool begins = token.kind == TokenKind::kKeyword && place_of(token.word) != 0;
-    return begins ? token.word : Word::kNone;
+  void form_and_end(Word kind) {
+    in_.take();
+    form(kind);
+    if (in_.at_mark(';') && in_.is_readable()) surplus_semicolons();
+  }
+
+  /// The reader skips bytes, not tokens: the first `;` may stand in a text or in a comment.
+  void announced() {
+    const std::size_t begin = in_.peek(0)->end;
+    if (next_semicolon_ < begin) next_semicolon_ = document_.source.text().find(';', begin);
+    const std::size_t end = next_semicolon_;
+    in_.take();
+    if (end != std::string_view::npos)
+      while (!in_.at_end() && in_.peek(0)->end <= end) in_.take();
+    if (in_.at_mark(';') && in_.peek(0)->begin == end) return in_.take();
+    in_.unreadable("';' behind what the reader skips, outside of texts and comments");
+  }
+
+  /// Names that the first list announces are no names from there on.
+  void announce(const Statement& list) {
+    if (has_announced_) return;
+    has_announced_ = true;
+    std::set<std::string_view> names;
+    for (const Token& token : document_.tokens_of(list))
+      if (token.kind == TokenKind::kName)
+        names.insert(document_.text_of(token).substr(0, kKeptCharacters));
+    if (names.empty()) return;
+    for (Token& token : std::span(document_.tokens).subspan(list.end)) {
+      if (token.kind != TokenKind::kName || !names.contains(document_.text_of(token))) continue;
+      token.kind = TokenKind::kKeyword;
+      token.word = Word::kAnnounced;
+    }
   }
 
   void surplus_semicolons() {
@@ -172,8 +211,12 @@ class FormReader {
 
   void new_symbols() {
     in_.mark(':', "':' behind \"NS_\"");
+    std::set<std::string_view> names;
     while (in_.is_readable() && is_listed()) {
-      if (in_.at_kind(TokenKind::kName)) announced_.insert(document_.text_of(*in_.peek(0)));
+      const std::string_view name = document_.text_of(*in_.peek(0));
+      if (names.contains(name))
+        in_.fault(FaultKind::kSurplus, in_.at(), in_.at() + 1, "each name once");
+      if (in_.at_kind(TokenKind::kName)) names.insert(name.substr(0, kKeptCharacters));
       in_.take(Role::kNewSymbol);
     }
   }
@@ -527,7 +570,8 @@ class FormReader {
 
   Document& document_;
   TokenReader in_;
-  std::set<std::string_view> announced_;
+  std::size_t next_semicolon_ = 0;  ///< the one behind the last announced name
+  bool has_announced_ = false;
   std::uint32_t message_ = Statement::kNone;
 };
 

@@ -57,6 +57,19 @@ std::optional<std::int64_t> signed_value(const Document& document, const Stateme
   return std::nullopt;
 }
 
+std::string text_value(const Document& document, const Token& token) {
+  const std::string_view content = document.content_of(token);
+  const std::string_view text = content.substr(0, content.find('\0'));
+  std::string result;
+  result.reserve(text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char next = i + 1 < text.size() ? text[i + 1] : '\0';
+    const bool is_dropped = (text[i] == '\\' && next == '"') || (text[i] == '\r' && next == '\n');
+    if (!is_dropped) result += text[i];
+  }
+  return result;
+}
+
 Names::Names(const Document& document)
     : document_(document),
       messages_(count(document, Word::kMessage)),

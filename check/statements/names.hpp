@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 
@@ -27,6 +28,10 @@ std::optional<std::uint32_t> whole_value(const Document& document, const Stateme
 /// The same with an optional sign, which is a token of its own with this role.
 std::optional<std::int64_t> signed_value(const Document& document, const Statement& statement,
                                          Role role);
+
+/// A text as the reader keeps it: between its quotes, cut at a NUL, `\"` as a double quote, no
+/// carriage return in front of a line feed. Other tokens whole.
+std::string text_value(const Document& document, const Token& token);
 
 /// What is introduced, by name or number. All lookups give the index of the first readable
 /// statement that introduces it, which is the one that a reader finds, or `Statement::kNone`. One

@@ -52,7 +52,7 @@ enum class Word : std::uint8_t {
   kNodeVariable,
   kNodeMessage,
   kMultiplexorRanges,
-  kAnnounced,  ///< a statement that begins with a name which "NS_" announces: readers skip it
+  kAnnounced,  ///< a name that "NS_" announces: the reader skips from there through the next `;`
 };
 
 /// As it is spelled; empty for those that are no keywords.
@@ -151,6 +151,12 @@ struct Token {
   bool is_mark(char c) const { return kind == TokenKind::kMark && mark == c; }
   bool is(Word keyword) const { return kind == TokenKind::kKeyword && word == keyword; }
 };
+
+/// Whether the token is a keyword that begins statements, or an announced name.
+inline bool begins_statement(const Token& token) {
+  return token.kind == TokenKind::kKeyword &&
+         (place_of(token.word) != 0 || token.word == Word::kAnnounced);
+}
 
 }  // namespace zelk::check
 

@@ -1,6 +1,7 @@
 #include "check/statements/token_reader.hpp"
 
 #include <algorithm>
+#include <span>
 
 #include "base/characters.hpp"
 #include "base/numbers.hpp"
@@ -35,6 +36,12 @@ bool begins_like_statement(Word word, const Token* next) {
          (word == Word::kSignal || word == Word::kVariable || word == Word::kValueTable);
 }
 
+/// Bytes outside ASCII and a name: the reader takes the former for blanks.
+bool is_plain_behind_high(std::string_view name) {
+  while (!name.empty() && static_cast<unsigned char>(name.front()) > 127) name.remove_prefix(1);
+  return !name.empty() && is_letter(name.front()) && std::ranges::all_of(name, is_name_character);
+}
+
 bool is_count(const Document& document, const Token& token) {
   const auto literal = whole_literal(document.text_of(token));
   return token.kind == TokenKind::kWhole && literal && literal->is_short;
@@ -67,7 +74,8 @@ bool TokenReader::at_name() const {
 bool TokenReader::at_statement() const {
   if (at_end()) return false;
   const Token& token = tokens_[at_];
-  if (token.kind != TokenKind::kKeyword || place_of(token.word) == 0) return false;
+  if (token.is(Word::kAnnounced)) return true;
+  if (!begins_statement(token)) return false;
   return !is_on_line_of_previous(at_) || begins_like_statement(token.word, peek(1));
 }
 
@@ -90,13 +98,15 @@ bool TokenReader::touches_next(std::uint32_t token) const {
 
 void TokenReader::fault(FaultKind kind, std::uint32_t token, std::uint32_t token_end,
                         std::string_view expected, std::string_view remedy) {
-  document_.faults.push_back({kind, statement_, token, token_end, expected, remedy});
+  if (is_exact_) is_readable_ = false;
+  if (!is_exact_)
+    document_.faults.push_back({kind, statement_, token, token_end, expected, remedy});
 }
 
 void TokenReader::missing(std::string_view expected, std::string_view remedy) {
   if (!is_readable_) return;
   // Two things missing at one place: the text is something else altogether.
-  if (!document_.faults.empty()) {
+  if (!is_exact_ && !document_.faults.empty()) {
     Fault& last = document_.faults.back();
     if (last.kind == FaultKind::kMissing && last.statement == statement_ && last.token == at_) {
       last.kind = FaultKind::kUnreadable;
@@ -111,7 +121,7 @@ void TokenReader::missing(std::string_view expected, std::string_view remedy) {
 void TokenReader::unreadable(std::string_view expected) {
   if (!is_readable_) return;
   missing(expected, {});
-  if (!is_readable_) return;
+  if (!is_readable_) return;  // the text is something else, or the reading is exact
   document_.faults.back().kind = FaultKind::kUnreadable;
   is_readable_ = false;
 }
@@ -123,9 +133,7 @@ void TokenReader::skip_rest() {
 }
 
 void TokenReader::skip_to_statement() {
-  while (!at_end() &&
-         (tokens_[at_].kind != TokenKind::kKeyword || place_of(tokens_[at_].word) == 0))
-    ++at_;
+  while (!at_end() && !begins_statement(tokens_[at_])) ++at_;
 }
 
 // --- Taking ---
@@ -133,6 +141,14 @@ void TokenReader::skip_to_statement() {
 void TokenReader::begin(std::uint32_t statement) {
   statement_ = statement;
   is_readable_ = true;
+  is_exact_ = true;
+}
+
+void TokenReader::begin_again(std::uint32_t first) {
+  for (Token& token : std::span(tokens_).subspan(first, at_ - first)) token.role = Role::kNone;
+  at_ = first;
+  is_readable_ = true;
+  is_exact_ = false;
 }
 
 void TokenReader::take(Role role) {
@@ -187,19 +203,24 @@ void TokenReader::take_name(Role role, std::string_view expected) {
   const TokenKind kind = tokens_[first].kind;
   at_ = end;
   tokens_[first].role = role;
-  if (kind == TokenKind::kOddName) fault(FaultKind::kOddName, first, end, expected);
+  if (kind == TokenKind::kOddName) {
+    fault(FaultKind::kOddName, first, end, expected);
+    document_.faults.back().is_accepted = is_plain_behind_high(document_.text_of(tokens_[first]));
+  }
   if (kind == TokenKind::kKeyword) fault(FaultKind::kKeywordName, first, end, expected);
 }
 
 void TokenReader::name(Role role, std::string_view expected) {
   if (!is_readable_) return;
-  if (!at_end() && tokens_[at_].kind == TokenKind::kName && !touches_next(at_)) return take(role);
-  if (!at_name()) return unreadable(expected);
+  const bool is_plain = at_kind(TokenKind::kName) && (is_exact_ || !touches_next(at_));
+  if (is_plain) return take(role);
+  if (is_exact_ || !at_name()) return unreadable(expected);
   take_name(role, expected);
 }
 
 void TokenReader::new_name(Role role, std::string_view expected) {
   if (!is_readable_) return;
+  if (is_exact_) return name(role, expected);
   const bool is_number = at_number() && peek(1) && peek(1)->is_mark(':');
   if (!at_name() && !is_number) return unreadable(expected);
   // The words in front of the colon are one name, but for an indicator at their end.
@@ -232,17 +253,28 @@ std::uint32_t TokenReader::odd_number_end() const {
   std::uint32_t last = at_;
   while (touches_next(last)) {
     const Token& next = tokens_[last + 1];
-    const bool is_part = is_number_kind(next.kind) || next.kind == TokenKind::kName ||
-                         next.kind == TokenKind::kOddName;
+    const bool is_part =
+        is_number_kind(next.kind) || next.kind == TokenKind::kName ||
+        (next.kind == TokenKind::kOddName && is_name_character(document_.text_of(next).front()));
     if (!is_part) break;
     ++last;
   }
   return last + 1;
 }
 
-void TokenReader::number(Role role, std::string_view expected,
-                         bool (*is_right)(const Document&, const Token&)) {
+/// Digits with an "e" behind them that begins no exponent, which the reader takes for no number.
+bool TokenReader::is_broken_exponent(std::uint32_t number) const {
+  const char next = touches_next(number) ? document_.source.text()[tokens_[number].end] : '\0';
+  return next == 'e' || next == 'E';
+}
+
+void TokenReader::number(Role role, std::string_view expected, IsRight is_right) {
   if (!is_readable_) return;
+  if (is_exact_) {
+    const bool is_plain =
+        !at_end() && is_right(document_, tokens_[at_]) && !is_broken_exponent(at_);
+    return is_plain ? take(role) : unreadable(expected);
+  }
   const bool is_word = at_kind(TokenKind::kName) && is_real == is_right;  // such as "NaN"
   if (!at_number() && !is_word) return unreadable(expected);
   const std::uint32_t first = at_;
@@ -264,7 +296,7 @@ void TokenReader::signed_whole(Role role, std::string_view expected) {
 
 void TokenReader::real(Role role, std::string_view expected, char behind) {
   if (at_mark('-') || at_mark('+')) take(role);
-  const bool has_comma = is_readable_ && behind && at_kind(TokenKind::kWhole) &&
+  const bool has_comma = is_readable_ && !is_exact_ && behind && at_kind(TokenKind::kWhole) &&
                          touches_next(at_) && peek(1)->is_mark(',') && touches_next(at_ + 1) &&
                          is_number_kind(peek(2)->kind) && peek(3) && peek(3)->is_mark(behind);
   if (!has_comma) return number(role, expected, is_real);

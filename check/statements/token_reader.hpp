@@ -15,6 +15,10 @@ namespace zelk::check {
 /// doubt, is a fault, and the reading goes on. Otherwise the statement is not readable, and all
 /// further operations of it do nothing.
 ///
+/// Each statement is read exactly at first, token by token as the reader takes them: "node-1" is a
+/// name and a number where the form wants these. Only a statement with faults is read again, as it
+/// may be meant: there, "node-1" can be one odd name.
+///
 /// `expected` says what must stand there, in the words of a complaint: "the message's name".
 class TokenReader {
  public:
@@ -40,8 +44,11 @@ class TokenReader {
 
   // --- Taking ---
 
-  /// A statement begins here.
+  /// A statement begins here, and is read exactly: with its first fault it becomes unreadable, and
+  /// the fault is not kept.
   void begin(std::uint32_t statement);
+  /// Goes back to `first`, where the statement began, to read it with its faults.
+  void begin_again(std::uint32_t first);
   void take(Role role = Role::kNone);
   void mark(char mark, std::string_view expected);
   void keyword(Word word, std::string_view expected);
@@ -79,18 +86,20 @@ class TokenReader {
 
  private:
   bool touches_next(std::uint32_t token) const;
+  bool is_broken_exponent(std::uint32_t number) const;
   void merge(std::uint32_t last, TokenKind kind);
   void take_name(Role role, std::string_view expected);
   std::uint32_t odd_name_end() const;
   std::uint32_t odd_number_end() const;
-  void number(Role role, std::string_view expected,
-              bool (*is_right)(const Document&, const Token&));
+  using IsRight = bool (*)(const Document&, const Token&);
+  void number(Role role, std::string_view expected, IsRight is_right);
 
   Document& document_;
   std::vector<Token>& tokens_;
   std::uint32_t at_ = 0;
   std::uint32_t statement_ = 0;
   bool is_readable_ = true;
+  bool is_exact_ = false;
 };
 
 }  // namespace zelk::check

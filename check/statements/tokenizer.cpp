@@ -39,10 +39,15 @@ constexpr std::string_view kWideSpaces[] = {"\xEF\xBB\xBF", "\xC2\xA0",     "\xE
                                             "\xE2\x80\xA9", "\xE2\x80\xAF", "\xE3\x80\x80",
                                             "\xE2\x80\x8B", "\xA0"};
 
+constexpr std::ptrdiff_t kMostCharacters = 1023;  // of a name or number
+
 class Tokenizer {
  public:
   explicit Tokenizer(const Source& source)
-      : begin_(source.text().data()), end_(begin_ + source.size()), at_(begin_) {
+      : begin_(source.text().data()),
+        end_(begin_ + source.size()),
+        at_(begin_),
+        has_nul_(source.text().find('\0') != std::string_view::npos) {
     result_.tokens.reserve(source.size() / 5 * 2 + 16);  // some more than most files have
   }
 
@@ -86,7 +91,10 @@ class Tokenizer {
 
   /// @param from  of the name, whose first bytes may have been passed
   void name(const char* from) {
+    const char* const plain = at_;
     while (at_ != end_ && is_name_character(*at_)) ++at_;
+    const auto plain_size = static_cast<std::size_t>(at_ - plain);
+    if (from != plain && find_word({plain, plain_size}) != Word::kNone) from = plain;
     const bool is_odd = from != at_ && (start_of(*from) == Start::kHigh || is_high_here());
     if (is_odd) {
       while (at_ != end_ && is_name_or_high(*at_) && wide_space() == 0) ++at_;
@@ -97,6 +105,12 @@ class Tokenizer {
     const Word word = find_word(text);
     add(word == Word::kNone ? TokenKind::kName : TokenKind::kKeyword, from, at_).word = word;
     if (at_ == end_) note(FaultKind::kNoFinalLineFeed);
+    if (at_ != end_ && start_of(*at_) == Start::kHigh) note_last(FaultKind::kOddSpace);
+    note_length(from);
+  }
+
+  void note_length(const char* from) {
+    if (at_ - from > kMostCharacters) note_last(FaultKind::kTooLong);
   }
 
   bool is_high_here() const {
@@ -122,6 +136,7 @@ class Tokenizer {
       }
     }
     add(kind, from, at_);
+    note_length(from);
   }
 
   void skip_digits() {
@@ -140,13 +155,20 @@ class Tokenizer {
   /// Bytes outside ASCII are space for the reader; those directly in front of a name belong to it.
   void high() {
     const char* const from = at_;
-    if (*at_ == '\xFF') note(FaultKind::kEndByte);
     if (const std::size_t size = wide_space()) {
       at_ += size;
       return;
     }
-    while (is_high_here()) ++at_;
-    if (at_ != end_ && is_name_character(*at_)) name(from);
+    for (; is_high_here(); ++at_)
+      if (*at_ == '\xFF') note(FaultKind::kEndByte);
+    if (at_ != end_ && is_name_character(*at_) && !is_number_here()) name(from);
+  }
+
+  /// Whether digits stand here that do not go on as a name.
+  bool is_number_here() const {
+    const char* behind = at_;
+    while (behind != end_ && is_digit(*behind)) ++behind;
+    return behind != at_ && (behind == end_ || !is_name_or_high(*behind));
   }
 
   /// Size of the wide space that stands here; 0 for none.
@@ -170,6 +192,8 @@ class Tokenizer {
     } else {
       at_ = close + 1;
       add(TokenKind::kText, from, at_);
+      const auto size = static_cast<std::size_t>(at_ - from);
+      if (has_nul_ && std::memchr(from, '\0', size)) note_last(FaultKind::kNulByte);
     }
   }
 
@@ -231,6 +255,13 @@ class Tokenizer {
   void note(FaultKind kind) {
     const auto next = static_cast<std::uint32_t>(result_.tokens.size());
     result_.faults.push_back({kind, Fault::kNoStatement, next, next});
+    result_.faults.back().is_accepted = kind == FaultKind::kNulByte;
+  }
+
+  /// A fault of the last token.
+  void note_last(FaultKind kind) {
+    note(kind);
+    --result_.faults.back().token;
   }
 
   Tokens result_;
@@ -238,6 +269,7 @@ class Tokenizer {
   const char* const end_;
   const char* at_;
   const char* close_ = nullptr;  ///< the last answer of `closing_quote`
+  const bool has_nul_;
 };
 
 }  // namespace

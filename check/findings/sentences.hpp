@@ -1,8 +1,8 @@
 /// \file
 /// Words for statements in the sentences of findings.
 
-#ifndef ZELK_CHECK_REPAIR_SENTENCES_HPP
-#define ZELK_CHECK_REPAIR_SENTENCES_HPP
+#ifndef ZELK_CHECK_FINDINGS_SENTENCES_HPP
+#define ZELK_CHECK_FINDINGS_SENTENCES_HPP
 
 #include <cstdint>
 #include <string>

@@ -1,13 +1,10 @@
-#include "check/objects/record_words.hpp"
+#include "words/record_words.hpp"
 
-#include <algorithm>
-#include <charconv>
-#include <iterator>
+#include <fmt/format.h>
 
-#include "base/characters.hpp"
 #include "base/list.hpp"
 
-namespace zelk::check {
+namespace zelk::tool {
 
 namespace {
 
@@ -16,24 +13,17 @@ constexpr std::uint32_t kLargestExtendedId = 0x1FFFFFFF;
 
 }  // namespace
 
-std::string hex_text(std::uint64_t number, int digits) {
-  char buffer[16];
-  const auto [end, error] = std::to_chars(std::begin(buffer), std::end(buffer), number, 16);
-  std::string text(buffer, end);
-  std::ranges::transform(text, text.begin(), to_upper);
-  const auto width = static_cast<std::size_t>(digits);
-  return "0x" + std::string(width - std::min(width, text.size()), '0') + text;
+std::string padded_id(std::uint32_t id) {
+  return fmt::format("0x{:0{}X}", bare_id(id), id_digits(id));
 }
-
-std::string padded_id(std::uint32_t id) { return hex_text(bare_id(id), id_digits(id)); }
 
 std::string_view id_format(std::uint32_t id) { return id & ZELK_ID_EXTENDED ? "29-bit" : "11-bit"; }
 
 std::string shown_id(std::uint32_t id) {
   const std::uint32_t number = bare_id(id);
   const bool fits = number <= (number == id ? kLargestStandardId : kLargestExtendedId);
-  const std::string text = hex_text(number, 1) + " (" + std::to_string(number) + "), ";
-  return text + std::string(id_format(id)) + (fits ? "" : ", out of range");
+  return fmt::format("0x{:X} ({}), {}{}", number, number, id_format(id),
+                     fits ? "" : ", out of range");
 }
 
 std::string_view byte_order(std::uint16_t flags) {
@@ -41,7 +31,7 @@ std::string_view byte_order(std::uint16_t flags) {
 }
 
 std::string number_format(std::uint16_t flags, std::uint32_t value_type) {
-  const std::string sign = flags & ZELK_SIGNAL_SIGNED ? "signed" : "unsigned";
+  const char* const sign = flags & ZELK_SIGNAL_SIGNED ? "signed" : "unsigned";
   switch (value_type) {
     case ZELK_VALUE_INTEGER:
       return sign;
@@ -50,7 +40,7 @@ std::string number_format(std::uint16_t flags, std::uint32_t value_type) {
     case ZELK_VALUE_IEEE_DOUBLE:
       return "IEEE double";
     default:
-      return sign + ", value type " + std::to_string(value_type);
+      return fmt::format("{}, value type {}", sign, value_type);
   }
 }
 
@@ -70,7 +60,7 @@ std::string_view env_var_type(std::uint32_t type) {
 }
 
 std::string range_text(std::uint64_t low, std::uint64_t high) {
-  return std::to_string(low) + (low == high ? "" : ".." + std::to_string(high));
+  return low == high ? fmt::format("{}", low) : fmt::format("{}..{}", low, high);
 }
 
 std::string presence_values(const sigblk& signal) {
@@ -80,4 +70,4 @@ std::string presence_values(const sigblk& signal) {
   return text;
 }
 
-}  // namespace zelk::check
+}  // namespace zelk::tool

@@ -1,4 +1,4 @@
-#include "check/repair/sentences.hpp"
+#include "check/findings/sentences.hpp"
 
 namespace zelk::check {
 

@@ -1,16 +1,17 @@
-#include "check/diff/changes.hpp"
+#include "diff/changes.hpp"
+
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <string_view>
 #include <utility>
 
-#include "base/attribute_text.hpp"
 #include "base/list.hpp"
 #include "base/signal_bits.hpp"
-#include "check/diff/pairing.hpp"
-#include "check/objects/record_words.hpp"
+#include "diff/pairing.hpp"
+#include "words/attribute_words.hpp"
 
-namespace zelk::check {
+namespace zelk::tool {
 
 namespace {
 
@@ -21,7 +22,7 @@ struct AttributeEntry {
   std::string name;
   std::string node;  // empty for none
 
-  ObjectKey key() const { return {0, name, node}; }
+  Key key() const { return {0, name, node}; }
   ChangeSide side() const { return {in_utf8(value_cell(*record), encoding), record, encoding}; }
 };
 
@@ -29,7 +30,7 @@ struct DescriptionEntry {
   const val* record;
   Encoding encoding;
 
-  ObjectKey key() const { return {static_cast<std::uint32_t>(record->value), {}, {}}; }
+  Key key() const { return {static_cast<std::uint32_t>(record->value), {}, {}}; }
   ChangeSide side() const { return {in_utf8(text(view(record->text)), encoding)}; }
 };
 
@@ -81,12 +82,12 @@ template <typename Entry, typename Visit>
 void for_each_change(const std::vector<Entry>& before, const std::vector<Entry>& after,
                      const Visit& visit) {
   const auto keys_of = [](const std::vector<Entry>& entries) {
-    std::vector<ObjectKey> keys;
+    std::vector<Key> keys;
     keys.reserve(entries.size());
     for (const Entry& entry : entries) keys.push_back(entry.key());
     return keys;
   };
-  for (const ObjectPair& pair : pair_up(keys_of(before), keys_of(after))) {
+  for (const Pair& pair : pair_up(keys_of(before), keys_of(after))) {
     const Entry* const old_one = pair.before ? &before[*pair.before] : nullptr;
     const Entry* const new_one = pair.after ? &after[*pair.after] : nullptr;
     if (old_one && new_one && same_value(*old_one, *new_one)) continue;
@@ -175,8 +176,8 @@ Cell sign(const Object& object) {
 Cell bit_timings(const ZelkDatabase& database) {
   CellList list;
   for (const btlblk& timing : each(database.bit_timings)) {
-    list.push_back({"baud rate " + std::to_string(timing.baudrate) + " BTR1 " +
-                    hex_text(timing.btr1, 2) + " BTR2 " + hex_text(timing.btr2, 2)});
+    list.push_back({fmt::format("baud rate {} BTR1 0x{:02X} BTR2 0x{:02X}", timing.baudrate,
+                                timing.btr1, timing.btr2)});
   }
   return {std::move(list)};
 }
@@ -232,4 +233,4 @@ std::vector<Change> network_changes(EncodedDatabase before, EncodedDatabase afte
   return comparison.take();
 }
 
-}  // namespace zelk::check
+}  // namespace zelk::tool

@@ -1,4 +1,6 @@
-#include "check/picture/layouts.hpp"
+#include "show/layouts.hpp"
+
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -7,13 +9,12 @@
 #include <set>
 #include <unordered_map>
 
-#include "base/escaping.hpp"
 #include "base/multiplexing.hpp"
-#include "base/text_view.hpp"
-#include "check/objects/record_words.hpp"
+#include "term/text.hpp"
+#include "words/record_words.hpp"
 #include "zelk/query.h"
 
-namespace zelk::check {
+namespace zelk::tool {
 
 namespace {
 
@@ -152,7 +153,7 @@ class LayoutBuilder {
     if (!multiplexor || selection.ranges.size() > 1 || first.low != first.high) return text;
     const char* called =
         zelk_get_sig_enumsymbol(multiplexor, static_cast<std::uint32_t>(first.low));
-    return called ? text + " " + in_quotes(to_utf8(called, encoding_)) : text;
+    return called ? fmt::format("{} {}", text, in_quotes(to_utf8(called, encoding_))) : text;
   }
 
   Encoding encoding_;
@@ -168,4 +169,4 @@ Layouts layouts_of(const msgblk& message, Encoding encoding) {
   return LayoutBuilder(message, encoding).build();
 }
 
-}  // namespace zelk::check
+}  // namespace zelk::tool

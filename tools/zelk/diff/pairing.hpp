@@ -1,8 +1,8 @@
 /// \file
 /// Which elements of two lists belong together.
 
-#ifndef ZELK_CHECK_DIFF_PAIRING_HPP
-#define ZELK_CHECK_DIFF_PAIRING_HPP
+#ifndef ZELK_TOOL_DIFF_PAIRING_HPP
+#define ZELK_TOOL_DIFF_PAIRING_HPP
 
 #include <cstddef>
 #include <cstdint>
@@ -10,19 +10,19 @@
 #include <string>
 #include <vector>
 
-namespace zelk::check {
+namespace zelk::tool {
 
 /// What identifies an element in its list.
-struct ObjectKey {
+struct Key {
   std::uint64_t number = 0;
   std::string name;
   std::string partner;
 
-  bool operator==(const ObjectKey&) const = default;
+  bool operator==(const Key&) const = default;
 };
 
 /// Positions in two lists of what is one and the same; an element that only one list has is alone.
-struct ObjectPair {
+struct Pair {
   std::optional<std::size_t> before;
   std::optional<std::size_t> after;
 };
@@ -31,9 +31,8 @@ struct ObjectPair {
 ///
 /// @return a pair for each element of `before`, in its order, then one for each element that only
 /// `after` has, in its order
-std::vector<ObjectPair> pair_up(const std::vector<ObjectKey>& before,
-                                const std::vector<ObjectKey>& after);
+std::vector<Pair> pair_up(const std::vector<Key>& before, const std::vector<Key>& after);
 
-}  // namespace zelk::check
+}  // namespace zelk::tool
 
 #endif

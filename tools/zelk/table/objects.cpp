@@ -1,10 +1,10 @@
-#include "check/objects/objects.hpp"
+#include "table/objects.hpp"
 
 #include "base/list.hpp"
-#include "check/objects/attribute_words.hpp"
-#include "check/objects/columns.hpp"
+#include "table/columns.hpp"
+#include "words/attribute_words.hpp"
 
-namespace zelk::check {
+namespace zelk::tool {
 
 namespace {
 
@@ -149,4 +149,4 @@ std::span<const ObjectKind> object_kinds() {
   return kinds;
 }
 
-}  // namespace zelk::check
+}  // namespace zelk::tool

@@ -1,15 +1,15 @@
 /// \file
 /// What differs between two databases, object by object.
 
-#ifndef ZELK_CHECK_DIFF_DIFFERENCES_HPP
-#define ZELK_CHECK_DIFF_DIFFERENCES_HPP
+#ifndef ZELK_TOOL_DIFF_DIFFERENCES_HPP
+#define ZELK_TOOL_DIFF_DIFFERENCES_HPP
 
 #include <functional>
 #include <vector>
 
-#include "check/diff/changes.hpp"
+#include "diff/changes.hpp"
 
-namespace zelk::check {
+namespace zelk::tool {
 
 enum class Presence {
   kRemoved,  ///< only the first database has it
@@ -36,6 +36,6 @@ struct Difference {
 void for_each_difference(EncodedDatabase before, EncodedDatabase after,
                          const std::function<void(const Difference&)>& visit);
 
-}  // namespace zelk::check
+}  // namespace zelk::tool
 
 #endif

@@ -1,0 +1,138 @@
+/// The order of statements. Those that stay where they are form the longest sequence whose places
+/// never descend; all others are at fault. So one misplaced block is at fault, and not all that
+/// stands around it.
+
+#include <algorithm>
+#include <array>
+
+#include "check/faults/analysis.hpp"
+
+namespace zelk::check {
+
+namespace {
+
+constexpr std::uint32_t kNone = Statement::kNone;
+constexpr int kPlaces = 24;  // from 1 to 23
+
+bool is_section(Word kind) {
+  return kind == Word::kVersion || kind == Word::kNewSymbols || kind == Word::kBitTiming ||
+         kind == Word::kNodes;
+}
+
+class OrderFaults {
+ public:
+  explicit OrderFaults(const Analysis& analysis) : in_(analysis) {
+    kept_from_.fill(kNone);
+    kept_to_.fill(kNone);
+  }
+
+  void find() {
+    place_statements();
+    if (!std::ranges::is_sorted(placed_, {}, &Placed::place)) keep_longest();
+    find_kept();
+    for (const Placed& placed : placed_)
+      if (!placed.is_kept) add_misplaced(placed);
+    add_missing(Word::kBitTiming, FaultKind::kMissingBitTiming);
+    add_missing(Word::kNodes, FaultKind::kMissingNodes);
+  }
+
+ private:
+  struct Placed {
+    std::uint32_t statement;
+    int place;
+    bool is_kept = true;
+    std::uint32_t before = kNone;  ///< the one before it in the longest sequence that ends with it
+  };
+
+  /// All statements that have a place; for some it depends on what stands in front.
+  void place_statements() {
+    std::array<std::uint32_t, kPlaces> sections;
+    sections.fill(kNone);
+    bool has_type_definitions = false;
+    for (std::uint32_t i = 0; i < in_.document.statements.size(); ++i) {
+      const Statement& statement = in_.statement(i);
+      int place = place_of(statement.kind);
+      if (place == 0) continue;
+      auto& section = sections[static_cast<std::size_t>(place)];
+      const bool is_doubled = is_section(statement.kind) && section != kNone;
+      const bool is_orphan = statement.kind == Word::kSignal && statement.owner == kNone;
+      has_type_definitions |= statement.kind == Word::kTypeDefinition;
+      if (statement.kind == Word::kRelationDefinition && has_type_definitions) ++place;
+      if (is_doubled) in_.add(FaultKind::kDoubledSection, i).related = section;
+      if (is_orphan) in_.add(FaultKind::kOrder, i);
+      if (is_doubled || is_orphan) continue;
+      section = i;
+      placed_.push_back({i, place});
+    }
+  }
+
+  /// Finds the longest sequence: for every place, the last member of the longest one that ends with
+  /// a statement of this place.
+  void keep_longest() {
+    struct End {
+      std::uint32_t length = 0;
+      std::uint32_t last = kNone;
+    };
+    std::array<End, kPlaces> ends{};
+    const auto longer = [](const End& a, const End& b) { return a.length < b.length; };
+    for (std::uint32_t i = 0; i < placed_.size(); ++i) {
+      Placed& placed = placed_[i];
+      const auto behind = ends.begin() + placed.place + 1;
+      const End longest = *std::max_element(ends.begin(), behind, longer);
+      placed.is_kept = false;
+      placed.before = longest.last;
+      ends[static_cast<std::size_t>(placed.place)] = {longest.length + 1, i};
+    }
+    std::uint32_t at = std::ranges::max_element(ends, longer)->last;
+    for (; at != kNone; at = placed_[at].before) placed_[at].is_kept = true;
+  }
+
+  void find_kept() {
+    for (const Placed& placed : placed_) {
+      if (!placed.is_kept) continue;
+      const auto place = static_cast<std::size_t>(placed.place);
+      if (kept_from_[place] == kNone) kept_from_[place] = placed.statement;
+      kept_to_[place] = placed.statement;
+    }
+  }
+
+  /// The first statement that stays with a place behind this one.
+  std::uint32_t next_kept(int place) const {
+    const auto found = std::find_if(kept_from_.begin() + place + 1, kept_from_.end(),
+                                    [](std::uint32_t statement) { return statement != kNone; });
+    return found == kept_from_.end() ? kNone : *found;
+  }
+
+  /// The last statement that stays with this place or one in front.
+  std::uint32_t last_kept(int place) const {
+    while (place > 0 && kept_to_[static_cast<std::size_t>(place)] == kNone) --place;
+    return kept_to_[static_cast<std::size_t>(place)];
+  }
+
+  void add_misplaced(const Placed& placed) const {
+    const std::uint32_t next = next_kept(placed.place);
+    const bool is_late = next != kNone && next < placed.statement;
+    in_.add(FaultKind::kOrder, placed.statement).related = is_late ? next : last_kept(placed.place);
+  }
+
+  void add_missing(Word kind, FaultKind fault) const {
+    if (std::ranges::find(in_.document.statements, kind, &Statement::kind) !=
+        in_.document.statements.end())
+      return;
+    const std::uint32_t next = next_kept(place_of(kind));
+    const auto all = static_cast<std::uint32_t>(in_.document.tokens.size());
+    const std::uint32_t token = next == kNone ? all : in_.statement(next).first;
+    in_.faults.push_back({fault, next, token, token});
+  }
+
+  const Analysis& in_;
+  std::vector<Placed> placed_;
+  std::array<std::uint32_t, kPlaces> kept_from_;
+  std::array<std::uint32_t, kPlaces> kept_to_;
+};
+
+}  // namespace
+
+void find_order_faults(const Analysis& analysis) { OrderFaults(analysis).find(); }
+
+}  // namespace zelk::check
