@@ -30,14 +30,15 @@ ExitCode diff(const Arguments& arguments, Output& out) {
   if (!has_before || !has_after) return kExitTrouble;
   bool differs = false;
   JsonArray array(out);
-  for_each_difference(old_file.encoded(), new_file.encoded(), [&](const Difference& difference) {
-    differs = true;
-    if (arguments.json) {
-      add_difference(array, difference);
-    } else {
-      print_difference(difference, out);
-    }
-  });
+  check::for_each_difference(old_file.encoded(), new_file.encoded(),
+                             [&](const check::Difference& difference) {
+                               differs = true;
+                               if (arguments.json) {
+                                 add_difference(array, difference);
+                               } else {
+                                 print_difference(difference, out);
+                               }
+                             });
   if (arguments.json) array.finish();
   return differs ? kExitDifferent : kExitSuccess;
 }

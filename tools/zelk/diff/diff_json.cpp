@@ -3,10 +3,16 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
+#include "table/objects.hpp"
 #include "words/attribute_words.hpp"
 #include "words/record_words.hpp"
 
 namespace zelk::tool {
+
+using check::Change;
+using check::Changed;
+using check::Difference;
+using check::Presence;
 
 namespace {
 
@@ -25,7 +31,7 @@ void add_identity(Json& json, const Difference& difference) {
   json["name"] = object.name_text();
 }
 
-Json json_of(const Change& change) {
+Json json_of_change(const Change& change) {
   Json json;
   switch (change.what) {
     case Changed::kAttribute:
@@ -52,7 +58,7 @@ void add_difference(JsonArray& array, const Difference& difference) {
   add_identity(json, difference);
   if (difference.presence == Presence::kChanged) {
     Json& changes = json["changes"] = Json::array();
-    for (const Change& change : difference.changes) changes.push_back(json_of(change));
+    for (const Change& change : difference.changes) changes.push_back(json_of_change(change));
   }
   array.element(json);
 }

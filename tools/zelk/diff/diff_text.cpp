@@ -7,11 +7,18 @@
 #include <string_view>
 
 #include "base/characters.hpp"
+#include "table/cell.hpp"
+#include "table/objects.hpp"
 #include "term/text.hpp"
 #include "words/attribute_words.hpp"
 #include "words/record_words.hpp"
 
 namespace zelk::tool {
+
+using check::Change;
+using check::Changed;
+using check::ChangeSide;
+using check::Difference;
 
 namespace {
 

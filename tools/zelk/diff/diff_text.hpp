@@ -6,17 +6,17 @@
 
 #include <string>
 
-#include "diff/differences.hpp"
+#include "check/diff/differences.hpp"
 #include "term/output.hpp"
 
 namespace zelk::tool {
 
 /// A line for the object, "~ message 0x123 Speed", with + for an added object, - for a removed and
 /// ~ for a changed one; and an indented one for each change, "length: 8 -> 16".
-void print_difference(const Difference& difference, Output& out);
+void print_difference(const check::Difference& difference, Output& out);
 
 /// The same in one line: "~ message 0x123 Speed: length: 8 -> 16, ...".
-std::string difference_line(const Difference& difference);
+std::string difference_line(const check::Difference& difference);
 
 }  // namespace zelk::tool
 

@@ -89,7 +89,7 @@ void check_trial_write(EncodedDatabase database, const std::string& path) {
     throw RequestError(behind_path("not written, as it could not be read again", report));
   }
   std::size_t count = 0;
-  for_each_difference(database, file.encoded(), [&](const Difference& difference) {
+  check::for_each_difference(database, file.encoded(), [&](const check::Difference& difference) {
     if (++count > kMostWarnings) return;
     print_error(behind_path(
         path, "warning: in the file this is otherwise: " + difference_line(difference)));

@@ -2,9 +2,10 @@
 #include <set>
 
 #include "base/multiplexing.hpp"
+#include "check/picture/frame_bits.hpp"
+#include "check/picture/layouts.hpp"
 #include "show/bit_matrix.hpp"
 #include "show/describe.hpp"
-#include "show/layouts.hpp"
 #include "term/text.hpp"
 #include "words/record_words.hpp"
 
@@ -25,23 +26,6 @@ std::string key_of(std::size_t index) {
   for (std::size_t rest = index + 1; rest > 0; rest = (rest - 1) / 26)
     key.insert(key.begin(), static_cast<char>('A' + (rest - 1) % 26));
   return key;
-}
-
-/// Highest byte that the signal touches; 0 for one without bits.
-std::uint32_t last_byte(const sigblk& signal) {
-  if (signal.length == 0) return 0;
-  return std::max(bit_place(signal, 0).byte, bit_place(signal, signal.length - 1u).byte);
-}
-
-/// Most significant to least significant bit.
-std::string place_text(const sigblk& signal) {
-  if (signal.length == 0) return "no bits";
-  const BitPlace msb = bit_place(signal, signal.length - 1u);
-  const BitPlace lsb = bit_place(signal, 0);
-  if (msb.byte != lsb.byte)
-    return fmt::format("byte {} bit {} to byte {} bit {}", msb.byte, msb.bit, lsb.byte, lsb.bit);
-  if (msb.bit != lsb.bit) return fmt::format("byte {} bits {} to {}", msb.byte, msb.bit, lsb.bit);
-  return fmt::format("byte {} bit {}", msb.byte, msb.bit);
 }
 
 }  // namespace
@@ -65,7 +49,7 @@ std::string Describer::legend_remarks(const sigblk& signal, std::uint32_t dlc, b
     text += fmt::format(", for {} = {}", multiplexor_name(signal),
                         signal.mux_ranges ? presence_values(signal) : "(none)");
   }
-  if (signal.length > 0 && last_byte(signal) >= dlc) text += ", beyond the data length";
+  if (signal.length > 0 && check::last_byte(signal) >= dlc) text += ", beyond the data length";
   if (!drawn) text += ", not drawn";
   return text;
 }
@@ -180,7 +164,7 @@ void Describer::signal_type(const sigtype& type) const {
 }
 
 void Describer::layout(const msgblk& message) const {
-  std::unordered_map<const sigblk*, std::string> keys;
+  SignalKeys keys;
   std::size_t name_width = 0;
   std::size_t key_width = 1;
   for (const sigblk& signal : each(message.signals)) {
@@ -189,14 +173,12 @@ void Describer::layout(const msgblk& message) const {
     name_width = std::max(name_width, view(signal.name).size());
   }
 
-  const Layouts all = layouts_of(message, encoding_);
+  const check::Layouts all = check::layouts_of(message, encoding_);
   std::set<const sigblk*> drawn;
-  for (const Layout& layout : all.layouts) {
+  for (const check::Layout& layout : all.layouts) {
     out_.line("Layout{}{}:", layout.condition.empty() ? "" : " for ", layout.condition);
     const Output::Indent indent(out_);
-    std::vector<KeyedSignal> keyed;
-    for (const sigblk* signal : layout.signals) keyed.push_back({signal, keys.at(signal)});
-    draw_bit_matrix(out_, message.dlc, keyed, key_width);
+    draw_bit_matrix(out_, check::FrameBits(message.dlc, layout.signals), keys, key_width);
     drawn.insert(layout.signals.begin(), layout.signals.end());
   }
   if (!all.complete) out_.line("further multiplexor values are not drawn");
@@ -204,7 +186,7 @@ void Describer::layout(const msgblk& message) const {
   const Output::Indent indent(out_);
   for (const sigblk& signal : each(message.signals)) {
     out_.line("{:>{}}  {:<{}}  {}{}", keys.at(&signal), key_width, shown(view(signal.name)),
-              name_width, place_text(signal),
+              name_width, check::place_text(signal),
               legend_remarks(signal, message.dlc, signal.length > 0 && drawn.contains(&signal)));
   }
 }

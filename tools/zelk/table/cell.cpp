@@ -3,11 +3,8 @@
 #include <fmt/format.h>
 
 #include <cmath>
-#include <utility>
 
-#include "base/list.hpp"
 #include "term/text.hpp"
-#include "words/attribute_words.hpp"
 
 namespace zelk::tool {
 
@@ -23,67 +20,7 @@ std::string shown_element(const CellElement& element) {
   return element.text.empty() ? "\"\"" : escaped(element.text);
 }
 
-Cell number_cell(const attr_def& definition, double value) {
-  return is_hexadecimal(definition, value) ? hexadecimal(value, 1) : number(value);
-}
-
-bool has_item(const attr_def& definition, double index) {
-  const std::size_t count = EnumItems(view(definition.enum_values)).size();
-  return index >= 0 && index <= static_cast<double>(count - 1);
-}
-
 }  // namespace
-
-Cell none() { return {}; }
-
-Cell text(std::string_view text) { return {std::string(text)}; }
-
-Cell number(double number) { return {number + 0.0}; }  // turns a negative zero into 0
-
-Cell hexadecimal(double number, int digits) { return {number, digits}; }
-
-Cell yes_or_no(bool yes) { return {yes}; }
-
-Cell value_descriptions(const val* values) {
-  CellList list;
-  for (const val& value : each(values))
-    list.push_back({std::string(view(value.text)), value.value});
-  return {std::move(list)};
-}
-
-Cell node_names(const rxblk* links) {
-  CellList list;
-  for (const rxblk& link : each(links))
-    if (link.node) list.push_back({std::string(view(link.node->name))});
-  return {std::move(list)};
-}
-
-Cell value_cell(const attr& value) {
-  const attr_def& definition = *value.def;
-  const double number = value.value.number;
-  const bool is_text = !has_range(definition) &&
-                       (definition.value_type == ZELK_ATTR_STRING || has_item(definition, number));
-  return is_text ? text(attribute_text(value).value_or("")) : number_cell(definition, number);
-}
-
-Cell default_cell(const attr_def& definition) {
-  return has_range(definition) ? number_cell(definition, definition.default_value.number)
-                               : text(default_text(definition).value_or(""));
-}
-
-Cell effective_value(const attr* values, const attr_def* definition) {
-  if (!definition) return none();
-  for (const attr& value : each(values))
-    if (view(value.def->name) == view(definition->name)) return value_cell(value);
-  return default_cell(*definition);
-}
-
-Cell in_utf8(Cell cell, Encoding encoding) {
-  if (auto* const text = std::get_if<std::string>(&cell.value)) *text = to_utf8(*text, encoding);
-  if (auto* const list = std::get_if<CellList>(&cell.value))
-    for (CellElement& element : *list) element.text = to_utf8(element.text, encoding);
-  return cell;
-}
 
 // From 2^53 on, doubles skip whole numbers.
 bool is_whole(double number) {

@@ -9,19 +9,10 @@
 #include <string_view>
 #include <vector>
 
+#include "base/escaping.hpp"
 #include "base/text_view.hpp"
 
 namespace zelk::tool {
-
-/// `text`, in UTF-8, fit for a terminal line: control characters become "\n", "\t", "\x1B", ...
-/// Bytes that are no UTF-8, as in the name of a file, are not changed.
-std::string escaped(std::string_view text);
-
-/// `escaped`, but with tabs, carriage returns and line feeds as they are.
-std::string escaped_between_lines(std::string_view text);
-
-/// `escaped` in double quotes; double quotes and backslashes inside get a backslash.
-std::string in_quotes(std::string_view text);
 
 /// The lines of `text`, each `escaped`, without their line feeds and carriage returns. An empty
 /// text has none, and a line feed at the very end adds none.

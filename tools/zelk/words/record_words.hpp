@@ -4,44 +4,20 @@
 #ifndef ZELK_TOOL_WORDS_RECORD_WORDS_HPP
 #define ZELK_TOOL_WORDS_RECORD_WORDS_HPP
 
-#include <cstdint>
-#include <string>
-#include <string_view>
-
-#include "zelk/records.h"
+#include "check/objects/record_words.hpp"
 
 namespace zelk::tool {
 
-/// An identifier without its format bit.
-constexpr std::uint32_t bare_id(std::uint32_t id) { return id & ~ZELK_ID_EXTENDED; }
-
-/// Hexadecimal digits that an identifier is written with: 8 for an extended one, else 3.
-constexpr int id_digits(std::uint32_t id) { return id & ZELK_ID_EXTENDED ? 8 : 3; }
-
-/// "0x123", "0x18FEF1FE": the identifier without its format bit, with all its digits.
-std::string padded_id(std::uint32_t id);
-
-/// "11-bit" or "29-bit".
-std::string_view id_format(std::uint32_t id);
-
-/// "0x123 (291), 11-bit": the identifier without its format bit, and its format.
-std::string shown_id(std::uint32_t id);
-
-/// "Intel" or "Motorola", by the flags of a signal or signal type.
-std::string_view byte_order(std::uint16_t flags);
-
-/// "signed", "IEEE single", ...: how the bits of a signal or signal type are read.
-std::string number_format(std::uint16_t flags, std::uint32_t value_type);
-
-/// "integer", "string", ...: the type of an environment variable (`ZELK_ENVVAR_*`).
-std::string_view env_var_type(std::uint32_t type);
-
-/// "3" or "5..7".
-std::string range_text(std::uint64_t low, std::uint64_t high);
-
-/// The multiplexor values for which `signal` is present, in list order: "3, 5..7"; empty when it
-/// has none.
-std::string presence_values(const sigblk& signal);
+using check::bare_id;
+using check::byte_order;
+using check::env_var_type;
+using check::id_digits;
+using check::id_format;
+using check::number_format;
+using check::padded_id;
+using check::presence_values;
+using check::range_text;
+using check::shown_id;
 
 }  // namespace zelk::tool
 

@@ -1,15 +1,15 @@
 /// \file
 /// What differs between two databases, object by object.
 
-#ifndef ZELK_TOOL_DIFF_DIFFERENCES_HPP
-#define ZELK_TOOL_DIFF_DIFFERENCES_HPP
+#ifndef ZELK_CHECK_DIFF_DIFFERENCES_HPP
+#define ZELK_CHECK_DIFF_DIFFERENCES_HPP
 
 #include <functional>
 #include <vector>
 
-#include "diff/changes.hpp"
+#include "check/diff/changes.hpp"
 
-namespace zelk::tool {
+namespace zelk::check {
 
 enum class Presence {
   kRemoved,  ///< only the first database has it
@@ -36,6 +36,6 @@ struct Difference {
 void for_each_difference(EncodedDatabase before, EncodedDatabase after,
                          const std::function<void(const Difference&)>& visit);
 
-}  // namespace zelk::tool
+}  // namespace zelk::check
 
 #endif

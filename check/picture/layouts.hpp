@@ -1,16 +1,16 @@
 /// \file
 /// Which signals of a message lie in the frame together.
 
-#ifndef ZELK_TOOL_SHOW_LAYOUTS_HPP
-#define ZELK_TOOL_SHOW_LAYOUTS_HPP
+#ifndef ZELK_CHECK_PICTURE_LAYOUTS_HPP
+#define ZELK_CHECK_PICTURE_LAYOUTS_HPP
 
 #include <string>
 #include <vector>
 
-#include "input/encoded_database.hpp"
+#include "base/encoding.hpp"
 #include "zelk/records.h"
 
-namespace zelk::tool {
+namespace zelk::check {
 
 /// Signals that lie in the frame together.
 struct Layout {
@@ -37,6 +37,6 @@ struct Layouts {
 /// @param encoding  of the message's texts; conditions are in UTF-8
 Layouts layouts_of(const msgblk& message, Encoding encoding);
 
-}  // namespace zelk::tool
+}  // namespace zelk::check
 
 #endif

@@ -1,20 +1,20 @@
 /// \file
 /// The columns in which each kind of objects is listed; for `objects.cpp` alone.
 
-#ifndef ZELK_TOOL_TABLE_COLUMNS_HPP
-#define ZELK_TOOL_TABLE_COLUMNS_HPP
+#ifndef ZELK_CHECK_OBJECTS_COLUMNS_HPP
+#define ZELK_CHECK_OBJECTS_COLUMNS_HPP
 
 #include <string_view>
 #include <type_traits>
 
 #include "base/list.hpp"
 #include "base/multiplexing.hpp"
-#include "table/cell.hpp"
-#include "table/objects.hpp"
-#include "words/attribute_words.hpp"
-#include "words/record_words.hpp"
+#include "check/objects/attribute_words.hpp"
+#include "check/objects/cell.hpp"
+#include "check/objects/objects.hpp"
+#include "check/objects/record_words.hpp"
 
-namespace zelk::tool {
+namespace zelk::check {
 
 template <typename Record>
 struct Column {
@@ -187,6 +187,6 @@ inline constexpr Column<Description> kDescriptionColumns[] = {
     {"text", [](const Description& d) { return text(view(d.record->text)); }},
 };
 
-}  // namespace zelk::tool
+}  // namespace zelk::check
 
 #endif

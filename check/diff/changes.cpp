@@ -1,17 +1,16 @@
-#include "diff/changes.hpp"
-
-#include <fmt/format.h>
+#include "check/diff/changes.hpp"
 
 #include <algorithm>
 #include <string_view>
 #include <utility>
 
+#include "base/attribute_text.hpp"
 #include "base/list.hpp"
 #include "base/signal_bits.hpp"
-#include "diff/pairing.hpp"
-#include "words/attribute_words.hpp"
+#include "check/diff/pairing.hpp"
+#include "check/objects/record_words.hpp"
 
-namespace zelk::tool {
+namespace zelk::check {
 
 namespace {
 
@@ -22,7 +21,7 @@ struct AttributeEntry {
   std::string name;
   std::string node;  // empty for none
 
-  Key key() const { return {0, name, node}; }
+  ObjectKey key() const { return {0, name, node}; }
   ChangeSide side() const { return {in_utf8(value_cell(*record), encoding), record, encoding}; }
 };
 
@@ -30,7 +29,7 @@ struct DescriptionEntry {
   const val* record;
   Encoding encoding;
 
-  Key key() const { return {static_cast<std::uint32_t>(record->value), {}, {}}; }
+  ObjectKey key() const { return {static_cast<std::uint32_t>(record->value), {}, {}}; }
   ChangeSide side() const { return {in_utf8(text(view(record->text)), encoding)}; }
 };
 
@@ -82,12 +81,12 @@ template <typename Entry, typename Visit>
 void for_each_change(const std::vector<Entry>& before, const std::vector<Entry>& after,
                      const Visit& visit) {
   const auto keys_of = [](const std::vector<Entry>& entries) {
-    std::vector<Key> keys;
+    std::vector<ObjectKey> keys;
     keys.reserve(entries.size());
     for (const Entry& entry : entries) keys.push_back(entry.key());
     return keys;
   };
-  for (const Pair& pair : pair_up(keys_of(before), keys_of(after))) {
+  for (const ObjectPair& pair : pair_up(keys_of(before), keys_of(after))) {
     const Entry* const old_one = pair.before ? &before[*pair.before] : nullptr;
     const Entry* const new_one = pair.after ? &after[*pair.after] : nullptr;
     if (old_one && new_one && same_value(*old_one, *new_one)) continue;
@@ -176,8 +175,8 @@ Cell sign(const Object& object) {
 Cell bit_timings(const ZelkDatabase& database) {
   CellList list;
   for (const btlblk& timing : each(database.bit_timings)) {
-    list.push_back({fmt::format("baud rate {} BTR1 0x{:02X} BTR2 0x{:02X}", timing.baudrate,
-                                timing.btr1, timing.btr2)});
+    list.push_back({"baud rate " + std::to_string(timing.baudrate) + " BTR1 " +
+                    hex_text(timing.btr1, 2) + " BTR2 " + hex_text(timing.btr2, 2)});
   }
   return {std::move(list)};
 }
@@ -233,4 +232,4 @@ std::vector<Change> network_changes(EncodedDatabase before, EncodedDatabase afte
   return comparison.take();
 }
 
-}  // namespace zelk::tool
+}  // namespace zelk::check

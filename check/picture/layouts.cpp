@@ -1,6 +1,4 @@
-#include "show/layouts.hpp"
-
-#include <fmt/format.h>
+#include "check/picture/layouts.hpp"
 
 #include <algorithm>
 #include <cstdint>
@@ -9,12 +7,13 @@
 #include <set>
 #include <unordered_map>
 
+#include "base/escaping.hpp"
 #include "base/multiplexing.hpp"
-#include "term/text.hpp"
-#include "words/record_words.hpp"
+#include "base/text_view.hpp"
+#include "check/objects/record_words.hpp"
 #include "zelk/query.h"
 
-namespace zelk::tool {
+namespace zelk::check {
 
 namespace {
 
@@ -153,7 +152,7 @@ class LayoutBuilder {
     if (!multiplexor || selection.ranges.size() > 1 || first.low != first.high) return text;
     const char* called =
         zelk_get_sig_enumsymbol(multiplexor, static_cast<std::uint32_t>(first.low));
-    return called ? fmt::format("{} {}", text, in_quotes(to_utf8(called, encoding_))) : text;
+    return called ? text + " " + in_quotes(to_utf8(called, encoding_)) : text;
   }
 
   Encoding encoding_;
@@ -169,4 +168,4 @@ Layouts layouts_of(const msgblk& message, Encoding encoding) {
   return LayoutBuilder(message, encoding).build();
 }
 
-}  // namespace zelk::tool
+}  // namespace zelk::check

@@ -1,8 +1,8 @@
 /// \file
 /// Which elements of two lists belong together.
 
-#ifndef ZELK_TOOL_DIFF_PAIRING_HPP
-#define ZELK_TOOL_DIFF_PAIRING_HPP
+#ifndef ZELK_CHECK_DIFF_PAIRING_HPP
+#define ZELK_CHECK_DIFF_PAIRING_HPP
 
 #include <cstddef>
 #include <cstdint>
@@ -10,19 +10,19 @@
 #include <string>
 #include <vector>
 
-namespace zelk::tool {
+namespace zelk::check {
 
 /// What identifies an element in its list.
-struct Key {
+struct ObjectKey {
   std::uint64_t number = 0;
   std::string name;
   std::string partner;
 
-  bool operator==(const Key&) const = default;
+  bool operator==(const ObjectKey&) const = default;
 };
 
 /// Positions in two lists of what is one and the same; an element that only one list has is alone.
-struct Pair {
+struct ObjectPair {
   std::optional<std::size_t> before;
   std::optional<std::size_t> after;
 };
@@ -31,8 +31,9 @@ struct Pair {
 ///
 /// @return a pair for each element of `before`, in its order, then one for each element that only
 /// `after` has, in its order
-std::vector<Pair> pair_up(const std::vector<Key>& before, const std::vector<Key>& after);
+std::vector<ObjectPair> pair_up(const std::vector<ObjectKey>& before,
+                                const std::vector<ObjectKey>& after);
 
-}  // namespace zelk::tool
+}  // namespace zelk::check
 
 #endif

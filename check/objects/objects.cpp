@@ -1,10 +1,10 @@
-#include "table/objects.hpp"
+#include "check/objects/objects.hpp"
 
 #include "base/list.hpp"
-#include "table/columns.hpp"
-#include "words/attribute_words.hpp"
+#include "check/objects/attribute_words.hpp"
+#include "check/objects/columns.hpp"
 
-namespace zelk::tool {
+namespace zelk::check {
 
 namespace {
 
@@ -149,4 +149,4 @@ std::span<const ObjectKind> object_kinds() {
   return kinds;
 }
 
-}  // namespace zelk::tool
+}  // namespace zelk::check

@@ -1,16 +1,16 @@
 /// \file
 /// What differs between two states of one object.
 
-#ifndef ZELK_TOOL_DIFF_CHANGES_HPP
-#define ZELK_TOOL_DIFF_CHANGES_HPP
+#ifndef ZELK_CHECK_DIFF_CHANGES_HPP
+#define ZELK_CHECK_DIFF_CHANGES_HPP
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
-#include "table/objects.hpp"
+#include "check/objects/objects.hpp"
 
-namespace zelk::tool {
+namespace zelk::check {
 
 /// A value on one side of a change.
 struct ChangeSide {
@@ -40,6 +40,6 @@ std::vector<Change> changes_between(const ObjectKind& kind, const Object& before
 /// and the network's attribute values.
 std::vector<Change> network_changes(EncodedDatabase before, EncodedDatabase after);
 
-}  // namespace zelk::tool
+}  // namespace zelk::check
 
 #endif

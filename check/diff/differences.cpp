@@ -1,4 +1,4 @@
-#include "diff/differences.hpp"
+#include "check/diff/differences.hpp"
 
 #include <cstddef>
 #include <string_view>
@@ -6,10 +6,10 @@
 #include <utility>
 
 #include "base/list.hpp"
-#include "diff/pairing.hpp"
-#include "words/attribute_words.hpp"
+#include "check/diff/pairing.hpp"
+#include "check/objects/attribute_words.hpp"
 
-namespace zelk::tool {
+namespace zelk::check {
 
 namespace {
 
@@ -21,8 +21,8 @@ Messages messages_of(const ZelkDatabase& database) {
   return messages;
 }
 
-std::vector<Key> identifiers_of(const Messages& messages) {
-  std::vector<Key> keys;
+std::vector<ObjectKey> identifiers_of(const Messages& messages) {
+  std::vector<ObjectKey> keys;
   for (const msgblk* message : messages) keys.push_back({message->id, {}, {}});
   return keys;
 }
@@ -46,7 +46,7 @@ class MessagePairs {
 
   /// Whether both databases have the message.
   bool is_common(const msgblk& message) const {
-    const Pair& pair = pairs_[number(message)];
+    const ObjectPair& pair = pairs_[number(message)];
     return pair.before && pair.after;
   }
 
@@ -67,7 +67,7 @@ class MessagePairs {
     for (std::size_t i = 0; i < pairs_.size(); ++i)
       if (!pairs_[i].before) alone_after[view(after_[*pairs_[i].after]->name)] = i;
     if (alone_after.empty()) return;
-    for (Pair& pair : pairs_) {
+    for (ObjectPair& pair : pairs_) {
       if (pair.after || !pair.before) continue;
       const std::string_view name = view(before_[*pair.before]->name);
       const auto other = alone_after.find(name);
@@ -79,7 +79,7 @@ class MessagePairs {
 
   Messages before_;
   Messages after_;
-  std::vector<Pair> pairs_;
+  std::vector<ObjectPair> pairs_;
   std::unordered_map<const msgblk*, std::size_t> numbers_;
 };
 
@@ -98,7 +98,7 @@ class DatabaseComparison {
   void objects(const ObjectKind& kind) const {
     const Side before = side(kind, before_);
     const Side after = side(kind, after_);
-    for (const Pair& pair : pair_up(before.keys, after.keys)) {
+    for (const ObjectPair& pair : pair_up(before.keys, after.keys)) {
       if (!pair.after) {
         visit_({Presence::kRemoved, &kind, before.objects[*pair.before], {}});
       } else if (!pair.before) {
@@ -113,7 +113,7 @@ class DatabaseComparison {
   /// The objects of a kind in one database, and by what they are matched.
   struct Side {
     std::vector<Object> objects;
-    std::vector<Key> keys;
+    std::vector<ObjectKey> keys;
   };
 
   Side side(const ObjectKind& kind, EncodedDatabase database) const {
@@ -126,7 +126,7 @@ class DatabaseComparison {
     return side;
   }
 
-  Key key_of(const Object& object) const {
+  ObjectKey key_of(const Object& object) const {
     if (const msgblk* const message = object.as<msgblk>())
       return {messages_.number(*message), {}, {}};
     if (object.owner) return {messages_.number(*object.owner), object.name_text(), {}};
@@ -155,4 +155,4 @@ void for_each_difference(EncodedDatabase before, EncodedDatabase after,
     if (kind.is_named) comparison.objects(kind);
 }
 
-}  // namespace zelk::tool
+}  // namespace zelk::check

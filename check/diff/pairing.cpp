@@ -1,16 +1,16 @@
-#include "diff/pairing.hpp"
+#include "check/diff/pairing.hpp"
 
 #include <algorithm>
 #include <functional>
 #include <string_view>
 #include <unordered_map>
 
-namespace zelk::tool {
+namespace zelk::check {
 
 namespace {
 
 struct HashKey {
-  std::size_t operator()(const Key& key) const {
+  std::size_t operator()(const ObjectKey& key) const {
     constexpr std::size_t kMultiplier = 1'000'003;
     const std::hash<std::string_view> hash;
     return (std::hash<std::uint64_t>()(key.number) * kMultiplier + hash(key.name)) * kMultiplier +
@@ -22,7 +22,7 @@ struct HashKey {
 class Positions {
  public:
   /// @param first  where the part of `keys` begins that counts
-  Positions(const std::vector<Key>& keys, std::size_t first) : next_(keys.size(), kNone) {
+  Positions(const std::vector<ObjectKey>& keys, std::size_t first) : next_(keys.size(), kNone) {
     for (std::size_t i = keys.size(); i-- > first;) {
       const auto [entry, is_new] = heads_.try_emplace(keys[i], i);
       if (is_new) continue;
@@ -31,7 +31,7 @@ class Positions {
     }
   }
 
-  std::optional<std::size_t> take(const Key& key) {
+  std::optional<std::size_t> take(const ObjectKey& key) {
     const auto entry = heads_.find(key);
     if (entry == heads_.end() || entry->second == kNone) return std::nullopt;
     const std::size_t position = entry->second;
@@ -42,16 +42,17 @@ class Positions {
  private:
   static constexpr std::size_t kNone = SIZE_MAX;
 
-  std::unordered_map<Key, std::size_t, HashKey> heads_;  // the first one left of each key
-  std::vector<std::size_t> next_;                        // the next one of the same key
+  std::unordered_map<ObjectKey, std::size_t, HashKey> heads_;  // the first one left of each key
+  std::vector<std::size_t> next_;                              // the next one of the same key
 };
 
 }  // namespace
 
-std::vector<Pair> pair_up(const std::vector<Key>& before, const std::vector<Key>& after) {
+std::vector<ObjectPair> pair_up(const std::vector<ObjectKey>& before,
+                                const std::vector<ObjectKey>& after) {
   const auto start = std::ranges::mismatch(before, after).in1;
   const auto equal = static_cast<std::size_t>(start - before.begin());
-  std::vector<Pair> pairs;
+  std::vector<ObjectPair> pairs;
   pairs.reserve(std::max(before.size(), after.size()));
   for (std::size_t i = 0; i < equal; ++i) pairs.push_back({i, i});
   if (equal == before.size() && equal == after.size()) return pairs;
@@ -67,4 +68,4 @@ std::vector<Pair> pair_up(const std::vector<Key>& before, const std::vector<Key>
   return pairs;
 }
 
-}  // namespace zelk::tool
+}  // namespace zelk::check

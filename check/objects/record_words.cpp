@@ -1,10 +1,13 @@
-#include "words/record_words.hpp"
+#include "check/objects/record_words.hpp"
 
-#include <fmt/format.h>
+#include <algorithm>
+#include <charconv>
+#include <iterator>
 
+#include "base/characters.hpp"
 #include "base/list.hpp"
 
-namespace zelk::tool {
+namespace zelk::check {
 
 namespace {
 
@@ -13,17 +16,24 @@ constexpr std::uint32_t kLargestExtendedId = 0x1FFFFFFF;
 
 }  // namespace
 
-std::string padded_id(std::uint32_t id) {
-  return fmt::format("0x{:0{}X}", bare_id(id), id_digits(id));
+std::string hex_text(std::uint64_t number, int digits) {
+  char buffer[16];
+  const auto [end, error] = std::to_chars(std::begin(buffer), std::end(buffer), number, 16);
+  std::string text(buffer, end);
+  std::ranges::transform(text, text.begin(), to_upper);
+  const auto width = static_cast<std::size_t>(digits);
+  return "0x" + std::string(width - std::min(width, text.size()), '0') + text;
 }
+
+std::string padded_id(std::uint32_t id) { return hex_text(bare_id(id), id_digits(id)); }
 
 std::string_view id_format(std::uint32_t id) { return id & ZELK_ID_EXTENDED ? "29-bit" : "11-bit"; }
 
 std::string shown_id(std::uint32_t id) {
   const std::uint32_t number = bare_id(id);
   const bool fits = number <= (number == id ? kLargestStandardId : kLargestExtendedId);
-  return fmt::format("0x{:X} ({}), {}{}", number, number, id_format(id),
-                     fits ? "" : ", out of range");
+  const std::string text = hex_text(number, 1) + " (" + std::to_string(number) + "), ";
+  return text + std::string(id_format(id)) + (fits ? "" : ", out of range");
 }
 
 std::string_view byte_order(std::uint16_t flags) {
@@ -31,7 +41,7 @@ std::string_view byte_order(std::uint16_t flags) {
 }
 
 std::string number_format(std::uint16_t flags, std::uint32_t value_type) {
-  const char* const sign = flags & ZELK_SIGNAL_SIGNED ? "signed" : "unsigned";
+  const std::string sign = flags & ZELK_SIGNAL_SIGNED ? "signed" : "unsigned";
   switch (value_type) {
     case ZELK_VALUE_INTEGER:
       return sign;
@@ -40,7 +50,7 @@ std::string number_format(std::uint16_t flags, std::uint32_t value_type) {
     case ZELK_VALUE_IEEE_DOUBLE:
       return "IEEE double";
     default:
-      return fmt::format("{}, value type {}", sign, value_type);
+      return sign + ", value type " + std::to_string(value_type);
   }
 }
 
@@ -60,7 +70,7 @@ std::string_view env_var_type(std::uint32_t type) {
 }
 
 std::string range_text(std::uint64_t low, std::uint64_t high) {
-  return low == high ? fmt::format("{}", low) : fmt::format("{}..{}", low, high);
+  return std::to_string(low) + (low == high ? "" : ".." + std::to_string(high));
 }
 
 std::string presence_values(const sigblk& signal) {
@@ -70,4 +80,4 @@ std::string presence_values(const sigblk& signal) {
   return text;
 }
 
-}  // namespace zelk::tool
+}  // namespace zelk::check
