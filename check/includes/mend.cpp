@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <iterator>
 #include <utility>
+#include <vector>
 
 #include "check/includes/includes.hpp"
+#include "check/statements/fault.hpp"
 
 namespace zelk::check {
 
@@ -21,32 +23,38 @@ void merge(Findings& into, Findings from) {
   into.count += from.count;
 }
 
+/// A named file is missing.
+Mended unmendable(Included included) {
+  std::vector<Finding>& list = included.findings.list;
+  std::erase_if(list, [](const Finding& f) { return f.severity != Severity::kError; });
+  included.findings.count = list.size();
+  return {Outcome::kUnmendable, std::move(included.source), {}, {}, std::move(included.findings)};
+}
+
 Mended mend_with_includes(Source source, const MendOptions& options) {
   Included included = include_files(std::move(source), options.include_folder);
-  if (!included.is_whole()) {
-    std::erase_if(included.findings.list,
-                  [](const Finding& finding) { return finding.severity != Severity::kError; });
-    included.findings.count = included.findings.list.size();
-    return {Outcome::kUnmendable, std::move(included.source), {}, {}, std::move(included.findings)};
-  }
+  if (!included.is_whole()) return unmendable(std::move(included));
   Mended mended = repair(std::move(included.source), options);
-  if (mended.outcome == Outcome::kUnneeded && included.count > 0) {
-    mended.outcome = Outcome::kMended;
-    mended.text = mended.source.text();
-  }
+  if (mended.outcome == Outcome::kUnneeded && included.count > 0) mended.outcome = Outcome::kMended;
   merge(mended.mends, std::move(included.findings));
   return mended;
 }
 
 }  // namespace
 
-Mended mend(Source source, const MendOptions& options) {
-  if (options.kept.contains(kIncludeRule)) return repair(std::move(source), options);
-  if (!options.include_folder.empty()) return mend_with_includes(std::move(source), options);
+MendedFile mend(Source source, const MendOptions& options) {
+  if (options.kept.contains(kIncludeRule)) return {repair(std::move(source), options)};
+  if (!options.include_folder.empty()) return {mend_with_includes(std::move(source), options)};
   Findings notes = find_includes(source);
-  Mended mended = repair(std::move(source), options);
-  merge(mended.mends, std::move(notes));
-  return mended;
+  return {repair(std::move(source), options), std::move(notes)};
+}
+
+std::vector<std::string_view> mend_names() {
+  std::vector<std::string_view> names = {kIncludeRule};
+  const auto name = [](unsigned number) { return name_of(static_cast<FaultKind>(number)); };
+  for (unsigned number = 0; !name(number).empty(); ++number) names.push_back(name(number));
+  std::ranges::sort(names);
+  return names;
 }
 
 }  // namespace zelk::check

@@ -5,6 +5,8 @@
 #define ZELK_CHECK_INCLUDES_MEND_HPP
 
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "check/repair/repair.hpp"
 
@@ -16,11 +18,18 @@ struct MendOptions : RepairOptions {
   std::string include_folder{};
 };
 
+struct MendedFile : Mended {
+  Findings notes{};  ///< of comments that name files, and stay; of severity `kNote`
+};
+
 /// `include_files`, and then `repair`. Without a file that is named the source is not mended, and
 /// stays as it was given. To keep `kIncludeRule` leaves all comments as they are.
 ///
 /// @param source  a single file
-Mended mend(Source source, const MendOptions& options);
+MendedFile mend(Source source, const MendOptions& options);
+
+/// The names of all mends, by which they are kept.
+std::vector<std::string_view> mend_names();
 
 }  // namespace zelk::check
 

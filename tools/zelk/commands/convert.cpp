@@ -3,6 +3,7 @@
 #include <string>
 
 #include "commands/commands.hpp"
+#include "commands/mending_options.hpp"
 #include "convert/conversion.hpp"
 #include "term/text.hpp"
 
@@ -61,6 +62,7 @@ void add_convert_command(CLI::App& app, Action& action) {
       ->required()
       ->option_text(" ");
   add_module_options(*command, *arguments);
+  add_mending_options(*command, arguments->mending);
   command->callback([arguments, &action] {
     arguments->from = format_of(arguments->in, "--from", arguments->from_name);
     arguments->to = format_of(arguments->out, "--to", arguments->to_name);

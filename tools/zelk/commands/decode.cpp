@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "commands/commands.hpp"
+#include "commands/mending_options.hpp"
 #include "input/opening.hpp"
 #include "log/frame_catalog.hpp"
 #include "log/log_input.hpp"
@@ -23,6 +24,7 @@ struct Arguments {
   std::vector<std::string> databases;
   std::optional<std::string> log;
   FrameOptions options;
+  Mending mending;
   bool stats = false;
   unsigned threads = 0;  // 0: by the size of the log
 };
@@ -76,7 +78,7 @@ bool take_argument(const std::string& argument, FrameCatalog& catalog,
 }
 
 ExitCode decode(const Arguments& arguments, Output& out) {
-  FrameCatalog catalog(arguments.options);
+  FrameCatalog catalog(arguments.options, arguments.mending);
   std::optional<std::string> log = arguments.log;
   bool all = true;
   for (const std::string& argument : arguments.databases)
@@ -140,6 +142,7 @@ void add_decode_command(CLI::App& app, Action& action) {
                    "Threads to decode with; else as many as there are cores for a large file")
       ->type_name("N")
       ->check(CLI::Range(1u, 256u).description(""));
+  add_mending_options(*command, arguments->mending);
   command->callback([arguments, &action] {
     arguments->options.format = &format_of(arguments->format);
     action = [arguments](Output& out) { return decode(*arguments, out); };

@@ -2,6 +2,7 @@
 #include <string>
 
 #include "commands/commands.hpp"
+#include "commands/mending_options.hpp"
 #include "diff/diff_json.hpp"
 #include "diff/diff_text.hpp"
 #include "input/opening.hpp"
@@ -20,11 +21,12 @@ struct Arguments {
   std::string before;
   std::string after;
   bool json = false;
+  Mending mending;
 };
 
 ExitCode diff(const Arguments& arguments, Output& out) {
-  DatabaseFile old_file;
-  DatabaseFile new_file;
+  DatabaseFile old_file(arguments.mending);
+  DatabaseFile new_file(arguments.mending);
   const bool has_before = old_file.open_and_report(arguments.before) != nullptr;
   const bool has_after = new_file.open_and_report(arguments.after) != nullptr;
   if (!has_before || !has_after) return kExitTrouble;
@@ -61,6 +63,7 @@ void add_diff_command(CLI::App& app, Action& action, ExitCode& failure) {
       ->required()
       ->option_text(" ");
   command->add_flag("--json", arguments->json, "An array of JSON objects, one in a line");
+  add_mending_options(*command, arguments->mending);
   command->callback([arguments, &action, &failure] {
     failure = kExitTrouble;
     action = [arguments](Output& out) { return diff(*arguments, out); };

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "commands/commands.hpp"
+#include "commands/mending_options.hpp"
 #include "encode/encode_message.hpp"
 #include "input/lookup.hpp"
 #include "input/opening.hpp"
@@ -18,6 +19,7 @@ struct Arguments : FrameValues {
   bool log = false;  // a whole line of a log, and not the frame alone
   std::string time = "0";
   std::string interface_name = "can0";
+  Mending mending;
 };
 
 /// Seconds with six decimals, as every reader of logs expects them; empty when `text` is no time.
@@ -57,7 +59,7 @@ std::string check_interface(const std::string& name) {
 }
 
 ExitCode encode(const Arguments& arguments, Output& out) {
-  DatabaseFile file;
+  DatabaseFile file(arguments.mending);
   if (!file.open_and_report(arguments.database)) return kExitFailure;
   try {
     out.line("{}", lead_of(arguments) + frame_text(encode_message(file.encoded(), arguments)));
@@ -107,6 +109,7 @@ void add_encode_command(CLI::App& app, Action& action) {
   command->add_flag("--raw", arguments->options.raw, "Values are raw ones");
   command->add_flag("--force", arguments->options.force,
                     "Take values that are out of range; of what the bits cannot hold the nearest");
+  add_mending_options(*command, arguments->mending);
   command->callback([arguments, &action] {
     action = [arguments](Output& out) { return encode(*arguments, out); };
   });

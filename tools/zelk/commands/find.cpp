@@ -5,6 +5,7 @@
 
 #include "base/j1939.hpp"
 #include "commands/commands.hpp"
+#include "commands/mending_options.hpp"
 #include "input/lookup.hpp"
 #include "table/search.hpp"
 #include "term/text.hpp"
@@ -17,15 +18,17 @@ struct Arguments {
   Query query;
   std::vector<std::string> words;  // of the command line, the files among them
   bool json = false;
+  Mending mending;
 };
 
-ExitCode find(const Query& query, const std::vector<std::string>& paths, bool json, Output& out) {
-  DatabaseSet databases;
-  const bool all = databases.open(paths);
+ExitCode find(const Arguments& arguments, Output& out) {
+  const Query& query = arguments.query;
+  DatabaseSet databases(arguments.mending);
+  const bool all = databases.open(arguments.words);
   if (databases.databases().empty()) return kExitFailure;
   const std::vector<Hit> hits = find_all(databases, query);
   if (hits.empty()) print_nothing_found(databases, query);
-  if (json) {
+  if (arguments.json) {
     print_hits_as_json(hits, out);
   } else {
     print_hits(hits, out);
@@ -81,11 +84,10 @@ void add_find_command(CLI::App& app, Action& action) {
       ->check(number_up_to(0xFFFFFFFF))
       ->excludes(group);
   command->add_flag("--json", arguments->json, "An array of JSON objects, one in a line");
+  add_mending_options(*command, arguments->mending);
   command->callback([arguments, &action] {
     part_words(*arguments);
-    action = [arguments](Output& out) {
-      return find(arguments->query, arguments->words, arguments->json, out);
-    };
+    action = [arguments](Output& out) { return find(*arguments, out); };
   });
 }
 

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "commands/commands.hpp"
+#include "commands/mending_options.hpp"
 #include "table/listing.hpp"
 
 namespace zelk::tool {
@@ -16,10 +17,11 @@ struct Arguments : Listing {
   bool count = false;
   bool json = false;
   bool csv = false;
+  Mending mending;
 };
 
 ExitCode list(const Arguments& arguments, Output& out) {
-  DatabaseSet databases;
+  DatabaseSet databases(arguments.mending);
   const bool all = databases.open(arguments.paths);
   if (databases.databases().empty()) return kExitFailure;
   if (!check_attributes(arguments, databases)) return kExitFailure;
@@ -95,6 +97,7 @@ void add_list_command(CLI::App& app, Action& action) {
                     "Names match whatever the case of their letters");
   add_column_options(*command, *arguments);
   add_form_options(*command, *arguments);
+  add_mending_options(*command, arguments->mending);
   command->callback([arguments, &action] {
     arguments->kind =
         &*std::ranges::find(object_kinds(), arguments->kind_name, &ObjectKind::plural);

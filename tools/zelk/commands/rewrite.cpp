@@ -2,6 +2,7 @@
 #include <string>
 
 #include "commands/commands.hpp"
+#include "commands/mending_options.hpp"
 #include "input/formats.hpp"
 #include "input/lookup.hpp"
 #include "input/opening.hpp"
@@ -17,6 +18,7 @@ struct Arguments {
   std::string out;
   bool allow_cut = false;
   bool allow_rounding = false;
+  Mending mending;
 };
 
 /// @throws RequestError when the database cannot be written, or not without loss
@@ -30,7 +32,7 @@ void write(const Arguments& arguments, const DatabaseFile& file, ZelkDatabase& d
 }
 
 ExitCode rewrite(const Arguments& arguments) {
-  DatabaseFile file;
+  DatabaseFile file(arguments.mending);
   ZelkDatabase* const database = file.open_and_report(arguments.in);
   if (!database) return kExitFailure;
   try {
@@ -61,6 +63,7 @@ void add_rewrite_command(CLI::App& app, Action& action) {
       "--allow-rounding", arguments->allow_rounding,
       "Write although numbers have more digits than the 14 that a file keeps, and are\n"
       "rounded");
+  add_mending_options(*command, arguments->mending);
   command->callback(
       [arguments, &action] { action = [arguments](Output&) { return rewrite(*arguments); }; });
 }

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "commands/commands.hpp"
+#include "commands/mending_options.hpp"
 #include "input/opening.hpp"
 #include "show/describe.hpp"
 #include "show/show_object.hpp"
@@ -11,8 +12,15 @@ namespace zelk::tool {
 
 namespace {
 
-ExitCode show(const std::string& path, const std::optional<std::string>& object, Output& out) {
-  DatabaseFile file;
+struct Arguments {
+  std::string path;
+  std::optional<std::string> object;
+  Mending mending;
+};
+
+ExitCode show(const Arguments& arguments, Output& out) {
+  const auto& [path, object, mending] = arguments;
+  DatabaseFile file(mending);
   if (!file.open_and_report(path)) return kExitFailure;
   if (object) return show_object(path, file.encoded(), *object, out) ? kExitSuccess : kExitFailure;
   Describer(file.encoded(), out).database(path);
@@ -22,10 +30,6 @@ ExitCode show(const std::string& path, const std::optional<std::string>& object,
 }  // namespace
 
 void add_show_command(CLI::App& app, Action& action) {
-  struct Arguments {
-    std::string path;
-    std::optional<std::string> object;
-  };
   CLI::App* command =
       app.add_subcommand("show", "Show a whole database, or what bears a name or identifier");
   const auto arguments = std::make_shared<Arguments>();
@@ -40,8 +44,9 @@ void add_show_command(CLI::App& app, Action& action) {
                    "messages with a drawing of their bits: [ marks the most and ] the\n"
                    "least significant bit of a signal, # bits of several signals.")
       ->option_text(" ");
+  add_mending_options(*command, arguments->mending);
   command->callback([arguments, &action] {
-    action = [arguments](Output& out) { return show(arguments->path, arguments->object, out); };
+    action = [arguments](Output& out) { return show(*arguments, out); };
   });
 }
 

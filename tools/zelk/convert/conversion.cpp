@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "input/lookup.hpp"
+#include "input/mending.hpp"
 #include "input/opening.hpp"
 #include "save/saving.hpp"
 #include "term/output.hpp"
@@ -16,8 +17,12 @@ namespace zelk::tool {
 namespace {
 
 OpenedDatabase read(const Conversion& conversion, ZelkWriteManager& manager) {
-  if (conversion.from.is_own()) return open_database(manager, conversion.in);
-  return import_database(manager, conversion.in, "converted",
+  constexpr const char* kName = "converted";
+  const bool is_own = conversion.from.is_own();
+  if (is_own && conversion.mending.is_wanted)
+    return import_mended(manager, conversion.in, kName, conversion.mending);
+  if (is_own) return open_database(manager, conversion.in);
+  return import_database(manager, conversion.in, kName,
                          {conversion.from.module, conversion.import_function, conversion.option});
 }
 

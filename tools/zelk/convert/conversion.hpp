@@ -7,6 +7,7 @@
 #include <string>
 
 #include "input/formats.hpp"
+#include "input/opening.hpp"
 
 namespace zelk::tool {
 
@@ -19,6 +20,7 @@ struct Conversion {
   std::string option;  ///< for the modules, in their own words
   std::string import_function = "zelk_import";
   std::string export_function = "zelk_export";
+  Mending mending;
 };
 
 /// Reads one file and writes the other, which must not exist. Faults and warnings are printed on

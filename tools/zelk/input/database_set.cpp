@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "base/characters.hpp"
+#include "input/mending.hpp"
 #include "input/opening.hpp"
 #include "term/output.hpp"
 #include "term/text.hpp"
@@ -48,7 +49,8 @@ bool DatabaseSet::open(const std::vector<std::string>& paths) {
 
 bool DatabaseSet::open(const std::string& path) {
   const Format format = format_of_file(path).value_or(Format{});
-  const OpenedDatabase opened = format.is_own() ? open_own(path) : import(path, format);
+  const bool is_opened = format.is_own() && !mending_.is_wanted;
+  const OpenedDatabase opened = is_opened ? open_own(path) : import(path, format);
   if (opened.error == ZelkErrorAlreadyOpen) {
     print_error(fmt::format("{}: warning: named twice", escaped(path)));
     return true;
@@ -76,7 +78,9 @@ OpenedDatabase DatabaseSet::import(const std::string& path, const Format& format
     opened.error = ZelkErrorAlreadyOpen;
     return opened;
   }
-  return import_database(manager_, path, unique(database_name(path)).c_str(), {format.module});
+  const std::string name = unique(database_name(path));
+  return format.is_own() ? import_mended(manager_, path, name.c_str(), mending_)
+                         : import_database(manager_, path, name.c_str(), {format.module});
 }
 
 std::string DatabaseSet::unique(std::string_view name) {

@@ -18,6 +18,8 @@ namespace zelk::tool {
 /// Database files that one manager holds, each under a name of its own, until this goes.
 class DatabaseSet {
  public:
+  explicit DatabaseSet(const Mending& mending = {}) : mending_(mending) {}
+
   /// Opens every file, in this order. Faults and warnings are printed on standard error. A file
   /// that is named twice is opened once, with a warning.
   ///
@@ -40,6 +42,7 @@ class DatabaseSet {
   OpenedDatabase import(const std::string& path, const Format& format);
   std::string unique(std::string_view name);
 
+  Mending mending_;
   ZelkWriteManager manager_{static_cast<void*>(nullptr)};
   std::set<std::filesystem::path> imported_;  // files
   std::vector<Entry> databases_;

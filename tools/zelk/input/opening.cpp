@@ -1,5 +1,6 @@
 #include "input/opening.hpp"
 
+#include "input/mending.hpp"
 #include "term/output.hpp"
 #include "term/quoting.hpp"
 #include "term/text.hpp"
@@ -15,9 +16,8 @@ std::string failure_text(ZelkError error, const std::string& path) {
              : "out of memory";
 }
 
-/// Fills in the rest of `opened`, which has its name, once its opening or import has ended.
-///
-/// @param text  what the library noted on the way
+}  // namespace
+
 void finish_opening(OpenedDatabase& opened, ZelkManager& manager, ZelkError error,
                     std::string_view text, const std::string& path) {
   opened.error = error;
@@ -35,25 +35,17 @@ void finish_opening(OpenedDatabase& opened, ZelkManager& manager, ZelkError erro
   if (is_failure && opened.reports.empty()) opened.reports = {failure_text(error, path)};
 }
 
-/// Makes databases that are for no file yet, of files that may be read-only.
-class FileImporter : public ZelkImporter {
- public:
-  using ZelkImporter::ZelkImporter;
-
-  ZelkError Import(const char* db, const char** name, const char* file) override {
-    status_ = 1;
-    zelk_clear_error_text();
-    const char* stored = nullptr;
-    auto& manager = static_cast<ZelkWriteManager&>(manager_);
-    const ZelkError created = manager.CreateDatabase(db, &stored, nullptr);
-    if (created != ZelkErrorOk) return created;
-    const ZelkError error = FillDatabase(stored, file);
-    if (error == ZelkErrorOk) *name = stored;
-    return error;
-  }
-};
-
-}  // namespace
+ZelkError NamelessImporter::Import(const char* db, const char** name, const char* file) {
+  status_ = 1;
+  zelk_clear_error_text();
+  const char* stored = nullptr;
+  auto& manager = static_cast<ZelkWriteManager&>(manager_);
+  const ZelkError created = manager.CreateDatabase(db, &stored, nullptr);
+  if (created != ZelkErrorOk) return created;
+  const ZelkError error = FillDatabase(stored, file);
+  if (error == ZelkErrorOk) *name = stored;
+  return error;
+}
 
 OpenedDatabase open_database(ZelkManager& manager, const std::string& path, const char* name) {
   OpenedDatabase opened;
@@ -77,7 +69,7 @@ std::string fault_of(const ZelkManager& manager, const ZelkConverter& converter,
 OpenedDatabase import_database(ZelkWriteManager& manager, const std::string& path, const char* name,
                                const ModuleCall& call) {
   OpenedDatabase opened;
-  FileImporter importer(manager, call.module.c_str(), call.function.c_str());
+  NamelessImporter importer(manager, call.module.c_str(), call.function.c_str());
   const std::string fault = fault_of(manager, importer, call);
   if (!fault.empty()) {
     opened.reports = {behind_path(call.module, fault)};
@@ -107,8 +99,10 @@ std::string behind_path(const std::string& path, const std::string& line) {
 
 ZelkDatabase* DatabaseFile::open(const std::string& path) {
   const Format format = format_of_file(path).value_or(Format{});
-  opened_ = format.is_own() ? open_database(reader_, path)
-                            : import_database(importer_, path, "imported", {format.module});
+  constexpr const char* kName = "imported";
+  opened_ = !format.is_own()     ? import_database(importer_, path, kName, {format.module})
+            : mending_.is_wanted ? import_mended(importer_, path, kName, mending_)
+                                 : open_database(reader_, path);
   return opened_.database;
 }
 

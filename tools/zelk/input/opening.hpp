@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "base/list.hpp"
+#include "check/includes/mend.hpp"
 #include "input/encoded_database.hpp"
 #include "input/formats.hpp"
 #include "zelk/converter.hpp"
@@ -16,6 +17,13 @@
 #include "zelk/zelk.h"
 
 namespace zelk::tool {
+
+/// Whether and how files that the library refuses are made readable on the way.
+struct Mending {
+  bool is_wanted = false;
+  bool lists_all = false;  ///< each mend is told, not their number alone
+  check::MendOptions options{};
+};
 
 /// The result of opening a file.
 struct OpenedDatabase {
@@ -49,6 +57,20 @@ struct ModuleCall {
 OpenedDatabase import_database(ZelkWriteManager& manager, const std::string& path, const char* name,
                                const ModuleCall& call);
 
+/// Fills in the rest of `opened`, which has its name, once its opening or import has ended.
+///
+/// @param text  what the library noted on the way
+void finish_opening(OpenedDatabase& opened, ZelkManager& manager, ZelkError error,
+                    std::string_view text, const std::string& path);
+
+/// Makes databases that are for no file yet, of files that may be read-only.
+class NamelessImporter : public ZelkImporter {
+ public:
+  using ZelkImporter::ZelkImporter;
+
+  ZelkError Import(const char* db, const char** name, const char* file) override;
+};
+
 /// Whether there is a file.
 bool exists(const ZelkManager& manager, const std::string& path);
 
@@ -69,6 +91,8 @@ inline constexpr std::string_view kShortenedWarning =
 /// A database file, held by a manager of its own for the life of this object.
 class DatabaseFile {
  public:
+  explicit DatabaseFile(const Mending& mending = {}) : mending_(mending) {}
+
   /// Opens and reads `path`, once, in the format of its extension.
   ///
   /// @return the database; null when it cannot be read: `reports` say why
@@ -84,6 +108,7 @@ class DatabaseFile {
   EncodedDatabase encoded() const { return opened_.encoded(); }
 
  private:
+  Mending mending_;
   ZelkManager reader_{static_cast<void*>(nullptr)};
   ZelkWriteManager importer_{static_cast<void*>(nullptr)};
   OpenedDatabase opened_;

@@ -74,7 +74,7 @@ const PreparedMessage* CatalogDatabase::find_group(std::uint32_t id) const {
 
 bool FrameCatalog::open(const std::string& argument) {
   const Binding binding = parse_binding(argument);
-  auto file = std::make_unique<DatabaseFile>();
+  auto file = std::make_unique<DatabaseFile>(mending_);
   const ZelkDatabase* const database = file->open_and_report(binding.path);
   if (!database) return false;
   for (const msgblk& message : each(database->messages))

@@ -52,7 +52,8 @@ class CatalogDatabase {
 /// It does not change once all databases are in, and can then be asked by many threads at once.
 class FrameCatalog {
  public:
-  explicit FrameCatalog(FrameOptions options) : options_(std::move(options)) {}
+  explicit FrameCatalog(FrameOptions options, Mending mending = {})
+      : options_(std::move(options)), mending_(std::move(mending)) {}
 
   /// Reads a database: "PATH", or "INTERFACE=PATH" unless a file has that whole name. Faults are
   /// printed on standard error.
@@ -76,6 +77,7 @@ class FrameCatalog {
 
  private:
   FrameOptions options_;
+  Mending mending_;
   std::vector<std::unique_ptr<CatalogDatabase>> databases_;
   std::size_t most_signals_ = 0;
 };
