@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <iterator>
 
 #include "base/characters.hpp"
@@ -23,6 +24,17 @@ std::string hex_text(std::uint64_t number, int digits) {
   std::ranges::transform(text, text.begin(), to_upper);
   const auto width = static_cast<std::size_t>(digits);
   return "0x" + std::string(width - std::min(width, text.size()), '0') + text;
+}
+
+// `std::to_chars` alone would write 100000 as 1e+05, which is shorter.
+std::string number_text(double number) {
+  char buffer[32];
+  const double size = std::abs(number);
+  const bool is_plain = size == 0 || (size >= 1e-4 && size < 1e16);
+  const auto [end, error] =
+      std::to_chars(std::begin(buffer), std::end(buffer), number,
+                    is_plain ? std::chars_format::fixed : std::chars_format::general);
+  return {buffer, end};
 }
 
 std::string padded_id(std::uint32_t id) { return hex_text(bare_id(id), id_digits(id)); }

@@ -21,6 +21,9 @@ constexpr int id_digits(std::uint32_t id) { return id & ZELK_ID_EXTENDED ? 8 : 3
 /// "0x1F": a number in hexadecimal with at least as many digits.
 std::string hex_text(std::uint64_t number, int digits);
 
+/// "0.1", "655.35", "1e+20": the shortest text that reads back as this number.
+std::string number_text(double number);
+
 /// "0x123", "0x18FEF1FE": the identifier without its format bit, with all its digits.
 std::string padded_id(std::uint32_t id);
 

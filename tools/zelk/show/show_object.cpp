@@ -3,7 +3,9 @@
 #include <cstdint>
 #include <optional>
 #include <string_view>
+#include <vector>
 
+#include "check/picture/message_picture.hpp"
 #include "input/lookup.hpp"
 #include "input/name_filter.hpp"
 #include "show/describe.hpp"
@@ -96,6 +98,21 @@ bool show_object(const std::string& path, EncodedDatabase database, const std::s
   if (!found)
     print_error(fmt::format("{}: {}", escaped(path), complaint(database, describer, object, id)));
   return found;
+}
+
+bool show_picture(const std::string& path, EncodedDatabase database, const std::string& wanted,
+                  Output& out) {
+  try {
+    const std::vector<const msgblk*> found = find_messages(database.records, wanted);
+    if (found.size() > 1)
+      throw RequestError(fmt::format("{} are {}, and a picture is one of a single message",
+                                     counted(found.size(), "message"), in_quotes(wanted)));
+    out.write_through(check::message_picture(*found.front(), database.encoding));
+    return true;
+  } catch (const RequestError& error) {
+    print_error(fmt::format("{}: {}", escaped(path), error.what()));
+    return false;
+  }
 }
 
 }  // namespace zelk::tool

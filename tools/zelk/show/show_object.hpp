@@ -18,6 +18,13 @@ namespace zelk::tool {
 bool show_object(const std::string& path, EncodedDatabase database, const std::string& object,
                  Output& out);
 
+/// Writes the picture of the bits of the message with the name or identifier `wanted`, as SVG.
+/// Prints an error about `path` when there is none, or more than one.
+///
+/// @return whether there is one
+bool show_picture(const std::string& path, EncodedDatabase database, const std::string& wanted,
+                  Output& out);
+
 }  // namespace zelk::tool
 
 #endif
