@@ -1,7 +1,9 @@
 #include "check/includes/include_folder.hpp"
 
 #include <algorithm>
+#include <cerrno>
 #include <fstream>
+#include <new>
 #include <system_error>
 
 #include "base/characters.hpp"
@@ -35,6 +37,11 @@ bool ends_in_dbc(std::string_view name) {
   return std::ranges::equal(name.substr(name.size() - kEnding.size()), kEnding, {}, to_upper);
 }
 
+/// What lacks memory is no fault of a file.
+void check_memory(std::error_code error) {
+  if (error == std::errc::not_enough_memory) throw std::bad_alloc();
+}
+
 }  // namespace
 
 fs::path path_of(std::string_view text) { return {std::u8string(text.begin(), text.end())}; }
@@ -42,16 +49,20 @@ fs::path path_of(std::string_view text) { return {std::u8string(text.begin(), te
 std::optional<std::string> bytes_of(const fs::path& path, std::size_t most) {
   std::error_code error;
   const std::uintmax_t size = fs::file_size(path, error);
+  check_memory(error);
   if (error || size > most) return std::nullopt;
   std::string bytes(static_cast<std::size_t>(size), '\0');
+  errno = 0;
   std::ifstream file(path, std::ios::binary);
-  if (!file.read(bytes.data(), static_cast<std::streamsize>(size))) return std::nullopt;
-  return bytes;
+  if (file.read(bytes.data(), static_cast<std::streamsize>(size))) return bytes;
+  check_memory({errno, std::generic_category()});
+  return std::nullopt;
 }
 
 IncludeFolder::IncludeFolder(const std::string& path) : path_(path_of(path)) {
   std::error_code error;
   canonical_ = fs::canonical(path_, error);
+  check_memory(error);
   if (error) canonical_.clear();
 }
 
@@ -64,6 +75,7 @@ IncludeFolder::Place IncludeFolder::find(std::string_view name) const try {
     place.name += ".dbc";
     place.path = fs::canonical(path_ / path_of(place.name), error);
   }
+  check_memory(error);
   if (error) {
     place.fault = "there is no such file";
   } else if (!is_below(place.path)) {

@@ -68,12 +68,19 @@ bool may_name_files(const Source& source) {
 
 std::string in_quotes(std::string_view name) { return '"' + std::string(name) + '"'; }
 
+/// Empty for a path that the system does not take.
+std::filesystem::path canonical_path(const std::string& path) try {
+  std::error_code ignored;
+  return std::filesystem::weakly_canonical(path_of(path), ignored);
+} catch (const std::system_error&) {
+  return {};
+}
+
 class Includer {
  public:
   Includer(Source main, const std::string& folder) : folder_(folder), folder_name_(folder) {
     encoding_ = encoding_of(main.text());
-    std::error_code ignored;
-    numbers_.emplace(std::filesystem::weakly_canonical(path_of(main.path()), ignored), 0);
+    numbers_.emplace(canonical_path(main.path()), 0);
     enter(read_document(std::move(main)));
   }
 

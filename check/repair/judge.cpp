@@ -63,6 +63,8 @@ Verdict judge(std::string_view text) {
   lines.remove_prefix(size_before < lines.size() ? size_before : lines.size());
   while (!lines.empty() && lines.back() == '\n') lines.remove_suffix(1);
   const bool is_accepted = number == ZELK_OK;
+  // Only where memory runs out does the reader refuse without a line.
+  if (!is_accepted && lines.empty()) throw std::bad_alloc();
   // The refusal is the last line, the first note the first one.
   const std::size_t line_end = lines.find('\n');
   const std::size_t last = lines.rfind('\n');

@@ -1,6 +1,6 @@
 /// \file
-/// The functions of a converter module. module.cpp exports them to hosts and calls those declared
-/// here, which every module defines.
+/// The functions of a converter module. import.cpp and export.cpp export them to hosts and call
+/// those declared here, which every module defines for its directions.
 
 #ifndef ZELK_MODULES_COMMON_MODULE_HPP
 #define ZELK_MODULES_COMMON_MODULE_HPP

@@ -105,6 +105,23 @@ TEST_P(Exhausted, Heap) {
       });
 }
 
+using ExhaustedRepair = Exhausted;
+
+TEST_P(ExhaustedRepair, Heap) {
+  const std::string in = host_.folder.write("in.dbc", "CM_ \"IMPORT all\"; BO_ 1 A: 8 X ");
+  host_.folder.write("all.dbc", bytes_of(ZELK_SOURCE_DIR "/tests/data/ok_every_statement.dbc"));
+  const std::string option = "--include " + host_.folder.path("");
+  host_.importer.SetOption(option.c_str());
+  const auto import = [&] { return host_.importer.Import("mended", &host_.name, in.c_str()); };
+  ASSERT_EQ(import(), 0) << zelk_get_error_text();
+  const std::string whole = host_.written(host_.name);
+  host_.manager.CloseDatabase(host_.name, false);
+  exhaust(ZelkErrorNoDatabase, import, [&] {
+    EXPECT_EQ(host_.written(host_.name), whole) << "a loss that nobody sees";
+    host_.manager.CloseDatabase(host_.name, false);
+  });
+}
+
 TEST_P(Exhausted, Disk) {
   {
     const FailingWrite full(1000);
@@ -119,5 +136,6 @@ INSTANTIATE_TEST_SUITE_P(Modules, Exhausted, testing::Values(ZELK_JSON_MODULE, Z
                          [](const auto& module) {
                            return std::string(module.index == 0 ? "json" : "kcd");
                          });
+INSTANTIATE_TEST_SUITE_P(Modules, ExhaustedRepair, testing::Values(ZELK_REPAIR_MODULE));
 
 }  // namespace
