@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <array>
 #include <set>
+#include <unordered_set>
 #include <utility>
 
 #include "check/findings/sentences.hpp"
+#include "zelk/records.h"
 
 namespace zelk::check {
 
@@ -78,6 +80,24 @@ void add_section(Mender& mender, FaultKind fault, Word kind, const std::string& 
   const std::uint32_t place = offset_of(mender, place_of(kind));
   mender.note(fault, {place, place}, shown(text) + " added, which no file can do without");
   mender.add(place_of(kind), text);
+}
+
+/// The names of the nodes that send, receive or access something, and further ones, each with a
+/// blank in front.
+std::string linked_nodes(const Mender& mender, std::span<const std::string_view> further) {
+  std::unordered_set<std::string_view> seen{ZELK_NO_NODE};
+  std::string list;
+  const auto add = [&](std::string_view name) {
+    const bool is_new = !mender.options.no_node.contains(name) && seen.insert(name).second;
+    if (is_new) list.append(" ").append(name);
+  };
+  for (const Token& token : mender.document.tokens) {
+    const bool is_link = token.role == Role::kTransmitter || token.role == Role::kReceiver ||
+                         token.role == Role::kAccessNode;
+    if (is_link && token.kind == TokenKind::kName) add(mender.document.text_of(token));
+  }
+  for (const std::string_view name : further) add(name);
+  return list;
 }
 
 // --- Order ---
@@ -291,7 +311,7 @@ class Order {
 
 }  // namespace
 
-void mend_sections(Mender& mender, const std::vector<std::string>& nodes) {
+void mend_sections(Mender& mender, std::span<const std::string_view> nodes) {
   for (const Word kind : {Word::kVersion, Word::kNewSymbols, Word::kBitTiming, Word::kNodes}) {
     const std::vector<std::uint32_t> found = statements_of(mender, kind);
     if (!mender.is_on(FaultKind::kDoubledSection)) break;
@@ -299,10 +319,12 @@ void mend_sections(Mender& mender, const std::vector<std::string>& nodes) {
   }
   if (statements_of(mender, Word::kBitTiming).empty())
     add_section(mender, FaultKind::kMissingBitTiming, Word::kBitTiming, "");
-  if (!statements_of(mender, Word::kNodes).empty()) return;
-  std::string list;
-  for (const std::string& node : nodes) list.append(" ").append(node);
-  add_section(mender, FaultKind::kMissingNodes, Word::kNodes, list);
+  const std::vector<std::uint32_t> lists = statements_of(mender, Word::kNodes);
+  std::string added = lists.empty() ? linked_nodes(mender, nodes) : "";
+  if (lists.empty()) return add_section(mender, FaultKind::kMissingNodes, Word::kNodes, added);
+  for (const std::string_view node : nodes) added.append(" ").append(node);
+  if (!added.empty())
+    mender.insert_behind_token(mender.statement(lists[0]).end - 1, std::move(added));
 }
 
 std::vector<Part> ordered(Mender& mender) { return Order(mender).parts(); }

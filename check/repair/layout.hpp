@@ -4,6 +4,8 @@
 #ifndef ZELK_CHECK_REPAIR_LAYOUT_HPP
 #define ZELK_CHECK_REPAIR_LAYOUT_HPP
 
+#include <span>
+#include <string_view>
 #include <vector>
 
 #include "check/repair/mender.hpp"
@@ -12,10 +14,10 @@
 namespace zelk::check {
 
 /// Merges "VERSION", "NS_", "BS_" and "BU_" where they stand more than once, and adds "BS_" and
-/// "BU_" where they are missing.
+/// "BU_" where they are missing; a missing list of nodes gets the names of all that are linked.
 ///
-/// @param nodes  names for a list of nodes that is missing
-void mend_sections(Mender& mender, const std::vector<std::string>& nodes);
+/// @param nodes  further names for the list of nodes
+void mend_sections(Mender& mender, std::span<const std::string_view> nodes);
 
 /// The text's statements in their order, as few as can be moved, with the additions at their
 /// places. Space and comments between statements go with the one behind them; those on the rest of

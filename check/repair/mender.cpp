@@ -45,7 +45,7 @@ void Mender::note(FaultKind kind, std::uint32_t statement, std::uint32_t token,
 }
 
 void Mender::drop(FaultKind kind, std::uint32_t index, std::string_view why) {
-  if (is_dropped_[index]) return;
+  if (is_settled(index)) return;
   const Statement& there = document.statements[index];
   std::string message = describe(document, there) + " dropped";
   if (!why.empty()) message.append(", ").append(why);
@@ -55,12 +55,19 @@ void Mender::drop(FaultKind kind, std::uint32_t index, std::string_view why) {
 }
 
 void Mender::erase(std::uint32_t index) {
-  if (is_dropped_[index]) return;
-  is_dropped_[index] = true;
+  if (is_settled(index)) return;
+  states_[index] = State::kDropped;
   const Statement& there = document.statements[index];
   const Span span =
       with_line(document.source.text(), {document.begin_of(there), document.end_of(there)});
   edits.erase(span.begin, span.end);
+}
+
+void Mender::rewrite(std::uint32_t index, std::string text) {
+  states_[index] = State::kRewritten;
+  has_new_statements = true;
+  const Statement& there = document.statements[index];
+  edits.replace(document.begin_of(there), document.end_of(there), std::move(text));
 }
 
 void Mender::erase_tokens(std::uint32_t first, std::uint32_t end) {

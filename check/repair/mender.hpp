@@ -27,11 +27,15 @@ struct Addition {
 class Mender {
  public:
   Mender(const Document& read, const Names& introduced, const RepairOptions& chosen)
-      : document(read), names(introduced), options(chosen), is_dropped_(read.statements.size()) {}
+      : document(read), names(introduced), options(chosen), states_(read.statements.size()) {}
 
   /// Whether the mend of this fault is not switched off.
   bool is_on(FaultKind kind) const { return !options.kept.contains(name_of(kind)); }
-  bool is_dropped(std::uint32_t statement) const { return is_dropped_[statement]; }
+  bool is_dropped(std::uint32_t statement) const { return states_[statement] == State::kDropped; }
+  /// Whether the statement is dropped or rewritten, so that there is nothing more to do about it.
+  bool is_settled(std::uint32_t statement) const {
+    return statement != Fault::kNoStatement && states_[statement] != State::kStays;
+  }
   const Statement& statement(std::uint32_t index) const { return document.statements[index]; }
   const Token& token(std::uint32_t index) const { return document.tokens[index]; }
   std::string_view text_of(std::uint32_t token) const {
@@ -50,6 +54,8 @@ class Mender {
   void drop(FaultKind kind, std::uint32_t statement, std::string_view why);
   /// Takes a statement out, and says nothing.
   void erase(std::uint32_t statement);
+  /// Puts another text in the place of a statement, which is read in the next round.
+  void rewrite(std::uint32_t statement, std::string text);
   /// Takes tokens out, with the blanks in front of them.
   void erase_tokens(std::uint32_t token, std::uint32_t token_end);
   void replace_token(std::uint32_t token, std::string text) {
@@ -69,7 +75,9 @@ class Mender {
   bool has_new_statements = false;  ///< the text has to be read again before references are mended
 
  private:
-  std::vector<bool> is_dropped_;
+  enum class State : std::uint8_t { kStays, kRewritten, kDropped };
+
+  std::vector<State> states_;
 };
 
 /// The line end of most lines: that of the first one.

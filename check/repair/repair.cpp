@@ -1,13 +1,22 @@
 #include "check/repair/repair.hpp"
 
+#include <algorithm>
+#include <initializer_list>
 #include <optional>
 #include <utility>
 
-#include "check/findings/sentences.hpp"
+#include "check/faults/find_faults.hpp"
+#include "check/repair/decoding.hpp"
 #include "check/repair/form_mends.hpp"
 #include "check/repair/judge.hpp"
 #include "check/repair/layout.hpp"
 #include "check/repair/mender.hpp"
+#include "check/repair/no_node.hpp"
+#include "check/repair/recovery.hpp"
+#include "check/repair/references.hpp"
+#include "check/repair/renames.hpp"
+#include "check/repair/signal_mends.hpp"
+#include "check/repair/value_mends.hpp"
 #include "check/statements/document.hpp"
 #include "check/statements/names.hpp"
 
@@ -22,37 +31,54 @@ constexpr int kMostRounds = 6;
 class Round {
  public:
   Round(const Document& document, const RepairOptions& options)
-      : names_(document), mender_(document, names_, options) {}
+      : names_(document),
+        faults_(find_faults(document, names_)),
+        mender_(document, names_, options),
+        references_(mender_),
+        values_(mender_) {}
 
   Composition mended() {
-    for (const Fault& fault : mender_.document.faults) mend_statement(fault);
-    for (const Fault& fault : mender_.document.faults) mend(fault);
-    mend_sections(mender_, {});
+    remove_no_nodes(mender_);
+    each_of({FaultKind::kUnreadable, FaultKind::kStray},
+            [this](const Fault& fault) { recover(mender_, fault); });
+    // What else is wrong may be right once these statements are read.
+    if (!mender_.has_new_statements) mend_meaning();
+    mend_names(mender_, faults_);
+    for (const Fault& fault : faults_)
+      if (concerns(fault)) mend_form(mender_, fault);
+    mend_sections(mender_, references_.new_nodes());
     const std::vector<Part> parts = ordered(mender_);
     return mender_.edits.apply(mender_.document.source.text(), parts);
   }
   std::vector<Finding>& findings() { return mender_.findings; }
 
  private:
-  /// Statements of which nothing can be kept.
-  void mend_statement(const Fault& fault) {
-    const bool may_drop = fault.kind == FaultKind::kStray || fault.kind == FaultKind::kUnreadable;
-    if (!may_drop || !mender_.is_on(fault.kind)) return;
-    const Word kind = mender_.statement(fault.statement).kind;
-    if (kind == Word::kMessage || kind == Word::kSignal) return;
-    const bool is_stray = fault.kind == FaultKind::kStray;
-    mender_.drop(fault.kind, fault.statement,
-                 is_stray ? "it begins no statement" : "expected " + std::string(fault.expected));
+  void mend_meaning() {
+    for (const Fault& fault : faults_) {
+      if (!concerns(fault)) continue;
+      references_.mend(fault);
+      if (fault.kind == FaultKind::kWrongValue) values_.mend(fault);
+      mend_signal(mender_, fault);
+    }
+    if (mender_.is_on(FaultKind::kUnknownAttribute)) infer_definitions(mender_, faults_);
   }
 
-  void mend(const Fault& fault) {
-    const bool is_gone =
-        fault.statement != Fault::kNoStatement && mender_.is_dropped(fault.statement);
-    if (!is_gone && mender_.is_on(fault.kind)) mend_form(mender_, fault);
+  /// Whether a fault is to be mended, and there is a statement left in which it is.
+  bool concerns(const Fault& fault) const {
+    return !fault.is_accepted && !mender_.is_settled(fault.statement) && mender_.is_on(fault.kind);
+  }
+
+  template <typename Act>
+  void each_of(std::initializer_list<FaultKind> kinds, const Act& act) {
+    for (const Fault& fault : faults_)
+      if (std::ranges::count(kinds, fault.kind) != 0 && concerns(fault)) act(fault);
   }
 
   Names names_;
+  std::vector<Fault> faults_;
   Mender mender_;
+  References references_;
+  ValueMends values_;
 };
 
 class Repair {
@@ -62,14 +88,19 @@ class Repair {
 
   Mended run() {
     Verdict verdict = judge(result_.source.text());
-    if (verdict.is_accepted && verdict.message.empty()) return unneeded();
-    std::string text(result_.source.text());
+    const bool is_perfect = verdict.is_accepted && verdict.message.empty();
+    if (is_perfect && options_.no_node.empty()) return unneeded();
+    std::string text = prepared();
+    const bool is_prepared = !result_.mends.list.empty();
+    if (is_prepared) verdict = judge(text);
+    if (is_prepared && verdict.is_accepted && options_.no_node.empty())
+      return mended(std::move(text));
     for (int round = 0; round < kMostRounds; ++round) {
       const Document document = read_document(Source(result_.source.path(), std::move(text)));
       Round mends(document, options_);
       Composition composition = mends.mended();
       if (mends.findings().empty()) return left(document, verdict);
-      take(std::move(mends.findings()), document);
+      take(std::move(mends.findings()));
       verdict = judge(composition.text());
       if (verdict.is_accepted) return mended(composition.take_text());
       text = composition.take_text();
@@ -79,6 +110,23 @@ class Repair {
   }
 
  private:
+  /// The text with its characters mended.
+  std::string prepared() {
+    const bool may_decode = !options_.kept.contains(name_of(FaultKind::kUtf16));
+    if (auto decoded = may_decode ? decoded_utf16(result_.source.text()) : std::nullopt) {
+      result_.source = Source(result_.source.path(), std::move(*decoded));
+      take(
+          {{Severity::kNote, name_of(FaultKind::kUtf16), {}, "text decoded from UTF-16 to UTF-8"}});
+    }
+    std::vector<Finding> findings;
+    auto cleaned_text = cleaned(result_.source.text(), options_, findings);
+    if (!cleaned_text) return std::string(result_.source.text());
+    take(std::move(findings));
+    std::string text = cleaned_text->take_text();
+    origins_.push_back(std::move(*cleaned_text));
+    return text;
+  }
+
   /// The place in the source of one in the text of the present round.
   std::uint32_t origin(std::uint32_t offset) const {
     for (auto each = origins_.rbegin(); each != origins_.rend(); ++each)
@@ -86,7 +134,7 @@ class Repair {
     return offset;
   }
 
-  void take(std::vector<Finding> findings, const Document&) {
+  void take(std::vector<Finding> findings) {
     for (Finding& finding : findings) {
       if (!origins_.empty()) {
         const std::uint32_t begin = origin(finding.span.begin);

@@ -78,6 +78,14 @@ std::string_view name_of(FaultKind kind) {
       return "doubled-message";
     case FaultKind::kDoubledSignal:
       return "doubled-signal";
+    case FaultKind::kUtf16:
+      return "utf-16";
+    case FaultKind::kLineEnds:
+      return "line-ends";
+    case FaultKind::kNoNode:
+      return "no-node";
+    case FaultKind::kRefused:
+      return "refused";
   }
   return "";
 }

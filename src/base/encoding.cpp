@@ -16,11 +16,6 @@ constexpr std::array<std::uint16_t, 32> kHigh = {
 
 std::uint32_t byte_of(char character) { return static_cast<unsigned char>(character); }
 
-struct CodePoint {
-  std::uint32_t value;
-  std::size_t size;  ///< in bytes; 0: not well-formed
-};
-
 /// Bytes of the sequence that `lead` begins; 0 when it begins none.
 std::size_t sequence_size(std::uint32_t lead) {
   if (lead < 0x80) return 1;
@@ -30,39 +25,8 @@ std::size_t sequence_size(std::uint32_t lead) {
   return lead < 0xF5 ? 4 : 0;
 }
 
-/// The first code point of a text that is not empty.
-CodePoint first_code_point(std::string_view text) {
-  constexpr std::array<std::uint32_t, 5> kLeadMask = {0, 0x7F, 0x1F, 0x0F, 0x07};
-  constexpr std::array<std::uint32_t, 5> kSmallest = {0, 0, 0x80, 0x800, 0x10000};
-  const std::size_t size = sequence_size(byte_of(text[0]));
-  if (size == 0 || size > text.size()) return {0, 0};
-  std::uint32_t value = byte_of(text[0]) & kLeadMask[size];
-  for (const char later : text.substr(1, size - 1)) {
-    if ((byte_of(later) & 0xC0) != 0x80) return {0, 0};
-    value = value << 6 | (byte_of(later) & 0x3F);
-  }
-  const bool is_surrogate = value >= 0xD800 && value <= 0xDFFF;
-  if (value < kSmallest[size] || value > 0x10FFFF || is_surrogate) return {0, 0};
-  return {value, size};
-}
-
 bool is_ascii(std::string_view text) {
   return std::all_of(text.begin(), text.end(), [](char each) { return byte_of(each) < 0x80; });
-}
-
-/// Appends a code point of at most 16 bits.
-void append(std::string& text, std::uint32_t code_point) {
-  const auto put = [&text](std::uint32_t byte) { text += static_cast<char>(byte); };
-  if (code_point < 0x80) {
-    put(code_point);
-  } else if (code_point < 0x800) {
-    put(0xC0 | code_point >> 6);
-    put(0x80 | (code_point & 0x3F));
-  } else {
-    put(0xE0 | code_point >> 12);
-    put(0x80 | (code_point >> 6 & 0x3F));
-    put(0x80 | (code_point & 0x3F));
-  }
 }
 
 /// The Windows-1252 byte of a code point; none for a character that it does not have.
@@ -88,6 +52,38 @@ std::string well_formed(std::string_view text) {
 
 }  // namespace
 
+CodePoint first_code_point(std::string_view text) {
+  constexpr std::array<std::uint32_t, 5> kLeadMask = {0, 0x7F, 0x1F, 0x0F, 0x07};
+  constexpr std::array<std::uint32_t, 5> kSmallest = {0, 0, 0x80, 0x800, 0x10000};
+  const std::size_t size = sequence_size(byte_of(text[0]));
+  if (size == 0 || size > text.size()) return {0, 0};
+  std::uint32_t value = byte_of(text[0]) & kLeadMask[size];
+  for (const char later : text.substr(1, size - 1)) {
+    if ((byte_of(later) & 0xC0) != 0x80) return {0, 0};
+    value = value << 6 | (byte_of(later) & 0x3F);
+  }
+  const bool is_surrogate = value >= 0xD800 && value <= 0xDFFF;
+  if (value < kSmallest[size] || value > 0x10FFFF || is_surrogate) return {0, 0};
+  return {value, size};
+}
+
+void append_utf8(std::string& text, std::uint32_t code_point) {
+  const auto put = [&text](std::uint32_t byte) { text += static_cast<char>(byte); };
+  const auto put_rest = [&put](std::uint32_t bits) { put(0x80 | (bits & 0x3F)); };
+  if (code_point < 0x80) return put(code_point);
+  if (code_point < 0x800) {
+    put(0xC0 | code_point >> 6);
+  } else if (code_point < 0x10000) {
+    put(0xE0 | code_point >> 12);
+    put_rest(code_point >> 6);
+  } else {
+    put(0xF0 | code_point >> 18);
+    put_rest(code_point >> 12);
+    put_rest(code_point >> 6);
+  }
+  put_rest(code_point);
+}
+
 bool is_utf8(std::string_view text) {
   while (!text.empty()) {
     const std::size_t size = first_code_point(text).size;
@@ -109,7 +105,7 @@ std::string to_utf8(std::string_view bytes, Encoding encoding) {
   for (const char byte : bytes) {
     const std::uint32_t number = byte_of(byte);
     const bool is_high = number >= kHighFirst && number < kHighFirst + kHigh.size();
-    append(text, is_high ? kHigh[number - kHighFirst] : number);
+    append_utf8(text, is_high ? kHigh[number - kHighFirst] : number);
   }
   return text;
 }

@@ -7,6 +7,8 @@
 #ifndef ZELK_BASE_ENCODING_HPP
 #define ZELK_BASE_ENCODING_HPP
 
+#include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -14,6 +16,17 @@
 namespace zelk {
 
 enum class Encoding { kUtf8, kWindows1252 };
+
+struct CodePoint {
+  std::uint32_t value;
+  std::size_t size;  ///< in bytes; 0: not well-formed
+};
+
+/// The first code point of a text in UTF-8 that is not empty.
+CodePoint first_code_point(std::string_view text);
+
+/// Appends a code point, which is no surrogate, in UTF-8.
+void append_utf8(std::string& text, std::uint32_t code_point);
 
 /// Whether `text` is well-formed UTF-8 (RFC 3629): no surrogates, nothing overlong.
 bool is_utf8(std::string_view text);

@@ -1,0 +1,210 @@
+#include "check/repair/recovery.hpp"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "check/findings/sentences.hpp"
+#include "check/repair/number_mends.hpp"
+#include "zelk/records.h"
+
+namespace zelk::check {
+
+namespace {
+
+bool is_number(const Token& token) {
+  return token.kind == TokenKind::kWhole || token.kind == TokenKind::kReal ||
+         token.kind == TokenKind::kOddNumber;
+}
+
+bool is_text(const Token& token) {
+  return token.kind == TokenKind::kText || token.kind == TokenKind::kOpenText;
+}
+
+bool is_name(const Token& token) {
+  return token.kind == TokenKind::kName || token.kind == TokenKind::kOddName ||
+         token.kind == TokenKind::kKeyword;
+}
+
+/// Reads the tokens of a statement and takes from them what has the looks of its parts.
+class Salvage {
+ public:
+  Salvage(const Document& document, const Statement& statement) : document_(document) {
+    for (const Token& token : document.tokens_of(statement))
+      if (token.kind != TokenKind::kAbsorbed) tokens_.push_back(&token);
+  }
+
+  /// "BO_ id name: size transmitter"; empty without an identifier.
+  std::string message() {
+    const std::string id = has(1) && is_number(*tokens_[1]) ? whole(1) : "";
+    if (id.empty()) return "";
+    const std::size_t colon = find_mark(':', 2);
+    const bool has_colon = colon != tokens_.size();
+    const std::size_t name_end = has_colon ? colon : find(is_number, 2);
+    std::string name = stretch(2, has_colon ? colon : std::min(name_end, std::size_t{3}));
+    if (name.empty()) name = "Message_" + id;
+    const std::size_t size = find(is_number, has_colon ? colon + 1 : 3);
+    const std::size_t sender = find(is_name, size != tokens_.size() ? size + 1
+                                             : has_colon            ? colon + 1
+                                                                    : 3);
+    const bool has_sender = sender != tokens_.size() && tokens_[sender]->kind == TokenKind::kName;
+    return "BO_ " + id + ' ' + name + ": " + (size == tokens_.size() ? "8" : text(size)) + ' ' +
+           (has_sender ? text(sender) : ZELK_NO_NODE);
+  }
+
+  /// "SG_ name indicator : start|length@order (factor,offset) [minimum|maximum] unit receivers";
+  /// empty without a place.
+  std::string signal() {
+    const std::size_t bar = find_mark('|', 1);
+    const bool has_place =
+        bar > 2 && has(bar + 1) && is_number(*tokens_[bar - 1]) && is_number(*tokens_[bar + 1]);
+    if (!has_place) return "";
+    std::size_t name_end = std::min(find_mark(':', 1), bar - 1);
+    if (name_end == 1) return "";
+    std::size_t at = bar + 2;
+    return "SG_ " + stretch(1, name_end) + " : " + text(bar - 1) + '|' + text(bar + 1) + order(at) +
+           ' ' + pair('(', ',', ')', "(1,0)", at) + ' ' + pair('[', '|', ']', "[0|0]", at) + ' ' +
+           unit(at) + ' ' + receivers(at);
+  }
+
+  /// "VAL_ object pairs;" of value descriptions and tables; empty without an object.
+  std::string descriptions() {
+    std::size_t at = find(is_name, 1);
+    if (at == tokens_.size() || at > 2) return "";
+    std::string result = stretch(0, at + 1);
+    for (++at; has(at + 1); ++at) {
+      if (!is_number(*tokens_[at]) || !is_text(*tokens_[at + 1])) continue;
+      const bool is_negative = tokens_[at - 1]->is_mark('-');
+      result += (is_negative ? " -" : " ") + text(at) + ' ' + quoted(at + 1);
+      ++at;
+    }
+    return result + " ;";
+  }
+
+  /// "BU_: names", "NS_: names", without what is no name.
+  std::string list() {
+    std::string result = text(0) + ":";
+    for (std::size_t i = 1; i < tokens_.size(); ++i)
+      if (is_name(*tokens_[i])) result += ' ' + text(i);
+    return result;
+  }
+
+ private:
+  bool has(std::size_t index) const { return index < tokens_.size(); }
+  std::string text(std::size_t index) const {
+    return std::string(document_.text_of(*tokens_[index]));
+  }
+  std::string whole(std::size_t index) const {
+    const std::string_view digits = document_.text_of(*tokens_[index]);
+    const auto value = lenient_number(digits);
+    const bool fits = value && *value >= 0 && *value <= 4294967295.0;
+    return fits ? text(index) : "";
+  }
+  /// As it stands in the file.
+  std::string stretch(std::size_t first, std::size_t end) const {
+    if (first >= end) return "";
+    return std::string(document_.source.text(tokens_[first]->begin, tokens_[end - 1]->end));
+  }
+  std::string quoted(std::size_t index) const {
+    return text(index) + (tokens_[index]->kind == TokenKind::kOpenText ? "\"" : "");
+  }
+
+  template <typename Predicate>
+  std::size_t find(Predicate matches, std::size_t from) const {
+    while (has(from) && !matches(*tokens_[from])) ++from;
+    return std::min(from, tokens_.size());
+  }
+  std::size_t find_mark(char mark, std::size_t from) const {
+    return find([mark](const Token& token) { return token.is_mark(mark); }, from);
+  }
+
+  /// Byte order and sign.
+  std::string order(std::size_t& at) const {
+    std::string result;
+    if (has(at + 1) && tokens_[at]->is_mark('@') && is_number(*tokens_[at + 1])) {
+      result = '@' + text(at + 1);
+      at += 2;
+    }
+    if (result.empty()) result = "@1";
+    const bool has_sign = has(at) && (tokens_[at]->is_mark('+') || tokens_[at]->is_mark('-'));
+    return result + (has_sign ? text(at++) : "+");
+  }
+
+  /// Two numbers between brackets, in front of the unit.
+  std::string pair(char open, char between, char close, std::string_view otherwise,
+                   std::size_t& at) const {
+    const std::size_t begin = find_mark(open, at);
+    std::vector<std::string> numbers;
+    std::size_t end = begin + 1;
+    for (; has(end) && !tokens_[end]->is_mark(close) && !is_text(*tokens_[end]); ++end) {
+      if (!is_number(*tokens_[end])) continue;
+      numbers.push_back((tokens_[end - 1]->is_mark('-') ? "-" : "") + text(end));
+    }
+    if (begin >= find(is_text, at) || numbers.empty()) return std::string(otherwise);
+    at = has(end) && tokens_[end]->is_mark(close) ? end + 1 : end;
+    const std::string second = numbers.size() > 1 ? numbers[1] : "0";
+    return open + numbers[0] + between + second + close;
+  }
+
+  std::string unit(std::size_t& at) const {
+    const std::size_t found = find(is_text, at);
+    if (!has(found)) return "\"\"";
+    at = found + 1;
+    return quoted(found);
+  }
+
+  std::string receivers(std::size_t at) const {
+    std::string result;
+    for (; has(at); ++at)
+      if (is_name(*tokens_[at])) result += (result.empty() ? "" : ",") + text(at);
+    return result.empty() ? ZELK_NO_NODE : result;
+  }
+
+  const Document& document_;
+  std::vector<const Token*> tokens_;
+};
+
+std::string salvaged(const Document& document, const Statement& statement) {
+  Salvage salvage(document, statement);
+  switch (statement.kind) {
+    case Word::kMessage:
+      return salvage.message();
+    case Word::kSignal:
+      return salvage.signal();
+    case Word::kDescriptions:
+    case Word::kValueTable:
+      return salvage.descriptions();
+    case Word::kNodes:
+    case Word::kNewSymbols:
+      return salvage.list();
+    case Word::kBitTiming:
+      return "BS_:";
+    default:
+      return "";
+  }
+}
+
+}  // namespace
+
+void recover(Mender& mender, const Fault& fault) {
+  const Statement& statement = mender.statement(fault.statement);
+  const Document& document = mender.document;
+  const std::string text = salvaged(document, statement);
+  if (!text.empty()) {
+    const Span span{document.begin_of(statement), document.end_of(statement)};
+    const std::string old = shown(document.text_of(statement));
+    mender.note(fault.kind, span,
+                old + " rewritten as " + shown(text) + ", expected " + std::string(fault.expected));
+    mender.rewrite(fault.statement, text);
+    return;
+  }
+  mender.has_new_statements = true;
+  const bool must_stay = statement.kind == Word::kMessage || statement.kind == Word::kSignal;
+  if (must_stay) return;
+  mender.drop(fault.kind, fault.statement,
+              fault.kind == FaultKind::kStray ? "it begins no statement"
+                                              : "expected " + std::string(fault.expected));
+}
+
+}  // namespace zelk::check

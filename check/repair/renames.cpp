@@ -1,0 +1,312 @@
+#include "check/repair/renames.hpp"
+
+#include <algorithm>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+#include "base/characters.hpp"
+#include "check/findings/sentences.hpp"
+#include "check/repair/plain_names.hpp"
+
+namespace zelk::check {
+
+namespace {
+
+constexpr std::uint32_t kNone = Statement::kNone;
+
+bool is_name_fault(FaultKind kind) {
+  return kind == FaultKind::kOddName || kind == FaultKind::kKeywordName;
+}
+
+/// What a name is the name of.
+enum class NameKind : std::uint8_t {
+  kMessage,
+  kSignal,
+  kNode,
+  kVariable,
+  kTable,
+  kType,
+  kGroup,
+  kCategory,
+  kOther
+};
+
+struct Naming {
+  NameKind kind;
+  bool is_introduced;  ///< not only referred to
+};
+
+Naming naming_of(Role role) {
+  switch (role) {
+    case Role::kMessage:
+      return {NameKind::kMessage, true};
+    case Role::kSignal:
+      return {NameKind::kSignal, true};
+    case Role::kSignalRef:
+    case Role::kMultiplexorRef:
+      return {NameKind::kSignal, false};
+    case Role::kNode:
+    case Role::kTransmitter:
+    case Role::kReceiver:
+    case Role::kAccessNode:
+      return {NameKind::kNode, true};
+    case Role::kNodeRef:
+      return {NameKind::kNode, false};
+    case Role::kVariable:
+      return {NameKind::kVariable, true};
+    case Role::kVariableRef:
+      return {NameKind::kVariable, false};
+    case Role::kTable:
+      return {NameKind::kTable, true};
+    case Role::kTableRef:
+      return {NameKind::kTable, false};
+    case Role::kType:
+      return {NameKind::kType, true};
+    case Role::kTypeRef:
+      return {NameKind::kType, false};
+    case Role::kGroup:
+      return {NameKind::kGroup, true};
+    case Role::kCategory:
+      return {NameKind::kCategory, true};
+    default:
+      return {NameKind::kOther, true};
+  }
+}
+
+/// An object with a new name.
+struct Renamed {
+  NameKind kind;
+  std::uint32_t owner;  ///< message of a signal, or the message itself
+  std::string old_name;
+  std::string new_name;
+  const Fault* fault;  ///< at its name
+  std::uint32_t references = 0;
+  std::uint32_t comment = kNone;  ///< statement
+};
+
+class Renames {
+ public:
+  Renames(Mender& mender, std::span<const Fault> faults) : mender_(mender), faults_(faults) {}
+
+  void run() {
+    // What is introduced comes first; a name that is only referred to gets its own all the same.
+    for (const bool introduced : {true, false})
+      for (const Fault& fault : faults_)
+        if (concerns(fault) && naming(fault).is_introduced == introduced) rename(fault);
+    if (renamed_.empty()) return;
+    find_comments();
+    for (Renamed& each : renamed_) tell(each);
+  }
+
+ private:
+  bool concerns(const Fault& fault) const {
+    return is_name_fault(fault.kind) && mender_.is_on(fault.kind) &&
+           !mender_.is_dropped(fault.statement);
+  }
+
+  Naming naming(const Fault& fault) const { return naming_of(mender_.token(fault.token).role); }
+
+  /// The message whose signals a statement names, or the statement that has a name of its own.
+  std::uint32_t owner_of(NameKind kind, std::uint32_t index) const {
+    const Statement& statement = mender_.statement(index);
+    if (kind == NameKind::kMessage) return index;
+    if (kind != NameKind::kSignal && kind != NameKind::kGroup) return kNone;
+    if (statement.kind == Word::kSignal) return statement.owner;
+    const auto id = whole_value(mender_.document, statement, Role::kMessageRef);
+    return id ? mender_.names.message(*id) : kNone;
+  }
+
+  static std::string key_of(NameKind kind, std::uint32_t owner, std::string_view name) {
+    return std::to_string(static_cast<int>(kind)) + ' ' + std::to_string(owner) + ' ' +
+           std::string(name);
+  }
+
+  void rename(const Fault& fault) {
+    const Token& token = mender_.token(fault.token);
+    if (token.role == Role::kIndicator) return rename_indicator(fault);
+    if (token.role == Role::kValue) return quote(fault);
+    const NameKind kind = naming(fault).kind;
+    const std::uint32_t owner = owner_of(kind, fault.statement);
+    const std::string_view name = mender_.text_of(fault.token);
+    const auto [entry, is_new] = by_key_.try_emplace(key_of(kind, owner, name), renamed_.size());
+    if (is_new) {
+      renamed_.push_back({kind, owner, std::string(name), new_name(kind, owner, name), &fault});
+    } else {
+      ++renamed_[entry->second].references;
+    }
+    mender_.replace_token(fault.token, renamed_[entry->second].new_name);
+  }
+
+  /// A word that is the value of an attribute stays as it is, as a text.
+  void quote(const Fault& fault) {
+    const std::string_view word = mender_.text_of(fault.token);
+    mender_.replace_token(fault.token, '"' + std::string(word) + '"');
+    mender_.note(fault.kind, fault.statement, fault.token, fault.token + 1,
+                 "quotes added around " + shown(word));
+  }
+
+  /// "m 3", "m-3": a letter and digits.
+  void rename_indicator(const Fault& fault) {
+    const std::string_view text = mender_.text_of(fault.token);
+    std::string indicator;
+    for (const char c : text) {
+      const bool is_part = indicator.empty() ? is_letter(c) && c != '_' : is_digit(c);
+      if (is_part) indicator += c;
+    }
+    const bool is_both = indicator.size() > 1 && text.back() == indicator.front();
+    if (is_both) indicator += indicator.front();
+    mender_.replace_token(fault.token, indicator);
+    mender_.note(fault.kind, fault.statement, fault.token, fault.token + 1,
+                 "multiplexor indicator " + shown(text) + " spelled " + indicator);
+  }
+
+  std::string new_name(NameKind kind, std::uint32_t owner, std::string_view old_name) {
+    const std::string plain = plain_name(old_name);
+    std::string name = plain;
+    if (kind == NameKind::kMessage) owner = kNone;  // unique among all messages
+    std::size_t& number = last_numbers_.try_emplace(key_of(kind, owner, plain), 1).first->second;
+    while (is_taken(kind, owner, name)) name = numbered_name(plain, ++number);
+    given_.insert(key_of(kind, owner, name));
+    return name;
+  }
+
+  bool is_taken(NameKind kind, std::uint32_t owner, std::string_view name) {
+    const Names& names = mender_.names;
+    if (given_.contains(key_of(kind, owner, name))) return true;
+    switch (kind) {
+      case NameKind::kMessage:
+        return message_names().contains(name);
+      case NameKind::kSignal:
+        return owner != kNone && names.signal(owner, name) != kNone;
+      case NameKind::kNode:
+        return names.node(name) != kNone;
+      case NameKind::kVariable:
+        return names.variable(name) != kNone;
+      case NameKind::kTable:
+        return names.table(name) != kNone;
+      case NameKind::kType:
+        return names.type(name) != kNone;
+      default:
+        return false;
+    }
+  }
+
+  const std::unordered_set<std::string_view>& message_names() {
+    if (!message_names_.empty()) return message_names_;
+    message_names_.insert("");
+    for (const Statement& statement : mender_.document.statements)
+      if (statement.kind == Word::kMessage)
+        message_names_.insert(mender_.document.text_of(statement, Role::kMessage));
+    return message_names_;
+  }
+
+  // --- The old name in the comment ---
+
+  /// The reader keeps the last comment of an object.
+  void find_comments() {
+    for (std::uint32_t i = 0; i < mender_.document.statements.size(); ++i) {
+      const Statement& statement = mender_.statement(i);
+      const bool may_be =
+          statement.kind == Word::kComment && statement.is_readable && !mender_.is_dropped(i);
+      if (!may_be) continue;
+      for (const Role role : {Role::kSignalRef, Role::kNodeRef, Role::kVariableRef, Role::kTypeRef})
+        if (const Token* const token = mender_.document.find(statement, role))
+          set_comment(naming_of(role).kind, i, mender_.document.text_of(*token));
+      const bool is_of_message = mender_.document.find(statement, Role::kMessageRef) &&
+                                 !mender_.document.find(statement, Role::kSignalRef);
+      if (!is_of_message) continue;
+      const std::uint32_t message = owner_of(NameKind::kSignal, i);
+      if (message == kNone) continue;
+      const Statement& there = mender_.statement(message);
+      const auto found = by_key_.find(
+          key_of(NameKind::kMessage, message, mender_.document.text_of(there, Role::kMessage)));
+      if (found != by_key_.end()) renamed_[found->second].comment = i;
+    }
+  }
+
+  void set_comment(NameKind kind, std::uint32_t statement, std::string_view name) {
+    const auto found = by_key_.find(key_of(kind, owner_of(kind, statement), name));
+    if (found != by_key_.end()) renamed_[found->second].comment = statement;
+  }
+
+  void tell(const Renamed& each) {
+    const Fault& fault = *each.fault;
+    std::string message = shown(each.old_name) + " renamed to " + each.new_name;
+    if (each.references != 0) message += ", and in " + counted(each.references, "reference");
+    mender_.note(fault.kind, fault.statement, fault.token, fault.token + 1, std::move(message));
+    if (each.comment != kNone) {
+      append_to_comment(each);
+    } else if (const std::string object = object_of(each); !object.empty()) {
+      mender_.add(place_of(Word::kComment),
+                  "CM_ " + object + " \"Original name: " + escaped(each.old_name) + "\";");
+    }
+  }
+
+  void append_to_comment(const Renamed& each) {
+    const Token* const text =
+        mender_.document.find(mender_.statement(each.comment), Role::kComment);
+    if (!text) return;
+    const std::string added =
+        (mender_.document.content_of(*text).empty() ? "Original name: " : "\nOriginal name: ") +
+        escaped(each.old_name);
+    if (text->kind == TokenKind::kText) {
+      mender_.edits.insert_before(text->end - 1, added);
+    } else {
+      mender_.edits.insert_behind(text->end, added);
+    }
+  }
+
+  static std::string escaped(std::string_view text) {
+    std::string result;
+    for (const char c : text) {
+      if (c == '"') result += '\\';
+      result += c;
+    }
+    if (result.ends_with('\\')) result += ' ';
+    return result;
+  }
+
+  /// The identifier of the message, when a reference finds this one; else empty.
+  std::string identifier_of(std::uint32_t message) const {
+    if (message == kNone) return "";
+    const Statement& statement = mender_.statement(message);
+    const auto id = whole_value(mender_.document, statement, Role::kMessageId);
+    return id && mender_.names.message(*id) == message ? std::to_string(*id) : "";
+  }
+
+  /// As comments name it; empty for what can have none.
+  std::string object_of(const Renamed& each) const {
+    const std::string id = identifier_of(each.owner);
+    switch (each.kind) {
+      case NameKind::kMessage:
+        return id.empty() ? "" : "BO_ " + id;
+      case NameKind::kSignal:
+        return id.empty() ? "" : "SG_ " + id + ' ' + each.new_name;
+      case NameKind::kNode:
+        return "BU_ " + each.new_name;
+      case NameKind::kVariable:
+        return "EV_ " + each.new_name;
+      case NameKind::kType:
+        return "SGTYPE_ " + each.new_name;
+      default:
+        return "";
+    }
+  }
+
+  Mender& mender_;
+  std::span<const Fault> faults_;
+  std::vector<Renamed> renamed_;
+  std::unordered_map<std::string, std::size_t> by_key_;  ///< by kind, owner and old name
+  std::unordered_map<std::string, std::size_t> last_numbers_;
+  std::unordered_set<std::string> given_;  ///< by kind, owner and new name
+  std::unordered_set<std::string_view> message_names_;
+};
+
+}  // namespace
+
+void mend_names(Mender& mender, std::span<const Fault> faults) { Renames(mender, faults).run(); }
+
+}  // namespace zelk::check
