@@ -3,43 +3,12 @@
 #include <charconv>
 #include <new>
 
-#include "zelk/dbc.h"
+#include "check/records/strict_reading.hpp"
 #include "zelk/errors.h"
-#include "zelk/model.h"
 
 namespace zelk::check {
 
 namespace {
-
-/// Everything that a file can hold.
-struct Database {
-  symblk* nodes = nullptr;
-  msgblk* messages = nullptr;
-  env_var_blk* env_vars = nullptr;
-  btlblk* bit_timings = nullptr;
-  attr_def* attr_defs = nullptr;
-  attr* net_attrs = nullptr;
-  cat* categories = nullptr;
-  filter_t filter{};
-  char* comment = nullptr;
-  char* version = nullptr;
-  sigtype* sig_types = nullptr;
-  valtable* val_tables = nullptr;
-  attr_def* slots[4] = {};
-
-  Database() = default;
-  Database(const Database&) = delete;
-  Database& operator=(const Database&) = delete;
-  ~Database() {
-    zelk_free(nodes, messages, env_vars, bit_timings, attr_defs, net_attrs, categories, &filter,
-              comment, version, sig_types, val_tables);
-  }
-  std::uint32_t read(std::string_view text) {
-    return zelk_try_read_text(text.data(), text.size(), &nodes, &messages, &env_vars, &bit_timings,
-                              &attr_defs, &net_attrs, &categories, &filter, &comment, &version,
-                              &sig_types, &val_tables, slots);
-  }
-};
 
 /// The number in ", line N"; 0 when there is none.
 std::uint32_t line_of(std::string_view message) {
@@ -54,10 +23,8 @@ std::uint32_t line_of(std::string_view message) {
 }  // namespace
 
 Verdict judge(std::string_view text) {
-  // An empty text is a file without statements, and null would be no file.
-  if (text.data() == nullptr) text = "";
   const std::size_t size_before = std::string_view(zelk_get_thread_error_text()).size();
-  const std::uint32_t number = Database().read(text);
+  const std::uint32_t number = StrictReading(text).error();
   if (number == ZELK_ERR_MEMORY) throw std::bad_alloc();
   std::string_view lines = zelk_get_thread_error_text();
   lines.remove_prefix(size_before < lines.size() ? size_before : lines.size());

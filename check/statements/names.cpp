@@ -70,6 +70,20 @@ std::string text_value(const Document& document, const Token& token) {
   return result;
 }
 
+std::optional<double> real_value(const Document& document, const Statement& statement, Role role) {
+  bool is_negative = false;
+  for (const Token& token : document.tokens_of(statement)) {
+    if (token.role != role) continue;
+    if (token.kind == TokenKind::kWhole || token.kind == TokenKind::kReal) {
+      const auto whole = whole_value(document, token);
+      const double value = whole ? *whole : literal_to_double(document.text_of(token));
+      return is_negative ? -value : value;
+    }
+    is_negative = token.is_mark('-');
+  }
+  return std::nullopt;
+}
+
 Names::Names(const Document& document)
     : document_(document),
       messages_(count(document, Word::kMessage)),

@@ -33,6 +33,9 @@ std::optional<std::int64_t> signed_value(const Document& document, const Stateme
 /// carriage return in front of a line feed. Other tokens whole.
 std::string text_value(const Document& document, const Token& token);
 
+/// Any number with an optional sign.
+std::optional<double> real_value(const Document& document, const Statement& statement, Role role);
+
 /// What is introduced, by name or number. All lookups give the index of the first readable
 /// statement that introduces it, which is the one that a reader finds, or `Statement::kNone`. One
 /// thread at a time.

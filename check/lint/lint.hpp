@@ -1,0 +1,36 @@
+/// \file
+/// Finds what is wrong, or likely to be, in databases that can be read.
+
+#ifndef ZELK_CHECK_LINT_LINT_HPP
+#define ZELK_CHECK_LINT_LINT_HPP
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+#include "check/findings/finding.hpp"
+#include "check/lint/settings.hpp"
+#include "check/records/strict_reading.hpp"
+#include "check/statements/document.hpp"
+
+namespace zelk::check {
+
+struct LintResult {
+  Findings findings;                      ///< in the order of their places, up to the limit
+  std::array<std::uint64_t, 3> counts{};  ///< by severity; those beyond the limit included
+
+  /// Whether there is a finding of this severity, or a higher one.
+  bool has(Severity least) const;
+};
+
+/// Applies all rules that are on. Time is linear in the size of the text.
+///
+/// @param document  a text that the strict reader accepts
+/// @param records   what the strict reader made of it
+/// @param limit     findings in the list, at most: the first ones of the text
+LintResult lint(const Document& document, const RecordsView& records, const LintSettings& settings,
+                std::size_t limit);
+
+}  // namespace zelk::check
+
+#endif
