@@ -48,8 +48,12 @@ struct Finding {
 /// The findings of one file, in the order of their places.
 struct Findings {
   std::vector<Finding> list;
-  std::uint64_t count =
-      0;  ///< of all that there are, also those beyond the limit that are not in the list
+  /// Of all that there are, also those beyond the limit that are not in the list.
+  std::uint64_t count = 0;
+  Severity worst = Severity::kNote;  ///< of all
+
+  /// @param limit  length of the list; 0 for any
+  void add(Finding finding, std::uint64_t limit = 0);
 };
 
 }  // namespace zelk::check

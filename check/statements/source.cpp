@@ -9,11 +9,13 @@ namespace zelk::check {
 
 namespace {
 
-/// Characters of well-formed UTF-8 are counted by the bytes that begin one.
-std::size_t count_characters(std::string_view text) {
-  if (!is_utf8(text)) return text.size();
-  const auto begins = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; };
-  return static_cast<std::size_t>(std::ranges::count_if(text, begins));
+/// Bytes of well-formed UTF-8 that begin characters: all of them, or those of two units in UTF-16.
+std::uint32_t count_leads(std::string_view text, unsigned from) {
+  const auto leads = [from](char c) {
+    const auto byte = static_cast<unsigned char>(c);
+    return byte >= from && (byte & 0xC0) != 0x80;
+  };
+  return static_cast<std::uint32_t>(std::ranges::count_if(text, leads));
 }
 
 }  // namespace
@@ -64,11 +66,34 @@ std::uint32_t Source::next_line(std::uint32_t offset) const {
   return next < starts().size() ? starts_[next] : size();
 }
 
+const Source::Front& Source::front_of(std::uint32_t own) const {
+  const auto line = static_cast<std::uint32_t>(index_of(own));
+  if (front_.line != line || front_.end > own) front_ = {line, starts_[line], starts_[line]};
+  const std::string_view further = text(front_.end, own);
+  front_.end = own;
+  if (front_.is_utf8) front_.is_utf8 = is_utf8(further);
+  if (!front_.is_utf8) return front_;
+  front_.characters += count_leads(further, 0);
+  front_.long_characters += count_leads(further, 0xF0);
+  return front_;
+}
+
 Position Source::position(std::uint32_t offset) const {
   const auto [file, own] = own_place(offset);
-  const std::size_t index = file.index_of(own);
-  const std::size_t column = count_characters(file.text(file.starts_[index], own)) + 1;
-  return {static_cast<std::uint32_t>(index + 1), static_cast<std::uint32_t>(column)};
+  const Front& front = file.front_of(own);
+  return {front.line + 1, front.columns() + 1};
+}
+
+std::uint32_t Source::utf16_column(std::uint32_t offset) const {
+  const auto [file, own] = own_place(offset);
+  const Front& front = file.front_of(own);
+  return front.columns() + (front.is_utf8 ? front.long_characters : 0) + 1;
+}
+
+std::uint32_t Source::offset_in_line(std::uint32_t offset) const {
+  const auto [file, own] = own_place(offset);
+  const auto size = static_cast<std::uint32_t>(line_at(offset).size());
+  return std::min(own - file.line_begin(own), size);
 }
 
 std::string_view Source::line_at(std::uint32_t offset) const {

@@ -61,6 +61,10 @@ class Source {
   const std::string& path_at(std::uint32_t offset) const { return own_place(offset).file.path_; }
   Position position(std::uint32_t offset) const;
   std::string_view line_at(std::uint32_t offset) const;
+  /// Of the place in `line_at`, in bytes; up to its size, also for a place in the line end.
+  std::uint32_t offset_in_line(std::uint32_t offset) const;
+  /// The column in units of UTF-16, from 1.
+  std::uint32_t utf16_column(std::uint32_t offset) const;
 
   /// Where the line around `offset` begins, and where the next one does (or the text ends).
   std::uint32_t line_begin(std::uint32_t offset) const;
@@ -79,7 +83,20 @@ class Source {
     std::uint32_t own_begin;
   };
 
+  /// What stands on a line in front of a place of this file.
+  struct Front {
+    std::uint32_t line = 0;   ///< index
+    std::uint32_t begin = 0;  ///< of the line
+    std::uint32_t end = 0;
+    std::uint32_t characters = 0;
+    std::uint32_t long_characters = 0;  ///< those of two units in UTF-16
+    bool is_utf8 = true;
+
+    std::uint32_t columns() const { return is_utf8 ? characters : end - begin; }
+  };
+
   OwnPlace own_place(std::uint32_t offset) const;
+  const Front& front_of(std::uint32_t own_offset) const;
   const std::vector<std::uint32_t>& starts() const;
   std::size_t index_of(std::uint32_t offset) const;
 
@@ -88,6 +105,7 @@ class Source {
   std::vector<Source> files_;  ///< empty for a single file
   std::vector<Piece> pieces_;  ///< likewise; the first begins at 0, and none is empty
   mutable std::vector<std::uint32_t> starts_;  ///< of all lines; empty before the first question
+  mutable Front front_;  ///< the last answer, from which the next one goes on in a long line
 };
 
 }  // namespace zelk::check

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <utility>
 
+#include "base/edit_distance.hpp"
 #include "base/numbers.hpp"
 #include "term/text.hpp"
 
@@ -32,7 +33,7 @@ void NameSuggestion::add(std::string_view name, std::string_view owner) {
 
 std::string NameSuggestion::text() const {
   constexpr std::size_t kMaxNames = 6;
-  const std::size_t limit = std::min<std::size_t>(2, typed_.size() / 3);
+  const std::size_t limit = suggestion_distance(typed_);
   std::vector<std::pair<std::size_t, std::string_view>> near;
   for (const std::string& name : names_) {
     const std::size_t distance = edit_distance(name, typed_, limit);

@@ -26,7 +26,7 @@ class JsonRows : public RowWriter {
     for (const std::string& heading : headings) keys_.push_back(utf8(heading));
   }
 
-  void row(const std::vector<Cell>& cells) override { array_.element(keys_, cells); }
+  void row(const std::vector<Cell>& cells) override { array_.element(object_of(keys_, cells)); }
   void finish() override { array_.finish(); }
 
  private:
@@ -46,20 +46,10 @@ Json json_of(const Cell& cell) {
   return array;
 }
 
-void JsonArray::element(const Json& element) {
-  out_.line("{}{}", pending_.empty() ? "[" : pending_, pending_.empty() ? "" : ",");
-  pending_ = element.dump();
-}
-
-void JsonArray::element(const std::vector<std::string>& keys, const std::vector<Cell>& cells) {
+Json object_of(const std::vector<std::string>& keys, const std::vector<Cell>& cells) {
   Json object;
   for (std::size_t i = 0; i < keys.size(); ++i) object[keys[i]] = json_of(cells[i]);
-  element(object);
-}
-
-void JsonArray::finish() {
-  if (!pending_.empty()) out_.line("{}", pending_);
-  out_.line("{}", pending_.empty() ? "[]" : "]");
+  return object;
 }
 
 std::unique_ptr<RowWriter> make_json_rows(const std::vector<std::string>& headings, Output& out) {

@@ -1,6 +1,7 @@
 #include "table/search.hpp"
 
 #include <functional>
+#include <nlohmann/json.hpp>
 #include <string_view>
 
 #include "base/j1939.hpp"
@@ -108,7 +109,7 @@ void print_hits_as_json(const std::vector<Hit>& hits, Output& out) {
     keys.insert(keys.end(), hit.kind->headings.begin(), hit.kind->headings.end());
     std::vector<Cell> cells = {text(hit.database->name), text(hit.kind->singular)};
     hit.kind->append_cells(hit.object, cells);
-    array.element(keys, cells);
+    array.element(object_of(keys, cells));
   }
   array.finish();
 }

@@ -1,5 +1,5 @@
 /// \file
-/// Texts fit for the terminal, and their comparison.
+/// Texts fit for the terminal.
 
 #ifndef ZELK_TOOL_TERM_TEXT_HPP
 #define ZELK_TOOL_TERM_TEXT_HPP
@@ -23,10 +23,6 @@ std::string lowered(std::string_view text);
 
 /// "1 node", "3 nodes"; the plural is `noun` with an "s" unless it is given.
 std::string counted(std::size_t count, std::string_view noun, std::string_view plural = {});
-
-/// Number of inserted, deleted, replaced or swapped characters (ASCII case ignored) that leads from
-/// `a` to `b`; `limit` + 1 for every larger number.
-std::size_t edit_distance(std::string_view a, std::string_view b, std::size_t limit);
 
 }  // namespace zelk::tool
 
