@@ -109,7 +109,7 @@ TEST(Edit, KeepsTheEncodingOfTheFile) {
   check({"edit a.dbc --set-comment node:A \u0416", 1, "", "not in Windows-1252"});
 }
 
-// A file keeps 14 digits of a number.
+// The library's own form keeps 14 digits of a number.
 TEST(Edit, RoundsNothingInSilence) {
   const std::string file =
       "BS_:\nBU_: N\nBO_ 1 M: 8 N\n SG_ S : 0|48@1+ (1,0) [0|281474976710655] \"\" N\n"
@@ -117,24 +117,27 @@ TEST(Edit, RoundsNothingInSilence) {
   const char* const renamed = "message 0x001 M: renamed to X\n";
   const char* const of_signal = "signal X.S: max 281474976710655 would become 281474976710660\n";
   const ToolCase cases[] = {
-      {"a.dbc --rename-message M X", 1, "", std::string("a.dbc: ") + of_signal},
-      {"a.dbc --rename-message M X --delete-signal X.S", 1, "",
-       "a.dbc: network: attribute \"F\" 0.1234567890123456 would become 0.12345678901235\n"
-       "a.dbc: not written: a file keeps 14 digits"},
-      {"a.dbc --rename-message M X --delete-signal X.S --set-attribute network F "
+      {"a.dbc --canonical --rename-message M X", 1, "", std::string("a.dbc: ") + of_signal},
+      {"a.dbc --canonical --rename-message M X --delete-signal X.S --set-attribute network F "
        "0.6543210987654321",
        0,
        std::string(renamed) + "signal X.S: deleted\nnetwork: attribute \"F\" = "
                               "0.6543210987654321\na.dbc written\n",
        "attribute \"F\": 0.6543210987654321 -> 0.65432109876543"},
-      {"a.dbc --allow-rounding --rename-message M X", 0, std::string(renamed) + "a.dbc written\n",
-       "max: 281474976710655 -> 281474976710660"},
+      {"a.dbc --canonical --allow-rounding --rename-message M X", 0,
+       std::string(renamed) + "a.dbc written\n", "max: 281474976710655 -> 281474976710660"},
   };
   for (const ToolCase& c : cases) {
     const auto path = write_file("a.dbc", file);
     check({"edit " + c.arguments, c.exit_code, c.out, c.err});
     EXPECT_EQ(bytes_of(path) == file, c.exit_code == 1) << c.arguments;
   }
+  const auto path = write_file("a.dbc", file);
+  check({"edit a.dbc --rename-message M X --set-attribute network F 0.6543210987654321", 0,
+         std::string(renamed) + "network: attribute \"F\" = 0.6543210987654321\na.dbc written\n"});
+  EXPECT_EQ(bytes_of(path),
+            "BS_:\nBU_: N\nBO_ 1 X: 8 N\n SG_ S : 0|48@1+ (1,0) [0|281474976710655] \"\" N\n"
+            "BA_DEF_ \"F\" FLOAT 0 1;\nBA_DEF_DEF_ \"F\" 0;\nBA_ \"F\" 0.6543210987654321;\n");
 }
 
 }  // namespace

@@ -78,9 +78,12 @@ void add_edit_command(CLI::App& app, Action& action) {
       ->type_name("OUT")
       ->check(fault_of_other_format);
   command->add_flag("-n,--dry-run", arguments->dry_run, "Only tells what would change");
-  command->add_flag("--allow-rounding", arguments->allow_rounding,
-                    "Write although numbers that are not edited have more digits than the 14\n"
-                    "that a file keeps, and are rounded");
+  command->add_flag("--canonical", arguments->is_canonical,
+                    "Writes all of the file in the library's own order and form");
+  command->add_flag(
+      "--allow-rounding", arguments->allow_rounding,
+      "With --canonical: write although numbers that are not edited have more digits\n"
+      "than the 14 that this form keeps, and are rounded");
   std::map<const CLI::Option*, const EditKind*> kinds;
   const auto keep_results = [](const std::vector<std::string>&) {};  // `edits_of` asks for them
   for (const EditKind& kind : kEditKinds) {

@@ -1,8 +1,11 @@
 #include "edit/edit_file.hpp"
 
 #include <algorithm>
+#include <string_view>
 
+#include "edit/text_edit.hpp"
 #include "input/lookup.hpp"
+#include "save/replace_file.hpp"
 #include "save/rounding.hpp"
 #include "save/saving.hpp"
 #include "term/text.hpp"
@@ -11,10 +14,24 @@ namespace zelk::tool {
 
 namespace {
 
+/// @throws RequestError when the file is not the one that was read
+void check_unchanged(const FileEdits& file, const OpenedDatabase& opened) {
+  if (!opened.database->IsPathEqual(file.path.c_str()))
+    throw RequestError("somebody has changed the file meanwhile");
+}
+
+/// When the output does not take the lines, the program ends here with the file as it was.
+void print(const std::vector<std::string>& lines, Output& out) {
+  for (const std::string& line : lines) out.line("{}", line);
+  out.flush();
+}
+
 /// Makes the edits one after the other.
 ///
+/// @param place  file that faults are about from then on
 /// @return a line for each, which says what it did
-std::vector<std::string> apply_edits(const FileEdits& file, DatabaseEditor& editor) {
+std::vector<std::string> apply_edits(const FileEdits& file, DatabaseEditor& editor,
+                                     const std::string*& place) {
   std::vector<std::string> lines;
   for (const Edit& edit : file.edits) {
     try {
@@ -24,34 +41,74 @@ std::vector<std::string> apply_edits(const FileEdits& file, DatabaseEditor& edit
       throw RequestError(fmt::format("{}: {}", edit.option, error.what()));
     }
   }
+  place = &file.target();
   return lines;
 }
 
-/// What edits leave behind must fit into a file; numbers that they do not touch must stay.
-///
-/// @param before  numbers of the unedited database that are rounded in a file
-/// @throws RequestError
-void check_result(const FileEdits& file, const OpenedDatabase& opened,
-                  const std::vector<Rounding>& before) {
-  if (opened.database->SymbolsShortenedOnRead())
-    throw RequestError(write_complaint(ZelkErrorNotWritten, *opened.database));
-  if (!file.allow_rounding) {
-    std::vector<Rounding> untouched = roundings_of(opened.encoded());
-    std::erase_if(untouched, [&before](const Rounding& rounding) {
-      return std::ranges::find(before, rounding) == before.end();
-    });
-    check_roundings(untouched, file.target(), false);
+/// The whole file in the library's own form.
+class CanonicalFile {
+ public:
+  CanonicalFile(const FileEdits& file, const OpenedDatabase& opened)
+      : file_(file), opened_(opened), roundings_(roundings_of(opened.encoded())) {}
+
+  /// What edits leave behind must fit into a file; numbers that they do not touch must stay.
+  ///
+  /// @throws RequestError
+  void check() const {
+    if (opened_.database->SymbolsShortenedOnRead())
+      throw RequestError(write_complaint(ZelkErrorNotWritten, *opened_.database));
+    if (!file_.allow_rounding) {
+      std::vector<Rounding> untouched = roundings_of(opened_.encoded());
+      std::erase_if(untouched, [this](const Rounding& rounding) {
+        return std::ranges::find(roundings_, rounding) == roundings_.end();
+      });
+      check_roundings(untouched, file_.target(), false);
+    }
+    check_trial_write(opened_.encoded(), file_.target());
   }
-  check_trial_write(opened.encoded(), file.target());
+
+  /// @throws RequestError when the database cannot be written
+  void write(ZelkWriteManager& manager) const {
+    const char* const output = file_.output.empty() ? nullptr : file_.output.c_str();
+    save(*opened_.database, file_.target(), [&] {
+      check_unchanged(file_, opened_);
+      return manager.WriteDatabase(opened_.name, output);
+    });
+  }
+
+ private:
+  const FileEdits& file_;
+  const OpenedDatabase& opened_;
+  std::vector<Rounding> roundings_;  ///< numbers of the unedited database
+};
+
+/// @return a word about what became of the file
+std::string_view edit_canonical(const FileEdits& file, ZelkWriteManager& manager,
+                                const OpenedDatabase& opened, Output& out,
+                                const std::string*& place) {
+  const CanonicalFile result(file, opened);
+  DatabaseEditor editor(manager, opened);
+  const std::vector<std::string> lines = apply_edits(file, editor, place);
+  result.check();
+  print(lines, out);
+  if (!file.dry_run) result.write(manager);
+  return file.dry_run ? "not written" : "written";
 }
 
-/// @throws RequestError when the database cannot be written
-void write(const FileEdits& file, ZelkWriteManager& manager, const OpenedDatabase& opened) {
-  save(*opened.database, file.target(), [&] {
-    if (!opened.database->IsPathEqual(file.path.c_str()))
-      throw RequestError("somebody has changed the file meanwhile");
-    return manager.WriteDatabase(opened.name, file.output.empty() ? nullptr : file.output.c_str());
-  });
+/// @return a word about what became of the file
+std::string_view edit_text(const FileEdits& file, ZelkWriteManager& manager,
+                           const OpenedDatabase& opened, Output& out, const std::string*& place) {
+  const TextEdit text(file.path, opened);
+  check_unchanged(file, opened);
+  DatabaseEditor editor(manager, opened);
+  const std::vector<std::string> lines = apply_edits(file, editor, place);
+  const check::Patched result = text.finish(file.target());
+  print(lines, out);
+  if (file.dry_run) return "not written";
+  if (result.splices.empty() && file.output.empty()) return "unchanged";
+  check_unchanged(file, opened);
+  replace_file(file.target(), result.text);
+  return "written";
 }
 
 }  // namespace
@@ -64,20 +121,13 @@ bool edit_file(const FileEdits& file, Output& out) {
   const std::string* place = &file.path;  // what a fault is about
   try {
     if (!manager.LockDatabase(opened.name, "it is being edited")) throw RequestError("locked");
-    const std::vector<Rounding> roundings = roundings_of(opened.encoded());
-    DatabaseEditor editor(manager, opened);
-    const std::vector<std::string> lines = apply_edits(file, editor);
-    place = &file.target();
-    check_result(file, opened, roundings);
-    // When the output does not take these lines, the program ends here with the file as it was.
-    for (const std::string& line : lines) out.line("{}", line);
-    out.flush();
-    if (!file.dry_run) write(file, manager, opened);
+    const auto edit = file.is_canonical ? edit_canonical : edit_text;
+    const std::string_view result = edit(file, manager, opened, out, place);
+    out.line("{} {}", escaped(file.target()), result);
   } catch (const RequestError& error) {
     print_error(behind_path(*place, error.what()));
     return false;
   }
-  out.line("{} {}", escaped(*place), file.dry_run ? "not written" : "written");
   return true;
 }
 

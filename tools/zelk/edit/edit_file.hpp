@@ -24,7 +24,8 @@ struct FileEdits {
   std::string path;
   std::string output;           ///< file to write instead; empty for `path`
   bool dry_run = false;         ///< nothing is written
-  bool allow_rounding = false;  ///< numbers that no edit touches may be rounded
+  bool is_canonical = false;    ///< all of it is written in the library's own form
+  bool allow_rounding = false;  ///< then numbers that no edit touches may be rounded
   std::vector<Edit> edits;
 
   const std::string& target() const { return output.empty() ? path : output; }

@@ -1,17 +1,13 @@
 #include "save/saving.hpp"
 
-#include <cerrno>
 #include <cstddef>
-#include <filesystem>
-#include <fstream>
-#include <random>
-#include <system_error>
 #include <utility>
 #include <vector>
 
 #include "diff/diff_text.hpp"
 #include "input/lookup.hpp"
 #include "input/opening.hpp"
+#include "save/temporary_file.hpp"
 #include "term/output.hpp"
 #include "term/quoting.hpp"
 #include "term/system.hpp"
@@ -36,46 +32,6 @@ std::vector<std::string> save_notes(const ZelkDatabase& database) {
 }
 
 constexpr std::size_t kMostWarnings = 10;
-
-/// A file in a new folder; the destructor removes both, also when memory has run out.
-class TemporaryFile {
- public:
-  TemporaryFile() {
-    std::random_device random;
-    do {
-      folder_ = std::filesystem::temp_directory_path() / fmt::format("zelk-{:08x}", random());
-      file_ = folder_ / "written.dbc";
-    } while (!std::filesystem::create_directory(folder_));
-    std::error_code ignored;
-    std::filesystem::permissions(folder_, std::filesystem::perms::owner_all, ignored);
-  }
-  TemporaryFile(const TemporaryFile&) = delete;
-  TemporaryFile& operator=(const TemporaryFile&) = delete;
-  ~TemporaryFile() {
-    std::error_code ignored;
-    std::filesystem::remove(file_, ignored);
-    std::filesystem::remove(folder_, ignored);
-  }
-
-  std::string path() const { return file_.string(); }
-
- private:
-  std::filesystem::path folder_;
-  std::filesystem::path file_;
-};
-
-void write_to(const std::string& path, const ZelkDatabase& d) {
-  const std::uint32_t error =
-      zelk_write(path.c_str(), d.nodes, d.messages, d.env_vars, d.bit_timings, d.attr_defs,
-                 d.attr_values, d.categories, d.filter, d.comment, d.user_data, d.signal_types,
-                 d.value_tables, d.write_ext_mux);
-  // A disk or a limit that leaves no room is seen by one more line, which a database may end in.
-  errno = 0;
-  std::ofstream file(path, std::ios::binary | std::ios::app);
-  if (error == ZELK_OK && file << std::endl) return;
-  const std::string reason = errno != 0 ? ": " + std::generic_category().message(errno) : "";
-  throw RequestError(fmt::format("not written: {} cannot be written{}", escaped(path), reason));
-}
 
 }  // namespace
 

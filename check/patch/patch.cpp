@@ -1,0 +1,301 @@
+#include "check/patch/patch.hpp"
+
+#include <algorithm>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "check/patch/full_names.hpp"
+#include "check/patch/merge.hpp"
+#include "check/patch/renaming.hpp"
+#include "check/patch/subjects.hpp"
+
+namespace zelk::check {
+
+namespace {
+
+constexpr std::uint32_t kNone = Statement::kNone;
+
+using Entries = std::span<const Subjects::Entry>;
+
+bool is_frame(Word kind) { return kind == Word::kMessage || kind == Word::kSignal; }
+
+/// Statements whose objects have their final numbers.
+class StatementPatch {
+ public:
+  StatementPatch(const Casts& casts, const Renaming& renaming, Splices& splices)
+      : casts_(casts),
+        original_text_(casts.original.document()),
+        before_text_(casts.before.document()),
+        after_text_(casts.after.document()),
+        renaming_(renaming),
+        original_(casts.original),
+        before_(casts.before),
+        after_(casts.after),
+        splices_(splices),
+        merge_(casts, splices),
+        partners_(after_text_.statements.size(), kNoPartner) {}
+
+  void run(Nodes nodes) {
+    pair_equal(before_.all(), after_.all(), partners_);
+    keep_order(partners_);
+    if (nodes == Nodes::kAll) list_all_nodes();
+    change_and_remove();
+    add();
+    remove_orphans();
+  }
+
+ private:
+  void list_all_nodes() {
+    const auto list_in = [](const Document& document) {
+      const auto& statements = document.statements;
+      const auto found = std::ranges::find(statements, Word::kNodes, &Statement::kind);
+      return static_cast<std::uint32_t>(found - statements.begin());
+    };
+    merge_.change(list_in(original_text_), kNone, list_in(after_text_));
+  }
+
+  // --- Statements that change or go ---
+
+  void change_and_remove() {
+    std::vector<std::uint32_t> successors(before_text_.statements.size(), kNone);
+    for (std::uint32_t i = 0; i < partners_.size(); ++i)
+      if (partners_[i] != kNoPartner) successors[partners_[i]] = i;
+    for (std::uint32_t i = 0; i < successors.size(); ++i) {
+      if (before_.all()[i] == 0) continue;
+      if (successors[i] == kNone) {
+        remove(i);
+      } else if (differ(i, successors[i])) {
+        change(i, successors[i]);
+      }
+    }
+  }
+
+  bool differ(std::uint32_t before, std::uint32_t after) const {
+    const bool is_same_text = before_text_.text_of(before_text_.statements[before]) ==
+                              after_text_.text_of(after_text_.statements[after]);
+    if (is_same_text && !renaming_.reuses_names()) return false;
+    return !merge_.are_equal(before, after);
+  }
+
+  /// The original of a statement of `before`: the one that comes as often in both, or else the last
+  /// one, which is the one that counts.
+  std::uint32_t original_of(std::uint32_t before) const {
+    const Entries places = original_.about(before_.all()[before]);
+    const Entries befores = before_.about(before_.all()[before]);
+    if (places.empty()) return kNone;
+    if (befores.size() == 1) return places.back().statement;
+    const auto found = std::ranges::find(befores, before, &Subjects::Entry::statement);
+    const auto occurrence = static_cast<std::size_t>(found - befores.begin());
+    return occurrence < places.size() ? places[occurrence].statement : kNone;
+  }
+
+  void remove(std::uint32_t before) {
+    const std::uint64_t subject = before_.all()[before];
+    const std::uint32_t place = original_of(before);
+    if (after_.about(subject).empty()) {
+      for (const Subjects::Entry& entry : original_.about(subject))
+        splices_.remove(entry.statement);
+    } else if (place != kNone) {
+      splices_.remove(place);
+    }
+  }
+
+  void change(std::uint32_t before, std::uint32_t after) {
+    const Word kind = after_text_.statements[after].kind;
+    const std::uint32_t place = original_of(before);
+    if (place == kNone) return insert(after);
+    // Value descriptions of several statements become one.
+    const Entries places = original_.about(before_.all()[before]);
+    const bool is_divided = kind == Word::kDescriptions && places.size() > 1;
+    merge_.change(place, is_divided ? kNone : before, after);
+    if (!is_divided) return;
+    for (const Subjects::Entry& entry : places)
+      if (entry.statement != place) splices_.remove(entry.statement);
+  }
+
+  // --- New statements ---
+
+  void add() {
+    for (std::uint32_t i = 0; i < partners_.size(); ++i) {
+      if (partners_[i] != kNoPartner || after_.all()[i] == 0) continue;
+      const Entries places = original_.about(after_.all()[i]);
+      const bool is_there = !places.empty() && before_.about(after_.all()[i]).empty();
+      if (is_there) {
+        merge_.change(places.back().statement, kNone, i);
+      } else {
+        insert(i);
+      }
+    }
+  }
+
+  /// Nothing depends on the list of new symbols.
+  void insert(std::uint32_t after) {
+    const Word kind = after_text_.statements[after].kind;
+    if (kind == Word::kNewSymbols) return;
+    std::uint32_t anchor = kNone;
+    const bool follows_inserted = after > 0 && after - 1 == last_inserted_ && continues(after);
+    bool is_section = false;
+    if (follows_inserted) {
+      anchor = last_anchor_;
+    } else {
+      anchor = anchor_in_section(after);
+      is_section = anchor == kNone;
+      if (is_section) anchor = end_of_earlier(kind);
+    }
+    const std::string indentation = kind == Word::kSignal ? indentation_of_signals(anchor) : "";
+    splices_.insert(anchor, indentation + merge_.text_of(after),
+                    is_section || kind == Word::kMessage);
+    last_inserted_ = after;
+    last_anchor_ = anchor;
+  }
+
+  /// Whether a statement stands in the section of the one in front of it.
+  bool continues(std::uint32_t after) const {
+    const Word kind = after_text_.statements[after].kind;
+    const Word previous = after_text_.statements[after - 1].kind;
+    return kind == previous || (is_frame(kind) && is_frame(previous));
+  }
+
+  /// The original statement behind which a new one belongs, by what stands in front of it in its
+  /// section.
+  std::uint32_t anchor_in_section(std::uint32_t after) const {
+    const Word kind = after_text_.statements[after].kind;
+    for (std::uint32_t i = after; i > 0 && continues(i); --i) {
+      const std::uint32_t before = partners_[i - 1];
+      const std::uint32_t place = before == kNoPartner ? kNone : original_of(before);
+      if (place != kNone) return kind == Word::kMessage ? end_of_message(place) : place;
+    }
+    return kNone;
+  }
+
+  /// The last signal of the message of a statement.
+  std::uint32_t end_of_message(std::uint32_t place) const {
+    const auto& statements = original_text_.statements;
+    while (place + 1 < statements.size() && statements[place + 1].kind == Word::kSignal) ++place;
+    return place;
+  }
+
+  /// The last statement of the section, or of those in front of it.
+  std::uint32_t end_of_earlier(Word kind) const {
+    for (auto i = static_cast<std::uint32_t>(original_text_.statements.size()); i-- > 0;) {
+      const int place = place_of(original_text_.statements[i].kind);
+      if (place != 0 && place <= place_of(kind)) return i;
+    }
+    return kNone;
+  }
+
+  std::string indentation_of_signals(std::uint32_t anchor) const {
+    const auto& statements = original_text_.statements;
+    const bool is_signal = anchor != kNone && statements[anchor].kind == Word::kSignal;
+    if (is_signal) return splices_.indentation_at(anchor);
+    const auto found = std::ranges::find(statements, Word::kSignal, &Statement::kind);
+    if (found == statements.end()) return " ";
+    return splices_.indentation_at(static_cast<std::uint32_t>(found - statements.begin()));
+  }
+
+  // --- Statements that the library does not write ---
+
+  /// Those of the original that say nothing to the records, but are about objects that go, or about
+  /// what changes.
+  void remove_orphans() {
+    for (std::uint32_t i = 0; i < original_text_.statements.size(); ++i) {
+      const std::uint64_t subject = original_.all()[i];
+      const bool is_written =
+          subject == 0 || !before_.about(subject).empty() || !after_.about(subject).empty();
+      if (!is_written && (names_gone_object(i) || is_outdated(i))) splices_.remove(i);
+    }
+  }
+
+  bool names_gone_object(std::uint32_t original) const {
+    for (const Token& token : original_text_.tokens_of(original_text_.statements[original])) {
+      const std::uint32_t object = casts_.original.object(original, token);
+      const CastKind kind = Cast::kind_of(token.role).kind;
+      if (object != kNone && !casts_.after.token(kind, object)) return true;
+    }
+    return false;
+  }
+
+  /// Ranges of a signal that is now selected otherwise, and a list of the sender that another one
+  /// replaces.
+  bool is_outdated(std::uint32_t original) const {
+    const Statement& statement = original_text_.statements[original];
+    if (statement.kind == Word::kMultiplexorRanges)
+      return changes(original, CastKind::kSignal, Role::kSignalRef, Role::kIndicator);
+    if (statement.kind == Word::kTransmitters)
+      return changes(original, CastKind::kMessage, Role::kMessageRef, Role::kTransmitter);
+    return false;
+  }
+
+  /// Whether the object to which the statement refers is stated with another `part`.
+  bool changes(std::uint32_t original, CastKind kind, Role reference, Role part) const {
+    const Token* const token = original_text_.find(original_text_.statements[original], reference);
+    const std::uint32_t object = casts_.original.object(original, *token);
+    const auto text_of_part = [&](const Cast& cast) {
+      const std::uint32_t statement = cast.statement(kind, object);
+      if (statement == kNone) return std::string_view();
+      return cast.document().text_of(cast.document().statements[statement], part);
+    };
+    return text_of_part(casts_.before) != text_of_part(casts_.after);
+  }
+
+  Casts casts_;
+  const Document& original_text_;
+  const Document& before_text_;
+  const Document& after_text_;
+  const Renaming& renaming_;
+  Subjects original_;
+  Subjects before_;
+  Subjects after_;
+  Splices& splices_;
+  Merge merge_;
+  Partners partners_;
+  std::uint32_t last_inserted_ = kNone;
+  std::uint32_t last_anchor_ = kNone;
+};
+
+std::optional<Patched> patch_statements(const Document& original, const Document& before,
+                                        const Document& after, Nodes nodes) {
+  Cast original_cast(original);
+  const Cast before_cast(before);
+  Cast after_cast(after);
+  after_cast.follow(before_cast);
+  if (!original_cast.match(before_cast)) return std::nullopt;
+  Splices splices(original);
+  const Renaming renaming(before_cast, after_cast);
+  renaming.apply(original_cast, splices);
+  StatementPatch({original_cast, before_cast, after_cast}, renaming, splices).run(nodes);
+  return splices.apply();
+}
+
+/// The offset of the byte that ends the reading of a text; none when it is read to its end.
+std::optional<std::uint32_t> end_byte_of(const Document& document) {
+  const auto found = std::ranges::find(document.faults, FaultKind::kEndByte, &Fault::kind);
+  if (found == document.faults.end()) return std::nullopt;
+  const std::uint32_t behind = found->token == 0 ? 0 : document.tokens[found->token - 1].end;
+  return static_cast<std::uint32_t>(document.source.text().find('\xFF', behind));
+}
+
+Document with_names_in_place(const Document& document, const std::vector<CastKind>& kinds) {
+  return read_document(Source(document.source.path(), with_full_names(document, kinds)));
+}
+
+}  // namespace
+
+std::optional<Patched> patch(const Document& original, const Document& before,
+                             const Document& after, Nodes nodes) {
+  if (const auto end = end_byte_of(original)) {
+    const std::string_view text = original.source.text();
+    const Document head =
+        read_document(Source(original.source.path(), std::string(text.substr(0, *end))));
+    std::optional<Patched> patched = patch(head, before, after, nodes);
+    if (patched) patched->text += text.substr(*end);
+    return patched;
+  }
+  const std::vector<CastKind> kinds = kinds_with_full_names(original);
+  if (kinds.empty()) return patch_statements(original, before, after, nodes);
+  return patch_statements(original, with_names_in_place(before, kinds),
+                          with_names_in_place(after, kinds), nodes);
+}
+
+}  // namespace zelk::check
