@@ -93,7 +93,6 @@ class Includer {
       if (part.text.empty()) stretches.back().text = file.text(part.begin, part.end);
     }
     const auto count = static_cast<std::uint32_t>(files_.size() - 1);
-    findings_.count = findings_.list.size();
     return {Source(std::move(files_), stretches), count, std::move(findings_)};
   }
 
@@ -177,7 +176,7 @@ class Includer {
   }
 
   void find(Severity severity, Span span, std::string message) {
-    findings_.list.push_back(
+    findings_.add(
         {.severity = severity, .rule = kIncludeRule, .span = span, .message = std::move(message)});
   }
 
@@ -223,13 +222,12 @@ Findings find_includes(const Source& source) {
   Findings findings;
   if (!may_name_files(source)) return findings;
   for (const Comment& comment : comments_of(read_document(source)))
-    findings.list.push_back(
+    findings.add(
         {.severity = Severity::kNote,
          .rule = kIncludeRule,
          .span = comment.span,
          .message = "the comment names a file to include: " + in_quotes(comment.name),
          .cause = "its statements are missing here; --include DIR takes them from a folder"});
-  findings.count = findings.list.size();
   return findings;
 }
 

@@ -1,7 +1,6 @@
 #include "check/includes/mend.hpp"
 
 #include <algorithm>
-#include <iterator>
 #include <utility>
 #include <vector>
 
@@ -12,23 +11,21 @@ namespace zelk::check {
 
 namespace {
 
-/// Adds findings to others, in the order of their places.
-void merge(Findings& into, Findings from) {
-  const auto middle = static_cast<std::ptrdiff_t>(into.list.size());
-  std::ranges::move(from.list, std::back_inserter(into.list));
+/// The mends of each round stand together.
+MendedFile sorted(MendedFile mended) {
   const auto by_place = [](const Finding& a, const Finding& b) {
     return a.span.begin < b.span.begin;
   };
-  std::inplace_merge(into.list.begin(), into.list.begin() + middle, into.list.end(), by_place);
-  into.count += from.count;
+  std::ranges::stable_sort(mended.mends.list, by_place);
+  return mended;
 }
 
 /// A named file is missing.
 Mended unmendable(Included included) {
-  std::vector<Finding>& list = included.findings.list;
-  std::erase_if(list, [](const Finding& f) { return f.severity != Severity::kError; });
-  included.findings.count = list.size();
-  return {Outcome::kUnmendable, std::move(included.source), {}, {}, std::move(included.findings)};
+  Mended mended = {Outcome::kUnmendable, std::move(included.source)};
+  for (Finding& finding : included.findings.list)
+    if (finding.severity == Severity::kError) mended.faults.add(std::move(finding));
+  return mended;
 }
 
 Mended mend_with_includes(Source source, const MendOptions& options) {
@@ -36,17 +33,18 @@ Mended mend_with_includes(Source source, const MendOptions& options) {
   if (!included.is_whole()) return unmendable(std::move(included));
   Mended mended = repair(std::move(included.source), options);
   if (mended.outcome == Outcome::kUnneeded && included.count > 0) mended.outcome = Outcome::kMended;
-  merge(mended.mends, std::move(included.findings));
+  for (Finding& finding : included.findings.list) mended.mends.add(std::move(finding));
   return mended;
 }
 
 }  // namespace
 
 MendedFile mend(Source source, const MendOptions& options) {
-  if (options.kept.contains(kIncludeRule)) return {repair(std::move(source), options)};
-  if (!options.include_folder.empty()) return {mend_with_includes(std::move(source), options)};
+  if (options.kept.contains(kIncludeRule)) return sorted({repair(std::move(source), options)});
+  if (!options.include_folder.empty())
+    return sorted({mend_with_includes(std::move(source), options)});
   Findings notes = find_includes(source);
-  return {repair(std::move(source), options), std::move(notes)};
+  return sorted({repair(std::move(source), options), std::move(notes)});
 }
 
 std::vector<std::string_view> mend_names() {

@@ -2,7 +2,7 @@
 
 namespace zelk::tool {
 
-void add_findings_options(CLI::App& command, FindingsOptions& options) {
+void add_report_options(CLI::App& command, FindingsOptions& options) {
   CLI::Option* const json =
       command.add_flag("--json", options.json, "An array of JSON objects, one in a line");
   command
@@ -12,6 +12,10 @@ void add_findings_options(CLI::App& command, FindingsOptions& options) {
       .add_option("--max-errors", options.max_errors,
                   "Findings to show of each file; 0 for all (default 100)")
       ->option_text("N");
+}
+
+void add_findings_options(CLI::App& command, FindingsOptions& options) {
+  add_report_options(command, options);
   command
       .add_option("--fail-on", options.fail_on,
                   "Least severity that makes the command fail: note, warning or error\n"

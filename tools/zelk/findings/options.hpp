@@ -29,9 +29,12 @@ struct FindingsOptions {
   }
 };
 
-/// Adds `--json`, `--sarif`, `--max-errors` and `--fail-on`.
+/// Adds `--json`, `--sarif` and `--max-errors`.
 ///
 /// @param options  must outlive the parsing
+void add_report_options(CLI::App& command, FindingsOptions& options);
+
+/// Adds these and `--fail-on`.
 void add_findings_options(CLI::App& command, FindingsOptions& options);
 
 }  // namespace zelk::tool

@@ -42,10 +42,18 @@ class TextImporter : public NamelessImporter {
   bool has_shortened_ = false;
 };
 
+/// `mend_line` as a report, which gets the path of the main file in front.
+std::string report_line(const check::Source& source, const check::Finding& finding) {
+  std::string line = mend_line(source, finding);
+  const std::string lead = escaped(source.path()) + ":";
+  if (line.starts_with(lead)) line.erase(0, lead.size());
+  return line;
+}
+
 void report_faults(const check::Mended& mended, std::vector<std::string>& reports) {
   for (const check::Finding& fault : mended.faults.list) {
     if (reports.size() == kMostFaults) break;
-    reports.push_back(finding_line(mended.source, fault));
+    reports.push_back(report_line(mended.source, fault));
   }
   const std::uint64_t left = mended.faults.count - reports.size();
   if (left > 0) reports.push_back(fmt::format("and {} more", left));
@@ -55,13 +63,13 @@ void report_faults(const check::Mended& mended, std::vector<std::string>& report
 void report_mends(const check::MendedFile& mended, bool lists_all,
                   std::vector<std::string>& reports) {
   for (const check::Finding& note : mended.notes.list)
-    reports.push_back(finding_line(mended.source, note));
+    reports.push_back(report_line(mended.source, note));
   if (mended.mends.list.empty()) return;
   const std::string count = counted(mended.mends.count, "place");
   reports.push_back("mended in " + count + (lists_all ? "" : "; --verbose tells which"));
   if (!lists_all) return;
   for (const check::Finding& mend : mended.mends.list)
-    reports.push_back(finding_line(mended.source, mend));
+    reports.push_back(report_line(mended.source, mend));
 }
 
 }  // namespace
@@ -74,14 +82,12 @@ check::MendedFile mend_file(const std::string& path, const check::MendOptions& o
   throw RequestError("cannot be read: " + escaped(utf8(error.code().message())));
 }
 
-std::string finding_line(const check::Source& source, const check::Finding& finding) {
+std::string mend_line(const check::Source& source, const check::Finding& finding) {
   const auto [line, column] = source.position(finding.span.begin);
-  const std::string& path = source.path_at(finding.span.begin);
-  const std::string place = path == source.path() ? "" : escaped(path) + ":";
-  std::string text = fmt::format("{}{}:{}: {}: {}", place, line, column, finding.rule,
-                                 escaped(utf8(finding.message)));
+  std::string text = fmt::format("{}:{}:{}: {}", escaped(source.path_at(finding.span.begin)), line,
+                                 column, escaped(utf8(finding.message)));
   if (!finding.cause.empty()) text += "; " + escaped(utf8(finding.cause));
-  return text;
+  return text + fmt::format(" [{}]", finding.rule);
 }
 
 OpenedDatabase import_mended(ZelkWriteManager& manager, const std::string& path, const char* name,

@@ -16,9 +16,8 @@ namespace zelk::tool {
 /// @throws RequestError when it cannot be read, or is too large
 check::MendedFile mend_file(const std::string& path, const check::MendOptions& options);
 
-/// "unknown-message: ...", `escaped`, behind the place: "3:14: ..."; behind the path too where that
-/// is an included file's.
-std::string finding_line(const check::Source& source, const check::Finding& finding);
+/// "FILE:3:14: ... [unknown-message]", `escaped`.
+std::string mend_line(const check::Source& source, const check::Finding& finding);
 
 /// `import_database` for a mended file of the library's own format. The reports say how many mends
 /// there were, or what each did.
