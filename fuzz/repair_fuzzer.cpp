@@ -1,0 +1,82 @@
+// Mends any bytes. What comes out is read strictly, has all messages and signals that can be seen
+// in the input, and needs no further mend; what is refused has its faults. The sanitizers judge,
+// too.
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "base/list.hpp"
+#include "check/includes/mend.hpp"
+#include "check/statements/document.hpp"
+#include "support/lists.hpp"
+
+namespace {
+
+using namespace zelk::check;
+
+void expect(bool condition, const char* what, const std::string& text) {
+  if (condition) return;
+  std::fprintf(stderr, "%s\n%s\n%s", what, text.c_str(), zelk_get_error_text());
+  std::abort();
+}
+
+struct Counts {
+  std::size_t messages = 0;
+  std::size_t signals = 0;
+};
+
+Counts counts_of(const Lists& lists) {
+  Counts counts;
+  for (const msgblk& message : zelk::each(lists.messages)) {
+    ++counts.messages;
+    counts.signals += zelk::each(message.signals).size();
+  }
+  return counts;
+}
+
+/// Of what can be read in a text, whatever else is wrong there.
+Counts counts_of(const Document& document) {
+  Counts counts;
+  for (const Statement& statement : document.statements) {
+    if (!statement.is_readable) continue;
+    counts.messages += statement.kind == Word::kMessage;
+    counts.signals += statement.kind == Word::kSignal && statement.owner != Statement::kNone &&
+                      document.statements[statement.owner].is_readable;
+  }
+  return counts;
+}
+
+MendedFile mended(const std::string& text) {
+  zelk_clear_error_text();
+  return mend(Source("input", text), {});
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::string input(reinterpret_cast<const char*>(data), size);
+  const MendedFile first = mended(input);
+  if (first.outcome == Outcome::kUnmendable) {
+    expect(!first.faults.list.empty(), "refused without a fault", input);
+    return 0;
+  }
+  const bool is_changed = first.outcome == Outcome::kMended;
+  expect(is_changed != first.mends.list.empty(), "a mend that is not told, or none", first.text);
+  expect(is_changed || first.text == input, "changed without a mend", first.text);
+  Lists lists;
+  zelk_clear_error_text();
+  const std::uint32_t error =
+      lists.read_by(zelk_try_read_text, first.text.c_str(), first.text.size());
+  expect(error == ZELK_OK, "not read", first.text);
+  const Counts before = counts_of(read_document(first.source));
+  const Counts after = counts_of(lists);
+  expect(after.messages >= before.messages, "a message is lost", first.text);
+  expect(after.signals >= before.signals, "a signal is lost", first.text);
+  const MendedFile second = mended(first.text);
+  expect(second.outcome == Outcome::kUnneeded, "to be mended twice", first.text);
+  return 0;
+}
