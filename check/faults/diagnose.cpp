@@ -78,8 +78,23 @@ class Diagnosis {
   }
 
   bool is_follow_up(const Fault& fault) const {
+    const bool is_section =
+        fault.kind == FaultKind::kMissingBitTiming || fault.kind == FaultKind::kMissingNodes;
+    const bool is_no_database =
+        document_.statements.size() == 1 && document_.statements[0].kind == Word::kNone;
+    if (is_section) return is_no_database;
+    if (fault.kind == FaultKind::kStray) return is_rest_of_line(fault);
     return is_reference(fault.kind) &&
            lost_.contains(document_.content_of(document_.tokens[fault.token]));
+  }
+
+  /// Whether a stray text goes on on the line of a statement that cannot be read.
+  bool is_rest_of_line(const Fault& fault) const {
+    if (fault.statement == 0 || document_.statements[fault.statement - 1].is_readable) return false;
+    const auto& tokens = document_.tokens;
+    const std::string_view between =
+        document_.source.text(tokens[fault.token - 1].end, tokens[fault.token].begin);
+    return between.find_first_of("\r\n") == std::string_view::npos;
   }
 
   void join() {

@@ -74,13 +74,20 @@ Finding FaultWords::finding(const Fault& fault) {
   const bool is_section =
       fault.kind == FaultKind::kMissingBitTiming || fault.kind == FaultKind::kMissingNodes;
   if (fault.statement != kNone && !is_section && kind_of(fault.statement) != Word::kNone)
-    finding.statement = describe(document_, document_.statements[fault.statement]);
+    finding.statement = statement_words(fault.statement);
   if (fault.related != kNone)
     finding.related.push_back({keyword_span(fault.related), related_words(fault)});
   return finding;
 }
 
 // --- Pieces ---
+
+/// Of one that cannot be read, its names may be missing.
+std::string FaultWords::statement_words(std::uint32_t statement) const {
+  std::string words = describe(document_, document_.statements[statement]);
+  const bool has_names = !words.empty() && words.back() != ' ';
+  return has_names ? words : "statement " + quoted(kind_of(statement));
+}
 
 std::string FaultWords::text(const Fault& fault) const {
   return std::string(document_.text_of(token(fault)));
@@ -91,9 +98,10 @@ std::string FaultWords::found(const Fault& fault) const {
   const std::uint32_t end = std::max(fault.token + 1, fault.token_end);
   const std::string_view whole =
       document_.source.text(document_.tokens[fault.token].begin, document_.tokens[end - 1].end);
+  const std::string_view line = whole.substr(0, whole.find_first_of("\r\n"));
   const bool is_text = !whole.empty() && whole.front() == '"';
   return "found " +
-         (is_text ? "the text " + quoted(whole.substr(1, whole.size() - 2)) : quoted(whole));
+         (is_text ? "the text " + quoted(whole.substr(1, whole.size() - 2)) : quoted(line));
 }
 
 std::string FaultWords::line_of(std::uint32_t statement) const {
@@ -239,7 +247,7 @@ std::string FaultWords::cause(const Fault& fault) {
     case FaultKind::kUtf16:
       return "save it in UTF-8, or convert it: iconv -f UTF-16 -t UTF-8";
     case FaultKind::kStray:
-      return token(fault).kind == TokenKind::kName ? suggestions_.for_keyword(text(fault)) : "";
+      return cause_of_stray(fault);
     case FaultKind::kOddName:
       return fault.is_accepted
                  ? "bytes outside ASCII are blanks, and only what follows is the name"
@@ -273,10 +281,17 @@ std::string FaultWords::cause(const Fault& fault) {
   }
 }
 
+std::string FaultWords::cause_of_stray(const Fault& fault) const {
+  if (token(fault).kind == TokenKind::kName) return suggestions_.for_keyword(text(fault));
+  const bool is_whole = document_.statements.size() == 1;
+  return is_whole ? "no statement of a database is in the file" : "";
+}
+
 std::string FaultWords::cause_of_order(const Fault& fault) const {
   if (fault.related == kNone) return "a signal belongs behind its message, \"BO_\"";
   const bool is_late = fault.related < fault.statement;
-  const std::string other = quoted(kind_of(fault.related));
+  const Word there = kind_of(fault.related);
+  const std::string other = quoted(there == Word::kSignal ? Word::kMessage : there);
   return "statements " + quoted(kind_of(fault.statement)) + " must stand " +
          (is_late ? "in front of " : "behind ") + other + "; this one stands " +
          (is_late ? "behind " : "in front of ") + line_of(fault.related);

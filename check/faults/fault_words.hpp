@@ -28,6 +28,7 @@ class FaultWords {
   std::string message_of_value(const Fault& fault) const;
   std::string message_of_signal(const Fault& fault) const;
   std::string cause(const Fault& fault);
+  std::string cause_of_stray(const Fault& fault) const;
   std::string cause_of_order(const Fault& fault) const;
   std::string cause_of_number(const Fault& fault) const;
   std::string cause_of_value(const Fault& fault);
@@ -36,6 +37,7 @@ class FaultWords {
   std::string found(const Fault& fault) const;
   const Token& token(const Fault& fault) const { return document_.tokens[fault.token]; }
   std::string text(const Fault& fault) const;
+  std::string statement_words(std::uint32_t statement) const;
   Word kind_of(std::uint32_t statement) const { return document_.statements[statement].kind; }
   std::string line_of(std::uint32_t statement) const;
   Span keyword_span(std::uint32_t statement) const;

@@ -87,11 +87,11 @@ TEST(List, SeveralDatabases) {
        "database,name,category\r\n" + longest + ",Engine,\r\n" + longest.substr(2) +
            "_2,Engine,\r\n"},
       {"list nodes bad.dbc missing.dbc m.dbc --csv", 1, "database,name,category\r\nm,Engine,\r\n",
-       "bad.dbc, line 2, error"},
+       "bad.dbc:3:5: error"},
       {"list nodes m.dbc m.dbc --count", 0, "1\n", "m.dbc: warning: named twice\n"},
       {"list nodes m.dbc defines.dbc --attribute Rack --csv", 0,
        "database,name,category,Rack\r\nm,Engine,,\r\n"},
-      {"find Engine bad.dbc m.dbc n.dbc", 1, "m: node Engine\nn: node Engine\n", "bad.dbc, line 2"},
+      {"find Engine bad.dbc m.dbc n.dbc", 1, "m: node Engine\nn: node Engine\n", "bad.dbc:3:5"},
   };
   for (const ToolCase& c : cases) check(c);
 }

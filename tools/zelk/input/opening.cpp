@@ -1,5 +1,6 @@
 #include "input/opening.hpp"
 
+#include "input/diagnosis.hpp"
 #include "input/mending.hpp"
 #include "term/output.hpp"
 #include "term/quoting.hpp"
@@ -51,6 +52,7 @@ OpenedDatabase open_database(ZelkManager& manager, const std::string& path, cons
   OpenedDatabase opened;
   const ZelkError error = manager.OpenDatabase(path.c_str(), &opened.name, name, 0);
   finish_opening(opened, manager, error, manager.GetLastOpenError(), path);
+  opened.is_refused = error == ZelkErrorNoDatabase;
   return opened;
 }
 
@@ -85,6 +87,7 @@ OpenedDatabase import_database(ZelkWriteManager& manager, const std::string& pat
 }
 
 void print_reports(const OpenedDatabase& opened, const std::string& path) {
+  if (opened.is_refused && print_refusal(opened, path)) return;
   for (const std::string& line : opened.reports)
     print_error(behind_path(path, opened.database ? "warning: " + line : line));
   if (opened.database && opened.database->SymbolsShortenedOnRead())

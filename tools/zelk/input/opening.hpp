@@ -32,6 +32,7 @@ struct OpenedDatabase {
   ZelkError error = ZelkErrorNoDatabase;
   Encoding encoding = Encoding::kUtf8;    ///< of its texts
   std::vector<std::string> reports = {};  ///< one text per fault or warning, `escaped`
+  bool is_refused = false;  ///< the library's reader has found a fault in a file of its own format
 
   /// Only after an opening that succeeded.
   EncodedDatabase encoded() const { return {*database, encoding}; }
@@ -78,7 +79,8 @@ bool exists(const ZelkManager& manager, const std::string& path);
 std::string fault_of(const ZelkManager& manager, const ZelkConverter& converter,
                      const ModuleCall& call);
 
-/// Prints the reports on standard error, and a warning when names were cut.
+/// Prints the reports on standard error, of a refused file what the checks find in it; and a
+/// warning when names were cut.
 void print_reports(const OpenedDatabase& opened, const std::string& path);
 
 /// A line of the library's error text, `escaped`, behind the file that it is about.
@@ -103,6 +105,9 @@ class DatabaseFile {
 
   /// The reports of the reading: one text per fault or warning, `escaped`.
   const std::vector<std::string>& reports() const { return opened_.reports; }
+
+  /// What `open` found.
+  const OpenedDatabase& opened() const { return opened_; }
 
   /// The database that `open` gave.
   EncodedDatabase encoded() const { return opened_.encoded(); }
