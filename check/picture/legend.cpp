@@ -66,7 +66,7 @@ Legend::Legend(const msgblk& message, const SignalMarks& marks, Encoding encodin
   column("Unit", 90, false, [&](const sigblk& s) { return to_utf8(view(s.unit), encoding); });
   if (std::ranges::any_of(signals, [](const sigblk* s) { return is_multiplexed(*s); }))
     column("Present", 220, false, [&](const sigblk& s) { return presence_of(s, encoding); });
-  column("Receivers", 220, false, [&](const sigblk& s) { return receivers_of(s, encoding); });
+  column("Receivers", 320, false, [&](const sigblk& s) { return receivers_of(s, encoding); });
 }
 
 void Legend::add(std::string_view heading, int most, bool is_number,

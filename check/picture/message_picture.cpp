@@ -22,6 +22,7 @@ constexpr int kGap = 32;        // between panels, and in front of the table
 constexpr int kWideCell = 104;  // of one panel
 constexpr int kSlimCell = 76;   // of two panels side by side
 constexpr std::size_t kMaxRemarks = 20;
+constexpr std::size_t kMaxPanelBytes = 16 << 20;  // of all; what is larger no viewer shows
 
 class Page {
  public:
@@ -73,8 +74,13 @@ class Page {
   }
 
   int draw_panels(int y) {
-    const auto& layouts = layouts_.layouts;
+    auto& layouts = layouts_.layouts;
     for (std::size_t i = 0; i < layouts.size(); i += 2) {
+      if (svg_.size() > kMaxPanelBytes) {
+        layouts.resize(i);
+        layouts_.complete = false;
+        break;
+      }
       int end = panel(i).draw(svg_, kMargin, y);
       if (i + 1 < layouts.size()) {
         const int x = kMargin + Panel::width(cell_width()) + kGap;

@@ -102,8 +102,9 @@ void Panel::draw_numbers(Svg& svg, const Run& run, const Font& font) const {
   }
 }
 
-/// Which ends of signals lie in the box.
+/// Which ends of signals lie in the box; the one bit of a short signal needs no mark.
 void Panel::draw_ends(Svg& svg, const Run& run) const {
+  if (run.left == run.right && run.left_bit->msb && run.left_bit->lsb) return;
   const int y = run.box.y + run.box.height - kPadding;
   if (run.left_bit->msb) svg.text(run.box.x + kPadding, y, kMarkFont, "MSB");
   if (run.right_bit->lsb)

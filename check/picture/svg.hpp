@@ -79,6 +79,9 @@ class Svg {
     Svg& svg_;
   };
 
+  /// Of all elements so far, in bytes.
+  std::size_t size() const { return content_.size(); }
+
   /// The elements as a whole file.
   ///
   /// @param style  style sheet and definitions, as XML
