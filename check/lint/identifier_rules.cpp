@@ -92,7 +92,7 @@ void check_length(const LintContext& context, const PlacedMessage& message) {
 
 /// What a frame format contradicts; empty for nothing.
 std::string_view contradiction(std::string_view format, const msgblk& message) {
-  const bool is_fd = format.ends_with("_FD");
+  const bool is_fd = format.ends_with("FD");
   const bool is_29_bits = format.starts_with("Extended") || j1939::is_j1939_format(format);
   const bool is_known = is_29_bits || format.starts_with("Standard");
   if (is_known && is_29_bits != is_extended(message))

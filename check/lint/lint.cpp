@@ -33,7 +33,7 @@ const Rule* find_rule(std::string_view name) {
 }
 
 LintResult lint(const Document& document, const RecordsView& records, const LintSettings& settings,
-                std::size_t limit) {
+                std::uint64_t limit) {
   Reports reports(settings, limit);
   const Names names(document);
   const Places places(document, names, records);

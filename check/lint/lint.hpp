@@ -5,7 +5,6 @@
 #define ZELK_CHECK_LINT_LINT_HPP
 
 #include <array>
-#include <cstddef>
 #include <cstdint>
 
 #include "check/findings/finding.hpp"
@@ -18,18 +17,15 @@ namespace zelk::check {
 struct LintResult {
   Findings findings;                      ///< in the order of their places, up to the limit
   std::array<std::uint64_t, 3> counts{};  ///< by severity; those beyond the limit included
-
-  /// Whether there is a finding of this severity, or a higher one.
-  bool has(Severity least) const;
 };
 
 /// Applies all rules that are on. Time is linear in the size of the text.
 ///
 /// @param document  a text that the strict reader accepts
 /// @param records   what the strict reader made of it
-/// @param limit     findings in the list, at most: the first ones of the text
+/// @param limit     findings in the list, at most: the first ones of the text; 0 for any
 LintResult lint(const Document& document, const RecordsView& records, const LintSettings& settings,
-                std::size_t limit);
+                std::uint64_t limit);
 
 }  // namespace zelk::check
 

@@ -1,6 +1,7 @@
 // Names of objects: doubled, too long, or hard to tell apart.
 
 #include <algorithm>
+#include <ranges>
 #include <set>
 #include <string>
 #include <string_view>
@@ -198,14 +199,16 @@ void check_messages_and_variables(const LintContext& context) {
 
 /// The list of nodes as it stands in the text: the reader takes a doubled name once.
 void check_nodes(const LintContext& context) {
-  NameCheck nodes(context, "node", kDoubled, context.document.tokens.size());
-  for (const Statement& statement : context.statements()) {
-    if (statement.kind != Word::kNodes) continue;
+  const auto is_list = [](const Statement& s) { return s.kind == Word::kNodes; };
+  std::size_t count = context.places.unlisted_nodes().size();
+  for (const Statement& statement : context.statements() | std::views::filter(is_list))
+    count += context.document.tokens_of(statement).size();
+  NameCheck nodes(context, "node", kDoubled, count);
+  for (const Statement& statement : context.statements() | std::views::filter(is_list))
     for (const Token& token : context.document.tokens_of(statement))
       if (token.role == Role::kNode)
         nodes.enter(context.document.text_of(token), context.index_of(statement),
                     static_cast<std::uint32_t>(&token - context.document.tokens.data()));
-  }
   for (const PlacedNode& node : context.places.unlisted_nodes())
     nodes.enter(view(node.record->name), Statement::kNone, node.token);
 }

@@ -5,12 +5,6 @@
 
 namespace zelk::check {
 
-bool LintResult::has(Severity least) const {
-  for (auto i = static_cast<std::size_t>(least); i < counts.size(); ++i)
-    if (counts[i] > 0) return true;
-  return false;
-}
-
 bool Reports::is_before(const Kept& a, const Kept& b) {
   return std::pair(a.finding.span.begin, a.number) < std::pair(b.finding.span.begin, b.number);
 }
@@ -18,8 +12,10 @@ bool Reports::is_before(const Kept& a, const Kept& b) {
 /// Whether the finding may be kept.
 bool Reports::count(const Rule& rule, Span span) {
   ++count_;
-  ++counts_[static_cast<std::size_t>(settings_.severity(rule))];
-  return kept_.size() < limit_ || (limit_ > 0 && span.begin < kept_.front().finding.span.begin);
+  const Severity severity = settings_.severity(rule);
+  ++counts_[static_cast<std::size_t>(severity)];
+  worst_ = std::max(worst_, severity);
+  return kept_.size() < limit_ || span.begin < kept_.front().finding.span.begin;
 }
 
 void Reports::keep(Finding finding) {
@@ -36,6 +32,7 @@ LintResult Reports::take() {
   LintResult result;
   result.counts = counts_;
   result.findings.count = count_;
+  result.findings.worst = worst_;
   result.findings.list.reserve(kept_.size());
   for (Kept& kept : kept_) result.findings.list.push_back(std::move(kept.finding));
   return result;

@@ -16,7 +16,8 @@ namespace zelk::check {
 /// order, and there may be a million: the words of a finding are only made when it is kept.
 class Reports {
  public:
-  Reports(const LintSettings& settings, std::size_t limit) : settings_(settings), limit_(limit) {}
+  Reports(const LintSettings& settings, std::uint64_t limit)
+      : settings_(settings), limit_(limit > 0 ? limit : UINT64_MAX) {}
 
   bool is_on(const Rule& rule) const { return settings_.is_on(rule); }
   double parameter(const Rule& rule) const { return settings_.parameter(rule); }
@@ -43,10 +44,11 @@ class Reports {
   void keep(Finding finding);
 
   const LintSettings& settings_;
-  const std::size_t limit_;
+  const std::uint64_t limit_;
   std::vector<Kept> kept_;  ///< a heap with the last one of the text on top
   std::array<std::uint64_t, 3> counts_{};
   std::uint64_t count_ = 0;
+  Severity worst_ = Severity::kNote;
 };
 
 }  // namespace zelk::check

@@ -85,6 +85,7 @@ ExitCode run(int argc, char** argv, Output& out, ExitCode& failure) {
   app.require_subcommand(0, 1);  // `run` reports a missing one, as a misspelt one is reported
   app.footer(kExitCodes);        // subcommands added from here on take it over
   add_check_command(app, action);
+  add_lint_command(app, action, failure);
   add_show_command(app, action);
   add_list_command(app, action);
   add_find_command(app, action);

@@ -32,6 +32,7 @@ using Action = std::function<ExitCode(Output&)>;
 // is `kExitFailure`; it must outlive `app` too.
 
 void add_check_command(CLI::App& app, Action& action);
+void add_lint_command(CLI::App& app, Action& action, ExitCode& failure);
 void add_show_command(CLI::App& app, Action& action);
 void add_list_command(CLI::App& app, Action& action);
 void add_find_command(CLI::App& app, Action& action);
