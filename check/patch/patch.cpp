@@ -140,8 +140,10 @@ class StatementPatch {
       anchor = last_anchor_;
     } else {
       anchor = anchor_in_section(after);
-      is_section = anchor == kNone;
-      if (is_section) anchor = end_of_earlier(kind);
+      if (anchor == kNone) {
+        anchor = end_of_earlier(kind);
+        is_section = anchor == kNone || original_text_.statements[anchor].kind != kind;
+      }
     }
     const std::string indentation = kind == Word::kSignal ? indentation_of_signals(anchor) : "";
     splices_.insert(anchor, indentation + merge_.text_of(after),

@@ -78,6 +78,20 @@ TEST(Edit, WritesAllOrNothing) {
       {"--set-attribute signal:Motion.Page Kind", 2, "--set-attribute"},
       {"--set-comment message:Second x", 1, "shares its identifier"},
       {"--set-attribute signal:Second.T Kind a", 1, "shares its identifier"},
+      {"--set signal:Motion.Speed start 50", 1, "reaches beyond the 8 bytes"},
+      {"--set message:100 length 2", 1, "Motion.Speed: reaches beyond"},
+      {"--set signal:Motion.Speed minimum 1", 1, "the minimum is above the maximum"},
+      {"--set signal:Motion.Speed factor 0", 1, "a factor of 0"},
+      {"--set signal:Motion.Speed fctor 1", 1, "no property \"fctor\""},
+      {"--set signal:Motion.Page multiplexing none", 1, "selects others"},
+      {"--set signal:Motion.Page multiplexing Speed=1", 1, "select itself"},
+      {"--set signal:Motion.Speed receivers Das", 1, "did you mean Dash?"},
+      {"--set message:100 id 200", 1, "0x0C8 is the identifier of the message Twin"},
+      {"--set message:100 id 0x20000000", 1, "29 bits"},
+      {"--add-signal Motion.Page 0 1", 1, "\"Page\" is taken"},
+      {"--add-attribute message Cycle STRING x", 1, "is taken"},
+      {"--add-attribute node X \"ENUM a,b\" c", 1, "is no item"},
+      {"--delete-description signal:Motion.Page 1", 1, "has no description of the value 1"},
       {"--output b.kcd", 2, "b.kcd\" is no DBC file"},
   };
   write_file("a.dbc", kNetwork);
@@ -107,6 +121,80 @@ TEST(Edit, KeepsTheEncodingOfTheFile) {
          "a.dbc written\n"});
   EXPECT_NE(bytes_of(a).find("T\xFCr"), std::string::npos);
   check({"edit a.dbc --set-comment node:A \u0416", 1, "", "not in Windows-1252"});
+}
+
+// Everything that an edit is not about stays byte for byte; `undo` gives the old bytes again.
+TEST(Edit, LeavesTheRestOfTheFile) {
+  const struct {
+    std::string before;
+    const char* edits;
+    std::string after;
+    const char* undo = nullptr;
+  } cases[] = {
+      // Spelling, blanks, comments and line ends, also of the statement that changes.
+      {"BS_:\r\nBU_:  A\tB\r\n\r\nBO_ 007 M : 8  A // of A\r\n\tSG_ S:0|8@1+(1.0,0)[0|1e1] \"\" A, "
+       "B\r\n",
+       "--set signal:M.S offset -2.50 --rename-node A C",
+       "BS_:\r\nBU_:  C\tB\r\n\r\nBO_ 007 M : 8  C // of A\r\n\tSG_ S:0|8@1+(1.0,-2.5)[0|1e1] \"\" "
+       "C, B\r\n"},
+      // A part that the library would write, and this statement does not have.
+      {"BS_:\nBU_: N\nBO_ 1 M: 8 N\n SG_ S : 0|8(1,0)[0|1.50] \"\" N\n",
+       "--set signal:M.S sign signed --set signal:M.S multiplexing M",
+       "BS_:\nBU_: N\nBO_ 1 M: 8 N\n SG_ S M : 0|8@1-(1,0)[0|1.50] \"\" N\n"},
+      // New statements: indentation, line ends, empty lines, and a section that there is not yet.
+      {"BS_:\r\nBU_: N\r\n\r\nBO_ 1 M: 8 N\r\n\tSG_ S : 0|8@1+ (1,0) [0|0] \"\" N\r\n\r\nVAL_ 1 S "
+       "0 \"a\" ;\r\n",
+       "--add-signal M.T 8 8 --add-message L 2 8 --set-comment node:N x",
+       "BS_:\r\nBU_: N\r\n\r\nBO_ 1 M: 8 N\r\n\tSG_ S : 0|8@1+ (1,0) [0|0] \"\" N\r\n"
+       "\tSG_ T : 8|8@1+ (1,0) [0|0] \"\" Ostrel__XXX\r\n\r\nBO_ 2 L: 8 Ostrel__XXX\r\n\r\n"
+       "CM_ BU_ N \"x\";\r\n\r\nVAL_ 1 S 0 \"a\" ;\r\n",
+       "--delete-signal M.T --delete-message L --set-comment node:N \"\""},
+      // Several statements on a line, and one that the reader ignores.
+      {"BS_: BU_: N BO_ 1 M: 8 N BO_ 2 L: 8 N BO_TX_BU_ 1 : N; CM_ BO_ 1 \"m\"; CM_ BO_ 2 \"l\";\n",
+       "--delete-message M", "BS_: BU_: N BO_ 2 L: 8 N CM_ BO_ 2 \"l\";\n"},
+      // Statements in an order of their own; references follow the identifier.
+      {"BS_:\nBU_: N\nBO_ 1 M: 8 N\nBO_ 2 L: 8 N\nBA_DEF_ BO_ \"A\" INT 0 9;\nBA_DEF_DEF_ \"A\" "
+       "0;\n"
+       "BA_ \"A\" BO_ 2 2;// two\nBA_ \"A\" BO_ 1 01;\n",
+       "--set message:M id 0x800 --set-attribute message:L A 3",
+       "BS_:\nBU_: N\nBO_ 2147485696 M: 8 N\nBO_ 2 L: 8 N\nBA_DEF_ BO_ \"A\" INT 0 9;\nBA_DEF_DEF_ "
+       "\"A\" 0;\n"
+       "BA_ \"A\" BO_ 2 3;// two\nBA_ \"A\" BO_ 2147485696 01;\n"},
+      // Two names change places.
+      {"BS_:\nBU_: A B\nBO_ 1 M: 8 A\nBO_ 2 L: 8 B\nCM_ BU_ A \"a\";\n",
+       "--rename-node A X --rename-node B A --rename-node X B",
+       "BS_:\nBU_: B A\nBO_ 1 M: 8 B\nBO_ 2 L: 8 A\nCM_ BU_ B \"a\";\n"},
+      // Descriptions keep their order, those of two statements become one.
+      {"BS_:\nBU_: N\nBO_ 1 M: 8 N\n SG_ S : 0|8@1+ (1,0) [0|0] \"\" N\nVAL_ 1 S 3 \"c\"\n  1 "
+       "\"a\";\n",
+       "--set-description signal:M.S 2 b",
+       "BS_:\nBU_: N\nBO_ 1 M: 8 N\n SG_ S : 0|8@1+ (1,0) [0|0] \"\" N\nVAL_ 1 S 3 \"c\"\n  2 "
+       "\"b\" 1 \"a\";\n"},
+      {"BS_:\nBU_: N\nBO_ 1 M: 8 N\n SG_ S : 0|8@1+ (1,0) [0|0] \"\" N\nVAL_ 1 S 1 \"a\";\nVAL_ 1 "
+       "S 2 \"b\";\n",
+       "--delete-description signal:M.S 1",
+       "BS_:\nBU_: N\nBO_ 1 M: 8 N\n SG_ S : 0|8@1+ (1,0) [0|0] \"\" N\nVAL_ 1 S 2 \"b\";\n"},
+      // A node that only a sender introduces stays in the database.
+      {"BS_:\nBU_: N\nBO_ 1 M: 8 O\nBO_ 2 L: 8 N\n", "--delete-message M",
+       "BS_:\nBU_: N O\nBO_ 2 L: 8 N\n"},
+      // Names of more than 32 characters in their places.
+      {"BS_:\nBU_: N\nBO_ 1 A23456789012345678901234567890123: 8 N\nBO_ 2 "
+       "A234567890123456789012345678901234: 8 N\n",
+       "--rename-message 1 M",
+       "BS_:\nBU_: N\nBO_ 1 M: 8 N\nBO_ 2 A234567890123456789012345678901234: 8 N\n",
+       "--rename-message M A23456789012345678901234567890123"},
+      // What stands behind the end of the input.
+      {"BS_:\nBU_: A B\n\xFF((( A\n", "--rename-node A C", "BS_:\nBU_: C B\n\xFF((( A\n",
+       "--rename-node C A"},
+  };
+  for (const auto& c : cases) {
+    const auto path = write_file("a.dbc", c.before);
+    EXPECT_EQ(run_tool(std::string("edit a.dbc ") + c.edits).exit_code, 0) << c.edits;
+    EXPECT_EQ(bytes_of(path), c.after) << c.edits;
+    if (!c.undo) continue;
+    EXPECT_EQ(run_tool(std::string("edit a.dbc ") + c.undo).exit_code, 0) << c.undo;
+    EXPECT_EQ(bytes_of(path), c.before) << c.undo;
+  }
 }
 
 // The library's own form keeps 14 digits of a number.

@@ -7,13 +7,13 @@
 #include <type_traits>
 #include <vector>
 
-#include "base/characters.hpp"
+#include "edit/links.hpp"
+#include "edit/new_name.hpp"
 #include "edit/parse_attribute.hpp"
 #include "input/lookup.hpp"
 #include "input/opening.hpp"
 #include "term/text.hpp"
 #include "words/attribute_words.hpp"
-#include "zelk/dbc.h"
 
 namespace zelk::tool {
 
@@ -32,27 +32,6 @@ auto visit_target(const EditTarget& target, const OnNetwork& on_network,
         }
       },
       target);
-}
-
-constexpr std::size_t kLongestName = 128;
-
-/// Why no node, message, signal or environment variable can have the name in a file; empty when
-/// nothing does.
-std::string_view fault_of(std::string_view name) {
-  if (name.empty() || !std::ranges::all_of(name, is_name_character))
-    return "a name has letters, digits and _ only";
-  if (is_digit(name.front())) return "a name does not begin with a digit";
-  if (name.size() > kLongestName) return "a name has at most 128 characters";
-  if (name == ZELK_NO_NODE) return "that stands for no node";
-  constexpr int kIsNode = 1;
-  const bool can_name = zelk_can_name_object(std::string(name).c_str(), kIsNode) != 0;
-  return can_name ? std::string_view() : "that is a keyword of the format";
-}
-
-/// @throws RequestError when a file cannot hold the name
-void check_name(std::string_view name) {
-  const std::string_view fault = fault_of(name);
-  if (!fault.empty()) throw RequestError(fmt::format("no name is {}: {}", in_quotes(name), fault));
 }
 
 bool leads_to(const rxblk* links, const symblk& node) {
@@ -103,15 +82,16 @@ DatabaseEditor::DatabaseEditor(ZelkWriteManager& manager, const OpenedDatabase& 
       name_(opened.name),
       database_(*opened.database),
       encoding_(opened.encoding),
-      targets_(database_) {}
+      targets_(database_) {
+  for (const msgblk& message : each(database_.messages))
+    for (const sigblk& signal : each(message.signals))
+      if (!is_in_frame(signal)) outside_.insert(&signal);
+}
 
 template <typename Record>
 std::string DatabaseEditor::rename(const Record* list, Record& record, const std::string& name) {
   check_name(name);
-  for (const Record& other : each(list)) {
-    if (&other != &record && view(other.name) == name)
-      throw RequestError(fmt::format("{} is taken: there is one of that name", in_quotes(name)));
-  }
+  check_free(list, &record, name);
   const std::string before = shown_target(&record);
   manager_.SetName(record, name.c_str());
   return fmt::format("{}: renamed to {}", before, name);
@@ -128,6 +108,10 @@ std::string DatabaseEditor::rename_signal(Words words) {
 
 std::string DatabaseEditor::rename_node(Words words) {
   return rename(database_.nodes, targets_.node(words[0]), words[1]);
+}
+
+std::string DatabaseEditor::rename_variable(Words words) {
+  return rename(database_.env_vars, targets_.variable(words[0]), words[1]);
 }
 
 std::string DatabaseEditor::set_comment(Words words) {
@@ -170,9 +154,14 @@ std::string DatabaseEditor::set_attribute(Words words) {
   attr value{};
   value.def = changeable(&definition(target, words[1]));
   value.value = parse_attribute_value(*value.def, words[2], encoding_);
+  attr*& values = *visit_target(
+      target, [&] { return &changeable(&database_)->attr_values; },
+      [](auto& record) { return &record.attrs; });
+  const attr* const first = values;
   visit_target(
       target, [&] { manager_.SetAttrValue(name_, value.def->name, value.value); },
       [&](auto& record) { manager_.SetAttrValue(record, value.def->name, value.value, name_); });
+  if (values != first) move_to_end(values);  // the place of a new one in a file
   return fmt::format("{}: attribute {} = {}", shown_target(target), in_quotes(words[1]),
                      shown_value(value, encoding_));
 }

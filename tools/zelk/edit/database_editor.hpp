@@ -6,6 +6,7 @@
 
 #include <span>
 #include <string>
+#include <unordered_set>
 
 #include "edit/edit_target.hpp"
 #include "input/opening.hpp"
@@ -28,17 +29,41 @@ class DatabaseEditor {
   std::string rename_message(Words words);   ///< message, new name
   std::string rename_signal(Words words);    ///< signal, new name
   std::string rename_node(Words words);      ///< node, new name
+  std::string rename_variable(Words words);  ///< environment variable, new name
   std::string set_comment(Words words);      ///< object, text; an empty one removes the comment
   std::string set_attribute(Words words);    ///< object, attribute, value
   std::string reset_attribute(Words words);  ///< object, attribute
   std::string delete_message(Words words);   ///< message
   std::string delete_signal(Words words);    ///< signal
   std::string delete_node(Words words);      ///< node
+  std::string set_property(Words words);     ///< object, property, value
+
+  // additions.cpp
+
+  std::string add_node(Words words);            ///< name
+  std::string add_message(Words words);         ///< name, identifier, length in bytes
+  std::string add_signal(Words words);          ///< "MESSAGE.SIGNAL", start bit, length in bits
+  std::string set_description(Words words);     ///< object or table, number, text
+  std::string delete_description(Words words);  ///< object or table, number
+  std::string add_table(Words words);           ///< name
+  std::string delete_table(Words words);        ///< name
+  std::string add_attribute(Words words);       ///< kind of objects, name, type, default
+  std::string delete_attribute(Words words);    ///< kind of objects, name
+
+  /// What edits must not leave behind, but may in between.
+  ///
+  /// @throws RequestError for a signal that now reaches beyond its message, and for a minimum above
+  /// the maximum
+  void check_result() const;
 
  private:
   /// @param list  the records of which only one has a name
   template <typename Record>
   std::string rename(const Record* list, Record& record, const std::string& name);
+  void set_signal(sigblk& signal, const std::string& property, const std::string& value);
+  void set_message(msgblk& message, const std::string& property, const std::string& value);
+  void check_id_free(std::uint32_t id, const msgblk* message) const;
+  static bool is_in_frame(const sigblk& signal);
   const attr_def& definition(const EditTarget& target, const std::string& name) const;
 
   ZelkWriteManager& manager_;
@@ -46,6 +71,8 @@ class DatabaseEditor {
   const ZelkDatabase& database_;
   Encoding encoding_;
   EditTargets targets_;
+  std::unordered_set<const sigblk*>
+      outside_;  ///< signals that reached beyond their messages before
 };
 
 }  // namespace zelk::tool

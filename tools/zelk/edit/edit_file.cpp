@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "check/patch/hunks.hpp"
 #include "edit/text_edit.hpp"
 #include "input/lookup.hpp"
 #include "save/replace_file.hpp"
@@ -41,6 +42,7 @@ std::vector<std::string> apply_edits(const FileEdits& file, DatabaseEditor& edit
       throw RequestError(fmt::format("{}: {}", edit.option, error.what()));
     }
   }
+  editor.check_result();
   place = &file.target();
   return lines;
 }
@@ -95,6 +97,13 @@ std::string_view edit_canonical(const FileEdits& file, ZelkWriteManager& manager
   return file.dry_run ? "not written" : "written";
 }
 
+void print_diff(const check::Source& original, const check::Patched& patched, Encoding encoding,
+                Output& out) {
+  for (const check::DiffLine& line : check::diff_lines(original, patched))
+    out.line("{}{}", line.mark, escaped(to_utf8(line.text, encoding)));
+  out.flush();
+}
+
 /// @return a word about what became of the file
 std::string_view edit_text(const FileEdits& file, ZelkWriteManager& manager,
                            const OpenedDatabase& opened, Output& out, const std::string*& place) {
@@ -104,6 +113,7 @@ std::string_view edit_text(const FileEdits& file, ZelkWriteManager& manager,
   const std::vector<std::string> lines = apply_edits(file, editor, place);
   const check::Patched result = text.finish(file.target());
   print(lines, out);
+  if (file.shows_diff) print_diff(text.original(), result, opened.encoding, out);
   if (file.dry_run) return "not written";
   if (result.splices.empty() && file.output.empty()) return "unchanged";
   check_unchanged(file, opened);

@@ -24,6 +24,7 @@ struct FileEdits {
   std::string path;
   std::string output;           ///< file to write instead; empty for `path`
   bool dry_run = false;         ///< nothing is written
+  bool shows_diff = false;      ///< the lines that change are printed
   bool is_canonical = false;    ///< all of it is written in the library's own form
   bool allow_rounding = false;  ///< then numbers that no edit touches may be rounded
   std::vector<Edit> edits;

@@ -82,36 +82,42 @@ sigblk& EditTargets::signal(const std::string& name) const {
   const std::size_t point = name.find('.');
   if (point == std::string::npos)
     throw RequestError(fmt::format("{} is not MESSAGE.SIGNAL", in_quotes(name)));
-  const msgblk& owner = message(name.substr(0, point));
-  return only_named(owner.signals, std::string_view(name).substr(point + 1),
-                    fmt::format("{} has no signal", shown_message(owner)));
+  return signal_of(message(name.substr(0, point)), std::string_view(name).substr(point + 1));
+}
+
+sigblk& EditTargets::signal_of(const msgblk& message, std::string_view name) const {
+  return only_named(message.signals, name, fmt::format("{} has no signal", shown_message(message)));
+}
+
+valtable& EditTargets::table(const std::string& name) const {
+  return only_named(database_.value_tables, name, "no value table is named");
 }
 
 env_var_blk& EditTargets::variable(const std::string& name) const {
   return only_named(database_.env_vars, name, "no environment variable is named");
 }
 
-EditTarget EditTargets::object(const std::string& name) const {
+EditTarget EditTargets::any_object(const std::string& name) const {
   if (name == "network") return std::monostate();
   const std::size_t colon = name.find(':');
   const std::string kind = name.substr(0, colon);
   const std::string rest = colon == std::string::npos ? "" : name.substr(colon + 1);
   if (kind == "node") return &node(rest);
-  if (kind == "message") {
-    msgblk& found = message(rest);
-    check_sole(database_, found);
-    return &found;
-  }
-  if (kind == "signal") {
-    sigblk& found = signal(rest);
-    check_sole(database_, *found.message);
-    return &found;
-  }
+  if (kind == "message") return &message(rest);
+  if (kind == "signal") return &signal(rest);
   if (kind == "variable") return &variable(rest);
   throw RequestError(
       fmt::format("{} is no object: network, node:NAME, message:NAME, "
                   "signal:MESSAGE.SIGNAL and variable:NAME are",
                   in_quotes(name)));
+}
+
+EditTarget EditTargets::object(const std::string& name) const {
+  const EditTarget found = any_object(name);
+  if (auto* const* const message = std::get_if<msgblk*>(&found)) check_sole(database_, **message);
+  if (auto* const* const signal = std::get_if<sigblk*>(&found))
+    check_sole(database_, *(*signal)->message);
+  return found;
 }
 
 zelk_obj_t attribute_type(const EditTarget& target) {

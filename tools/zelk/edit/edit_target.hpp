@@ -30,10 +30,14 @@ class EditTargets {
   msgblk& message(const std::string& name) const;
   /// @param name  "MESSAGE.SIGNAL"
   sigblk& signal(const std::string& name) const;
+  sigblk& signal_of(const msgblk& message, std::string_view name) const;
   env_var_blk& variable(const std::string& name) const;
+  valtable& table(const std::string& name) const;
   /// @param name  "network", "node:NAME", "message:NAME", "signal:MESSAGE.SIGNAL" or
   /// "variable:NAME"
   EditTarget object(const std::string& name) const;
+  /// The same, but also messages, and signals of these, that share their identifier.
+  EditTarget any_object(const std::string& name) const;
 
  private:
   const ZelkDatabase& database_;

@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "base/enum_items.hpp"
-#include "base/numbers.hpp"
+#include "edit/parse_words.hpp"
 #include "input/lookup.hpp"
 #include "term/text.hpp"
 #include "words/attribute_words.hpp"
@@ -28,17 +28,6 @@ struct Attribute {
   }
 };
 
-/// A whole text as a finite number, or as a hexadecimal one behind "0x".
-std::optional<double> parse_number(std::string_view text) {
-  if (text.starts_with("0x") || text.starts_with("0X")) {
-    const auto number = parse_whole<std::uint64_t>(text.substr(2), 16);
-    return number ? std::optional(static_cast<double>(*number)) : std::nullopt;
-  }
-  const bool has_plus = text.starts_with('+') && !text.starts_with("+-");
-  const auto number = parse_whole<double>(text.substr(has_plus ? 1 : 0));
-  return number && std::isfinite(*number) ? number : std::nullopt;
-}
-
 double parse_item(const Attribute& attribute, const std::string& text) {
   const std::string joined = to_utf8(view(attribute.definition.enum_values), attribute.encoding);
   const EnumItems items(joined);
@@ -50,7 +39,7 @@ double parse_item(const Attribute& attribute, const std::string& text) {
 
 double parse_in_range(const Attribute& attribute, const std::string& text) {
   const attr_def& definition = attribute.definition;
-  const std::optional<double> number = tool::parse_number(text);
+  const std::optional<double> number = parse_real(text);
   const bool is_whole = definition.value_type != ZELK_ATTR_FLOAT;
   if (!number || (is_whole && *number != std::floor(*number)))
     attribute.fail(text, is_whole ? "is no whole number, as are the values" : "is no number");

@@ -1,0 +1,29 @@
+/// \file
+/// What a patch changes, line by line.
+
+#ifndef ZELK_CHECK_PATCH_HUNKS_HPP
+#define ZELK_CHECK_PATCH_HUNKS_HPP
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "check/patch/splices.hpp"
+
+namespace zelk::check {
+
+/// A line of a unified diff.
+struct DiffLine {
+  char mark;  ///< ' ', '-', '+', or '@' in front of each part that changes
+  std::string text;
+};
+
+/// The changed lines as a unified diff shows them, with up to three lines around each.
+///
+/// @param original  that was patched
+std::vector<DiffLine> diff_lines(const Source& original, const Patched& patched);
+
+}  // namespace zelk::check
+
+#endif
