@@ -5,11 +5,20 @@
 #include <vector>
 
 #include "check/includes/includes.hpp"
+#include "check/statements/document.hpp"
 #include "check/statements/fault.hpp"
 
 namespace zelk::check {
 
 namespace {
+
+/// A log or a letter could be mended too: nothing would be left of it.
+bool is_database(const Source& source) {
+  if (source.text().find("BO_") != std::string_view::npos) return true;
+  const Document document = read_document(source);
+  return document.tokens.empty() ||
+         std::ranges::any_of(document.statements, &Statement::is_readable);
+}
 
 /// The mends of each round stand together.
 MendedFile sorted(MendedFile mended) {
@@ -40,6 +49,12 @@ Mended mend_with_includes(Source source, const MendOptions& options) {
 }  // namespace
 
 MendedFile mend(Source source, const MendOptions& options) {
+  if (!is_database(source)) {
+    MendedFile refused = {{Outcome::kUnmendable, std::move(source)}};
+    refused.faults.add(
+        {.rule = name_of(FaultKind::kStray), .message = "the file has no statement of a database"});
+    return refused;
+  }
   if (options.kept.contains(kIncludeRule)) return sorted({repair(std::move(source), options)});
   if (!options.include_folder.empty())
     return sorted({mend_with_includes(std::move(source), options)});

@@ -22,8 +22,9 @@ struct MendedFile : Mended {
   Findings notes{};  ///< of comments that name files, and stay; of severity `kNote`
 };
 
-/// `include_files`, and then `repair`. Without a file that is named the source is not mended, and
-/// stays as it was given. To keep `kIncludeRule` leaves all comments as they are.
+/// `include_files`, and then `repair`. A text without any readable statement is not mended, unless
+/// it is empty. Without a file that is named the source is not mended, and stays as it was given.
+/// To keep `kIncludeRule` leaves all comments as they are.
 ///
 /// @param source  a single file
 MendedFile mend(Source source, const MendOptions& options);

@@ -36,6 +36,7 @@ TEST(Repair, OnEveryCommandThatReads) {
       {"rewrite a.dbc c.dbc --repair", 0, "", told},
       {"diff c.dbc a.json", 0, "", ""},
       {"list messages a.dbc --repair --keep missing-bs", 1, "", "cannot be mended"},
+      {"show log --repair", 1, "", "no statement of a database"},
       {"list messages none.dbc --repair", 1, "", "none.dbc: cannot be read: "},
       {"list messages a.dbc --repair --keep no-such-mend", 2, "", ", order, "},
       {"list messages a.dbc --include .", 2, "", "--include requires --repair"},

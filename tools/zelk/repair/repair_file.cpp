@@ -7,6 +7,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "check/faults/diagnose.hpp"
 #include "check/includes/includes.hpp"
 #include "findings/report.hpp"
 #include "input/lookup.hpp"
@@ -51,7 +52,7 @@ std::string summary_of(const check::Findings& mends) {
 /// What a mend or fault is about, for the list of rules in SARIF.
 std::string sentence_of(std::string_view rule) {
   if (rule == check::kIncludeRule) return "A comment names a file to include";
-  return fmt::format("The mend {}, which --keep {} leaves out", in_quotes(rule), rule);
+  return std::string(check::sentence_of_fault(rule));
 }
 
 class Repair {
