@@ -35,11 +35,14 @@ Role introduced_by(FaultKind kind) {
 }  // namespace
 
 std::string Suggestions::for_reference(const Fault& fault) {
-  const std::string_view name = document_.content_of(document_.tokens[fault.token]);
-  if (fault.kind == FaultKind::kUnknownMessage) return for_message(fault, name);
-  if (fault.kind == FaultKind::kUnknownSignal) return for_signal(fault, name);
   const Role role = introduced_by(fault.kind);
-  return role == Role::kNone ? std::string() : nearest(name, names_with(role));
+  const bool is_in_frame =
+      fault.kind == FaultKind::kUnknownMessage || fault.kind == FaultKind::kUnknownSignal;
+  if (role == Role::kNone && !is_in_frame) return {};  // other faults can lie behind all tokens
+  const std::string_view name = document_.content_of(document_.tokens[fault.token]);
+  if (!is_in_frame) return nearest(name, names_with(role));
+  return fault.kind == FaultKind::kUnknownMessage ? for_message(fault, name)
+                                                  : for_signal(fault, name);
 }
 
 std::string Suggestions::for_keyword(std::string_view name) const {

@@ -25,7 +25,10 @@ TEST(Check, TellsWhatIsWrongAndWhere) {
   write_file("utf16.dbc", std::string("\xFF\xFE"
                                       "B\0S\0_\0",
                                       8));
+  write_file("short.dbc", "BO_ 1");
+  write_file("nul.dbc", std::string(1, '\0'));
   const ToolCase cases[] = {
+      {"check short.dbc nul.dbc", 1, "nul.dbc:1:1: error: "},
       {"check wide.dbc", 1,
        "wide.dbc:6:23: error: expected ';' behind the comment, found \"x\" too many [surplus]\n"
        "    6 | CM_ BO_ 1 \"\u901F\u5EA6 \\x1B[2J\" \uFFFD x;\n"
@@ -37,7 +40,8 @@ TEST(Check, TellsWhatIsWrongAndWhere) {
            "      | " +
            std::string(63, ' ') + "^~~\n"},
       {"check latin.dbc", 1,
-       "found \"BU_ A\" too many [surplus]\n    3 | CM_ \"Gr\u00F6\u00DFe\" BU_ A;\n      |             ^~~~~\n"},
+       "found \"BU_ A\" too many [surplus]\n    3 | CM_ \"Gr\u00F6\u00DFe\" BU_ A;\n      |        "
+       "     ^~~~~\n"},
       {"check many.dbc", 1,
        "message 1492 is not defined [unknown-message]\n"
        "    5 | CM_ BO_ 1492 \"\";\n"
