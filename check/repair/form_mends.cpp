@@ -38,12 +38,12 @@ void mend_end_byte(Mender& mender, const Fault& fault) {
                 counted(count, "byte") + " 0xFF removed, at which reading would end");
 }
 
-/// Where the text ends, a quote goes.
-void mend_open_text(Mender& mender, const Fault& fault) {
-  mender.insert_behind_token(fault.token, "\"");
-  const Span end{mender.token(fault.token).end, mender.token(fault.token).end};
-  mender.note(FaultKind::kOpenText, end, "quote added at the end of a text that had none",
-              describe(mender.document, mender.statement(fault.statement)));
+/// The reader takes a plain blank behind a name, and then any others.
+void mend_odd_space(Mender& mender, const Fault& fault) {
+  mender.insert_behind_token(fault.token, " ");
+  const std::uint32_t end = mender.token(fault.token).end;
+  mender.note(FaultKind::kOddSpace, Span{end, end},
+              "plain blank added between a name and a blank outside ASCII");
 }
 
 /// "';' behind the comment added", "'Ostrel__XXX' added for the transmitter's name".
@@ -51,54 +51,6 @@ std::string added(const Fault& fault) {
   const std::string expected(fault.expected);
   const std::string quoted = '\'' + std::string(fault.remedy) + '\'';
   return expected.starts_with(quoted) ? expected + " added" : quoted + " added for " + expected;
-}
-
-void mend_missing(Mender& mender, const Fault& fault) {
-  const char first = fault.remedy.front();
-  const bool is_word = is_name_character(first) || first == '"';
-  const bool opens = first == '(' || first == '[';
-  if (opens && fault.token < mender.document.tokens.size()) {
-    mender.edits.insert_before(mender.token(fault.token).begin, std::string(fault.remedy));
-  } else {
-    const std::string blank = is_word ? " " : "";
-    mender.insert_behind_token(fault.token - 1, blank + std::string(fault.remedy));
-  }
-  mender.note(FaultKind::kMissing, fault.statement, fault.token, fault.token, added(fault));
-}
-
-/// Whether the tokens behind a text are its rest, because a quote within it has no backslash.
-bool is_rest_of_text(const Mender& mender, const Fault& fault) {
-  return fault.token != 0 && mender.token(fault.token - 1).kind == TokenKind::kText &&
-         mender.token(fault.token_end - 1).kind == TokenKind::kText;
-}
-
-void escape_quotes(Mender& mender, const Fault& fault) {
-  const std::uint32_t begin = mender.token(fault.token - 1).begin + 1;
-  const std::uint32_t end = mender.token(fault.token_end - 1).end - 1;
-  const std::string_view text = mender.document.source.text();
-  std::uint64_t count = 0;
-  for (std::uint32_t at = begin; at < end; ++at) {
-    if (text[at] != '"' || text[at - 1] == '\\') continue;
-    mender.edits.insert_before(at, "\\");
-    ++count;
-  }
-  mender.note(FaultKind::kSurplus, fault.statement, fault.token - 1, fault.token_end,
-              "backslash added in front of " + counted(count, "quote") + " within a text");
-}
-
-void mend_surplus(Mender& mender, const Fault& fault) {
-  if (is_rest_of_text(mender, fault)) return escape_quotes(mender, fault);
-  const Token& first = mender.token(fault.token);
-  const Token& last = mender.token(fault.token_end - 1);
-  const std::string text = shown(mender.document.source.text(first.begin, last.end));
-  const bool separates = first.is_mark(',') && fault.token_end == fault.token + 1;
-  if (separates) {
-    mender.edits.replace(first.begin, first.end, " ");
-  } else {
-    mender.erase_tokens(fault.token, fault.token_end);
-  }
-  mender.note(FaultKind::kSurplus, fault.statement, fault.token, fault.token_end,
-              "surplus " + text + " removed");
 }
 
 void mend_unquoted(Mender& mender, const Fault& fault) {
@@ -116,35 +68,107 @@ void mend_comment_object(Mender& mender, const Fault& fault) {
 
 }  // namespace
 
-bool mend_form(Mender& mender, const Fault& fault) {
+FormMends::FormMends(Mender& mender, std::span<const Fault> faults) : mender_(mender) {
+  const Fault* missing = nullptr;
+  for (const Fault& fault : faults) {
+    if (fault.kind == FaultKind::kMissing) missing = &fault;
+    if (fault.kind != FaultKind::kSurplus || fault.token == fault.token_end) continue;
+    const std::uint32_t last = fault.token_end - 1;
+    if (mender.token(last).kind != TokenKind::kOpenText) continue;
+    surplus_texts_.insert(last);
+    const bool lacks_quote = missing && missing->token == fault.token && missing->remedy == "\"\"";
+    if (lacks_quote && mender.text_of(last) == "\"") beginnings_.insert(fault.token);
+  }
+}
+
+void FormMends::mend(const Fault& fault) {
   switch (fault.kind) {
     case FaultKind::kNoFinalLineFeed:
-      mend_final_line_feed(mender);
-      return true;
+      return mend_final_line_feed(mender_);
     case FaultKind::kEndByte:
-      mend_end_byte(mender, fault);
-      return true;
+      return mend_end_byte(mender_, fault);
+    case FaultKind::kOddSpace:
+      return mend_odd_space(mender_, fault);
     case FaultKind::kOpenText:
-      mend_open_text(mender, fault);
-      return true;
+      return mend_open_text(fault);
     case FaultKind::kMissing:
-      mend_missing(mender, fault);
-      return true;
+      return mend_missing(fault);
     case FaultKind::kSurplus:
-      mend_surplus(mender, fault);
-      return true;
+      return mend_surplus(fault);
+    case FaultKind::kTooLong:
     case FaultKind::kOddNumber:
-      mend_number(mender, fault);
-      return true;
+      return mend_number(mender_, fault);
     case FaultKind::kUnquotedText:
-      mend_unquoted(mender, fault);
-      return true;
+      return mend_unquoted(mender_, fault);
     case FaultKind::kCommentObject:
-      mend_comment_object(mender, fault);
-      return true;
+      return mend_comment_object(mender_, fault);
     default:
-      return false;
+      return;
   }
+}
+
+void FormMends::mend_open_text(const Fault& fault) {
+  if (surplus_texts_.contains(fault.token)) return;
+  mender_.insert_behind_token(fault.token, "\"");
+  const std::uint32_t end = mender_.token(fault.token).end;
+  mender_.note(FaultKind::kOpenText, Span{end, end},
+               "quote added at the end of a text that had none",
+               describe(mender_.document, mender_.statement(fault.statement)));
+}
+
+void FormMends::mend_missing(const Fault& fault) {
+  if (beginnings_.contains(fault.token)) {
+    mender_.edits.insert_before(mender_.token(fault.token).begin, "\"");
+    return mender_.note(FaultKind::kMissing, fault.statement, fault.token, fault.token,
+                        "quote added at the begin of a text that had none");
+  }
+  const char first = fault.remedy.front();
+  const bool is_word = is_name_character(first) || first == '"';
+  const bool opens = first == '(' || first == '[';
+  if (opens && fault.token < mender_.document.tokens.size()) {
+    mender_.edits.insert_before(mender_.token(fault.token).begin, std::string(fault.remedy));
+  } else {
+    mender_.insert_behind_token(fault.token - 1, (is_word ? " " : "") + std::string(fault.remedy));
+  }
+  mender_.note(FaultKind::kMissing, fault.statement, fault.token, fault.token, added(fault));
+}
+
+void FormMends::mend_surplus(const Fault& fault) {
+  if (beginnings_.contains(fault.token)) return;
+  if (is_rest_of_text(fault)) return escape_quotes(fault);
+  const Token& first = mender_.token(fault.token);
+  const Token& last = mender_.token(fault.token_end - 1);
+  const std::string text = shown(mender_.document.source.text(first.begin, last.end));
+  const bool separates = first.is_mark(',') && fault.token_end == fault.token + 1;
+  if (separates) {
+    mender_.edits.replace(first.begin, first.end, " ");
+  } else {
+    mender_.erase_tokens(fault.token, fault.token_end);
+  }
+  mender_.note(FaultKind::kSurplus, fault.statement, fault.token, fault.token_end,
+               "surplus " + text + " removed");
+}
+
+/// Whether the tokens behind a text are its rest, because a quote within it has no backslash.
+bool FormMends::is_rest_of_text(const Fault& fault) const {
+  if (fault.token == 0 || mender_.token(fault.token - 1).kind != TokenKind::kText) return false;
+  const std::uint32_t last = fault.token_end - 1;
+  return mender_.token(last).kind == TokenKind::kText ||
+         (surplus_texts_.contains(last) && mender_.text_of(last) == "\"");
+}
+
+void FormMends::escape_quotes(const Fault& fault) {
+  const std::uint32_t begin = mender_.token(fault.token - 1).begin + 1;
+  const std::uint32_t end = mender_.token(fault.token_end - 1).end - 1;
+  const std::string_view text = mender_.document.source.text();
+  std::uint64_t count = 0;
+  for (std::uint32_t at = begin; at < end; ++at) {
+    if (text[at] != '"' || text[at - 1] == '\\') continue;
+    mender_.edits.insert_before(at, "\\");
+    ++count;
+  }
+  mender_.note(FaultKind::kSurplus, fault.statement, fault.token - 1, fault.token_end,
+               "backslash added in front of " + counted(count, "quote") + " within a text");
 }
 
 }  // namespace zelk::check

@@ -17,6 +17,9 @@ constexpr int kPlaces = 24;  // from 1 on
 
 constexpr std::uint32_t kNone = Statement::kNone;
 
+/// No frame has this identifier: it is an extended one, of 30 bits.
+constexpr std::uint32_t kIdOfStraySignals = 0xC0000000;
+
 // --- Sections that there must be once ---
 
 /// Readable or not, in the order of the text.
@@ -325,6 +328,28 @@ void mend_sections(Mender& mender, std::span<const std::string_view> nodes) {
   for (const std::string_view node : nodes) added.append(" ").append(node);
   if (!added.empty())
     mender.insert_behind_token(mender.statement(lists[0]).end - 1, std::move(added));
+}
+
+void adopt_signals(Mender& mender) {
+  std::uint32_t first = kNone;
+  std::uint64_t count = 0;
+  for (std::uint32_t i = 0; i < mender.document.statements.size(); ++i) {
+    const Statement& statement = mender.statement(i);
+    const bool is_orphan = statement.kind == Word::kSignal && statement.owner == kNone;
+    if (!is_orphan || mender.is_dropped(i)) continue;
+    if (count++ == 0) first = i;
+  }
+  if (first == kNone || !mender.is_on(FaultKind::kUnknownMessage)) return;
+  std::uint32_t id = kIdOfStraySignals;
+  while (mender.names.message(id) != kNone) --id;
+  const std::string message =
+      "BO_ " + std::to_string(id) + " Signals_without_message: 0 " + ZELK_NO_NODE;
+  const std::uint32_t place = mender.document.begin_of(mender.statement(first));
+  mender.edits.insert_before(
+      place, message + std::string(line_end_of(mender.document.source.text())) + ' ');
+  mender.note(FaultKind::kUnknownMessage, {place, place},
+              "message " + shown(message) + " added for " + counted(count, "signal") +
+                  " in front of all messages");
 }
 
 std::vector<Part> ordered(Mender& mender) { return Order(mender).parts(); }

@@ -19,6 +19,9 @@ namespace zelk::check {
 /// @param nodes  further names for the list of nodes
 void mend_sections(Mender& mender, std::span<const std::string_view> nodes);
 
+/// Gives signals in front of all messages a message.
+void adopt_signals(Mender& mender);
+
 /// The text's statements in their order, as few as can be moved, with the additions at their
 /// places. Space and comments between statements go with the one behind them; those on the rest of
 /// a line with the one in front.

@@ -14,6 +14,7 @@ namespace zelk::check {
 
 namespace {
 
+constexpr std::size_t kMostCharacters = 1023;
 constexpr double kMostCount = 32767;
 constexpr double kMostWhole = std::numeric_limits<std::uint32_t>::max();
 
@@ -43,7 +44,8 @@ std::string spelled_real(std::string_view text) {
   std::ranges::replace(spelling, ',', '.');
   if (spelling.starts_with('.')) spelling.insert(0, 1, '0');
   const std::string_view number = number_at_begin(spelling);
-  if (number.size() == spelling.size() && !number.empty()) return spelling;
+  const bool is_right = !number.empty() && number.size() == spelling.size();
+  if (is_right && spelling.size() <= kMostCharacters) return spelling;
   return std::string(NumberText(lenient_number(text).value_or(0)).view());
 }
 
@@ -74,7 +76,14 @@ std::optional<double> lenient_number(std::string_view text) {
 
 void mend_number(Mender& mender, const Fault& fault) {
   const Token& token = mender.token(fault.token);
+  const bool is_number = token.kind == TokenKind::kWhole || token.kind == TokenKind::kReal ||
+                         token.kind == TokenKind::kOddNumber || token.kind == TokenKind::kName;
+  const bool is_value = is_number && token.role != Role::kNone;
+  // An identifier beyond 32 bits names no message, and no other number can stand for it.
   const std::string_view text = mender.text_of(fault.token);
+  const bool is_identifier = token.role == Role::kMessageId || token.role == Role::kMessageRef;
+  const double number = lenient_number(text).value_or(-1);
+  if (!is_value || (is_identifier && !(number >= 0 && number <= kMostWhole))) return;
   const std::string spelling =
       is_real(token.role) ? spelled_real(text)
                           : spelled_whole(text, is_count(token.role) ? kMostCount : kMostWhole);

@@ -17,7 +17,8 @@ namespace zelk::check {
 /// the point, in hexadecimal, followed by letters; none when it does not begin like a number.
 std::optional<double> lenient_number(std::string_view text);
 
-/// Spells a number of the right kind (`kOddNumber`).
+/// Spells a number of the right kind (`kOddNumber`, `kTooLong`), but for identifiers of messages
+/// beyond 32 bits.
 void mend_number(Mender& mender, const Fault& fault);
 
 }  // namespace zelk::check

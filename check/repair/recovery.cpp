@@ -27,6 +27,8 @@ bool is_name(const Token& token) {
          token.kind == TokenKind::kKeyword;
 }
 
+bool is_word(const Token& token) { return is_name(token) || is_number(token); }
+
 /// Reads the tokens of a statement and takes from them what has the looks of its parts.
 class Salvage {
  public:
@@ -41,8 +43,9 @@ class Salvage {
     if (id.empty()) return "";
     const std::size_t colon = find_mark(':', 2);
     const bool has_colon = colon != tokens_.size();
+    const std::size_t first = find(is_word, 2);
     const std::size_t name_end = has_colon ? colon : find(is_number, 2);
-    std::string name = stretch(2, has_colon ? colon : std::min(name_end, std::size_t{3}));
+    std::string name = stretch(first, has_colon ? colon : std::min(name_end, std::size_t{3}));
     if (name.empty()) name = "Message_" + id;
     const std::size_t size = find(is_number, has_colon ? colon + 1 : 3);
     const std::size_t sender = find(is_name, size != tokens_.size() ? size + 1
@@ -60,19 +63,29 @@ class Salvage {
     const bool has_place =
         bar > 2 && has(bar + 1) && is_number(*tokens_[bar - 1]) && is_number(*tokens_[bar + 1]);
     if (!has_place) return "";
-    std::size_t name_end = std::min(find_mark(':', 1), bar - 1);
-    if (name_end == 1) return "";
+    const std::size_t first = find(is_word, 1);
+    const std::size_t name_end = std::min(find_mark(':', 1), bar - 1);
+    if (first >= name_end) return "";
     std::size_t at = bar + 2;
-    return "SG_ " + stretch(1, name_end) + " : " + text(bar - 1) + '|' + text(bar + 1) + order(at) +
-           ' ' + pair('(', ',', ')', "(1,0)", at) + ' ' + pair('[', '|', ']', "[0|0]", at) + ' ' +
-           unit(at) + ' ' + receivers(at);
+    const std::string byte_order = order(at);
+    const std::string scale = pair('(', ',', ')', "(1,0)", at);
+    // A wrong byte order or scale would be worse than none.
+    if (byte_order.empty() || scale.empty()) return "";
+    const std::string range = pair('[', '|', ']', "[0|0]", at);
+    const std::string unit_text = unit(at);
+    return "SG_ " + stretch(first, name_end) + " : " + text(bar - 1) + '|' + text(bar + 1) +
+           byte_order + ' ' + scale + ' ' + (range.empty() ? "[0|0]" : range) + ' ' + unit_text +
+           ' ' + receivers(at);
   }
 
   /// "VAL_ object pairs;" of value descriptions and tables; empty without an object.
   std::string descriptions() {
+    std::string result = text(0);
+    const bool has_message = has(1) && is_number(*tokens_[1]);
+    if (has_message) result += ' ' + text(1);
     std::size_t at = find(is_name, 1);
-    if (at == tokens_.size() || at > 2) return "";
-    std::string result = stretch(0, at + 1);
+    if (at > 3 || !has(at)) return "";
+    result += ' ' + text(at);
     for (++at; has(at + 1); ++at) {
       if (!is_number(*tokens_[at]) || !is_text(*tokens_[at + 1])) continue;
       const bool is_negative = tokens_[at - 1]->is_mark('-');
@@ -101,10 +114,14 @@ class Salvage {
     const bool fits = value && *value >= 0 && *value <= 4294967295.0;
     return fits ? text(index) : "";
   }
-  /// As it stands in the file.
+  /// The tokens as they stand in the file, with a blank where there is space between them.
   std::string stretch(std::size_t first, std::size_t end) const {
-    if (first >= end) return "";
-    return std::string(document_.source.text(tokens_[first]->begin, tokens_[end - 1]->end));
+    std::string result;
+    for (std::size_t i = first; i < end; ++i) {
+      if (i != first && tokens_[i]->begin != tokens_[i - 1]->end) result += ' ';
+      result += document_.text_of(*tokens_[i]);
+    }
+    return result;
   }
   std::string quoted(std::size_t index) const {
     return text(index) + (tokens_[index]->kind == TokenKind::kOpenText ? "\"" : "");
@@ -119,32 +136,44 @@ class Salvage {
     return find([mark](const Token& token) { return token.is_mark(mark); }, from);
   }
 
-  /// Byte order and sign.
+  /// Byte order and sign; empty when there is an "@" and no number behind it.
   std::string order(std::size_t& at) const {
-    std::string result;
-    if (has(at + 1) && tokens_[at]->is_mark('@') && is_number(*tokens_[at + 1])) {
+    std::string result = "@1";
+    if (has(at) && tokens_[at]->is_mark('@')) {
+      if (!has(at + 1) || !is_number(*tokens_[at + 1])) return "";
       result = '@' + text(at + 1);
       at += 2;
     }
-    if (result.empty()) result = "@1";
     const bool has_sign = has(at) && (tokens_[at]->is_mark('+') || tokens_[at]->is_mark('-'));
     return result + (has_sign ? text(at++) : "+");
   }
 
   /// Two numbers between brackets, in front of the unit.
+  ///
+  /// @param otherwise  what stands for a pair that is missing altogether
+  /// @return empty for one that is there and cannot be read
   std::string pair(char open, char between, char close, std::string_view otherwise,
                    std::size_t& at) const {
     const std::size_t begin = find_mark(open, at);
-    std::vector<std::string> numbers;
-    std::size_t end = begin + 1;
-    for (; has(end) && !tokens_[end]->is_mark(close) && !is_text(*tokens_[end]); ++end) {
-      if (!is_number(*tokens_[end])) continue;
-      numbers.push_back((tokens_[end - 1]->is_mark('-') ? "-" : "") + text(end));
-    }
-    if (begin >= find(is_text, at) || numbers.empty()) return std::string(otherwise);
-    at = has(end) && tokens_[end]->is_mark(close) ? end + 1 : end;
-    const std::string second = numbers.size() > 1 ? numbers[1] : "0";
-    return open + numbers[0] + between + second + close;
+    if (begin >= find(is_text, at)) return std::string(otherwise);
+    std::size_t next = begin + 1;
+    const std::string first = number(next);
+    const bool is_divided = has(next) && tokens_[next]->is_mark(between);
+    const std::string second = is_divided ? number(++next) : "";
+    at = next;
+    if (first.empty() || second.empty()) return "";
+    if (has(at) && tokens_[at]->is_mark(close)) ++at;
+    return open + first + between + second + close;
+  }
+
+  /// With its sign; empty when none stands there.
+  std::string number(std::size_t& at) const {
+    const bool has_sign = has(at) && (tokens_[at]->is_mark('+') || tokens_[at]->is_mark('-'));
+    const std::size_t digits = at + (has_sign ? 1 : 0);
+    if (!has(digits) || !is_number(*tokens_[digits])) return "";
+    const std::string sign = has_sign ? text(at) : "";
+    at = digits + 1;
+    return sign + text(digits);
   }
 
   std::string unit(std::size_t& at) const {
@@ -191,7 +220,7 @@ void recover(Mender& mender, const Fault& fault) {
   const Statement& statement = mender.statement(fault.statement);
   const Document& document = mender.document;
   const std::string text = salvaged(document, statement);
-  if (!text.empty()) {
+  if (!text.empty() && text != document.text_of(statement)) {
     const Span span{document.begin_of(statement), document.end_of(statement)};
     const std::string old = shown(document.text_of(statement));
     mender.note(fault.kind, span,
@@ -200,8 +229,11 @@ void recover(Mender& mender, const Fault& fault) {
     return;
   }
   mender.has_new_statements = true;
-  const bool must_stay = statement.kind == Word::kMessage || statement.kind == Word::kSignal;
-  if (must_stay) return;
+  const bool is_object = statement.kind == Word::kMessage || statement.kind == Word::kSignal;
+  const bool is_cut = statement.end == document.tokens.size();
+  if (is_object && is_cut)
+    return mender.drop(fault.kind, fault.statement, "the text ends before it is complete");
+  if (is_object) return;
   mender.drop(fault.kind, fault.statement,
               fault.kind == FaultKind::kStray ? "it begins no statement"
                                               : "expected " + std::string(fault.expected));

@@ -17,8 +17,13 @@ namespace {
 
 constexpr std::uint32_t kNone = Statement::kNone;
 
+/// Names with blanks in one message that begin with the same word; of more, the first are looked
+/// for.
+constexpr std::size_t kMostOfOneWord = 16;
+
 bool is_name_fault(FaultKind kind) {
-  return kind == FaultKind::kOddName || kind == FaultKind::kKeywordName;
+  return kind == FaultKind::kOddName || kind == FaultKind::kKeywordName ||
+         kind == FaultKind::kTooLong;
 }
 
 /// What a name is the name of.
@@ -97,14 +102,19 @@ class Renames {
       for (const Fault& fault : faults_)
         if (concerns(fault) && naming(fault).is_introduced == introduced) rename(fault);
     if (renamed_.empty()) return;
+    rename_with_blanks();
     find_comments();
     for (Renamed& each : renamed_) tell(each);
   }
 
  private:
   bool concerns(const Fault& fault) const {
-    return is_name_fault(fault.kind) && mender_.is_on(fault.kind) &&
-           !mender_.is_dropped(fault.statement);
+    const bool may_be = is_name_fault(fault.kind) && mender_.is_on(fault.kind) &&
+                        !mender_.is_settled(fault.statement) &&
+                        mender_.statement(fault.statement).is_readable;
+    if (!may_be || fault.kind != FaultKind::kTooLong) return may_be;
+    const Token& token = mender_.token(fault.token);
+    return token.kind == TokenKind::kName && naming_of(token.role).kind != NameKind::kOther;
   }
 
   Naming naming(const Fault& fault) const { return naming_of(mender_.token(fault.token).role); }
@@ -203,6 +213,62 @@ class Renames {
     return message_names_;
   }
 
+  // --- References to names with blanks, which no statement can be read with ---
+
+  void rename_with_blanks() {
+    std::unordered_map<std::string, std::vector<std::size_t>> by_first_word;
+    for (std::size_t i = 0; i < renamed_.size(); ++i) {
+      const Renamed& each = renamed_[i];
+      const std::size_t blank = each.old_name.find(' ');
+      if (each.kind != NameKind::kSignal || blank == std::string::npos) continue;
+      auto& list = by_first_word[key_of(each.kind, each.owner, each.old_name.substr(0, blank))];
+      if (list.size() < kMostOfOneWord) list.push_back(i);
+    }
+    if (by_first_word.empty()) return;
+    for (std::uint32_t i = 0; i < mender_.document.statements.size(); ++i) {
+      const Statement& statement = mender_.statement(i);
+      const bool may_refer = statement.kind != Word::kMessage && statement.kind != Word::kSignal &&
+                             !mender_.is_settled(i);
+      if (may_refer && owner_of(NameKind::kSignal, i) != kNone) rewrite(i, by_first_word);
+    }
+  }
+
+  using WordTable = std::unordered_map<std::string, std::vector<std::size_t>>;
+
+  void rewrite(std::uint32_t index, const WordTable& by_first_word) {
+    const Document& document = mender_.document;
+    const Statement& statement = mender_.statement(index);
+    const std::uint32_t owner = owner_of(NameKind::kSignal, index);
+    std::string text;
+    std::uint32_t at = document.begin_of(statement);
+    for (const Token& token : document.tokens_of(statement)) {
+      if (token.kind != TokenKind::kName || token.begin < at) continue;
+      const auto found =
+          by_first_word.find(key_of(NameKind::kSignal, owner, document.text_of(token)));
+      if (found == by_first_word.end()) continue;
+      Renamed* const named = longest_at(token.begin, found->second);
+      if (!named) continue;
+      text += document.source.text(at, token.begin);
+      text += named->new_name;
+      at = token.begin + static_cast<std::uint32_t>(named->old_name.size());
+      ++named->references;
+    }
+    if (text.empty()) return;
+    text += document.source.text(at, std::max(at, document.end_of(statement)));
+    mender_.rewrite(index, std::move(text));
+  }
+
+  Renamed* longest_at(std::uint32_t offset, const std::vector<std::size_t>& candidates) {
+    const std::string_view rest = mender_.document.source.text().substr(offset);
+    Renamed* longest = nullptr;
+    for (const std::size_t index : candidates) {
+      Renamed& each = renamed_[index];
+      const bool is_longer = !longest || each.old_name.size() > longest->old_name.size();
+      if (is_longer && rest.starts_with(each.old_name)) longest = &each;
+    }
+    return longest;
+  }
+
   // --- The old name in the comment ---
 
   /// The reader keeps the last comment of an object.
@@ -249,9 +315,10 @@ class Renames {
     const Token* const text =
         mender_.document.find(mender_.statement(each.comment), Role::kComment);
     if (!text) return;
+    const bool is_empty = mender_.document.content_of(*text).empty();
     const std::string added =
-        (mender_.document.content_of(*text).empty() ? "Original name: " : "\nOriginal name: ") +
-        escaped(each.old_name);
+        std::string(is_empty ? "" : line_end_of(mender_.document.source.text())) +
+        "Original name: " + escaped(each.old_name);
     if (text->kind == TokenKind::kText) {
       mender_.edits.insert_before(text->end - 1, added);
     } else {

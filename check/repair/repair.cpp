@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "check/faults/find_faults.hpp"
+#include "check/findings/sentences.hpp"
 #include "check/repair/decoding.hpp"
 #include "check/repair/form_mends.hpp"
 #include "check/repair/judge.hpp"
@@ -39,13 +40,15 @@ class Round {
 
   Composition mended() {
     remove_no_nodes(mender_);
+    mend_names(mender_, faults_);
     each_of({FaultKind::kUnreadable, FaultKind::kStray},
             [this](const Fault& fault) { recover(mender_, fault); });
     // What else is wrong may be right once these statements are read.
     if (!mender_.has_new_statements) mend_meaning();
-    mend_names(mender_, faults_);
+    FormMends forms(mender_, faults_);
     for (const Fault& fault : faults_)
-      if (concerns(fault)) mend_form(mender_, fault);
+      if (concerns(fault)) forms.mend(fault);
+    adopt_signals(mender_);
     mend_sections(mender_, references_.new_nodes());
     const std::vector<Part> parts = ordered(mender_);
     return mender_.edits.apply(mender_.document.source.text(), parts);
@@ -60,6 +63,7 @@ class Round {
       if (fault.kind == FaultKind::kWrongValue) values_.mend(fault);
       mend_signal(mender_, fault);
     }
+    mend_circles(mender_, faults_);
     if (mender_.is_on(FaultKind::kUnknownAttribute)) infer_definitions(mender_, faults_);
   }
 
@@ -88,12 +92,12 @@ class Repair {
 
   Mended run() {
     Verdict verdict = judge(result_.source.text());
-    const bool is_perfect = verdict.is_accepted && verdict.message.empty();
+    const bool is_perfect = verdict.message.empty() && is_whole(verdict, result_.source.text());
     if (is_perfect && options_.no_node.empty()) return unneeded();
     std::string text = prepared();
     const bool is_prepared = !result_.mends.list.empty();
     if (is_prepared) verdict = judge(text);
-    if (is_prepared && verdict.is_accepted && options_.no_node.empty())
+    if (is_prepared && options_.no_node.empty() && is_whole(verdict, text))
       return mended(std::move(text));
     for (int round = 0; round < kMostRounds; ++round) {
       const Document document = read_document(Source(result_.source.path(), std::move(text)));
@@ -101,15 +105,28 @@ class Repair {
       Composition composition = mends.mended();
       if (mends.findings().empty()) return left(document, verdict);
       take(std::move(mends.findings()));
-      verdict = judge(composition.text());
-      if (verdict.is_accepted) return mended(composition.take_text());
       text = composition.take_text();
       origins_.push_back(std::move(composition));
+      verdict = judge(text);
+      if (is_whole(verdict, text)) return mended(std::move(text));
     }
     return left(read_document(Source(result_.source.path(), std::move(text))), verdict);
   }
 
  private:
+  /// Whether the reader takes the text, and no byte 0xFF, which it takes for the end, hides
+  /// statements.
+  static bool is_whole(const Verdict& verdict, std::string_view text) {
+    if (!verdict.is_accepted || text.find('\xFF') == std::string_view::npos)
+      return verdict.is_accepted;
+    const Document document = read_document(Source({}, std::string(text)));
+    const auto end = std::ranges::find(document.faults, FaultKind::kEndByte, &Fault::kind);
+    if (end == document.faults.end()) return true;
+    return std::ranges::none_of(document.statements, [&](const Statement& statement) {
+      return statement.first >= end->token && statement.is_readable;
+    });
+  }
+
   /// The text with its characters mended.
   std::string prepared() {
     const bool may_decode = !options_.kept.contains(name_of(FaultKind::kUtf16));
@@ -156,13 +173,33 @@ class Repair {
     return std::move(result_);
   }
 
-  /// Nothing is left to be mended.
+  /// No mend helps: tells the faults that are left.
   Mended left(const Document& document, const Verdict& verdict) {
     if (verdict.is_accepted) return mended(std::string(document.source.text()));
     result_.outcome = Outcome::kUnmendable;
-    result_.faults.list.push_back({Severity::kError, "refused", {}, verdict.message});
-    result_.faults.count = 1;
+    const Names names(document);
+    for (const Fault& fault : find_faults(document, names))
+      if (!fault.is_accepted) add_fault(document, fault);
+    auto& list = result_.faults.list;
+    if (list.empty())
+      list.push_back({Severity::kError, name_of(FaultKind::kRefused), {}, verdict.message});
+    result_.faults.count = list.size();
     return std::move(result_);
+  }
+
+  void add_fault(const Document& document, const Fault& fault) {
+    const bool is_at_end = fault.token == document.tokens.size();
+    const std::uint32_t end = document.source.size();
+    const Token place =
+        is_at_end ? Token{end, end, TokenKind::kMark} : document.tokens[fault.token];
+    const std::uint32_t begin = origin(place.begin);
+    Finding finding{
+        Severity::kError, name_of(fault.kind), {begin, std::max(begin, origin(place.end))}, ""};
+    finding.message = fault.expected.empty() ? std::string(name_of(fault.kind))
+                                             : "expected " + std::string(fault.expected);
+    if (fault.statement != Fault::kNoStatement)
+      finding.statement = describe(document, document.statements[fault.statement]);
+    result_.faults.list.push_back(std::move(finding));
   }
 
   const RepairOptions& options_;

@@ -1,7 +1,7 @@
 #include "check/repair/signal_mends.hpp"
 
 #include <string>
-#include <vector>
+#include <unordered_map>
 
 #include "base/characters.hpp"
 #include "check/findings/sentences.hpp"
@@ -37,6 +37,16 @@ void mend_indicator(Mender& mender, const Fault& fault) {
               "multiplexor indicator " + shown(text) + " replaced by " + indicator);
 }
 
+/// Makes a multiplexor that no other one selects.
+void drop_value(Mender& mender, const Fault& fault, const Token& indicator) {
+  const auto token = static_cast<std::uint32_t>(&indicator - mender.document.tokens.data());
+  const std::string text(1, to_upper(mender.text_of(token).front()));
+  mender.note(fault.kind, fault.statement, token, token + 1,
+              "multiplexor indicator " + shown(mender.text_of(token)) + " replaced by " + text +
+                  ", multiplexors select each other in a circle");
+  mender.replace_token(token, text);
+}
+
 /// Lengths from 1 up, orders 0 and 1, and at most two segments.
 void mend_segments(Mender& mender, const Fault& fault) {
   const Statement& statement = mender.statement(fault.statement);
@@ -70,8 +80,28 @@ void mend_signal(Mender& mender, const Fault& fault) {
   if (mender.is_settled(fault.statement)) return;
   if (fault.kind == FaultKind::kIndicator) mend_indicator(mender, fault);
   if (fault.kind == FaultKind::kSegments) mend_segments(mender, fault);
-  if (fault.kind == FaultKind::kCircle)
-    mender.drop(fault.kind, fault.statement, "it closes a circle of multiplexors");
+}
+
+void mend_circles(Mender& mender, std::span<const Fault> faults) {
+  std::unordered_map<std::uint32_t, const Fault*> circles;  // by statement of the signal
+  for (const Fault& fault : faults)
+    if (fault.kind == FaultKind::kCircle && !fault.is_accepted && mender.is_on(fault.kind))
+      circles.emplace(fault.statement, &fault);
+  for (std::uint32_t i = 0; !circles.empty() && i < mender.document.statements.size(); ++i) {
+    const Statement& statement = mender.statement(i);
+    if (statement.kind != Word::kMultiplexorRanges || mender.is_settled(i)) continue;
+    const auto id = whole_value(mender.document, statement, Role::kMessageRef);
+    const std::uint32_t message = id ? mender.names.message(*id) : Statement::kNone;
+    if (message == Statement::kNone) continue;
+    const std::string_view name = mender.document.text_of(statement, Role::kSignalRef);
+    if (circles.erase(mender.names.signal(message, name)) != 0)
+      mender.drop(FaultKind::kCircle, i, "multiplexors select each other in a circle");
+  }
+  // The others are in a circle because of their indicators alone.
+  for (const auto& [index, fault] : circles) {
+    const Token* const indicator = mender.document.find(mender.statement(index), Role::kIndicator);
+    if (indicator) drop_value(mender, *fault, *indicator);
+  }
 }
 
 }  // namespace zelk::check

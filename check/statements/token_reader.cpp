@@ -245,7 +245,18 @@ void TokenReader::new_name(Role role, std::string_view expected) {
 void TokenReader::text(Role role, std::string_view expected) {
   if (!is_readable_) return;
   if (at_text()) return take(role);
+  const bool may_lack_quotes = role == Role::kText || role == Role::kItem;
+  if (may_lack_quotes && at_name()) return unquoted_text(role);
   missing(expected, "\"\"");
+}
+
+void TokenReader::unquoted_text(Role role) {
+  const std::uint32_t end = odd_name_end();
+  const std::uint32_t first = at_;
+  if (end > first + 1) merge(end - 1, TokenKind::kOddName);
+  tokens_[first].role = role;
+  at_ = end;
+  fault(FaultKind::kUnquotedText, first, end, "a text between quotes");
 }
 
 /// Behind the last of the tokens that, without space between them, are meant for one number.

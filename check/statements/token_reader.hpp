@@ -89,6 +89,7 @@ class TokenReader {
   bool is_broken_exponent(std::uint32_t number) const;
   void merge(std::uint32_t last, TokenKind kind);
   void take_name(Role role, std::string_view expected);
+  void unquoted_text(Role role);
   std::uint32_t odd_name_end() const;
   std::uint32_t odd_number_end() const;
   using IsRight = bool (*)(const Document&, const Token&);
