@@ -14,7 +14,7 @@ namespace {
 
 void mend_final_line_feed(Mender& mender) {
   const std::uint32_t size = mender.document.source.size();
-  mender.edits.insert_behind(size, std::string(line_end_of(mender.document.source.text())));
+  mender.needs_line_feed = true;
   mender.note(FaultKind::kNoFinalLineFeed, Span{size, size},
               "line feed added at the end of the file");
 }
@@ -74,10 +74,11 @@ FormMends::FormMends(Mender& mender, std::span<const Fault> faults) : mender_(me
     if (fault.kind == FaultKind::kMissing) missing = &fault;
     if (fault.kind != FaultKind::kSurplus || fault.token == fault.token_end) continue;
     const std::uint32_t last = fault.token_end - 1;
+    const bool lacks_text = missing && missing->token == fault.token && missing->remedy == "\"\"";
+    if (lacks_text && mender.token(last).kind == TokenKind::kText) late_texts_.insert(fault.token);
     if (mender.token(last).kind != TokenKind::kOpenText) continue;
     surplus_texts_.insert(last);
-    const bool lacks_quote = missing && missing->token == fault.token && missing->remedy == "\"\"";
-    if (lacks_quote && mender.text_of(last) == "\"") beginnings_.insert(fault.token);
+    if (lacks_text && mender.text_of(last) == "\"") beginnings_.insert(fault.token);
   }
 }
 
@@ -117,6 +118,7 @@ void FormMends::mend_open_text(const Fault& fault) {
 }
 
 void FormMends::mend_missing(const Fault& fault) {
+  if (late_texts_.contains(fault.token)) return;
   if (beginnings_.contains(fault.token)) {
     mender_.edits.insert_before(mender_.token(fault.token).begin, "\"");
     return mender_.note(FaultKind::kMissing, fault.statement, fault.token, fault.token,
@@ -136,14 +138,18 @@ void FormMends::mend_missing(const Fault& fault) {
 void FormMends::mend_surplus(const Fault& fault) {
   if (beginnings_.contains(fault.token)) return;
   if (is_rest_of_text(fault)) return escape_quotes(fault);
+  const std::uint32_t end = fault.token_end - (late_texts_.contains(fault.token) ? 1 : 0);
   const Token& first = mender_.token(fault.token);
-  const Token& last = mender_.token(fault.token_end - 1);
+  const Token& last = mender_.token(end - 1);
   const std::string text = shown(mender_.document.source.text(first.begin, last.end));
-  const bool separates = first.is_mark(',') && fault.token_end == fault.token + 1;
+  const std::uint32_t behind = last.end;
+  const std::string_view source = mender_.document.source.text();
+  const bool separates = first.is_mark(',') && end == fault.token + 1 && behind != source.size() &&
+                         is_name_character(source[behind]);
   if (separates) {
     mender_.edits.replace(first.begin, first.end, " ");
   } else {
-    mender_.erase_tokens(fault.token, fault.token_end);
+    mender_.erase_tokens(fault.token, end);
   }
   mender_.note(FaultKind::kSurplus, fault.statement, fault.token, fault.token_end,
                "surplus " + text + " removed");
@@ -152,6 +158,8 @@ void FormMends::mend_surplus(const Fault& fault) {
 /// Whether the tokens behind a text are its rest, because a quote within it has no backslash.
 bool FormMends::is_rest_of_text(const Fault& fault) const {
   if (fault.token == 0 || mender_.token(fault.token - 1).kind != TokenKind::kText) return false;
+  const Role role = mender_.token(fault.token - 1).role;
+  if (role != Role::kComment && role != Role::kValue) return false;
   const std::uint32_t last = fault.token_end - 1;
   return mender_.token(last).kind == TokenKind::kText ||
          (surplus_texts_.contains(last) && mender_.text_of(last) == "\"");

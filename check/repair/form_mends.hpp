@@ -34,6 +34,8 @@ class FormMends {
   /// Texts without a second quote within what is surplus. They may be nothing but a quote, the
   /// second one of a text that lacks its first or has others within it.
   std::unordered_set<std::uint32_t> surplus_texts_;
+  /// First tokens of what stands in front of a text that is missing at its place.
+  std::unordered_set<std::uint32_t> late_texts_;
   std::unordered_set<std::uint32_t> beginnings_;  ///< tokens in front of which a first quote lacks
 };
 

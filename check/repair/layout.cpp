@@ -145,11 +145,10 @@ std::vector<bool> find_staying(const std::vector<int>& places) {
   return stays;
 }
 
-/// Statements that move together.
+/// Statements of one place that move.
 struct Run {
-  std::uint32_t first;
-  std::uint32_t last;
-  std::uint32_t count;
+  std::uint32_t first = kNone;
+  std::uint32_t count = 0;
 };
 
 class Order {
@@ -158,28 +157,28 @@ class Order {
       : mender_(mender), places_(places_of(mender)), stays_(find_staying(places_)) {}
 
   std::vector<Part> parts() {
-    if (!mender_.is_on(FaultKind::kOrder)) return parts_as_they_stand();
-    note_moves();
-    return sorted_parts();
+    const bool is_on = mender_.is_on(FaultKind::kOrder);
+    if (is_on) note_moves();
+    std::vector<Part> parts = is_on ? sorted_parts() : parts_as_they_stand();
+    const std::uint32_t end = parts.back().end;
+    if (mender_.needs_line_feed && !ends_line(parts))
+      parts.push_back({end, end, std::string(line_end())});
+    return parts;
   }
 
  private:
   // --- What is said ---
 
+  /// One finding for the statements of each place.
   void note_moves() {
     find_neighbours();
-    Run run{kNone, kNone, 0};
+    std::array<Run, kPlaces> moved{};
     for (std::uint32_t i = 0; i < places_.size(); ++i) {
-      if (places_[i] == 0) continue;
-      const bool goes_on = run.count != 0 && !stays_[i] && places_[i] == places_[run.first];
-      if (!goes_on) {
-        note_run(run);
-        run = {i, i, 0};
-      }
-      if (!stays_[i]) run = {run.first, i, run.count + 1};
-      if (stays_[i]) run = {kNone, kNone, 0};
+      if (places_[i] == 0 || stays_[i]) continue;
+      Run& run = moved[static_cast<std::size_t>(places_[i])];
+      if (run.count++ == 0) run.first = i;
     }
-    note_run(run);
+    for (const Run& run : moved) note_run(run);
   }
 
   /// The last statement that stays and must stand in front of a place.
@@ -197,14 +196,12 @@ class Order {
     const Statement& first = mender_.statement(run.first);
     const auto place = static_cast<std::size_t>(places_[run.first]);
     const std::uint32_t before = last_staying_[place - 1];
-    std::string message = run.count == 1 ? describe(document, first)
-                                         : counted(run.count, "statement") + " from " +
-                                               describe(document, first) + " on";
+    std::string message = describe(document, first);
+    if (run.count > 1) message += " and " + counted(run.count - 1, "more statement");
     message += " moved to the place of \"" + std::string(spelling(first.kind)) + "\" statements";
     if (before != kNone)
       message += ", behind \"" + std::string(spelling(mender_.statement(before).kind)) + '"';
-    mender_.note(FaultKind::kOrder,
-                 {document.begin_of(first), document.end_of(mender_.statement(run.last))},
+    mender_.note(FaultKind::kOrder, {document.begin_of(first), document.end_of(first)},
                  std::move(message));
   }
 

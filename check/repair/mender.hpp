@@ -72,6 +72,7 @@ class Mender {
   Edits edits;
   std::vector<Addition> additions;
   std::vector<Finding> findings;
+  bool needs_line_feed = false;     ///< at the end of the text
   bool has_new_statements = false;  ///< the text has to be read again before references are mended
 
  private:

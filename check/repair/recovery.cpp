@@ -60,8 +60,9 @@ class Salvage {
   /// empty without a place.
   std::string signal() {
     const std::size_t bar = find_mark('|', 1);
-    const bool has_place =
-        bar > 2 && has(bar + 1) && is_number(*tokens_[bar - 1]) && is_number(*tokens_[bar + 1]);
+    const std::size_t scale_begin = std::min(find_mark('(', 1), find_mark('[', 1));
+    const bool has_place = bar > 2 && bar < scale_begin && has(bar + 1) &&
+                           is_number(*tokens_[bar - 1]) && is_number(*tokens_[bar + 1]);
     if (!has_place) return "";
     const std::size_t first = find(is_word, 1);
     const std::size_t name_end = std::min(find_mark(':', 1), bar - 1);
@@ -230,7 +231,7 @@ void recover(Mender& mender, const Fault& fault) {
   }
   mender.has_new_statements = true;
   const bool is_object = statement.kind == Word::kMessage || statement.kind == Word::kSignal;
-  const bool is_cut = statement.end == document.tokens.size();
+  const bool is_cut = fault.token == document.tokens.size();
   if (is_object && is_cut)
     return mender.drop(fault.kind, fault.statement, "the text ends before it is complete");
   if (is_object) return;

@@ -1,0 +1,179 @@
+// Mends, each with what is left of the text; every mended text is read strictly, and needs no
+// second repair.
+
+#include "check/repair/repair.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "check/statements/edits.hpp"
+
+using namespace zelk::check;
+
+namespace {
+
+std::string quoted(std::string text) {
+  std::ranges::replace(text, '\'', '"');
+  return text;
+}
+
+/// Three lines, then the text of the case. Apostrophes stand for quotes.
+const std::string kHead = "BS_:\nBU_: A B\nBO_ 1 M: 8 A\n SG_ s : 0|8@1+ (1,0) [0|1] '' B\n";
+
+struct Case {
+  std::string text;
+  std::string mended;           ///< empty: cannot be mended
+  const char* mends = nullptr;  ///< names, where they are not plain
+};
+
+std::string names_of(const Mended& mended) {
+  std::string names;
+  for (const Finding& finding : mended.mends.list)
+    names += (names.empty() ? "" : " ") + std::string(finding.rule);
+  return names;
+}
+
+void check(const Case& each) {
+  SCOPED_TRACE(each.text);
+  const std::string text = quoted(each.text);
+  const Mended mended = repair(Source("t.dbc", text), {});
+  const bool is_same = quoted(each.mended) == text;
+  const Outcome outcome = each.mended.empty() ? Outcome::kUnmendable
+                          : is_same           ? Outcome::kUnneeded
+                                              : Outcome::kMended;
+  EXPECT_EQ(mended.outcome, outcome);
+  EXPECT_EQ(mended.text, quoted(each.mended));
+  if (each.mends) {
+    EXPECT_EQ(names_of(mended), each.mends);
+  }
+  for (const Finding& finding : mended.mends.list) EXPECT_LE(finding.span.end, text.size());
+  EXPECT_EQ(each.mended.empty(), !mended.faults.list.empty());
+  const bool is_done =
+      each.mended.empty() || repair(Source("t.dbc", mended.text), {}).outcome == Outcome::kUnneeded;
+  EXPECT_TRUE(is_done);
+}
+
+TEST(Mends, Forms) {
+  const std::string tail = "CM_ 'x';\n";
+  const Case cases[] = {
+      {kHead + tail, kHead + tail},
+      {kHead + "CM_ SG_ 1 s 'x'\n", kHead + "CM_ SG_ 1 s 'x';\n"},
+      {kHead + "CM_ 'a 'b' c';;\n", kHead + "CM_ 'a \\'b\\' c';\n"},
+      {kHead + "CM_ BO_ 1 a b';\nCM_ 'x", kHead + "CM_ BO_ 1 'a b';\nCM_ 'x';"},
+      {kHead + "VAL_ 1 s 0 off 1 on-line;\n", kHead + "VAL_ 1 s 0 'off' 1 'on-line';\n"},
+      {kHead + "CM_ SG_ 1 s foo 'x';\n", kHead + "CM_ SG_ 1 s 'x';\n", "surplus"},
+      {kHead + "CM_ 1 'x';\n", kHead + "CM_ BO_ 1 'x';\n", "comment-object"},
+      {kHead + "?\nFOO_ 1;\n" + tail, kHead + tail, "stray"},
+      {kHead + "CM_ 'a\xFFz';\n\xFF" + tail, kHead + "CM_ 'a\xFFz';\n " + tail, "end-byte"},
+      {"BS_:\rBU_: A\r// c", "BS_:\nBU_: A\n// c\n", "line-ends final-line-feed"},
+      {std::string("BS_:\nBU_: A\0\0\nCM_ 'a\0b';\n", 26), "BS_:\nBU_: A\nCM_ 'a b';\n"},
+      // What a signal or a message lacks; nothing is made up for place, order and scale.
+      {kHead + " SG_ a : 8|8@1-\n SG_ b : 8|8@1+ (0,5,0) [0|0x10] B,\n",
+       kHead + " SG_ a : 8|8@1- (1,0) [0|0] '' Ostrel__XXX\n SG_ b : 8|8@1+ (0.5,0) [0|16] '' B\n"},
+      {kHead + " SG_ a : 8|8@ (1,0) [0|1] '' B\n", ""},
+      {kHead + " SG_ a : 88@1+ (1,0) [0|1] '' B\n", ""},
+      {kHead + "BO_ 2 N: A\nBO_ 3 : 4 A\nBO_ 4 O\nBO_ ",
+       kHead + "BO_ 2 N: 8 A\nBO_ 3 Message_3: 4 A\nBO_ 4 O: 8 Ostrel__XXX\n"},
+      {"BS_:\nBU_:\n SG_ s : 0|8@1+ (1,0) [0|1] '' B\n",
+       "BS_:\nBU_:\n BO_ 3221225472 Signals_without_message: 0 Ostrel__XXX\n"
+       " SG_ s : 0|8@1+ (1,0) [0|1] '' B\n"},
+  };
+  for (const Case& each : cases) check(each);
+}
+
+TEST(Mends, OrderAndSections) {
+  const std::string message = " // of M\n\nBO_ 1 M: 8 A\n SG_ s : 0|8@1+ (1,0) [0|1] '' B\n";
+  const Case cases[] = {
+      {"// head\n\nBO_ 1 M: 8 A\n", "// head\n\nBS_:\n\nBU_: A\n\nBO_ 1 M: 8 A\n"},
+      {"BU_: A\nBS_:\nCM_ 'x'; // c\n// of M\nBO_ 1 M: 8 A\nBA_ 'q' 1;\nBA_DEF_ 'q' INT 0 1;",
+       "BS_:\nBU_: A\n// of M\nBO_ 1 M: 8 A\nCM_ 'x'; // c\nBA_DEF_ 'q' INT 0 1;\nBA_ 'q' 1;\n"},
+      {"BS_:\r\nBU_: A\r\nCM_ 'x';\r\nBO_ 1 M: 8 A",
+       "BS_:\r\nBU_: A\r\nBO_ 1 M: 8 A\r\nCM_ 'x';\r\n"},
+      {"VERSION ''\nBS_:\nBU_: A\nVERSION '2'\nBS_:\nBU_: B A\nBO_ 1 M: 8 A\n",
+       "VERSION ''\nBS_:\nBU_: A B\nBO_ 1 M: 8 A\n"},
+  };
+  for (const Case& each : cases) check(each);
+}
+
+TEST(Mends, Names) {
+  const Case cases[] = {
+      {kHead + " SG_ s-1 : 0|8@1+ (1,0) [0|1] '' B\n SG_ s_1 : 0|8@1+ (1,0) [0|1] '' B\n"
+               "CM_ SG_ 1 s-1 'x';\nVAL_ 1 s-1 0 'x' ;\nSIG_GROUP_ 1 g 1 : s s-1;\n",
+       kHead + " SG_ s_1_2 : 0|8@1+ (1,0) [0|1] '' B\n SG_ s_1 : 0|8@1+ (1,0) [0|1] '' B\n"
+               "CM_ SG_ 1 s_1_2 'x\nOriginal name: s-1';\nVAL_ 1 s_1_2 0 'x' ;\n"
+               "SIG_GROUP_ 1 g 1 : s s_1_2;\n"},
+      {kHead + " SG_ Gr\xF6\xDF"
+               "e m1 : 0|8@1+ (1,0) [0|1] '' INT\n",
+       kHead + " SG_ Groesse m1 : 0|8@1+ (1,0) [0|1] '' INT_\n"
+               "CM_ SG_ 1 Groesse 'Original name: Gr\xF6\xDF"
+               "e';\nCM_ BU_ INT_ 'Original name: INT';\n"},
+      {kHead + " SG_ a 2 big : 0|8@1+ (1,0) [0|1] '' B\nCM_ SG_ 1 a 2 big 'x';\n",
+       kHead + " SG_ a_2_big : 0|8@1+ (1,0) [0|1] '' B\nCM_ SG_ 1 a_2_big 'x';\n"
+               "CM_ SG_ 1 a_2_big 'Original name: a 2 big';\n"},
+      {kHead + "BO_ 2 2nd: 8 A\n", kHead + "BO_ 2 _2nd: 8 A\nCM_ BO_ 2 'Original name: 2nd';\n"},
+  };
+  for (const Case& each : cases) check(each);
+}
+
+TEST(Mends, ReferencesAndValues) {
+  const std::string tail = "CM_ 'x';\n";
+  const Case cases[] = {
+      {kHead + "CM_ BO_ 2 'y';\nCM_ SG_ 1 t 'y';\nVAL_ 1 t 1 'y' ;\n" + tail, kHead + tail,
+       "unknown-message unknown-signal unknown-signal"},
+      {kHead + "CM_ BU_ C 'y';\nCM_ EV_ v 'y';\n",
+       "BS_:\nBU_: A B C\n" + kHead.substr(kHead.find("BO_")) + "CM_ BU_ C 'y';\n"},
+      {kHead + "BO_ 2147483650 N: 8 A\nCM_ BO_ 2 'y';\n",
+       kHead + "BO_ 2147483650 N: 8 A\nCM_ BO_ 2147483650 'y';\n"},
+      {kHead + "BA_ 'i' BO_ 1 5;\nBA_ 'f' -1.5;\nBA_ 's' 'x';\nBA_DEF_DEF_ 'd' 1;\n",
+       kHead + "BA_DEF_ 'f' FLOAT -1.5 -1.5;\nBA_DEF_ 's' STRING;\nBA_DEF_ BO_ 'i' INT 5 5;\n"
+               "BA_ 'i' BO_ 1 5;\nBA_ 'f' -1.5;\nBA_ 's' 'x';\n"},
+      {kHead + "BA_DEF_ 'e' ENUM 'a';\nBA_DEF_ 'n' INT 0 1;\nBA_ 'e' 'b';\nBA_ 'n' '0x1';\nBA_ 'n' "
+               "'y';\n",
+       kHead + "BA_DEF_ 'e' ENUM 'a','b';\nBA_DEF_ 'n' INT 0 1;\nBA_ 'e' 'b';\nBA_ 'n' 1;\n"},
+      {kHead + " SG_ a M : 8|8@1+ (1,0) [0|1] '' B\n SG_ b x1 : 8|0@9+ (1,0) [0|1] '' B\n",
+       kHead + " SG_ a M : 8|8@1+ (1,0) [0|1] '' B\n SG_ b m1 : 8|1@1+ (1,0) [0|1] '' B\n"},
+      {kHead + " SG_ a m0M : 8|8@1+ (1,0) [0|1] '' B\n SG_ b m1M : 8|8@1+ (1,0) [0|1] '' B\n"
+               "SG_MUL_VAL_ 1 a b 1-1;\nSG_MUL_VAL_ 1 b a 1-1;\n",
+       kHead + " SG_ a m0M : 8|8@1+ (1,0) [0|1] '' B\n SG_ b m1M : 8|8@1+ (1,0) [0|1] '' B\n"
+               "SG_MUL_VAL_ 1 b a 1-1;\n",
+       "circle"},
+  };
+  for (const Case& each : cases) check(each);
+}
+
+TEST(Mends, Options) {
+  const std::string text = quoted(
+      "BS_:\nBU_: A None B\nBO_ 1 M: 8 None\n SG_ s : 0|8@1+ (1,0) [0|1] '' None,A,None\n"
+      "BO_TX_BU_ 1 : A,None;\nCM_ BU_ None 'x';\n");
+  const Mended mended = repair(Source("t.dbc", text), {{}, {"None"}});
+  EXPECT_EQ(mended.text, quoted("BS_:\nBU_: A B\nBO_ 1 M: 8 Ostrel__XXX\n"
+                                " SG_ s : 0|8@1+ (1,0) [0|1] '' A\nBO_TX_BU_ 1 : A;\n"));
+  EXPECT_EQ(repair(Source("t.dbc", "BU_: A\n"), {{"missing-bs"}, {}}).outcome,
+            Outcome::kUnmendable);
+}
+
+/// The places are those of the decoded text, through all rounds.
+TEST(Mends, PlacesInUtf16) {
+  std::string text = "\xFF\xFE";
+  for (const char c : std::string("BU_: A\nBO_ x\n?\nBO_ 1 : 8 A\n")) text += {c, '\0'};
+  const Mended mended = repair(Source("t.dbc", text), {});
+  EXPECT_EQ(mended.source.text(), "BU_: A\nBO_ x\n?\nBO_ 1 : 8 A\n");
+  ASSERT_EQ(mended.outcome, Outcome::kUnmendable);
+  EXPECT_EQ(mended.faults.list[0].span.begin, 11u);
+}
+
+TEST(Edits, MoveWithTheirPlaces) {
+  Edits edits;
+  edits.insert_behind(3, "<");
+  edits.insert_before(3, ">");
+  edits.replace(4, 6, "-");
+  edits.erase(5, 6);  // within what is replaced
+  const Part parts[] = {{3, 7}, {7, 7, "+"}, {0, 3}};
+  Composition composition = edits.apply("abcdefg", parts);
+  EXPECT_EQ(composition.text(), ">d-g+abc<");
+  const std::uint32_t origins[] = {3, 3, 4, 6, 7, 0, 1, 2, 3};
+  for (std::size_t i = 0; i < std::size(origins); ++i) EXPECT_EQ(composition.origin(i), origins[i]);
+}
+
+}  // namespace
