@@ -5,8 +5,8 @@
 #include <optional>
 #include <utility>
 
+#include "check/faults/diagnose.hpp"
 #include "check/faults/find_faults.hpp"
-#include "check/findings/sentences.hpp"
 #include "check/repair/decoding.hpp"
 #include "check/repair/form_mends.hpp"
 #include "check/repair/judge.hpp"
@@ -151,12 +151,14 @@ class Repair {
     return offset;
   }
 
+  Span origin(Span span) const {
+    const std::uint32_t begin = origin(span.begin);
+    return {begin, std::max(begin, origin(span.end))};
+  }
+
   void take(std::vector<Finding> findings) {
     for (Finding& finding : findings) {
-      if (!origins_.empty()) {
-        const std::uint32_t begin = origin(finding.span.begin);
-        finding.span = {begin, std::max(begin, origin(finding.span.end))};
-      }
+      finding.span = origin(finding.span);
       result_.mends.list.push_back(std::move(finding));
     }
     result_.mends.count = result_.mends.list.size();
@@ -177,29 +179,17 @@ class Repair {
   Mended left(const Document& document, const Verdict& verdict) {
     if (verdict.is_accepted) return mended(std::string(document.source.text()));
     result_.outcome = Outcome::kUnmendable;
-    const Names names(document);
-    for (const Fault& fault : find_faults(document, names))
-      if (!fault.is_accepted) add_fault(document, fault);
+    for (Finding& finding : diagnose(document, 0).list) {
+      if (finding.severity != Severity::kError) continue;
+      finding.span = origin(finding.span);
+      for (RelatedPlace& place : finding.related) place.span = origin(place.span);
+      result_.faults.list.push_back(std::move(finding));
+    }
     auto& list = result_.faults.list;
     if (list.empty())
       list.push_back({Severity::kError, name_of(FaultKind::kRefused), {}, verdict.message});
     result_.faults.count = list.size();
     return std::move(result_);
-  }
-
-  void add_fault(const Document& document, const Fault& fault) {
-    const bool is_at_end = fault.token == document.tokens.size();
-    const std::uint32_t end = document.source.size();
-    const Token place =
-        is_at_end ? Token{end, end, TokenKind::kMark} : document.tokens[fault.token];
-    const std::uint32_t begin = origin(place.begin);
-    Finding finding{
-        Severity::kError, name_of(fault.kind), {begin, std::max(begin, origin(place.end))}, ""};
-    finding.message = fault.expected.empty() ? std::string(name_of(fault.kind))
-                                             : "expected " + std::string(fault.expected);
-    if (fault.statement != Fault::kNoStatement)
-      finding.statement = describe(document, document.statements[fault.statement]);
-    result_.faults.list.push_back(std::move(finding));
   }
 
   const RepairOptions& options_;
