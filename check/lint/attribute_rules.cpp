@@ -172,9 +172,10 @@ class DoubledStatements {
   void check(const Statement& statement) {
     const std::uint32_t index = context_.index_of(statement);
     const auto head = head_of(context_.document, statement);
-    const std::uint32_t other = first_.enter(key_of(head), index, [&](std::uint32_t there) {
-      return is_same(head, head_of(context_.document, context_.document.statements[there]));
-    });
+    const std::uint32_t other = first_.enter(
+        static_cast<std::uint32_t>(key_of(head) >> 32), index, [&](std::uint32_t there) {
+          return is_same(head, head_of(context_.document, context_.document.statements[there]));
+        });
     if (other == index) return;
     const Span span = {head.front().begin, head.back().end};
     context_.report(kDoubled, index, span, [&](Finding& finding) {
@@ -200,7 +201,8 @@ class DoubledStatements {
 
   const LintContext& context_;
   SeededHash hash_;
-  HashTable<std::uint64_t, std::uint32_t, Statement::kNone> first_;
+  /// Half of a key is enough, and keeps the table small.
+  HashTable<std::uint32_t, std::uint32_t, Statement::kNone> first_;
 };
 
 // --- Cycle times ---

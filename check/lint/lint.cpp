@@ -32,10 +32,9 @@ const Rule* find_rule(std::string_view name) {
   return found == all_rules().end() ? nullptr : *found;
 }
 
-LintResult lint(const Document& document, const RecordsView& records, const LintSettings& settings,
-                std::uint64_t limit) {
+LintResult lint(const Document& document, const Names& names, const RecordsView& records,
+                const LintSettings& settings, std::uint64_t limit) {
   Reports reports(settings, limit);
-  const Names names(document);
   const Places places(document, names, records);
   const KnownAttributes attributes(records);
   const LintContext context{document, records, names, places, attributes, reports};

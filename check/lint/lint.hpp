@@ -11,6 +11,7 @@
 #include "check/lint/settings.hpp"
 #include "check/records/strict_reading.hpp"
 #include "check/statements/document.hpp"
+#include "check/statements/names.hpp"
 
 namespace zelk::check {
 
@@ -22,10 +23,11 @@ struct LintResult {
 /// Applies all rules that are on. Time is linear in the size of the text.
 ///
 /// @param document  a text that the strict reader accepts
+/// @param names     of the document
 /// @param records   what the strict reader made of it
 /// @param limit     findings in the list, at most: the first ones of the text; 0 for any
-LintResult lint(const Document& document, const RecordsView& records, const LintSettings& settings,
-                std::uint64_t limit);
+LintResult lint(const Document& document, const Names& names, const RecordsView& records,
+                const LintSettings& settings, std::uint64_t limit);
 
 }  // namespace zelk::check
 

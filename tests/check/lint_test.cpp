@@ -20,7 +20,9 @@ std::string found(const std::string& text, std::initializer_list<const char*> di
   for (const char* const rule : disabled) settings.set_on(*find_rule(rule), false);
   const Document document = read_document(Source("x.dbc", text));
   std::ostringstream all;
-  for (const Finding& finding : lint(document, reading.view(), settings, limit).findings.list)
+  const Names names(document);
+  for (const Finding& finding :
+       lint(document, names, reading.view(), settings, limit).findings.list)
     all << finding.rule << ' ' << document.source.position(finding.span.begin).line << ' ';
   return all.str();
 }

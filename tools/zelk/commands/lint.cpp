@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "check/faults/diagnose.hpp"
@@ -77,20 +78,37 @@ void set_rules(check::LintSettings& settings, const std::vector<std::string>& na
 
 // --- Files ---
 
+/// The statements of a file.
+struct Text {
+  explicit Text(check::Source source)
+      : document(check::read_document(std::move(source))), names(document) {}
+  Text(const Text&) = delete;
+  Text& operator=(const Text&) = delete;
+
+  check::Document document;
+  check::Names names;
+};
+
 /// A file, read both ways at once.
-struct LintedFile {
-  explicit LintedFile(const std::string& path, const std::string& bytes)
-      : document_(std::async(std::launch::async,
-                             [&] { return check::read_document(check::Source(path, bytes)); })),
+class LintedFile {
+ public:
+  LintedFile(const std::string& path, const std::string& bytes)
+      : reading_(std::async(std::launch::async,
+                            [&] { return std::make_unique<Text>(check::Source(path, bytes)); })),
         records(bytes),
-        document(document_.get()) {}
+        text_(reading_.get()) {}
+
+  const check::Document& document() const { return text_->document; }
+  const check::Names& names() const { return text_->names; }
 
  private:
-  std::future<check::Document> document_;
+  std::future<std::unique_ptr<Text>> reading_;
 
  public:
-  check::StrictReading records;
-  check::Document document;
+  const check::StrictReading records;
+
+ private:
+  std::unique_ptr<Text> text_;
 };
 
 /// @throws RequestError when it cannot be read, or is none of the library's own format
@@ -134,12 +152,12 @@ class Linter {
     const LintedFile file(path, bytes);
     const std::uint64_t limit = arguments_.findings.max_errors;
     if (!file.records.is_accepted()) {
-      show(file.document.source, check::diagnose(file.document, limit));
+      show(file.document().source, check::diagnose(file.document(), limit));
       return kExitFailure;
     }
-    const check::LintResult result =
-        check::lint(file.document, file.records.view(), configuration.settings, limit);
-    show(file.document.source, result.findings);
+    const check::LintResult result = check::lint(file.document(), file.names(), file.records.view(),
+                                                 configuration.settings, limit);
+    show(file.document().source, result.findings);
     if (arguments_.findings.form() == FindingsForm::kText) print_summary(path, result);
     FindingsOptions options = arguments_.findings;
     if (!arguments_.has_fail_on) options.fail_on = configuration.fail_on.value_or(options.fail_on);
