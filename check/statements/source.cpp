@@ -9,6 +9,8 @@ namespace zelk::check {
 
 namespace {
 
+constexpr std::uint32_t kMarkBytes = 4096;
+
 /// Bytes of well-formed UTF-8 that begin characters: all of them, or those of two units in UTF-16.
 std::uint32_t count_leads(std::string_view text, unsigned from) {
   const auto leads = [from](char c) {
@@ -66,27 +68,49 @@ std::uint32_t Source::next_line(std::uint32_t offset) const {
   return next < starts().size() ? starts_[next] : size();
 }
 
-const Source::Front& Source::front_of(std::uint32_t own) const {
+void Source::extend(Front& front, std::uint32_t end) const {
+  const std::string_view further = text(front.end, end);
+  front.end = end;
+  if (front.is_utf8) front.is_utf8 = is_utf8(further);
+  if (!front.is_utf8) return;
+  front.characters += count_leads(further, 0);
+  front.long_characters += count_leads(further, 0xF0);
+}
+
+const std::vector<Source::Front>& Source::marks_of(std::uint32_t line) const {
+  const auto [entry, is_new] = marks_.try_emplace(line);
+  const std::uint32_t begin = starts_[line];
+  const std::uint32_t end = line + 1 < starts_.size() ? starts_[line + 1] : size();
+  Front front{line, begin, begin};
+  for (std::uint32_t at = begin; is_new && end - at >= kMarkBytes;) {
+    at += kMarkBytes;
+    std::uint32_t whole = at;  // not within a character
+    while (at - whole < 3 && whole < size() && (text_[whole] & 0xC0) == 0x80) --whole;
+    extend(front, whole);
+    entry->second.push_back(front);
+  }
+  return entry->second;
+}
+
+Source::Front Source::front_of(std::uint32_t own) const {
   const auto line = static_cast<std::uint32_t>(index_of(own));
-  if (front_.line != line || front_.end > own) front_ = {line, starts_[line], starts_[line]};
-  const std::string_view further = text(front_.end, own);
-  front_.end = own;
-  if (front_.is_utf8) front_.is_utf8 = is_utf8(further);
-  if (!front_.is_utf8) return front_;
-  front_.characters += count_leads(further, 0);
-  front_.long_characters += count_leads(further, 0xF0);
-  return front_;
+  const std::uint32_t begin = starts_[line];
+  Front front{line, begin, begin};
+  const std::uint32_t marks = (own - begin) / kMarkBytes;
+  if (marks != 0) front = marks_of(line)[marks - 1];
+  extend(front, own);
+  return front;
 }
 
 Position Source::position(std::uint32_t offset) const {
   const auto [file, own] = own_place(offset);
-  const Front& front = file.front_of(own);
+  const Front front = file.front_of(own);
   return {front.line + 1, front.columns() + 1};
 }
 
 std::uint32_t Source::utf16_column(std::uint32_t offset) const {
   const auto [file, own] = own_place(offset);
-  const Front& front = file.front_of(own);
+  const Front front = file.front_of(own);
   return front.columns() + (front.is_utf8 ? front.long_characters : 0) + 1;
 }
 

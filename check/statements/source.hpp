@@ -9,6 +9,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace zelk::check {
@@ -96,7 +97,9 @@ class Source {
   };
 
   OwnPlace own_place(std::uint32_t offset) const;
-  const Front& front_of(std::uint32_t own_offset) const;
+  Front front_of(std::uint32_t own_offset) const;
+  void extend(Front& front, std::uint32_t end) const;
+  const std::vector<Front>& marks_of(std::uint32_t line) const;
   const std::vector<std::uint32_t>& starts() const;
   std::size_t index_of(std::uint32_t offset) const;
 
@@ -105,7 +108,8 @@ class Source {
   std::vector<Source> files_;  ///< empty for a single file
   std::vector<Piece> pieces_;  ///< likewise; the first begins at 0, and none is empty
   mutable std::vector<std::uint32_t> starts_;  ///< of all lines; empty before the first question
-  mutable Front front_;  ///< the last answer, from which the next one goes on in a long line
+  /// What stands in front of each 4096 bytes of a long line that was asked for.
+  mutable std::unordered_map<std::uint32_t, std::vector<Front>> marks_;
 };
 
 }  // namespace zelk::check

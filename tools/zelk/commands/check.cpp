@@ -9,6 +9,7 @@
 #include "findings/options.hpp"
 #include "input/diagnosis.hpp"
 #include "input/opening.hpp"
+#include "term/system.hpp"
 #include "term/text.hpp"
 
 namespace zelk::tool {
@@ -71,7 +72,9 @@ class Check {
     const ZelkDatabase* const database = file.open(path);
     const OpenedDatabase& opened = file.opened();
     const bool is_own = format_of_file(path).value_or(Format{}).is_own();
-    if (!database && opened.error != ZelkErrorNoDatabase) return report_unopened(opened, path);
+    const bool is_folder = file_type(path) == std::filesystem::file_type::directory;
+    if (!database && (is_folder || opened.error != ZelkErrorNoDatabase))
+      return report_unopened(opened, path);
     std::optional<Diagnosis> diagnosis;
     if (is_own) diagnosis = diagnose(opened, path, arguments_.findings.max_errors);
     if (database && is_text()) print_counts(*database, path);
@@ -102,13 +105,9 @@ class Check {
 
   /// What the library or a module says.
   void print_lines(const OpenedDatabase& opened, const std::string& path) {
-    const Output::Indent indent(out_);
     for (const std::string& line : opened.reports) {
-      if (opened.database) {
-        out_.line("warning: {}", line);
-      } else {
-        out_.line("{}", behind_path(path, line));
-      }
+      const bool is_read = opened.database != nullptr;
+      out_.line("{}", is_read ? "  warning: " + line : behind_path(path, line));
     }
   }
 
