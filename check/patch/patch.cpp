@@ -52,7 +52,11 @@ class StatementPatch {
       const auto found = std::ranges::find(statements, Word::kNodes, &Statement::kind);
       return static_cast<std::uint32_t>(found - statements.begin());
     };
-    merge_.change(list_in(original_text_), kNone, list_in(after_text_));
+    const std::uint32_t original = list_in(original_text_);
+    const std::uint32_t after = list_in(after_text_);
+    const bool are_there =
+        original < original_text_.statements.size() && after < after_text_.statements.size();
+    if (are_there) merge_.change(original, kNone, after);
   }
 
   // --- Statements that change or go ---

@@ -16,9 +16,10 @@ namespace zelk::tool {
 /// Changes objects in memory; nothing is written.
 ///
 /// Each edit takes the words behind its option, in UTF-8, and returns a line about what it did. All
-/// throw RequestError, with nothing changed, when there is no such object or attribute, when a file
-/// could not hold the name, when it is another object's, when the value does not suit the
-/// attribute, and for characters that the database's encoding does not have.
+/// throw RequestError when there is no such object or attribute, when a file could not hold the
+/// name, when it is another object's, when the value does not suit the attribute or property, and
+/// for characters that the database's encoding does not have. The database is not to be written
+/// then.
 class DatabaseEditor {
  public:
   using Words = std::span<std::string>;
