@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <set>
 #include <unordered_set>
 #include <utility>
 
@@ -39,19 +38,33 @@ std::string_view content_of(const Document& document, const Statement& statement
                   : document.source.text(std::next(colon)->begin, tokens.back().end);
 }
 
-/// The names of a section that the first one lacks, each with a blank in front.
-std::string further_names(const Mender& mender, const Statement& first, const Statement& other) {
-  const Document& document = mender.document;
-  std::set<std::string_view> there;
-  for (const Token& token : document.tokens_of(first)) there.insert(document.text_of(token));
+/// Names that the first section needs no more of.
+using NameSet = std::unordered_set<std::string_view>;
+
+/// Those that it has, and of "NS_" those that other statements use: announced, they would be
+/// skipped there, with all up to the next semicolon.
+NameSet unneeded_names(const Document& document, const Statement& first) {
+  NameSet names;
+  for (const Token& token : document.tokens_of(first)) names.insert(document.text_of(token));
+  if (first.kind != Word::kNewSymbols) return names;
+  for (const Statement& each : document.statements) {
+    if (each.kind == Word::kNone || each.kind == Word::kNewSymbols) continue;
+    for (const Token& token : document.tokens_of(each))
+      if (token.kind == TokenKind::kName) names.insert(document.text_of(token));
+  }
+  return names;
+}
+
+/// The names of a section that the first one needs, each with a blank in front.
+std::string further_names(const Document& document, const Statement& other, NameSet& unneeded) {
   std::string text;
   for (const Token& token : document.tokens_of(other))
-    if (token.kind == TokenKind::kName && there.insert(document.text_of(token)).second)
+    if (token.kind == TokenKind::kName && unneeded.insert(document.text_of(token)).second)
       text.append(" ").append(document.text_of(token));
   return text;
 }
 
-void merge_section(Mender& mender, std::uint32_t first, std::uint32_t other) {
+void merge_section(Mender& mender, std::uint32_t first, std::uint32_t other, NameSet& unneeded) {
   const Statement& kept = mender.statement(first);
   const Statement& there = mender.statement(other);
   const bool can_merge = kept.is_readable && there.is_readable && kept.kind != Word::kVersion;
@@ -59,14 +72,22 @@ void merge_section(Mender& mender, std::uint32_t first, std::uint32_t other) {
   if (!can_merge) return mender.drop(FaultKind::kDoubledSection, other, "the file has one already");
   const std::string_view content = content_of(mender.document, there);
   const bool is_timing = kept.kind == Word::kBitTiming;
-  std::string added = is_timing ? "" : further_names(mender, kept, there);
+  std::string added = is_timing ? "" : further_names(mender.document, there, unneeded);
   if (is_timing && content != content_of(mender.document, kept) && !content.empty())
     added = " " + std::string(content);
   mender.note(FaultKind::kDoubledSection, other, there.first, there.end,
-              added.empty() ? "second " + name + " dropped, the first has all of it"
+              added.empty() ? "second " + name + " dropped, the first needs nothing of it"
                             : "second " + name + " merged into the first:" + added);
   if (!added.empty()) mender.insert_behind_token(kept.end - 1, std::move(added));
   mender.erase(other);
+}
+
+void merge_sections(Mender& mender, Word kind) {
+  const std::vector<std::uint32_t> found = statements_of(mender, kind);
+  if (found.size() < 2) return;
+  NameSet unneeded = unneeded_names(mender.document, mender.statement(found[0]));
+  for (const std::uint32_t other : std::span(found).subspan(1))
+    merge_section(mender, found[0], other, unneeded);
 }
 
 /// In front of the first statement that stands behind the place.
@@ -312,11 +333,9 @@ class Order {
 }  // namespace
 
 void mend_sections(Mender& mender, std::span<const std::string_view> nodes) {
-  for (const Word kind : {Word::kVersion, Word::kNewSymbols, Word::kBitTiming, Word::kNodes}) {
-    const std::vector<std::uint32_t> found = statements_of(mender, kind);
-    if (!mender.is_on(FaultKind::kDoubledSection)) break;
-    for (std::size_t i = 1; i < found.size(); ++i) merge_section(mender, found[0], found[i]);
-  }
+  if (mender.is_on(FaultKind::kDoubledSection))
+    for (const Word kind : {Word::kVersion, Word::kNewSymbols, Word::kBitTiming, Word::kNodes})
+      merge_sections(mender, kind);
   if (statements_of(mender, Word::kBitTiming).empty())
     add_section(mender, FaultKind::kMissingBitTiming, Word::kBitTiming, "");
   const std::vector<std::uint32_t> lists = statements_of(mender, Word::kNodes);

@@ -78,7 +78,9 @@ void mend_number(Mender& mender, const Fault& fault) {
   const Token& token = mender.token(fault.token);
   const bool is_number = token.kind == TokenKind::kWhole || token.kind == TokenKind::kReal ||
                          token.kind == TokenKind::kOddNumber || token.kind == TokenKind::kName;
-  const bool is_value = is_number && token.role != Role::kNone;
+  // Where a name is too long, it is a name that stands there.
+  const bool is_name = token.kind == TokenKind::kName && fault.kind == FaultKind::kTooLong;
+  const bool is_value = is_number && !is_name && token.role != Role::kNone;
   // An identifier beyond 32 bits names no message, and no other number can stand for it.
   const std::string_view text = mender.text_of(fault.token);
   const bool is_identifier = token.role == Role::kMessageId || token.role == Role::kMessageRef;

@@ -232,6 +232,8 @@ void recover(Mender& mender, const Fault& fault) {
   mender.has_new_statements = true;
   const bool is_object = statement.kind == Word::kMessage || statement.kind == Word::kSignal;
   const bool is_cut = fault.token == document.tokens.size();
+  const bool is_bare = statement.kind == Word::kSignal && statement.end == statement.first + 1;
+  if (is_bare) return mender.drop(fault.kind, fault.statement, "nothing follows it");
   if (is_object && is_cut)
     return mender.drop(fault.kind, fault.statement, "the text ends before it is complete");
   if (is_object) return;

@@ -90,6 +90,7 @@ struct Renamed {
   const Fault* fault;  ///< at its name
   std::uint32_t references = 0;
   std::uint32_t comment = kNone;  ///< statement
+  bool is_told = false;           ///< a rewritten comment has the old name
 };
 
 class Renames {
@@ -241,8 +242,10 @@ class Renames {
     const std::uint32_t owner = owner_of(NameKind::kSignal, index);
     std::string text;
     std::uint32_t at = document.begin_of(statement);
+    Renamed* last = nullptr;
     for (const Token& token : document.tokens_of(statement)) {
-      if (token.kind != TokenKind::kName || token.begin < at) continue;
+      const bool may_begin = token.kind != TokenKind::kText && token.kind != TokenKind::kMark;
+      if (!may_begin || token.begin < at) continue;
       const auto found =
           by_first_word.find(key_of(NameKind::kSignal, owner, document.text_of(token)));
       if (found == by_first_word.end()) continue;
@@ -252,19 +255,40 @@ class Renames {
       text += named->new_name;
       at = token.begin + static_cast<std::uint32_t>(named->old_name.size());
       ++named->references;
+      last = named;
     }
-    if (text.empty()) return;
+    if (!last) return;
     text += document.source.text(at, std::max(at, document.end_of(statement)));
+    if (statement.kind == Word::kComment) keep_old_name(text, *last);
     mender_.rewrite(index, std::move(text));
+  }
+
+  /// At the end of a comment that is rewritten.
+  void keep_old_name(std::string& comment, Renamed& each) const {
+    const std::size_t quote = comment.rfind('"');
+    if (quote == std::string::npos || comment.find('"') == quote) return;
+    const bool is_empty = comment[quote - 1] == '"';
+    comment.insert(quote, old_name_line(each, is_empty));
+    each.is_told = true;
+  }
+
+  /// @param is_first  nothing stands in front of it in the comment
+  std::string old_name_line(const Renamed& each, bool is_first) const {
+    return std::string(is_first ? "" : line_end_of(mender_.document.source.text())) +
+           "Original name: " + escaped(each.old_name);
   }
 
   Renamed* longest_at(std::uint32_t offset, const std::vector<std::size_t>& candidates) {
     const std::string_view rest = mender_.document.source.text().substr(offset);
+    const auto is_at = [rest](const std::string& name) {
+      const bool is_there = rest.starts_with(name);
+      return is_there && (rest.size() == name.size() || !is_name_character(rest[name.size()]));
+    };
     Renamed* longest = nullptr;
     for (const std::size_t index : candidates) {
       Renamed& each = renamed_[index];
       const bool is_longer = !longest || each.old_name.size() > longest->old_name.size();
-      if (is_longer && rest.starts_with(each.old_name)) longest = &each;
+      if (is_longer && is_at(each.old_name)) longest = &each;
     }
     return longest;
   }
@@ -303,6 +327,7 @@ class Renames {
     std::string message = shown(each.old_name) + " renamed to " + each.new_name;
     if (each.references != 0) message += ", and in " + counted(each.references, "reference");
     mender_.note(fault.kind, fault.statement, fault.token, fault.token + 1, std::move(message));
+    if (each.is_told) return;
     if (each.comment != kNone) {
       append_to_comment(each);
     } else if (const std::string object = object_of(each); !object.empty()) {
@@ -316,9 +341,7 @@ class Renames {
         mender_.document.find(mender_.statement(each.comment), Role::kComment);
     if (!text) return;
     const bool is_empty = mender_.document.content_of(*text).empty();
-    const std::string added =
-        std::string(is_empty ? "" : line_end_of(mender_.document.source.text())) +
-        "Original name: " + escaped(each.old_name);
+    const std::string added = old_name_line(each, is_empty);
     if (text->kind == TokenKind::kText) {
       mender_.edits.insert_before(text->end - 1, added);
     } else {

@@ -29,11 +29,11 @@ bool is_indicator(std::string_view text) {
 /// Whether, within a line, a keyword and the token behind it can only be a statement.
 bool begins_like_statement(Word word, const Token* next) {
   if (!next) return false;
+  if (word == Word::kNodes || word == Word::kBitTiming || word == Word::kNewSymbols)
+    return next->is_mark(':');
+  if (word == Word::kSignal) return next->kind == TokenKind::kName;
   if (is_number_kind(next->kind) || next->kind == TokenKind::kText) return true;
-  if (next->is_mark(':'))
-    return word == Word::kNodes || word == Word::kBitTiming || word == Word::kNewSymbols;
-  return next->kind == TokenKind::kName &&
-         (word == Word::kSignal || word == Word::kVariable || word == Word::kValueTable);
+  return next->kind == TokenKind::kName && (word == Word::kVariable || word == Word::kValueTable);
 }
 
 /// Bytes outside ASCII and a name: the reader takes the former for blanks.
@@ -221,8 +221,11 @@ void TokenReader::name(Role role, std::string_view expected) {
 void TokenReader::new_name(Role role, std::string_view expected) {
   if (!is_readable_) return;
   if (is_exact_) return name(role, expected);
-  const bool is_number = at_number() && peek(1) && peek(1)->is_mark(':');
-  if (!at_name() && !is_number) return unreadable(expected);
+  const Token* const next = peek(1);
+  const bool is_number = at_number() && next && next->is_mark(':');
+  const bool has_word =
+      at_number() && next && next->kind == TokenKind::kName && is_on_line_of_previous(at_ + 1);
+  if (!at_name() && !is_number && !has_word) return unreadable(expected);
   // The words in front of the colon are one name, but for an indicator at their end.
   std::uint32_t last = at_;
   const auto goes_on = [&](std::uint32_t token) {
@@ -234,7 +237,8 @@ void TokenReader::new_name(Role role, std::string_view expected) {
   if (ends_at_colon && role == Role::kSignal && last > at_ && !touches_next(last - 1) &&
       tokens_[last].kind == TokenKind::kName && is_indicator(document_.text_of(tokens_[last])))
     --last;
-  if (!ends_at_colon || (last == at_ && !is_number)) return take_name(role, expected);
+  if (!ends_at_colon && !at_name()) return unreadable(expected);
+  if (!ends_at_colon || (last == at_ && !at_number())) return take_name(role, expected);
   const std::uint32_t first = at_;
   merge(last, TokenKind::kOddName);
   tokens_[first].role = role;

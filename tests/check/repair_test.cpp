@@ -92,6 +92,9 @@ TEST(Mends, OrderAndSections) {
        "BS_:\r\nBU_: A\r\nBO_ 1 M: 8 A\r\nCM_ 'x';\r\n"},
       {"VERSION ''\nBS_:\nBU_: A\nVERSION '2'\nBS_:\nBU_: B A\nBO_ 1 M: 8 A\n",
        "VERSION ''\nBS_:\nBU_: A B\nBO_ 1 M: 8 A\n"},
+      // "A" announced would hide the message behind the one that it sends.
+      {"NS_ :\n\tCM_\nBS_:\nBU_: A\nNS_ : BA_ A F_\nBO_ 1 M: 8 A\nBO_ 2 N: 8 A\nCM_ 'x';\n",
+       "NS_ :\n\tCM_ F_\nBS_:\nBU_: A\nBO_ 1 M: 8 A\nBO_ 2 N: 8 A\nCM_ 'x';\n"},
   };
   for (const Case& each : cases) check(each);
 }
@@ -109,8 +112,14 @@ TEST(Mends, Names) {
                "CM_ SG_ 1 Groesse 'Original name: Gr\xF6\xDF"
                "e';\nCM_ BU_ INT_ 'Original name: INT';\n"},
       {kHead + " SG_ a 2 big : 0|8@1+ (1,0) [0|1] '' B\nCM_ SG_ 1 a 2 big 'x';\n",
-       kHead + " SG_ a_2_big : 0|8@1+ (1,0) [0|1] '' B\nCM_ SG_ 1 a_2_big 'x';\n"
-               "CM_ SG_ 1 a_2_big 'Original name: a 2 big';\n"},
+       kHead + " SG_ a_2_big : 0|8@1+ (1,0) [0|1] '' B\nCM_ SG_ 1 a_2_big 'x\n"
+               "Original name: a 2 big';\n"},
+      {kHead + " SG_ \n SG_ 2 fast : 0|8@1+ (1,0) [0|1] '' B\n SG_ SG_ : 0|8@1+ (1,0) [0|1] '' B\n"
+               "CM_ SG_ 1 SG_ 'x';\nVAL_ 1 2 fast 0 'x' ;\n",
+       kHead +
+           " SG_ _2_fast : 0|8@1+ (1,0) [0|1] '' B\n SG_ SG__ : 0|8@1+ (1,0) [0|1] '' B\n"
+           "CM_ SG_ 1 SG__ 'x\nOriginal name: SG_';\nCM_ SG_ 1 _2_fast 'Original name: 2 fast';\n"
+           "VAL_ 1 _2_fast 0 'x' ;\n"},
       {kHead + "BO_ 2 2nd: 8 A\n", kHead + "BO_ 2 _2nd: 8 A\nCM_ BO_ 2 'Original name: 2nd';\n"},
   };
   for (const Case& each : cases) check(each);
