@@ -102,9 +102,10 @@ class AttributeFaults {
     if (definition.type != Word::kEnum) return is_right(definition, value);
     definitions_.read_items(definition);
     const bool is_whole = value.number == std::floor(value.number);
-    if (!value.is_text)
+    if (!value.is_text) {
       return is_whole && value.number >= 0 &&
              value.number < static_cast<double>(definition.item_count);
+    }
     const std::string item = item_value(value.text);
     return item.empty() || definition.items.contains(item);
   }

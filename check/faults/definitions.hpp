@@ -64,7 +64,7 @@ class Definitions {
     std::size_t next_default = 0;  ///< those in front have defaults
   };
 
-  void enter(std::uint32_t statement);
+  void enter(std::uint32_t index);
   void move_to_signal_types(std::string_view name);
   Group* group(Word object, std::string_view name);
   Definition* first(Word object, std::string_view name);

@@ -188,9 +188,10 @@ std::string FaultWords::message_of_characters(const Fault& fault) const {
 
 std::string FaultWords::message_of_reference(const Fault& fault) const {
   const std::string_view name = document_.content_of(token(fault));
-  if (fault.kind == FaultKind::kUnknownSignal)
+  if (fault.kind == FaultKind::kUnknownSignal) {
     return describe(document_, document_.statements[fault.related]) + " has no signal " +
            std::string(name);
+  }
   if (fault.kind == FaultKind::kUnknownLink)
     return "the relation is to node " + std::string(name) + ", which is not linked to the object";
   return std::string(kind_of_object(fault.kind)) +

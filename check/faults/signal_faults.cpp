@@ -178,9 +178,10 @@ class SignalFaults {
 
   /// The only multiplexor that indicators name selects all signals with a value.
   void give(std::uint32_t multiplexor) {
-    for (const std::uint32_t signal : signals_)
+    for (const std::uint32_t signal : signals_) {
       if ((flags_[signal] & kMultiplexed) != 0 && multiplexor_of_[signal] == kNone)
         multiplexor_of_[signal] = multiplexor;
+    }
   }
 
   /// A signal with a value and nothing that selects it; one for a message.

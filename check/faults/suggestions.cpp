@@ -115,9 +115,10 @@ std::string Suggestions::nearest(std::string_view typed,
 const std::vector<std::string_view>& Suggestions::names_with(Role role) {
   const auto [entry, is_new] = by_role_.try_emplace(static_cast<int>(role));
   if (!is_new) return entry->second;
-  for (const Token& token : document_.tokens)
+  for (const Token& token : document_.tokens) {
     if (token.role == role && token.kind != TokenKind::kMark)
       entry->second.push_back(document_.content_of(token));
+  }
   return entry->second;
 }
 

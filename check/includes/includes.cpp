@@ -148,15 +148,17 @@ class Includer {
   std::optional<std::string> read(const std::filesystem::path& path) const {
     const std::size_t room = Source::kLongest - size_;
     std::optional<std::string> bytes = bytes_of(path, room);
-    if (bytes) *bytes = converted(*std::move(bytes));
-    return bytes && bytes->size() < room ? bytes : std::nullopt;
+    if (!bytes) return std::nullopt;
+    std::string text = converted(std::move(*bytes));
+    return text.size() < room ? std::optional(std::move(text)) : std::nullopt;
   }
 
   /// The file is known.
   void drop_again(Visit& visit, const Comment& comment, std::uint32_t file) {
-    if (std::ranges::find(visits_, file, &Visit::file) == visits_.end())
+    if (std::ranges::find(visits_, file, &Visit::file) == visits_.end()) {
       return drop(visit, comment, Severity::kNote,
                   in_quotes(comment.name) + " is included already");
+    }
     drop(visit, comment, Severity::kWarning, in_quotes(comment.name) + " includes itself this way");
   }
 
@@ -221,13 +223,14 @@ Included include_files(Source source, const std::string& folder) {
 Findings find_includes(const Source& source) {
   Findings findings;
   if (!may_name_files(source)) return findings;
-  for (const Comment& comment : comments_of(read_document(source)))
+  for (const Comment& comment : comments_of(read_document(source))) {
     findings.add(
         {.severity = Severity::kNote,
          .rule = kIncludeRule,
          .span = comment.span,
          .message = "the comment names a file to include: " + in_quotes(comment.name),
          .cause = "its statements are missing here; --include DIR takes them from a folder"});
+  }
   return findings;
 }
 

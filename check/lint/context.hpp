@@ -33,7 +33,7 @@ struct LintContext {
   }
   Span span_of(const Token& token) const { return {token.begin, token.end}; }
   /// The first token of the role, or else the keyword; the beginning of the text for no statement.
-  Span span_of(std::uint32_t statement, Role role) const;
+  Span span_of(std::uint32_t index, Role role) const;
 
   Span span_of_node(const PlacedNode& node) const {
     return node.token == Statement::kNone ? Span{} : span_of(document.tokens[node.token]);

@@ -70,9 +70,10 @@ void check_range(const LintContext& context, const PlacedMessage& message) {
   context.report(kRange, message.statement, Role::kMessageId, [&](Finding& finding) {
     finding.message =
         join("the identifier ", hexadecimal(id), " has more than ", is_29_bits ? 29 : 11, " bits");
-    if (!is_29_bits && number <= kLargestExtendedId)
+    if (!is_29_bits && number <= kLargestExtendedId) {
       finding.cause =
           join("an identifier of 29 bits is written with bit 31: ", number | ZELK_ID_EXTENDED);
+    }
   });
 }
 

@@ -123,12 +123,13 @@ void check_message(const LintContext& context, const PlacedMessage& message) {
                        context.attributes.is_j1939(record);
   if (!applies) return;
   const bool is_29_bits = (record.id & ZELK_ID_EXTENDED) != 0;
-  if (!is_29_bits || (record.id & kExtendedDataPage) != 0)
+  if (!is_29_bits || (record.id & kExtendedDataPage) != 0) {
     return context.report(kIdentifier, message.statement, Role::kMessageId, [&](Finding& finding) {
       finding.message = is_29_bits
                             ? "the extended data page (bit 25) is set, which J1939 does not use"
                             : "a J1939 message has an identifier of 29 bits, not of 11";
     });
+  }
   check_priority(context, message);
   check_address(context, message);
 }
@@ -161,12 +162,12 @@ void check_stations(const LintContext& context) {
     if (!context.attributes.station.is_set(values)) continue;
     const auto address = context.attributes.station.number(values);
     if (!address || *address >= j1939::kAnyAddress) continue;
-    const auto [other, is_new] = first.emplace(*address, &node);
-    if (is_new) continue;
+    const PlacedNode* const other = first.emplace(*address, &node).first->second;
+    if (other == &node) continue;
     const Span span = context.span_of_node(node);
     context.report(kDoubledAddress, Statement::kNone, span, [&](Finding& finding) {
       finding.message = join("node ", view(node.record->name), " has the address ", *address,
-                             ", as ", view(other->second->record->name), " has");
+                             ", as ", view(other->record->name), " has");
     });
   }
 }

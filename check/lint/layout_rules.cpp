@@ -78,14 +78,16 @@ void check_float(const LintContext& context, const PlacedSignal& signal) {
 void check_signal(const LintContext& context, const msgblk& message, const PlacedSignal& signal) {
   check_outside(context, message, signal);
   check_float(context, signal);
-  if (signal.record->length > kLongestValue)
+  if (signal.record->length > kLongestValue) {
     context.report(kTooLong, signal.statement, Role::kLength, [&](Finding& finding) {
       finding.message = join("the signal has ", signal.record->length, " bits, more than 64");
     });
-  if (signal.record->length == 1 && is_signed(*signal.record))
+  }
+  if (signal.record->length == 1 && is_signed(*signal.record)) {
     context.report(kSignedBit, signal.statement, Role::kSign, [](Finding& finding) {
       finding.message = "a signed signal of one bit has the values 0 and -1";
     });
+  }
 }
 
 void check_message(const LintContext& context, const PlacedMessage& message) {

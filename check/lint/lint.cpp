@@ -43,9 +43,10 @@ LintResult lint(const Document& document, const Names& names, const RecordsView&
     return std::ranges::any_of(group->rules,
                                [&](const Rule* rule) { return reports.is_on(*rule); });
   });
-  for (const PlacedMessage& message : places.messages())
+  for (const PlacedMessage& message : places.messages()) {
     for (const RuleGroup* const group : wanted)
       if (group->check_message) group->check_message(context, message);
+  }
   for (const RuleGroup* const group : wanted)
     if (group->check_database) group->check_database(context);
   return reports.take();

@@ -133,10 +133,11 @@ void merge(Ranges& ranges) {
 }
 
 void check_use(const LintContext& context, const PlacedSignal& multiplexor, const Ranges& used) {
-  if (used.empty())
+  if (used.empty()) {
     return context.report(kUnused, multiplexor.statement, Role::kIndicator, [](Finding& finding) {
       finding.message = "the multiplexor selects no signal";
     });
+  }
   constexpr int kMostShown = 5;
   int count = 0;
   std::string values;

@@ -1,7 +1,6 @@
 // Names of objects: doubled, too long, or hard to tell apart.
 
 #include <algorithm>
-#include <ranges>
 #include <set>
 #include <string>
 #include <string_view>
@@ -199,16 +198,18 @@ void check_messages_and_variables(const LintContext& context) {
 
 /// The list of nodes as it stands in the text: the reader takes a doubled name once.
 void check_nodes(const LintContext& context) {
-  const auto is_list = [](const Statement& s) { return s.kind == Word::kNodes; };
   std::size_t count = context.places.unlisted_nodes().size();
-  for (const Statement& statement : context.statements() | std::views::filter(is_list))
-    count += context.document.tokens_of(statement).size();
+  for (const Statement& statement : context.statements())
+    if (statement.kind == Word::kNodes) count += context.document.tokens_of(statement).size();
   NameCheck nodes(context, "node", kDoubled, count);
-  for (const Statement& statement : context.statements() | std::views::filter(is_list))
-    for (const Token& token : context.document.tokens_of(statement))
-      if (token.role == Role::kNode)
-        nodes.enter(context.document.text_of(token), context.index_of(statement),
-                    static_cast<std::uint32_t>(&token - context.document.tokens.data()));
+  for (const Statement& statement : context.statements()) {
+    if (statement.kind != Word::kNodes) continue;
+    for (const Token& token : context.document.tokens_of(statement)) {
+      if (token.role != Role::kNode) continue;
+      nodes.enter(context.document.text_of(token), context.index_of(statement),
+                  static_cast<std::uint32_t>(&token - context.document.tokens.data()));
+    }
+  }
   for (const PlacedNode& node : context.places.unlisted_nodes())
     nodes.enter(view(node.record->name), Statement::kNone, node.token);
 }
@@ -218,9 +219,10 @@ void check_statements(const LintContext& context, std::string_view kind, Role ro
                       const auto& is_one) {
   const auto count = std::ranges::count_if(context.statements(), is_one);
   NameCheck names(context, kind, kDoubled, static_cast<std::size_t>(count));
-  for (const Statement& statement : context.statements())
+  for (const Statement& statement : context.statements()) {
     if (is_one(statement))
       names.enter(context.document.text_of(statement, role), context.index_of(statement), role);
+  }
 }
 
 /// An attribute for signal types is defined like one for signals, which may bear the same name.
@@ -237,11 +239,12 @@ void check_definitions(const LintContext& context) {
     if (statement.kind == Word::kDefinition || statement.kind == Word::kRelationDefinition)
       kinds.insert(kind_of(statement));
   }
-  for (const auto& kind : kinds)
+  for (const auto& kind : kinds) {
     check_statements(context, "attribute definition", Role::kAttribute, [&](const Statement& s) {
       return s.is_readable && s.kind == kind.first && kind_of(s) == kind &&
              !of_types.contains(context.document.text_of(s, Role::kAttribute));
     });
+  }
 }
 
 void check_database(const LintContext& context) {

@@ -69,10 +69,12 @@ bool is_without_sender(const msgblk& message) { return !message.transmitter && !
 
 /// The name of a receiver on the line of a signal; else the signal's.
 Span span_of_receiver(const LintContext& context, std::uint32_t statement, std::string_view name) {
-  if (statement != Statement::kNone)
-    for (const Token& token : context.document.tokens_of(context.document.statements[statement]))
+  if (statement != Statement::kNone) {
+    for (const Token& token : context.document.tokens_of(context.document.statements[statement])) {
       if (token.role == Role::kReceiver && context.document.text_of(token) == name)
         return context.span_of(token);
+    }
+  }
   return context.span_of(statement, Role::kSignal);
 }
 

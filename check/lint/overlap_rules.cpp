@@ -60,11 +60,12 @@ std::uint32_t words_of(const msgblk& message) {
 bool shares_bits(std::span<const PlacedSignal> signals, std::uint32_t words) {
   std::vector<std::uint64_t> held(words);
   std::uint64_t shared = 0;
-  for (const PlacedSignal& signal : signals)
+  for (const PlacedSignal& signal : signals) {
     for_each_word(*signal.record, words, [&](std::uint32_t word, std::uint64_t mask) {
       shared |= held[word] & mask;
       held[word] |= mask;
     });
+  }
   return shared != 0;
 }
 
@@ -232,14 +233,16 @@ class OverlapSearch {
   /// Once for each whole.
   void report_parts() const {
     constexpr std::size_t kMostShown = 3;
-    for (const auto& [outer, inner] : parts_)
-      context_.report(kNested, signals_[outer].statement, Role::kStart, [&](Finding& finding) {
+    for (const auto& part : parts_) {
+      const auto& inner = part.second;
+      context_.report(kNested, signals_[part.first].statement, Role::kStart, [&](Finding& finding) {
         finding.message = join("within the signal ", inner.size() > 1 ? "lie " : "lies ");
         for (std::size_t i = 0; i < inner.size() && i < kMostShown; ++i)
           append(finding.message, join(i > 0 ? ", " : "", view(signals_[inner[i]].record->name)));
         if (inner.size() > kMostShown)
           append(finding.message, join(" and ", inner.size() - kMostShown, " more"));
       });
+    }
   }
 
   struct State {

@@ -115,10 +115,11 @@ void check_signal(const LintContext& context, const PlacedSignal& signal) {
   if (has_place && record.minimum < record.maximum) check_exchanged(context, signal.statement);
   if (has_place && record.factor == 1) {
     const Statement& statement = context.document.statements[signal.statement];
-    if (real_value(context.document, statement, Role::kFactor) == 0.0)
+    if (real_value(context.document, statement, Role::kFactor) == 0.0) {
       context.report(kFactor, signal.statement, Role::kFactor, [](Finding& finding) {
         finding.message = "the factor is 0, and 1 is taken in its place";
       });
+    }
   }
   const bool has_range = record.minimum != record.maximum && !is_ieee(record) &&
                          record.length > 0 && record.length <= 64;

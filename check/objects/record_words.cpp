@@ -53,7 +53,7 @@ std::string_view byte_order(std::uint16_t flags) {
 }
 
 std::string number_format(std::uint16_t flags, std::uint32_t value_type) {
-  const std::string sign = flags & ZELK_SIGNAL_SIGNED ? "signed" : "unsigned";
+  std::string sign = flags & ZELK_SIGNAL_SIGNED ? "signed" : "unsigned";
   switch (value_type) {
     case ZELK_VALUE_INTEGER:
       return sign;

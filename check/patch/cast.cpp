@@ -85,15 +85,17 @@ void Cast::enter(std::uint32_t index) {
   const Kind introduced = kind_introduced(statement.kind);
   if (introduced.has) list(introduced.kind).places.push_back(index);
   if (statement.kind == Word::kNodes) {
-    for (std::uint32_t token = statement.first; token < statement.end; ++token)
+    for (std::uint32_t token = statement.first; token < statement.end; ++token) {
       if (document_.tokens[token].role == Role::kNode)
         list(CastKind::kNode).places.push_back(token);
+    }
   }
   const bool may_be_long_name = statement.kind == Word::kAttribute &&
                                 document_.text_of(statement, Role::kAttributeRef) == kLongNodeNames;
-  if (may_be_long_name)
+  if (may_be_long_name) {
     long_names_.emplace(document_.text_of(statement, Role::kNodeRef),
                         document_.text_of(statement, Role::kValue));
+  }
 }
 
 /// Makes the ways back from the numbers of the objects.
@@ -111,9 +113,10 @@ void Cast::number() {
   }
   nodes_.clear();
   const List& nodes = list(CastKind::kNode);
-  for (std::size_t i = 0; i < nodes.places.size(); ++i)
+  for (std::size_t i = 0; i < nodes.places.size(); ++i) {
     nodes_.emplace(full_name(document_.text_of(document_.tokens[nodes.places[i]])),
                    nodes.objects[i]);
+  }
 }
 
 std::string_view Cast::full_name(std::string_view node) const {
@@ -162,9 +165,10 @@ Partners Cast::partners_of_signals(const Cast& before, const Partners& messages)
     for (std::uint32_t i = 0; i < signals.places.size(); ++i) {
       const std::uint32_t owner = cast.document_.statements[signals.places[i]].owner;
       const auto found = std::ranges::lower_bound(cast.list(CastKind::kMessage).places, owner);
-      if (owner != Statement::kNone)
+      if (owner != Statement::kNone) {
         result[static_cast<std::size_t>(found - cast.list(CastKind::kMessage).places.begin())]
             .push_back(i);
+      }
     }
     return result;
   };
@@ -180,6 +184,7 @@ Partners Cast::partners_of_signals(const Cast& before, const Partners& messages)
     const auto names_of = [](const std::vector<std::uint32_t>& signals,
                              const std::vector<std::uint64_t>& names) {
       std::vector<std::uint64_t> keys;
+      keys.reserve(signals.size());
       for (const std::uint32_t signal : signals) keys.push_back(names[signal]);
       return keys;
     };

@@ -91,9 +91,10 @@ std::vector<CastKind> kinds_with_full_names(const Document& document) {
     const CastKind kind = Cast::kind_of(token.role).kind;
     if (is_long && !std::ranges::count(kinds, kind)) kinds.push_back(kind);
   }
-  for (const Statement& statement : document.statements)
+  for (const Statement& statement : document.statements) {
     if (const Carrier* const carrier = carrier_of(document, statement))
       std::erase(kinds, carrier->kind);
+  }
   return kinds;
 }
 

@@ -11,6 +11,7 @@ namespace {
 
 std::vector<std::uint64_t> values_of(const std::vector<Piece>& pieces) {
   std::vector<std::uint64_t> values;
+  values.reserve(pieces.size());
   for (const Piece& piece : pieces) values.push_back(piece.value);
   return values;
 }
@@ -19,6 +20,7 @@ std::vector<std::uint64_t> values_of(const std::vector<Piece>& pieces) {
 /// are for, names by their objects.
 std::vector<std::uint64_t> parts_of(const std::vector<Piece>& pieces) {
   std::vector<std::uint64_t> parts;
+  parts.reserve(pieces.size());
   for (const Piece& piece : pieces)
     parts.push_back(piece.object == Cast::kNone ? piece.shape : piece.value);
   return parts;

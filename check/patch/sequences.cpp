@@ -10,8 +10,6 @@ namespace {
 struct Element {
   std::uint64_t value;
   std::uint32_t index;
-
-  auto operator<=>(const Element&) const = default;
 };
 
 std::vector<Element> sorted(std::span<const std::uint64_t> values,
@@ -19,7 +17,7 @@ std::vector<Element> sorted(std::span<const std::uint64_t> values,
   std::vector<Element> elements;
   for (std::uint32_t i = 0; i < values.size(); ++i)
     if (values[i] != 0 && !has_partner[i]) elements.push_back({values[i], i});
-  std::ranges::sort(elements);
+  std::ranges::stable_sort(elements, {}, &Element::value);
   return elements;
 }
 

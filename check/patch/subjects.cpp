@@ -11,12 +11,13 @@ Subjects::Subjects(const Cast& cast) : subjects_(cast.document().statements.size
     subjects_[i] = subject_of(cast, i);
     if (subjects_[i] != 0) entries_.push_back({subjects_[i], i});
   }
-  std::ranges::sort(entries_);
+  std::ranges::stable_sort(entries_, {}, &Entry::subject);
 }
 
 std::span<const Subjects::Entry> Subjects::about(std::uint64_t subject) const {
-  const auto found = std::ranges::equal_range(entries_, subject, {}, &Entry::subject);
-  return {found.begin(), found.end()};
+  const auto first = std::ranges::lower_bound(entries_, subject, {}, &Entry::subject);
+  const auto behind = std::ranges::upper_bound(entries_, subject, {}, &Entry::subject);
+  return {first, behind};
 }
 
 }  // namespace zelk::check

@@ -18,8 +18,6 @@ class Subjects {
   struct Entry {
     std::uint64_t subject;
     std::uint32_t statement;
-
-    auto operator<=>(const Entry&) const = default;
   };
 
   /// @param cast  whose objects have their final numbers

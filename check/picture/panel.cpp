@@ -81,9 +81,10 @@ std::vector<Panel::Run> Panel::runs_of(std::uint32_t byte, const std::array<Fram
   std::vector<Run> runs;
   for (int bit = kBitsPerRow - 1; bit >= 0; --bit) {
     const FrameBit& here = row[static_cast<std::size_t>(bit)];
-    if (runs.empty() || !same_signals(here, *runs.back().left_bit))
+    if (runs.empty() || !same_signals(here, *runs.back().left_bit)) {
       runs.push_back(
           {byte, bit, bit, &here, &here, {x + (7 - bit) * cell_width_, y, 0, kRowHeight}});
+    }
     runs.back().right = bit;
     runs.back().right_bit = &here;
     runs.back().box.width += cell_width_;

@@ -1,93 +1,70 @@
 #include "check/statements/fault.hpp"
 
+#include <array>
+
 namespace zelk::check {
 
-std::string_view name_of(FaultKind kind) {
-  switch (kind) {
-    case FaultKind::kNoFinalLineFeed:
-      return "final-line-feed";
-    case FaultKind::kNulByte:
-      return "nul-byte";
-    case FaultKind::kEndByte:
-      return "end-byte";
-    case FaultKind::kOpenText:
-      return "open-text";
-    case FaultKind::kOddSpace:
-      return "odd-space";
-    case FaultKind::kTooLong:
-      return "too-long";
-    case FaultKind::kMissing:
-      return "missing";
-    case FaultKind::kSurplus:
-      return "surplus";
-    case FaultKind::kStray:
-      return "stray";
-    case FaultKind::kUnreadable:
-      return "unreadable";
-    case FaultKind::kOddName:
-      return "odd-name";
-    case FaultKind::kKeywordName:
-      return "keyword-name";
-    case FaultKind::kOddNumber:
-      return "odd-number";
-    case FaultKind::kUnquotedText:
-      return "unquoted-text";
-    case FaultKind::kCommentObject:
-      return "comment-object";
-    case FaultKind::kSkipped:
-      return "skipped";
-    case FaultKind::kOrder:
-      return "order";
-    case FaultKind::kMissingBitTiming:
-      return "missing-bs";
-    case FaultKind::kMissingNodes:
-      return "missing-bu";
-    case FaultKind::kDoubledSection:
-      return "doubled-section";
-    case FaultKind::kUnknownMessage:
-      return "unknown-message";
-    case FaultKind::kUnknownSignal:
-      return "unknown-signal";
-    case FaultKind::kUnknownNode:
-      return "unknown-node";
-    case FaultKind::kUnknownVariable:
-      return "unknown-variable";
-    case FaultKind::kUnknownTable:
-      return "unknown-table";
-    case FaultKind::kUnknownType:
-      return "unknown-type";
-    case FaultKind::kUnknownCategory:
-      return "unknown-category";
-    case FaultKind::kUnknownAttribute:
-      return "unknown-attribute";
-    case FaultKind::kUnknownLink:
-      return "unknown-link";
-    case FaultKind::kWrongValue:
-      return "wrong-value";
-    case FaultKind::kAccessCode:
-      return "access-code";
-    case FaultKind::kIndicator:
-      return "indicator";
-    case FaultKind::kSegments:
-      return "segments";
-    case FaultKind::kMultiplexors:
-      return "multiplexors";
-    case FaultKind::kCircle:
-      return "circle";
-    case FaultKind::kDoubledMessage:
-      return "doubled-message";
-    case FaultKind::kDoubledSignal:
-      return "doubled-signal";
-    case FaultKind::kUtf16:
-      return "utf-16";
-    case FaultKind::kLineEnds:
-      return "line-ends";
-    case FaultKind::kNoNode:
-      return "no-node";
-    case FaultKind::kRefused:
-      return "refused";
-  }
-  return "";
+namespace {
+
+struct KindName {
+  FaultKind kind;
+  std::string_view name;
+};
+
+/// In the order of `FaultKind`.
+constexpr std::array<KindName, 41> kNames = {{
+    {FaultKind::kNoFinalLineFeed, "final-line-feed"},
+    {FaultKind::kNulByte, "nul-byte"},
+    {FaultKind::kEndByte, "end-byte"},
+    {FaultKind::kOpenText, "open-text"},
+    {FaultKind::kOddSpace, "odd-space"},
+    {FaultKind::kTooLong, "too-long"},
+    {FaultKind::kMissing, "missing"},
+    {FaultKind::kSurplus, "surplus"},
+    {FaultKind::kStray, "stray"},
+    {FaultKind::kUnreadable, "unreadable"},
+    {FaultKind::kOddName, "odd-name"},
+    {FaultKind::kKeywordName, "keyword-name"},
+    {FaultKind::kOddNumber, "odd-number"},
+    {FaultKind::kUnquotedText, "unquoted-text"},
+    {FaultKind::kCommentObject, "comment-object"},
+    {FaultKind::kSkipped, "skipped"},
+    {FaultKind::kOrder, "order"},
+    {FaultKind::kMissingBitTiming, "missing-bs"},
+    {FaultKind::kMissingNodes, "missing-bu"},
+    {FaultKind::kDoubledSection, "doubled-section"},
+    {FaultKind::kUnknownMessage, "unknown-message"},
+    {FaultKind::kUnknownSignal, "unknown-signal"},
+    {FaultKind::kUnknownNode, "unknown-node"},
+    {FaultKind::kUnknownVariable, "unknown-variable"},
+    {FaultKind::kUnknownTable, "unknown-table"},
+    {FaultKind::kUnknownType, "unknown-type"},
+    {FaultKind::kUnknownCategory, "unknown-category"},
+    {FaultKind::kUnknownAttribute, "unknown-attribute"},
+    {FaultKind::kUnknownLink, "unknown-link"},
+    {FaultKind::kWrongValue, "wrong-value"},
+    {FaultKind::kAccessCode, "access-code"},
+    {FaultKind::kIndicator, "indicator"},
+    {FaultKind::kSegments, "segments"},
+    {FaultKind::kMultiplexors, "multiplexors"},
+    {FaultKind::kCircle, "circle"},
+    {FaultKind::kDoubledMessage, "doubled-message"},
+    {FaultKind::kDoubledSignal, "doubled-signal"},
+    {FaultKind::kUtf16, "utf-16"},
+    {FaultKind::kLineEnds, "line-ends"},
+    {FaultKind::kNoNode, "no-node"},
+    {FaultKind::kRefused, "refused"},
+}};
+
+constexpr bool is_in_order() {
+  for (std::size_t i = 0; i < kNames.size(); ++i)
+    if (static_cast<std::size_t>(kNames[i].kind) != i) return false;
+  return true;
 }
+static_assert(is_in_order());
+
+}  // namespace
+
+std::string_view name_of(FaultKind kind) { return kNames[static_cast<std::size_t>(kind)].name; }
 
 }  // namespace zelk::check

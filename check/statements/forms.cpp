@@ -79,9 +79,10 @@ class FormReader {
     if (has_announced_) return;
     has_announced_ = true;
     std::set<std::string_view> names;
-    for (const Token& token : document_.tokens_of(list))
+    for (const Token& token : document_.tokens_of(list)) {
       if (token.kind == TokenKind::kName)
         names.insert(document_.text_of(token).substr(0, kKeptCharacters));
+    }
     if (names.empty()) return;
     for (Token& token : std::span(document_.tokens).subspan(list.end)) {
       if (token.kind != TokenKind::kName || !names.contains(document_.text_of(token))) continue;

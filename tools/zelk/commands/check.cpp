@@ -115,11 +115,12 @@ class Check {
   void report_lines(const OpenedDatabase& opened, const std::string& path) {
     using check::Severity;
     check::Findings findings;
-    for (const std::string& line : opened.reports)
+    for (const std::string& line : opened.reports) {
       findings.add({opened.database ? Severity::kWarning : Severity::kError,
                     name_of(check::FaultKind::kRefused),
                     {},
                     line});
+    }
     if (arguments_.findings.fail_with(findings)) fail(kExitFailure);
     if (is_text()) {
       print_lines(opened, path);

@@ -42,10 +42,11 @@ std::vector<CLI::Option*> add_mend_options(CLI::App& command, check::MendOptions
           .add_option_function<std::string>("--no-node", no_node,
                                             "This name of a node only stands for no node")
           ->type_name("NAME");
-  for (CLI::Option* const option : {kept, placeholder})
+  for (CLI::Option* const option : {kept, placeholder}) {
     option->allow_extra_args(false)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
         ->trigger_on_parse();
+  }
   CLI::Option* const include =
       command
           .add_option("--include", options.include_folder,

@@ -67,10 +67,11 @@ constexpr std::string_view kTypes[] = {"INT", "FLOAT", "STRING", "ENUM", "HEX"};
 void set_type(attr_def& definition, std::string_view text) {
   const std::string_view name = text.substr(0, text.find(' '));
   const auto* const type = std::ranges::find(kTypes, name);
-  if (type == std::end(kTypes))
+  if (type == std::end(kTypes)) {
     throw RequestError(fmt::format(
         "{} is no type: INT, HEX, FLOAT (each with a range or without), STRING and ENUM A,B are",
         in_quotes(text)));
+  }
   definition.value_type = static_cast<std::int32_t>(type - std::begin(kTypes));
   std::string rest(text.substr(name.size()));
   if (definition.value_type == ZELK_ATTR_ENUM) {
@@ -107,9 +108,10 @@ std::int32_t number_of(const std::string& text) {
   constexpr double kMost = std::numeric_limits<std::int32_t>::max();
   const double number = real_of(text);
   const bool is_right = number == std::floor(number) && number >= kLeast && number <= kMost;
-  if (!is_right)
+  if (!is_right) {
     throw RequestError(
         fmt::format("{} is no whole number of 32 bits with a sign", in_quotes(text)));
+  }
   return static_cast<std::int32_t>(number);
 }
 
@@ -157,9 +159,10 @@ std::string DatabaseEditor::add_node(Words words) {
 /// @throws RequestError when another message has the identifier
 void DatabaseEditor::check_id_free(std::uint32_t id, const msgblk* message) const {
   for (const msgblk& other : each(database_.messages)) {
-    if (&other != message && other.id == id)
+    if (&other != message && other.id == id) {
       throw RequestError(fmt::format("{} is the identifier of the message {}", padded_id(id),
                                      escaped(view(other.name))));
+    }
   }
 }
 
@@ -237,9 +240,10 @@ std::string DatabaseEditor::add_attribute(Words words) {
   const std::string name = stored(words[1], encoding_);
   if (name.empty() || name.size() > ZELK_INLINE_NAME_MAX)
     throw RequestError("the name of an attribute has 1 to 32 characters");
-  if (find_definition({database_, encoding_}, kind, words[1]))
+  if (find_definition({database_, encoding_}, kind, words[1])) {
     throw RequestError(
         fmt::format("{} is taken: there is an attribute of that name", in_quotes(words[1])));
+  }
   attr_def& definition =
       made(manager_.CreateAttrDefinition(name_, place_for_definition(database_.attr_defs)));
   definition.object_type = kind;
@@ -249,9 +253,10 @@ std::string DatabaseEditor::add_attribute(Words words) {
   definition.default_value = value;
   if (definition.value_type == ZELK_ATTR_STRING)
     definition.default_value.text = owned_text(words[3]);
-  if (definition.value_type == ZELK_ATTR_ENUM)
+  if (definition.value_type == ZELK_ATTR_ENUM) {
     definition.default_value.text =
         owned_text(EnumItems(view(definition.enum_values)).at(value.number).value_or(""));
+  }
   return fmt::format("{} attribute {}: added, default {}", words[0], in_quotes(words[1]),
                      shown_default(definition, encoding_));
 }
@@ -260,9 +265,10 @@ std::string DatabaseEditor::delete_attribute(Words words) {
   const zelk_obj_t kind = kind_named(words[0]);
   NameSuggestion names(words[1]);
   const attr_def* const found = find_definition({database_, encoding_}, kind, words[1], &names);
-  if (!found)
+  if (!found) {
     throw RequestError(
         fmt::format("no {} attribute is named {}{}", words[0], in_quotes(words[1]), names.text()));
+  }
   const std::size_t count = count_values(database_, *found);
   manager_.DeleteAttrDefinition(*changeable(found), name_);
   return fmt::format("{} attribute {}: deleted, with {}", words[0], in_quotes(words[1]),
@@ -278,9 +284,10 @@ bool DatabaseEditor::is_in_frame(const sigblk& signal) {
 void DatabaseEditor::check_result() const {
   for (const msgblk& message : each(database_.messages)) {
     for (const sigblk& signal : each(message.signals)) {
-      if (signal.minimum > signal.maximum)
+      if (signal.minimum > signal.maximum) {
         throw RequestError(
             fmt::format("{}: the minimum is above the maximum", shown_target(changeable(&signal))));
+      }
       if (is_in_frame(signal) || outside_.contains(&signal)) continue;
       throw RequestError(fmt::format("{}: reaches beyond the {} of its message",
                                      shown_target(changeable(&signal)),

@@ -83,9 +83,10 @@ DatabaseEditor::DatabaseEditor(ZelkWriteManager& manager, const OpenedDatabase& 
       database_(*opened.database),
       encoding_(opened.encoding),
       targets_(database_) {
-  for (const msgblk& message : each(database_.messages))
+  for (const msgblk& message : each(database_.messages)) {
     for (const sigblk& signal : each(message.signals))
       if (!is_in_frame(signal)) outside_.insert(&signal);
+  }
 }
 
 template <typename Record>

@@ -50,9 +50,10 @@ std::uint32_t message_id_of(std::string_view text) {
   constexpr std::uint32_t kLast29 = 0x1FFFFFFF;
   const std::optional<std::uint32_t> id = parse_id(text);
   if (!id) throw RequestError(fmt::format("{} is no identifier", in_quotes(text)));
-  if ((*id & ~ZELK_ID_EXTENDED) > kLast29)
+  if ((*id & ~ZELK_ID_EXTENDED) > kLast29) {
     throw RequestError(
         fmt::format("{} is no identifier: one has at most 29 bits", in_quotes(text)));
+  }
   return *id > kLast11 ? *id | ZELK_ID_EXTENDED : *id;
 }
 

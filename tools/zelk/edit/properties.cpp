@@ -61,9 +61,10 @@ void set_factor(const EditTargets&, sigblk& signal, const std::string& value, En
 
 void set_unit(const EditTargets&, sigblk& signal, const std::string& value, Encoding encoding) {
   const std::string unit = stored(value, encoding);
-  if (unit.size() > ZELK_INLINE_NAME_MAX)
+  if (unit.size() > ZELK_INLINE_NAME_MAX) {
     throw RequestError(
         fmt::format("{} is longer than the 32 characters of a unit", in_quotes(value)));
+  }
   std::ranges::fill(signal.unit, '\0');
   std::ranges::copy(unit, signal.unit);
 }
@@ -186,9 +187,10 @@ std::string names_of_signal_properties() {
 void DatabaseEditor::set_signal(sigblk& signal, const std::string& property,
                                 const std::string& value) {
   const auto* const found = std::ranges::find(kSignalProperties, property, &SignalProperty::name);
-  if (found == std::end(kSignalProperties))
+  if (found == std::end(kSignalProperties)) {
     throw RequestError(fmt::format("a signal has no property {}, but {}", in_quotes(property),
                                    names_of_signal_properties()));
+  }
   found->set(targets_, signal, value, encoding_);
 }
 

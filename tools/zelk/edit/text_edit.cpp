@@ -99,7 +99,7 @@ check::Patched TextEdit::finish(const std::string& path) const {
 bool TextEdit::is_right(const std::string& text, const std::string& wanted, const std::string& path,
                         bool tells) const {
   const ReadText read(text);
-  const std::string fault = read.fault();
+  const std::string& fault = read.fault();
   if (!fault.empty() && tells) print_error(behind_path(path, "could not be read again: " + fault));
   if (!fault.empty()) return false;
   const EncodedDatabase found = read.encoded(opened_.encoding);

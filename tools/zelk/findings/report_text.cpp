@@ -69,9 +69,10 @@ void print_findings(const check::Source& source, const check::Findings& findings
 
 void print_more(const check::Source& source, const check::Findings& findings) {
   const std::uint64_t more = findings.count - findings.list.size();
-  if (more != 0)
+  if (more != 0) {
     print_error(fmt::format("{}: {} more; see --max-errors", escaped(source.path()),
                             counted(more, "finding")));
+  }
 }
 
 }  // namespace zelk::tool

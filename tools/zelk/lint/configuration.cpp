@@ -138,18 +138,20 @@ void ConfigurationReader::check_key() {
   const check::Parameter& parameter = check::find_rule(keys_[1])->parameter;
   if (parameter.name.empty())
     fail(fmt::format("unknown key {}: the rule has no parameter", in_quotes(key)));
-  if (key != parameter.name)
+  if (key != parameter.name) {
     fail(fmt::format("unknown key {}: the rule's parameter is \"{}\"", in_quotes(key),
                      parameter.name));
+  }
 }
 
 std::string ConfigurationReader::expected_value() const {
   if (keys_.empty()) return "expected an object";
   const std::string key = in_quotes(keys_.back());
   if (is_top_key("rules")) return "expected an object for \"rules\"";
-  if (is_rule())
+  if (is_rule()) {
     return fmt::format("expected \"off\", \"note\", \"warning\", \"error\" or an object for {}",
                        key);
+  }
   if (is_top_key("fail-on"))
     return fmt::format("expected \"note\", \"warning\" or \"error\" for {}", key);
   if (keys_.back() == "severity")

@@ -132,9 +132,10 @@ class Repair {
   /// Cut to the limit.
   check::Findings shown(check::Findings findings) const {
     const std::uint64_t most = repair_.findings.max_errors;
-    if (most > 0 && findings.list.size() > most)
+    if (most > 0 && findings.list.size() > most) {
       findings.list.erase(findings.list.begin() + static_cast<std::ptrdiff_t>(most),
                           findings.list.end());
+    }
     return findings;
   }
 
@@ -142,10 +143,11 @@ class Repair {
     const std::string in = escaped(repair_.in);
     const std::string written =
         escaped(repair_.target()) + (repair_.dry_run ? " not" : "") + " written";
-    if (mended.outcome == check::Outcome::kUnneeded)
+    if (mended.outcome == check::Outcome::kUnneeded) {
       return repair_.in_place || repair_.target().empty()
                  ? in + " needs no mending"
                  : fmt::format("{}: {} needs no mending", written, in);
+    }
     const std::string done = fmt::format("mended in {}: {}", counted(mended.mends.count, "place"),
                                          summary_of(mended.mends));
     return repair_.target().empty() ? fmt::format("{} can be {}", in, done)

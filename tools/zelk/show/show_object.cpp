@@ -104,9 +104,10 @@ bool show_picture(const std::string& path, EncodedDatabase database, const std::
                   Output& out) {
   try {
     const std::vector<const msgblk*> found = find_messages(database.records, wanted);
-    if (found.size() > 1)
+    if (found.size() > 1) {
       throw RequestError(fmt::format("{} are {}, and a picture is one of a single message",
                                      counted(found.size(), "message"), in_quotes(wanted)));
+    }
     out.write_through(check::message_picture(*found.front(), database.encoding));
     return true;
   } catch (const RequestError& error) {
