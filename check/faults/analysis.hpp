@@ -4,6 +4,8 @@
 #ifndef ZELK_CHECK_FAULTS_ANALYSIS_HPP
 #define ZELK_CHECK_FAULTS_ANALYSIS_HPP
 
+#include <atomic>
+#include <cstddef>
 #include <vector>
 
 #include "check/statements/document.hpp"
@@ -37,8 +39,11 @@ struct Analysis {
 /// Statements that stand at the wrong place, or are missing or doubled.
 void find_order_faults(const Analysis& analysis);
 
-/// References to what no statement introduces.
-void find_reference_faults(const Analysis& analysis);
+/// References to what no statement introduces. Threads with the same `next`, and faults of their
+/// own, share the search.
+///
+/// @param next  the stretch of statements that is searched next, at first 0
+void find_reference_faults(const Analysis& analysis, std::atomic<std::size_t>& next);
 
 /// Values of attributes against their definitions.
 void find_attribute_faults(const Analysis& analysis);

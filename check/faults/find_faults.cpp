@@ -1,19 +1,34 @@
 #include "check/faults/find_faults.hpp"
 
 #include <algorithm>
+#include <atomic>
+#include <cstddef>
+#include <future>
+#include <utility>
 
 #include "check/faults/analysis.hpp"
 
 namespace zelk::check {
 
 std::vector<Fault> find_faults(const Document& document, const Names& names) {
+  names.node({});  // makes the table that both threads look into
+  std::atomic<std::size_t> next = 0;
+  const auto find_references = [&] {
+    std::vector<Fault> found;
+    find_reference_faults({document, names, found}, next);
+    return found;
+  };
+  // References take most of the time. Where there is no second thread, all is done in this one.
+  auto others = std::async(std::launch::async | std::launch::deferred, find_references);
   std::vector<Fault> faults = document.faults;
-  const Analysis analysis{document, names, faults};
-  find_order_faults(analysis);
-  find_reference_faults(analysis);
+  find_order_faults({document, names, faults});
+  std::vector<Fault> last;
+  const Analysis analysis{document, names, last};
   find_attribute_faults(analysis);
   find_value_faults(analysis);
   find_signal_faults(analysis);
+  for (const auto& more : {find_references(), others.get(), std::move(last)})
+    faults.insert(faults.end(), more.begin(), more.end());
   std::ranges::stable_sort(faults, {}, &Fault::token);
   return faults;
 }

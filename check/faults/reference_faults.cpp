@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <optional>
 #include <unordered_map>
 #include <unordered_set>
@@ -12,6 +13,7 @@ namespace zelk::check {
 namespace {
 
 constexpr std::uint32_t kNone = Statement::kNone;
+constexpr std::size_t kStretch = 16384;  // statements
 
 bool has_references(const Statement& statement) {
   switch (statement.kind) {
@@ -38,9 +40,11 @@ class ReferenceFaults {
  public:
   explicit ReferenceFaults(const Analysis& analysis) : in_(analysis), links_(analysis) {}
 
-  void find() {
-    for (std::uint32_t i = 0; i < in_.document.statements.size(); ++i)
-      if (has_references(in_.statement(i))) find(i);
+  void find(std::atomic<std::size_t>& next) {
+    const std::size_t count = in_.document.statements.size();
+    for (std::size_t first = next++ * kStretch; first < count; first = next++ * kStretch)
+      for (std::size_t i = first; i < std::min(first + kStretch, count); ++i)
+        if (has_references(in_.document.statements[i])) find(static_cast<std::uint32_t>(i));
   }
 
  private:
@@ -122,6 +126,8 @@ class ReferenceFaults {
 
 }  // namespace
 
-void find_reference_faults(const Analysis& analysis) { ReferenceFaults(analysis).find(); }
+void find_reference_faults(const Analysis& analysis, std::atomic<std::size_t>& next) {
+  ReferenceFaults(analysis).find(next);
+}
 
 }  // namespace zelk::check

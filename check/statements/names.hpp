@@ -38,7 +38,7 @@ std::optional<double> real_value(const Document& document, const Statement& stat
 
 /// What is introduced, by name or number. All lookups give the index of the first readable
 /// statement that introduces it, which is the one that a reader finds, or `Statement::kNone`. One
-/// thread at a time.
+/// thread at a time, until a node was looked up; then any number of them.
 class Names {
  public:
   /// @param document  must outlive the object, and keep its statements
