@@ -17,9 +17,8 @@ namespace {
 
 constexpr std::uint32_t kNone = Statement::kNone;
 
-/// Names with blanks in one message that begin with the same word; of more, the first are looked
-/// for.
-constexpr std::size_t kMostOfOneWord = 16;
+/// Tokens of the longest name with blanks.
+constexpr std::uint32_t kMostTokens = 34;
 
 bool is_name_fault(FaultKind kind) {
   return kind == FaultKind::kOddName || kind == FaultKind::kKeywordName ||
@@ -91,6 +90,8 @@ struct Renamed {
   std::uint32_t references = 0;
   std::uint32_t comment = kNone;  ///< statement
   bool is_told = false;           ///< a rewritten comment has the old name
+
+  bool has_blanks() const { return old_name.find(' ') != std::string::npos; }
 };
 
 class Renames {
@@ -217,26 +218,21 @@ class Renames {
   // --- References to names with blanks, which no statement can be read with ---
 
   void rename_with_blanks() {
-    std::unordered_map<std::string, std::vector<std::size_t>> by_first_word;
-    for (std::size_t i = 0; i < renamed_.size(); ++i) {
-      const Renamed& each = renamed_[i];
-      const std::size_t blank = each.old_name.find(' ');
-      if (each.kind != NameKind::kSignal || blank == std::string::npos) continue;
-      auto& list = by_first_word[key_of(each.kind, each.owner, each.old_name.substr(0, blank))];
-      if (list.size() < kMostOfOneWord) list.push_back(i);
-    }
-    if (by_first_word.empty()) return;
+    std::unordered_set<std::string> first_words;
+    for (const Renamed& each : renamed_)
+      if (each.kind == NameKind::kSignal && each.has_blanks())
+        first_words.insert(
+            key_of(each.kind, each.owner, each.old_name.substr(0, each.old_name.find(' '))));
+    if (first_words.empty()) return;
     for (std::uint32_t i = 0; i < mender_.document.statements.size(); ++i) {
       const Statement& statement = mender_.statement(i);
       const bool may_refer = statement.kind != Word::kMessage && statement.kind != Word::kSignal &&
                              !mender_.is_settled(i);
-      if (may_refer && owner_of(NameKind::kSignal, i) != kNone) rewrite(i, by_first_word);
+      if (may_refer && owner_of(NameKind::kSignal, i) != kNone) rewrite(i, first_words);
     }
   }
 
-  using WordTable = std::unordered_map<std::string, std::vector<std::size_t>>;
-
-  void rewrite(std::uint32_t index, const WordTable& by_first_word) {
+  void rewrite(std::uint32_t index, const std::unordered_set<std::string>& first_words) {
     const Document& document = mender_.document;
     const Statement& statement = mender_.statement(index);
     const std::uint32_t owner = owner_of(NameKind::kSignal, index);
@@ -246,10 +242,9 @@ class Renames {
     for (const Token& token : document.tokens_of(statement)) {
       const bool may_begin = token.kind != TokenKind::kText && token.kind != TokenKind::kMark;
       if (!may_begin || token.begin < at) continue;
-      const auto found =
-          by_first_word.find(key_of(NameKind::kSignal, owner, document.text_of(token)));
-      if (found == by_first_word.end()) continue;
-      Renamed* const named = longest_at(token.begin, found->second);
+      const bool is_first =
+          first_words.contains(key_of(NameKind::kSignal, owner, document.text_of(token)));
+      Renamed* const named = is_first ? name_at(token, statement, owner) : nullptr;
       if (!named) continue;
       text += document.source.text(at, token.begin);
       text += named->new_name;
@@ -278,17 +273,17 @@ class Renames {
            "Original name: " + escaped(each.old_name);
   }
 
-  Renamed* longest_at(std::uint32_t offset, const std::vector<std::size_t>& candidates) {
-    const std::string_view rest = mender_.document.source.text().substr(offset);
-    const auto is_at = [rest](const std::string& name) {
-      const bool is_there = rest.starts_with(name);
-      return is_there && (rest.size() == name.size() || !is_name_character(rest[name.size()]));
-    };
+  /// The longest name with blanks that begins at a token; null when none does.
+  Renamed* name_at(const Token& token, const Statement& statement, std::uint32_t owner) {
+    const auto first = static_cast<std::uint32_t>(&token - mender_.document.tokens.data());
+    const std::uint32_t end = std::min(statement.end, first + kMostTokens);
     Renamed* longest = nullptr;
-    for (const std::size_t index : candidates) {
-      Renamed& each = renamed_[index];
-      const bool is_longer = !longest || each.old_name.size() > longest->old_name.size();
-      if (is_longer && is_at(each.old_name)) longest = &each;
+    for (std::uint32_t last = first + 1; last < end; ++last) {
+      const std::string_view name =
+          mender_.document.source.text(token.begin, mender_.token(last).end);
+      const auto found = by_key_.find(key_of(NameKind::kSignal, owner, name));
+      if (found != by_key_.end() && renamed_[found->second].has_blanks())
+        longest = &renamed_[found->second];
     }
     return longest;
   }
