@@ -54,9 +54,10 @@ void mend_line_ends(std::string_view text, Edits& edits, std::vector<Finding>& f
     edits.replace(place, place + 1, "\n");
     ++count;
   }
-  if (count != 0)
+  if (count != 0) {
     note(findings, FaultKind::kLineEnds, {0, 0},
          counted(count, "carriage return") + " replaced by line feeds, of which there are none");
+  }
 }
 
 }  // namespace

@@ -33,9 +33,10 @@ void mend_end_byte(Mender& mender, const Fault& fault) {
     place.end = at + 1;
     mender.edits.replace(at, at + 1, " ");
   }
-  if (count != 0)
+  if (count != 0) {
     mender.note(FaultKind::kEndByte, place,
                 counted(count, "byte") + " 0xFF removed, at which reading would end");
+  }
 }
 
 /// The reader takes a plain blank behind a name, and then any others.

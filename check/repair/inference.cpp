@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <map>
 #include <optional>
+#include <tuple>
 #include <utility>
 
 #include "base/numbers.hpp"
@@ -16,7 +17,10 @@ namespace {
 struct Attribute {
   Word object;  ///< as `Names::attribute` takes it, or kSignalType
   std::string_view name;
-  auto operator<=>(const Attribute&) const = default;
+
+  bool operator<(const Attribute& other) const {
+    return std::tie(object, name) < std::tie(other.object, other.name);
+  }
 };
 
 /// What the values of an attribute have in common.
@@ -50,9 +54,10 @@ class Inference {
     const auto has_name = [&](const auto& each) { return each.first.name == name; };
     const bool is_alone = std::ranges::none_of(attributes_, has_name);
     const bool needs_other = is_default(statement.kind) || statement.kind == Word::kTypeDefinition;
-    if (needs_other && is_alone)
+    if (needs_other && is_alone) {
       mender_.drop(fault.kind, fault.statement,
                    "there is no such attribute, and no object has a value of it");
+    }
   }
 
   void add_definitions() const {
@@ -110,9 +115,10 @@ class Inference {
                  values.first->token_end,
                  "definition " + shown(text) + " added for " + counted(values.count, "value"));
     mender_.add(place_of(Word::kDefinition), std::move(text));
-    if (is_of_types)
+    if (is_of_types) {
       mender_.add(place_of(Word::kTypeDefinition),
                   std::string(spelling(Word::kTypeDefinition)) + name + ';');
+    }
   }
 
   Mender& mender_;
@@ -124,9 +130,10 @@ class Inference {
 void infer_definitions(Mender& mender, std::span<const Fault> faults) {
   Inference inference(mender);
   const auto each_of_kind = [&](const auto& act) {
-    for (const Fault& fault : faults)
+    for (const Fault& fault : faults) {
       if (fault.kind == FaultKind::kUnknownAttribute && !mender.is_settled(fault.statement))
         act(fault);
+    }
   };
   each_of_kind([&](const Fault& fault) { inference.take(fault); });
   each_of_kind([&](const Fault& fault) { inference.drop_alone(fault); });

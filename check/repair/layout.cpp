@@ -58,9 +58,10 @@ NameSet unneeded_names(const Document& document, const Statement& first) {
 /// The names of a section that the first one needs, each with a blank in front.
 std::string further_names(const Document& document, const Statement& other, NameSet& unneeded) {
   std::string text;
-  for (const Token& token : document.tokens_of(other))
+  for (const Token& token : document.tokens_of(other)) {
     if (token.kind == TokenKind::kName && unneeded.insert(document.text_of(token)).second)
       text.append(" ").append(document.text_of(token));
+  }
   return text;
 }
 
@@ -333,9 +334,10 @@ class Order {
 }  // namespace
 
 void mend_sections(Mender& mender, std::span<const std::string_view> nodes) {
-  if (mender.is_on(FaultKind::kDoubledSection))
+  if (mender.is_on(FaultKind::kDoubledSection)) {
     for (const Word kind : {Word::kVersion, Word::kNewSymbols, Word::kBitTiming, Word::kNodes})
       merge_sections(mender, kind);
+  }
   if (statements_of(mender, Word::kBitTiming).empty())
     add_section(mender, FaultKind::kMissingBitTiming, Word::kBitTiming, "");
   const std::vector<std::uint32_t> lists = statements_of(mender, Word::kNodes);

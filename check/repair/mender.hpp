@@ -51,13 +51,13 @@ class Mender {
   /// Takes a statement out and shows it.
   ///
   /// @param why  "there is no such message"
-  void drop(FaultKind kind, std::uint32_t statement, std::string_view why);
+  void drop(FaultKind kind, std::uint32_t index, std::string_view why);
   /// Takes a statement out, and says nothing.
-  void erase(std::uint32_t statement);
+  void erase(std::uint32_t index);
   /// Puts another text in the place of a statement, which is read in the next round.
-  void rewrite(std::uint32_t statement, std::string text);
+  void rewrite(std::uint32_t index, std::string text);
   /// Takes tokens out, with the blanks in front of them.
-  void erase_tokens(std::uint32_t token, std::uint32_t token_end);
+  void erase_tokens(std::uint32_t first, std::uint32_t end);
   void replace_token(std::uint32_t token, std::string text) {
     edits.replace(document.tokens[token].begin, document.tokens[token].end, std::move(text));
   }

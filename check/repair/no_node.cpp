@@ -17,10 +17,11 @@ class NoNodes {
 
   void run() {
     for (std::uint32_t i = 0; i < mender_.document.statements.size(); ++i) mend(i);
-    for (const auto& [name, uses] : uses_)
+    for (const auto& [name, uses] : uses_) {
       mender_.note(FaultKind::kNoNode, uses.first,
                    "node " + std::string(name) + " stands for no node, taken out of " +
                        counted(uses.count, "place"));
+    }
   }
 
  private:
@@ -49,9 +50,10 @@ class NoNodes {
     const bool is_about_one =
         mender_.token(names[0]).role == Role::kNodeRef && statement.kind != Word::kFilter;
     const bool is_empty_list = statement.kind == Word::kTransmitters && others == 0;
-    if (is_about_one || is_empty_list)
+    if (is_about_one || is_empty_list) {
       return mender_.drop(FaultKind::kNoNode, index,
                           std::string(mender_.text_of(names[0])) + " stands for no node");
+    }
     take_out(names, others);
   }
 

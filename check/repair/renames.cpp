@@ -100,9 +100,10 @@ class Renames {
 
   void run() {
     // What is introduced comes first; a name that is only referred to gets its own all the same.
-    for (const bool introduced : {true, false})
+    for (const bool introduced : {true, false}) {
       for (const Fault& fault : faults_)
         if (concerns(fault) && naming(fault).is_introduced == introduced) rename(fault);
+    }
     if (renamed_.empty()) return;
     rename_with_blanks();
     find_comments();
@@ -209,9 +210,10 @@ class Renames {
   const std::unordered_set<std::string_view>& message_names() {
     if (!message_names_.empty()) return message_names_;
     message_names_.insert("");
-    for (const Statement& statement : mender_.document.statements)
+    for (const Statement& statement : mender_.document.statements) {
       if (statement.kind == Word::kMessage)
         message_names_.insert(mender_.document.text_of(statement, Role::kMessage));
+    }
     return message_names_;
   }
 
@@ -219,10 +221,12 @@ class Renames {
 
   void rename_with_blanks() {
     std::unordered_set<std::string> first_words;
-    for (const Renamed& each : renamed_)
-      if (each.kind == NameKind::kSignal && each.has_blanks())
+    for (const Renamed& each : renamed_) {
+      if (each.kind == NameKind::kSignal && each.has_blanks()) {
         first_words.insert(
             key_of(each.kind, each.owner, each.old_name.substr(0, each.old_name.find(' '))));
+      }
+    }
     if (first_words.empty()) return;
     for (std::uint32_t i = 0; i < mender_.document.statements.size(); ++i) {
       const Statement& statement = mender_.statement(i);
@@ -297,9 +301,11 @@ class Renames {
       const bool may_be =
           statement.kind == Word::kComment && statement.is_readable && !mender_.is_dropped(i);
       if (!may_be) continue;
-      for (const Role role : {Role::kSignalRef, Role::kNodeRef, Role::kVariableRef, Role::kTypeRef})
+      for (const Role role :
+           {Role::kSignalRef, Role::kNodeRef, Role::kVariableRef, Role::kTypeRef}) {
         if (const Token* const token = mender_.document.find(statement, role))
           set_comment(naming_of(role).kind, i, mender_.document.text_of(*token));
+      }
       const bool is_of_message = mender_.document.find(statement, Role::kMessageRef) &&
                                  !mender_.document.find(statement, Role::kSignalRef);
       if (!is_of_message) continue;

@@ -66,9 +66,8 @@ void mend_segments(Mender& mender, const Fault& fault) {
       mender.erase_tokens(i - 1, end);
       mender.note(fault.kind, fault.statement, i, end, "third segment of the signal removed");
       i = end - 1;
-    } else if (token.role == Role::kLength && value == 0u) {
-      replace(i, "1");
-    } else if (token.role == Role::kOrder && value > 4u) {
+    } else if ((token.role == Role::kLength && value == 0u) ||
+               (token.role == Role::kOrder && value > 4u)) {
       replace(i, "1");
     }
   }
@@ -84,9 +83,10 @@ void mend_signal(Mender& mender, const Fault& fault) {
 
 void mend_circles(Mender& mender, std::span<const Fault> faults) {
   std::unordered_map<std::uint32_t, const Fault*> circles;  // by statement of the signal
-  for (const Fault& fault : faults)
+  for (const Fault& fault : faults) {
     if (fault.kind == FaultKind::kCircle && !fault.is_accepted && mender.is_on(fault.kind))
       circles.emplace(fault.statement, &fault);
+  }
   for (std::uint32_t i = 0; !circles.empty() && i < mender.document.statements.size(); ++i) {
     const Statement& statement = mender.statement(i);
     if (statement.kind != Word::kMultiplexorRanges || mender.is_settled(i)) continue;

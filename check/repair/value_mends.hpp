@@ -25,7 +25,7 @@ class ValueMends {
 
  private:
   void mend_attribute(const Fault& fault);
-  void add_item(const Fault& fault, std::uint32_t definition);
+  void add_item(const Fault& fault, std::uint32_t index);
   void replace(const Fault& fault, const std::string& value);
 
   Mender& mender_;
