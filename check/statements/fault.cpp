@@ -65,6 +65,9 @@ static_assert(is_in_order());
 
 }  // namespace
 
-std::string_view name_of(FaultKind kind) { return kNames[static_cast<std::size_t>(kind)].name; }
+std::string_view name_of(FaultKind kind) {
+  const auto number = static_cast<std::size_t>(kind);
+  return number < kNames.size() ? kNames[number].name : std::string_view();
+}
 
 }  // namespace zelk::check

@@ -77,7 +77,7 @@ struct Fault {
   bool is_accepted = false;              ///< the reader takes it: the file is read nonetheless
 };
 
-/// The name by which the kind is switched off, reported and explained: "unknown-message".
+/// By which a kind is switched off and reported: "unknown-message". Empty for numbers of no kind.
 std::string_view name_of(FaultKind kind);
 
 }  // namespace zelk::check
