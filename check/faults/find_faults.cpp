@@ -10,6 +10,12 @@
 
 namespace zelk::check {
 
+namespace {
+
+constexpr std::size_t kLong = 50'000;  // statements for which a second thread is worth its start
+
+}  // namespace
+
 std::vector<Fault> find_faults(const Document& document, const Names& names) {
   names.node({});  // makes the table that both threads look into
   std::atomic<std::size_t> next = 0;
@@ -18,8 +24,11 @@ std::vector<Fault> find_faults(const Document& document, const Names& names) {
     find_reference_faults({document, names, found}, next);
     return found;
   };
-  // References take most of the time. Where there is no second thread, all is done in this one.
-  auto others = std::async(std::launch::async | std::launch::deferred, find_references);
+  // References take most of the time. For few of them, or where there is no second thread, all is
+  // done in this one.
+  const bool is_long = document.statements.size() > kLong;
+  const auto policy = is_long ? std::launch::async | std::launch::deferred : std::launch::deferred;
+  auto others = std::async(policy, find_references);
   std::vector<Fault> faults = document.faults;
   find_order_faults({document, names, faults});
   std::vector<Fault> last;
