@@ -26,9 +26,9 @@ TEST(Check, TellsWhatIsWrongAndWhere) {
                                       "B\0S\0_\0",
                                       8));
   write_file("short.dbc", "BO_ 1");
-  write_file("nul.dbc", std::string(1, '\0'));
+  write_file("zero.dbc", std::string(1, '\0'));
   const ToolCase cases[] = {
-      {"check short.dbc nul.dbc", 1, "nul.dbc:1:2: error: "},
+      {"check short.dbc zero.dbc", 1, "zero.dbc:1:2: error: "},
       {"check wide.dbc", 1,
        "wide.dbc:6:23: error: expected ';' behind the comment, found \"x\" too many [surplus]\n"
        "    6 | CM_ BO_ 1 \"\u901F\u5EA6 \\x1B[2J\" \uFFFD x;\n"
