@@ -42,9 +42,10 @@ class ReferenceFaults {
 
   void find(std::atomic<std::size_t>& next) {
     const std::size_t count = in_.document.statements.size();
-    for (std::size_t first = next++ * kStretch; first < count; first = next++ * kStretch)
+    for (std::size_t first = next++ * kStretch; first < count; first = next++ * kStretch) {
       for (std::size_t i = first; i < std::min(first + kStretch, count); ++i)
         if (has_references(in_.document.statements[i])) find(static_cast<std::uint32_t>(i));
+    }
   }
 
  private:
