@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/characters.hpp"
 #include "check/findings/sentences.hpp"
 
 namespace zelk::check {
@@ -21,6 +22,12 @@ Span with_line(std::string_view text, Span span) {
   const bool ends_line = end == text.size() || text[end] == '\n';
   if (!begins_line || !ends_line) return {span.begin, ends_line ? span.end : end};
   return {begin, end == text.size() ? end : end + 1};
+}
+
+/// Whether names or numbers would touch without the stretch between them.
+bool joins_words(std::string_view text, Span span) {
+  return span.begin != 0 && span.end < text.size() && is_name_character(text[span.begin - 1]) &&
+         is_name_character(text[span.end]);
 }
 
 }  // namespace
@@ -60,7 +67,8 @@ void Mender::erase(std::uint32_t index) {
   const Statement& there = document.statements[index];
   const Span span =
       with_line(document.source.text(), {document.begin_of(there), document.end_of(there)});
-  edits.erase(span.begin, span.end);
+  // What stood on both sides must not become one word.
+  edits.replace(span.begin, span.end, joins_words(document.source.text(), span) ? " " : "");
 }
 
 void Mender::rewrite(std::uint32_t index, std::string text) {
