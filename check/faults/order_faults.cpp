@@ -1,11 +1,10 @@
-/// The order of statements. Those that stay where they are form the longest sequence whose places
-/// never descend; all others are at fault. So one misplaced block is at fault, and not all that
-/// stands around it.
+/// The order of statements. Those outside the longest sequence that is in order are at fault.
 
 #include <algorithm>
 #include <array>
 
 #include "check/faults/analysis.hpp"
+#include "check/statements/order.hpp"
 
 namespace zelk::check {
 
@@ -41,7 +40,6 @@ class OrderFaults {
     std::uint32_t statement;
     int place;
     bool is_kept = true;
-    std::uint32_t before = kNone;  ///< the one before it in the longest sequence that ends with it
   };
 
   /// All statements that have a place; for some it depends on what stands in front.
@@ -66,25 +64,12 @@ class OrderFaults {
     }
   }
 
-  /// Finds the longest sequence: for every place, the last member of the longest one that ends with
-  /// a statement of this place.
   void keep_longest() {
-    struct End {
-      std::uint32_t length = 0;
-      std::uint32_t last = kNone;
-    };
-    std::array<End, kPlaces> ends{};
-    const auto longer = [](const End& a, const End& b) { return a.length < b.length; };
-    for (std::uint32_t i = 0; i < placed_.size(); ++i) {
-      Placed& placed = placed_[i];
-      const auto behind = ends.begin() + placed.place + 1;
-      const End longest = *std::max_element(ends.begin(), behind, longer);
-      placed.is_kept = false;
-      placed.before = longest.last;
-      ends[static_cast<std::size_t>(placed.place)] = {longest.length + 1, i};
-    }
-    std::uint32_t at = std::ranges::max_element(ends, longer)->last;
-    for (; at != kNone; at = placed_[at].before) placed_[at].is_kept = true;
+    std::vector<int> places;
+    places.reserve(placed_.size());
+    for (const Placed& placed : placed_) places.push_back(placed.place);
+    const std::vector<bool> is_kept = longest_in_order(places);
+    for (std::size_t i = 0; i < placed_.size(); ++i) placed_[i].is_kept = is_kept[i];
   }
 
   void find_kept() {

@@ -8,18 +8,10 @@ namespace {
 
 bool is_blank(std::string_view text) { return text.find_first_not_of(" \t\r\n") == text.npos; }
 
-std::string_view line_end_of(std::string_view text) {
-  const std::size_t line_feed = text.find('\n');
-  const bool is_windows = line_feed != text.npos && line_feed > 0 && text[line_feed - 1] == '\r';
-  return is_windows ? "\r\n" : "\n";
-}
-
 }  // namespace
 
 Splices::Splices(const Document& document)
-    : document_(document),
-      source_(document.source),
-      line_end_(line_end_of(document.source.text())) {}
+    : document_(document), source_(document.source), line_end_(document.source.line_end()) {}
 
 void Splices::replace(std::uint32_t begin, std::uint32_t end, std::string text) {
   if (source_.text(begin, end) == text) return;

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "check/findings/sentences.hpp"
+#include "check/statements/order.hpp"
 #include "zelk/records.h"
 
 namespace zelk::check {
@@ -143,30 +144,6 @@ std::vector<int> places_of(const Mender& mender) {
   return places;
 }
 
-/// Which statements stay where they are: the most that are in order.
-std::vector<bool> find_staying(const std::vector<int>& places) {
-  struct Chain {
-    std::uint32_t length = 0;
-    std::uint32_t last = kNone;
-  };
-  std::array<Chain, kPlaces> best;  // longest chain that ends with a statement of this place
-  std::vector<std::uint32_t> before(places.size(), kNone);
-  for (std::uint32_t i = 0; i < places.size(); ++i) {
-    if (places[i] == 0) continue;
-    const auto place = static_cast<std::size_t>(places[i]);
-    const auto* const longest =
-        std::max_element(best.begin(), best.begin() + places[i] + 1,
-                         [](const Chain& a, const Chain& b) { return a.length < b.length; });
-    before[i] = longest->last;
-    best[place] = {longest->length + 1, i};
-  }
-  std::vector<bool> stays(places.size());
-  for (std::uint32_t i = std::ranges::max_element(best, {}, &Chain::length)->last; i != kNone;
-       i = before[i])
-    stays[i] = true;
-  return stays;
-}
-
 /// Statements of one place that move.
 struct Run {
   std::uint32_t first = kNone;
@@ -176,7 +153,7 @@ struct Run {
 class Order {
  public:
   explicit Order(Mender& mender)
-      : mender_(mender), places_(places_of(mender)), stays_(find_staying(places_)) {}
+      : mender_(mender), places_(places_of(mender)), stays_(longest_in_order(places_)) {}
 
   std::vector<Part> parts() {
     const bool is_on = mender_.is_on(FaultKind::kOrder);
@@ -320,7 +297,7 @@ class Order {
     parts.push_back({origin, origin, std::move(text)});
   }
 
-  std::string_view line_end() const { return line_end_of(mender_.document.source.text()); }
+  std::string_view line_end() const { return mender_.document.source.line_end(); }
 
   Mender& mender_;
   std::vector<int> places_;
@@ -363,8 +340,7 @@ void adopt_signals(Mender& mender) {
   const std::string message =
       "BO_ " + std::to_string(id) + " Signals_without_message: 0 " + ZELK_NO_NODE;
   const std::uint32_t place = mender.document.begin_of(mender.statement(first));
-  mender.edits.insert_before(
-      place, message + std::string(line_end_of(mender.document.source.text())) + ' ');
+  mender.edits.insert_before(place, message + std::string(mender.document.source.line_end()) + ' ');
   mender.note(FaultKind::kUnknownMessage, {place, place},
               "message " + shown(message) + " added for " + counted(count, "signal") +
                   " in front of all messages");

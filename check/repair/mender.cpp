@@ -85,9 +85,4 @@ void Mender::erase_tokens(std::uint32_t first, std::uint32_t end) {
   edits.erase(begin, document.tokens[end - 1].end);
 }
 
-std::string_view line_end_of(std::string_view text) {
-  const std::size_t at = text.find('\n');
-  return at != std::string_view::npos && at != 0 && text[at - 1] == '\r' ? "\r\n" : "\n";
-}
-
 }  // namespace zelk::check

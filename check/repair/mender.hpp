@@ -81,9 +81,6 @@ class Mender {
   std::vector<State> states_;
 };
 
-/// The line end of most lines: that of the first one.
-std::string_view line_end_of(std::string_view text);
-
 }  // namespace zelk::check
 
 #endif

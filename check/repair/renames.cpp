@@ -273,7 +273,7 @@ class Renames {
 
   /// @param is_first  nothing stands in front of it in the comment
   std::string old_name_line(const Renamed& each, bool is_first) const {
-    return std::string(is_first ? "" : line_end_of(mender_.document.source.text())) +
+    return std::string(is_first ? "" : mender_.document.source.line_end()) +
            "Original name: " + escaped(each.old_name);
   }
 

@@ -367,21 +367,28 @@ class FormReader {
   }
 
   void comment() {
-    if (in_.at_word(Word::kMessage)) {
-      in_.take(Role::kObject);
-      in_.whole(Role::kMessageRef, "the message's identifier");
-    } else if (in_.at_word(Word::kSignal)) {
-      in_.take(Role::kObject);
-      signal_of_message();
-    } else if (is_any_word({Word::kNodes, Word::kVariable, Word::kSignalType})) {
-      const Word object = in_.peek(0)->word;
-      in_.take(Role::kObject);
-      in_.name(role_of(object), "the object's name");
-    } else if (in_.at_number() || in_.at_name()) {
-      comment_without_object();
-    }
+    const bool has_object =
+        object({Word::kMessage, Word::kSignal, Word::kNodes, Word::kVariable, Word::kSignalType});
+    if (!has_object && (in_.at_number() || in_.at_name())) comment_without_object();
     in_.text(Role::kComment, "the comment, a text");
     in_.semicolon("';' behind the comment");
+  }
+
+  /// The keyword of an object and what refers to it.
+  ///
+  /// @return false, with nothing taken, when none of the kinds stands here
+  bool object(std::initializer_list<Word> kinds) {
+    if (!is_any_word(kinds)) return false;
+    const Word kind = in_.peek(0)->word;
+    in_.take(Role::kObject);
+    if (kind == Word::kSignal) {
+      signal_of_message();
+    } else if (kind == Word::kMessage) {
+      in_.whole(Role::kMessageRef, "the message's identifier");
+    } else {
+      in_.name(role_of(kind), "the object's name");
+    }
+    return true;
   }
 
   static Role role_of(Word object) {
@@ -461,17 +468,7 @@ class FormReader {
 
   void attribute() {
     in_.text(Role::kAttributeRef, "the attribute's name, a text");
-    if (in_.at_word(Word::kMessage)) {
-      in_.take(Role::kObject);
-      in_.whole(Role::kMessageRef, "the message's identifier");
-    } else if (in_.at_word(Word::kSignal)) {
-      in_.take(Role::kObject);
-      signal_of_message();
-    } else if (is_any_word({Word::kNodes, Word::kVariable})) {
-      const Word object = in_.peek(0)->word;
-      in_.take(Role::kObject);
-      in_.name(role_of(object), "the object's name");
-    }
+    object({Word::kMessage, Word::kSignal, Word::kNodes, Word::kVariable});
     value_and_end(Words::kFault);
   }
 
@@ -505,16 +502,8 @@ class FormReader {
   }
 
   void category() {
-    if (in_.at_word(Word::kMessage)) {
-      in_.take(Role::kObject);
-      in_.whole(Role::kMessageRef, "the message's identifier");
-    } else if (is_any_word({Word::kNodes, Word::kVariable})) {
-      const Word object = in_.peek(0)->word;
-      in_.take(Role::kObject);
-      in_.name(role_of(object), "the object's name");
-    } else {
+    if (!object({Word::kMessage, Word::kNodes, Word::kVariable}))
       return in_.unreadable("the kind of the object: \"BU_\", \"BO_\" or \"EV_\"");
-    }
     in_.signed_whole(Role::kCategoryRef, "the category's number");
     in_.semicolon("';' behind the category's number");
   }

@@ -127,4 +127,9 @@ std::string_view Source::line_at(std::uint32_t offset) const {
   return line;
 }
 
+std::string_view Source::line_end() const {
+  const std::size_t at = text_.find('\n');
+  return at != std::string::npos && at != 0 && text_[at - 1] == '\r' ? "\r\n" : "\n";
+}
+
 }  // namespace zelk::check

@@ -49,6 +49,8 @@ class Source {
   /// Of the main file.
   const std::string& path() const { return path_; }
   std::string_view text() const { return text_; }
+  /// That of the first line, "\r\n" or "\n", for lines that are added.
+  std::string_view line_end() const;
   std::uint32_t size() const { return static_cast<std::uint32_t>(text_.size()); }
   std::string_view text(std::uint32_t begin, std::uint32_t end) const {
     return std::string_view(text_).substr(begin, end - begin);

@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <iterator>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "base/counted_characters.hpp"
 #include "common/records.hpp"
 
 namespace zelk::modules::json {
@@ -16,29 +16,6 @@ namespace {
 constexpr std::size_t kDepthMax = 32;
 /// Twice as many as any object of the form has. Few keys are found in constant time.
 constexpr std::size_t kKeysMax = 64;
-
-/// Walks over the text and notes how far the parser has come.
-class Cursor {
- public:
-  using iterator_category = std::input_iterator_tag;
-  using value_type = char;
-  using difference_type = std::ptrdiff_t;
-  using pointer = const char*;
-  using reference = const char&;
-
-  Cursor(const char* at, const char*& reached) : at_(at), reached_(&reached) {}
-  reference operator*() const { return *at_; }
-  Cursor& operator++() {
-    *reached_ = ++at_;
-    return *this;
-  }
-  bool operator==(const Cursor& other) const { return at_ == other.at_; }
-  bool operator!=(const Cursor& other) const { return at_ != other.at_; }
-
- private:
-  const char* at_;
-  const char** reached_;
-};
 
 /// The line, from 1, of the last character in front of `end`.
 std::int32_t line_at(std::string_view text, const char* end) {
@@ -151,8 +128,8 @@ Value parse(std::string_view text) {
   Value document;
   Builder builder(document);
   try {
-    nlohmann::json::sax_parse(Cursor(text.data(), reached),
-                              Cursor(text.data() + text.size(), reached), &builder);
+    nlohmann::json::sax_parse(CountedCharacters(text.data(), reached),
+                              CountedCharacters(text.data() + text.size(), reached), &builder);
   } catch (const Fault& fault) {
     throw Fault(fault.what(), line_at(text, reached));
   }

@@ -4,12 +4,12 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <iterator>
 #include <nlohmann/json.hpp>
 #include <system_error>
 #include <utility>
 #include <vector>
 
+#include "base/counted_characters.hpp"
 #include "files/files.hpp"
 #include "input/lookup.hpp"
 #include "term/text.hpp"
@@ -17,34 +17,6 @@
 namespace zelk::tool {
 
 namespace {
-
-/// The characters of a text, and how many of them a parser took, whatever copies it makes.
-class CountedCharacters {
- public:
-  using iterator_category = std::input_iterator_tag;
-  using value_type = char;
-  using difference_type = std::ptrdiff_t;
-  using pointer = const char*;
-  using reference = const char&;
-
-  CountedCharacters(const char* at, const char*& taken) : at_(at), taken_(&taken) {}
-  reference operator*() const { return *at_; }
-  CountedCharacters& operator++() {
-    *taken_ = ++at_;
-    return *this;
-  }
-  CountedCharacters operator++(int) {
-    CountedCharacters before = *this;
-    ++*this;
-    return before;
-  }
-  bool operator==(const CountedCharacters& other) const { return at_ == other.at_; }
-  bool operator!=(const CountedCharacters& other) const { return at_ != other.at_; }
-
- private:
-  const char* at_;
-  const char** taken_;
-};
 
 using Base = nlohmann::json_sax<nlohmann::json>;
 
