@@ -1,7 +1,10 @@
 #include "check/repair/repair.hpp"
 
 #include <algorithm>
+#include <cstddef>
+#include <future>
 #include <initializer_list>
+#include <memory>
 #include <optional>
 #include <utility>
 
@@ -28,15 +31,21 @@ namespace {
 /// A mend can bring to light what another one has to mend.
 constexpr int kMostRounds = 6;
 
+/// Bytes for which a second thread is worth its start.
+constexpr std::size_t kLong = 1'000'000;
+
 /// Mends what can be seen in one reading of a text.
 class Round {
  public:
-  Round(const Document& document, const RepairOptions& options)
-      : names_(document),
-        faults_(find_faults(document, names_)),
-        mender_(document, names_, options),
+  Round(Source source, const RepairOptions& options)
+      : document_(read_document(std::move(source))),
+        names_(document_),
+        faults_(find_faults(document_, names_)),
+        mender_(document_, names_, options),
         references_(mender_),
         values_(mender_) {}
+  Round(const Round&) = delete;
+  Round& operator=(const Round&) = delete;
 
   Composition mended() {
     remove_no_nodes(mender_);
@@ -53,6 +62,7 @@ class Round {
     const std::vector<Part> parts = ordered(mender_);
     return mender_.edits.apply(mender_.document.source.text(), parts);
   }
+  const Document& document() const { return document_; }
   std::vector<Finding>& findings() { return mender_.findings; }
 
  private:
@@ -78,6 +88,7 @@ class Round {
       if (std::ranges::count(kinds, fault.kind) != 0 && concerns(fault)) act(fault);
   }
 
+  Document document_;
   Names names_;
   std::vector<Fault> faults_;
   Mender mender_;
@@ -85,32 +96,62 @@ class Round {
   ValueMends values_;
 };
 
+/// A text with its characters mended, and the first round of its other mends.
+struct Start {
+  std::optional<std::string> decoded{};  ///< of a text in UTF-16
+  std::vector<Finding> findings{};       ///< of the characters
+  std::optional<Composition> cleaned{};
+  std::unique_ptr<Round> round{};
+
+  bool is_other_text() const { return decoded || cleaned; }
+};
+
+Start start(const Source& source, const RepairOptions& options) {
+  Start result;
+  if (!options.kept.contains(name_of(FaultKind::kUtf16)))
+    result.decoded = decoded_utf16(source.text());
+  const std::string_view text = result.decoded ? *result.decoded : source.text();
+  result.cleaned = cleaned(text, options, result.findings);
+  result.round = std::make_unique<Round>(
+      Source(source.path(), result.cleaned ? result.cleaned->take_text() : std::string(text)),
+      options);
+  return result;
+}
+
 class Repair {
  public:
   Repair(Source source, const RepairOptions& options)
       : options_(options), result_{Outcome::kUnneeded, std::move(source)} {}
 
   Mended run() {
+    // Of a long text the strict reading takes as much time as all else.
+    const bool is_long = result_.source.size() > kLong;
+    std::future<Start> starting =
+        std::async(is_long ? std::launch::async | std::launch::deferred : std::launch::deferred,
+                   [this] { return start(result_.source, options_); });
     Verdict verdict = judge(result_.source.text());
     const bool is_perfect = verdict.message.empty() && is_whole(verdict, result_.source.text());
-    if (is_perfect && options_.no_node.empty()) return unneeded();
-    std::string text = prepared();
-    const bool is_prepared = !result_.mends.list.empty();
-    if (is_prepared) verdict = judge(text);
-    if (is_prepared && options_.no_node.empty() && is_whole(verdict, text))
-      return mended(std::move(text));
-    for (int round = 0; round < kMostRounds; ++round) {
-      const Document document = read_document(Source(result_.source.path(), std::move(text)));
-      Round mends(document, options_);
-      Composition composition = mends.mended();
-      if (mends.findings().empty()) return left(document, verdict);
-      take(std::move(mends.findings()));
-      text = composition.take_text();
+    if (is_perfect && options_.no_node.empty()) {
+      starting.wait();
+      return unneeded();
+    }
+    Start first = starting.get();
+    const bool is_other_text = first.is_other_text();
+    std::unique_ptr<Round> round = take(std::move(first));
+    if (is_other_text) verdict = judge(text_of(*round));
+    if (is_other_text && options_.no_node.empty() && is_whole(verdict, text_of(*round)))
+      return mended(std::string(text_of(*round)));
+    for (int rounds = 1;; ++rounds) {
+      Composition composition = round->mended();
+      if (round->findings().empty()) return left(round->document(), verdict);
+      take(std::move(round->findings()));
+      std::string text = composition.take_text();
       origins_.push_back(std::move(composition));
       verdict = judge(text);
       if (is_whole(verdict, text)) return mended(std::move(text));
+      round = std::make_unique<Round>(Source(result_.source.path(), std::move(text)), options_);
+      if (rounds == kMostRounds) return left(round->document(), verdict);
     }
-    return left(read_document(Source(result_.source.path(), std::move(text))), verdict);
   }
 
  private:
@@ -127,21 +168,17 @@ class Repair {
     });
   }
 
-  /// The text with its characters mended.
-  std::string prepared() {
-    const bool may_decode = !options_.kept.contains(name_of(FaultKind::kUtf16));
-    if (auto decoded = may_decode ? decoded_utf16(result_.source.text()) : std::nullopt) {
-      result_.source = Source(result_.source.path(), std::move(*decoded));
+  static std::string_view text_of(const Round& round) { return round.document().source.text(); }
+
+  std::unique_ptr<Round> take(Start start) {
+    if (start.decoded) {
+      result_.source = Source(result_.source.path(), std::move(*start.decoded));
       take(
           {{Severity::kNote, name_of(FaultKind::kUtf16), {}, "text decoded from UTF-16 to UTF-8"}});
     }
-    std::vector<Finding> findings;
-    auto cleaned_text = cleaned(result_.source.text(), options_, findings);
-    if (!cleaned_text) return std::string(result_.source.text());
-    take(std::move(findings));
-    std::string text = cleaned_text->take_text();
-    origins_.push_back(std::move(*cleaned_text));
-    return text;
+    take(std::move(start.findings));
+    if (start.cleaned) origins_.push_back(std::move(*start.cleaned));
+    return std::move(start.round);
   }
 
   /// The place in the source of one in the text of the present round.
