@@ -9,6 +9,7 @@
 
 #include "base/encoding.hpp"
 #include "check/includes/include_folder.hpp"
+#include "check/repair/decoding.hpp"
 
 namespace zelk::check {
 
@@ -190,6 +191,7 @@ class Includer {
 
   /// Texts of one encoding can be read together.
   std::string converted(std::string bytes) const {
+    if (auto decoded = decoded_utf16(bytes)) bytes = *std::move(decoded);
     const Encoding own = encoding_of(bytes);
     if (own == encoding_) return bytes;
     if (encoding_ == Encoding::kUtf8) return to_utf8(bytes, own);

@@ -1,10 +1,13 @@
 #include "check/includes/mend.hpp"
 
 #include <algorithm>
+#include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
 #include "check/includes/includes.hpp"
+#include "check/repair/decoding.hpp"
 #include "check/statements/document.hpp"
 #include "check/statements/fault.hpp"
 
@@ -46,9 +49,7 @@ Mended mend_with_includes(Source source, const MendOptions& options) {
   return mended;
 }
 
-}  // namespace
-
-MendedFile mend(Source source, const MendOptions& options) {
+MendedFile mend_text(Source source, const MendOptions& options) {
   if (!is_database(source)) {
     MendedFile refused = {{Outcome::kUnmendable, std::move(source)}};
     refused.faults.add(
@@ -60,6 +61,21 @@ MendedFile mend(Source source, const MendOptions& options) {
     return sorted({mend_with_includes(std::move(source), options)});
   Findings notes = find_includes(source);
   return sorted({repair(std::move(source), options), std::move(notes)});
+}
+
+}  // namespace
+
+// A text is decoded first, so that the comments in it are seen, which name files.
+MendedFile mend(Source source, const MendOptions& options) {
+  const std::string_view name = name_of(FaultKind::kUtf16);
+  auto decoded = options.kept.contains(name) ? std::nullopt : decoded_utf16(source.text());
+  if (!decoded) return mend_text(std::move(source), options);
+  MendedFile mended = mend_text(Source(source.path(), *std::move(decoded)), options);
+  auto& mends = mended.mends;
+  mends.list.insert(mends.list.begin(), {Severity::kNote, name, {}, std::string(kDecodedUtf16)});
+  ++mends.count;
+  if (mended.outcome == Outcome::kUnneeded) mended.outcome = Outcome::kMended;
+  return mended;
 }
 
 std::vector<std::string_view> mend_names() {

@@ -19,6 +19,9 @@ namespace zelk::check {
 /// UTF-8; none for other texts.
 std::optional<std::string> decoded_utf16(std::string_view bytes);
 
+/// What a finding says of such a text.
+inline constexpr std::string_view kDecodedUtf16 = "text decoded from UTF-16 to UTF-8";
+
 /// Takes NUL bytes out, and makes lines of a text whose lines end in carriage returns alone.
 ///
 /// @param findings  gets what was done

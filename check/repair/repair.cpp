@@ -173,8 +173,7 @@ class Repair {
   std::unique_ptr<Round> take(Start start) {
     if (start.decoded) {
       result_.source = Source(result_.source.path(), std::move(*start.decoded));
-      take(
-          {{Severity::kNote, name_of(FaultKind::kUtf16), {}, "text decoded from UTF-16 to UTF-8"}});
+      take({{Severity::kNote, name_of(FaultKind::kUtf16), {}, std::string(kDecodedUtf16)}});
     }
     take(std::move(start.findings));
     if (start.cleaned) origins_.push_back(std::move(*start.cleaned));
