@@ -34,7 +34,7 @@ class FormReader {
     document_.statements.push_back({kind, true, first, first});
     in_.begin(index);
     if (kind != Word::kNone && kind != Word::kAnnounced) form_and_end(kind);
-    const bool is_exact = in_.is_readable() && in_.at() != first;
+    const bool is_exact = in_.is_readable() && in_.at() != first && !in_.is_within_name();
     if (!is_exact) statement_again(kind, first);
     close(document_.statements[index]);
     if (kind == Word::kNewSymbols) announce(document_.statements[index]);

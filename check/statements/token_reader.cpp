@@ -68,7 +68,7 @@ bool TokenReader::at_name() const {
   if (at_end() || at_statement()) return false;
   const TokenKind kind = tokens_[at_].kind;
   return kind == TokenKind::kName || kind == TokenKind::kOddName || kind == TokenKind::kKeyword ||
-         (is_number_kind(kind) && odd_name_end() > at_ + 1);
+         (is_number_kind(kind) && odd_name_end(at_) > at_ + 1);
 }
 
 bool TokenReader::at_statement() const {
@@ -92,6 +92,15 @@ bool TokenReader::is_on_line_of_previous(std::uint32_t token) const {
 
 bool TokenReader::touches_next(std::uint32_t token) const {
   return token + 1 < tokens_.size() && tokens_[token].end == tokens_[token + 1].begin;
+}
+
+bool TokenReader::is_within_name() const {
+  if (at_end() || at_ == 0 || tokens_[at_ - 1].kind != TokenKind::kName || !touches_next(at_ - 1))
+    return false;
+  const TokenKind next = tokens_[at_].kind;
+  const bool may_go_on = next == TokenKind::kMark || is_number_kind(next);
+  const std::uint32_t end = may_go_on ? odd_name_end(at_ - 1) : at_;
+  return end > at_ && tokens_[end - 1].kind != TokenKind::kMark;
 }
 
 // --- Faults ---
@@ -178,8 +187,8 @@ void TokenReader::merge(std::uint32_t last, TokenKind kind) {
 }
 
 /// Behind the last of the tokens that, without space between them, are meant for one name.
-std::uint32_t TokenReader::odd_name_end() const {
-  std::uint32_t last = at_;
+std::uint32_t TokenReader::odd_name_end(std::uint32_t first) const {
+  std::uint32_t last = first;
   bool has_letters = false;
   for (;; ++last) {
     const Token& token = tokens_[last];
@@ -193,11 +202,11 @@ std::uint32_t TokenReader::odd_name_end() const {
       break;
     }
   }
-  return has_letters ? last : at_ + 1;
+  return has_letters ? last : first + 1;
 }
 
 void TokenReader::take_name(Role role, std::string_view expected) {
-  const std::uint32_t end = odd_name_end();
+  const std::uint32_t end = odd_name_end(at_);
   const std::uint32_t first = at_;
   if (end > at_ + 1) merge(end - 1, TokenKind::kOddName);
   const TokenKind kind = tokens_[first].kind;
@@ -255,7 +264,7 @@ void TokenReader::text(Role role, std::string_view expected) {
 }
 
 void TokenReader::unquoted_text(Role role) {
-  const std::uint32_t end = odd_name_end();
+  const std::uint32_t end = odd_name_end(at_);
   const std::uint32_t first = at_;
   if (end > first + 1) merge(end - 1, TokenKind::kOddName);
   tokens_[first].role = role;

@@ -38,6 +38,8 @@ class TokenReader {
   /// A keyword that begins a statement: the first token of a line, or followed as a statement is.
   bool at_statement() const;
   bool is_readable() const { return is_readable_; }
+  /// Whether the name that was taken last seems to go on: "-1" behind "node".
+  bool is_within_name() const;
   const Token* peek(std::uint32_t ahead) const;
   /// Whether a token stands on the line of the one before it.
   bool is_on_line_of_previous(std::uint32_t token) const;
@@ -90,7 +92,7 @@ class TokenReader {
   void merge(std::uint32_t last, TokenKind kind);
   void take_name(Role role, std::string_view expected);
   void unquoted_text(Role role);
-  std::uint32_t odd_name_end() const;
+  std::uint32_t odd_name_end(std::uint32_t first) const;
   std::uint32_t odd_number_end() const;
   using IsRight = bool (*)(const Document&, const Token&);
   void number(Role role, std::string_view expected, IsRight is_right);
