@@ -10,6 +10,7 @@
 #include "base/characters.hpp"
 #include "check/findings/sentences.hpp"
 #include "check/repair/plain_names.hpp"
+#include "check/repair/split_names.hpp"
 
 namespace zelk::check {
 
@@ -96,10 +97,14 @@ struct Renamed {
 
 class Renames {
  public:
-  Renames(Mender& mender, std::span<const Fault> faults) : mender_(mender), faults_(faults) {}
+  Renames(Mender& mender, std::span<const Fault> faults)
+      : mender_(mender), faults_(faults), split_(split_names(mender, faults)) {}
 
   void run() {
     // What is introduced comes first; a name that is only referred to gets its own all the same.
+    for (const Fault& fault : split_) rename(fault);
+    // What was taken for indicators is none, once the text is read again.
+    mender_.has_new_statements |= !split_.empty();
     for (const bool introduced : {true, false}) {
       for (const Fault& fault : faults_)
         if (concerns(fault) && naming(fault).is_introduced == introduced) rename(fault);
@@ -143,14 +148,15 @@ class Renames {
     if (token.role == Role::kValue) return quote(fault);
     const NameKind kind = naming(fault).kind;
     const std::uint32_t owner = owner_of(kind, fault.statement);
-    const std::string_view name = mender_.text_of(fault.token);
+    const std::uint32_t end = mender_.token(fault.token_end - 1).end;
+    const std::string_view name = mender_.document.source.text(token.begin, end);
     const auto [entry, is_new] = by_key_.try_emplace(key_of(kind, owner, name), renamed_.size());
     if (is_new) {
       renamed_.push_back({kind, owner, std::string(name), new_name(kind, owner, name), &fault});
     } else {
       ++renamed_[entry->second].references;
     }
-    mender_.replace_token(fault.token, renamed_[entry->second].new_name);
+    mender_.edits.replace(token.begin, end, renamed_[entry->second].new_name);
   }
 
   /// A word that is the value of an attribute stays as it is, as a text.
@@ -389,6 +395,7 @@ class Renames {
 
   Mender& mender_;
   std::span<const Fault> faults_;
+  const std::vector<Fault> split_;
   std::vector<Renamed> renamed_;
   std::unordered_map<std::string, std::size_t> by_key_;  ///< by kind, owner and old name
   std::unordered_map<std::string, std::size_t> last_numbers_;
