@@ -88,7 +88,8 @@ void FormMends::mend(const Fault& fault) {
     case FaultKind::kNoFinalLineFeed:
       return mend_final_line_feed(mender_);
     case FaultKind::kEndByte:
-      return mend_end_byte(mender_, fault);
+      if (std::exchange(end_byte_token_, fault.token) != fault.token) mend_end_byte(mender_, fault);
+      return;
     case FaultKind::kOddSpace:
       return mend_odd_space(mender_, fault);
     case FaultKind::kOpenText:

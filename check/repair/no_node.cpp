@@ -90,7 +90,8 @@ class NoNodes {
 }  // namespace
 
 void remove_no_nodes(Mender& mender) {
-  if (!mender.options.no_node.empty()) NoNodes(mender).run();
+  const bool is_wanted = !mender.options.no_node.empty() && mender.is_on(FaultKind::kNoNode);
+  if (is_wanted) NoNodes(mender).run();
 }
 
 }  // namespace zelk::check
