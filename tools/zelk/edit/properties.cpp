@@ -125,18 +125,24 @@ bool selects_signals(const sigblk& signal) {
   return find_first(signal.message->signals, is_selected) != nullptr;
 }
 
+/// Makes the signal one that is always there. The multiplexor stays one, for other signals.
+void unselect(sigblk& signal) {
+  sigblk* const multiplexor = signal.mux_signal;
+  const bool was_multiplexor = multiplexor && is_multiplexor(*multiplexor);
+  zelk_remove_multiplexor(&signal);
+  if (multiplexor) set_flag(*multiplexor, ZELK_SIGNAL_MULTIPLEXOR, was_multiplexor);
+}
+
 void set_multiplexing(const EditTargets& targets, sigblk& signal, const std::string& value,
                       Encoding) {
   if (value == "M") return set_flag(signal, ZELK_SIGNAL_MULTIPLEXOR);
   if (value == "none" || value.empty()) {
     if (selects_signals(signal)) throw RequestError("the signal selects others");
     set_flag(signal, ZELK_SIGNAL_MULTIPLEXOR, false);
-    return zelk_remove_multiplexor(&signal);
+    return unselect(signal);
   }
   const Ranges ranges = ranges_of(targets, signal, value);
-  const bool was_multiplexor = is_multiplexor(*ranges.multiplexor);
-  zelk_remove_multiplexor(&signal);
-  set_flag(*ranges.multiplexor, ZELK_SIGNAL_MULTIPLEXOR, was_multiplexor);
+  unselect(signal);
   for (auto range = ranges.values.rbegin(); range != ranges.values.rend(); ++range)
     zelk_add_multiplexor_value_range(&signal, ranges.multiplexor, range->first, range->second);
 }
