@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <initializer_list>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -83,6 +85,70 @@ TEST(Picture, ShowsWhatAnExpertLooksFor) {
       EXPECT_NE(picture.find(part), std::string::npos) << c.database << part;
     EXPECT_EQ(picture.find(c.absent), std::string::npos) << c.database;
   }
+}
+
+/// A line for each group: its title, and the texts in it that have one of these classes.
+std::string groups_of(const std::string& picture, std::initializer_list<const char*> classes) {
+  std::string all;
+  std::istringstream lines(picture);
+  const auto between = [](const std::string& line, const char* begin, const char* end) {
+    const std::size_t from = line.find(begin) + std::string_view(begin).size();
+    return line.substr(from, line.find(end, from) - from);
+  };
+  bool is_open = false;
+  for (std::string line; std::getline(lines, line);) {
+    if (line.starts_with("<g><title>")) {
+      all += (all.empty() ? "" : "\n") + between(line, "<title>", "</title>") + ":";
+      is_open = true;
+    }
+    if (line == "</g>") is_open = false;
+    if (!is_open || !line.starts_with("<text")) continue;
+    const std::string name = between(line, "class=\"", "\"");
+    for (const char* const wanted : classes)
+      if (name == wanted) all += ' ' + between(line, ">", "<");
+  }
+  return all;
+}
+
+// Bits are counted as the file counts them, 8 * byte + bit: a Motorola signal goes on downwards
+// from bit 0 of a byte to bit 7 of the next one.
+TEST(Picture, PutsBitsInTheirPlaces) {
+  const struct {
+    std::string database;
+    std::string groups;
+  } cases[] = {
+      {"BO_ 100 M: 4 N\n" + signal("I : 6|4@1+") + signal("J : 17|5@0-") + signal("K : 15|1@0+"),
+       "Bits of the frame:\nI, byte 1 bit 1 to byte 0 bit 6: 7 6 LSB\n"
+       "K, byte 1 bit 7: 15\nI, byte 1 bit 1 to byte 0 bit 6: 9 8 MSB\n"
+       "J, byte 2 bit 1 to byte 3 bit 5: 17 16 MSB\nJ, byte 2 bit 1 to byte 3 bit 5: 31 30 29 LSB"},
+      {"BO_ 100 M: 1 N\n" + signal("X M : 0|2@1+") + signal("P m0 : 2|2@1+") +
+           signal("Q m3 : 4|2@0+") + signal("R m0 : 7|1@1+"),
+       "Bits for X = 0:\nR, byte 0 bit 7: 7\nP, byte 0 bits 3 to 2: 3 2 MSB LSB\n"
+       "X, byte 0 bits 1 to 0: 1 0 MSB LSB\nBits for X = 3:\n"
+       "Q, byte 0 bits 4 to 3: 4 3 MSB LSB\nX, byte 0 bits 1 to 0: 1 0 MSB LSB"},
+      {"BO_ 100 M: 2 N\n" + signal("A : 0|9@1+") + signal("B : 5|6@0+"),
+       "Bits of the frame:\nA, byte 1 bit 0 to byte 0 bit 0: 7 6\noverlap of A, B: 5 4 3 2 1 0 MSB "
+       "LSB\nA, byte 1 bit 0 to byte 0 bit 0: 8 MSB"},
+  };
+  for (const auto& c : cases) {
+    std::string groups = groups_of(picture_of(c.database), {"number end", "mark", "mark end"});
+    // Behind them come the rows of the table, which have neither.
+    for (std::size_t at; groups.ends_with(':') && (at = groups.rfind('\n')) != groups.npos;)
+      groups.resize(at);
+    EXPECT_EQ(groups, c.groups) << c.database;
+  }
+}
+
+TEST(Picture, ListsTheSignals) {
+  const std::string picture = picture_of(
+      "BO_ 100 M: 8 N\n SG_ I : 6|4@1- (0.5,-40) [-1|1.5] \"k<m\" N\n SG_ J : 17|5@0+ (1,0) [0|0] "
+      "\"\" Ostrel__XXX\n");
+  const std::string rows = groups_of(picture, {"body", "body end"});
+  const std::size_t table = rows.find("\nI:");
+  ASSERT_NE(table, rows.npos) << rows;
+  EXPECT_EQ(rows.substr(table),
+            "\nI: I 6 4 Intel signed 0.5 -40 -1 to 1.5 k&lt;m N\n"
+            "J: J 17 5 Motorola unsigned 1 0 0 to 0  ");
 }
 
 TEST(Picture, TextsKeepToTheirWidth) {
