@@ -50,16 +50,14 @@ class DiffWriter {
 
   Lines lines_around(const Splice& splice) const {
     const std::string_view added =
-        std::string_view(patched_.text)
-            .substr(splice.after.begin, splice.after.end - splice.after.begin);
-    const bool is_whole = begins_line(splice.before.begin) && begins_line(splice.before.end) &&
+        std::string_view(patched_.text).substr(splice.new_begin, splice.new_end - splice.new_begin);
+    const bool is_whole = begins_line(splice.begin) && begins_line(splice.end) &&
                           (added.empty() || added.ends_with('\n'));
-    if (is_whole) return {splice.before, splice.after};
-    const std::uint32_t begin = original_.line_begin(splice.before.begin);
-    const std::uint32_t end = original_.next_line(splice.before.end);
+    if (is_whole) return {{splice.begin, splice.end}, {splice.new_begin, splice.new_end}};
+    const std::uint32_t begin = original_.line_begin(splice.begin);
+    const std::uint32_t end = original_.next_line(splice.end);
     return {{begin, end},
-            {splice.after.begin - (splice.before.begin - begin),
-             splice.after.end + (end - splice.before.end)}};
+            {splice.new_begin - (splice.begin - begin), splice.new_end + (end - splice.end)}};
   }
 
   /// Changes of the same lines are one.

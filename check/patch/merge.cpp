@@ -77,9 +77,11 @@ bool Merge::locate(const std::vector<Piece>& before, const Pair& pair,
     for (std::uint32_t i = change.begin; i < change.end; ++i)
       if (places[i] != begin + (i - change.begin)) return false;
     const std::uint32_t end = begin + (change.end - change.begin);
-    const std::uint32_t next = change.end == before.size()
+    std::uint32_t behind_change = change.end;  // what the old one has
+    while (behind_change < before.size() && places[behind_change] == kNoPartner) ++behind_change;
+    const std::uint32_t next = behind_change == before.size()
                                    ? static_cast<std::uint32_t>(pair.old.size())
-                                   : places[change.end];
+                                   : places[behind_change];
     if (next != end) return false;
     change.begin = begin;
     change.end = end;
@@ -117,14 +119,14 @@ bool Merge::ends_at(const Pair& pair, std::uint32_t index) const {
 
 /// With the space in front of the pieces at the end of a statement, elsewhere with that behind.
 void Merge::erase(const Pair& pair, const Divergence& change) {
-  const Source& source = casts_.original.document().source;
+  const Document& document = casts_.original.document();
   std::uint32_t begin = begin_of(pair.old[change.begin]);
   std::uint32_t end = end_of(pair.old[change.end - 1]);
   const bool is_end = ends_at(pair, change.end);
-  const std::uint32_t before = end_of(pair.old[change.begin - 1]);
+  const std::uint32_t before = document.tokens[pair.old[change.begin].first - 1].end;
   const std::uint32_t behind = change.end < pair.old.size() ? begin_of(pair.old[change.end]) : end;
-  if (is_end && is_blank(source.text(before, begin))) begin = before;
-  if (!is_end && is_blank(source.text(end, behind))) end = behind;
+  if (is_end && is_blank(document.source.text(before, begin))) begin = before;
+  if (!is_end && is_blank(document.source.text(end, behind))) end = behind;
   splices_.replace(begin, end, "");
 }
 

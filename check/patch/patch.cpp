@@ -40,7 +40,7 @@ class StatementPatch {
     pair_equal(before_.all(), after_.all(), partners_);
     keep_order(partners_);
     if (nodes == Nodes::kAll) list_all_nodes();
-    change_and_remove();
+    change_and_remove(nodes);
     add();
     remove_orphans();
   }
@@ -61,12 +61,15 @@ class StatementPatch {
 
   // --- Statements that change or go ---
 
-  void change_and_remove() {
+  /// But the list of nodes, where that is changed already.
+  void change_and_remove(Nodes nodes) {
     std::vector<std::uint32_t> successors(before_text_.statements.size(), kNone);
     for (std::uint32_t i = 0; i < partners_.size(); ++i)
       if (partners_[i] != kNoPartner) successors[partners_[i]] = i;
     for (std::uint32_t i = 0; i < successors.size(); ++i) {
-      if (before_.all()[i] == 0) continue;
+      const bool is_listed =
+          nodes == Nodes::kAll && before_text_.statements[i].kind == Word::kNodes;
+      if (before_.all()[i] == 0 || is_listed) continue;
       if (successors[i] == kNone) {
         remove(i);
       } else if (differ(i, successors[i])) {
@@ -269,8 +272,8 @@ std::optional<Patched> patch_statements(const Document& original, const Document
   if (!original_cast.match(before_cast)) return std::nullopt;
   Splices splices(original);
   const Renaming renaming(before_cast, after_cast);
-  renaming.apply(original_cast, splices);
   StatementPatch({original_cast, before_cast, after_cast}, renaming, splices).run(nodes);
+  renaming.apply(original_cast, splices);  // names that nothing else replaces
   return splices.apply();
 }
 

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "base/numbers.hpp"
+#include "zelk/records.h"
 
 namespace zelk::check {
 
@@ -54,6 +55,13 @@ std::string meaning_of(std::string_view text) {
 
 bool is_number(const Token& token) {
   return token.kind == TokenKind::kWhole || token.kind == TokenKind::kReal;
+}
+
+/// Whether the reader passes over a token: what is no statement's business, and the name that
+/// stands for no node in the list of nodes.
+bool is_passed_over(const Document& document, const Token& token) {
+  return token.kind == TokenKind::kAbsorbed ||
+         (token.role == Role::kNode && document.text_of(token) == ZELK_NO_NODE);
 }
 
 bool is_sign(const Token& token) { return token.is_mark('-') || token.is_mark('+'); }
@@ -110,7 +118,7 @@ std::vector<Piece> pieces_of(const Cast& cast, std::uint32_t statement) {
   std::vector<Piece> pieces;
   for (std::uint32_t first = place.first; first < place.end; ++first) {
     const Token& token = document.tokens[first];
-    if (token.kind == TokenKind::kAbsorbed) continue;
+    if (is_passed_over(document, token)) continue;
     const bool has_number =
         is_sign(token) && first + 1 < place.end && is_number(document.tokens[first + 1]);
     const std::uint32_t end = first + (has_number ? 2 : 1);

@@ -1,7 +1,8 @@
 #include "check/patch/sequences.hpp"
 
 #include <algorithm>
-#include <utility>
+
+#include "check/statements/order.hpp"
 
 namespace zelk::check {
 
@@ -19,31 +20,6 @@ std::vector<Element> sorted(std::span<const std::uint64_t> values,
     if (values[i] != 0 && !has_partner[i]) elements.push_back({values[i], i});
   std::ranges::stable_sort(elements, {}, &Element::value);
   return elements;
-}
-
-/// The longest part of the sequence whose values ascend, as indexes, by the piles of patience.
-std::vector<std::uint32_t> ascending_part(const Partners& partners) {
-  std::vector<std::uint32_t> piles;  // index of the least value that ends a part of each length
-  std::vector<std::uint32_t> previous(partners.size(), kNoPartner);
-  const auto value = [&partners](std::uint32_t index) { return partners[index]; };
-  for (std::uint32_t i = 0; i < partners.size(); ++i) {
-    if (partners[i] == kNoPartner) continue;
-    auto pile = piles.end();
-    if (!piles.empty() && partners[piles.back()] >= partners[i])
-      pile = std::ranges::lower_bound(piles, partners[i], {}, value);
-    if (pile != piles.begin()) previous[i] = pile[-1];
-    if (pile == piles.end()) {
-      piles.push_back(i);
-    } else {
-      *pile = i;
-    }
-  }
-  std::vector<std::uint32_t> part;
-  for (std::uint32_t i = piles.empty() ? kNoPartner : piles.back(); i != kNoPartner;
-       i = previous[i])
-    part.push_back(i);
-  std::ranges::reverse(part);
-  return part;
 }
 
 /// Lengths of the longest common sequences of all ends of two sequences.
@@ -124,9 +100,12 @@ void pair_equal(std::span<const std::uint64_t> before, std::span<const std::uint
 }
 
 void keep_order(Partners& partners) {
-  Partners kept(partners.size(), kNoPartner);
-  for (const std::uint32_t index : ascending_part(partners)) kept[index] = partners[index];
-  partners = std::move(kept);
+  std::vector<int> places;  // from 1
+  places.reserve(partners.size());
+  for (const std::uint32_t partner : partners) places.push_back(static_cast<int>(partner + 1));
+  const std::vector<bool> is_in_order = longest_in_order(places);
+  for (std::size_t i = 0; i < partners.size(); ++i)
+    if (!is_in_order[i]) partners[i] = kNoPartner;
 }
 
 void pair_gaps(Partners& partners, std::size_t before_size) {

@@ -1,6 +1,7 @@
 #include "check/patch/splices.hpp"
 
 #include <algorithm>
+#include <utility>
 
 namespace zelk::check {
 
@@ -15,7 +16,8 @@ Splices::Splices(const Document& document)
 
 void Splices::replace(std::uint32_t begin, std::uint32_t end, std::string text) {
   if (source_.text(begin, end) == text) return;
-  changes_.push_back({begin, end, std::move(text), false});
+  if (begin == end) return edits_.insert_behind(begin, std::move(text));
+  edits_.replace(begin, end, std::move(text));
 }
 
 std::string Splices::with_line_ends(std::string_view text) const {
@@ -59,12 +61,12 @@ void Splices::remove(std::uint32_t statement) {
   const std::uint32_t line = line_begin_if_first(begin);
   const Rest rest = rest_of_line(end);
   if (line != Statement::kNone && rest.is_empty) {
-    changes_.push_back({line, rest.end, "", true});
+    lines_.push_back({line, rest.end});
   } else if (rest.is_empty || place.first == 0) {
     const std::uint32_t from = place.first == 0 ? begin : document_.tokens[place.first - 1].end;
-    changes_.push_back({is_blank(source_.text(from, begin)) ? from : begin, end, "", false});
+    removals_.push_back({is_blank(source_.text(from, begin)) ? from : begin, end});
   } else {
-    changes_.push_back({begin, rest.end, "", false});
+    removals_.push_back({begin, rest.end});
   }
 }
 
@@ -77,80 +79,88 @@ std::string Splices::indentation_at(std::uint32_t statement) const {
 void Splices::insert(std::uint32_t anchor, std::string_view statement, bool is_block) {
   const std::string text(statement);
   const std::string end(line_end_);
-  if (anchor == Statement::kNone) {
-    changes_.push_back({0, 0, text + end, false});
-    return;
-  }
+  if (anchor == Statement::kNone) return insertions_.push_back({0, text + end});
   const std::uint32_t behind = document_.end_of(document_.statements[anchor]);
   const Rest rest = rest_of_line(behind);
-  if (!rest.is_empty) {
-    changes_.push_back({behind, behind, " " + text, false});
-    return;
-  }
+  if (!rest.is_empty) return insertions_.push_back({behind, " " + text});
   const bool is_open = rest.end == source_.size() && source_.text().back() != '\n';
   const bool has_gap = is_block && (rest.end == source_.size() || is_blank_line(rest.end));
-  changes_.push_back(
-      {rest.end, rest.end, (is_open ? end : "") + (has_gap ? end : "") + text + end, false});
+  insertions_.push_back({rest.end, (is_open ? end : "") + (has_gap ? end : "") + text + end});
 }
 
-void Splices::sort() {
-  std::ranges::stable_sort(changes_, [](const Change& a, const Change& b) {
-    if (a.begin != b.begin) return a.begin < b.begin;
-    const bool a_inserts = a.begin == a.end;
-    const bool b_inserts = b.begin == b.end;
-    return a_inserts != b_inserts ? a_inserts : a.end > b.end;
-  });
-}
-
-bool Splices::is_changed_at(std::uint32_t offset) const {
-  const auto found = std::ranges::lower_bound(changes_, offset, {}, &Change::begin);
-  return found != changes_.end() && found->begin == offset;
-}
-
-/// Where whole lines between two empty ones go, one of these goes as well.
+/// Removed lines behind an empty one, with only empty ones between them, go as one.
 void Splices::close_gaps() {
-  for (std::size_t i = 0; i < changes_.size();) {
-    std::size_t last = i;
-    const auto goes_on = [&](std::size_t next) {
-      return next < changes_.size() && changes_[next].is_line &&
-             changes_[next].begin == changes_[last].end;
+  std::ranges::sort(lines_, {}, &Span::begin);
+  for (std::size_t i = 0; i < lines_.size();) {
+    Span all = lines_[i++];
+    const bool has_gap = all.begin > 0 && is_blank_line(source_.line_begin(all.begin - 1));
+    const auto goes_on_at = [&](std::uint32_t begin) {
+      return begin <= all.end || (has_gap && begin == behind_gap(all.end));
     };
-    if (!changes_[i].is_line) {
-      ++i;
-      continue;
+    for (; i < lines_.size() && goes_on_at(lines_[i].begin); ++i)
+      all.end = std::max(all.end, lines_[i].end);
+    if (has_gap && all.end == source_.size()) {
+      all.begin = source_.line_begin(all.begin - 1);
+    } else if (has_gap && behind_gap(all.end) != all.end) {
+      all.end = source_.next_line(all.end);
     }
-    while (goes_on(last + 1)) ++last;
-    const std::uint32_t begin = changes_[i].begin;
-    const std::uint32_t end = changes_[last].end;
-    const bool has_gap_before = begin > 0 && is_blank_line(source_.line_begin(begin - 1));
-    if (has_gap_before && end == source_.size()) {
-      changes_[i].begin = source_.line_begin(begin - 1);
-    } else if (has_gap_before && is_blank_line(end) && !is_changed_at(end)) {
-      changes_[last].end = source_.next_line(end);
-    }
-    i = last + 1;
+    removals_.push_back(all);
   }
+}
+
+/// Behind the empty lines from `begin` on, if nothing is inserted there.
+std::uint32_t Splices::behind_gap(std::uint32_t begin) const {
+  const bool has_insertion = std::ranges::binary_search(insertions_, begin, {}, &Insertion::place);
+  while (!has_insertion && is_blank_line(begin)) begin = source_.next_line(begin);
+  return begin;
+}
+
+void Splices::join_removals() {
+  std::ranges::sort(removals_, {}, &Span::begin);
+  std::vector<Span> joined;
+  for (const Span& removal : removals_) {
+    if (joined.empty() || removal.begin > joined.back().end) {
+      joined.push_back(removal);
+    } else {
+      joined.back().end = std::max(joined.back().end, removal.end);
+    }
+  }
+  removals_ = std::move(joined);
+  for (Span& removal : removals_) take_blanks(removal);
+}
+
+/// What ends within a line leaves no blanks at its end, and not the line alone.
+void Splices::take_blanks(Span& removal) const {
+  const std::string_view text = source_.text();
+  const bool ends_line = removal.end > 0 && text[removal.end - 1] != '\n' &&
+                         (removal.end == text.size() || text[removal.end] == '\n' ||
+                          text.substr(removal.end, 2) == "\r\n");
+  if (!ends_line) return;
+  while (removal.begin > 0 && (text[removal.begin - 1] == ' ' || text[removal.begin - 1] == '\t'))
+    --removal.begin;
+  if (source_.line_begin(removal.begin) == removal.begin)
+    removal.end = source_.next_line(removal.end);
+}
+
+/// Out of what is removed around it.
+void Splices::place(Insertion& insertion) {
+  const auto next = std::ranges::upper_bound(removals_, insertion.place, {}, &Span::end);
+  if (next != removals_.end() && next->begin < insertion.place) insertion.place = next->end;
+  const bool touches = insertion.place < source_.size() && insertion.text.back() != '\n' &&
+                       !is_blank(source_.text().substr(insertion.place, 1));
+  if (touches) insertion.text += ' ';
+  edits_.insert_behind(insertion.place, std::move(insertion.text));
 }
 
 Patched Splices::apply() {
-  sort();
+  std::ranges::stable_sort(insertions_, {}, &Insertion::place);
   close_gaps();
-  Patched result;
-  std::uint32_t done = 0;
-  for (Change& change : changes_) {
-    const bool cuts_more = change.text.empty() && change.end > done;
-    if (change.begin < done && !cuts_more) continue;
-    change.begin = std::max(change.begin, done);
-    result.text += source_.text(done, change.begin);
-    const auto begin = static_cast<std::uint32_t>(result.text.size());
-    result.text += change.text;
-    const auto end = static_cast<std::uint32_t>(result.text.size());
-    if (!change.text.empty() || change.begin != change.end)
-      result.splices.push_back({{change.begin, change.end}, {begin, end}});
-    done = change.end;
-  }
-  result.text += source_.text(done, source_.size());
-  return result;
+  join_removals();
+  for (const auto& [begin, end] : removals_) edits_.erase(begin, end);
+  for (Insertion& insertion : insertions_) place(insertion);
+  Composition composition = edits_.apply(source_.text());
+  std::vector<Splice> splices = composition.splices(source_.size());
+  return {composition.take_text(), std::move(splices)};
 }
 
 }  // namespace zelk::check

@@ -11,14 +11,9 @@
 
 #include "check/findings/finding.hpp"
 #include "check/statements/document.hpp"
+#include "check/statements/edits.hpp"
 
 namespace zelk::check {
-
-/// A stretch of the old text, and what stands there in the new one.
-struct Splice {
-  Span before;
-  Span after;
-};
 
 /// A text in the place of another, and where they differ.
 struct Patched {
@@ -33,15 +28,15 @@ class Splices {
   explicit Splices(const Document& document);
 
   /// The text in place of [`begin`, `end`). Of changes that overlap, the one that begins first
-  /// counts, then the longest one.
+  /// counts, then the first given; statements that are removed go with all changes in them.
   void replace(std::uint32_t begin, std::uint32_t end, std::string text);
 
   /// Takes a statement out: with its line, and a comment behind it there, when it stands there
-  /// alone.
+  /// alone. Where whole lines between two empty ones go, one of these goes as well.
   void remove(std::uint32_t statement);
 
-  /// Puts a statement behind another one. Those that are put at the same place stand there in the
-  /// order of the calls.
+  /// Puts a statement behind another one, also behind one that is removed. Those that are put at
+  /// the same place stand there in the order of the calls.
   ///
   /// @param anchor     index of the statement; `Statement::kNone` for the beginning of the text
   /// @param statement  its text, with the line ends of the document
@@ -58,11 +53,9 @@ class Splices {
   Patched apply();
 
  private:
-  struct Change {
-    std::uint32_t begin;
-    std::uint32_t end;
+  struct Insertion {
+    std::uint32_t place;
     std::string text;
-    bool is_line;  ///< whole lines are removed
   };
   /// Behind the blanks, and a comment, from `offset` on: the next line, the end of the text, or a
   /// token.
@@ -74,14 +67,19 @@ class Splices {
   Rest rest_of_line(std::uint32_t offset) const;
   bool is_blank_line(std::uint32_t begin) const;
   std::uint32_t line_begin_if_first(std::uint32_t offset) const;
-  void sort();
+  std::uint32_t behind_gap(std::uint32_t begin) const;
   void close_gaps();
-  bool is_changed_at(std::uint32_t offset) const;
+  void join_removals();
+  void take_blanks(Span& removal) const;
+  void place(Insertion& insertion);
 
   const Document& document_;
   const Source& source_;
   std::string_view line_end_;
-  std::vector<Change> changes_;
+  Edits edits_;
+  std::vector<Span> lines_;     ///< removed, whole ones
+  std::vector<Span> removals_;  ///< all others; `apply` adds the lines
+  std::vector<Insertion> insertions_;
 };
 
 }  // namespace zelk::check

@@ -26,6 +26,26 @@ std::uint32_t Composition::origin(std::size_t offset) const {
   return run.is_added ? run.origin : run.origin + static_cast<std::uint32_t>(offset - run.begin);
 }
 
+std::vector<Splice> Composition::splices(std::uint32_t size) const {
+  std::vector<Splice> result;
+  Splice open{0, 0, 0, 0};  // goes on up to the next stretch of the original
+  const auto close = [&](std::uint32_t origin, std::size_t begin) {
+    open.end = origin;
+    open.new_end = static_cast<std::uint32_t>(begin);
+    if (open.begin != open.end || open.new_begin != open.new_end) result.push_back(open);
+  };
+  for (std::size_t i = 0; i < runs_.size(); ++i) {
+    const Run& run = runs_[i];
+    if (run.is_added) continue;
+    close(run.origin, run.begin);
+    const std::size_t end = i + 1 < runs_.size() ? runs_[i + 1].begin : text_.size();
+    open.begin = run.origin + static_cast<std::uint32_t>(end - run.begin);
+    open.new_begin = static_cast<std::uint32_t>(end);
+  }
+  close(size, text_.size());
+  return result;
+}
+
 Composition Edits::apply(std::string_view original, std::span<const Part> parts) {
   std::ranges::stable_sort(edits_, {}, &Edit::place);
   Composition result;

@@ -19,6 +19,14 @@ struct Part {
   std::string added{};  ///< when not empty, the part is this text; `begin` is its place then
 };
 
+/// A stretch of the original, and what stands there in the changed text.
+struct Splice {
+  std::uint32_t begin;
+  std::uint32_t end;
+  std::uint32_t new_begin;
+  std::uint32_t new_end;
+};
+
 /// A text and where it came from.
 class Composition {
  public:
@@ -28,6 +36,11 @@ class Composition {
   /// The place in the original of a place in the text; of added text that of the change that added
   /// it.
   std::uint32_t origin(std::size_t offset) const;
+
+  /// Where the text, whose parts are in the order of the original, differs from it; in order.
+  ///
+  /// @param size  of the original
+  std::vector<Splice> splices(std::uint32_t size) const;
 
  private:
   friend class Edits;

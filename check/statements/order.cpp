@@ -1,31 +1,30 @@
 #include "check/statements/order.hpp"
 
 #include <algorithm>
-#include <array>
-#include <cstddef>
 #include <cstdint>
 
 namespace zelk::check {
 
-std::vector<bool> longest_in_order(std::span<const int> places) {
+std::vector<bool> longest_in_order(std::span<const int> values) {
   constexpr std::uint32_t kNone = 0xFFFFFFFF;
-  struct Chain {
-    std::uint32_t length = 0;
-    std::uint32_t last = kNone;
-  };
-  std::array<Chain, 25> best;  // the longest chain that ends with a statement of each place
-  std::vector<std::uint32_t> before(places.size(), kNone);
-  for (std::uint32_t i = 0; i < places.size(); ++i) {
-    if (places[i] == 0) continue;
-    const auto* const longest =
-        std::max_element(best.begin(), best.begin() + places[i] + 1,
-                         [](const Chain& a, const Chain& b) { return a.length < b.length; });
-    before[i] = longest->last;
-    best[static_cast<std::size_t>(places[i])] = {longest->length + 1, i};
+  // By the piles of patience: the index of the least value that ends a sequence of each length.
+  std::vector<std::uint32_t> piles;
+  std::vector<std::uint32_t> previous(values.size(), kNone);
+  const auto value = [values](std::uint32_t index) { return values[index]; };
+  for (std::uint32_t i = 0; i < values.size(); ++i) {
+    if (values[i] == 0) continue;
+    auto pile = piles.end();
+    if (!piles.empty() && values[piles.back()] > values[i])
+      pile = std::ranges::upper_bound(piles, values[i], {}, value);
+    if (pile != piles.begin()) previous[i] = pile[-1];
+    if (pile == piles.end()) {
+      piles.push_back(i);
+    } else {
+      *pile = i;
+    }
   }
-  std::vector<bool> is_in_order(places.size());
-  for (std::uint32_t i = std::ranges::max_element(best, {}, &Chain::length)->last; i != kNone;
-       i = before[i])
+  std::vector<bool> is_in_order(values.size());
+  for (std::uint32_t i = piles.empty() ? kNone : piles.back(); i != kNone; i = previous[i])
     is_in_order[i] = true;
   return is_in_order;
 }

@@ -1,5 +1,5 @@
 /// \file
-/// Which statements are in order.
+/// What is in order in a sequence.
 
 #ifndef ZELK_CHECK_STATEMENTS_ORDER_HPP
 #define ZELK_CHECK_STATEMENTS_ORDER_HPP
@@ -9,12 +9,13 @@
 
 namespace zelk::check {
 
-/// The most statements that are in order already: the longest sequence whose places never descend.
-/// So one misplaced block is out of order, and not all that stands around it.
+/// The most elements that are in order already: the longest part whose values never descend. So
+/// one misplaced block is out of order, and not all that stands around it.
 ///
-/// @param places  from 1 to 24, in the order of the statements; 0 belongs to no sequence
-/// @return for each place whether it belongs to the sequence; time is linear
-std::vector<bool> longest_in_order(std::span<const int> places);
+/// @param values  positive; 0 belongs to no such part
+/// @return for each element whether it belongs to the part; time is linear where few are out of
+/// order, and else that of sorting
+std::vector<bool> longest_in_order(std::span<const int> values);
 
 }  // namespace zelk::check
 

@@ -33,6 +33,9 @@ bool begins_like_statement(Word word, const Token* next) {
     return next->is_mark(':');
   if (word == Word::kSignal) return next->kind == TokenKind::kName;
   if (is_number_kind(next->kind) || next->kind == TokenKind::kText) return true;
+  const bool is_of_object = next->is(Word::kNodes) || next->is(Word::kMessage) ||
+                            next->is(Word::kSignal) || next->is(Word::kVariable);
+  if (is_of_object && (word == Word::kComment || word == Word::kDefinition)) return true;
   return next->kind == TokenKind::kName && (word == Word::kVariable || word == Word::kValueTable);
 }
 

@@ -183,6 +183,20 @@ TEST(Edit, LeavesTheRestOfTheFile) {
        "--rename-message 1 M",
        "BS_:\nBU_: N\nBO_ 1 M: 8 N\nBO_ 2 A234567890123456789012345678901234: 8 N\n",
        "--rename-message M A23456789012345678901234567890123"},
+      // A new node stands behind those that are listed, and the others stay unlisted.
+      {"BS_:\nBU_: N Ostrel__XXX\nBO_ 1 M: 8 O\n", "--add-node X",
+       "BS_:\nBU_: N X Ostrel__XXX\nBO_ 1 M: 8 O\n", "--delete-node X"},
+      {"BS_:\nBU_:\nBO_ 1 M: 8 O\n", "--add-node X --add-node Y --set message:M senders X",
+       "BS_:\nBU_: X Y O\nBO_ 1 M: 8 X\n"},
+      // Another name for what another edit replaces.
+      {"BS_:\nBU_: A B\nBO_ 1 M: 8 A\n", "--set message:M senders B --rename-node A C",
+       "BS_:\nBU_: C B\nBO_ 1 M: 8 B\n", "--rename-node C A --set message:M senders A"},
+      // One line, of which most goes, and something new comes.
+      {"BS_: BU_: A B CM_ BU_ A \"a\"; CM_ BU_ B \"b\"; BA_DEF_ \"O\" STRING ;\n",
+       "--delete-node A --delete-attribute network O --add-attribute network P INT 3",
+       "BS_: BU_: B CM_ BU_ B \"b\";\nBA_DEF_  \"P\" INT 0 0;\n\nBA_DEF_DEF_  \"P\" 3;\n"},
+      {"BS_:\nBU_: A\nBO_ 1 M: 8 A BO_ 2 L: 8 A\n\nCM_ \"x\";\n",
+       "--delete-message M --delete-message L", "BS_:\nBU_: A\n\nCM_ \"x\";\n"},
       // What stands behind the end of the input.
       {"BS_:\nBU_: A B\n\xFF((( A\n", "--rename-node A C", "BS_:\nBU_: C B\n\xFF((( A\n",
        "--rename-node C A"},
@@ -194,6 +208,53 @@ TEST(Edit, LeavesTheRestOfTheFile) {
     if (!c.undo) continue;
     EXPECT_EQ(run_tool(std::string("edit a.dbc ") + c.undo).exit_code, 0) << c.undo;
     EXPECT_EQ(bytes_of(path), c.before) << c.undo;
+  }
+}
+
+// Each edit and its opposite, in files of several forms.
+TEST(Edit, IsUndoneByItsOpposite) {
+  const std::string name(40, 'n');
+  const struct {
+    std::string edit;
+    std::string undo;
+  } cases[] = {
+      {"--rename-node Engine " + name, "--rename-node " + name + " Engine"},
+      {"--rename-message Motion " + name, "--rename-message " + name + " Motion"},
+      {"--rename-variable Lid Page", "--rename-variable Page Lid"},
+      {"--add-node " + name, "--delete-node " + name},
+      {"--add-message " + name + " 5 8", "--delete-message " + name},
+      {"--add-signal Motion." + name + " 24 8", "--delete-signal Motion." + name},
+      {"--add-table T --set-description table:T 1 a", "--delete-table T"},
+      {"--add-attribute node Own STRING x --set-attribute node:Dash Own y",
+       "--delete-attribute node Own"},
+      {"--set-comment signal:Motion.Page x --set-comment network y",
+       "--set-comment network \"\" --set-comment signal:Motion.Page \"\""},
+      {"--set-description signal:Motion.Page 1 a", "--delete-description signal:Motion.Page 1"},
+      {"--set signal:Motion.Speed receivers Engine,Dash --set message:Motion id 0x800",
+       "--set message:Motion id 100 --set signal:Motion.Speed receivers Dash"},
+      {"--set signal:Motion.Speed multiplexing 1-2 --set signal:Motion.Speed unit km/h",
+       "--set signal:Motion.Speed multiplexing m1 --set signal:Motion.Speed unit \"\""},
+      {"--set signal:Motion.Speed factor 0.5", "--set signal:Motion.Speed factor 1"},
+  };
+  const auto with = [](const std::string& from, const std::string& to) {
+    std::string text;
+    for (std::size_t at = 0; at < kNetwork.size();) {
+      const bool is_here = kNetwork.compare(at, from.size(), from) == 0;
+      text += is_here ? to : kNetwork.substr(at, 1);
+      at += is_here ? from.size() : 1;
+    }
+    return text;
+  };
+  const std::string forms[] = {kNetwork, with("\n", "\r\n"), with("\n\n", "\n"),
+                               with(";\n", "; // note\n")};
+  for (const std::string& form : forms) {
+    for (const auto& [edit, undo] : cases) {
+      const auto path = write_file("a.dbc", form);
+      EXPECT_EQ(run_tool("edit a.dbc " + edit).exit_code, 0) << edit;
+      EXPECT_NE(bytes_of(path), form) << edit;
+      EXPECT_EQ(run_tool("edit a.dbc " + undo).exit_code, 0) << undo;
+      EXPECT_EQ(bytes_of(path), form) << undo;
+    }
   }
 }
 

@@ -148,10 +148,20 @@ std::size_t count_values(const ZelkDatabase& database, const attr_def& definitio
 
 // --- Nodes, messages, signals ---
 
+/// Behind all that are listed.
+unsigned DatabaseEditor::place_for_node() const {
+  unsigned place = 0;
+  for (const symblk& node : each(database_.nodes)) {
+    if (unlisted_.contains(&node)) break;
+    ++place;
+  }
+  return place;
+}
+
 std::string DatabaseEditor::add_node(Words words) {
   check_name(words[0]);
   check_free<symblk>(database_.nodes, nullptr, words[0]);
-  symblk& node = made(manager_.CreateNode(name_, kBehindAll));
+  symblk& node = made(manager_.CreateNode(name_, place_for_node()));
   manager_.SetName(node, words[0].c_str());
   return fmt::format("{}: added", shown_target(&node));
 }

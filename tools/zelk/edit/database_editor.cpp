@@ -77,7 +77,8 @@ std::string uses_of(const sigblk& signal) {
 
 }  // namespace
 
-DatabaseEditor::DatabaseEditor(ZelkWriteManager& manager, const OpenedDatabase& opened)
+DatabaseEditor::DatabaseEditor(ZelkWriteManager& manager, const OpenedDatabase& opened,
+                               std::size_t listed_nodes)
     : manager_(manager),
       name_(opened.name),
       database_(*opened.database),
@@ -86,6 +87,10 @@ DatabaseEditor::DatabaseEditor(ZelkWriteManager& manager, const OpenedDatabase& 
   for (const msgblk& message : each(database_.messages)) {
     for (const sigblk& signal : each(message.signals))
       if (!is_in_frame(signal)) outside_.insert(&signal);
+  }
+  for (const symblk& node : each(database_.nodes)) {
+    if (listed_nodes == 0) unlisted_.insert(&node);
+    listed_nodes -= listed_nodes == 0 ? 0 : 1;
   }
 }
 
@@ -195,6 +200,7 @@ std::string DatabaseEditor::delete_signal(Words words) {
 std::string DatabaseEditor::delete_node(Words words) {
   symblk& node = targets_.node(words[0]);
   std::string told = fmt::format("{}: deleted{}", shown_target(&node), uses_of(database_, node));
+  unlisted_.erase(&node);
   manager_.DeleteNode(node, name_);
   return told;
 }

@@ -4,6 +4,7 @@
 #ifndef ZELK_TOOL_EDIT_DATABASE_EDITOR_HPP
 #define ZELK_TOOL_EDIT_DATABASE_EDITOR_HPP
 
+#include <cstddef>
 #include <span>
 #include <string>
 #include <unordered_set>
@@ -24,8 +25,12 @@ class DatabaseEditor {
  public:
   using Words = std::span<std::string>;
 
-  /// @param manager  must outlive the object, and so must the database, which it has open
-  DatabaseEditor(ZelkWriteManager& manager, const OpenedDatabase& opened);
+  /// @param manager       must outlive the object, and so must the database, which it has open
+  /// @param listed_nodes  as many as the file lists, the first ones; new ones come behind these, in
+  ///                      front of those that only senders and the like introduce
+  DatabaseEditor(ZelkWriteManager& manager, const OpenedDatabase& opened,
+                 std::size_t listed_nodes = kAllNodes);
+  static constexpr std::size_t kAllNodes = static_cast<std::size_t>(-1);
 
   std::string rename_message(Words words);   ///< message, new name
   std::string rename_signal(Words words);    ///< signal, new name
@@ -65,6 +70,7 @@ class DatabaseEditor {
   void set_message(msgblk& message, const std::string& property, const std::string& value);
   void check_id_free(std::uint32_t id, const msgblk* message) const;
   static bool is_in_frame(const sigblk& signal);
+  unsigned place_for_node() const;
   const attr_def& definition(const EditTarget& target, const std::string& name) const;
 
   ZelkWriteManager& manager_;
@@ -74,6 +80,7 @@ class DatabaseEditor {
   EditTargets targets_;
   std::unordered_set<const sigblk*>
       outside_;  ///< signals that reached beyond their messages before
+  std::unordered_set<const symblk*> unlisted_;  ///< nodes
 };
 
 }  // namespace zelk::tool

@@ -109,7 +109,7 @@ std::string_view edit_text(const FileEdits& file, ZelkWriteManager& manager,
                            const OpenedDatabase& opened, Output& out, const std::string*& place) {
   const TextEdit text(file.path, opened);
   check_unchanged(file, opened);
-  DatabaseEditor editor(manager, opened);
+  DatabaseEditor editor(manager, opened, text.count_listed_nodes());
   const std::vector<std::string> lines = apply_edits(file, editor, place);
   const check::Patched result = text.finish(file.target());
   print(lines, out);

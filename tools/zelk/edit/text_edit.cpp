@@ -1,7 +1,9 @@
 #include "edit/text_edit.hpp"
 
 #include <cstddef>
+#include <string_view>
 #include <system_error>
+#include <unordered_set>
 #include <utility>
 
 #include "diff/diff_text.hpp"
@@ -77,6 +79,15 @@ TextEdit::TextEdit(const std::string& path, const OpenedDatabase& opened)
     : opened_(opened),
       original_(check::read_document(check::Source(path, bytes_of(path)))),
       before_(exact_text(opened.encoded())) {}
+
+std::size_t TextEdit::count_listed_nodes() const {
+  std::unordered_set<std::string_view> names;
+  for (const check::Token& token : original_.tokens) {
+    const std::string_view name = original_.text_of(token);
+    if (token.role == check::Role::kNode && name != ZELK_NO_NODE) names.insert(name);
+  }
+  return names.size();
+}
 
 check::Patched TextEdit::finish(const std::string& path) const {
   const std::string after = exact_text(opened_.encoded());

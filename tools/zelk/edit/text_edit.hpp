@@ -4,6 +4,7 @@
 #ifndef ZELK_TOOL_EDIT_TEXT_EDIT_HPP
 #define ZELK_TOOL_EDIT_TEXT_EDIT_HPP
 
+#include <cstddef>
 #include <string>
 
 #include "check/patch/patch.hpp"
@@ -20,6 +21,9 @@ class TextEdit {
   TextEdit(const std::string& path, const OpenedDatabase& opened);
 
   const check::Source& original() const { return original_.source; }
+
+  /// Nodes in the list of nodes.
+  std::size_t count_listed_nodes() const;
 
   /// The text with all that was edited since, and nothing else: it has been read, and the records
   /// compared. What a file holds otherwise is printed on standard error as a warning about `path`.
