@@ -1,9 +1,11 @@
-# The libraries of the program, the modules and the tests, from the distribution: CLI11::CLI11, fmt::fmt,
-# nlohmann_json::nlohmann_json, pugixml::pugixml, GTest::gmock and GTest::gtest_main.
+# The libraries of the program, the modules, the library of logs and the tests, from the distribution: CLI11::CLI11,
+# fmt::fmt, nlohmann_json::nlohmann_json, pugixml::pugixml, ZLIB::ZLIB, zstd::zstd, pcap::pcap, GTest::gmock and
+# GTest::gtest_main.
 #
 # A build for another system takes from the same packages what does not depend on a system: headers, copied out of
-# /usr/include because the headers beside them belong to the build machine's system, and the sources of GoogleTest and
-# pugixml (scripts/setup fetches the latter, as no package has them).
+# /usr/include because the headers beside them belong to the build machine's system, and the sources of GoogleTest,
+# pugixml and zstd (scripts/setup fetches the latter two, as no package has them). zlib has a package for it; captures are
+# not read there, and pcap::pcap is missing.
 
 function(zelk_copy_header_library name folder)
   file(COPY /usr/include/${folder} DESTINATION ${CMAKE_BINARY_DIR}/headers)
@@ -11,7 +13,29 @@ function(zelk_copy_header_library name folder)
   target_include_directories(${name} INTERFACE ${CMAKE_BINARY_DIR}/headers)
 endfunction()
 
+# A library that comes without a package of CMake's.
+function(zelk_find_library name header library)
+  string(MAKE_C_IDENTIFIER ${name} variable)
+  find_path(${variable}_INCLUDE_DIR ${header} REQUIRED)
+  find_library(${variable}_LIBRARY ${library} REQUIRED)
+  add_library(${name} UNKNOWN IMPORTED GLOBAL)
+  set_target_properties(${name} PROPERTIES
+    IMPORTED_LOCATION ${${variable}_LIBRARY} INTERFACE_INCLUDE_DIRECTORIES ${${variable}_INCLUDE_DIR})
+endfunction()
+
+if(ZELK_BUILD_LOGS)
+  find_package(Threads REQUIRED)
+  if(CMAKE_CROSSCOMPILING)
+    set(ZLIB_USE_STATIC_LIBS ON)
+  endif()
+  find_package(ZLIB REQUIRED)
+endif()
+
 if(NOT CMAKE_CROSSCOMPILING)
+  if(ZELK_BUILD_LOGS)
+    zelk_find_library(zstd::zstd zstd.h zstd)
+    zelk_find_library(pcap::pcap pcap/pcap.h pcap)
+  endif()
   if(ZELK_BUILD_TOOL)
     find_package(CLI11 REQUIRED)
     find_package(fmt REQUIRED)
@@ -41,6 +65,15 @@ if(ZELK_BUILD_MODULES)
   add_library(pugixml STATIC ${pugixml_sources}/pugixml.cpp)
   target_include_directories(pugixml SYSTEM INTERFACE ${pugixml_sources})
   add_library(pugixml::pugixml ALIAS pugixml)
+endif()
+if(ZELK_BUILD_LOGS)
+  set(zstd_sources /usr/src/zstd/lib)
+  file(GLOB zstd_files ${zstd_sources}/common/*.c ${zstd_sources}/decompress/*.c)
+  add_library(zstd STATIC ${zstd_files})
+  target_compile_options(zstd PRIVATE -w)
+  target_compile_definitions(zstd PRIVATE ZSTD_DISABLE_ASM)
+  target_include_directories(zstd SYSTEM INTERFACE ${zstd_sources})
+  add_library(zstd::zstd ALIAS zstd)
 endif()
 if(ZELK_BUILD_TESTS)
   set(INSTALL_GTEST OFF)

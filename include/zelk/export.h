@@ -6,7 +6,8 @@
 #define ZELK_EXPORT_H
 
 /* A program that compiles the library's sources into itself defines ZELK_STATIC; the library's own
- * build defines ZELK_BUILD. A host defines neither. */
+ * build defines ZELK_BUILD. A host defines neither. The same holds for the library of logs with
+ * ZELK_LOGS_STATIC and ZELK_LOGS_BUILD. */
 #if defined(ZELK_STATIC)
 #define ZELK_API
 #elif defined(_WIN32)
@@ -17,6 +18,18 @@
 #endif
 #else
 #define ZELK_API __attribute__((visibility("default")))
+#endif
+
+#if defined(ZELK_LOGS_STATIC)
+#define ZELK_LOGS_API
+#elif defined(_WIN32)
+#if defined(ZELK_LOGS_BUILD)
+#define ZELK_LOGS_API __declspec(dllexport)
+#else
+#define ZELK_LOGS_API __declspec(dllimport)
+#endif
+#else
+#define ZELK_LOGS_API __attribute__((visibility("default")))
 #endif
 
 /* In front of the functions that a converter module exports (module.h). */

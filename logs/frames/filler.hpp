@@ -1,0 +1,67 @@
+/// \file
+/// Fills blocks of frames quickly.
+
+#ifndef ZELK_LOGS_FRAMES_FILLER_HPP
+#define ZELK_LOGS_FRAMES_FILLER_HPP
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "zelk/logs/frame.hpp"
+
+/// A frame is made in three steps: `Room`, then its data, then `Put`. A frame that turns out to be
+/// none is not put.
+class ZelkFrameFiller {
+ public:
+  /// @param block  must outlive the object
+  explicit ZelkFrameFiller(ZelkFrameBlock& block) : block_(block) {}
+
+  /// Gives the block the text that the times of its frames stand in.
+  void take_text(std::string text) { block_.text_ = std::move(text); }
+  std::string_view text() const { return block_.text_; }
+  /// Takes it out again, for its memory.
+  std::string give_text() { return std::exchange(block_.text_, {}); }
+
+  /// Room for the data of the next frame, with at least `ZelkFrameBlock::kSlack` bytes behind it.
+  ///
+  /// @param most  bytes; more of them may be written up to the slack
+  unsigned char* room(std::size_t most = ZelkFrame::kMostData) {
+    const bool is_enough =
+        block_.size_ < block_.ids_.size() &&
+        most + 2 * ZelkFrameBlock::kSlack <= block_.data_.size() - block_.data_size_;
+    if (!is_enough) block_.grow(most);
+    return block_.data_.data() + block_.data_size_;
+  }
+
+  /// Appends a frame whose data stands in `room`, padded with zeros to a multiple of 8 bytes.
+  ///
+  /// @param time_text  within `text`; empty for none
+  void put(std::int64_t time, std::uint32_t id, unsigned flags, std::uint16_t channel,
+           std::size_t length, std::string_view time_text = {}) {
+    const std::size_t at = block_.size_++;
+    block_.times_[at] = time;
+    block_.ids_[at] = id;
+    block_.flags_[at] = static_cast<std::uint16_t>(flags);
+    block_.channels_[at] = channel;
+    block_.lengths_[at] = static_cast<std::uint16_t>(length);
+    block_.offsets_[at] = static_cast<std::uint32_t>(block_.data_size_);
+    block_.time_begins_[at] =
+        time_text.empty() ? 0 : static_cast<std::uint32_t>(time_text.data() - block_.text_.data());
+    block_.time_lengths_[at] = static_cast<std::uint8_t>(time_text.size());
+    block_.data_size_ += (length + 7) / 8 * 8;
+  }
+
+  /// Adds to the times of all frames that have one.
+  void shift_times(std::int64_t by) {
+    for (std::size_t i = 0; i < block_.size_; ++i)
+      if (block_.times_[i] != kZelkNoTime) block_.times_[i] += by;
+  }
+
+ private:
+  ZelkFrameBlock& block_;
+};
+
+#endif

@@ -1,0 +1,68 @@
+#include <algorithm>
+#include <cstring>
+#include <stdexcept>
+
+#include "logs/frames/filler.hpp"
+#include "zelk/logs/frame.hpp"
+
+namespace {
+
+constexpr std::size_t kFirstFrames = 1024;
+constexpr std::size_t kMostDataOfBlock = 0xFFFFFFF0;  // offsets have 32 bits
+
+}  // namespace
+
+ZelkFrame ZelkFrameBlock::Frame(std::size_t index) const {
+  ZelkFrame frame{times_[index], ids_[index], flags_[index], channels_[index], lengths_[index], {}};
+  std::ranges::copy(Data(index), frame.data.begin());
+  return frame;
+}
+
+void ZelkFrameBlock::Clear() {
+  size_ = 0;
+  data_size_ = 0;
+  channel_names_.clear();
+  channel_indices_.clear();
+  text_.clear();
+}
+
+std::uint16_t ZelkFrameBlock::ChannelIndex(std::string_view name) {
+  const auto found = channel_indices_.find(name);
+  if (found != channel_indices_.end()) return found->second;
+  const std::size_t index = channel_names_.size();
+  if (index == kMostChannels)
+    throw std::length_error("a block of frames has frames of more than 65536 channels");
+  channel_names_.emplace_back(name);
+  channel_indices_.emplace(name, static_cast<std::uint16_t>(index));
+  return static_cast<std::uint16_t>(index);
+}
+
+void ZelkFrameBlock::Append(std::int64_t time, std::uint32_t id, std::uint16_t flags,
+                            std::uint16_t channel, std::span<const unsigned char> data) {
+  if (data.size() > kMostData) throw std::length_error("a frame has more than 65535 bytes");
+  ZelkFrameFiller filler(*this);
+  unsigned char* const room = filler.room(data.size());
+  std::ranges::copy(data, room);
+  std::memset(room + data.size(), 0, kSlack);
+  filler.put(time, id, flags, channel, data.size());
+}
+
+void ZelkFrameBlock::Append(const ZelkFrame& frame) {
+  Append(frame.time, frame.id, frame.flags, frame.channel,
+         std::span(frame.data).first(frame.length));
+}
+
+/// For one more frame, and data of so many bytes.
+void ZelkFrameBlock::grow(std::size_t data_bytes) {
+  if (size_ == ids_.size()) {
+    const std::size_t frames = std::max(2 * size_, kFirstFrames);
+    for (auto* const values : {&flags_, &channels_, &lengths_}) values->resize(frames);
+    for (auto* const values : {&offsets_, &time_begins_}) values->resize(frames);
+    times_.resize(frames);
+    time_lengths_.resize(frames);
+    ids_.resize(frames);  // last: its size is the room that there is
+  }
+  const std::size_t needed = data_size_ + data_bytes + 2 * kSlack;
+  if (needed > kMostDataOfBlock) throw std::length_error("a block of frames has more than 4 GiB");
+  if (needed > data_.size()) data_.resize(std::max(2 * data_.size(), needed + 16 * kFirstFrames));
+}
