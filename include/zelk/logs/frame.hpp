@@ -41,7 +41,8 @@ struct ZelkFrame {
   std::uint32_t id = 0;             ///< bit 31: an extended identifier
   std::uint16_t flags = 0;          ///< of `ZelkFrameFlags`
   std::uint16_t channel = 0;        ///< index among the channels of its block
-  std::uint16_t length = 0;         ///< of the data, in bytes: 0 for requests
+  std::uint16_t length = 0;  ///< of the data, in bytes; of requests, whose data is zeros, the
+                             ///< length that is requested
   std::array<unsigned char, kMostData> data{};  ///< the first `length` bytes count
 };
 

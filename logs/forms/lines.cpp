@@ -1,0 +1,56 @@
+#include "logs/forms/lines.hpp"
+
+#include <algorithm>
+
+namespace zelk::logs {
+
+namespace {
+
+constexpr std::size_t kReadBytes = 1 << 18;
+constexpr std::size_t kLongestLine = 1 << 12;
+
+}  // namespace
+
+bool Lines::next(Chunk& chunk) {
+  if (!take_lines(chunk.bytes)) return false;
+  chunk.first_line = line_;
+  line_ += static_cast<std::uint64_t>(std::ranges::count(chunk.bytes, '\n'));
+  return true;
+}
+
+bool Lines::take_lines(std::string& block) {
+  block.swap(rest_);
+  rest_.clear();
+  while (read_more(block)) {
+    const std::size_t line_feed = block.rfind('\n');
+    if (line_feed != std::string::npos) {
+      rest_.assign(block, line_feed + 1);
+      block.resize(line_feed + 1);
+      return true;
+    }
+    if (block.size() > kLongestLine) {
+      block.resize(kLongestLine);
+      block += '\n';
+      skipping_ = true;
+      return true;
+    }
+  }
+  return !block.empty() && !(stop_ && *stop_);
+}
+
+bool Lines::read_more(std::string& block) {
+  const std::size_t old_size = block.size();
+  block.resize(old_size + kReadBytes);
+  const std::size_t count = stream_->read(block.data() + old_size, kReadBytes);
+  block.resize(old_size + count);
+  if (skipping_) drop_skipped(block, old_size);
+  return count > 0;
+}
+
+void Lines::drop_skipped(std::string& block, std::size_t from) {
+  const std::size_t line_feed = block.find('\n', from);
+  skipping_ = line_feed == std::string::npos;
+  block.erase(from, skipping_ ? std::string::npos : line_feed + 1 - from);
+}
+
+}  // namespace zelk::logs

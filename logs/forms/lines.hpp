@@ -1,0 +1,57 @@
+/// \file
+/// Text logs, cut into blocks of whole lines.
+
+#ifndef ZELK_LOGS_FORMS_LINES_HPP
+#define ZELK_LOGS_FORMS_LINES_HPP
+
+#include <algorithm>
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "logs/forms/form.hpp"
+#include "logs/input/byte_stream.hpp"
+
+namespace zelk::logs {
+
+/// Reads a text as blocks of whole lines. The lines of a pipe are given out as they come.
+class Lines {
+ public:
+  /// @param stop  see `ZelkLogOptions`
+  Lines(std::unique_ptr<ByteStream> stream, const std::atomic<bool>* stop)
+      : stream_(std::move(stream)), stop_(stop) {}
+
+  /// The next lines. Only the last line of the text may lack its line feed. Of a line that is
+  /// longer than any frame takes, only the beginning is given out. What has been read of a line
+  /// when the log is stopped, or cannot be read further, is no line.
+  ///
+  /// @return false at the end
+  bool next(Chunk& chunk);
+
+ private:
+  bool read_more(std::string& block);
+  void drop_skipped(std::string& block, std::size_t from);
+  bool take_lines(std::string& block);
+
+  std::unique_ptr<ByteStream> stream_;
+  const std::atomic<bool>* stop_;
+  std::uint64_t line_ = 1;  // the next one's number
+  std::string rest_;        // the beginning of a line whose end has not been read
+  bool skipping_ = false;   // inside a line that was too long
+};
+
+/// Calls `act(line)` for each line, without its line feed.
+template <typename Act>
+void for_each_line(std::string_view text, const Act& act) {
+  while (!text.empty()) {
+    const std::size_t length = std::min(text.find('\n'), text.size());
+    act(text.substr(0, length));
+    text.remove_prefix(std::min(length + 1, text.size()));
+  }
+}
+
+}  // namespace zelk::logs
+
+#endif

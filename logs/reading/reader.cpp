@@ -1,0 +1,91 @@
+#include "zelk/logs/reader.hpp"
+
+#include <mutex>
+#include <utility>
+
+#include "logs/forms/form.hpp"
+#include "logs/input/byte_stream.hpp"
+
+namespace {
+
+using zelk::logs::FormRow;
+
+constexpr std::size_t kBeginningBytes = 1 << 14;  // at which the form is told
+
+const FormRow& form_of(std::string_view beginning, const std::string& wanted,
+                       const std::string& log) {
+  for (const FormRow& row : zelk::logs::forms()) {
+    const bool is_it = wanted.empty() ? row.is_form_of(beginning) : wanted == row.form.name;
+    if (is_it) return row;
+  }
+  throw ZelkLogError(log + ": there is no form of logs named \"" + wanted + '"');
+}
+
+}  // namespace
+
+ZelkLogError::~ZelkLogError() = default;
+
+struct ZelkLogChunk::Content : zelk::logs::Chunk {};
+
+ZelkLogChunk::ZelkLogChunk() : content_(std::make_unique<Content>()) {}
+ZelkLogChunk::ZelkLogChunk(ZelkLogChunk&&) noexcept = default;
+ZelkLogChunk& ZelkLogChunk::operator=(ZelkLogChunk&&) noexcept = default;
+ZelkLogChunk::~ZelkLogChunk() = default;
+
+struct ZelkLogReader::State {
+  const FormRow* row = nullptr;
+  const zelk::logs::FileStream* file = nullptr;  ///< the form has it
+  std::unique_ptr<zelk::logs::Form> form;
+  std::mutex mutex;  // guards the form's reading, and chunks
+  std::uint64_t chunks = 0;
+  ZelkLogChunk chunk;  ///< of `Next`
+};
+
+ZelkLogReader::ZelkLogReader(const std::optional<std::string>& path, ZelkLogOptions options)
+    : state_(std::make_unique<State>()) {
+  auto file = std::make_unique<zelk::logs::FileStream>(path, options.stop);
+  state_->file = file.get();
+  const std::string name = file->name();
+  auto stream =
+      std::make_unique<zelk::logs::PeekedStream>(zelk::logs::decompressed(std::move(file), name));
+  const std::string beginning(stream->peek_line(kBeginningBytes));
+  state_->row = &form_of(beginning, options.form, name);
+  state_->form = state_->row->open({std::move(stream), beginning, name, std::move(options)});
+}
+
+ZelkLogReader::~ZelkLogReader() = default;
+
+std::vector<ZelkLogForm> ZelkLogReader::Forms() {
+  std::vector<ZelkLogForm> forms;
+  for (const FormRow& row : zelk::logs::forms()) forms.push_back(row.form);
+  return forms;
+}
+
+bool ZelkLogReader::Next(ZelkLogBlock& block) {
+  if (!Take(state_->chunk)) return false;
+  Parse(state_->chunk, block);
+  return true;
+}
+
+bool ZelkLogReader::Take(ZelkLogChunk& chunk) {
+  const std::lock_guard lock(state_->mutex);
+  if (!state_->form->next(*chunk.content_)) return false;
+  chunk.content_->number = state_->chunks++;
+  return true;
+}
+
+void ZelkLogReader::Parse(ZelkLogChunk& chunk, ZelkLogBlock& block) const {
+  block.frames.Clear();
+  block.malformed.clear();
+  block.counts = {};
+  block.number = chunk.content_->number;
+  state_->form->parse(*chunk.content_, block);
+}
+
+const std::string& ZelkLogReader::Name() const { return state_->file->name(); }
+
+ZelkLogForm ZelkLogReader::Form() const { return state_->row->form; }
+
+std::optional<std::uint64_t> ZelkLogReader::SizeBytes() const { return state_->file->size(); }
+
+std::uint64_t ZelkLogReader::BytesRead() const { return state_->file->bytes_read(); }
