@@ -1,4 +1,5 @@
-# `cmake --install`: headers, library, modules, tool, a CMake package (zelkmsnx::zelkmsnx) and a pkg-config file.
+# `cmake --install`: headers, libraries, modules, tool, a CMake package (zelkmsnx::zelkmsnx, zelkmsnx::logs) and a
+# pkg-config file for each library.
 
 include(CMakePackageConfigHelpers)
 
@@ -6,6 +7,13 @@ install(TARGETS zelkmsnx EXPORT zelkmsnx
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+if(ZELK_BUILD_LOGS)
+  set_target_properties(zelklogs PROPERTIES INSTALL_RPATH $ORIGIN)
+  install(TARGETS zelklogs EXPORT zelkmsnx
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+endif()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/zelk DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 if(ZELK_BUILD_TOOL)
   # The program finds the library relative to its own folder, wherever the installation is.
@@ -32,5 +40,11 @@ install(FILES ${CMAKE_BINARY_DIR}/zelkmsnx-config-version.cmake DESTINATION ${pa
 
 # The file names folders relative to its own, so that `cmake --install --prefix` may put the installation anywhere.
 file(RELATIVE_PATH pc_to_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
-configure_file(${PROJECT_SOURCE_DIR}/cmake/zelkmsnx.pc.in ${CMAKE_BINARY_DIR}/zelkmsnx.pc @ONLY)
-install(FILES ${CMAKE_BINARY_DIR}/zelkmsnx.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+set(libraries zelkmsnx)
+if(ZELK_BUILD_LOGS)
+  list(APPEND libraries zelklogs)
+endif()
+foreach(library IN LISTS libraries)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/${library}.pc.in ${CMAKE_BINARY_DIR}/${library}.pc @ONLY)
+  install(FILES ${CMAKE_BINARY_DIR}/${library}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endforeach()
