@@ -61,6 +61,11 @@ std::string sg(const std::string& name, const std::string& layout,
   return " SG_ " + name + " : " + layout + ' ' + scale + " '" + unit + "' " + receivers + '\n';
 }
 
+std::string ev(const std::string& name, int id, const std::string& range = "[0|1]") {
+  return "EV_ " + name + ": 0 " + range + " '' 0 " + std::to_string(id) +
+         " DUMMY_NODE_OSTREL0 A;\n";
+}
+
 const std::string kFormats =
     "BA_DEF_ BO_ 'VFrameFormat' ENUM 'StandardCAN','ExtendedCAN','J1939PG','StandardCAN_FD';\n"
     "BA_DEF_DEF_ 'VFrameFormat' 'StandardCAN';\n";
@@ -142,6 +147,13 @@ TEST(LintRules, OfMultiplexors) {
        kM + x + p + "SG_MUL_VAL_ 256 P X 3-7;\n"},
       {"unused-multiplexor-value", kM + x + p + "VAL_ 256 X 0 'a' 1 'b' ;\n", "5:6",
        kM + x + p + "VAL_ 256 X 0 'a' 1 'b' 2 'c' ;\nSG_MUL_VAL_ 256 P X 0-0, 1-2;\n"},
+      // One range within another, and one that goes on where another ends.
+      {"unused-multiplexor-value",
+       kM + sg("X M", "0|4@1+") + p +
+           "VAL_ 256 X 6 'a' 8 'b' ;\nSG_MUL_VAL_ 256 P X 0-5, 1-2, 5-7;\n",
+       "5:6",
+       kM + sg("X M", "0|4@1+") + p +
+           "VAL_ 256 X 0 'a' 4 'b' 7 'c' ;\nSG_MUL_VAL_ 256 P X 0-5, 1-2, 5-7;\n"},
       {"unusable-multiplexor", kM + sg("X M", "0|33@1+") + sg("P m0", "40|8@1+"), "5:8",
        kM + sg("X M", "0|32@1+") + sg("P m0", "40|8@1+")},
       {"unusable-multiplexor",
@@ -156,6 +168,7 @@ TEST(LintRules, OfValues) {
   const std::string gear = kM + sg("P", "0|3@1+"), turn = kM + sg("P", "0|3@1-");
   const Case cases[] = {
       {"minimum-over-maximum", of("0|8@1+", "(1,0) [1|0]"), "5:24", of("0|8@1+", "(1,0) [1|1]")},
+      {"minimum-over-maximum", ev("v", 1, "[5|-5]"), "4:11", ev("v", 1, "[-5|5]")},
       {"minimum-over-maximum", "BA_DEF_ 'n' FLOAT 5 1.5;\n", "4:19", "BA_DEF_ 'n' FLOAT 5 5;\n"},
       {"unreachable-range", of("0|8@1+", "(1,0) [0|259]"), "5:24", of("0|8@1+", "(1,0) [0|258]")},
       {"unreachable-range", of("0|8@1-", "(1,0) [-133|0]"), "5:24",
@@ -181,6 +194,8 @@ TEST(LintRules, OfValues) {
        "BA_DEF_ 'n' INT 0 10;\nBA_DEF_ 'm' HEX 0 0;\nBA_ 'n' 10;\nBA_ 'm' 255;\n"},
       {"attribute-range", "BA_DEF_ 'n' INT 0 10;\nBA_ 'n' 1.5;\n", "5:9",
        "BA_DEF_ 'n' FLOAT 0 10;\nBA_ 'n' 1.5;\n"},
+      {"attribute-range", "BA_DEF_ 'e' ENUM 'a','b';\nBA_ 'e' 2;\n", "5:9",
+       "BA_DEF_ 'e' ENUM 'a','b';\nBA_ 'e' 1;\n"},
       // Of two attributes of a name the one for the object counts.
       {"attribute-range",
        kM + "BA_DEF_ 'n' INT 0 10;\nBA_DEF_ BO_ 'n' INT 0 20;\nBA_ 'n' BO_ 256 21;\n", "7:17",
@@ -256,6 +271,9 @@ TEST(LintRules, OfNamesAndTexts) {
        "BA_DEF_ BO_ 'n' INT 0 1;\nBA_DEF_ SG_ 'n' INT 0 1;\nBA_DEF_ 'n' INT 0 1;\n"},
       {"names-differ-in-case", kM + sg("Pa", "0|8@1+") + sg("PA", "8|8@1+"), "6:6",
        kM + sg("Pa", "0|8@1+") + sg("P_A", "8|8@1+")},
+      {"doubled-name", ev("v", 1) + ev("w", 2) + ev("v", 3), "6:5", ev("v", 1) + ev("w", 2)},
+      {"names-differ-in-case", "BO_ 256 v: 8 A\n" + ev("w", 1) + ev("V", 2) + ev("W", 3), "7:5",
+       "BO_ 256 v: 8 A\n" + ev("w", 1) + ev("V", 2)},
       {"names-differ-in-case", "BO_ 256 a: 8 b\n", "4:14", "BO_ 256 a: 8 B\n"},
       {"long-name", "BO_ 256 " + n + "12: 8 A\n", "4:9", "BO_ 256 " + n + "1: 8 A\n"},
       {"long-name-collision", "BO_ 256 " + n + "12: 8 A\nBO_ 257 " + n + "13: 8 A\n", "5:9",

@@ -162,19 +162,17 @@ TEST(MendNames, OfReferencesAndValues) {
 }
 
 TEST(MendNames, OfNames) {
-  std::string many, mended, comments, told;
+  std::string many, mended, comments, told, values, mended_values;
   for (int i = 10; i < 30; ++i) {
-    const std::string n = std::to_string(i);
-    many += " SG_ a b " + n + kSignal;
-    mended += " SG_ a_b_" + n + kSignal;
-    told += (told.empty() ? "" : "\n") + std::to_string(i - 5) + ":6: `a b " + n +
-            "` renamed to a_b_" + n + ", and in 1 reference";
-    comments += "CM_ SG_ 1 a_b_" + n + " 'Original name: a b " + n + "';\n";
-  }
-  std::string values, mended_values;
-  for (int i = 29; i >= 10; --i) {
-    values += "VAL_ 1 a b " + std::to_string(i) + " 0 'x' ;\n";
-    mended_values += "VAL_ 1 a_b_" + std::to_string(i) + " 0 'x' ;\n";
+    const std::string n = std::to_string(i), last = std::to_string(39 - i);
+    many.append(" SG_ a b ").append(n).append(kSignal);
+    mended.append(" SG_ a_b_").append(n).append(kSignal);
+    told.append(told.empty() ? "" : "\n").append(std::to_string(i - 5)).append(":6: `a b ");
+    told.append(n).append("` renamed to a_b_").append(n).append(", and in 1 reference");
+    comments.append("CM_ SG_ 1 a_b_").append(n);
+    comments.append(" 'Original name: a b ").append(n).append("';\n");
+    values.append("VAL_ 1 a b ").append(last).append(" 0 'x' ;\n");
+    mended_values.append("VAL_ 1 a_b_").append(last).append(" 0 'x' ;\n");
   }
   const Case cases[] = {
       {"odd-name", many + values, mended + comments + mended_values, told},

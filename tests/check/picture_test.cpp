@@ -43,7 +43,7 @@ std::string picture_of(const std::string& rest) {
   const std::string text = "BS_:\nBU_: N\n" + rest;
   Lists lists;
   EXPECT_EQ(lists.read_by(zelk_try_read_text, text.data(), text.size()), 0u) << text;
-  const std::string picture = message_picture(*lists.messages, encoding_of(text));
+  std::string picture = message_picture(*lists.messages, encoding_of(text));
   EXPECT_EQ(fault_in_xml(picture), "");
   return picture;
 }
