@@ -227,6 +227,47 @@ TEST(MendNames, OfNames) {
              "2:8: `N-1` renamed to N_1\n2:12: `A.b` renamed to A_b"});
 }
 
+// What has the looks of its parts is kept of a statement that cannot be read.
+TEST(MendNames, OfStatementsInAnotherForm) {
+  const Case cases[] = {
+      {"missing", " SG_ t 8|8@0- 2 -1.5 [-3|+4] V A B\n",
+       " SG_ t: 8|8@0- (2, -1.5) [-3|+4] '' V, A, B\n",
+       "5:7: ':' behind the signal's name added\n5:14: '(' in front of the factor added\n"
+       "5:16: ',' between factor and offset added\n5:21: ')' behind the offset added\n"
+       "5:29: '''' added for the unit, a text\n5:31: ',' between names added\n"
+       "5:33: ',' between names added"},
+      {"missing", "BO_ 2 N 8 A\n", "BO_ 2 N: 8 A\n", "5:8: ':' behind the message's name added"},
+      {"unreadable", "BO_ 2: 8 A\n", "BO_ 2 Message_2: 8 A\n",
+       "5:1: `BO_ 2: 8 A` rewritten as `BO_ 2 Message_2: 8 A`, expected the message's name"},
+      {"unreadable", "BO_ 2 N: ? A\n", "BO_ 2 N: 8 A\n",
+       "5:1: `BO_ 2 N: ? A` rewritten as `BO_ 2 N: 8 A`, expected the message's length in bytes"},
+      {"unreadable", "VAL_ 1 s 0 'a', 1 'b', -2 'c'\n", "VAL_ 1 s 0 'a' 1 'b' -2 'c' ;\n",
+       "5:1: `VAL_ 1 s 0 'a', 1 'b', -2 'c'` rewritten as `VAL_ 1 s 0 'a' 1 'b' -2 'c' ;`, "
+       "expected "
+       "the number of a value description, or ';'"},
+      {"unknown-attribute",
+       "BA_ 'x' BO_ 1 1;\nBA_ 'y' BO_ 1 2.5;\nBA_ 'z' BO_ 1 2;\nBA_ 'z' SG_ 1 s 'a';\n"
+       "BA_ 'z' BO_ 1 'a';\n",
+       "BA_DEF_ BO_ 'x' INT 1 1;\nBA_DEF_ BO_ 'y' FLOAT 2.5 2.5;\nBA_DEF_ BO_ 'z' STRING;\n"
+       "BA_DEF_ SG_ 'z' STRING;\nBA_ 'x' BO_ 1 1;\nBA_ 'y' BO_ 1 2.5;\nBA_ 'z' BO_ 1 2;\n"
+       "BA_ 'z' SG_ 1 s 'a';\nBA_ 'z' BO_ 1 'a';\n",
+       "5:5: definition `BA_DEF_ BO_ 'x' INT 1 1;` added for 1 value\n"
+       "6:5: definition `BA_DEF_ BO_ 'y' FLOAT 2.5 2.5;` added for 1 value\n"
+       "7:5: definition `BA_DEF_ BO_ 'z' STRING;` added for 2 values\n"
+       "8:5: definition `BA_DEF_ SG_ 'z' STRING;` added for 1 value"},
+      {"indicator", " SG_ t mux1" + kSignal + " SG_ u x" + kSignal,
+       " SG_ t mux1" + kSignal + " SG_ u M" + kSignal,
+       "6:8: multiplexor indicator `x` replaced by M"},
+      {"odd-name", "BO_ 2 N: 8 Node-1\nBO_ 3 O: 8 Node_1\n",
+       "BO_ 2 N: 8 Node_1_2\nBO_ 3 O: 8 Node_1\nCM_ BU_ Node_1_2 'Original name: Node-1';\n",
+       "5:12: `Node-1` renamed to Node_1_2"},
+  };
+  for (Case c : cases) {
+    c.kept = kAnything;
+    check(kHead, c);
+  }
+}
+
 /// The text of a file in UTF-16, with or without its mark.
 std::string utf16(const std::string& text, bool is_little, bool has_mark) {
   std::string bytes = !has_mark ? "" : is_little ? "\xFF\xFE" : "\xFE\xFF";
@@ -251,8 +292,10 @@ TEST(MendNames, OfUtf16) {
     }
   }
   std::string odd = utf16(quoted("BS_:\nBU_: A\nCM_ '"), true, true);
-  odd += std::string("\xAC\x20\x3D\xD8\x97\xDE\x3D\xD8", 8) + utf16("\";\n", true, false) + 'x';
-  EXPECT_EQ(mend(Source("t.dbc", odd), {}).text, "BS_:\nBU_: A\nCM_ \"\u20AC\U0001F697\uFFFD\";\n");
+  odd += std::string("\xAC\x20\x3D\xD8\x97\xDE\x00\xD8\x00\xDC\x3D\xD8", 12) +
+         utf16("\";\n", true, false) + 'x';
+  EXPECT_EQ(mend(Source("t.dbc", odd), {}).text,
+            "BS_:\nBU_: A\nCM_ \"\u20AC\U0001F697\U00010000\uFFFD\";\n");
 }
 
 TEST(MendNames, NoNode) {
