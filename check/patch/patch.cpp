@@ -208,12 +208,25 @@ class StatementPatch {
   /// Those of the original that say nothing to the records, but are about objects that go, or about
   /// what changes.
   void remove_orphans() {
+    const bool has_gone = has_gone_objects();
     for (std::uint32_t i = 0; i < original_text_.statements.size(); ++i) {
-      const std::uint64_t subject = original_.all()[i];
-      const bool is_written =
-          subject == 0 || !before_.about(subject).empty() || !after_.about(subject).empty();
-      if (!is_written && (names_gone_object(i) || is_outdated(i))) splices_.remove(i);
+      if (original_.all()[i] == 0) continue;
+      const bool is_obsolete = (has_gone && names_gone_object(i)) || is_outdated(i);
+      if (is_obsolete && !is_written(original_.all()[i])) splices_.remove(i);
     }
+  }
+
+  bool has_gone_objects() const {
+    for (std::size_t i = 0; i < kCastKinds; ++i) {
+      const auto kind = static_cast<CastKind>(i);
+      for (std::uint32_t object = 0; object < casts_.before.count(kind); ++object)
+        if (!casts_.after.token(kind, object)) return true;
+    }
+    return false;
+  }
+
+  bool is_written(std::uint64_t subject) const {
+    return !before_.about(subject).empty() || !after_.about(subject).empty();
   }
 
   bool names_gone_object(std::uint32_t original) const {

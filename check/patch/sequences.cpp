@@ -22,6 +22,25 @@ std::vector<Element> sorted(std::span<const std::uint64_t> values,
   return elements;
 }
 
+/// Pairs what is equal at both ends: after a small edit nearly everything, and nothing is left to
+/// be sorted.
+void pair_ends(std::span<const std::uint64_t> before, std::span<const std::uint64_t> after,
+               Partners& partners, std::vector<bool>& is_taken, std::vector<bool>& is_paired) {
+  const auto pair = [&](std::size_t left, std::size_t right) {
+    if (before[left] != after[right]) return false;
+    if (is_paired[right] || is_taken[left]) return partners[right] == left;
+    if (before[left] == 0) return true;
+    partners[right] = static_cast<std::uint32_t>(left);
+    is_taken[left] = is_paired[right] = true;
+    return true;
+  };
+  const std::size_t size = std::min(before.size(), after.size());
+  std::size_t begin = 0;
+  while (begin < size && pair(begin, begin)) ++begin;
+  for (std::size_t end = 1; end <= size - begin; ++end)
+    if (!pair(before.size() - end, after.size() - end)) return;
+}
+
 /// Lengths of the longest common sequences of all ends of two sequences.
 class CommonLengths {
  public:
@@ -88,6 +107,7 @@ void pair_equal(std::span<const std::uint64_t> before, std::span<const std::uint
     is_paired[i] = true;
     is_taken[partners[i]] = true;
   }
+  pair_ends(before, after, partners, is_taken, is_paired);
   const std::vector<Element> left = sorted(before, is_taken);
   const std::vector<Element> right = sorted(after, is_paired);
   for (auto l = left.begin(), r = right.begin(); l != left.end() && r != right.end();) {

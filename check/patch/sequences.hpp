@@ -14,8 +14,8 @@ namespace zelk::check {
 using Partners = std::vector<std::uint32_t>;
 inline constexpr std::uint32_t kNoPartner = 0xFFFFFFFF;
 
-/// Pairs elements that have no partner yet and are equal, the first with the first. An element 0
-/// equals nothing.
+/// Pairs elements that have no partner yet and are equal: those in the same place from the begin or
+/// the end, then the first with the first. An element 0 equals nothing.
 void pair_equal(std::span<const std::uint64_t> before, std::span<const std::uint64_t> after,
                 Partners& partners);
 

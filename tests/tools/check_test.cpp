@@ -60,7 +60,8 @@ TEST(Check, TellsWhatIsWrongAndWhere) {
       {"check warned.dbc --fail-on warning", 1, "ok, 1 node"},
       {"check utf16.dbc", 1, "utf16.dbc:1:1: error: the file is in UTF-16"},
       {"check missing.dbc warned.dbc", 2, "warned.dbc: ok", "missing.dbc: database: not found"},
-      {"show many.dbc", 1, "", "many.dbc: cannot be read; --repair reads what can be mended\n"},
+      {"show many.dbc", 1, "",
+       "many.dbc: cannot be read; zelk repair mends what can be mended, --repair on the way\n"},
   };
   for (const ToolCase& c : cases) check_parts(c);
   // References to what a broken statement introduces are no faults of their own.

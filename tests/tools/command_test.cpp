@@ -38,7 +38,7 @@ TEST(Tool, ExitCodes) {
       {"show good.dbc --svg", 2, "", "--svg requires OBJECT"},
       {"show good.dbc Motion.Spede", 1, "", "did you mean Motion.Speed?\n"},
       {"show good.dbc 101", 1, "", "good.dbc: no message has the identifier 0x65 (101)\n"},
-      {"rewrite bad.dbc kept.dbc", 1, "", "bad.dbc: cannot be read; --repair"},
+      {"rewrite bad.dbc kept.dbc", 1, "", "bad.dbc: cannot be read; zelk repair mends"},
       {"check kept.dbc m\u00E4ngel.dbc", 2, "",
        "kept.dbc: database: not found, kept.dbc\nm\u00E4ngel.dbc: database: not found"},
       {"rewrite good.dbc missing/out.dbc", 1, "", "missing/out.dbc: could not be written"},

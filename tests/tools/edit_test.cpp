@@ -82,6 +82,7 @@ TEST(Edit, WritesAllOrNothing) {
       {"--set message:100 length 2", 1, "Motion.Speed: reaches beyond"},
       {"--set signal:Motion.Speed minimum 1", 1, "the minimum is above the maximum"},
       {"--set signal:Motion.Speed factor 0", 1, "a factor of 0"},
+      {"--set signal:Motion.Speed name X", 1, "--rename-signal"},
       {"--set signal:Motion.Speed fctor 1", 1, "no property \"fctor\""},
       {"--set signal:Motion.Page multiplexing none", 1, "selects others"},
       {"--set signal:Motion.Page multiplexing Speed=1", 1, "select itself"},

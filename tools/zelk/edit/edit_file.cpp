@@ -108,6 +108,8 @@ void print_diff(const check::Source& original, const check::Patched& patched, En
 std::string_view edit_text(const FileEdits& file, ZelkWriteManager& manager,
                            const OpenedDatabase& opened, Output& out, const std::string*& place) {
   const TextEdit text(file.path, opened);
+  if (text.original().size() == 0)
+    throw RequestError("cannot be read a second time, as an edit needs it: copy it to a file");
   check_unchanged(file, opened);
   DatabaseEditor editor(manager, opened, text.count_listed_nodes());
   const std::vector<std::string> lines = apply_edits(file, editor, place);

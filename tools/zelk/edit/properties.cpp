@@ -221,11 +221,15 @@ void DatabaseEditor::set_message(msgblk& message, const std::string& property,
 std::string DatabaseEditor::set_property(Words words) {
   const EditTarget target = targets_.any_object(words[0]);
   const std::string shown = shown_target(target);
+  const bool is_network = std::holds_alternative<std::monostate>(target);
+  if (words[1] == "name" && !is_network)
+    throw RequestError("names are given by --rename-signal and its like");
+  if (words[1] == "comment") throw RequestError("comments are given by --set-comment");
   if (sigblk* const* const signal = std::get_if<sigblk*>(&target)) {
     set_signal(**signal, words[1], words[2]);
   } else if (msgblk* const* const message = std::get_if<msgblk*>(&target)) {
     set_message(**message, words[1], words[2]);
-  } else if (std::holds_alternative<std::monostate>(target) && words[1] == "version") {
+  } else if (is_network && words[1] == "version") {
     manager_.SetUserData(name_, stored(words[2], encoding_).c_str());
   } else {
     throw RequestError(fmt::format(

@@ -88,7 +88,8 @@ bool print_refusal(const OpenedDatabase& opened, const std::string& path) {
   const std::string rest =
       more == 0 ? "" : fmt::format("; zelk check shows {} more", counted(more, "finding"));
   print_error(
-      fmt::format("{}: cannot be read; --repair reads what can be mended{}", escaped(path), rest));
+      fmt::format("{}: cannot be read; zelk repair mends what can be mended, --repair on the way{}",
+                  escaped(path), rest));
   return true;
 }
 
