@@ -49,9 +49,29 @@ std::string_view kind_of_object(FaultKind kind) {
   }
 }
 
+/// The first such byte in front of the token or in it, outside of comments.
+Span span_of_byte(const Document& document, const Fault& fault, char byte) {
+  const auto& tokens = document.tokens;
+  const bool is_within = fault.token != fault.token_end;
+  const bool is_last = fault.token >= tokens.size();
+  std::uint32_t begin = fault.token == 0 ? 0 : tokens[fault.token - 1].end;
+  if (is_within) begin = tokens[fault.token].begin;
+  const std::uint32_t end = is_last ? document.source.size() : tokens[fault.token].end;
+  const std::string_view text = document.source.text(begin, end);
+  std::size_t at = 0;
+  while (at < text.size() && text[at] != byte) {
+    const bool is_comment = !is_within && text.substr(at).starts_with("//");
+    at = is_comment ? std::min(text.find('\n', at), text.size()) : at + 1;
+  }
+  const std::uint32_t place = begin + static_cast<std::uint32_t>(at);
+  return {place, std::min(place + 1, end)};
+}
+
 }  // namespace
 
 Span span_of(const Document& document, const Fault& fault) {
+  if (fault.kind == FaultKind::kNulByte) return span_of_byte(document, fault, '\0');
+  if (fault.kind == FaultKind::kEndByte) return span_of_byte(document, fault, '\xFF');
   const auto& tokens = document.tokens;
   const std::uint32_t size = document.source.size();
   if (fault.token == fault.token_end || fault.token >= tokens.size()) {

@@ -60,7 +60,7 @@ class Tokenizer {
   void step() {
     switch (start_of(*at_)) {
       case Start::kSpace:
-        if (*at_ == '\0') note(FaultKind::kNulByte);
+        if (*at_ == '\0') note_byte(FaultKind::kNulByte, nul_noted_);
         ++at_;
         break;
       case Start::kName:
@@ -160,7 +160,7 @@ class Tokenizer {
       return;
     }
     for (; is_high_here(); ++at_)
-      if (*at_ == '\xFF') note(FaultKind::kEndByte);
+      if (*at_ == '\xFF') note_byte(FaultKind::kEndByte, end_noted_);
     if (at_ != end_ && is_name_character(*at_) && !is_number_here()) name(from);
   }
 
@@ -258,6 +258,15 @@ class Tokenizer {
     result_.faults.back().is_accepted = kind == FaultKind::kNulByte;
   }
 
+  /// All bytes of a kind in front of one token are one fault.
+  ///
+  /// @param noted  the number of tokens at the last one
+  void note_byte(FaultKind kind, std::size_t& noted) {
+    if (noted == result_.tokens.size()) return;
+    noted = result_.tokens.size();
+    note(kind);
+  }
+
   /// A fault of the last token.
   void note_last(FaultKind kind) {
     note(kind);
@@ -270,6 +279,8 @@ class Tokenizer {
   const char* at_;
   const char* close_ = nullptr;  ///< the last answer of `closing_quote`
   const bool has_nul_;
+  std::size_t nul_noted_ = std::string_view::npos;
+  std::size_t end_noted_ = std::string_view::npos;
 };
 
 }  // namespace

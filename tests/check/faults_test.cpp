@@ -9,6 +9,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "check/faults/diagnose.hpp"
 #include "support/lists.hpp"
 #include "support/paths.hpp"
 
@@ -79,6 +80,27 @@ constexpr Case kCases[] = {
      "(doubled-message 8:5), segments 9:15, (doubled-signal 10:6), "
      "indicator 10:8, segments 10:16"},
 };
+
+/// Those in front of one token are one fault, at the first of them.
+TEST(Faults, PlacesOfBytes) {
+  using namespace std::string_literals;
+  const struct {
+    std::string text;
+    std::uint32_t place;
+  } cases[] = {
+      {"BS_:\nBU_: A\0\0\0B\n"s, 11},
+      {"BS_: // \0\n  \0 // \0\nBU_:\n"s, 12},
+      {"BS_:\nBU_:\nCM_ \"//\0\";\n"s, 17},
+      {"BS_:\nBU_:\nCM_ \"\xFF\"; // \xFF\n \xFF\xFF;"s, 25},
+      {"BS_:\nBU_:\n\0"s, 10},
+  };
+  for (const auto& [text, place] : cases) {
+    const Findings findings = diagnose(read_document(Source("t.dbc", text)), 0);
+    ASSERT_FALSE(findings.list.empty());
+    EXPECT_EQ(findings.list[0].span, (Span{place, place + 1})) << text;
+    EXPECT_TRUE(findings.list[0].related.empty()) << text;
+  }
+}
 
 }  // namespace
 
