@@ -28,7 +28,8 @@ MendedFile sorted(MendedFile mended) {
   const auto by_place = [](const Finding& a, const Finding& b) {
     return a.span.begin < b.span.begin;
   };
-  std::ranges::stable_sort(mended.mends.list, by_place);
+  auto& mends = mended.mends.list;
+  if (!std::ranges::is_sorted(mends, by_place)) std::ranges::stable_sort(mends, by_place);
   return mended;
 }
 

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "check/findings/sentences.hpp"
+#include "check/repair/announced.hpp"
 #include "check/statements/order.hpp"
 #include "zelk/records.h"
 
@@ -39,11 +40,8 @@ std::string_view content_of(const Document& document, const Statement& statement
                   : document.source.text(std::next(colon)->begin, tokens.back().end);
 }
 
-/// Names that the first section needs no more of.
-using NameSet = std::unordered_set<std::string_view>;
-
-/// Those that it has, and of "NS_" those that other statements use: announced, they would be
-/// skipped there, with all up to the next semicolon.
+/// Names that the first section needs no more of: those that it has, and of "NS_" those that other
+/// statements use: announced, they would be skipped there, with all up to the next semicolon.
 NameSet unneeded_names(const Document& document, const Statement& first) {
   NameSet names;
   for (const Token& token : document.tokens_of(first)) names.insert(document.text_of(token));
@@ -311,6 +309,8 @@ class Order {
 }  // namespace
 
 void mend_sections(Mender& mender, std::span<const std::string_view> nodes) {
+  const std::vector<std::uint32_t> symbols = statements_of(mender, Word::kNewSymbols);
+  if (!symbols.empty()) forget_used_names(mender, symbols[0]);
   if (mender.is_on(FaultKind::kDoubledSection)) {
     for (const Word kind : {Word::kVersion, Word::kNewSymbols, Word::kBitTiming, Word::kNodes})
       merge_sections(mender, kind);

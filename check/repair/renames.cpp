@@ -9,7 +9,9 @@
 
 #include "base/characters.hpp"
 #include "check/findings/sentences.hpp"
+#include "check/repair/announced.hpp"
 #include "check/repair/plain_names.hpp"
+#include "check/repair/renamed_objects.hpp"
 #include "check/repair/split_names.hpp"
 
 namespace zelk::check {
@@ -26,79 +28,14 @@ bool is_name_fault(FaultKind kind) {
          kind == FaultKind::kTooLong;
 }
 
-/// What a name is the name of.
-enum class NameKind : std::uint8_t {
-  kMessage,
-  kSignal,
-  kNode,
-  kVariable,
-  kTable,
-  kType,
-  kGroup,
-  kCategory,
-  kOther
-};
-
-struct Naming {
-  NameKind kind;
-  bool is_introduced;  ///< not only referred to
-};
-
-Naming naming_of(Role role) {
-  switch (role) {
-    case Role::kMessage:
-      return {NameKind::kMessage, true};
-    case Role::kSignal:
-      return {NameKind::kSignal, true};
-    case Role::kSignalRef:
-    case Role::kMultiplexorRef:
-      return {NameKind::kSignal, false};
-    case Role::kNode:
-    case Role::kTransmitter:
-    case Role::kReceiver:
-    case Role::kAccessNode:
-      return {NameKind::kNode, true};
-    case Role::kNodeRef:
-      return {NameKind::kNode, false};
-    case Role::kVariable:
-      return {NameKind::kVariable, true};
-    case Role::kVariableRef:
-      return {NameKind::kVariable, false};
-    case Role::kTable:
-      return {NameKind::kTable, true};
-    case Role::kTableRef:
-      return {NameKind::kTable, false};
-    case Role::kType:
-      return {NameKind::kType, true};
-    case Role::kTypeRef:
-      return {NameKind::kType, false};
-    case Role::kGroup:
-      return {NameKind::kGroup, true};
-    case Role::kCategory:
-      return {NameKind::kCategory, true};
-    default:
-      return {NameKind::kOther, true};
-  }
-}
-
-/// An object with a new name.
-struct Renamed {
-  NameKind kind;
-  std::uint32_t owner;  ///< message of a signal, or the message itself
-  std::string old_name;
-  std::string new_name;
-  const Fault* fault;  ///< at its name
-  std::uint32_t references = 0;
-  std::uint32_t comment = kNone;  ///< statement
-  bool is_told = false;           ///< a rewritten comment has the old name
-
-  bool has_blanks() const { return old_name.find(' ') != std::string::npos; }
-};
-
 class Renames {
  public:
   Renames(Mender& mender, std::span<const Fault> faults)
-      : mender_(mender), faults_(faults), split_(split_names(mender, faults)) {}
+      : mender_(mender),
+        faults_(faults),
+        split_(split_names(mender, faults)),
+        renamed_(split_.size() + static_cast<std::size_t>(
+                                     std::ranges::count_if(faults, is_name_fault, &Fault::kind))) {}
 
   void run() {
     // What is introduced comes first; a name that is only referred to gets its own all the same.
@@ -112,7 +49,8 @@ class Renames {
     if (renamed_.empty()) return;
     rename_with_blanks();
     find_comments();
-    for (Renamed& each : renamed_) tell(each);
+    mender_.findings.reserve(mender_.findings.size() + renamed_.all().size());
+    for (const Renamed& each : renamed_.all()) tell(each);
   }
 
  private:
@@ -150,13 +88,13 @@ class Renames {
     const std::uint32_t owner = owner_of(kind, fault.statement);
     const std::uint32_t end = mender_.token(fault.token_end - 1).end;
     const std::string_view name = mender_.document.source.text(token.begin, end);
-    const auto [entry, is_new] = by_key_.try_emplace(key_of(kind, owner, name), renamed_.size());
-    if (is_new) {
-      renamed_.push_back({kind, owner, std::string(name), new_name(kind, owner, name), &fault});
+    Renamed* renamed = renamed_.find(kind, owner, name);
+    if (renamed) {
+      ++renamed->references;
     } else {
-      ++renamed_[entry->second].references;
+      renamed = &renamed_.add({kind, owner, name, new_name(kind, owner, name), &fault});
     }
-    mender_.edits.replace(token.begin, end, renamed_[entry->second].new_name);
+    mender_.edits.replace(token.begin, end, renamed->new_name);
   }
 
   /// A word that is the value of an attribute stays as it is, as a text.
@@ -183,18 +121,20 @@ class Renames {
   }
 
   std::string new_name(NameKind kind, std::uint32_t owner, std::string_view old_name) {
-    const std::string plain = plain_name(old_name);
-    std::string name = plain;
+    std::string plain = plain_name(old_name);
+    if (!is_taken(kind, owner, plain)) return plain;
     if (kind == NameKind::kMessage) owner = kNone;  // unique among all messages
     std::size_t& number = last_numbers_.try_emplace(key_of(kind, owner, plain), 1).first->second;
-    while (is_taken(kind, owner, name)) name = numbered_name(plain, ++number);
-    given_.insert(key_of(kind, owner, name));
+    std::string name;
+    do {
+      name = numbered_name(plain, ++number);
+    } while (is_taken(kind, owner, name));
     return name;
   }
 
   bool is_taken(NameKind kind, std::uint32_t owner, std::string_view name) {
     const Names& names = mender_.names;
-    if (given_.contains(key_of(kind, owner, name))) return true;
+    if (announced_.contains(name) || renamed_.has_given(kind, owner, name)) return true;
     switch (kind) {
       case NameKind::kMessage:
         return message_names().contains(name);
@@ -227,7 +167,7 @@ class Renames {
 
   void rename_with_blanks() {
     std::unordered_set<std::string> first_words;
-    for (const Renamed& each : renamed_) {
+    for (const Renamed& each : renamed_.all()) {
       if (each.kind == NameKind::kSignal && each.has_blanks()) {
         first_words.insert(
             key_of(each.kind, each.owner, each.old_name.substr(0, each.old_name.find(' '))));
@@ -291,9 +231,8 @@ class Renames {
     for (std::uint32_t last = first + 1; last < end; ++last) {
       const std::string_view name =
           mender_.document.source.text(token.begin, mender_.token(last).end);
-      const auto found = by_key_.find(key_of(NameKind::kSignal, owner, name));
-      if (found != by_key_.end() && renamed_[found->second].has_blanks())
-        longest = &renamed_[found->second];
+      Renamed* const found = renamed_.find(NameKind::kSignal, owner, name);
+      if (found && found->has_blanks()) longest = found;
     }
     return longest;
   }
@@ -318,15 +257,15 @@ class Renames {
       const std::uint32_t message = owner_of(NameKind::kSignal, i);
       if (message == kNone) continue;
       const Statement& there = mender_.statement(message);
-      const auto found = by_key_.find(
-          key_of(NameKind::kMessage, message, mender_.document.text_of(there, Role::kMessage)));
-      if (found != by_key_.end()) renamed_[found->second].comment = i;
+      Renamed* const found = renamed_.find(NameKind::kMessage, message,
+                                           mender_.document.text_of(there, Role::kMessage));
+      if (found) found->comment = i;
     }
   }
 
   void set_comment(NameKind kind, std::uint32_t statement, std::string_view name) {
-    const auto found = by_key_.find(key_of(kind, owner_of(kind, statement), name));
-    if (found != by_key_.end()) renamed_[found->second].comment = statement;
+    Renamed* const found = renamed_.find(kind, owner_of(kind, statement), name);
+    if (found) found->comment = statement;
   }
 
   void tell(const Renamed& each) {
@@ -396,10 +335,9 @@ class Renames {
   Mender& mender_;
   std::span<const Fault> faults_;
   const std::vector<Fault> split_;
-  std::vector<Renamed> renamed_;
-  std::unordered_map<std::string, std::size_t> by_key_;  ///< by kind, owner and old name
-  std::unordered_map<std::string, std::size_t> last_numbers_;
-  std::unordered_set<std::string> given_;  ///< by kind, owner and new name
+  RenamedObjects renamed_;
+  NameSet announced_ = announced_names(mender_.document);
+  std::unordered_map<std::string, std::size_t> last_numbers_;  ///< behind new names
   std::unordered_set<std::string_view> message_names_;
 };
 

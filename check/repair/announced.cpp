@@ -1,0 +1,54 @@
+#include "check/repair/announced.hpp"
+
+#include <span>
+#include <string>
+
+#include "check/findings/sentences.hpp"
+
+namespace zelk::check {
+
+namespace {
+
+constexpr std::size_t kKeptCharacters = 32;
+
+/// As the reader keeps the name.
+std::string_view announced(const Document& document, const Token& token) {
+  return document.text_of(token).substr(0, kKeptCharacters);
+}
+
+}  // namespace
+
+NameSet announced_names(const Document& document) {
+  NameSet names;
+  for (const Statement& statement : document.statements) {
+    if (statement.kind != Word::kNewSymbols) continue;
+    for (const Token& token : document.tokens_of(statement))
+      if (token.kind == TokenKind::kName) names.insert(announced(document, token));
+  }
+  return names;
+}
+
+NameSet names_in_front(const Document& document, const Statement& end) {
+  NameSet names;
+  for (const Token& token : std::span(document.tokens).first(end.first))
+    if (token.kind == TokenKind::kName) names.insert(document.text_of(token));
+  return names;
+}
+
+void forget_used_names(Mender& mender, std::uint32_t list) {
+  const Statement& statement = mender.statement(list);
+  if (mender.is_settled(list) || !mender.is_on(FaultKind::kOrder)) return;
+  const NameSet used = names_in_front(mender.document, statement);
+  for (std::uint32_t i = statement.first; i < statement.end; ++i) {
+    const Token& token = mender.token(i);
+    const bool is_used =
+        token.kind == TokenKind::kName && used.contains(announced(mender.document, token));
+    if (!is_used) continue;
+    mender.erase_tokens(i, i + 1);
+    mender.note(FaultKind::kOrder, list, i, i + 1,
+                shown(mender.text_of(i)) +
+                    " removed from the list of new symbols, statements in front use the name");
+  }
+}
+
+}  // namespace zelk::check

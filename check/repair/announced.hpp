@@ -1,0 +1,32 @@
+/// \file
+/// Names that "NS_" announces: wherever one stands behind the list, the reader skips all up to the
+/// next semicolon.
+
+#ifndef ZELK_CHECK_REPAIR_ANNOUNCED_HPP
+#define ZELK_CHECK_REPAIR_ANNOUNCED_HPP
+
+#include <cstdint>
+#include <string_view>
+#include <unordered_set>
+
+#include "check/repair/mender.hpp"
+
+namespace zelk::check {
+
+using NameSet = std::unordered_set<std::string_view>;
+
+/// Of all lists.
+NameSet announced_names(const Document& document);
+
+/// The names in statements that stand in front of another one.
+NameSet names_in_front(const Document& document, const Statement& end);
+
+/// Takes names out of the list that stands behind statements which use them: in its place it would
+/// hide these statements.
+///
+/// @param list  index of the first "NS_"
+void forget_used_names(Mender& mender, std::uint32_t list);
+
+}  // namespace zelk::check
+
+#endif
