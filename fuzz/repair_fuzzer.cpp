@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <map>
+#include <set>
 #include <string>
 
 #include "base/list.hpp"
@@ -38,14 +40,34 @@ Counts counts_of(const Lists& lists) {
   return counts;
 }
 
-/// Of what can be read in a text, whatever else is wrong there.
+/// The words of a statement, with a line feed behind each.
+std::string words_of(const Document& document, const Statement& statement) {
+  std::string words;
+  for (const Token& token : document.tokens_of(statement))
+    words.append(document.text_of(token)).append("\n");
+  return words;
+}
+
+/// Of what can be read in a text, whatever else is wrong there; what stands there twice, word for
+/// word, counts once.
 Counts counts_of(const Document& document) {
-  Counts counts;
-  for (const Statement& statement : document.statements) {
+  std::map<std::uint32_t, std::set<std::string>> messages;  // their signals, by statement
+  for (std::uint32_t i = 0; i < document.statements.size(); ++i) {
+    const Statement& statement = document.statements[i];
     if (!statement.is_readable) continue;
-    counts.messages += statement.kind == Word::kMessage;
-    counts.signals += statement.kind == Word::kSignal && statement.owner != Statement::kNone &&
-                      document.statements[statement.owner].is_readable;
+    if (statement.kind == Word::kMessage) messages[i];
+    const auto owner = messages.find(statement.owner);
+    if (statement.kind == Word::kSignal && owner != messages.end())
+      owner->second.insert(words_of(document, statement));
+  }
+  Counts counts;
+  std::set<std::string> seen;
+  for (const auto& [index, signals] : messages) {
+    std::string words = words_of(document, document.statements[index]);
+    for (const std::string& signal : signals) words += signal;
+    if (!seen.insert(words).second) continue;
+    ++counts.messages;
+    counts.signals += signals.size();
   }
   return counts;
 }
@@ -55,11 +77,19 @@ MendedFile mended(const std::string& text) {
   return mend(Source("input", text), {});
 }
 
+/// The search for faults knows all reasons of the reader.
+bool is_explained(const Findings& findings) {
+  return std::ranges::find(findings.list, name_of(FaultKind::kRefused), &Finding::rule) ==
+         findings.list.end();
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string input(reinterpret_cast<const char*>(data), size);
   const MendedFile first = mended(input);
+  expect(is_explained(first.faults) && is_explained(first.mends), "refused for an unknown reason",
+         input);
   if (first.outcome == Outcome::kUnmendable) {
     expect(!first.faults.list.empty(), "refused without a fault", input);
     return 0;

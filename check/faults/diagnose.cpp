@@ -207,6 +207,7 @@ constexpr Sentence kSentences[] = {
     {FaultKind::kDoubledMessage, "Two messages have one identifier."},
     {FaultKind::kDoubledSignal, "Two signals of a message have one name."},
     {FaultKind::kUtf16, "The file is in UTF-16."},
+    {FaultKind::kDoubledStatement, "A statement says the same as another one."},
     {FaultKind::kRefused, "The library refuses the file."},
 };
 

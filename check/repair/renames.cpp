@@ -39,7 +39,8 @@ class Renames {
 
   void run() {
     // What is introduced comes first; a name that is only referred to gets its own all the same.
-    for (const Fault& fault : split_) rename(fault);
+    for (const Fault& fault : split_)
+      if (!mender_.is_settled(fault.statement)) rename(fault);
     // What was taken for indicators is none, once the text is read again.
     mender_.has_new_statements |= !split_.empty();
     for (const bool introduced : {true, false}) {

@@ -11,8 +11,10 @@
 #include "check/faults/diagnose.hpp"
 #include "check/faults/find_faults.hpp"
 #include "check/repair/decoding.hpp"
+#include "check/repair/doubles.hpp"
 #include "check/repair/form_mends.hpp"
 #include "check/repair/judge.hpp"
+#include "check/repair/last_resort.hpp"
 #include "check/repair/layout.hpp"
 #include "check/repair/mender.hpp"
 #include "check/repair/no_node.hpp"
@@ -34,6 +36,9 @@ constexpr int kMostRounds = 6;
 /// Bytes for which a second thread is worth its start.
 constexpr std::size_t kLong = 1'000'000;
 
+/// Of statements that no mend is for.
+constexpr int kMostDrops = 20;
+
 /// Mends what can be seen in one reading of a text.
 class Round {
  public:
@@ -47,6 +52,7 @@ class Round {
   Round(const Round&) = delete;
   Round& operator=(const Round&) = delete;
 
+  void drop_doubles() { check::drop_doubles(mender_); }
   Composition mended() {
     remove_no_nodes(mender_);
     mend_names(mender_, faults_);
@@ -63,6 +69,13 @@ class Round {
     return mender_.edits.apply(mender_.document.source.text(), parts);
   }
   const Document& document() const { return document_; }
+  /// For when there is nothing to mend: the text without a statement that the reader refuses; none
+  /// when there is no such statement, or a fault is known.
+  std::optional<Composition> without_refused(const Verdict& verdict) {
+    const bool is_unknown = std::ranges::all_of(faults_, &Fault::is_accepted);
+    if (verdict.is_accepted || !is_unknown || !drop_refused(mender_, verdict)) return std::nullopt;
+    return mender_.edits.apply(mender_.document.source.text());
+  }
   std::vector<Finding>& findings() { return mender_.findings; }
 
  private:
@@ -141,16 +154,24 @@ class Repair {
     if (is_other_text) verdict = judge(text_of(*round));
     if (is_other_text && options_.no_node.empty() && is_whole(verdict, text_of(*round)))
       return mended(std::string(text_of(*round)));
+    // What the reader takes stays as it is, doubled or not.
+    if (!verdict.is_accepted) round->drop_doubles();
+    int drops = 0;
     for (int rounds = 1;; ++rounds) {
       Composition composition = round->mended();
-      if (round->findings().empty()) return left(round->document(), verdict);
+      if (round->findings().empty()) {
+        auto rest = drops < kMostDrops ? round->without_refused(verdict) : std::nullopt;
+        if (!rest) return left(round->document(), verdict);
+        composition = std::move(*rest);
+        ++drops;
+      }
       take(std::move(round->findings()));
       std::string text = composition.take_text();
       origins_.push_back(std::move(composition));
       verdict = judge(text);
       if (is_whole(verdict, text)) return mended(std::move(text));
       round = std::make_unique<Round>(Source(result_.source.path(), std::move(text)), options_);
-      if (rounds == kMostRounds) return left(round->document(), verdict);
+      if (rounds == kMostRounds + drops) return left(round->document(), verdict);
     }
   }
 
@@ -192,9 +213,14 @@ class Repair {
     return {begin, std::max(begin, origin(span.end))};
   }
 
+  void to_origins(Finding& finding) const {
+    finding.span = origin(finding.span);
+    for (RelatedPlace& place : finding.related) place.span = origin(place.span);
+  }
+
   void take(std::vector<Finding> findings) {
     for (Finding& finding : findings) {
-      finding.span = origin(finding.span);
+      to_origins(finding);
       result_.mends.list.push_back(std::move(finding));
     }
     result_.mends.count = result_.mends.list.size();
@@ -217,13 +243,15 @@ class Repair {
     result_.outcome = Outcome::kUnmendable;
     for (Finding& finding : diagnose(document, 0).list) {
       if (finding.severity != Severity::kError) continue;
-      finding.span = origin(finding.span);
-      for (RelatedPlace& place : finding.related) place.span = origin(place.span);
+      to_origins(finding);
       result_.faults.list.push_back(std::move(finding));
     }
     auto& list = result_.faults.list;
-    if (list.empty())
-      list.push_back({Severity::kError, name_of(FaultKind::kRefused), {}, verdict.message});
+    if (list.empty()) {
+      const std::uint32_t line = document.source.begin_of_line(verdict.line_feeds);
+      const Span place = origin({line, line});
+      list.push_back({Severity::kError, name_of(FaultKind::kRefused), place, verdict.message});
+    }
     result_.faults.count = list.size();
     return std::move(result_);
   }

@@ -12,7 +12,7 @@ struct KindName {
 };
 
 /// In the order of `FaultKind`.
-constexpr std::array<KindName, 41> kNames = {{
+constexpr std::array<KindName, 42> kNames = {{
     {FaultKind::kNoFinalLineFeed, "final-line-feed"},
     {FaultKind::kNulByte, "nul-byte"},
     {FaultKind::kEndByte, "end-byte"},
@@ -53,6 +53,7 @@ constexpr std::array<KindName, 41> kNames = {{
     {FaultKind::kUtf16, "utf-16"},
     {FaultKind::kLineEnds, "line-ends"},
     {FaultKind::kNoNode, "no-node"},
+    {FaultKind::kDoubledStatement, "doubled-statement"},
     {FaultKind::kRefused, "refused"},
 }};
 

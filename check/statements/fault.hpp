@@ -55,10 +55,11 @@ enum class FaultKind : std::uint8_t {
   kDoubledMessage,
   kDoubledSignal,
   // Mends of what is no fault in itself
-  kUtf16,     ///< a text in UTF-16
-  kLineEnds,  ///< carriage returns where lines end
-  kNoNode,    ///< a node that stands for none, as the user says
-  kRefused,   ///< the reader refuses a statement, for a reason that no search for faults has found
+  kUtf16,             ///< a text in UTF-16
+  kLineEnds,          ///< carriage returns where lines end
+  kNoNode,            ///< a node that stands for none, as the user says
+  kDoubledStatement,  ///< one that says the same of its object as another one, word for word
+  kRefused,  ///< the reader refuses a statement, for a reason that no search for faults has found
 };
 
 /// A fault, and its place.

@@ -68,6 +68,10 @@ std::uint32_t Source::next_line(std::uint32_t offset) const {
   return next < starts().size() ? starts_[next] : size();
 }
 
+std::uint32_t Source::begin_of_line(std::uint32_t lines_before) const {
+  return lines_before < starts().size() ? starts_[lines_before] : size();
+}
+
 void Source::extend(Front& front, std::uint32_t end) const {
   const std::string_view further = text(front.end, end);
   front.end = end;

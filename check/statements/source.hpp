@@ -72,6 +72,8 @@ class Source {
   /// Where the line around `offset` begins, and where the next one does (or the text ends).
   std::uint32_t line_begin(std::uint32_t offset) const;
   std::uint32_t next_line(std::uint32_t offset) const;
+  /// Where the line begins that has so many in front of it; the size when there is none.
+  std::uint32_t begin_of_line(std::uint32_t lines_before) const;
 
  private:
   /// A place in the file that it is in.

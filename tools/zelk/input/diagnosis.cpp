@@ -34,20 +34,9 @@ void keep_warnings(check::Findings& findings) {
   findings.worst = std::min(findings.worst, check::Severity::kWarning);
 }
 
-/// Where the line begins that has so many in front of it.
-std::uint32_t begin_of_line(std::string_view text, std::uint32_t line_feeds) {
-  std::size_t begin = 0;
-  for (; line_feeds > 0 && begin < text.size(); --line_feeds) {
-    const std::size_t line_feed = text.find('\n', begin);
-    if (line_feed == std::string_view::npos) break;
-    begin = line_feed + 1;
-  }
-  return static_cast<std::uint32_t>(begin);
-}
-
 void add_last_resort(const check::Source& source, check::Findings& findings) {
   const check::Verdict verdict = check::judge(source.text());
-  const std::uint32_t begin = begin_of_line(source.text(), verdict.line_feeds);
+  const std::uint32_t begin = source.begin_of_line(verdict.line_feeds);
   findings.add({check::Severity::kError,
                 name_of(check::FaultKind::kRefused),
                 {begin, begin},
