@@ -40,11 +40,12 @@ Counts counts_of(const Lists& lists) {
   return counts;
 }
 
-/// The words of a statement, with a line feed behind each.
+/// The words of a statement, with a line feed behind each. NUL bytes are none of their characters.
 std::string words_of(const Document& document, const Statement& statement) {
   std::string words;
   for (const Token& token : document.tokens_of(statement))
     words.append(document.text_of(token)).append("\n");
+  std::erase(words, '\0');
   return words;
 }
 
