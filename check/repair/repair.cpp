@@ -143,8 +143,7 @@ class Repair {
         std::async(is_long ? std::launch::async | std::launch::deferred : std::launch::deferred,
                    [this] { return start(result_.source, options_); });
     Verdict verdict = judge(result_.source.text());
-    const bool is_perfect = verdict.message.empty() && is_whole(verdict, result_.source.text());
-    if (is_perfect && options_.no_node.empty()) {
+    if (is_perfect(verdict, result_.source.text()) && options_.no_node.empty()) {
       starting.wait();
       return unneeded();
     }
@@ -152,7 +151,7 @@ class Repair {
     const bool is_other_text = first.is_other_text();
     std::unique_ptr<Round> round = take(std::move(first));
     if (is_other_text) verdict = judge(text_of(*round));
-    if (is_other_text && options_.no_node.empty() && is_whole(verdict, text_of(*round)))
+    if (is_other_text && options_.no_node.empty() && is_perfect(verdict, text_of(*round)))
       return mended(std::string(text_of(*round)));
     // What the reader takes stays as it is, doubled or not.
     if (!verdict.is_accepted) round->drop_doubles();
@@ -169,13 +168,18 @@ class Repair {
       std::string text = composition.take_text();
       origins_.push_back(std::move(composition));
       verdict = judge(text);
-      if (is_whole(verdict, text)) return mended(std::move(text));
+      if (is_perfect(verdict, text)) return mended(std::move(text));
       round = std::make_unique<Round>(Source(result_.source.path(), std::move(text)), options_);
       if (rounds == kMostRounds + drops) return left(round->document(), verdict);
     }
   }
 
  private:
+  /// Whether the reader takes the text, and notes nothing: it may have skipped statements.
+  static bool is_perfect(const Verdict& verdict, std::string_view text) {
+    return verdict.message.empty() && is_whole(verdict, text);
+  }
+
   /// Whether the reader takes the text, and no byte 0xFF, which it takes for the end, hides
   /// statements.
   static bool is_whole(const Verdict& verdict, std::string_view text) {

@@ -90,6 +90,10 @@ TEST(Doubles, NewSymbolsThatStandTooLate) {
   const std::string text = "BS_:\nBU_: A\nBO_ 1 M: 8 A\nNS_ : M BA_ F_\nBO_ 2 N: 8 A\n";
   EXPECT_EQ(repair(Source("t.dbc", text), {}).text,
             "NS_ : BA_ F_\nBS_:\nBU_: A\nBO_ 1 M: 8 A\nBO_ 2 N: 8 A\n");
+  // The reader takes the first result, and skips all behind the second "F_".
+  const std::string twice = "BO_ 1 M: 8 A\nNS_ : F_ F_)\nBS_:\nBU_: A\nCM_ 'x';\n";
+  const Mended mended = repair(Source("t.dbc", quoted(twice)), {});
+  EXPECT_EQ(repair(Source("t.dbc", mended.text), {}).outcome, Outcome::kUnneeded) << mended.text;
   const std::string odd = "NS_ : _2M\nBS_:\nBU_: A\nBO_ 1 2M: 8 A\n";
   EXPECT_EQ(repair(Source("t.dbc", odd), {}).text,
             quoted("NS_ : _2M\nBS_:\nBU_: A\nBO_ 1 _2M_2: 8 A\nCM_ BO_ 1 'Original name: 2M';\n"));
