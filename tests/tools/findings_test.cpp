@@ -69,8 +69,8 @@ TEST(Findings, AsJson) {
 }
 
 TEST(Findings, AsSarif) {
-  const auto folder = write_file("a#b.dbc", kLinted).parent_path();
-  Json log = parsed("lint a#b.dbc --sarif --fail-on note", 1);
+  const auto folder = write_file("AZ#b.dbc", kLinted).parent_path();
+  Json log = parsed("lint AZ#b.dbc --sarif --fail-on note", 1);
   EXPECT_EQ(log["version"], "2.1.0");
   Json& run = log["runs"][0];
   EXPECT_EQ(run["tool"]["driver"]["name"], "zelk");
@@ -85,20 +85,20 @@ TEST(Findings, AsSarif) {
   EXPECT_EQ(results[1]["message"]["text"],
             "the signal overlaps P: both have byte 0 bit 7 (in signal Q of message 256)");
   Json& place = results[1]["locations"][0]["physicalLocation"];
-  EXPECT_EQ(place["artifactLocation"]["uri"], "a%23b.dbc");
+  EXPECT_EQ(place["artifactLocation"]["uri"], "AZ%23b.dbc");
   EXPECT_EQ(place["region"], Json::parse(R"({"startLine": 5, "startColumn": 10, "endLine": 5,
                                              "endColumn": 11})"));
   Json& related = results[1]["relatedLocations"][0];
   EXPECT_EQ(related["physicalLocation"]["region"]["startLine"], 4);
   EXPECT_EQ(related["message"]["text"], "signal P");
-  const std::string path = (folder / "a#b.dbc").generic_string();
+  const std::string path = (folder / "AZ#b.dbc").generic_string();
   Json absolute = parsed("lint \"" + path + "\" --sarif", 1);
   const std::string uri = absolute["runs"][0]["results"][0]["locations"][0]["physicalLocation"]
                                   ["artifactLocation"]["uri"];
-  EXPECT_TRUE(uri.starts_with("file:///") && uri.ends_with("/a%23b.dbc")) << uri;
-  Json none = parsed("lint a#b.dbc --sarif --disable all", 0);
+  EXPECT_TRUE(uri.starts_with("file:///") && uri.ends_with("/AZ%23b.dbc")) << uri;
+  Json none = parsed("lint AZ#b.dbc --sarif --disable all", 0);
   EXPECT_EQ(none["runs"][0]["results"], Json::array());
-  Json mended = parsed("repair a#b.dbc --dry-run --sarif", 0);
+  Json mended = parsed("repair AZ#b.dbc --dry-run --sarif", 0);
   EXPECT_EQ(mended["runs"][0]["results"], Json::array());
 }
 
@@ -187,6 +187,9 @@ TEST(Findings, StandInTheIncludedFiles) {
   EXPECT_EQ(mended[2]["column"], 8);
   EXPECT_EQ(bytes_of(folder / "out.dbc"),
             "BS_:\nBU_: A\n\nBO_ 1 A: 8 A\n\nBO_ 2 B: 8 A\n\n\nBO_ 3 C: 8 A\n");
+  Json log = parsed("repair main.dbc --dry-run --include . --sarif", 0);
+  EXPECT_EQ(log["runs"][0]["tool"]["driver"]["rules"][0]["shortDescription"]["text"],
+            "A comment names a file to include");
   for (const char* const name : {"../main", "/main", "sub/../main", "c:main", "none"}) {
     write_file("main.dbc", "BS_:\nBU_: A\nCM_ \"IMPORT " + std::string(name) + "\";\n");
     check_parts({"repair main.dbc out.dbc --include sub", 1, "", "cannot include"});

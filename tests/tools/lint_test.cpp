@@ -43,6 +43,7 @@ TEST(LintCommand, SaysWhereAConfigurationIsWrong) {
       {"{\"rules\": {\"frame-length\": \"of\"}}", "c.json:1:12: expected \"off\", \"note\""},
       {"{\"rules\": {\"frame-length\": {\"size\": 1}}}", "the rule has no parameter"},
       {"{\"rules\": {\"narrow-range\": {\"share\": 2}}}", "expected a number from 0 to 1"},
+      {"{\"rules\": {\"narrow-range\": {\"share\": \"note\"}}}", "expected a number from 0 to 1"},
       {"{\"rules\": [\"frame-length\"]}", "c.json:1:2: expected an object for \"rules\""},
       {"{\"fail-on\": \"off\"}", "c.json:1:2: expected \"note\""},
       {"{\"fail-on\": \"note\",}", "c.json:1:20: this is no JSON"},

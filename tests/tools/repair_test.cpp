@@ -63,6 +63,8 @@ TEST(Repair, WritesWholeFilesOrNone) {
       {"repair a.dbc out.dbc --include none", 2, "", "there is no folder \"none\""},
       {"repair sound.dbc out.dbc --dry-run", 0,
        "out.dbc not written: sound.dbc needs no mending\n"},
+      {"repair sound.dbc --in-place", 0, "sound.dbc needs no mending\n"},
+      {"repair sound.dbc --dry-run", 0, "sound.dbc needs no mending\n"},
       {"repair a.dbc --dry-run --max-errors 1", 0, "and 2 more; see --max-errors\n"},
   };
   for (const ToolCase& c : refused) check_parts(c);
