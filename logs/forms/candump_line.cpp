@@ -7,6 +7,7 @@
 #include "base/characters.hpp"
 #include "logs/forms/hex.hpp"
 #include "logs/forms/times.hpp"
+#include "zelk/logs/candump.hpp"
 #include "zelk/records.h"
 
 // Grammar of a line. Blanks and tabs part the words, and may stand around them.
@@ -234,10 +235,16 @@ LineKind parse_candump_line(std::string_view line, LineFrame& frame) {
     line = word;
     word = std::exchange(frame.channel, {});
   }
-  if (frame.channel.size() > kLongestChannel) return LineKind::kMalformed;
+  if (frame.channel.size() > kZelkLongestChannel) return LineKind::kMalformed;
   if (!parse_frame(word, line, frame)) return LineKind::kMalformed;
   std::memset(frame.data + frame.length, 0, ZelkFrameBlock::kSlack);
   return LineKind::kFrame;
+}
+
+bool parse_candump_frame(std::string_view text, LineFrame& frame) {
+  frame.flags = 0;
+  frame.length = 0;
+  return text.find('#') != std::string_view::npos && parse_log_form(text, frame);
 }
 
 unsigned fd_flags(int digit) {

@@ -12,8 +12,7 @@
 
 namespace zelk::logs {
 
-inline constexpr std::size_t kClassicBytes = 8;     // of data, at most
-inline constexpr std::size_t kLongestChannel = 64;  // bytes of its name
+inline constexpr std::size_t kClassicBytes = 8;  // of data, at most, but for CAN FD
 
 /// The kind of a line of a log.
 enum class LineKind : std::uint8_t {
@@ -36,6 +35,11 @@ struct LineFrame {
 ///
 /// @param frame  `data` is given; the others are replaced, in part also for lines without a frame
 LineKind parse_candump_line(std::string_view line, LineFrame& frame);
+
+/// Reads a frame alone, in the form of logs: "123#DEADBEEF".
+///
+/// @param frame  as `parse_candump_line`; its time and channel do not change
+bool parse_candump_frame(std::string_view text, LineFrame& frame);
 
 /// The flags of a CAN FD frame.
 ///

@@ -9,11 +9,12 @@
 #include "commands/mending_options.hpp"
 #include "input/opening.hpp"
 #include "log/frame_catalog.hpp"
-#include "log/log_input.hpp"
 #include "log/log_pipeline.hpp"
+#include "log/log_probe.hpp"
 #include "log/log_reports.hpp"
 #include "term/system.hpp"
 #include "term/text.hpp"
+#include "zelk/logs/reader.hpp"
 
 namespace zelk::tool {
 
@@ -35,19 +36,19 @@ const FrameFormat& format_of(const std::string& name) {
 }
 
 /// A pipe is decoded as it comes; a small file is done before a thread has started.
-unsigned threads_for(const LogInput& input, unsigned wanted) {
+unsigned threads_for(const ZelkLogReader& log, unsigned wanted) {
   constexpr std::uint64_t kWorthThreads = 4'000'000;  // bytes
   if (wanted > 0) return wanted;
-  if (input.size().value_or(0) < kWorthThreads) return 1;
+  if (log.SizeBytes().value_or(0) < kWorthThreads) return 1;
   return std::max(1u, std::thread::hardware_concurrency());
 }
 
-ExitCode decode_log(const Arguments& arguments, const FrameCatalog& catalog, LogInput& input,
+ExitCode decode_log(const Arguments& arguments, const FrameCatalog& catalog, ZelkLogReader& log,
                     Output& out) {
   out.raw(arguments.options.format->heading());
-  LogReport report(input.name());
-  LogPipeline pipeline(catalog, input, out, report);
-  pipeline.run(threads_for(input, arguments.threads));
+  LogReport report(log.Name());
+  LogPipeline pipeline(catalog, log, out, report);
+  pipeline.run(threads_for(log, arguments.threads));
   out.flush();
   report.print_rest();
   if (arguments.stats) report.print_counts(pipeline.unknown());
@@ -90,8 +91,8 @@ ExitCode decode(const Arguments& arguments, Output& out) {
   }
   if (!catalog.check_filter()) return kExitFailure;
   const NotedStop stop;
-  LogInput input(log);
-  return decode_log(arguments, catalog, input, out);
+  ZelkLogReader reader(log, {.stop = &NotedStop::is_requested()});
+  return decode_log(arguments, catalog, reader, out);
 }
 
 void add_filter_options(CLI::App& command, NameFilter& filter) {

@@ -9,6 +9,7 @@
 #include "input/lookup.hpp"
 #include "input/opening.hpp"
 #include "term/text.hpp"
+#include "zelk/logs/candump.hpp"
 
 namespace zelk::tool {
 
@@ -52,7 +53,7 @@ std::string check_time(const std::string& text) {
 /// The name must come back as one word when the line is read.
 std::string check_interface(const std::string& name) {
   const bool is_name =
-      !name.empty() && name.size() <= kLongestInterface && std::ranges::all_of(name, [](char c) {
+      !name.empty() && name.size() <= kZelkLongestChannel && std::ranges::all_of(name, [](char c) {
         return static_cast<unsigned char>(c) > ' ' && c != '(' && c != '\x7F';
       });
   return is_name ? "" : "an interface name is wanted, not " + in_quotes(name);
@@ -62,7 +63,7 @@ ExitCode encode(const Arguments& arguments, Output& out) {
   DatabaseFile file(arguments.mending);
   if (!file.open_and_report(arguments.database)) return kExitFailure;
   try {
-    out.line("{}", lead_of(arguments) + frame_text(encode_message(file.encoded(), arguments)));
+    out.line("{}", lead_of(arguments) + ZelkFrameText(encode_message(file.encoded(), arguments)));
   } catch (const RequestError& error) {
     print_error(behind_path(arguments.database, error.what()));
     return kExitFailure;

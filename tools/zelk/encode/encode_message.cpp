@@ -16,11 +16,14 @@
 #include "words/attribute_words.hpp"
 #include "words/record_words.hpp"
 #include "zelk/frame_decoder.hpp"
+#include "zelk/logs/candump.hpp"
 #include "zelk/manager.hpp"
 
 namespace zelk::tool {
 
 namespace {
+
+constexpr std::size_t kClassicBytes = 8;  // of data, in a frame that is not of CAN FD
 
 /// Number of multiplexors above a signal; below a circle of them the number of signals.
 std::size_t depth_of(const sigblk& signal, std::size_t signal_count) {
@@ -39,7 +42,7 @@ class FrameEncoder {
   /// @param message   must outlive the object
   /// @param frame     the frame to put the signals into; its length does not change
   /// @param is_given  whether the multiplexors in `frame` mean something; else they are but zeros
-  FrameEncoder(const msgblk& message, const LogFrame& frame, bool is_given);
+  FrameEncoder(const msgblk& message, const ZelkFrame& frame, bool is_given);
 
   /// Takes the value of a signal by its name.
   /// @throws RequestError as `parse_signal_value`, and when there is no such signal, or it has been
@@ -51,7 +54,7 @@ class FrameEncoder {
   ///
   /// @throws RequestError when no value of a multiplexor selects all of its signals that were
   /// given, or several do; and when the frame would not hold what was given
-  LogFrame finish();
+  ZelkFrame finish();
 
  private:
   /// Multiplexor values, both ends included.
@@ -66,13 +69,13 @@ class FrameEncoder {
   Ranges selecting_values(const sigblk& multiplexor, std::string& names) const;
   bool keeps_selecting(const sigblk& multiplexor, const Ranges& ranges);
   void check_fits(const sigblk& signal) const;
-  void put(LogFrame& frame, const sigblk& signal, std::int64_t raw) const;
-  void check(const LogFrame& frame) const;
+  void put(ZelkFrame& frame, const sigblk& signal, std::int64_t raw) const;
+  void check(const ZelkFrame& frame) const;
   /// Index of a signal among those of the message.
   std::size_t index_of(const sigblk& signal) const;
 
   const msgblk& message_;
-  LogFrame frame_;
+  ZelkFrame frame_;
   bool is_frame_given_;
   ZelkFrameDecoder decoder_;
   std::vector<std::int64_t> before_;  // raw values in the frame as it came
@@ -81,7 +84,7 @@ class FrameEncoder {
   std::vector<const sigblk*> settled_;
 };
 
-FrameEncoder::FrameEncoder(const msgblk& message, const LogFrame& frame, bool is_given)
+FrameEncoder::FrameEncoder(const msgblk& message, const ZelkFrame& frame, bool is_given)
     : message_(message),
       frame_(frame),
       is_frame_given_(is_given),
@@ -112,11 +115,11 @@ void FrameEncoder::set(std::string_view name, std::string_view value, const Valu
                                  in_quotes(name), names.text()));
 }
 
-LogFrame FrameEncoder::finish() {
+ZelkFrame FrameEncoder::finish() {
   while (const sigblk* const multiplexor = deepest_unsettled_multiplexor()) settle(*multiplexor);
   // Writing a signal reads its multiplexors: all must fit before any is written.
   for (const auto& [index, raw] : given_) check_fits(decoder_.Signal(index));
-  LogFrame frame = frame_;
+  ZelkFrame frame = frame_;
   for (const auto& [index, raw] : given_) put(frame, decoder_.Signal(index), raw);
   check(frame);
   return frame;
@@ -201,14 +204,14 @@ void FrameEncoder::check_fits(const sigblk& signal) const {
                                  counted(frame_.length, "byte")));
 }
 
-void FrameEncoder::put(LogFrame& frame, const sigblk& signal, std::int64_t raw) const {
+void FrameEncoder::put(ZelkFrame& frame, const sigblk& signal, std::int64_t raw) const {
   const std::uint64_t bits = static_cast<std::uint64_t>(raw) & low_bits(signal.length);
   ZelkManager(static_cast<void*>(nullptr))
       .SetSignalRawValueInt64(frame.data.front(), signal, message_, static_cast<long long>(bits));
 }
 
 /// Whether the frame says what was given.
-void FrameEncoder::check(const LogFrame& frame) const {
+void FrameEncoder::check(const ZelkFrame& frame) const {
   std::vector<std::int64_t> raw(decoder_.SignalCount());
   std::vector<std::uint64_t> present(decoder_.PresenceWords());
   decoder_.DecodeRaw(frame.data.data(), frame.length, raw.data(), present.data());
@@ -230,24 +233,25 @@ bool has_fd_format(const ZelkDatabase& database, const msgblk& message) {
       .ends_with("FD");
 }
 
-LogFrame empty_frame(const ZelkDatabase& database, const msgblk& message) {
-  if (message.dlc > kFdDataBytes) {
+ZelkFrame empty_frame(const ZelkDatabase& database, const msgblk& message) {
+  if (message.dlc > ZelkFrame::kMostData) {
     throw RequestError(fmt::format("{} has {}, and a frame at most {}", escaped(view(message.name)),
-                                   counted(message.dlc, "byte"), kFdDataBytes));
+                                   counted(message.dlc, "byte"), ZelkFrame::kMostData));
   }
-  LogFrame frame;
+  ZelkFrame frame;
   frame.id = message.id;
   frame.length = message.dlc;
-  frame.is_fd = message.dlc > kClassicDataBytes || has_fd_format(database, message);
+  if (message.dlc > kClassicBytes || has_fd_format(database, message)) frame.flags = kZelkFrameFd;
   return frame;
 }
 
 /// A frame of the message, in which signals are to be changed. The addresses of a parameter group
 /// may be others than in the database.
-LogFrame parse_given_frame(const ZelkDatabase& database, const msgblk& message,
-                           const std::string& text) {
-  LogFrame frame;
-  if (parse_frame(text, frame) != LogLine::kData) {
+ZelkFrame parse_given_frame(const ZelkDatabase& database, const msgblk& message,
+                            const std::string& text) {
+  ZelkFrame frame;
+  const bool is_frame = ZelkParseFrame(text, frame);
+  if (!is_frame || (frame.flags & (kZelkFrameRemote | kZelkFrameError))) {
     throw RequestError(
         fmt::format("{} is not a frame with data, such as 123#DEADBEEF", in_quotes(text)));
   }
@@ -262,13 +266,13 @@ LogFrame parse_given_frame(const ZelkDatabase& database, const msgblk& message,
 
 }  // namespace
 
-LogFrame encode_message(EncodedDatabase of, const FrameValues& wanted) {
+ZelkFrame encode_message(EncodedDatabase of, const FrameValues& wanted) {
   const ZelkDatabase& database = of.records;
   ValueOptions options = wanted.options;
   options.encoding = of.encoding;
   const msgblk& message = *find_messages(database, wanted.message).front();
-  const LogFrame start = wanted.from ? parse_given_frame(database, message, *wanted.from)
-                                     : empty_frame(database, message);
+  const ZelkFrame start = wanted.from ? parse_given_frame(database, message, *wanted.from)
+                                      : empty_frame(database, message);
   FrameEncoder encoder(message, start, wanted.from.has_value());
   for (const std::string& text : wanted.signals) {
     const std::size_t mark = text.find('=');

@@ -10,7 +10,7 @@
 
 #include "encode/parse_value.hpp"
 #include "input/encoded_database.hpp"
-#include "log/candump_log.hpp"
+#include "zelk/logs/frame.hpp"
 
 namespace zelk::tool {
 
@@ -23,7 +23,7 @@ struct FrameValues {
 };
 
 /// @throws RequestError when there is no such message or signal, or the frame cannot hold a value
-LogFrame encode_message(EncodedDatabase of, const FrameValues& wanted);
+ZelkFrame encode_message(EncodedDatabase of, const FrameValues& wanted);
 
 }  // namespace zelk::tool
 

@@ -1,31 +1,42 @@
 #include "log/log_decoder.hpp"
 
-#include <algorithm>
+#include <fmt/format.h>
+
+#include <iterator>
+#include <span>
 
 namespace zelk::tool {
 
 namespace {
 
-constexpr std::size_t kShownBytes = 60;  // of a malformed line
+constexpr std::int64_t kNanosecondsPerSecond = 1'000'000'000;
+
+/// Seconds with six decimals, or nine where they are needed.
+void spell_time(std::int64_t time, std::string& text) {
+  text.clear();
+  if (time == kZelkNoTime) return;
+  const std::int64_t nanoseconds =
+      (time % kNanosecondsPerSecond + kNanosecondsPerSecond) % kNanosecondsPerSecond;
+  const std::int64_t seconds = (time - nanoseconds) / kNanosecondsPerSecond;
+  fmt::format_to(std::back_inserter(text), "{}.{:09}", seconds, nanoseconds);
+  if (text.ends_with("000")) text.resize(text.size() - 3);
+}
 
 }  // namespace
 
 LogCounts& LogCounts::operator+=(const LogCounts& other) {
-  lines += other.lines;
-  frames += other.frames;
+  ZelkLogCounts::operator+=(other);
   decoded += other.decoded;
   unknown += other.unknown;
   too_short += other.too_short;
   remote += other.remote;
   errors += other.errors;
-  malformed += other.malformed;
   return *this;
 }
 
 void DecodedBlock::clear() {
   text.clear();
   counts = {};
-  malformed.clear();
 }
 
 LogDecoder::LogDecoder(const FrameCatalog& catalog)
@@ -33,72 +44,64 @@ LogDecoder::LogDecoder(const FrameCatalog& catalog)
       raw_(catalog.most_signals()),
       present_((catalog.most_signals() + 63) / 64) {}
 
-void LogDecoder::decode(std::string_view block, DecodedBlock& result) {
+void LogDecoder::decode(const ZelkLogBlock& block, DecodedBlock& result) {
   result.clear();
-  while (!block.empty()) {
-    const std::size_t length = std::min(block.find('\n'), block.size());
-    decode_line(block.substr(0, length), result);
-    block.remove_prefix(std::min(length + 1, block.size()));
-    ++result.counts.lines;
-  }
-}
-
-void LogDecoder::decode_line(std::string_view line, DecodedBlock& result) {
   LogCounts& counts = result.counts;
-  const LogLine kind = parse_log_line(line, frame_);
-  if (kind == LogLine::kBlank) return;
-  if (kind == LogLine::kMalformed) {
-    ++counts.malformed;
-    if (result.malformed.size() < kMostMalformed)
-      result.malformed.push_back({counts.lines, std::string(line.substr(0, kShownBytes))});
-    return;
-  }
-  ++counts.frames;
-  if (kind == LogLine::kRemote) {
-    ++counts.remote;
-  } else if (kind == LogLine::kError) {
-    ++counts.errors;
-  } else {
-    decode_frame(result);
+  static_cast<ZelkLogCounts&>(counts) = block.counts;
+  block_channels_.clear();
+  for (const std::string& name : block.frames.ChannelNames())
+    block_channels_.push_back(&channel_named(name));
+  for (std::size_t i = 0; i < block.frames.Size(); ++i) {
+    const unsigned flags = block.frames.Flags()[i];
+    if (flags & kZelkFrameRemote) {
+      ++counts.remote;
+    } else if (flags & kZelkFrameError) {
+      ++counts.errors;
+    } else {
+      decode_frame(block.frames, i, result);
+    }
   }
 }
 
-void LogDecoder::decode_frame(DecodedBlock& result) {
-  Channel& channel = channel_of(frame_.interface_name);
-  KnownId& known = look_up(channel, frame_.interface_name, frame_.id);
+void LogDecoder::decode_frame(const ZelkFrameBlock& frames, std::size_t index,
+                              DecodedBlock& result) {
+  const std::uint32_t id = frames.Ids()[index];
+  Channel& channel = *block_channels_[frames.Channels()[index]];
+  KnownId& known = look_up(channel, id);
   ++known.count;
   if (!known.message) {
     ++result.counts.unknown;
     return;
   }
   const PreparedMessage& message = *known.message;
+  const std::span<const unsigned char> data = frames.Data(index);
   ++result.counts.decoded;
-  if (frame_.length < message.decoder->Message().dlc) ++result.counts.too_short;
+  if (data.size() < message.decoder->Message().dlc) ++result.counts.too_short;
   if (!message.is_shown) return;
-  message.decoder->DecodeRaw(frame_.data.data(), frame_.length, raw_.data(), present_.data());
+  message.decoder->DecodeRaw(data.data(), data.size(), raw_.data(), present_.data());
+  std::string_view time = frames.TimeText(index);
+  if (time.empty()) {
+    spell_time(frames.Times()[index], time_);
+    time = time_;
+  }
   const FrameOptions& options = catalog_.options();
   options.format->append(
-      result.text, {frame_.time, channel.text, frame_.id, &message, raw_.data(), present_.data()},
-      options.raw);
+      result.text, {time, channel.text, id, &message, raw_.data(), present_.data()}, options.raw);
 }
 
-// Most frames come from the interface of the frame before.
-LogDecoder::Channel& LogDecoder::channel_of(std::string_view name) {
-  if (last_channel_ && last_channel_->first == name) return last_channel_->second;
-  auto found = channels_.find(name);
-  if (found == channels_.end()) {
-    found = channels_.try_emplace(std::string(name)).first;
+LogDecoder::Channel& LogDecoder::channel_named(const std::string& name) {
+  const auto [found, is_new] = channels_.try_emplace(name);
+  if (is_new) {
+    found->second.name = name;
     found->second.text = catalog_.options().format->interface_text(name);
   }
-  last_channel_ = &*found;
   return found->second;
 }
 
-LogDecoder::KnownId& LogDecoder::look_up(Channel& channel, std::string_view interface_name,
-                                         std::uint32_t id) {
+LogDecoder::KnownId& LogDecoder::look_up(Channel& channel, std::uint32_t id) {
   const auto found = channel.ids.find(id);
   if (found != channel.ids.end()) return found->second;
-  return channel.ids.try_emplace(id, KnownId{catalog_.find(interface_name, id), 0}).first->second;
+  return channel.ids.try_emplace(id, KnownId{catalog_.find(channel.name, id), 0}).first->second;
 }
 
 void LogDecoder::add_unknown_to(UnknownIds& ids) const {

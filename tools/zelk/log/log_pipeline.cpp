@@ -2,6 +2,8 @@
 
 #include <thread>
 
+#include "term/system.hpp"
+
 namespace zelk::tool {
 
 void LogPipeline::run(unsigned threads) {
@@ -27,32 +29,33 @@ void LogPipeline::work() {
 
 void LogPipeline::decode_blocks() {
   LogDecoder decoder(catalog_);
-  std::string block;
-  std::uint64_t number = 0;
-  DecodedBlock result;
-  while (take_block(block, number)) {
-    decoder.decode(block, result);
-    if (!put_block(result, number)) return;
+  ZelkLogChunk chunk;
+  ZelkLogBlock block;
+  DecodedBlock decoded;
+  while (take(chunk)) {
+    reader_.Parse(chunk, block);
+    decoder.decode(block, decoded);
+    if (!put(block, decoded)) return;
   }
   const std::lock_guard lock(output_mutex_);
   decoder.add_unknown_to(unknown_);
 }
 
-bool LogPipeline::take_block(std::string& block, std::uint64_t& number) {
+bool LogPipeline::take(ZelkLogChunk& chunk) {
   const std::lock_guard lock(input_mutex_);
-  number = blocks_taken_++;
-  return input_.next(block);
+  const WaitingReader waiting;
+  return reader_.Take(chunk);
 }
 
 /// False when another thread has met a fault.
-bool LogPipeline::put_block(const DecodedBlock& block, std::uint64_t number) {
+bool LogPipeline::put(const ZelkLogBlock& block, const DecodedBlock& decoded) {
   std::unique_lock lock(output_mutex_);
-  turn_.wait(lock, [&] { return fault_ || blocks_put_ == number; });
+  turn_.wait(lock, [&] { return fault_ || blocks_put_ == block.number; });
   if (fault_) return false;
   if (!block.malformed.empty()) progress_.clear();
-  out_.write_through(block.text.view());
-  report_.add(block);
-  progress_.update(input_.bytes_read());
+  out_.write_through(decoded.text.view());
+  report_.add(block, decoded.counts);
+  progress_.update(reader_.BytesRead());
   ++blocks_put_;
   turn_.notify_all();
   return true;

@@ -12,10 +12,10 @@
 
 #include "log/frame_catalog.hpp"
 #include "log/log_decoder.hpp"
-#include "log/log_input.hpp"
 #include "log/log_reports.hpp"
 #include "term/output.hpp"
 #include "term/progress.hpp"
+#include "zelk/logs/reader.hpp"
 
 namespace zelk::tool {
 
@@ -25,17 +25,18 @@ namespace zelk::tool {
 class LogPipeline {
  public:
   /// All must outlive the object.
-  LogPipeline(const FrameCatalog& catalog, LogInput& input, Output& out, LogReport& report)
+  LogPipeline(const FrameCatalog& catalog, ZelkLogReader& reader, Output& out, LogReport& report)
       : catalog_(catalog),
-        input_(input),
+        reader_(reader),
         out_(out),
         report_(report),
-        progress_(input.size().value_or(0)) {}
+        progress_(reader.SizeBytes().value_or(0)) {}
 
   /// Decodes the log to its end.
   ///
   /// @param threads  at least 1
-  /// @throws std::system_error when the log cannot be read or the output not be written
+  /// @throws ZelkLogError when the log cannot be read, std::system_error when the output cannot be
+  /// written
   void run(unsigned threads);
 
   /// The unknown identifiers of the log, once it is decoded.
@@ -44,18 +45,17 @@ class LogPipeline {
  private:
   void work();
   void decode_blocks();
-  bool take_block(std::string& block, std::uint64_t& number);
-  bool put_block(const DecodedBlock& block, std::uint64_t number);
+  bool take(ZelkLogChunk& chunk);
+  bool put(const ZelkLogBlock& block, const DecodedBlock& decoded);
 
   const FrameCatalog& catalog_;
-  LogInput& input_;
+  ZelkLogReader& reader_;
   Output& out_;
   LogReport& report_;
   ProgressBar progress_;
   UnknownIds unknown_;
 
-  std::mutex input_mutex_;  // guards input_ and blocks_taken_
-  std::uint64_t blocks_taken_ = 0;
+  std::mutex input_mutex_;   // held by the thread that reads
   std::mutex output_mutex_;  // guards all others that change
   std::condition_variable turn_;
   std::uint64_t blocks_put_ = 0;

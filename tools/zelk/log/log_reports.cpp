@@ -15,6 +15,7 @@ namespace zelk::tool {
 namespace {
 
 constexpr std::size_t kMostIds = 5;
+constexpr std::size_t kMostMalformed = ZelkLogBlock::kMostMalformed;
 
 /// "0x7DF (12), 0x18FF1100 (3), ..."
 std::string most_frequent(const UnknownIds& unknown) {
@@ -32,18 +33,18 @@ std::string most_frequent(const UnknownIds& unknown) {
 
 }  // namespace
 
-void LogReport::add(const DecodedBlock& block) {
-  std::uint64_t printed = std::min<std::uint64_t>(counts_.malformed, LogDecoder::kMostMalformed);
-  for (const MalformedLine& line : block.malformed) {
-    if (printed++ >= LogDecoder::kMostMalformed) break;
-    print_error(fmt::format("{}, line {}: not a frame: {}", escaped(log_name_),
-                            counts_.lines + line.number + 1, in_quotes(line.text)));
+void LogReport::add(const ZelkLogBlock& block, const LogCounts& decoded) {
+  std::uint64_t printed = std::min<std::uint64_t>(counts_.malformed, kMostMalformed);
+  for (const ZelkMalformedLine& line : block.malformed) {
+    if (printed++ >= kMostMalformed) break;
+    print_error(fmt::format("{}, line {}: not a frame: {}", escaped(log_name_), line.number,
+                            in_quotes(line.text)));
   }
-  counts_ += block.counts;
+  counts_ += decoded;
 }
 
 void LogReport::print_rest() const {
-  if (counts_.malformed > LogDecoder::kMostMalformed) {
+  if (counts_.malformed > kMostMalformed) {
     print_error(fmt::format("{}: {} in all that are not frames", escaped(log_name_),
                             counted(counts_.malformed, "line")));
   }

@@ -17,7 +17,8 @@ class LogReport {
   /// @param log_name  what to call the log
   explicit LogReport(std::string log_name) : log_name_(std::move(log_name)) {}
 
-  void add(const DecodedBlock& block);
+  /// @param decoded  what came of `block`
+  void add(const ZelkLogBlock& block, const LogCounts& decoded);
   /// Prints how many lines are malformed when not all were printed, and an error when no line is a
   /// frame.
   void print_rest() const;

@@ -4,11 +4,9 @@
 #ifndef ZELK_TOOL_TERM_SYSTEM_HPP
 #define ZELK_TOOL_TERM_SYSTEM_HPP
 
-#include <cstddef>
-#include <cstdint>
+#include <atomic>
 #include <cstdio>
 #include <filesystem>
-#include <optional>
 #include <string>
 #include <system_error>
 
@@ -21,15 +19,6 @@ extern const char* const kModuleExtension;
 /// system gets the same bytes on standard input and output.
 void prepare_process();
 
-/// Reads what is there, and waits only while nothing is; past the buffer of `file`.
-///
-/// @return number of bytes put into `buffer`, at most `size`; 0 at the end
-/// @throws std::system_error
-std::size_t read_some(std::FILE* file, char* buffer, std::size_t size);
-
-/// Bytes of a regular file; none for a pipe, a device or anything else.
-std::optional<std::uint64_t> size_of_regular_file(std::FILE* file);
-
 /// Holds back the signals by which a user ends a program, so that no half-written file is left
 /// behind. They take effect when this is destroyed.
 class HeldSignals {
@@ -41,8 +30,8 @@ class HeldSignals {
 };
 
 /// While it lives, the first signal by which a user ends a program (an interrupt, a termination or
-/// a closed terminal) makes `read_some` report the end of its file, so that the program finishes
-/// what it has read. The next one ends the program at once. Signals that were ignored stay ignored.
+/// a closed terminal) is noted, so that the program finishes what it has read. The next one ends
+/// the program at once. Signals that were ignored stay ignored.
 ///
 /// One at a time.
 class NotedStop {
@@ -54,8 +43,18 @@ class NotedStop {
   /// `kExitInterrupted` for an interrupt.
   ~NotedStop();
 
-  /// Whether there was a signal; false without an object. Any thread may ask.
-  static bool is_requested();
+  /// Whether there was a signal. Any thread may ask; it lives as long as the process.
+  static const std::atomic<bool>& is_requested();
+};
+
+/// Names the calling thread as the one that waits for input. Where a wait does not end by itself
+/// when a stop is noted, it is ended. One at a time.
+class WaitingReader {
+ public:
+  WaitingReader();
+  WaitingReader(const WaitingReader&) = delete;
+  WaitingReader& operator=(const WaitingReader&) = delete;
+  ~WaitingReader();
 };
 
 /// Type of the file that `path`, in UTF-8, leads to; `not_found` or `none` when there is none.

@@ -1,14 +1,9 @@
 #include <fcntl.h>
 #include <io.h>
-#include <sys/stat.h>
 #include <windows.h>
 
-#include <algorithm>
 #include <atomic>
-#include <cerrno>
-#include <climits>
 #include <mutex>
-#include <system_error>
 
 #include "term/system.hpp"
 
@@ -29,7 +24,7 @@ namespace {
 
 std::atomic<bool> is_stop_noted = false;
 std::mutex reader_mutex;
-HANDLE reader = nullptr;  // the thread inside `read_some`; guarded by reader_mutex
+HANDLE reader = nullptr;  // the thread that waits for input; guarded by reader_mutex
 
 /// Ends the read under way; false when there is none.
 bool cancel_read() {
@@ -47,43 +42,22 @@ BOOL WINAPI note_stop(DWORD event) {
   return TRUE;
 }
 
-/// Names the calling thread as the one that reads.
-class NamedReader {
- public:
-  NamedReader() {
-    const std::lock_guard lock(reader_mutex);
-    reader = OpenThread(THREAD_TERMINATE, FALSE, GetCurrentThreadId());
-  }
-  NamedReader(const NamedReader&) = delete;
-  NamedReader& operator=(const NamedReader&) = delete;
-  ~NamedReader() {
-    const std::lock_guard lock(reader_mutex);
-    if (reader) CloseHandle(reader);
-    reader = nullptr;
-  }
-};
-
 }  // namespace
 
 NotedStop::NotedStop() { SetConsoleCtrlHandler(note_stop, TRUE); }
 NotedStop::~NotedStop() { SetConsoleCtrlHandler(note_stop, FALSE); }
 
-bool NotedStop::is_requested() { return is_stop_noted; }
+const std::atomic<bool>& NotedStop::is_requested() { return is_stop_noted; }
 
-std::size_t read_some(std::FILE* file, char* buffer, std::size_t size) {
-  const NamedReader named;
-  if (NotedStop::is_requested()) return 0;
-  const auto most = static_cast<unsigned>(std::min<std::size_t>(size, INT_MAX));
-  const int count = _read(_fileno(file), buffer, most);
-  if (NotedStop::is_requested()) return 0;
-  if (count < 0) throw std::system_error(errno, std::generic_category(), "cannot read");
-  return static_cast<std::size_t>(count);
+WaitingReader::WaitingReader() {
+  const std::lock_guard lock(reader_mutex);
+  reader = OpenThread(THREAD_TERMINATE, FALSE, GetCurrentThreadId());
 }
 
-std::optional<std::uint64_t> size_of_regular_file(std::FILE* file) {
-  struct _stat64 status;
-  if (_fstat64(_fileno(file), &status) != 0 || !(status.st_mode & _S_IFREG)) return std::nullopt;
-  return static_cast<std::uint64_t>(status.st_size);
+WaitingReader::~WaitingReader() {
+  const std::lock_guard lock(reader_mutex);
+  if (reader) CloseHandle(reader);
+  reader = nullptr;
 }
 
 bool is_terminal(std::FILE* file) { return _isatty(_fileno(file)); }

@@ -1,0 +1,25 @@
+#include "log/log_probe.hpp"
+
+#include <fmt/format.h>
+
+#include "term/system.hpp"
+#include "term/text.hpp"
+#include "zelk/logs/reader.hpp"
+
+namespace zelk::tool {
+
+std::optional<std::string> why_no_log(const std::string& path) {
+  if (file_type(path) != std::filesystem::file_type::regular)
+    return "not a regular file, which only --log itself takes";
+  ZelkLogBlock block;
+  ZelkLogReader(path).Next(block);
+  if (block.counts.frames > 0) return std::nullopt;
+  std::string first;
+  if (!block.malformed.empty()) {
+    const ZelkMalformedLine& line = block.malformed.front();
+    first = fmt::format(", line {}: {}", line.number, in_quotes(line.text));
+  }
+  return fmt::format("no frame among the first {}{}", counted(block.counts.lines, "line"), first);
+}
+
+}  // namespace zelk::tool

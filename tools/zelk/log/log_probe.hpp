@@ -1,0 +1,23 @@
+/// \file
+/// Tells logs from other files.
+
+#ifndef ZELK_TOOL_LOG_LOG_PROBE_HPP
+#define ZELK_TOOL_LOG_LOG_PROBE_HPP
+
+#include <optional>
+#include <string>
+
+namespace zelk::tool {
+
+/// Looks for a frame at the beginning of the regular file `path`.
+///
+/// Anything else than a regular file is not touched: what is taken from a pipe cannot be read
+/// again.
+///
+/// @return why the file is no log, for standard error; nothing when there is a frame
+/// @throws ZelkLogError when the file cannot be read
+std::optional<std::string> why_no_log(const std::string& path);
+
+}  // namespace zelk::tool
+
+#endif
