@@ -75,6 +75,10 @@ void Mender::rewrite(std::uint32_t index, std::string text) {
   states_[index] = State::kRewritten;
   has_new_statements = true;
   const Statement& there = document.statements[index];
+  const std::string_view behind = document.source.text().substr(document.end_of(there));
+  const bool joins = !text.empty() && !behind.empty() && is_name_character(text.back()) &&
+                     is_name_character(behind[0]);
+  if (joins) text += ' ';
   edits.replace(document.begin_of(there), document.end_of(there), std::move(text));
 }
 
