@@ -135,7 +135,7 @@ TEST(Decode, Databases) {
       {"log", 1, "", "zelk: log is a log, and no database is given"},
       {"car.dbc log --log other", 1, "", "zelk: other and log are logs, and only one"},
       {"other.dbc bad.dbc", 1, "",
-       "bad.dbc: nor a log for --log: no frame among the first 100 lines, "
+       "bad.dbc: nor a log for --log: no frame at its beginning, "
        "line 1: \"BO_ nonsense\"\n"},
       {"other.dbc .", 1, "", ".: nor a log for --log: not a regular file"},
       {"missing other.dbc", 1, "", "missing: database: not found"},

@@ -33,6 +33,13 @@ std::filesystem::path test_folder() {
   return folder;
 }
 
+/// Removes a file, or empties it: Windows may keep the files of an ended program open for a moment.
+void forget_file(const std::filesystem::path& path) {
+  std::error_code error;
+  std::filesystem::remove(path, error);
+  if (error) std::ofstream{path};
+}
+
 }  // namespace
 
 std::filesystem::path write_file(const std::string& name, const std::string& content) {
@@ -43,8 +50,7 @@ std::filesystem::path write_file(const std::string& name, const std::string& con
 
 ToolRun run_tool(const std::string& arguments, Output output, const std::string& input) {
   const std::filesystem::path folder = test_folder();
-  // Emptied and not removed: Windows may still keep a program's files open for a moment.
-  for (const char* const name : {"out.txt", "err.txt"}) std::ofstream{folder / name};
+  for (const char* const name : {"out.txt", "err.txt"}) forget_file(folder / name);
   const int exit_code = run_program(folder, arguments, output, input);
   return {exit_code, bytes_of(folder / "out.txt"), content_of(folder / "err.txt")};
 }

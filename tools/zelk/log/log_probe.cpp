@@ -19,7 +19,7 @@ std::optional<std::string> why_no_log(const std::string& path) {
     const ZelkMalformedLine& line = block.malformed.front();
     first = fmt::format(", line {}: {}", line.number, in_quotes(line.text));
   }
-  return fmt::format("no frame among the first {}{}", counted(block.counts.lines, "line"), first);
+  return "no frame at its beginning" + first;
 }
 
 }  // namespace zelk::tool
