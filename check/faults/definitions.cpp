@@ -117,6 +117,8 @@ void Definitions::read_items(Definition& definition) const {
   definition.item_count = 1;
 }
 
-std::string item_value(std::string text) { return text == kEmptyItem ? std::string() : std::move(text); }
+std::string item_value(std::string text) {
+  return text == kEmptyItem ? std::string() : std::move(text);
+}
 
 }  // namespace zelk::check
