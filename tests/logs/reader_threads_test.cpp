@@ -1,0 +1,60 @@
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <map>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "zelk/logs/candump.hpp"
+#include "zelk/logs/reader.hpp"
+
+namespace {
+
+constexpr const char* kPath = "LogThreads.log";
+
+std::string text_of(const ZelkLogBlock& block) {
+  std::string text;
+  for (std::size_t i = 0; i < block.frames.Size(); ++i)
+    ZelkAppendLogLine(block.frames, i, "can0", text);
+  for (const ZelkMalformedLine& line : block.malformed)
+    text += std::to_string(line.number) + ' ' + line.text + '\n';
+  return text;
+}
+
+// Times that add up are the hard case: a block's depend on all blocks in front of it.
+TEST(LogThreads, ParseOneLogAsOneThreadDoes) {
+  std::ofstream file(kPath, std::ios::binary);
+  for (int i = 0; i < 40000; ++i) {
+    file << '(' << i % 7 / 8.0 << ") can" << i % 3 << " 123#" << std::string(2 * (i % 9), 'A')
+         << '\n';
+    if (i % 5000 == 0) file << "no frame\n";
+  }
+  file.close();
+  std::map<std::uint64_t, std::string> blocks;
+  ZelkLogReader alone{std::string(kPath)};
+  for (ZelkLogBlock block; alone.Next(block);) blocks[block.number] = text_of(block);
+  EXPECT_GT(blocks.size(), 3u);
+  ZelkLogReader shared{std::string(kPath)};
+  std::mutex mutex;
+  std::vector<std::jthread> threads;
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([&] {
+      ZelkLogChunk chunk;
+      ZelkLogBlock block;
+      while (shared.Take(chunk)) {
+        shared.Parse(chunk, block);
+        const std::string text = text_of(block);
+        const std::lock_guard lock(mutex);
+        EXPECT_EQ(text, blocks[block.number]);
+        blocks.erase(block.number);
+      }
+    });
+  }
+  threads.clear();
+  EXPECT_TRUE(blocks.empty());
+  std::remove(kPath);
+}
+
+}  // namespace
