@@ -7,15 +7,11 @@
 
 #include "check/repair/last_resort.hpp"
 #include "check/repair/repair.hpp"
+#include "support/quoted.hpp"
 
 using namespace zelk::check;
 
 namespace {
-
-std::string quoted(std::string text) {
-  std::ranges::replace(text, '\'', '"');
-  return text;
-}
 
 const std::string kSections = "BS_:\nBU_: A B\n";
 const std::string kM = "BO_ 1 M: 8 A\n";

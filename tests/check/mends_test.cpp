@@ -7,15 +7,11 @@
 #include <string>
 
 #include "check/includes/mend.hpp"
+#include "support/quoted.hpp"
 
 using namespace zelk::check;
 
 namespace {
-
-std::string quoted(std::string text) {
-  std::ranges::replace(text, '\'', '"');
-  return text;
-}
 
 /// Four lines, then the text of a case. Apostrophes stand for quotes.
 const std::string kHead = "BS_:\nBU_: A B\nBO_ 1 M: 8 A\n SG_ s : 0|8@1+ (1,0) [0|1] '' B\n";
