@@ -23,17 +23,15 @@ int end_of_digits(std::uint64_t characters) {
   return std::countr_zero(below) / 8;
 }
 
-/// A number of as many digits; negative when others are among them.
-template <std::size_t kDigits>
-std::int64_t digits_at(const char* at) {
-  std::int64_t number = 0;
-  std::uint32_t others = 0;
-  for (std::size_t i = 0; i < kDigits; ++i) {
-    const auto digit = static_cast<std::uint32_t>(static_cast<unsigned char>(at[i])) - '0';
-    others |= static_cast<std::uint32_t>(digit > 9);
-    number = number * 10 + digit;
-  }
-  return others ? -1 : number;
+/// The number that eight decimal digits spell; beyond 99,999,999 for other characters.
+std::uint64_t number_of(std::uint64_t characters) {
+  std::uint64_t digits = characters - repeated('0');
+  const std::uint64_t others = (digits | (digits + repeated(0x76))) & repeated(0x80);
+  if (others != 0) return UINT64_MAX;
+  // Pairs, then fours, then all: the upper of two neighbours is the lower one's tens.
+  digits = (digits * 10 + (digits >> 8)) & 0x00FF00FF00FF00FF;
+  digits = (digits * 100 + (digits >> 16)) & 0x0000FFFF0000FFFF;
+  return (digits * 10000 + (digits >> 32)) & 0xFFFFFFFF;
 }
 
 /// Parses one block of lines.
@@ -117,12 +115,15 @@ class BlockParser {
 
   /// "(1436509052.249713) ", in nanoseconds; negative for anything else.
   static std::int64_t plain_time_at(const char* at) {
-    const std::int64_t seconds = digits_at<10>(at + 1);
-    const std::int64_t micros = digits_at<6>(at + 12);
+    constexpr std::uint64_t kTwoZeros = 0x3030;
+    const std::uint64_t upper = number_of(load_characters(at + 1));  // eight of ten digits
+    const std::uint64_t lower = number_of(load_characters(at + 3));
+    const std::uint64_t micros = number_of((load_characters(at + 10) & ~0xFFFFull) | kTwoZeros);
     const bool is_plain = at[0] == '(' && at[11] == '.' && at[18] == ')' && at[19] == ' ' &&
-                          seconds <= kMostPlainSeconds;
-    return !is_plain || (seconds | micros) < 0 ? -1
-                                               : seconds * kNanosecondsPerSecond + micros * 1000;
+                          (upper | lower | micros) != UINT64_MAX;
+    const auto seconds = static_cast<std::int64_t>(upper / 1'000'000 * 100'000'000 + lower);
+    if (!is_plain || seconds > kMostPlainSeconds) return -1;
+    return seconds * kNanosecondsPerSecond + static_cast<std::int64_t>(micros) * 1000;
   }
 
   static constexpr std::int64_t kMostPlainSeconds = 9'000'000'000;
