@@ -227,6 +227,11 @@ void for_each_time(std::string_view text, const Act& act) {
   });
 }
 
+constexpr std::size_t kBeginningBytes = 1
+                                        << 14;  // in which times that run backwards are looked for
+
+std::string_view whole_lines(std::string_view text) { return text.substr(0, text.rfind('\n') + 1); }
+
 /// Differences do not grow all the time, but points in time do.
 bool are_differences(std::string_view beginning, ZelkLogTimes times) {
   if (times != ZelkLogTimes::kDetect) return times == ZelkLogTimes::kDifferences;
@@ -246,7 +251,7 @@ bool are_differences(std::string_view beginning, ZelkLogTimes times) {
 class Candump : public Form {
  public:
   explicit Candump(LogInput input)
-      : adds_up_(are_differences(input.beginning.substr(0, input.beginning.rfind('\n') + 1),
+      : adds_up_(are_differences(whole_lines(input.stream->peek_line(kBeginningBytes)),
                                  input.options.times)),
         lines_(std::move(input.stream), input.options.stop) {}
 

@@ -6,6 +6,7 @@
 
 #include "base/characters.hpp"
 #include "logs/forms/hex.hpp"
+#include "logs/forms/lines.hpp"
 #include "logs/forms/times.hpp"
 #include "zelk/logs/candump.hpp"
 #include "zelk/records.h"
@@ -223,6 +224,7 @@ bool parse_frame(std::string_view word, std::string_view rest, LineFrame& frame)
 }  // namespace
 
 LineKind parse_candump_line(std::string_view line, LineFrame& frame) {
+  if (line.size() > kLongestLine) return LineKind::kMalformed;
   drop_line_end(line);
   skip_blanks(line);
   if (line.empty()) return LineKind::kBlank;

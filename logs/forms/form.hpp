@@ -22,6 +22,8 @@ struct Chunk {
   std::uint64_t number = 0;      ///< of the chunk, from 0; the reader sets it
   std::uint64_t first_line = 0;  ///< number of its first line or packet in the log, from 1
   std::int64_t base_time = 0;    ///< in front of its first frame, where times add up
+  std::shared_ptr<const void>
+      context{};  ///< what the form has to know about it, in a type of its own
 };
 
 /// A log of one form.
@@ -45,16 +47,20 @@ class Form {
   virtual void parse(Chunk& chunk, ZelkLogBlock& block) const = 0;
 };
 
-/// What a log begins with, and how its form is made.
+/// What a form is made of.
 struct LogInput {
-  std::unique_ptr<ByteStream> stream;  ///< from its first byte on
-  std::string beginning;               ///< a copy of its first bytes
-  std::string name;                    ///< for errors
+  std::unique_ptr<PeekedStream> stream;  ///< from its first byte on
+  std::string name;                      ///< for errors
   ZelkLogOptions options;
 };
 
+/// Bytes at the beginning of a log that tell its form. They are few, so that a log that is just
+/// being recorded can be opened.
+inline constexpr std::size_t kTellingBytes = 4;
+
 struct FormRow {
   ZelkLogForm form;
+  /// @param beginning  `kTellingBytes`, or all that there are
   bool (*is_form_of)(std::string_view beginning);
   /// @throws ZelkLogError when the log cannot be read
   std::unique_ptr<Form> (*open)(LogInput input);
@@ -67,6 +73,9 @@ std::span<const FormRow> forms();
 void note_malformed(ZelkLogBlock& block, std::uint64_t number, std::string_view line);
 
 // --- The forms ---
+
+std::unique_ptr<Form> open_capture(LogInput input);
+std::unique_ptr<Form> open_trc(LogInput input);
 
 std::unique_ptr<Form> open_candump(LogInput input);
 

@@ -7,7 +7,6 @@ namespace zelk::logs {
 namespace {
 
 constexpr std::size_t kReadBytes = 1 << 18;
-constexpr std::size_t kLongestLine = 1 << 12;
 
 }  // namespace
 
@@ -29,7 +28,7 @@ bool Lines::take_lines(std::string& block) {
       return true;
     }
     if (block.size() > kLongestLine) {
-      block.resize(kLongestLine);
+      block.resize(kLongestLine + 1);
       block += '\n';
       skipping_ = true;
       return true;

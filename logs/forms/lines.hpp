@@ -16,6 +16,9 @@
 
 namespace zelk::logs {
 
+/// In bytes, without its line feed; longer ones are malformed. A message of J1939 takes 5,400.
+inline constexpr std::size_t kLongestLine = 1 << 13;
+
 /// Reads a text as blocks of whole lines. The lines of a pipe are given out as they come.
 class Lines {
  public:
@@ -24,8 +27,8 @@ class Lines {
       : stream_(std::move(stream)), stop_(stop) {}
 
   /// The next lines. Only the last line of the text may lack its line feed. Of a line that is
-  /// longer than any frame takes, only the beginning is given out. What has been read of a line
-  /// when the log is stopped, or cannot be read further, is no line.
+  /// longer than `kLongestLine`, only the beginning may be given out, which is too long as well.
+  /// What has been read of a line when the log is stopped, or cannot be read further, is no line.
   ///
   /// @return false at the end
   bool next(Chunk& chunk);

@@ -12,6 +12,8 @@
 #include <string>
 #include <string_view>
 
+#include "zelk/logs/reader.hpp"
+
 namespace zelk::logs {
 
 /// Bytes that are read one after the other, by one thread at a time.
@@ -72,8 +74,8 @@ class PeekedStream : public ByteStream {
   /// @throws ZelkLogError when there is a fault in front of the first byte
   std::string_view peek(std::size_t size);
 
-  /// Reads on until a line feed is among the bytes, with at most `most` bytes; of what comes as it
-  /// is recorded, no more than has come.
+  /// Reads on, and until a line feed is among the bytes, with at most `most` bytes; of what comes
+  /// as it is recorded, no more than has come.
   ///
   /// @return as `peek`
   std::string_view peek_line(std::size_t most);
@@ -83,7 +85,8 @@ class PeekedStream : public ByteStream {
 
   std::unique_ptr<ByteStream> rest_;
   std::string peeked_;
-  std::size_t taken_ = 0;  // of it
+  std::size_t taken_ = 0;              // of it
+  std::optional<ZelkLogError> fault_;  // behind it
 };
 
 /// The bytes that a stream had before it was compressed with gzip or zstd, which its first bytes
@@ -92,6 +95,10 @@ class PeekedStream : public ByteStream {
 /// @param name  of the log, for errors
 std::unique_ptr<ByteStream> decompressed(std::unique_ptr<ByteStream> stream,
                                          const std::string& name);
+
+/// A text in UTF-8, without the mark of its encoding, that may be in UTF-16 with such a mark, as
+/// Windows PowerShell writes it; all else, binary data too, is not changed.
+std::unique_ptr<PeekedStream> in_utf8(std::unique_ptr<ByteStream> stream);
 
 std::unique_ptr<ByteStream> gzip_stream(std::unique_ptr<ByteStream> stream, std::string name);
 std::unique_ptr<ByteStream> zstd_stream(std::unique_ptr<ByteStream> stream, std::string name);

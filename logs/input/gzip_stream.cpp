@@ -14,6 +14,7 @@ namespace {
 
 constexpr int kGzipWindow = 15 + 16;  // the largest window, and a header of gzip
 constexpr std::size_t kInputBytes = 1 << 16;
+constexpr Bytef kFirstByte = 0x1F;  // of a member
 
 /// One or more members, as `gzip` and `cat` make them. Zeros may follow the last one.
 class GzipStream : public ByteStream {
@@ -44,11 +45,15 @@ class GzipStream : public ByteStream {
 
   void step() {
     if (is_between_) return begin_member();
+    const uInt room = state_.avail_out;
     const int result = inflate(&state_, Z_NO_FLUSH);
     if (result == Z_STREAM_END) {
       is_between_ = true;
     } else if (result == Z_MEM_ERROR) {
       throw std::bad_alloc();
+    } else if (state_.avail_out != room) {
+      // A fault comes again when the bytes in front of it have been given out.
+      return;
     } else if (result == Z_BUF_ERROR && has_ended_) {
       throw ZelkLogError(name_ + ": the data compressed with gzip ends in its midst");
     } else if (result != Z_OK && result != Z_BUF_ERROR) {
@@ -62,6 +67,8 @@ class GzipStream : public ByteStream {
       --state_.avail_in;
     }
     if (state_.avail_in > 0) {
+      if (*state_.next_in != kFirstByte)
+        throw ZelkLogError(name_ + ": behind the data compressed with gzip stands something else");
       is_between_ = false;
       inflateReset(&state_);
     } else if (has_ended_) {

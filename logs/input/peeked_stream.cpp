@@ -7,7 +7,10 @@
 namespace zelk::logs {
 
 std::size_t PeekedStream::read(char* buffer, std::size_t size) {
-  if (taken_ == peeked_.size()) return rest_->read(buffer, size);
+  if (taken_ == peeked_.size()) {
+    if (fault_) throw ZelkLogError(*fault_);
+    return rest_->read(buffer, size);
+  }
   const std::size_t count = std::min(size, peeked_.size() - taken_);
   std::copy_n(peeked_.data() + taken_, count, buffer);
   taken_ += count;
@@ -25,7 +28,7 @@ std::string_view PeekedStream::peek(std::size_t size) {
 }
 
 std::string_view PeekedStream::peek_line(std::size_t most) {
-  while (peeked_.find('\n', taken_) == std::string::npos && peek_more(most)) {
+  while (peek_more(most) && peeked_.find('\n', taken_) == std::string::npos) {
   }
   return std::string_view(peeked_).substr(taken_);
 }
@@ -34,14 +37,14 @@ std::string_view PeekedStream::peek_line(std::size_t most) {
 bool PeekedStream::peek_more(std::size_t most) {
   const std::size_t had = peeked_.size();
   const std::size_t missing = most - std::min(most, had - taken_);
-  if (missing == 0) return false;
+  if (missing == 0 || fault_) return false;
   peeked_.resize(had + missing);
   std::size_t count = 0;
   try {
     count = rest_->read(peeked_.data() + had, missing);
-  } catch (const ZelkLogError&) {
-    // It comes again when the bytes in front of it have been read.
+  } catch (const ZelkLogError& fault) {
     if (had == taken_) throw;
+    fault_ = fault;  // comes when the bytes in front of it have been read
   }
   peeked_.resize(had + count);
   return count > 0;
@@ -52,6 +55,30 @@ namespace {
 constexpr std::string_view kGzipMagic = "\x1F\x8B";
 constexpr std::string_view kZstdMagic = "\x28\xB5\x2F\xFD";
 
+struct Compression {
+  std::string_view magic;
+  const char* name;
+};
+
+constexpr Compression kOtherCompressions[] = {
+    {"\xFD"
+     "7zX",
+     "xz"},
+    {"BZh9", "bzip2"},
+    {"PK\3\4", "zip"},
+    {"7z\xBC\xAF", "7z"},
+    {"\4\"M\x18", "lz4"},
+};
+
+void refuse_others(std::string_view magic, const std::string& name) {
+  for (const Compression& each : kOtherCompressions) {
+    if (magic == each.magic) {
+      throw ZelkLogError(name + " is compressed with " + each.name +
+                         ", which is not read here; gzip and zstd are");
+    }
+  }
+}
+
 }  // namespace
 
 std::unique_ptr<ByteStream> decompressed(std::unique_ptr<ByteStream> stream,
@@ -60,6 +87,7 @@ std::unique_ptr<ByteStream> decompressed(std::unique_ptr<ByteStream> stream,
   const std::string_view magic = peeked->peek(kZstdMagic.size());
   if (magic.starts_with(kGzipMagic)) return gzip_stream(std::move(peeked), name);
   if (magic.starts_with(kZstdMagic)) return zstd_stream(std::move(peeked), name);
+  refuse_others(magic, name);
   return peeked;
 }
 

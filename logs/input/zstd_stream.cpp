@@ -1,5 +1,6 @@
 #include <zstd.h>
 
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <new>
@@ -13,6 +14,7 @@ namespace zelk::logs {
 namespace {
 
 constexpr std::size_t kInputBytes = 1 << 16;
+constexpr std::size_t kBlockHeaderBytes = 3;
 
 struct StateDeleter {
   void operator()(ZSTD_DStream* state) const noexcept { ZSTD_freeDStream(state); }
@@ -30,18 +32,32 @@ class ZstdStream : public ByteStream {
     ZSTD_outBuffer out{buffer, size, 0};
     while (out.pos == 0) {
       if (in_.pos == in_.size && !may_have_more_ && !fill()) break;
-      const std::size_t result = ZSTD_decompressStream(state_.get(), &out, &in_);
+      const std::size_t result = step(out);
       if (ZSTD_isError(result)) {
         throw ZelkLogError(
             name_ + ": the data compressed with zstd is damaged: " + ZSTD_getErrorName(result));
       }
-      is_within_ = result != 0;
       may_have_more_ = out.pos == out.size;
     }
     return out.pos;
   }
 
  private:
+  /// Decompresses no more than one block, and none while bytes of the one before are left: when it
+  /// was damaged, they would be lost.
+  std::size_t step(ZSTD_outBuffer& out) {
+    const std::size_t begin = in_.pos;
+    const std::size_t size = may_have_more_ ? 0 : std::min(in_.size - begin, wanted_);
+    ZSTD_inBuffer piece{in_.src, begin + size, begin};
+    const std::size_t result = ZSTD_decompressStream(state_.get(), &out, &piece);
+    in_.pos = piece.pos;
+    // What is asked for has the header of the next block with it.
+    wanted_ = result > kBlockHeaderBytes ? result - kBlockHeaderBytes : kBlockHeaderBytes;
+    // Between two frames, too, bytes are asked for.
+    is_within_ = result != 0 && (is_within_ || in_.pos != begin);
+    return result;
+  }
+
   /// False at the end of the compressed bytes.
   bool fill() {
     in_ = {input_.data(), compressed_->read(input_.data(), input_.size()), 0};
@@ -55,6 +71,7 @@ class ZstdStream : public ByteStream {
   std::unique_ptr<ZSTD_DStream, StateDeleter> state_;
   std::array<char, kInputBytes> input_;
   ZSTD_inBuffer in_{input_.data(), 0, 0};
+  std::size_t wanted_ = kBlockHeaderBytes;
   bool is_within_ = false;      // a frame
   bool may_have_more_ = false;  // bytes that the last read had no room for
 };

@@ -10,8 +10,6 @@ namespace {
 
 using zelk::logs::FormRow;
 
-constexpr std::size_t kBeginningBytes = 1 << 14;  // at which the form is told
-
 const FormRow& form_of(std::string_view beginning, const std::string& wanted,
                        const std::string& log) {
   for (const FormRow& row : zelk::logs::forms()) {
@@ -36,9 +34,10 @@ struct ZelkLogReader::State {
   const FormRow* row = nullptr;
   const zelk::logs::FileStream* file = nullptr;  ///< the form has it
   std::unique_ptr<zelk::logs::Form> form;
-  std::mutex mutex;  // guards the form's reading, and chunks
+  std::mutex mutex;  // guards the form's reading, chunks and fault
   std::uint64_t chunks = 0;
-  ZelkLogChunk chunk;  ///< of `Next`
+  std::optional<ZelkLogError> fault;  // behind which nothing can be read
+  ZelkLogChunk chunk;                 ///< of `Next`
 };
 
 ZelkLogReader::ZelkLogReader(const std::optional<std::string>& path, ZelkLogOptions options)
@@ -46,11 +45,9 @@ ZelkLogReader::ZelkLogReader(const std::optional<std::string>& path, ZelkLogOpti
   auto file = std::make_unique<zelk::logs::FileStream>(path, options.stop);
   state_->file = file.get();
   const std::string name = file->name();
-  auto stream =
-      std::make_unique<zelk::logs::PeekedStream>(zelk::logs::decompressed(std::move(file), name));
-  const std::string beginning(stream->peek_line(kBeginningBytes));
-  state_->row = &form_of(beginning, options.form, name);
-  state_->form = state_->row->open({std::move(stream), beginning, name, std::move(options)});
+  auto stream = zelk::logs::in_utf8(zelk::logs::decompressed(std::move(file), name));
+  state_->row = &form_of(stream->peek(zelk::logs::kTellingBytes), options.form, name);
+  state_->form = state_->row->open({std::move(stream), name, std::move(options)});
 }
 
 ZelkLogReader::~ZelkLogReader() = default;
@@ -69,7 +66,13 @@ bool ZelkLogReader::Next(ZelkLogBlock& block) {
 
 bool ZelkLogReader::Take(ZelkLogChunk& chunk) {
   const std::lock_guard lock(state_->mutex);
-  if (!state_->form->next(*chunk.content_)) return false;
+  if (state_->fault) throw ZelkLogError(*state_->fault);
+  try {
+    if (!state_->form->next(*chunk.content_)) return false;
+  } catch (const ZelkLogError& fault) {
+    state_->fault = fault;
+    throw;
+  }
   chunk.content_->number = state_->chunks++;
   return true;
 }

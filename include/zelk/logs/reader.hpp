@@ -94,7 +94,26 @@ struct ZelkLogForm {
 };
 
 /// Reads a log, from a file or from standard input, compressed with gzip or zstd or not. Its form
-/// is told from its content.
+/// is told from its content. A text may be in UTF-16, with a mark of its encoding, as Windows
+/// PowerShell writes it.
+///
+/// The forms, with their times and channels:
+///
+/// - "candump": lines as candump writes them, to a file or a terminal, or of frames alone. Times
+/// are
+///   what `ZelkLogOptions::times` says; channels are names of interfaces.
+/// - "trc": traces in the PCAN form, versions 1.0 to 2.1, also several one behind the other. Times
+///   are offsets from the start of the trace, which is added where the trace has it: it is the
+///   recorder's local time, of a zone that nobody tells, and is taken for UTC. Otherwise, as in
+///   version 1.0, they count from 0. Channels are numbers of buses, or empty in versions 1.0 and
+///   1.1. A status, an event and counters are neither frames nor malformed.
+/// - "capture": captures of SocketCAN in pcap and pcapng, of CAN interfaces or with the "cooked"
+///   headers of any interface (SLL, SLL2). Channels are empty, or with SLL2 the numbers that the
+///   recording machine had for its interfaces; the names that pcapng has are not read. Captures of
+///   interfaces of several kinds are read up to the first one of another kind, which is an error.
+///   Packets that are not of CAN are neither frames nor malformed. Not on Windows.
+///
+/// Error frames have the form of SocketCAN: classes of errors as identifier, details as data.
 ///
 /// The reading itself is done by one thread at a time; parsing, which takes most of the time, by
 /// any number of them:
@@ -131,8 +150,8 @@ class ZELK_LOGS_API ZelkLogReader {
   /// Reads the next stretch. What pipes have is given out as it comes.
   ///
   /// @return false at the end of the log
-  /// @throws ZelkLogError when the log cannot be read further; what stands in front of that, was
-  /// given out before
+  /// @throws ZelkLogError when the log cannot be read further, each time; what stands in front of
+  /// that, was given out before
   bool Take(ZelkLogChunk& chunk);
   /// Makes frames of a stretch, in place of what the block held.
   ///
