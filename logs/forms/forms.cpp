@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 
 #include "logs/forms/form.hpp"
@@ -10,7 +11,20 @@ constexpr std::size_t kShownBytes = 60;  // of a malformed line
 
 bool is_any(std::string_view) { return true; }
 
+/// The magic numbers of pcap, in both orders of bytes, with microseconds and nanoseconds, and that
+/// of pcapng.
+bool is_capture(std::string_view beginning) {
+  constexpr std::string_view kMagics[] = {"\xA1\xB2\xC3\xD4", "\xD4\xC3\xB2\xA1",
+                                          "\xA1\xB2\x3C\x4D", "\x4D\x3C\xB2\xA1",
+                                          "\x0A\x0D\x0D\x0A"};
+  return std::ranges::find(kMagics, beginning.substr(0, kMagics[0].size())) != std::end(kMagics);
+}
+
+bool is_trc(std::string_view beginning) { return beginning.starts_with(';'); }
+
 constexpr std::array kForms = {
+    FormRow{{"capture", "captures of SocketCAN, pcap and pcapng"}, is_capture, open_capture},
+    FormRow{{"trc", "traces in the PCAN form, versions 1.0 to 2.1"}, is_trc, open_trc},
     FormRow{
         {"candump", "lines as candump writes them, to a file or a terminal, or of frames alone"},
         is_any,

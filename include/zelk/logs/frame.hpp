@@ -86,7 +86,7 @@ class ZELK_LOGS_API ZelkFrameBlock {
   const std::vector<std::string>& ChannelNames() const { return channel_names_; }
 
   /// The time as the log spells it, without brackets; empty where it has none, and for logs that
-  /// are no text.
+  /// spell it neither in seconds nor as a date: traces and captures.
   ///
   /// @pre `index` < `Size()`
   std::string_view TimeText(std::size_t index) const {

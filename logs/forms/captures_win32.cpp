@@ -1,0 +1,9 @@
+#include "logs/forms/form.hpp"
+
+namespace zelk::logs {
+
+std::unique_ptr<Form> open_capture(LogInput input) {
+  throw ZelkLogError(input.name + ": captures cannot be read on Windows");
+}
+
+}  // namespace zelk::logs

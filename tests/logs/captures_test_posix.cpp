@@ -1,0 +1,162 @@
+#include <gmock/gmock.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "support/memory_stream.hpp"
+
+namespace zelk::logs {
+namespace {
+
+using namespace std::string_literals;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+/// Numbers in one order of bytes.
+struct Order {
+  bool is_big;
+
+  std::string number(std::uint32_t value, int size = 4) const {
+    std::string bytes;
+    for (int i = 0; i < size; ++i)
+      bytes += static_cast<char>(value >> (8 * (is_big ? size - 1 - i : i)));
+    return bytes;
+  }
+};
+
+constexpr Order kLittle{false};
+constexpr Order kBig{true};
+constexpr std::uint32_t kMicroseconds = 0xA1B2C3D4;
+constexpr std::uint32_t kNanoseconds = 0xA1B23C4D;
+
+std::string pcap(Order order, std::uint32_t magic, std::uint32_t link_type) {
+  return order.number(magic) + order.number(2, 2) + order.number(4, 2) + order.number(0) +
+         order.number(0) + order.number(65535) + order.number(link_type);
+}
+
+std::string packet(Order order, std::uint32_t seconds, std::uint32_t fraction,
+                   const std::string& bytes, std::size_t cut = 0) {
+  const auto length = static_cast<std::uint32_t>(bytes.size());
+  const auto kept = static_cast<std::uint32_t>(bytes.size() - cut);
+  return order.number(seconds) + order.number(fraction) + order.number(kept) +
+         order.number(length) + bytes.substr(0, kept);
+}
+
+/// A frame of SocketCAN, with its data in `bytes` in all.
+std::string frame(const std::string& id, int length, int flags, const std::string& data,
+                  std::size_t bytes = 0) {
+  std::string frame = id + static_cast<char>(length) + static_cast<char>(flags) + "\0\0"s + data;
+  if (frame.size() < 8 + bytes) frame.resize(8 + bytes);
+  return frame;
+}
+
+std::string block(std::uint32_t type, const std::string& body) {
+  const auto size = static_cast<std::uint32_t>(body.size() + 12);
+  return kLittle.number(type) + kLittle.number(size) + body + kLittle.number(size);
+}
+
+std::string interface_block(std::uint32_t link_type) {
+  // Times of 10^-9 seconds.
+  return block(1, kLittle.number(link_type, 2) + "\0\0\0\0\0\0"s + "\x9\0\1\0\x9\0\0\0\0\0\0\0"s);
+}
+
+const std::string kSection =
+    block(0x0A0D0D0A, "\x4D\x3C\x2B\x1A\1\0\0\0"s + std::string(8, '\xFF'));
+
+std::string enhanced_packet(std::uint32_t interface, const std::string& bytes) {
+  const auto size = static_cast<std::uint32_t>(bytes.size());
+  return block(6, kLittle.number(interface) + kLittle.number(0) + kLittle.number(77) +
+                      kLittle.number(size) + kLittle.number(size) + bytes);
+}
+
+std::vector<std::string> parsed(const std::string& capture, std::size_t most = 1 << 20) {
+  try {
+    return parsed(*open_capture(memory_input(capture, most)));
+  } catch (const ZelkLogError& error) {
+    return {error.what()};
+  }
+}
+
+const std::string kId123 = "\0\0\1\x23"s;
+
+TEST(Captures, ReadsFramesOfSocketCan) {
+  const struct {
+    std::string bytes;
+    std::string result;
+  } cases[] = {
+      {frame(kId123, 2, 0, "\xAB\xCD", 8), "5000006000 123 0 ABCD"},
+      {frame("\x92\x34\x56\x78", 0, 0, "", 8), "5000006000 92345678 0"},
+      {frame("\x40\0\1\x23"s, 3, 0, "", 8), "5000006000 123 8 000000"},
+      {frame("\x20\0\0\4"s, 8, 0, "\0\1"s, 8), "5000006000 80000004 16 0001000000000000"},
+      {frame(kId123, 9, 4 | 1, "123456789", 64), "5000006000 123 67 313233343536373839"},
+      {frame(kId123, 1, 2, "1", 64), "5000006000 123 5 31"},  // a capture without marks of CAN FD
+      {frame(kId123, 9, 0, "123456789"), "1: 0000012309000000313233343536373839"},
+      {frame("\0\0\x08\0"s, 0, 0, ""), "1: 0000080000000000"},
+      {"\0\0\1"s, "1: 000001"},
+  };
+  for (const auto& each : cases) {
+    for (const Order order : {kLittle, kBig}) {
+      EXPECT_THAT(parsed(pcap(order, kMicroseconds, 227) + packet(order, 5, 6, each.bytes)),
+                  ElementsAre(each.result));
+    }
+  }
+  EXPECT_THAT(parsed(pcap(kLittle, kNanoseconds, 227) + packet(kLittle, 5, 6, cases[0].bytes)),
+              ElementsAre("5000000006 123 0 ABCD"));
+  // Cut behind the data, and in its midst.
+  const std::string cut = frame(kId123, 2, 0, "12", 8);
+  EXPECT_THAT(parsed(pcap(kLittle, kMicroseconds, 227) + packet(kLittle, 5, 6, cut, 6) +
+                     packet(kLittle, 5, 6, cut, 7)),
+              ElementsAre("5000006000 123 0 3132", "2: 000001230200000031"));
+}
+
+TEST(Captures, ReadsFramesBehindHeadersOfInterfaces) {
+  const std::string address(8, '\0');
+  for (const Order order : {kLittle, kBig}) {
+    const std::string can = frame(order.number(0x123), 1, 0, "1", 8);
+    const std::string fd = frame(order.number(0x123), 1, 1, "1", 64);
+    EXPECT_THAT(parsed(pcap(order, kMicroseconds, 113) +
+                       packet(order, 0, 1, "\0\4\1\x18\0\0"s + address + "\0\x0C"s + can) +
+                       packet(order, 0, 2, "\0\0\1\x18\0\0"s + address + "\0\x0D"s + fd) +
+                       packet(order, 0, 3, "\0\0\0\1\0\0"s + address + "\x08\0"s + can) +
+                       packet(order, 0, 4, "\0\0\0\1\0\0"s)),
+                ElementsAre("1000 123 32 31", "2000 123 3 31", "4: 000000010000"));
+    EXPECT_THAT(parsed(pcap(order, kMicroseconds, 276) +
+                       packet(order, 0, 1, "\0\x0C\0\0\0\0\0\3\1\x18\4\0"s + address + can) +
+                       packet(order, 0, 2, "\0\x0D\0\0\0\0\0\7\1\x18\0\0"s + address + fd) +
+                       packet(order, 0, 3, "\0\x0C\0\0\0\0\0\3\1\x18\4\0"s + address + "\0\0\0"s)),
+                ElementsAre("1000 123 32 31 3", "2000 123 3 31 7", HasSubstr("3: 000C0000")));
+  }
+}
+
+TEST(Captures, GivesWhatStandsInFrontOfAFault) {
+  const std::string can = frame(kId123, 1, 0, "1", 8);
+  const std::string capture =
+      pcap(kLittle, kMicroseconds, 227) + packet(kLittle, 0, 1, can) + packet(kLittle, 0, 2, can);
+  for (std::size_t size = 4; size < capture.size(); ++size) {
+    const std::size_t frames = size < 24 ? 0 : (size - 24) / 32;
+    const bool is_whole = size >= 24 && (size - 24) % 32 == 0;
+    for (const std::size_t most : {1, 1000}) {
+      const std::vector<std::string> result = parsed(capture.substr(0, size), most);
+      ASSERT_EQ(result.size(), frames + !is_whole) << size;
+      if (is_whole) continue;
+      EXPECT_THAT(result.back(), HasSubstr("log: truncated"));
+    }
+  }
+  EXPECT_THAT(parsed(pcap(kLittle, kMicroseconds, 1) + packet(kLittle, 0, 1, can)),
+              ElementsAre("log: the capture is not one of SocketCAN, but of Ethernet"));
+}
+
+TEST(Captures, ReadsPcapng) {
+  const std::string can = frame(kId123, 1, 0, "1", 8);
+  EXPECT_THAT(
+      parsed(kSection + interface_block(227) + interface_block(227) + enhanced_packet(0, can) +
+             enhanced_packet(1, can) + kSection + interface_block(227) + enhanced_packet(0, can)),
+      ElementsAre("77 123 0 31", "77 123 0 31", "77 123 0 31"));
+  EXPECT_THAT(
+      parsed(kSection + interface_block(227) + enhanced_packet(0, can) + interface_block(1)),
+      ElementsAre("77 123 0 31", HasSubstr("log: an interface has a type 1 different")));
+}
+
+}  // namespace
+}  // namespace zelk::logs
