@@ -15,6 +15,13 @@ namespace zelk::logs {
 
 namespace {
 
+/// A time that is later by a difference, or the bound of all times.
+std::int64_t later(std::int64_t time, std::int64_t difference) {
+  constexpr std::int64_t kFirst = -INT64_MAX;
+  if (difference > 0) return time > INT64_MAX - difference ? INT64_MAX : time + difference;
+  return time < kFirst - difference ? kFirst : time + difference;
+}
+
 /// Index of the first byte of `characters` that stands below all digits, as blanks and line ends
 /// do; 8 when none does.
 int end_of_digits(std::uint64_t characters) {
@@ -198,7 +205,7 @@ class BlockParser {
     LineFrame frame{.data = filler_.room()};
     const LineKind kind = parse_candump_line(line, frame);
     std::int64_t time = time_of(frame);
-    if (sum_ && time != kZelkNoTime) time = *sum_ += time;
+    if (sum_ && time != kZelkNoTime) time = *sum_ = later(*sum_, time);
     if (kind == LineKind::kMalformed) note_malformed(block_, line_, line);
     if (kind == LineKind::kFrame) {
       filler_.put(time, frame.id, frame.flags, block_.frames.ChannelIndex(frame.channel),
@@ -258,7 +265,7 @@ class Candump : public Form {
   bool next(Chunk& chunk) override {
     if (!lines_.next(chunk)) return false;
     chunk.base_time = sum_;
-    if (adds_up_) for_each_time(chunk.bytes, [&](std::int64_t time) { sum_ += time; });
+    if (adds_up_) for_each_time(chunk.bytes, [&](std::int64_t time) { sum_ = later(sum_, time); });
     return true;
   }
 

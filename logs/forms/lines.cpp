@@ -4,12 +4,6 @@
 
 namespace zelk::logs {
 
-namespace {
-
-constexpr std::size_t kReadBytes = 1 << 18;
-
-}  // namespace
-
 bool Lines::next(Chunk& chunk) {
   if (!take_lines(chunk.bytes)) return false;
   chunk.first_line = line_;
@@ -39,9 +33,8 @@ bool Lines::take_lines(std::string& block) {
 
 bool Lines::read_more(std::string& block) {
   const std::size_t old_size = block.size();
-  block.resize(old_size + kReadBytes);
-  const std::size_t count = stream_->read(block.data() + old_size, kReadBytes);
-  block.resize(old_size + count);
+  const std::size_t count = stream_->read(buffer_.get(), kReadBytes);
+  block.append(buffer_.get(), count);
   if (skipping_) drop_skipped(block, old_size);
   return count > 0;
 }

@@ -38,7 +38,10 @@ class Lines {
   void drop_skipped(std::string& block, std::size_t from);
   bool take_lines(std::string& block);
 
+  static constexpr std::size_t kReadBytes = 1 << 18;
+
   std::unique_ptr<ByteStream> stream_;
+  std::unique_ptr<char[]> buffer_ = std::make_unique_for_overwrite<char[]>(kReadBytes);
   const std::atomic<bool>* stop_;
   std::uint64_t line_ = 1;  // the next one's number
   std::string rest_;        // the beginning of a line whose end has not been read

@@ -248,18 +248,39 @@ class TrcLine {
   }
 
   bool take_bytes() {
+    if (take_plain_bytes()) return true;
     for (std::size_t i = 0; i < frame_.length; ++i) {
       if (end_ - at_ < 2) return false;
-      const int high = digit_value(at_[0]);
-      const int low = digit_value(at_[1]);
-      if ((high | low) < 0) return false;
-      frame_.data[i] = static_cast<unsigned char>(high << 4 | low);
+      const int byte = byte_at(at_);
+      if (byte < 0) return false;
+      frame_.data[i] = static_cast<unsigned char>(byte);
       at_ += 2;
       if (!is_at_end_of_word()) return false;
       skip_blanks();
     }
     return true;
   }
+
+  /// Takes bytes that are parted by one blank each, and are the last ones of the line, as recorders
+  /// write them.
+  bool take_plain_bytes() {
+    const std::size_t count = frame_.length;
+    if (static_cast<std::size_t>(end_ - at_) + 1 != 3 * count || count == 0) return false;
+    int faults = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+      const char* const at = at_ + 3 * i;
+      const int byte = byte_at(at);
+      faults |= byte;
+      if (i > 0 && at[-1] != ' ') return false;
+      frame_.data[i] = static_cast<unsigned char>(byte);
+    }
+    if (faults < 0) return false;
+    at_ = end_;
+    return true;
+  }
+
+  /// Two digits; negative for anything else.
+  static int byte_at(const char* at) { return digit_value(at[0]) * 16 | digit_value(at[1]); }
 
   /// What stands behind "ER" differs between recorders; at its end there are five bytes, the first
   /// one with the kind of the error.
@@ -268,7 +289,7 @@ class TrcLine {
     unsigned kind = 0;
     if (static_cast<std::size_t>(end_ - at_) > kBytes.size()) {
       const char* const bytes = end_ - kBytes.size();
-      const int value = digit_value(bytes[0]) << 4 | digit_value(bytes[1]);
+      const int value = byte_at(bytes);
       if (value >= 0 && is_blank(bytes[-1]) && is_blank(bytes[2]))
         kind = static_cast<unsigned>(value);
     }

@@ -62,6 +62,17 @@ TEST(Candump, AddsUpDifferences) {
   }
 }
 
+TEST(Candump, KeepsSumsInRange) {
+  const std::string late = "(9223372035) c 1A0#\n(9) c 1A0#\n";
+  const std::string early = "(1678-01-01 00:00:00) c 1A0#\n";
+  EXPECT_THAT(
+      parsed(late + early + early + early, 1 << 20, ZelkLogTimes::kDifferences),
+      ElementsAre("9223372035000000000 1A0 0  c 9223372035", "9223372036854775807 1A0 0  c 9",
+                  "8812036854775807 1A0 0  c 1678-01-01 00:00:00",
+                  "-9205747963145224193 1A0 0  c 1678-01-01 00:00:00",
+                  "-9223372036854775807 1A0 0  c 1678-01-01 00:00:00"));
+}
+
 /// A line that most likely looks like one of `candump -l`, and has some fault or other.
 std::string random_line(std::mt19937& random) {
   const auto upto = [&](unsigned most) {
