@@ -21,15 +21,6 @@ ssize_t read_bytes(void* cookie, char* buffer, std::size_t size) {
   return static_cast<CaptureBytes*>(cookie)->read(buffer, size);
 }
 
-/// A file that reads the bytes. libpcap asks for what it needs: without a buffer none is read
-/// ahead.
-std::FILE* file_of(CaptureBytes& bytes) {
-  std::FILE* const file = fopencookie(&bytes, "r", {read_bytes, nullptr, nullptr, nullptr});
-  if (!file) throw std::bad_alloc();
-  std::setvbuf(file, nullptr, _IONBF, 0);
-  return file;
-}
-
 std::int64_t time_of(const timeval& time) {
   constexpr std::int64_t kMostSeconds = INT64_MAX / kNanosecondsPerSecond - 10;
   const auto seconds = static_cast<std::int64_t>(time.tv_sec);
@@ -45,60 +36,31 @@ std::string link_type_name(int type) {
 
 }  // namespace
 
-CaptureBytes::CaptureBytes(std::unique_ptr<PeekedStream> stream) : stream_(std::move(stream)) {
-  const std::string_view magic = stream_->peek(kNextGenerationMagic.size());
-  is_next_generation_ = magic.starts_with(kNextGenerationMagic);
-  is_big_ = magic.starts_with(kFirstOfBig);
-}
-
 std::ptrdiff_t CaptureBytes::read(char* buffer, std::size_t size) noexcept {
   try {
-    if (begin_ == end_) {
-      begin_ = end_ = 0;
-      end_ = stream_->read(bytes_.data(), bytes_.size());
-    }
+    return static_cast<std::ptrdiff_t>(stream->read(buffer, size));
   } catch (...) {
-    fault_ = std::current_exception();
+    // It must not pass through libpcap.
+    fault = std::current_exception();
     return -1;
   }
-  const std::size_t count = std::min(size, end_ - begin_);
-  std::copy_n(bytes_.data() + begin_, count, buffer);
-  begin_ += count;
-  return static_cast<std::ptrdiff_t>(count);
-}
-
-void CaptureBytes::rethrow_fault() const {
-  if (fault_) std::rethrow_exception(fault_);
-}
-
-/// The header of a packet has the number of its bytes: in pcap those that follow the header, in
-/// pcapng, whose sections may have different orders of bytes, all of them.
-bool CaptureBytes::has_packet() const {
-  constexpr std::size_t kHeaderBytes = 16;
-  const std::size_t count = end_ - begin_;
-  if (count < kHeaderBytes) return false;
-  const char* const at = bytes_.data() + begin_ + (is_next_generation_ ? 4 : 8);
-  std::size_t little = 0;
-  std::size_t big = 0;
-  for (std::size_t i = 0; i < 4; ++i) {
-    const std::size_t byte = static_cast<unsigned char>(at[i]);
-    little |= byte << (8 * i);
-    big = big << 8 | byte;
-  }
-  if (is_next_generation_) return count >= std::min(little, big);
-  return count - kHeaderBytes >= (is_big_ ? big : little);
 }
 
 CaptureFile::CaptureFile(std::unique_ptr<PeekedStream> stream, std::string name)
-    : name_(std::move(name)), bytes_(std::move(stream)) {
-  std::FILE* const file = file_of(bytes_);
+    : name_(std::move(name)) {
+  const std::string_view magic = stream->peek(kNextGenerationMagic.size());
+  is_next_generation_ = magic.starts_with(kNextGenerationMagic);
+  is_big_ = magic.starts_with(kFirstOfBig);
+  bytes_.stream = std::move(stream);
+  file_ = fopencookie(&bytes_, "r", {read_bytes, nullptr, nullptr, nullptr});
+  if (!file_) throw std::bad_alloc();
+  std::setvbuf(file_, buffer_.data(), _IOFBF, buffer_.size());
   std::array<char, PCAP_ERRBUF_SIZE> fault{};
   capture_.reset(
-      pcap_fopen_offline_with_tstamp_precision(file, PCAP_TSTAMP_PRECISION_NANO, fault.data()));
+      pcap_fopen_offline_with_tstamp_precision(file_, PCAP_TSTAMP_PRECISION_NANO, fault.data()));
   if (!capture_) {
-    std::fclose(file);
-    bytes_.rethrow_fault();
-    throw ZelkLogError(name_ + ": " + fault.data());
+    std::fclose(file_);
+    fail(fault.data());
   }
   const int type = pcap_datalink(capture_.get());
   link_type_ = static_cast<LinkType>(type);
@@ -113,13 +75,34 @@ bool CaptureFile::next(CapturedPacket& packet) {
   const u_char* bytes = nullptr;
   const int result = pcap_next_ex(capture_.get(), &header, &bytes);
   if (result == PCAP_ERROR_BREAK) return false;
-  if (result != 1) {
-    bytes_.rethrow_fault();
-    throw ZelkLogError(name_ + ": " + pcap_geterr(capture_.get()));
-  }
+  if (result != 1) fail(pcap_geterr(capture_.get()));
   const std::size_t kept = std::min<std::size_t>(header->caplen, kMostPacketBytes);
   packet = {time_of(header->ts), {{bytes, kept}, header->len}};
   return true;
+}
+
+/// The header of a packet has the number of its bytes: in pcap those that follow the header, in
+/// pcapng, whose sections may have different orders of bytes, all of them.
+bool CaptureFile::has_packet() const {
+  constexpr std::size_t kHeaderBytes = 16;
+  // What stdio has read ahead: glibc has no function for it.
+  const auto count = static_cast<std::size_t>(file_->_IO_read_end - file_->_IO_read_ptr);
+  if (count < kHeaderBytes) return false;
+  const char* const at = file_->_IO_read_ptr + (is_next_generation_ ? 4 : 8);
+  std::size_t little = 0;
+  std::size_t big = 0;
+  for (std::size_t i = 0; i < 4; ++i) {
+    const std::size_t byte = static_cast<unsigned char>(at[i]);
+    little |= byte << (8 * i);
+    big = big << 8 | byte;
+  }
+  if (is_next_generation_) return count >= std::min(little, big);
+  return count - kHeaderBytes >= (is_big_ ? big : little);
+}
+
+void CaptureFile::fail(const char* what) const {
+  if (bytes_.fault) std::rethrow_exception(bytes_.fault);
+  throw ZelkLogError(name_ + ": " + what);
 }
 
 }  // namespace zelk::logs

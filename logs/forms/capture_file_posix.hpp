@@ -9,6 +9,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <exception>
 #include <memory>
 #include <string>
@@ -18,25 +19,12 @@
 
 namespace zelk::logs {
 
-/// The bytes of a stream, as a `FILE` that is not buffered reads them.
-class CaptureBytes {
- public:
-  explicit CaptureBytes(std::unique_ptr<PeekedStream> stream);
+/// The bytes of a stream, for a `FILE`.
+struct CaptureBytes {
+  std::unique_ptr<ByteStream> stream;
+  std::exception_ptr fault{};  ///< that has ended them
 
-  /// Up to `size` bytes; negative for a fault, which `rethrow_fault` throws.
   std::ptrdiff_t read(char* buffer, std::size_t size) noexcept;
-  void rethrow_fault() const;
-  /// Whether a whole packet has been read and not yet given out; if in doubt, none has.
-  bool has_packet() const;
-
- private:
-  std::unique_ptr<PeekedStream> stream_;
-  std::array<char, 1 << 16> bytes_;
-  std::size_t begin_ = 0;  // of those that have not been given out
-  std::size_t end_ = 0;
-  std::exception_ptr fault_;
-  bool is_big_;              // numbers have the most significant byte first
-  bool is_next_generation_;  // pcapng
 };
 
 struct CapturedPacket {
@@ -57,17 +45,23 @@ class CaptureFile {
   /// @return false at the end
   /// @throws ZelkLogError
   bool next(CapturedPacket& packet);
-  /// Whether `next` has a packet without waiting for one.
-  bool has_packet() const { return bytes_.has_packet(); }
+  /// Whether `next` has a packet without waiting for one; if in doubt, it has none.
+  bool has_packet() const;
 
  private:
   struct Close {
     void operator()(pcap_t* capture) const noexcept { pcap_close(capture); }
   };
 
+  [[noreturn]] void fail(const char* what) const;
+
   std::string name_;
+  bool is_big_;              // numbers have the most significant byte first
+  bool is_next_generation_;  // pcapng
   CaptureBytes bytes_;
-  std::unique_ptr<pcap_t, Close> capture_;  // reads `bytes_`
+  std::array<char, 1 << 16> buffer_;
+  std::FILE* file_;                         // reads `bytes_` into `buffer_`
+  std::unique_ptr<pcap_t, Close> capture_;  // reads `file_`, and closes it
   LinkType link_type_{};
 };
 
