@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -53,6 +54,14 @@ class ZelkFrameFiller {
     block_.time_lengths_[at] = static_cast<std::uint8_t>(time_text.size());
     block_.data_size_ += (length + 7) / 8 * 8;
   }
+
+  /// Appends a frame with time, channel and direction of another one.
+  void append_like(std::size_t index, std::uint32_t id, std::span<const unsigned char> data);
+  /// Moves the last frames of the block each behind another one.
+  ///
+  /// @param indices  of these other ones, in rising order; they stand in front of the frames that
+  /// are moved
+  void move_behind(std::span<const std::size_t> indices);
 
   /// Adds to the times of all frames that have one.
   void shift_times(std::int64_t by) {

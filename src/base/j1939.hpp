@@ -28,6 +28,10 @@ constexpr std::uint32_t kProprietaryPdu1Format = 0xEF;
 constexpr std::uint32_t kProprietaryPdu2Format = 0xFF;
 constexpr std::uint32_t kAnyAddress = 0xFE;
 constexpr std::uint32_t kGlobalAddress = 0xFF;
+/// The two groups of the transport protocol, which carries messages longer than a frame: its
+/// control frames (TP.CM) and packets (TP.DT).
+constexpr std::uint32_t kTransportControl = 0xEC00;
+constexpr std::uint32_t kTransportData = 0xEB00;
 /// The largest group number with its PDU specific byte: 18 bits.
 constexpr std::uint32_t kLargestGroupNumber = 0x3FFFF;
 /// The attribute that states a message's frame format.
@@ -59,6 +63,22 @@ struct FrameId {
 
 constexpr FrameId frame_of_id(std::uint32_t id) {
   return {group_of_number(id >> 8), (id >> 16) & 0xFF, id & 0xFF, (id >> 26) & 7};
+}
+
+/// The reverse: 29 bits.
+constexpr std::uint32_t id_of(const FrameId& frame) {
+  const std::uint32_t specific = frame.group.is_pdu1 ? frame.group.destination : 0;
+  return frame.priority << 26 | (frame.group.key | specific) << 8 | frame.source;
+}
+
+/// Whether a frame belongs to the transport protocol.
+///
+/// @param id  with bit 31 for an extended identifier
+constexpr bool is_transport_packet(std::uint32_t id) {
+  constexpr std::uint32_t kExtended = 0x80000000;
+  const std::uint32_t group = id & (kExtended | 0x3FF00 << 8);  // both groups are PDU1
+  return group == (kExtended | kTransportControl << 8) ||
+         group == (kExtended | kTransportData << 8);
 }
 
 constexpr bool is_proprietary(const FrameId& frame) {

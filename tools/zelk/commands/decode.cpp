@@ -15,6 +15,7 @@
 #include "term/system.hpp"
 #include "term/text.hpp"
 #include "zelk/logs/reader.hpp"
+#include "zelk/logs/transport.hpp"
 
 namespace zelk::tool {
 
@@ -27,6 +28,7 @@ struct Arguments {
   FrameOptions options;
   Mending mending;
   bool stats = false;
+  bool transport = false;
   unsigned threads = 0;  // 0: by the size of the log
 };
 
@@ -47,11 +49,14 @@ ExitCode decode_log(const Arguments& arguments, const FrameCatalog& catalog, Zel
                     Output& out) {
   out.raw(arguments.options.format->heading());
   LogReport report(log.Name());
-  LogPipeline pipeline(catalog, log, out, report);
+  ZelkTransport transport;
+  ZelkTransport* const wanted_transport = arguments.transport ? &transport : nullptr;
+  LogPipeline pipeline(catalog, log, out, report, wanted_transport);
   pipeline.run(threads_for(log, arguments.threads));
   out.flush();
   report.print_rest();
-  if (arguments.stats) report.print_counts(pipeline.unknown());
+  transport.End();
+  if (arguments.stats) report.print_counts(pipeline.unknown(), wanted_transport);
   if (NotedStop::is_requested()) return kExitInterrupted;
   return report.is_of_a_log() ? kExitSuccess : kExitFailure;
 }
@@ -136,6 +141,11 @@ void add_decode_command(CLI::App& app, Action& action) {
   command->add_flag("--raw", arguments->options.raw, "Raw values instead of physical ones");
   command->add_flag("--numbers", arguments->options.numbers, "No value descriptions");
   add_filter_options(*command, arguments->options.filter);
+  command->add_flag("--j1939-tp", arguments->transport,
+                    "Put messages of the J1939 transport protocol together (BAM, RTS/CTS)");
+  command->add_flag("--match-pgn", arguments->options.match_groups,
+                    "Match extended identifiers by their J1939 parameter group also where the\n"
+                    "databases do not say that their messages have any");
   command->add_flag("--stats", arguments->stats,
                     "Tell at the end, on standard error, what was met");
   command

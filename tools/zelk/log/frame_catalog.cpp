@@ -53,6 +53,7 @@ CatalogDatabase::CatalogDatabase(std::string interface_name, std::unique_ptr<Dat
     if (const ZelkFrameDecoder* const decoder = decoders_.Find(message))
       prepared_.try_emplace(decoder, *decoder, options, file_->encoded().encoding);
   }
+  if (options.match_groups && !has_group_numbers_) groups_.emplace(messages());
 }
 
 const PreparedMessage* CatalogDatabase::prepared(const ZelkFrameDecoder* decoder) const {
@@ -67,8 +68,9 @@ const PreparedMessage* CatalogDatabase::find(std::uint32_t id) const {
 }
 
 const PreparedMessage* CatalogDatabase::find_group(std::uint32_t id) const {
-  if (!has_groups_ || !(id & ZELK_ID_EXTENDED)) return nullptr;
-  const msgblk* const message = database_.GetJ1939Message(id, 0);
+  if (!(id & ZELK_ID_EXTENDED)) return nullptr;
+  const msgblk* message = has_groups_ ? database_.GetJ1939Message(id, 0) : nullptr;
+  if (!message && groups_) message = groups_->find(id);
   return message ? prepared(decoders_.Find(*message)) : nullptr;
 }
 

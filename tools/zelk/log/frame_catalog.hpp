@@ -6,11 +6,13 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
+#include "base/j1939_groups.hpp"
 #include "input/opening.hpp"
 #include "log/prepared_message.hpp"
 
@@ -30,7 +32,8 @@ class CatalogDatabase {
 
   /// The message with the identifier of a frame; null when there is none.
   const PreparedMessage* find(std::uint32_t id) const;
-  /// The parameter group of a frame with an extended identifier, in a database that has any.
+  /// The parameter group of a frame with an extended identifier: among the messages that the
+  /// database says to be of J1939, else among all, where that is wanted.
   const PreparedMessage* find_group(std::uint32_t id) const;
 
   const msgblk* messages() const { return database_.messages; }
@@ -44,6 +47,7 @@ class CatalogDatabase {
   ZelkFrameDecoderTable decoders_;
   bool has_group_numbers_;  // in place of identifiers
   bool has_groups_;
+  std::optional<const J1939Groups> groups_;  ///< of messages that it does not say to have any
   std::unordered_map<const ZelkFrameDecoder*, PreparedMessage> prepared_;
 };
 

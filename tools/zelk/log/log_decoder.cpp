@@ -5,6 +5,8 @@
 #include <iterator>
 #include <span>
 
+#include "base/j1939.hpp"
+
 namespace zelk::tool {
 
 namespace {
@@ -31,6 +33,7 @@ LogCounts& LogCounts::operator+=(const LogCounts& other) {
   too_short += other.too_short;
   remote += other.remote;
   errors += other.errors;
+  packets += other.packets;
   return *this;
 }
 
@@ -39,8 +42,9 @@ void DecodedBlock::clear() {
   counts = {};
 }
 
-LogDecoder::LogDecoder(const FrameCatalog& catalog)
+LogDecoder::LogDecoder(const FrameCatalog& catalog, bool is_assembled)
     : catalog_(catalog),
+      is_assembled_(is_assembled),
       raw_(catalog.most_signals()),
       present_((catalog.most_signals() + 63) / 64) {}
 
@@ -70,7 +74,7 @@ void LogDecoder::decode_frame(const ZelkFrameBlock& frames, std::size_t index,
   KnownId& known = look_up(channel, id);
   ++known.count;
   if (!known.message) {
-    ++result.counts.unknown;
+    ++(is_packet(id) ? result.counts.packets : result.counts.unknown);
     return;
   }
   const PreparedMessage& message = *known.message;
@@ -107,8 +111,13 @@ LogDecoder::KnownId& LogDecoder::look_up(Channel& channel, std::uint32_t id) {
 void LogDecoder::add_unknown_to(UnknownIds& ids) const {
   for (const auto& [name, channel] : channels_) {
     for (const auto& [id, known] : channel.ids)
-      if (!known.message) ids[id] += known.count;
+      if (!known.message && !is_packet(id)) ids[id] += known.count;
   }
+}
+
+/// Whether frames with this identifier have done their part when they were put together.
+bool LogDecoder::is_packet(std::uint32_t id) const {
+  return is_assembled_ && j1939::is_transport_packet(id);
 }
 
 }  // namespace zelk::tool

@@ -25,6 +25,7 @@ struct LogCounts : ZelkLogCounts {
   std::uint64_t too_short = 0;  ///< decoded ones with fewer bytes than the message has
   std::uint64_t remote = 0;
   std::uint64_t errors = 0;
+  std::uint64_t packets = 0;  ///< of the transport protocol, that no database has
 
   LogCounts& operator+=(const LogCounts& other);
 };
@@ -44,7 +45,9 @@ struct DecodedBlock {
 class LogDecoder {
  public:
   /// @param catalog  must outlive the object
-  explicit LogDecoder(const FrameCatalog& catalog);
+  /// @param is_assembled  packets of the transport protocol have been put together, and are not
+  /// unknown without a message of their own
+  LogDecoder(const FrameCatalog& catalog, bool is_assembled);
 
   /// @param result  receives the result, in place of what it held
   void decode(const ZelkLogBlock& block, DecodedBlock& result);
@@ -68,8 +71,10 @@ class LogDecoder {
   void decode_frame(const ZelkFrameBlock& frames, std::size_t index, DecodedBlock& result);
   Channel& channel_named(const std::string& name);
   KnownId& look_up(Channel& channel, std::uint32_t id);
+  bool is_packet(std::uint32_t id) const;
 
   const FrameCatalog& catalog_;
+  bool is_assembled_;
   std::map<std::string, Channel> channels_;
   std::vector<Channel*> block_channels_;  // those of the present block
   std::string time_;                      // of a frame whose log does not spell it

@@ -21,23 +21,25 @@ void LogPipeline::work() {
   try {
     decode_blocks();
   } catch (...) {
-    const std::lock_guard lock(output_mutex_);
+    const std::lock_guard lock(result_mutex_);
     if (!fault_) fault_ = std::current_exception();
-    turn_.notify_all();
+    transport_turns_.end();
+    output_turns_.end();
   }
 }
 
 void LogPipeline::decode_blocks() {
-  LogDecoder decoder(catalog_);
+  LogDecoder decoder(catalog_, transport_ != nullptr);
   ZelkLogChunk chunk;
   ZelkLogBlock block;
   DecodedBlock decoded;
   while (take(chunk)) {
     reader_.Parse(chunk, block);
+    if (!assemble(block)) return;
     decoder.decode(block, decoded);
     if (!put(block, decoded)) return;
   }
-  const std::lock_guard lock(output_mutex_);
+  const std::lock_guard lock(result_mutex_);
   decoder.add_unknown_to(unknown_);
 }
 
@@ -48,17 +50,19 @@ bool LogPipeline::take(ZelkLogChunk& chunk) {
 }
 
 /// False when another thread has met a fault.
+bool LogPipeline::assemble(ZelkLogBlock& block) {
+  if (!transport_) return true;
+  return transport_turns_.pass(block.number, [&] { transport_->Assemble(block.frames); });
+}
+
+/// Likewise.
 bool LogPipeline::put(const ZelkLogBlock& block, const DecodedBlock& decoded) {
-  std::unique_lock lock(output_mutex_);
-  turn_.wait(lock, [&] { return fault_ || blocks_put_ == block.number; });
-  if (fault_) return false;
-  if (!block.malformed.empty()) progress_.clear();
-  out_.write_through(decoded.text.view());
-  report_.add(block, decoded.counts);
-  progress_.update(reader_.BytesRead());
-  ++blocks_put_;
-  turn_.notify_all();
-  return true;
+  return output_turns_.pass(block.number, [&] {
+    if (!block.malformed.empty()) progress_.clear();
+    out_.write_through(decoded.text.view());
+    report_.add(block, decoded.counts);
+    progress_.update(reader_.BytesRead());
+  });
 }
 
 }  // namespace zelk::tool

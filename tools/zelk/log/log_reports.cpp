@@ -31,6 +31,20 @@ std::string most_frequent(const UnknownIds& unknown) {
   return ids.size() > kMostIds ? text + ", ..." : text;
 }
 
+void print_count(std::string_view what, std::uint64_t count, const std::string& more = "") {
+  print_error(fmt::format("{:<16} {}{}", what, count, more));
+}
+
+void print_transport(const ZelkTransportCounts& counts) {
+  print_count("long messages", counts.Messages());
+  print_count("  put together", counts.complete);
+  print_count("  aborted", counts.aborted);
+  print_count("  incomplete", counts.incomplete);
+  print_count("  inconsistent", counts.inconsistent);
+  print_count("  dropped", counts.dropped);
+  print_count("stray packets", counts.stray);
+}
+
 }  // namespace
 
 void LogReport::add(const ZelkLogBlock& block, const LogCounts& decoded) {
@@ -52,21 +66,20 @@ void LogReport::print_rest() const {
     print_error(fmt::format("{}: not a log: no line is a frame", escaped(log_name_)));
 }
 
-void LogReport::print_counts(const UnknownIds& unknown) const {
-  const auto print = [](std::string_view what, std::uint64_t count, const std::string& more = "") {
-    print_error(fmt::format("{:<16} {}{}", what, count, more));
-  };
-  print("lines", counts_.lines);
-  print("frames", counts_.frames);
-  print("  decoded", counts_.decoded);
-  print("    too short", counts_.too_short);
-  print("  unknown", counts_.unknown,
-        unknown.empty() ? ""
-                        : fmt::format(", of {}: {}", counted(unknown.size(), "identifier"),
-                                      most_frequent(unknown)));
-  print("  remote", counts_.remote);
-  print("  error", counts_.errors);
-  print("malformed lines", counts_.malformed);
+void LogReport::print_counts(const UnknownIds& unknown, const ZelkTransport* transport) const {
+  print_count("lines", counts_.lines);
+  print_count("frames", counts_.frames);
+  print_count("  decoded", counts_.decoded);
+  print_count("    too short", counts_.too_short);
+  print_count("  unknown", counts_.unknown,
+              unknown.empty() ? ""
+                              : fmt::format(", of {}: {}", counted(unknown.size(), "identifier"),
+                                            most_frequent(unknown)));
+  if (transport) print_count("  packets", counts_.packets);
+  print_count("  remote", counts_.remote);
+  print_count("  error", counts_.errors);
+  print_count("malformed lines", counts_.malformed);
+  if (transport) print_transport(transport->Counts());
 }
 
 }  // namespace zelk::tool

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "log/log_decoder.hpp"
+#include "zelk/logs/transport.hpp"
 
 namespace zelk::tool {
 
@@ -25,7 +26,9 @@ class LogReport {
   /// False when there were lines, and none was a frame.
   bool is_of_a_log() const { return counts_.frames > 0 || counts_.malformed == 0; }
   /// Prints all counts.
-  void print_counts(const UnknownIds& unknown) const;
+  ///
+  /// @param transport  null: messages of the transport protocol were not put together
+  void print_counts(const UnknownIds& unknown, const ZelkTransport* transport = nullptr) const;
 
  private:
   std::string log_name_;

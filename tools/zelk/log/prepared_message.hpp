@@ -22,8 +22,9 @@ namespace zelk::tool {
 /// Which fields of a frame are printed, and in which format.
 struct FrameOptions {
   const FrameFormat* format = &text_frames();
-  bool raw = false;      ///< raw values instead of physical ones
-  bool numbers = false;  ///< no value descriptions
+  bool raw = false;           ///< raw values instead of physical ones
+  bool numbers = false;       ///< no value descriptions
+  bool match_groups = false;  ///< by J1939 parameter group also where databases do not say so
   NameFilter filter;
 };
 
