@@ -38,7 +38,9 @@ std::string link_type_name(int type) {
 
 std::ptrdiff_t CaptureBytes::read(char* buffer, std::size_t size) noexcept {
   try {
-    return static_cast<std::ptrdiff_t>(stream->read(buffer, size));
+    const std::size_t count = stream->read(buffer, size);
+    if (is_next_generation) interfaces.feed({buffer, count});
+    return static_cast<std::ptrdiff_t>(count);
   } catch (...) {
     // It must not pass through libpcap.
     fault = std::current_exception();
@@ -49,7 +51,7 @@ std::ptrdiff_t CaptureBytes::read(char* buffer, std::size_t size) noexcept {
 CaptureFile::CaptureFile(std::unique_ptr<PeekedStream> stream, std::string name)
     : name_(std::move(name)) {
   const std::string_view magic = stream->peek(kNextGenerationMagic.size());
-  is_next_generation_ = magic.starts_with(kNextGenerationMagic);
+  bytes_.is_next_generation = magic.starts_with(kNextGenerationMagic);
   is_big_ = magic.starts_with(kFirstOfBig);
   bytes_.stream = std::move(stream);
   file_ = fopencookie(&bytes_, "r", {read_bytes, nullptr, nullptr, nullptr});
@@ -77,7 +79,7 @@ bool CaptureFile::next(CapturedPacket& packet) {
   if (result == PCAP_ERROR_BREAK) return false;
   if (result != 1) fail(pcap_geterr(capture_.get()));
   const std::size_t kept = std::min<std::size_t>(header->caplen, kMostPacketBytes);
-  packet = {time_of(header->ts), {{bytes, kept}, header->len}};
+  packet = {time_of(header->ts), bytes_.interfaces.take_packet(), {{bytes, kept}, header->len}};
   return true;
 }
 
@@ -88,7 +90,7 @@ bool CaptureFile::has_packet() const {
   // What stdio has read ahead: glibc has no function for it.
   const auto count = static_cast<std::size_t>(file_->_IO_read_end - file_->_IO_read_ptr);
   if (count < kHeaderBytes) return false;
-  const char* const at = file_->_IO_read_ptr + (is_next_generation_ ? 4 : 8);
+  const char* const at = file_->_IO_read_ptr + (bytes_.is_next_generation ? 4 : 8);
   std::size_t little = 0;
   std::size_t big = 0;
   for (std::size_t i = 0; i < 4; ++i) {
@@ -96,7 +98,7 @@ bool CaptureFile::has_packet() const {
     little |= byte << (8 * i);
     big = big << 8 | byte;
   }
-  if (is_next_generation_) return count >= std::min(little, big);
+  if (bytes_.is_next_generation) return count >= std::min(little, big);
   return count - kHeaderBytes >= (is_big_ ? big : little);
 }
 

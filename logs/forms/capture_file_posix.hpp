@@ -13,8 +13,10 @@
 #include <exception>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "logs/forms/packet.hpp"
+#include "logs/forms/pcapng_interfaces.hpp"
 #include "logs/input/byte_stream.hpp"
 
 namespace zelk::logs {
@@ -22,14 +24,18 @@ namespace zelk::logs {
 /// The bytes of a stream, for a `FILE`.
 struct CaptureBytes {
   std::unique_ptr<ByteStream> stream;
+  bool is_next_generation;  ///< pcapng
+  PcapngInterfaces interfaces{};
   std::exception_ptr fault{};  ///< that has ended them
 
   std::ptrdiff_t read(char* buffer, std::size_t size) noexcept;
 };
 
+/// A packet, valid until the next one is read.
 struct CapturedPacket {
   std::int64_t time;
-  Packet packet;  ///< valid until the next one is read
+  std::string_view interface;  ///< its name; empty when the capture has none
+  Packet packet;
 };
 
 class CaptureFile {
@@ -56,8 +62,7 @@ class CaptureFile {
   [[noreturn]] void fail(const char* what) const;
 
   std::string name_;
-  bool is_big_;              // numbers have the most significant byte first
-  bool is_next_generation_;  // pcapng
+  bool is_big_;  // numbers have the most significant byte first
   CaptureBytes bytes_;
   std::array<char, 1 << 16> buffer_;
   std::FILE* file_;                         // reads `bytes_` into `buffer_`

@@ -17,17 +17,20 @@ constexpr std::size_t kChunkBytes = 1 << 18;
 /// In front of each packet of a chunk.
 struct Record {
   std::int64_t time;
-  std::uint32_t length;  // of the packet, before the capture cut it
-  std::uint32_t size;    // bytes that follow
+  std::uint32_t length;     // of the packet, before the capture cut it
+  std::uint16_t size;       // of its bytes, which follow
+  std::uint16_t name_size;  // of the interface's name, which follows them
 };
 
 void append(std::string& bytes, const CapturedPacket& packet) {
   const Record record{packet.time, static_cast<std::uint32_t>(packet.packet.length),
-                      static_cast<std::uint32_t>(packet.packet.bytes.size())};
+                      static_cast<std::uint16_t>(packet.packet.bytes.size()),
+                      static_cast<std::uint16_t>(packet.interface.size())};
   char header[sizeof record];
   std::memcpy(header, &record, sizeof record);
   bytes.append(header, sizeof header);
   bytes.append(reinterpret_cast<const char*>(packet.packet.bytes.data()), record.size);
+  bytes += packet.interface;
 }
 
 /// Packets have no characters to show.
@@ -53,14 +56,16 @@ class BlockParser {
       std::memcpy(&record, bytes.data(), sizeof record);
       bytes.remove_prefix(sizeof record);
       const auto* const begin = reinterpret_cast<const unsigned char*>(bytes.data());
-      parse_record(record.time, {{begin, record.size}, record.length});
       bytes.remove_prefix(record.size);
+      parse_record(record.time, {{begin, record.size}, record.length},
+                   bytes.substr(0, record.name_size));
+      bytes.remove_prefix(record.name_size);
     }
     block_.counts.frames = block_.frames.Size();
   }
 
  private:
-  void parse_record(std::int64_t time, const Packet& packet) {
+  void parse_record(std::int64_t time, const Packet& packet, std::string_view name) {
     PacketFrame frame;
     const LineKind kind = parse_packet(type_, packet, frame);
     if (kind == LineKind::kMalformed) note_malformed(block_, number_, in_digits(packet.bytes));
@@ -68,15 +73,17 @@ class BlockParser {
     unsigned char* const room = filler_.room();
     std::memset(room, 0, frame.length + ZelkFrameBlock::kSlack);
     std::ranges::copy(frame.data, room);
-    filler_.put(time, frame.id, frame.flags, channel_of(frame.interface), frame.length);
+    filler_.put(time, frame.id, frame.flags, channel_of(frame.interface, name), frame.length);
   }
 
-  std::uint16_t channel_of(std::uint32_t interface) {
-    if (!has_channel_ || interface != interface_)
-      channel_ = block_.frames.ChannelIndex(interface ? std::to_string(interface) : "");
-    interface_ = interface;
+  /// @param interface  number that the packet has; more exact than the name, which may be "any"
+  std::uint16_t channel_of(std::uint32_t interface, std::string_view name) {
+    const bool is_as_before = has_channel_ && interface == interface_ && name == name_;
+    if (is_as_before) return channel_;
     has_channel_ = true;
-    return channel_;
+    interface_ = interface;
+    name_ = name;
+    return channel_ = block_.frames.ChannelIndex(interface ? std::to_string(interface) : name_);
   }
 
   LinkType type_;
@@ -84,7 +91,8 @@ class BlockParser {
   ZelkFrameFiller filler_;
   std::uint64_t number_;
   bool has_channel_ = false;
-  std::uint32_t interface_ = 0;  // of the frame before, and its channel
+  std::uint32_t interface_ = 0;  // of the frame before, its name, and its channel
+  std::string name_;
   std::uint16_t channel_ = 0;
 };
 

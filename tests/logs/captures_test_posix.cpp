@@ -56,9 +56,10 @@ std::string block(std::uint32_t type, const std::string& body) {
   return kLittle.number(type) + kLittle.number(size) + body + kLittle.number(size);
 }
 
-std::string interface_block(std::uint32_t link_type) {
+std::string interface_block(std::uint32_t link_type, const std::string& options = "") {
   // Times of 10^-9 seconds.
-  return block(1, kLittle.number(link_type, 2) + "\0\0\0\0\0\0"s + "\x9\0\1\0\x9\0\0\0\0\0\0\0"s);
+  return block(
+      1, kLittle.number(link_type, 2) + "\0\0\0\0\0\0"s + options + "\x9\0\1\0\x9\0\0\0\0\0\0\0"s);
 }
 
 const std::string kSection =
@@ -149,10 +150,15 @@ TEST(Captures, GivesWhatStandsInFrontOfAFault) {
 
 TEST(Captures, ReadsPcapng) {
   const std::string can = frame(kId123, 1, 0, "1", 8);
-  EXPECT_THAT(
-      parsed(kSection + interface_block(227) + interface_block(227) + enhanced_packet(0, can) +
-             enhanced_packet(1, can) + kSection + interface_block(227) + enhanced_packet(0, can)),
-      ElementsAre("77 123 0 31", "77 123 0 31", "77 123 0 31"));
+  const std::string simple = block(3, kLittle.number(16) + can);
+  const std::string capture = kSection + interface_block(227, "\2\0\4\0can0"s) +
+                              interface_block(227, "\2\0\5\0a b\xC3\xA4\0\0\0"s) +
+                              enhanced_packet(0, can) + enhanced_packet(1, can) + simple +
+                              kSection + interface_block(227) + enhanced_packet(0, can);
+  for (const std::size_t most : {1, 1000}) {
+    EXPECT_THAT(parsed(capture, most), ElementsAre("77 123 0 31 can0", "77 123 0 31 a_b\xC3\xA4",
+                                                   "0 123 0 31 can0", "77 123 0 31"));
+  }
   EXPECT_THAT(
       parsed(kSection + interface_block(227) + enhanced_packet(0, can) + interface_block(1)),
       ElementsAre("77 123 0 31", HasSubstr("log: an interface has a type 1 different")));

@@ -108,10 +108,11 @@ struct ZelkLogForm {
 ///   version 1.0, they count from 0. Channels are numbers of buses, or empty in versions 1.0 and
 ///   1.1. A status, an event and counters are neither frames nor malformed.
 /// - "capture": captures of SocketCAN in pcap and pcapng, of CAN interfaces or with the "cooked"
-///   headers of any interface (SLL, SLL2). Channels are empty, or with SLL2 the numbers that the
-///   recording machine had for its interfaces; the names that pcapng has are not read. Captures of
-///   interfaces of several kinds are read up to the first one of another kind, which is an error.
-///   Packets that are not of CAN are neither frames nor malformed. Not on Windows.
+///   headers of any interface (SLL, SLL2). Channels are the names of
+///   interfaces that pcapng has, or with SLL2 the numbers that the recording machine had for them,
+///   or else empty. Captures of interfaces of several kinds are read up to the first one of another
+///   kind, which is an error. Packets that are not of CAN are neither frames nor malformed. Not on
+///   Windows.
 ///
 /// Error frames have the form of SocketCAN: classes of errors as identifier, details as data.
 ///
