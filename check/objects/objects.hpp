@@ -13,8 +13,8 @@
 #include <variant>
 #include <vector>
 
+#include "base/encoded_database.hpp"
 #include "check/objects/cell.hpp"
-#include "check/objects/encoded_database.hpp"
 
 namespace zelk::check {
 

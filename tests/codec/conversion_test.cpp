@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "codec/frames.hpp"
+#include "manager/manager_test.hpp"
 
 namespace {
 

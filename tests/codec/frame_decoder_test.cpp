@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "codec/frames.hpp"
+#include "manager/manager_test.hpp"
 
 namespace {
 
@@ -47,36 +48,6 @@ Expected expected_of(const Frame& frame, const sigblk& signal) {
   const bool is_lossy = is_integer && bits.front() % 8 + bits.size() > 64;
   if (!is_lossy) manager.GetSignalPhysicalValue(padded[0], signal, message, expected.physical);
   return expected;
-}
-
-/// Signals of every kind, some of them reaching beyond 64 bytes; `count` of them.
-void add_random_signals(Message& message, Random& random, unsigned count) {
-  const unsigned frame_bytes = random.one_in(2) ? 8 : 66;
-  for (unsigned i = 0; i < count; ++i) {
-    const unsigned length = random.between(1, random.one_in(8) ? 64 : random.one_in(20) ? 70 : 16);
-    sigblk& signal = message.add(random.signal(std::min(length, frame_bytes * 8), frame_bytes));
-    if (random.one_in(6)) {
-      signal.value_type = random.between(1, 3);
-      const unsigned flags = signal.flags;
-      if (signal.value_type < 3) signal = random.signal(signal.value_type * 32, frame_bytes);
-      signal.value_type = signal.value_type < 3 ? signal.length / 32U : 3;
-      signal.flags = static_cast<std::uint16_t>(flags);
-    }
-    signal.factor = random.one_in(3) ? 1.0 : 0.1 * random.between(1, 99) - 5.05;
-    signal.offset = random.one_in(3) ? 0.0 : 0.3 * random.between(0, 99) - 15;
-    signal.maximum = random.one_in(2) ? 1.0 : 0.0;
-  }
-  for (sigblk& signal : message.signals) {
-    if (!random.one_in(3)) continue;
-    // Any other signal may be the multiplexor: behind this one, in a circle, or an odd one.
-    sigblk& multiplexor = message.signals[random.between(0, count - 1)];
-    if (!random.one_in(9)) signal.mux_signal = &multiplexor;
-    if (multiplexor.length > 4 && !random.one_in(4)) multiplexor.length = 2;
-    while (!random.one_in(3)) {
-      const std::uint32_t low = random.between(0, 4);
-      message.add_range(signal, low, random.one_in(5) ? 0xFFFFFFFF : low + random.between(0, 2));
-    }
-  }
 }
 
 bool is_in_circle(const sigblk& signal) {

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "codec/frames.hpp"
+#include "manager/manager_test.hpp"
 
 namespace {
 

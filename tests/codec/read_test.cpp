@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "codec/frames.hpp"
+#include "manager/manager_test.hpp"
 
 namespace {
 

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "codec/frames.hpp"
+#include "manager/manager_test.hpp"
 #include "support/system.hpp"
 
 namespace {

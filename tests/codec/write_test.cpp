@@ -3,6 +3,7 @@
 #include <tuple>
 
 #include "codec/frames.hpp"
+#include "manager/manager_test.hpp"
 
 namespace {
 

@@ -3,6 +3,7 @@
 #include "zelk/predicates.hpp"
 
 #include "codec/frames.hpp"
+#include "manager/manager_test.hpp"
 #include "zelk/write_manager.hpp"
 
 namespace {

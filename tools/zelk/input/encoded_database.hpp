@@ -6,12 +6,9 @@
 
 #include <string>
 
-#include "check/objects/encoded_database.hpp"
+#include "base/encoded_database.hpp"
 
 namespace zelk::tool {
-
-using check::EncodedDatabase;
-using check::encoding_of;
 
 /// A text of the command line, which is in UTF-8, as the records of a database hold it. What is no
 /// UTF-8 is taken for the database's own bytes.

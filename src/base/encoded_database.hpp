@@ -1,13 +1,13 @@
 /// \file
 /// The characters of a database's texts.
 
-#ifndef ZELK_CHECK_OBJECTS_ENCODED_DATABASE_HPP
-#define ZELK_CHECK_OBJECTS_ENCODED_DATABASE_HPP
+#ifndef ZELK_BASE_ENCODED_DATABASE_HPP
+#define ZELK_BASE_ENCODED_DATABASE_HPP
 
 #include "base/encoding.hpp"
 #include "zelk/database.hpp"
 
-namespace zelk::check {
+namespace zelk {
 
 /// A database, with the encoding of the texts in its records. Outputs are in UTF-8: a
 /// text of a record goes through `to_utf8` before it is shown or compared.
@@ -19,6 +19,6 @@ struct EncodedDatabase {
 /// UTF-8 when all texts of the database are, else Windows-1252.
 Encoding encoding_of(const ZelkDatabase& database);
 
-}  // namespace zelk::check
+}  // namespace zelk
 
 #endif

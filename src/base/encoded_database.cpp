@@ -1,11 +1,11 @@
-#include "check/objects/encoded_database.hpp"
+#include "base/encoded_database.hpp"
 
 #include <string_view>
 
 #include "base/list.hpp"
 #include "base/text_view.hpp"
 
-namespace zelk::check {
+namespace zelk {
 
 namespace {
 
@@ -87,4 +87,4 @@ Encoding encoding_of(const ZelkDatabase& database) {
   return test.is_utf8() ? Encoding::kUtf8 : Encoding::kWindows1252;
 }
 
-}  // namespace zelk::check
+}  // namespace zelk
