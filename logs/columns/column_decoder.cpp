@@ -1,0 +1,104 @@
+#include <algorithm>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include "logs/columns/arrow_schema.hpp"
+#include "logs/columns/state.hpp"
+
+using zelk::logs::ColumnStore;
+using zelk::logs::NamedDatabase;
+
+ColumnStore& ZelkColumnDecoder::State::prepared() {
+  if (!rows)
+    rows.emplace(std::make_shared<const zelk::logs::ColumnPlan>(databases, choice, options));
+  return *rows;
+}
+
+ColumnStore& ZelkColumnDecoder::State::store() {
+  if (!rows) throw std::logic_error("a column decoder is used before its tables are asked for");
+  return *rows;
+}
+
+void ZelkColumnDecoder::State::check_is_open() const {
+  if (rows) throw std::logic_error("a column decoder is changed after its tables were asked for");
+}
+
+ZelkColumnDecoder::ZelkColumnDecoder(ZelkColumnOptions options)
+    : state_(std::make_unique<State>()) {
+  state_->options = options;
+}
+ZelkColumnDecoder::~ZelkColumnDecoder() = default;
+
+void ZelkColumnDecoder::AddDatabase(const ZelkDatabase& database, std::string_view name,
+                                    std::string_view channel) {
+  state_->check_is_open();
+  state_->databases.push_back(
+      {{database, zelk::encoding_of(database)}, std::string(name), std::string(channel)});
+}
+
+bool ZelkColumnDecoder::SelectMessages(std::string_view pattern) {
+  state_->check_is_open();
+  const std::string& added = state_->choice.messages.emplace_back(pattern);
+  return std::ranges::any_of(state_->databases, [&](const NamedDatabase& database) {
+    return matches_message(database, added);
+  });
+}
+
+bool ZelkColumnDecoder::SelectSignals(std::string_view pattern) {
+  state_->check_is_open();
+  const std::string& added = state_->choice.signals.emplace_back(pattern);
+  return std::ranges::any_of(state_->databases, [&](const NamedDatabase& database) {
+    return matches_signal(database, added);
+  });
+}
+
+const std::vector<ZelkColumnTable>& ZelkColumnDecoder::Tables() {
+  return state_->prepared().plan()->tables();
+}
+
+void ZelkColumnDecoder::Decode(const ZelkFrameBlock& frames, ZelkColumnRows& rows) const {
+  const auto& plan = state_->store().plan();
+  if (!rows.content_) rows.content_ = std::make_unique<ZelkColumnRows::Content>();
+  ZelkColumnRows::Content& content = *rows.content_;
+  if (content.plan != plan) {
+    content.plan = plan;
+    content.tables.clear();
+    content.filled.clear();
+  }
+  for (const std::uint32_t table : content.filled) content.tables[table].clear();
+  content.filled.clear();
+  content.channels = {};
+  content.decoder.decode(*plan, frames, content.channels.enter(frames.ChannelNames()),
+                         content.tables);
+  content.filled = content.decoder.tables();
+}
+
+void ZelkColumnDecoder::Put(ZelkColumnRows& rows) {
+  ColumnStore& store = state_->store();
+  if (!rows.content_) return;
+  ZelkColumnRows::Content& content = *rows.content_;
+  if (content.plan != store.plan())
+    throw std::logic_error("rows are put into another column decoder than they come from");
+  store.append(content.tables, content.filled, content.channels.texts());
+  content.filled.clear();
+}
+
+void ZelkColumnDecoder::Decode(const ZelkFrameBlock& frames) { state_->prepared().decode(frames); }
+
+std::size_t ZelkColumnDecoder::RowCount(std::size_t table) const {
+  return state_->store().row_count(table);
+}
+
+void ZelkColumnDecoder::GetSchema(std::size_t table, ArrowSchema* out) const {
+  zelk::logs::export_schema(state_->store().plan()->tables().at(table).columns, *out);
+}
+
+bool ZelkColumnDecoder::TakeBatch(std::size_t table, bool is_end, ArrowArray* out) {
+  return state_->store().take_batch(table, is_end, *out);
+}
+
+ZelkColumnRows::ZelkColumnRows() = default;
+ZelkColumnRows::ZelkColumnRows(ZelkColumnRows&&) noexcept = default;
+ZelkColumnRows& ZelkColumnRows::operator=(ZelkColumnRows&&) noexcept = default;
+ZelkColumnRows::~ZelkColumnRows() = default;

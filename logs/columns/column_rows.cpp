@@ -1,0 +1,87 @@
+#include "logs/columns/column_rows.hpp"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+namespace zelk::logs {
+
+namespace {
+
+constexpr std::size_t kFirstRows = 64;
+
+/// Bitmaps are read and written a word beyond their last bit.
+std::size_t bitmap_size(std::size_t rows) { return (words_for(rows) + 1) * sizeof(std::uint64_t); }
+
+}  // namespace
+
+void ColumnRows::reserve(std::size_t more, std::size_t usual_rows) {
+  if (more <= room_ - first_ - size_) return;
+  // Rows are moved to the front when more were taken out than are left: each is moved once, at
+  // most.
+  if (first_ > 0 && first_ >= size_) {
+    *this = copy(0, size_, room_);
+    if (more <= room_ - size_) return;
+  }
+  const std::size_t needed = first_ + size_ + more;
+  const std::size_t doubled = std::max(2 * room_, kFirstRows);
+  const std::size_t usual = usual_rows + usual_rows / 8;
+  resize(std::max(needed, needed <= usual ? std::min(doubled, usual) : doubled / 4 * 3));
+}
+
+void ColumnRows::resize(std::size_t rows) {
+  Buffer bitmap;
+  bitmap.resize(bitmap_size(rows), 0);
+  if (null_count_ > 0)
+    std::memcpy(bitmap.data(), bitmap_.data(), words_for(first_ + size_) * sizeof(std::uint64_t));
+  values_.resize(rows * width_, (first_ + size_) * width_);
+  bitmap_ = std::move(bitmap);
+  room_ = rows;
+}
+
+void ColumnRows::append(const ColumnRows& other) {
+  if (other.size_ == 0) return;
+  std::memcpy(end(), other.values_.data() + other.first_ * width_, other.size_ * width_);
+  if (other.null_count_ == 0) return add(other.size_);
+  add_with_nulls(other.size_, bits_from(other.bitmap(), other.first_), other.null_count_);
+}
+
+ColumnRows ColumnRows::take(std::size_t count, ColumnRows copied) noexcept {
+  if (takes_copy(count)) {
+    first_ += count;
+    size_ -= count;
+    null_count_ -= copied.null_count_;
+    return copied;
+  }
+  std::swap(*this, copied);
+  copied.size_ = count;
+  copied.null_count_ -= null_count_;
+  return copied;
+}
+
+Buffer ColumnRows::give_values() {
+  values_.pad(size_ * width_);
+  return std::move(values_);
+}
+
+Buffer ColumnRows::give_bitmap() {
+  if (null_count_ == 0) return {};
+  std::uint64_t& last = bitmap()[size_ / kWordBits];
+  last = size_ % kWordBits == 0 ? 0 : last & low_bits(static_cast<unsigned>(size_ % kWordBits));
+  bitmap_.pad((size_ / kWordBits + 1) * sizeof(std::uint64_t));
+  return std::move(bitmap_);
+}
+
+/// @param room  for so many rows, when that is more than `count`
+ColumnRows ColumnRows::copy(std::size_t first, std::size_t count, std::size_t room) const {
+  ColumnRows rows(width_);
+  if (count == 0) return rows;
+  rows.resize(std::max(room, count));
+  std::memcpy(rows.end(), values_.data() + (first_ + first) * width_, count * width_);
+  const auto bits = bits_from(bitmap(), first_ + first);
+  const std::size_t nulls = null_count_ > 0 ? clear_bits(count, bits) : 0;
+  nulls > 0 ? rows.add_with_nulls(count, bits, nulls) : rows.add(count);
+  return rows;
+}
+
+}  // namespace zelk::logs
