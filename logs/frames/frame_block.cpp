@@ -13,6 +13,8 @@ constexpr std::size_t kMostDataOfBlock = 0xFFFFFFF0;  // offsets have 32 bits
 }  // namespace
 
 ZelkFrame ZelkFrameBlock::Frame(std::size_t index) const {
+  if (lengths_[index] > ZelkFrame::kMostData)
+    throw std::length_error("a frame with more than 64 bytes is none of the bus");
   ZelkFrame frame{times_[index], ids_[index], flags_[index], channels_[index], lengths_[index], {}};
   std::ranges::copy(Data(index), frame.data.begin());
   return frame;

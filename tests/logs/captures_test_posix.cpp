@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -146,6 +147,13 @@ TEST(Captures, GivesWhatStandsInFrontOfAFault) {
   }
   EXPECT_THAT(parsed(pcap(kLittle, kMicroseconds, 1) + packet(kLittle, 0, 1, can)),
               ElementsAre("log: the capture is not one of SocketCAN, but of Ethernet"));
+}
+
+TEST(Captures, EndsWithoutAFaultWhenItIsStopped) {
+  const std::atomic<bool> stop = true;
+  LogInput input = memory_input(pcap(kLittle, kMicroseconds, 227) + "\0\0"s);
+  input.options.stop = &stop;
+  EXPECT_THAT(parsed(*open_capture(std::move(input))), testing::IsEmpty());
 }
 
 TEST(Captures, ReadsPcapng) {

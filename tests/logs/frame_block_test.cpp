@@ -36,6 +36,7 @@ TEST(FrameBlock, KeepsFramesOfAllLengthsAndPadsTheirData) {
     EXPECT_EQ(frame.length, 0u);
     EXPECT_EQ(block.Data(3000).size(), 65535u);
     EXPECT_EQ(block.TimeText(3000), "");
+    EXPECT_THROW(block.Frame(3000), std::length_error);
   }
   data.push_back(0);
   EXPECT_THROW(block.Append(0, 0, 0, 0, data), std::length_error);

@@ -3,6 +3,7 @@
 #include <fstream>
 #include <map>
 #include <mutex>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -23,15 +24,8 @@ std::string text_of(const ZelkLogBlock& block) {
   return text;
 }
 
-// Times that add up are the hard case: a block's depend on all blocks in front of it.
-TEST(LogThreads, ParseOneLogAsOneThreadDoes) {
-  std::ofstream file(kPath, std::ios::binary);
-  for (int i = 0; i < 40000; ++i) {
-    file << '(' << i % 7 / 8.0 << ") can" << i % 3 << " 123#" << std::string(2 * (i % 9), 'A')
-         << '\n';
-    if (i % 5000 == 0) file << "no frame\n";
-  }
-  file.close();
+void expect_same_of_threads(const std::string& log) {
+  std::ofstream(kPath, std::ios::binary) << log;
   std::map<std::uint64_t, std::string> blocks;
   ZelkLogReader alone{std::string(kPath)};
   for (ZelkLogBlock block; alone.Next(block);) blocks[block.number] = text_of(block);
@@ -55,6 +49,28 @@ TEST(LogThreads, ParseOneLogAsOneThreadDoes) {
   threads.clear();
   EXPECT_TRUE(blocks.empty());
   std::remove(kPath);
+}
+
+// Times that add up are the hard case: a block's depend on all blocks in front of it.
+TEST(LogThreads, ParseOneLogAsOneThreadDoes) {
+  std::ostringstream log;
+  for (int i = 0; i < 40000; ++i) {
+    log << '(' << i % 7 / 8.0 << ") can" << i % 3 << " 123#" << std::string(2 * (i % 9), 'A')
+        << '\n';
+    if (i % 5000 == 0) log << "no frame\n";
+  }
+  expect_same_of_threads(log.str());
+}
+
+// Each head changes what the blocks behind it mean.
+TEST(LogThreads, ParseTracesOneBehindTheOtherAsOneThreadDoes) {
+  std::ostringstream log;
+  for (int i = 0; i < 20000; ++i) {
+    if (i % 100 == 0)
+      log << ";$FILEVERSION=1." << i / 100 % 2 + 1 << "\n;$STARTTIME=40000." << i << '\n';
+    log << i << ") " << i << (i / 100 % 2 ? " 1" : "") << " Rx 0123 1 " << i % 10 << "0\n";
+  }
+  expect_same_of_threads(log.str());
 }
 
 }  // namespace

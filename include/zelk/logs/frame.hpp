@@ -95,7 +95,8 @@ class ZELK_LOGS_API ZelkFrameBlock {
 
   /// A copy of one frame.
   ///
-  /// @pre `index` < `Size()`, and the frame has at most 64 bytes
+  /// @pre `index` < `Size()`
+  /// @throws std::length_error for data of more than 64 bytes
   ZelkFrame Frame(std::size_t index) const;
 
   // --- Filling ---
