@@ -1,5 +1,6 @@
 #include "logs/transport/session_table.hpp"
 
+#include <iterator>
 #include <utility>
 
 namespace zelk::logs {
@@ -15,9 +16,9 @@ void SessionTable::clear() {
   sessions_.clear();
 }
 
-Session* SessionTable::find(const Pair& pair) {
+SessionTable::Place SessionTable::find(const Pair& pair) {
   const auto found = by_key_.find(key_of(pair));
-  return found == by_key_.end() ? nullptr : &found->second->session;
+  return found == by_key_.end() ? none() : found->second;
 }
 
 void SessionTable::open(const Pair& pair, Session session) {
@@ -25,21 +26,14 @@ void SessionTable::open(const Pair& pair, Session session) {
   by_key_.emplace(key_, std::prev(sessions_.end()));
 }
 
-void SessionTable::close(const Pair& pair) {
-  const auto found = by_key_.find(key_of(pair));
-  sessions_.erase(found->second);
-  by_key_.erase(found);
+void SessionTable::close(Place place) {
+  by_key_.erase(place->key);
+  sessions_.erase(place);
 }
 
-void SessionTable::hear(const Pair& pair, std::int64_t now) {
-  const auto at = by_key_.find(key_of(pair))->second;
-  at->session.hear(now);
-  sessions_.splice(sessions_.end(), sessions_, at);
-}
-
-void SessionTable::close_oldest() {
-  by_key_.erase(sessions_.front().key);
-  sessions_.pop_front();
+void SessionTable::hear(Place place, std::int64_t now) {
+  place->session.hear(now);
+  sessions_.splice(sessions_.end(), sessions_, place);
 }
 
 }  // namespace zelk::logs

@@ -27,37 +27,35 @@ struct Pair {
 };
 
 class SessionTable {
- public:
-  std::size_t size() const { return sessions_.size(); }
-  void clear();
-
-  /// The session of a pair; null when there is none. Valid until it is closed.
-  Session* find(const Pair& pair);
-  /// @pre the pair has none
-  void open(const Pair& pair, Session session);
-  /// @pre the pair has one
-  void close(const Pair& pair);
-
-  /// Notes that something was heard of a pair's session.
-  ///
-  /// @pre the pair has one
-  void hear(const Pair& pair, std::int64_t now);
-  /// Closes the session of which nothing was heard for longest.
-  ///
-  /// @pre there is any
-  void close_oldest();
-
- private:
   struct Entry {
     std::string key;
     Session session;
   };
-  using Entries = std::list<Entry>;
 
+ public:
+  /// Where a session stands, until it is closed.
+  using Place = std::list<Entry>::iterator;
+
+  std::size_t size() const { return sessions_.size(); }
+  void clear();
+
+  Place none() { return sessions_.end(); }
+  /// Of which nothing was heard for longest.
+  Place oldest() { return sessions_.begin(); }
+  /// The session of a pair, or `none`.
+  Place find(const Pair& pair);
+
+  /// @pre the pair has none
+  void open(const Pair& pair, Session session);
+  void close(Place place);
+  /// Notes that something was heard of a session.
+  void hear(Place place, std::int64_t now);
+
+ private:
   const std::string& key_of(const Pair& pair);
 
-  Entries sessions_;  ///< in the order in which something was heard of them
-  std::unordered_map<std::string, Entries::iterator, SeededHash, std::equal_to<>> by_key_;
+  std::list<Entry> sessions_;  ///< in the order in which something was heard of them
+  std::unordered_map<std::string, Place, SeededHash, std::equal_to<>> by_key_;
   std::string key_;  ///< of the last search
 };
 

@@ -1,6 +1,5 @@
 #include "zelk/logs/transport.hpp"
 
-#include <cstring>
 #include <vector>
 
 #include "logs/frames/filler.hpp"
@@ -13,6 +12,7 @@ using zelk::logs::Control;
 using zelk::logs::ControlKind;
 using zelk::logs::Pair;
 using zelk::logs::Session;
+using zelk::logs::SessionTable;
 
 /// Frames of other kinds than those that carry data have no part in the protocol.
 constexpr unsigned kOtherKinds = kZelkFrameFd | kZelkFrameRemote | kZelkFrameError;
@@ -36,28 +36,28 @@ Packet packet_at(const ZelkFrameBlock& frames, std::size_t index) {
 }  // namespace
 
 struct ZelkTransport::State {
-  zelk::logs::SessionTable sessions;
+  SessionTable sessions;
   ZelkTransportCounts counts;
   std::vector<std::size_t> last_packets;  // of the messages that stand at the end of the block
 
   void take_frame(ZelkFrameBlock& frames, std::size_t index);
   void manage(const Packet& packet);
   void announce(const Control& control, const Packet& packet);
-  bool take_data(const Packet& packet);
-  void end(const Pair& pair, std::uint64_t& count);
-  Session* live_session(const Pair& pair, std::int64_t now);
-  Session* session_of(const Pair& pair, const Control& control, std::int64_t now);
+  SessionTable::Place take_data(const Packet& packet);
+  void end(SessionTable::Place place, std::uint64_t& count);
+  SessionTable::Place live_session(const Pair& pair, std::int64_t now);
+  SessionTable::Place session_of(const Pair& pair, const Control& control, std::int64_t now);
 };
 
 void ZelkTransport::State::take_frame(ZelkFrameBlock& frames, std::size_t index) {
   const Packet packet = packet_at(frames, index);
   const bool is_control = packet.id.group.key == zelk::j1939::kTransportControl;
   if (is_control) return manage(packet);
-  if (!take_data(packet)) return;
-  const Session& session = *sessions.find(packet.pair);
-  ZelkFrameFiller(frames).append_like(index, session.id(), session.data());
+  const SessionTable::Place complete = take_data(packet);
+  if (complete == sessions.none()) return;
+  ZelkFrameFiller(frames).append_like(index, complete->session.id(), complete->session.data());
   last_packets.push_back(index);
-  end(packet.pair, counts.complete);
+  end(complete, counts.complete);
 }
 
 void ZelkTransport::State::manage(const Packet& packet) {
@@ -67,68 +67,70 @@ void ZelkTransport::State::manage(const Packet& packet) {
   }
   const Control control = zelk::logs::control_of(packet.data.first<zelk::logs::kControlBytes>());
   const Pair answered = packet.pair.reversed();
+  const auto for_session_of = [&](const Pair& pair, const auto& act) {
+    const SessionTable::Place place = session_of(pair, control, packet.time);
+    if (place != sessions.none()) act(place);
+  };
   switch (control.kind) {
     case ControlKind::kRequestToSend:
     case ControlKind::kBroadcast:
       return announce(control, packet);
     case ControlKind::kClearToSend:
-      if (session_of(answered, control, packet.time)) sessions.hear(answered, packet.time);
-      return;
+      return for_session_of(answered, [&](auto place) { sessions.hear(place, packet.time); });
     case ControlKind::kEndOfMessage:
       // One that the log holds whole has ended with its last packet.
-      if (session_of(answered, control, packet.time)) end(answered, counts.incomplete);
-      return;
+      return for_session_of(answered, [&](auto place) { end(place, counts.incomplete); });
     case ControlKind::kAbort:
       for (const Pair& pair : {packet.pair, answered})
-        if (session_of(pair, control, packet.time)) end(pair, counts.aborted);
+        for_session_of(pair, [&](auto place) { end(place, counts.aborted); });
       return;
   }
 }
 
 void ZelkTransport::State::announce(const Control& control, const Packet& packet) {
-  if (sessions.find(packet.pair)) end(packet.pair, counts.incomplete);
+  const SessionTable::Place former = sessions.find(packet.pair);
+  if (former != sessions.none()) end(former, counts.incomplete);
   if (!is_consistent(control, packet.id)) {
     ++counts.inconsistent;
     return;
   }
-  if (sessions.size() == kMostSessions) {
-    sessions.close_oldest();
-    ++counts.dropped;
-  }
+  if (sessions.size() == kMostSessions) end(sessions.oldest(), counts.dropped);
   sessions.open(packet.pair, Session(control, packet.id, packet.time));
 }
 
-/// Whether the packet completes its message.
-bool ZelkTransport::State::take_data(const Packet& packet) {
-  Session* const session = live_session(packet.pair, packet.time);
-  if (!session) {
+/// The session that the packet completes, or none.
+SessionTable::Place ZelkTransport::State::take_data(const Packet& packet) {
+  const SessionTable::Place place = live_session(packet.pair, packet.time);
+  if (place == sessions.none()) {
     ++counts.stray;
-    return false;
+    return place;
   }
-  sessions.hear(packet.pair, packet.time);
-  const Session::Progress progress = session->take(packet.data);
-  if (progress == Session::Progress::kContradiction) end(packet.pair, counts.inconsistent);
-  return progress == Session::Progress::kComplete;
+  sessions.hear(place, packet.time);
+  const Session::Progress progress = place->session.take(packet.data);
+  if (progress == Session::Progress::kComplete) return place;
+  if (progress == Session::Progress::kContradiction) end(place, counts.inconsistent);
+  return sessions.none();
 }
 
-void ZelkTransport::State::end(const Pair& pair, std::uint64_t& count) {
-  sessions.close(pair);
+void ZelkTransport::State::end(SessionTable::Place place, std::uint64_t& count) {
+  sessions.close(place);
   ++count;
 }
 
 /// The session of a pair, unless it is too late for it.
-Session* ZelkTransport::State::live_session(const Pair& pair, std::int64_t now) {
-  Session* const session = sessions.find(pair);
-  if (!session || !session->is_late(now)) return session;
-  end(pair, counts.incomplete);
-  return nullptr;
+SessionTable::Place ZelkTransport::State::live_session(const Pair& pair, std::int64_t now) {
+  const SessionTable::Place place = sessions.find(pair);
+  if (place == sessions.none() || !place->session.is_late(now)) return place;
+  end(place, counts.incomplete);
+  return sessions.none();
 }
 
 /// Likewise, when it is that of the group that a control frame names.
-Session* ZelkTransport::State::session_of(const Pair& pair, const Control& control,
-                                          std::int64_t now) {
-  Session* const session = live_session(pair, now);
-  return session && session->group_number() == control.group_number ? session : nullptr;
+SessionTable::Place ZelkTransport::State::session_of(const Pair& pair, const Control& control,
+                                                     std::int64_t now) {
+  const SessionTable::Place place = live_session(pair, now);
+  if (place == sessions.none()) return place;
+  return place->session.group_number() == control.group_number ? place : sessions.none();
 }
 
 ZelkTransport::ZelkTransport() : state_(std::make_unique<State>()) {}
