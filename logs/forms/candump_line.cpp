@@ -7,8 +7,8 @@
 #include "base/characters.hpp"
 #include "logs/forms/hex.hpp"
 #include "logs/forms/lines.hpp"
-#include "logs/forms/times.hpp"
 #include "zelk/logs/candump.hpp"
+#include "zelk/logs/times.hpp"
 #include "zelk/records.h"
 
 // Grammar of a line. Blanks and tabs part the words, and may stand around them.
@@ -259,8 +259,7 @@ unsigned fd_flags(int digit) {
 
 std::int64_t time_of(const LineFrame& frame) {
   if (frame.time.empty()) return kZelkNoTime;
-  const auto seconds = seconds_of(frame.time);
-  return seconds ? *seconds : date_of(frame.time).value_or(kZelkNoTime);
+  return ZelkParseTime(frame.time).value_or(kZelkNoTime);
 }
 
 }  // namespace zelk::logs

@@ -4,13 +4,11 @@
 #include <stdexcept>
 
 #include "logs/forms/candump_line.hpp"
-#include "logs/forms/times.hpp"
 #include "zelk/logs/candump.hpp"
+#include "zelk/logs/times.hpp"
 #include "zelk/records.h"
 
 namespace {
-
-using zelk::logs::kNanosecondsPerSecond;
 
 constexpr std::uint32_t kErrorFlag = 0x20000000;
 
@@ -44,19 +42,6 @@ void append_frame(std::string& text, std::uint32_t id, unsigned flags,
   for (const unsigned char byte : data) append_hex(text, byte, 2);
 }
 
-/// "(1436509052.249713) "; whole seconds are rounded down, also in front of 1970.
-void append_time(std::string& text, std::int64_t time) {
-  std::int64_t seconds = time / kNanosecondsPerSecond;
-  std::int64_t rest = time % kNanosecondsPerSecond;
-  if (rest < 0) {
-    --seconds;
-    rest += kNanosecondsPerSecond;
-  }
-  std::string decimals = std::to_string(kNanosecondsPerSecond + rest).substr(1);
-  if (decimals.ends_with("000")) decimals.resize(decimals.size() - 3);
-  text.append("(").append(std::to_string(seconds)).append(".").append(decimals).append(") ");
-}
-
 }  // namespace
 
 bool ZelkParseFrame(std::string_view text, ZelkFrame& frame) {
@@ -77,11 +62,16 @@ std::string ZelkFrameText(const ZelkFrame& frame) {
 }
 
 void ZelkAppendLogLine(const ZelkFrameBlock& frames, std::size_t index, std::string_view channel,
-                       std::string& text) {
+                       std::string& text, std::optional<std::int64_t> time) {
   const std::span<const unsigned char> data = frames.Data(index);
   if (data.size() > ZelkFrame::kMostData)
     throw std::length_error("a line of a log has no place for more than 64 bytes");
-  if (frames.Times()[index] != kZelkNoTime) append_time(text, frames.Times()[index]);
+  const std::int64_t shown = time.value_or(frames.Times()[index]);
+  if (shown != kZelkNoTime) {
+    text += '(';
+    ZelkAppendTime(shown, text);
+    text += ") ";
+  }
   const std::string& name = frames.ChannelNames()[frames.Channels()[index]];
   text.append(name.empty() ? channel : std::string_view(name)).append(" ");
   const unsigned flags = frames.Flags()[index];

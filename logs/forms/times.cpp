@@ -1,9 +1,13 @@
 #include "logs/forms/times.hpp"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <chrono>
 
 #include "base/characters.hpp"
+#include "zelk/logs/frame.hpp"
+#include "zelk/logs/times.hpp"
 
 namespace zelk::logs {
 
@@ -87,17 +91,19 @@ std::optional<std::int64_t> take_day(std::string_view& text) {
   return std::chrono::sys_days(date).time_since_epoch().count();
 }
 
-}  // namespace
-
+/// "1436509052.249713", "-12.5"; none beyond 292 years.
 std::optional<std::int64_t> seconds_of(std::string_view text) {
+  const bool is_negative = take(text, "-");
   const std::size_t digits = count_digits(text);
   if (digits == 0 || digits > kMostSecondDigits) return std::nullopt;
   const auto seconds = take_number(text, digits);
   const auto fraction = take_fraction(text);
   if (!fraction || !text.empty() || *seconds > kMostSeconds) return std::nullopt;
-  return *seconds * kNanosecondsPerSecond + *fraction;
+  const std::int64_t time = *seconds * kNanosecondsPerSecond + *fraction;
+  return is_negative ? -time : time;
 }
 
+/// "2016-07-09 10:20:30.123456", "2016-07-09T12:20:30+02:00"; none beyond the years 1678 to 2261.
 std::optional<std::int64_t> date_of(std::string_view text) {
   constexpr std::int64_t kSecondsPerDay = 86400;
   const auto day = take_day(text);
@@ -109,4 +115,28 @@ std::optional<std::int64_t> date_of(std::string_view text) {
   return (*day * kSecondsPerDay + *clock - *zone) * kNanosecondsPerSecond + *fraction;
 }
 
+}  // namespace
+
 }  // namespace zelk::logs
+
+std::optional<std::int64_t> ZelkParseTime(std::string_view text) {
+  const auto seconds = zelk::logs::seconds_of(text);
+  return seconds ? seconds : zelk::logs::date_of(text);
+}
+
+void ZelkAppendTime(std::int64_t time, std::string& text) {
+  constexpr std::uint64_t kUnit = zelk::logs::kNanosecondsPerSecond;
+  if (time == kZelkNoTime) return;
+  const auto magnitude = time < 0 ? std::uint64_t{0} - static_cast<std::uint64_t>(time)
+                                  : static_cast<std::uint64_t>(time);
+  std::array<char, 32> digits;
+  char* at = digits.data();
+  if (time < 0) *at++ = '-';
+  at = std::to_chars(at, digits.data() + digits.size(), magnitude / kUnit).ptr;
+  // One in front keeps the zeros; the point takes its place.
+  char* const point = at;
+  at = std::to_chars(at, digits.data() + digits.size(), kUnit + magnitude % kUnit).ptr;
+  *point = '.';
+  if (std::string_view(at - 3, 3) == "000") at -= 3;
+  text.append(digits.data(), at);
+}

@@ -24,7 +24,8 @@ constexpr const char* kExitCodes =
     "an\n"
     "     edit cannot be made, or the output cannot be written\n"
     "  2  the command line is wrong\n"
-    "Interrupted (130 in a shell), decode still ends with a whole line and its statistics.";
+    "Interrupted (130 in a shell), decode and log still end with a whole line and their "
+    "statistics.";
 
 constexpr const char* kHelpHint = "Run with --help for more information.";
 
@@ -91,6 +92,7 @@ ExitCode run(int argc, char** argv, Output& out, ExitCode& failure) {
   add_find_command(app, action);
   add_rewrite_command(app, action);
   add_decode_command(app, action);
+  add_log_command(app, action);
   add_encode_command(app, action);
   add_diff_command(app, action, failure);
   add_edit_command(app, action);

@@ -5,6 +5,8 @@
 #define ZELK_LOGS_CANDUMP_HPP
 
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -31,8 +33,10 @@ ZELK_LOGS_API std::string ZelkFrameText(const ZelkFrame& frame);
 ///
 /// @param index    of the frame
 /// @param channel  stands for the name of the channel where that is empty
+/// @param time     stands for the frame's time; none: as it is
 /// @throws std::length_error for data of more than 64 bytes, which that form has no place for
 ZELK_LOGS_API void ZelkAppendLogLine(const ZelkFrameBlock& frames, std::size_t index,
-                                     std::string_view channel, std::string& text);
+                                     std::string_view channel, std::string& text,
+                                     std::optional<std::int64_t> time = std::nullopt);
 
 #endif

@@ -17,7 +17,7 @@ enum ExitCode {
   kExitFailure = 1,  ///< a file cannot be read or converted, an object is not found, a value cannot
                      ///< be encoded, an edit cannot be made, or the output cannot be written
   kExitUsage = 2,    ///< the command line is wrong
-  kExitInterrupted = 130,  ///< the user ended a decoding, whose results up to there are whole
+  kExitInterrupted = 130,  ///< the user ended the reading of a log; results up to there are whole
 
   // Those of a comparison, which are the system's usual ones for it.
   kExitDifferent = 1,
@@ -38,6 +38,7 @@ void add_list_command(CLI::App& app, Action& action);
 void add_find_command(CLI::App& app, Action& action);
 void add_rewrite_command(CLI::App& app, Action& action);
 void add_decode_command(CLI::App& app, Action& action);
+void add_log_command(CLI::App& app, Action& action);
 void add_encode_command(CLI::App& app, Action& action);
 void add_diff_command(CLI::App& app, Action& action, ExitCode& failure);
 void add_edit_command(CLI::App& app, Action& action);

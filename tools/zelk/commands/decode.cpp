@@ -7,6 +7,7 @@
 
 #include "commands/commands.hpp"
 #include "commands/mending_options.hpp"
+#include "commands/time_options.hpp"
 #include "input/opening.hpp"
 #include "log/frame_catalog.hpp"
 #include "log/log_pipeline.hpp"
@@ -26,7 +27,9 @@ struct Arguments {
   std::vector<std::string> databases;
   std::optional<std::string> log;
   FrameOptions options;
+  TimeOptions times;
   Mending mending;
+  bool strict = false;
   bool stats = false;
   bool transport = false;
   unsigned threads = 0;  // 0: by the size of the log
@@ -48,15 +51,17 @@ unsigned threads_for(const ZelkLogReader& log, unsigned wanted) {
 ExitCode decode_log(const Arguments& arguments, const FrameCatalog& catalog, ZelkLogReader& log,
                     Output& out) {
   out.raw(arguments.options.format->heading());
-  LogReport report(log.Name());
+  LogReport report(log.Name(), arguments.strict);
   ZelkTransport transport;
   ZelkTransport* const wanted_transport = arguments.transport ? &transport : nullptr;
-  LogPipeline pipeline(catalog, log, out, report, wanted_transport);
+  LogPipeline pipeline(catalog, arguments.times, log, out, report, wanted_transport);
   pipeline.run(threads_for(log, arguments.threads));
   out.flush();
   report.print_rest();
   transport.End();
-  if (arguments.stats) report.print_counts(pipeline.unknown(), wanted_transport);
+  if (arguments.stats) {
+    report.print_counts(pipeline.unknown(), TimeWindow(arguments.times).cuts(), wanted_transport);
+  }
   if (NotedStop::is_requested()) return kExitInterrupted;
   return report.is_of_a_log() ? kExitSuccess : kExitFailure;
 }
@@ -146,6 +151,8 @@ void add_decode_command(CLI::App& app, Action& action) {
   command->add_flag("--match-pgn", arguments->options.match_groups,
                     "Match extended identifiers by their J1939 parameter group also where the\n"
                     "databases do not say that their messages have any");
+  add_time_options(*command, arguments->times);
+  command->add_flag("--strict", arguments->strict, "Lines that are not frames are an error");
   command->add_flag("--stats", arguments->stats,
                     "Tell at the end, on standard error, what was met");
   command

@@ -21,8 +21,9 @@ bool is_whole(std::string_view text) {
   return !text.empty() && std::ranges::all_of(text, is_digit);
 }
 
-/// Whether `text` is "digits" or "digits.digits".
+/// Whether `text` is "digits" or "digits.digits", with a sign or without.
 bool is_decimal(std::string_view text) {
+  if (text.starts_with('-')) text.remove_prefix(1);
   const std::size_t point = text.find('.');
   if (point == std::string_view::npos) return is_whole(text);
   return is_whole(text.substr(0, point)) && is_whole(text.substr(point + 1));
@@ -37,6 +38,10 @@ void append_time(LineBuffer& out, const DecodedFrame& frame) {
   }
   out.append("\"time\":");
   if (is_decimal(time)) {
+    if (time.starts_with('-')) {
+      out.append('-');
+      time.remove_prefix(1);
+    }
     while (time.size() > 1 && time[0] == '0' && time[1] != '.') time.remove_prefix(1);
     out.append(time);
   } else {

@@ -1,33 +1,15 @@
 #include "log/log_decoder.hpp"
 
-#include <fmt/format.h>
-
-#include <iterator>
 #include <span>
 
 #include "base/j1939.hpp"
+#include "zelk/logs/times.hpp"
 
 namespace zelk::tool {
 
-namespace {
-
-constexpr std::int64_t kNanosecondsPerSecond = 1'000'000'000;
-
-/// Seconds with six decimals, or nine where they are needed.
-void spell_time(std::int64_t time, std::string& text) {
-  text.clear();
-  if (time == kZelkNoTime) return;
-  const std::int64_t nanoseconds =
-      (time % kNanosecondsPerSecond + kNanosecondsPerSecond) % kNanosecondsPerSecond;
-  const std::int64_t seconds = (time - nanoseconds) / kNanosecondsPerSecond;
-  fmt::format_to(std::back_inserter(text), "{}.{:09}", seconds, nanoseconds);
-  if (text.ends_with("000")) text.resize(text.size() - 3);
-}
-
-}  // namespace
-
 LogCounts& LogCounts::operator+=(const LogCounts& other) {
   ZelkLogCounts::operator+=(other);
+  outside += other.outside;
   decoded += other.decoded;
   unknown += other.unknown;
   too_short += other.too_short;
@@ -42,8 +24,11 @@ void DecodedBlock::clear() {
   counts = {};
 }
 
-LogDecoder::LogDecoder(const FrameCatalog& catalog, bool is_assembled)
+LogDecoder::LogDecoder(const FrameCatalog& catalog, const TimeWindow& window,
+                       const std::string& log_name, bool is_assembled)
     : catalog_(catalog),
+      window_(window),
+      log_name_(log_name),
       is_assembled_(is_assembled),
       raw_(catalog.most_signals()),
       present_((catalog.most_signals() + 63) / 64) {}
@@ -57,7 +42,9 @@ void LogDecoder::decode(const ZelkLogBlock& block, DecodedBlock& result) {
     block_channels_.push_back(&channel_named(name));
   for (std::size_t i = 0; i < block.frames.Size(); ++i) {
     const unsigned flags = block.frames.Flags()[i];
-    if (flags & kZelkFrameRemote) {
+    if (!window_.takes(block.frames.Times()[i], log_name_)) {
+      ++counts.outside;
+    } else if (flags & kZelkFrameRemote) {
       ++counts.remote;
     } else if (flags & kZelkFrameError) {
       ++counts.errors;
@@ -84,8 +71,9 @@ void LogDecoder::decode_frame(const ZelkFrameBlock& frames, std::size_t index,
   if (!message.is_shown) return;
   message.decoder->DecodeRaw(data.data(), data.size(), raw_.data(), present_.data());
   std::string_view time = frames.TimeText(index);
-  if (time.empty()) {
-    spell_time(frames.Times()[index], time_);
+  if (time.empty() || window_.is_relative()) {
+    time_.clear();
+    ZelkAppendTime(window_.shown(frames.Times()[index]), time_);
     time = time_;
   }
   const FrameOptions& options = catalog_.options();

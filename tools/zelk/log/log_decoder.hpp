@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "log/frame_catalog.hpp"
+#include "log/time_window.hpp"
 #include "term/line_buffer.hpp"
 #include "zelk/logs/reader.hpp"
 
@@ -20,6 +21,7 @@ namespace zelk::tool {
 
 /// Counts of a log, or of a part of it.
 struct LogCounts : ZelkLogCounts {
+  std::uint64_t outside = 0;    ///< of the times that are wanted
   std::uint64_t decoded = 0;    ///< also those that the filter leaves out
   std::uint64_t unknown = 0;    ///< of identifiers that no database has
   std::uint64_t too_short = 0;  ///< decoded ones with fewer bytes than the message has
@@ -44,12 +46,15 @@ struct DecodedBlock {
 /// Decodes blocks of frames; one for each thread.
 class LogDecoder {
  public:
-  /// @param catalog  must outlive the object
+  /// @param catalog  must outlive the object, as all others
+  /// @param log_name  for errors
   /// @param is_assembled  packets of the transport protocol have been put together, and are not
   /// unknown without a message of their own
-  LogDecoder(const FrameCatalog& catalog, bool is_assembled);
+  LogDecoder(const FrameCatalog& catalog, const TimeWindow& window, const std::string& log_name,
+             bool is_assembled);
 
   /// @param result  receives the result, in place of what it held
+  /// @throws RequestError when a frame has no time and needs one
   void decode(const ZelkLogBlock& block, DecodedBlock& result);
 
   /// Adds the unknown identifiers of all blocks so far.
@@ -74,10 +79,12 @@ class LogDecoder {
   bool is_packet(std::uint32_t id) const;
 
   const FrameCatalog& catalog_;
+  const TimeWindow& window_;
+  const std::string& log_name_;
   bool is_assembled_;
   std::map<std::string, Channel> channels_;
   std::vector<Channel*> block_channels_;  // those of the present block
-  std::string time_;                      // of a frame whose log does not spell it
+  std::string time_;                      // of a frame, where the log does not spell it so
   std::vector<std::int64_t> raw_;
   std::vector<std::uint64_t> present_;
 };

@@ -23,19 +23,20 @@ void LogPipeline::work() {
   } catch (...) {
     const std::lock_guard lock(result_mutex_);
     if (!fault_) fault_ = std::current_exception();
+    window_turns_.end();
     transport_turns_.end();
     output_turns_.end();
   }
 }
 
 void LogPipeline::decode_blocks() {
-  LogDecoder decoder(catalog_, transport_ != nullptr);
+  LogDecoder decoder(catalog_, window_, reader_.Name(), transport_ != nullptr);
   ZelkLogChunk chunk;
   ZelkLogBlock block;
   DecodedBlock decoded;
   while (take(chunk)) {
     reader_.Parse(chunk, block);
-    if (!assemble(block)) return;
+    if (!begin_window(block) || !assemble(block)) return;
     decoder.decode(block, decoded);
     if (!put(block, decoded)) return;
   }
@@ -49,7 +50,18 @@ bool LogPipeline::take(ZelkLogChunk& chunk) {
   return reader_.Take(chunk);
 }
 
-/// False when another thread has met a fault.
+/// Tells the window the first frame of the log, where it needs that.
+///
+/// @return false when another thread has met a fault
+bool LogPipeline::begin_window(const ZelkLogBlock& block) {
+  if (!window_.is_needed()) return true;
+  return window_turns_.pass(block.number, [&] {
+    if (window_.has_begun() || block.frames.Size() == 0) return;
+    window_.begin(block.frames.Times()[0], reader_.Name());
+  });
+}
+
+/// Likewise.
 bool LogPipeline::assemble(ZelkLogBlock& block) {
   if (!transport_) return true;
   return transport_turns_.pass(block.number, [&] { transport_->Assemble(block.frames); });
@@ -59,8 +71,8 @@ bool LogPipeline::assemble(ZelkLogBlock& block) {
 bool LogPipeline::put(const ZelkLogBlock& block, const DecodedBlock& decoded) {
   return output_turns_.pass(block.number, [&] {
     if (!block.malformed.empty()) progress_.clear();
-    out_.write_through(decoded.text.view());
     report_.add(block, decoded.counts);
+    out_.write_through(decoded.text.view());
     progress_.update(reader_.BytesRead());
   });
 }

@@ -13,6 +13,7 @@
 #include "log/frame_catalog.hpp"
 #include "log/log_decoder.hpp"
 #include "log/log_reports.hpp"
+#include "log/time_window.hpp"
 #include "term/output.hpp"
 #include "term/progress.hpp"
 #include "zelk/logs/reader.hpp"
@@ -30,9 +31,10 @@ class LogPipeline {
   /// All must outlive the object.
   ///
   /// @param transport  null: messages of the transport protocol are not put together
-  LogPipeline(const FrameCatalog& catalog, ZelkLogReader& reader, Output& out, LogReport& report,
-              ZelkTransport* transport = nullptr)
+  LogPipeline(const FrameCatalog& catalog, const TimeOptions& times, ZelkLogReader& reader,
+              Output& out, LogReport& report, ZelkTransport* transport = nullptr)
       : catalog_(catalog),
+        window_(times),
         reader_(reader),
         out_(out),
         report_(report),
@@ -42,8 +44,8 @@ class LogPipeline {
   /// Decodes the log to its end.
   ///
   /// @param threads  at least 1
-  /// @throws ZelkLogError when the log cannot be read, std::system_error when the output cannot be
-  /// written
+  /// @throws ZelkLogError when the log cannot be read, RequestError when it is not as the user
+  /// wants it, std::system_error when the output cannot be written
   void run(unsigned threads);
 
   /// The unknown identifiers of the log, once it is decoded.
@@ -53,10 +55,12 @@ class LogPipeline {
   void work();
   void decode_blocks();
   bool take(ZelkLogChunk& chunk);
+  bool begin_window(const ZelkLogBlock& block);
   bool assemble(ZelkLogBlock& block);
   bool put(const ZelkLogBlock& block, const DecodedBlock& decoded);
 
   const FrameCatalog& catalog_;
+  TimeWindow window_;  // constant once it has begun
   ZelkLogReader& reader_;
   Output& out_;
   LogReport& report_;
@@ -64,6 +68,7 @@ class LogPipeline {
   ProgressBar progress_;
 
   std::mutex input_mutex_;  // held by the thread that reads
+  BlockTurns window_turns_;
   BlockTurns transport_turns_;
   BlockTurns output_turns_;
   std::mutex result_mutex_;  // guards the following

@@ -6,11 +6,16 @@
 #include <utility>
 #include <vector>
 
+#include "input/lookup.hpp"
 #include "term/output.hpp"
 #include "term/text.hpp"
 #include "words/record_words.hpp"
 
 namespace zelk::tool {
+
+void print_count(std::string_view what, std::uint64_t count, std::string_view more) {
+  print_error(fmt::format("{:<16} {}{}", what, count, more));
+}
 
 namespace {
 
@@ -29,10 +34,6 @@ std::string most_frequent(const UnknownIds& unknown) {
     text += fmt::format("{}{} ({})", i ? ", " : "", padded_id(id), count);
   }
   return ids.size() > kMostIds ? text + ", ..." : text;
-}
-
-void print_count(std::string_view what, std::uint64_t count, const std::string& more = "") {
-  print_error(fmt::format("{:<16} {}{}", what, count, more));
 }
 
 void print_transport(const ZelkTransportCounts& counts) {
@@ -55,6 +56,10 @@ void LogReport::add(const ZelkLogBlock& block, const LogCounts& decoded) {
                             in_quotes(line.text)));
   }
   counts_ += decoded;
+  if (is_strict_ && block.counts.malformed > 0) {
+    throw RequestError(
+        fmt::format("{}: --strict takes no line that is not a frame", escaped(log_name_)));
+  }
 }
 
 void LogReport::print_rest() const {
@@ -66,9 +71,11 @@ void LogReport::print_rest() const {
     print_error(fmt::format("{}: not a log: no line is a frame", escaped(log_name_)));
 }
 
-void LogReport::print_counts(const UnknownIds& unknown, const ZelkTransport* transport) const {
+void LogReport::print_counts(const UnknownIds& unknown, bool has_outside,
+                             const ZelkTransport* transport) const {
   print_count("lines", counts_.lines);
   print_count("frames", counts_.frames);
+  if (has_outside) print_count("  other times", counts_.outside);
   print_count("  decoded", counts_.decoded);
   print_count("    too short", counts_.too_short);
   print_count("  unknown", counts_.unknown,

@@ -6,6 +6,8 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
+#include <utility>
 
 #include "log/log_decoder.hpp"
 #include "zelk/logs/transport.hpp"
@@ -16,24 +18,36 @@ namespace zelk::tool {
 class LogReport {
  public:
   /// @param log_name  what to call the log
-  explicit LogReport(std::string log_name) : log_name_(std::move(log_name)) {}
+  /// @param strict  a malformed line is an error
+  LogReport(std::string log_name, bool strict)
+      : log_name_(std::move(log_name)), is_strict_(strict) {}
 
   /// @param decoded  what came of `block`
+  /// @throws RequestError for malformed lines when they are an error
   void add(const ZelkLogBlock& block, const LogCounts& decoded);
   /// Prints how many lines are malformed when not all were printed, and an error when no line is a
   /// frame.
   void print_rest() const;
   /// False when there were lines, and none was a frame.
   bool is_of_a_log() const { return counts_.frames > 0 || counts_.malformed == 0; }
-  /// Prints all counts.
+  const LogCounts& counts() const { return counts_; }
+  /// Prints all counts of a log that was decoded.
   ///
+  /// @param has_outside  whether frames could be left out by their times
   /// @param transport  null: messages of the transport protocol were not put together
-  void print_counts(const UnknownIds& unknown, const ZelkTransport* transport = nullptr) const;
+  void print_counts(const UnknownIds& unknown, bool has_outside,
+                    const ZelkTransport* transport) const;
 
  private:
   std::string log_name_;
+  bool is_strict_;
   LogCounts counts_;
 };
+
+/// Prints one line of statistics on standard error.
+///
+/// @param more  behind the number
+void print_count(std::string_view what, std::uint64_t count, std::string_view more = {});
 
 }  // namespace zelk::tool
 

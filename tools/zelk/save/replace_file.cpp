@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <system_error>
 
-#include "files/files.hpp"
 #include "input/lookup.hpp"
 #include "input/opening.hpp"
 #include "term/output.hpp"
@@ -22,14 +21,25 @@ namespace {
 
 }  // namespace
 
+ReplacedFile::ReplacedFile(const std::string& path) : file_(path.c_str(), files::Content::kBytes) {
+  if (!file_.notice().empty()) print_error(behind_path(path, "warning: " + utf8(file_.notice())));
+  if (!file_.file()) fail(file_.failure());
+}
+
+void ReplacedFile::write(std::string_view bytes) {
+  if (std::fwrite(bytes.data(), 1, bytes.size(), file_.file()) != bytes.size())
+    fail(std::generic_category().message(errno));
+}
+
+void ReplacedFile::take_place() {
+  if (!file_.take_place()) fail(file_.failure());
+}
+
 void replace_file(const std::string& path, std::string_view bytes) {
   const HeldSignals held;
-  files::Replacement file(path.c_str(), files::Content::kBytes);
-  if (!file.notice().empty()) print_error(behind_path(path, "warning: " + utf8(file.notice())));
-  if (!file.file()) fail(file.failure());
-  if (std::fwrite(bytes.data(), 1, bytes.size(), file.file()) != bytes.size())
-    fail(std::generic_category().message(errno));
-  if (!file.take_place()) fail(file.failure());
+  ReplacedFile file(path);
+  file.write(bytes);
+  file.take_place();
 }
 
 }  // namespace zelk::tool

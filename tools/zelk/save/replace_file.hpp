@@ -7,11 +7,34 @@
 #include <string>
 #include <string_view>
 
+#include "files/files.hpp"
+
 namespace zelk::tool {
 
-/// Puts `bytes` into the file at `path`, all of them or none: with the care of
-/// `ZelkDatabase::Write` for the old file, its permissions and its links, and with the signals held
-/// back that end a program. What the user should know beside is printed on standard error.
+/// A file that is written bit by bit and then takes the place of the one at its path, with the care
+/// of `ZelkDatabase::Write` for the old file, its permissions and its links. The old one stays
+/// until then, and when this is destroyed before.
+class ReplacedFile {
+ public:
+  /// Prints on standard error what the user should know beside.
+  ///
+  /// @throws RequestError that says why when the path cannot be written
+  explicit ReplacedFile(const std::string& path);
+
+  /// @throws RequestError that says why when the system does not take the bytes
+  void write(std::string_view bytes);
+
+  /// Puts the file in its place; `HeldSignals` keep this whole.
+  ///
+  /// @throws RequestError that says why when it is not there
+  void take_place();
+
+ private:
+  files::Replacement file_;
+};
+
+/// Puts `bytes` into the file at `path`, all of them or none, with the signals held back that end a
+/// program.
 ///
 /// @throws RequestError that says why when the file is not written
 void replace_file(const std::string& path, std::string_view bytes);

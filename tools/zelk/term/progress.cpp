@@ -3,15 +3,12 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <string>
-
-#include "term/system.hpp"
 
 namespace zelk::tool {
 
-ProgressBar::ProgressBar(std::uint64_t total)
-    : total_(is_terminal(stderr) && !is_terminal(stdout) ? total : 0) {}
+ProgressBar::ProgressBar(std::uint64_t total, bool has_lines)
+    : total_(is_terminal(stderr) && !has_lines ? total : 0) {}
 
 void ProgressBar::update(std::uint64_t done) {
   constexpr auto kInterval = std::chrono::milliseconds(100);

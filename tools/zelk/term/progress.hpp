@@ -6,15 +6,19 @@
 
 #include <chrono>
 #include <cstdint>
+#include <cstdio>
+
+#include "term/system.hpp"
 
 namespace zelk::tool {
 
 /// A bar on standard error that grows while work is done. It is drawn only when standard error is a
-/// terminal and standard output is none, and is removed with the object.
+/// terminal, and is removed with the object.
 class ProgressBar {
  public:
   /// @param total  amount of the whole work; 0 when it is unknown, and then there is no bar
-  explicit ProgressBar(std::uint64_t total);
+  /// @param has_lines  whether results appear on the terminal meanwhile, and then there is none
+  explicit ProgressBar(std::uint64_t total, bool has_lines = is_terminal(stdout));
   ProgressBar(const ProgressBar&) = delete;
   ProgressBar& operator=(const ProgressBar&) = delete;
   ~ProgressBar() { clear(); }

@@ -7,6 +7,7 @@
 #include <atomic>
 #include <cstdio>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <system_error>
 
@@ -68,6 +69,19 @@ inline bool exists(const std::string& path) {
   const std::filesystem::file_type type = file_type(path);
   return type != std::filesystem::file_type::not_found && type != std::filesystem::file_type::none;
 }
+
+/// Whether both paths, in UTF-8, lead to the same file that is there.
+inline bool is_same_file(const std::string& path, const std::string& other) {
+  std::error_code ignored;
+  return std::filesystem::equivalent(std::u8string(path.begin(), path.end()),
+                                     std::u8string(other.begin(), other.end()), ignored);
+}
+
+/// Whether standard output leads into the regular file of a path, or into that which standard input
+/// comes from: what is written there would be read again.
+///
+/// @param path  in the system's encoding; none for standard input
+bool is_standard_output(const std::optional<std::string>& path);
 
 /// Whether a user sees what is written to `file`.
 bool is_terminal(std::FILE* file);

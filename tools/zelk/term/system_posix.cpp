@@ -1,3 +1,4 @@
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -76,6 +77,14 @@ HeldSignals::HeldSignals() {
 HeldSignals::~HeldSignals() {
   const sigset_t set = ending_signals();
   pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
+}
+
+bool is_standard_output(const std::optional<std::string>& path) {
+  struct stat in = {};
+  struct stat out = {};
+  const int result = path ? stat(path->c_str(), &in) : fstat(STDIN_FILENO, &in);
+  return result == 0 && fstat(STDOUT_FILENO, &out) == 0 && S_ISREG(out.st_mode) &&
+         in.st_dev == out.st_dev && in.st_ino == out.st_ino;
 }
 
 bool is_terminal(std::FILE* file) { return isatty(fileno(file)); }

@@ -1,0 +1,199 @@
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "commands/commands.hpp"
+#include "commands/time_options.hpp"
+#include "input/lookup.hpp"
+#include "input/opening.hpp"
+#include "log/frame_filter.hpp"
+#include "log/log_copy.hpp"
+#include "log/log_merge.hpp"
+#include "save/replace_file.hpp"
+#include "term/system.hpp"
+#include "term/text.hpp"
+
+namespace zelk::tool {
+
+namespace {
+
+constexpr const char* kStandard = "-";  // standard input or output
+
+struct Arguments {
+  std::vector<std::string> logs;
+  std::string out = kStandard;
+  FrameFilter filter;
+  TimeOptions times;
+  bool strict = false;
+  bool stats = false;
+};
+
+/// None for standard input.
+std::optional<std::string> path_of(const std::string& log) {
+  return log == kStandard ? std::nullopt : std::optional(log);
+}
+
+/// What tells a log from the others; those that are not there are told apart by their names.
+std::string identity_of(const std::string& log) {
+  if (log == kStandard) return log;
+  std::error_code error;
+  const auto path = std::filesystem::canonical(std::u8string(log.begin(), log.end()), error);
+  return error ? log : path.string();
+}
+
+/// @throws RequestError when a log is named twice, or would be read while it is written
+void check_logs(const Arguments& arguments) {
+  std::set<std::string> identities;
+  for (const std::string& log : arguments.logs) {
+    const std::string name = log == kStandard ? "standard input" : escaped(log);
+    if (!identities.insert(identity_of(log)).second) throw RequestError(name + " is given twice");
+    const bool is_output = arguments.out == kStandard ? is_standard_output(path_of(log))
+                                                      : is_same_file(log, arguments.out);
+    if (is_output) throw RequestError(name + " is both a log to read and the output");
+  }
+}
+
+/// Where the lines go: standard output, or a file that is replaced in the end.
+class Target {
+ public:
+  /// @throws RequestError when the file cannot be written, as all
+  Target(const std::string& path, Output& out)
+      : path_(path),
+        out_(out),
+        is_replacing_(path != kStandard && file_type(path) == std::filesystem::file_type::regular) {
+    if (path != kStandard) about_file([&] { file_.emplace(path); });
+  }
+
+  void write(std::string_view text) {
+    if (!file_) return out_.write_through(text);
+    about_file([&] { file_->write(text); });
+  }
+
+  /// An interrupted conversion does not take the place of an older file, whose content may be all
+  /// that there is of it; but what came of a recording into a new one is kept.
+  void finish(bool is_interrupted) {
+    if (!file_) return;
+    if (is_interrupted && is_replacing_)
+      return print_error(behind_path(path_, "interrupted, and left as it was"));
+    const HeldSignals held;
+    about_file([&] { file_->take_place(); });
+  }
+
+ private:
+  template <typename Act>
+  void about_file(const Act& act) const {
+    try {
+      act();
+    } catch (const RequestError& error) {
+      throw RequestError(behind_path(path_, error.what()));
+    }
+  }
+
+  std::string path_;
+  Output& out_;
+  bool is_replacing_;
+  std::optional<ReplacedFile> file_;
+};
+
+/// Prints what is left to say about the logs.
+///
+/// @return whether all are logs
+bool report(const LogMerge& logs) {
+  bool are_logs = true;
+  for (const auto& log : logs.logs()) {
+    log->report().print_rest();
+    are_logs &= log->report().is_of_a_log();
+    if (logs.logs().size() == 1 || !log->ran_backwards()) continue;
+    print_error(fmt::format("{}: warning: its times run backwards, and its frames keep their order",
+                            escaped(log->reader().Name())));
+  }
+  return are_logs;
+}
+
+void print_counts(const LogMerge& logs, std::uint64_t written) {
+  ZelkLogCounts counts;
+  for (const auto& log : logs.logs()) counts += log->report().counts();
+  print_count("lines", counts.lines);
+  print_count("frames", counts.frames);
+  print_count("  written", written);
+  print_count("malformed lines", counts.malformed);
+}
+
+ExitCode convert_logs(const Arguments& arguments, Output& out) {
+  check_logs(arguments);
+  const NotedStop stop;
+  std::vector<std::optional<std::string>> paths;
+  std::ranges::transform(arguments.logs, std::back_inserter(paths), path_of);
+  LogMerge logs(paths, arguments.strict, arguments.out == kStandard && is_terminal(stdout));
+  Target target(arguments.out, out);
+  LogCopy copy(logs, arguments.filter, arguments.times,
+               [&target](std::string_view text) { target.write(text); });
+  copy.run();
+  const bool are_logs = report(logs);
+  if (are_logs || NotedStop::is_requested()) target.finish(NotedStop::is_requested());
+  if (arguments.stats) print_counts(logs, copy.written());
+  if (NotedStop::is_requested()) return kExitInterrupted;
+  return are_logs ? kExitSuccess : kExitFailure;
+}
+
+std::string check_ids(const std::string& text) {
+  return IdSet().add(text) ? ""
+                           : "an identifier or a range of them is wanted, not " + in_quotes(text);
+}
+
+void add_filter_options(CLI::App& command, FrameFilter& filter) {
+  command
+      .add_option(
+          "--interface", filter.interfaces,
+          "Only frames of this interface, can0 for those whose log names none; may be given\n"
+          "several times")
+      ->type_name("NAME")
+      ->allow_extra_args(false);
+  command
+      .add_option_function<std::vector<std::string>>(
+          "--id",
+          [&filter](const std::vector<std::string>& ids) {
+            for (const std::string& id : ids) filter.ids.add(id);
+          },
+          "Only frames with one of these identifiers, decimal or hexadecimal behind 0x, or\n"
+          "ranges A-B of them. Above 0x7FF or with an x behind it, an identifier is extended.")
+      ->type_name("ID,...")
+      ->delimiter(',')
+      ->allow_extra_args(false)
+      ->check(CLI::Validator(check_ids, ""));
+}
+
+}  // namespace
+
+void add_log_command(CLI::App& app, Action& action) {
+  CLI::App* command = app.add_subcommand(
+      "log", "Convert, cut and merge recorded logs of any form to lines as candump -l writes them");
+  const auto arguments = std::make_shared<Arguments>();
+  command
+      ->add_option("IN", arguments->logs,
+                   "Logs to read, - for standard input; several are merged by time. What is known\n"
+                   "of their forms is told from their content; gzip and zstd are undone.")
+      ->required()
+      ->option_text("...");
+  command
+      ->add_option(
+          "-o,--output", arguments->out,
+          "File to write, else standard output; one that is there is replaced once all is\n"
+          "written, or stays")
+      ->type_name("OUT");
+  add_time_options(*command, arguments->times);
+  add_filter_options(*command, arguments->filter);
+  command->add_flag("--strict", arguments->strict, "Lines that are not frames are an error");
+  command->add_flag("--stats", arguments->stats,
+                    "Tell at the end, on standard error, what was met");
+  command->callback([arguments, &action] {
+    action = [arguments](Output& out) { return convert_logs(*arguments, out); };
+  });
+}
+
+}  // namespace zelk::tool

@@ -1,0 +1,38 @@
+#include "commands/time_options.hpp"
+
+#include <string>
+
+#include "term/text.hpp"
+
+namespace zelk::tool {
+
+namespace {
+
+std::string check_time_point(const std::string& text) {
+  return parse_time_point(text) ? ""
+                                : "seconds, +SECONDS or a date such as 2015-07-10T06:17:32Z are "
+                                  "wanted, not " +
+                                      in_quotes(text);
+}
+
+void add_time_point(CLI::App& command, const std::string& name, std::optional<TimePoint>& point,
+                    const std::string& description) {
+  command
+      .add_option_function<std::string>(
+          name, [&point](const std::string& text) { point = parse_time_point(text); }, description)
+      ->type_name("TIME")
+      ->check(CLI::Validator(check_time_point, ""));
+}
+
+}  // namespace
+
+void add_time_options(CLI::App& command, TimeOptions& options) {
+  add_time_point(command, "--start", options.start,
+                 "Only frames from this time on: seconds as the log counts them, mostly since\n"
+                 "1970, +SECONDS from the first frame, or a date such as 2015-07-10T06:17:32Z,\n"
+                 "in UTC unless it has a zone");
+  add_time_point(command, "--stop", options.stop, "Only frames in front of this time; likewise");
+  command.add_flag("--relative", options.relative, "Times count from the first frame of the log");
+}
+
+}  // namespace zelk::tool

@@ -1,0 +1,96 @@
+#include "log/log_merge.hpp"
+
+#include <algorithm>
+#include <span>
+
+#include "term/system.hpp"
+
+namespace zelk::tool {
+
+MergedLog::MergedLog(const std::optional<std::string>& path, std::size_t place, bool strict)
+    : reader_(path, {.stop = &NotedStop::is_requested()}),
+      place_(place),
+      report_(reader_.Name(), strict) {}
+
+bool MergedLog::load(ProgressBar& progress) {
+  while (is_block_taken()) {
+    const WaitingReader waiting;
+    if (!reader_.Next(block_)) return false;
+    next_ = 0;
+    if (!block_.malformed.empty()) progress.clear();
+    LogCounts counts;
+    static_cast<ZelkLogCounts&>(counts) = block_.counts;
+    report_.add(block_, counts);
+  }
+  return true;
+}
+
+std::pair<std::size_t, std::size_t> MergedLog::take(const std::optional<Rank>& limit) {
+  const std::size_t begin = next_;
+  const std::span<const std::int64_t> times = frames().Times();
+  do {
+    ran_backwards_ |= times[next_] < last_ && times[next_] != kZelkNoTime;
+    last_ = std::max(last_, times[next_++]);
+  } while (next_ < times.size() && (!limit || rank() < *limit));
+  return {begin, next_};
+}
+
+namespace {
+
+LogMerge::Logs open_logs(const std::vector<std::optional<std::string>>& paths, bool strict) {
+  LogMerge::Logs logs;
+  for (const auto& path : paths)
+    logs.push_back(std::make_unique<MergedLog>(path, logs.size(), strict));
+  return logs;
+}
+
+/// Bytes of all logs; 0 when one of them is no file.
+std::uint64_t size_of(const LogMerge::Logs& logs) {
+  std::uint64_t size = 0;
+  for (const auto& log : logs) {
+    const std::optional<std::uint64_t> bytes = log->reader().SizeBytes();
+    if (!bytes) return 0;
+    size += *bytes;
+  }
+  return size;
+}
+
+std::uint64_t bytes_read(const LogMerge::Logs& logs) {
+  std::uint64_t bytes = 0;
+  for (const auto& log : logs) bytes += log->reader().BytesRead();
+  return bytes;
+}
+
+}  // namespace
+
+LogMerge::LogMerge(const std::vector<std::optional<std::string>>& paths, bool strict,
+                   bool has_lines)
+    : logs_(open_logs(paths, strict)), progress_(size_of(logs_), has_lines) {}
+
+bool LogMerge::next(Run& run) {
+  if (current_) enter(*current_);  // more of it may have to be read
+  for (; entered_ < logs_.size(); ++entered_) enter(*logs_[entered_]);
+  if (heads_.empty() || is_stopped_) {
+    progress_.clear();
+    return false;
+  }
+  current_ = logs_[heads_.top().second].get();
+  heads_.pop();
+  const auto [begin, end] =
+      current_->take(heads_.empty() ? std::nullopt : std::optional(heads_.top()));
+  run = {current_, begin, end};
+  return true;
+}
+
+/// Puts a log among those that have frames. A log that was stopped may have had more, which would
+/// be missing among the frames of the others.
+void LogMerge::enter(MergedLog& log) {
+  if (log.is_block_taken()) progress_.update(bytes_read(logs_));
+  if (log.load(progress_)) {
+    heads_.push(log.rank());
+  } else {
+    is_stopped_ |= NotedStop::is_requested();
+  }
+}
+
+}  // namespace zelk::tool
