@@ -16,12 +16,12 @@ std::size_t bitmap_size(std::size_t rows) { return (words_for(rows) + 1) * sizeo
 }  // namespace
 
 void ColumnRows::reserve(std::size_t more, std::size_t usual_rows) {
-  if (more <= room_ - first_ - size_) return;
+  if (has_room(more)) return;
   // Rows are moved to the front when more were taken out than are left: each is moved once, at
   // most.
   if (first_ > 0 && first_ >= size_) {
     *this = copy(0, size_, room_);
-    if (more <= room_ - size_) return;
+    if (has_room(more)) return;
   }
   const std::size_t needed = first_ + size_ + more;
   const std::size_t doubled = std::max(2 * room_, kFirstRows);
@@ -75,8 +75,8 @@ Buffer ColumnRows::give_bitmap() {
 /// @param room  for so many rows, when that is more than `count`
 ColumnRows ColumnRows::copy(std::size_t first, std::size_t count, std::size_t room) const {
   ColumnRows rows(width_);
-  if (count == 0) return rows;
   rows.resize(std::max(room, count));
+  if (count == 0) return rows;
   std::memcpy(rows.end(), values_.data() + (first_ + first) * width_, count * width_);
   const auto bits = bits_from(bitmap(), first_ + first);
   const std::size_t nulls = null_count_ > 0 ? clear_bits(count, bits) : 0;

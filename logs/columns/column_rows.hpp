@@ -39,6 +39,7 @@ class ColumnRows {
   /// then not more than needed is taken
   /// @throws std::bad_alloc
   void reserve(std::size_t more, std::size_t usual_rows);
+  bool has_room(std::size_t more) const { return more <= room_ - first_ - size_; }
   void clear() { first_ = size_ = null_count_ = 0; }
 
   /// All values, also of rows that are null.
@@ -63,12 +64,12 @@ class ColumnRows {
   /// Copies rows of a column of the same width, after `reserve`.
   void append(const ColumnRows& other);
 
-  /// The rows that `take(count)` has to copy: those to take, or those to stay when they are fewer.
+  /// The rows that `take(count)` has to copy: those to take, or those to stay when they are fewer,
+  /// with room for as many as there were: what has filled a batch is likely to fill the next one.
   ///
   /// @throws std::bad_alloc
   ColumnRows copied_to_take(std::size_t count) const {
-    const std::size_t rest = size_ - count;
-    return takes_copy(count) ? copy(0, count, count) : copy(count, rest, rest > 0 ? room_ : 0);
+    return takes_copy(count) ? copy(0, count, count) : copy(count, size_ - count, room_);
   }
   /// Takes the first rows out. The result is not to be added to.
   ///

@@ -5,7 +5,8 @@
 namespace zelk::logs {
 
 void TableRows::append(TableRows& other, std::size_t usual_rows) {
-  if (size() == 0) {
+  const bool has_room = !columns_.empty() && columns_.front().has_room(other.size());
+  if (size() == 0 && !has_room) {
     std::swap(columns_, other.columns_);
   } else {
     reserve(other.size(), usual_rows);
