@@ -100,22 +100,44 @@ class DividedAttributes {
 
 class Doubles {
  public:
-  explicit Doubles(Mender& mender)
+  Doubles(Mender& mender, std::span<const Fault> faults)
       : mender_(mender),
         document_(mender.document),
         divided_(document_),
-        first_(document_.statements.size()),
-        last_(document_.statements.size(), kNone) {}
+        candidates_(candidates(faults)),
+        first_(candidates_.size()) {}
 
   void drop() {
     // Signals first: a message is the same as another one that has a signal twice.
     for (const bool is_message : {false, true}) {
-      for (std::uint32_t i = 0; i < document_.statements.size(); ++i)
-        if (is_message == (document_.statements[i].kind == Word::kMessage) && may_go(i)) enter(i);
+      for (const std::uint32_t each : candidates_)
+        if (is_message == (document_.statements[each].kind == Word::kMessage)) enter(each);
     }
   }
 
  private:
+  static bool is_introduced(const Statement& statement) {
+    return statement.kind == Word::kMessage || statement.kind == Word::kSignal;
+  }
+
+  /// What may be said twice: of messages and signals, which are most of a text, those that were
+  /// found to be doubled.
+  std::vector<std::uint32_t> candidates(std::span<const Fault> faults) const {
+    std::vector<std::uint32_t> found;
+    for (const Fault& fault : faults) {
+      const bool is_doubled =
+          fault.kind == FaultKind::kDoubledMessage || fault.kind == FaultKind::kDoubledSignal;
+      if (is_doubled) found.insert(found.end(), {fault.statement, fault.related});
+    }
+    for (std::uint32_t i = 0; i < document_.statements.size(); ++i)
+      if (!is_introduced(document_.statements[i])) found.push_back(i);
+    std::erase_if(found, [this](std::uint32_t index) { return !may_go(index); });
+    std::ranges::sort(found);
+    const auto rest = std::ranges::unique(found);
+    found.erase(rest.begin(), rest.end());
+    return found;
+  }
+
   bool may_go(std::uint32_t index) const {
     const Statement& statement = document_.statements[index];
     const bool has_place = place_of(statement.kind) >= place_of(Word::kValueTable);
@@ -127,15 +149,15 @@ class Doubles {
   void enter(std::uint32_t index) {
     const Statement& statement = document_.statements[index];
     const TokenSpan head = head_of(document_, statement);
-    const std::uint32_t first =
-        first_.enter(key_of(head, statement.owner), index, [&](std::uint32_t other) {
-          const Statement& there = document_.statements[other];
-          return there.owner == statement.owner &&
-                 is_same(document_, head, head_of(document_, there));
-        });
-    const std::uint32_t last = first == index ? kNone : last_[first];
-    if (last != kNone && is_double(last, index)) return drop(index, last);
-    last_[first] = index;
+    const std::uint32_t key = key_of(head, statement.owner);
+    const std::uint32_t first = first_.enter(key, index, [&](std::uint32_t other) {
+      const Statement& there = document_.statements[other];
+      return there.owner == statement.owner && is_same(document_, head, head_of(document_, there));
+    });
+    const auto [last, is_first] = last_.try_emplace(first, index);
+    if (is_first) return;
+    if (is_double(last->second, index)) return drop(index, last->second);
+    last->second = index;
   }
 
   std::uint32_t key_of(TokenSpan head, std::uint32_t owner) const {
@@ -200,13 +222,14 @@ class Doubles {
   const Document& document_;
   DividedAttributes divided_;
   SeededHash hash_;
+  std::vector<std::uint32_t> candidates_;  ///< in their order
   /// The first statement about each object.
   HashTable<std::uint32_t, std::uint32_t, kNone> first_;
-  std::vector<std::uint32_t> last_;  ///< about the object of a first statement
+  std::unordered_map<std::uint32_t, std::uint32_t> last_;  ///< about the object of a first one
 };
 
 }  // namespace
 
-void drop_doubles(Mender& mender) { Doubles(mender).drop(); }
+void drop_doubles(Mender& mender, std::span<const Fault> faults) { Doubles(mender, faults).drop(); }
 
 }  // namespace zelk::check

@@ -4,7 +4,10 @@
 #ifndef ZELK_CHECK_REPAIR_DOUBLES_HPP
 #define ZELK_CHECK_REPAIR_DOUBLES_HPP
 
+#include <span>
+
 #include "check/repair/mender.hpp"
+#include "check/statements/fault.hpp"
 
 namespace zelk::check {
 
@@ -12,7 +15,9 @@ namespace zelk::check {
 /// the text already, word for word and blanks aside. What the reader makes of the rest does not
 /// change: where an object is spoken of differently in between, or where the number of definitions
 /// and defaults of an attribute counts, all stay.
-void drop_doubles(Mender& mender);
+///
+/// @param faults  all of the text
+void drop_doubles(Mender& mender, std::span<const Fault> faults);
 
 }  // namespace zelk::check
 

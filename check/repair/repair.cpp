@@ -52,7 +52,7 @@ class Round {
   Round(const Round&) = delete;
   Round& operator=(const Round&) = delete;
 
-  void drop_doubles() { check::drop_doubles(mender_); }
+  void drop_doubles() { check::drop_doubles(mender_, faults_); }
   Composition mended() {
     remove_no_nodes(mender_);
     mend_names(mender_, faults_);

@@ -14,8 +14,7 @@ MergedLog::MergedLog(const std::optional<std::string>& path, std::size_t place, 
 
 bool MergedLog::load(ProgressBar& progress) {
   while (is_block_taken()) {
-    const WaitingReader waiting;
-    if (!reader_.Next(block_)) return false;
+    if (!read_until_stop([this] { return reader_.Next(block_); })) return false;
     next_ = 0;
     if (!block_.malformed.empty()) progress.clear();
     LogCounts counts;

@@ -46,8 +46,7 @@ void LogPipeline::decode_blocks() {
 
 bool LogPipeline::take(ZelkLogChunk& chunk) {
   const std::lock_guard lock(input_mutex_);
-  const WaitingReader waiting;
-  return reader_.Take(chunk);
+  return read_until_stop([&] { return reader_.Take(chunk); });
 }
 
 /// Tells the window the first frame of the log, where it needs that.

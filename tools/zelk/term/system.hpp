@@ -7,6 +7,7 @@
 #include <atomic>
 #include <cstdio>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -48,15 +49,11 @@ class NotedStop {
   static const std::atomic<bool>& is_requested();
 };
 
-/// Names the calling thread as the one that waits for input. Where a wait does not end by itself
-/// when a stop is noted, it is ended. One at a time.
-class WaitingReader {
- public:
-  WaitingReader();
-  WaitingReader(const WaitingReader&) = delete;
-  WaitingReader& operator=(const WaitingReader&) = delete;
-  ~WaitingReader();
-};
+/// Runs `read`, which may wait for input, in the calling thread. A wait that does not end by itself
+/// when a stop is noted, is ended. One thread at a time.
+///
+/// @return what `read` returns
+bool read_until_stop(const std::function<bool()>& read);
 
 /// Type of the file that `path`, in UTF-8, leads to; `not_found` or `none` when there is none.
 inline std::filesystem::file_type file_type(const std::string& path) {

@@ -66,8 +66,7 @@ NotedStop::~NotedStop() {
 const std::atomic<bool>& NotedStop::is_requested() { return is_stop_noted; }
 
 // Whoever waits looks for a stop in between.
-WaitingReader::WaitingReader() = default;
-WaitingReader::~WaitingReader() = default;
+bool read_until_stop(const std::function<bool()>& read) { return read(); }
 
 HeldSignals::HeldSignals() {
   const sigset_t set = ending_signals();

@@ -44,6 +44,22 @@ BOOL WINAPI note_stop(DWORD event) {
   return TRUE;
 }
 
+/// Names the calling thread as the one that waits for input.
+class NamedReader {
+ public:
+  NamedReader() {
+    const std::lock_guard lock(reader_mutex);
+    reader = OpenThread(THREAD_TERMINATE, FALSE, GetCurrentThreadId());
+  }
+  NamedReader(const NamedReader&) = delete;
+  NamedReader& operator=(const NamedReader&) = delete;
+  ~NamedReader() {
+    const std::lock_guard lock(reader_mutex);
+    if (reader) CloseHandle(reader);
+    reader = nullptr;
+  }
+};
+
 }  // namespace
 
 NotedStop::NotedStop() { SetConsoleCtrlHandler(note_stop, TRUE); }
@@ -51,15 +67,9 @@ NotedStop::~NotedStop() { SetConsoleCtrlHandler(note_stop, FALSE); }
 
 const std::atomic<bool>& NotedStop::is_requested() { return is_stop_noted; }
 
-WaitingReader::WaitingReader() {
-  const std::lock_guard lock(reader_mutex);
-  reader = OpenThread(THREAD_TERMINATE, FALSE, GetCurrentThreadId());
-}
-
-WaitingReader::~WaitingReader() {
-  const std::lock_guard lock(reader_mutex);
-  if (reader) CloseHandle(reader);
-  reader = nullptr;
+bool read_until_stop(const std::function<bool()>& read) {
+  const NamedReader named;
+  return read();
 }
 
 namespace {
