@@ -133,8 +133,7 @@ class Doubles {
       if (!is_introduced(document_.statements[i])) found.push_back(i);
     std::erase_if(found, [this](std::uint32_t index) { return !may_go(index); });
     std::ranges::sort(found);
-    const auto rest = std::ranges::unique(found);
-    found.erase(rest.begin(), rest.end());
+    found.erase(std::unique(found.begin(), found.end()), found.end());
     return found;
   }
 

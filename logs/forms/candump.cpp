@@ -239,20 +239,22 @@ constexpr std::size_t kBeginningBytes = 1
 
 std::string_view whole_lines(std::string_view text) { return text.substr(0, text.rfind('\n') + 1); }
 
-/// Differences do not grow all the time, but points in time do.
+/// Differences go up and down. Points in time go up, but for a few that were recorded late, and for
+/// logs that were put together from others.
 bool are_differences(std::string_view beginning, ZelkLogTimes times) {
+  constexpr std::int64_t kLongestDifference = 86400 * kNanosecondsPerSecond;
   if (times != ZelkLogTimes::kDetect) return times == ZelkLogTimes::kDifferences;
-  bool runs_backwards = false;
+  std::uint64_t steps_up = 0;
+  std::uint64_t steps_down = 0;
   std::int64_t largest = 0;
   std::int64_t last = 0;
   for_each_time(beginning, [&](std::int64_t time) {
-    runs_backwards |= time < last;
+    steps_up += time > last;
+    steps_down += time < last;
     last = time;
     largest = std::max(largest, time);
   });
-  // Points in time that run backwards are those of a log that was put together from others.
-  constexpr std::int64_t kLongestDifference = 86400 * kNanosecondsPerSecond;
-  return runs_backwards && largest < kLongestDifference;
+  return steps_down > 0 && steps_down >= steps_up / 4 && largest < kLongestDifference;
 }
 
 class Candump : public Form {

@@ -73,6 +73,13 @@ TEST(Candump, KeepsSumsInRange) {
                   "-9223372036854775807 1A0 0  c 1678-01-01 00:00:00"));
 }
 
+// A frame that was recorded late makes no differences of points in time.
+TEST(Candump, TakesTimesThatMostlyGrowForPoints) {
+  std::string text;
+  for (int i = 0; i < 20; ++i) text += "(" + std::to_string(i == 9 ? 8.5 : i) + ") c 1A0#\n";
+  EXPECT_EQ(parsed(text)[19], "19000000000 1A0 0  c 19.000000");
+}
+
 /// A line that most likely looks like one of `candump -l`, and has some fault or other.
 std::string random_line(std::mt19937& random) {
   const auto upto = [&](unsigned most) {

@@ -28,7 +28,7 @@ class ZELK_LOGS_API ZelkLogError : public std::runtime_error {
 
 /// What times of a text log are that do not tell it themselves.
 enum class ZelkLogTimes : std::uint8_t {
-  kDetect,       ///< differences where the first lines have times that run backwards, else points
+  kDetect,       ///< differences where many times of the first lines run backwards, else points
   kPoints,       ///< points in time, or seconds since some start
   kDifferences,  ///< seconds since the frame before: they are added up
 };
