@@ -13,8 +13,6 @@
 
 namespace {
 
-constexpr const char* kPath = "LogThreads.log";
-
 std::string text_of(const ZelkLogBlock& block) {
   std::string text;
   for (std::size_t i = 0; i < block.frames.Size(); ++i)
@@ -25,12 +23,14 @@ std::string text_of(const ZelkLogBlock& block) {
 }
 
 void expect_same_of_threads(const std::string& log) {
-  std::ofstream(kPath, std::ios::binary) << log;
+  const std::string path =
+      std::string(testing::UnitTest::GetInstance()->current_test_info()->name()) + ".log";
+  std::ofstream(path, std::ios::binary) << log;
   std::map<std::uint64_t, std::string> blocks;
-  ZelkLogReader alone{std::string(kPath)};
+  ZelkLogReader alone{path};
   for (ZelkLogBlock block; alone.Next(block);) blocks[block.number] = text_of(block);
   EXPECT_GT(blocks.size(), 3u);
-  ZelkLogReader shared{std::string(kPath)};
+  ZelkLogReader shared{path};
   std::mutex mutex;
   std::vector<std::jthread> threads;
   for (int i = 0; i < 4; ++i) {
@@ -48,7 +48,7 @@ void expect_same_of_threads(const std::string& log) {
   }
   threads.clear();
   EXPECT_TRUE(blocks.empty());
-  std::remove(kPath);
+  std::remove(path.c_str());
 }
 
 // Times that add up are the hard case: a block's depend on all blocks in front of it.
