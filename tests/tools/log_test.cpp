@@ -47,6 +47,18 @@ TEST(Log, WritesEveryFormAsLinesOfALog) {
   }
 }
 
+TEST(Log, TakesTimesForPointsOrDifferences) {
+  write_file("both", "(0.0) c 001#\n(0.5) c 001#\n(0.25) c 001#\n");
+  write_file("up", "(0.5) c 001#\n(0.75) c 001#\n");
+  check_all({
+      {"both", 0, "(0.000000) c 001#\n(0.500000) c 001#\n(0.750000) c 001#\n"},
+      {"both --times points", 0, "(0.000000) c 001#\n(0.500000) c 001#\n(0.250000) c 001#\n"},
+      {"up", 0, "(0.500000) c 001#\n(0.750000) c 001#\n"},
+      {"up --times differences", 0, "(0.500000) c 001#\n(1.250000) c 001#\n"},
+      {"up --times both", 2, "", "--times"},
+  });
+}
+
 TEST(Log, CutsByTimeInterfaceAndIdentifier) {
   write_file("drive", kDrive);
   const std::string first = "(1700000000.000000) can0 123#01\n";

@@ -101,7 +101,7 @@ ExitCode decode(const Arguments& arguments, Output& out) {
   }
   if (!catalog.check_filter()) return kExitFailure;
   const NotedStop stop;
-  ZelkLogReader reader(log, {.stop = &NotedStop::is_requested()});
+  ZelkLogReader reader(log, {.times = arguments.times.kind, .stop = &NotedStop::is_requested()});
   return decode_log(arguments, catalog, reader, out);
 }
 
@@ -133,9 +133,11 @@ void add_decode_command(CLI::App& app, Action& action) {
       ->required()
       ->option_text("...");
   command
-      ->add_option("--log", arguments->log,
-                   "Log to decode, as candump writes it, to a file or a terminal, or of frames\n"
-                   "alone such as 123#DEADBEEF; else it comes from standard input")
+      ->add_option(
+          "--log", arguments->log,
+          "Log to decode: lines as candump writes them or of frames alone such as\n"
+          "123#DEADBEEF, a .trc trace or a capture, compressed or not; else it comes from\n"
+          "standard input")
       ->type_name("FILE");
   command
       ->add_option("--format", arguments->format,

@@ -129,7 +129,8 @@ ExitCode convert_logs(const Arguments& arguments, Output& out) {
   const NotedStop stop;
   std::vector<std::optional<std::string>> paths;
   std::ranges::transform(arguments.logs, std::back_inserter(paths), path_of);
-  LogMerge logs(paths, arguments.strict, arguments.out == kStandard && is_terminal(stdout));
+  LogMerge logs(paths, arguments.strict, arguments.times.kind,
+                arguments.out == kStandard && is_terminal(stdout));
   Target target(arguments.out, out);
   LogCopy copy(logs, arguments.filter, arguments.times,
                [&target](std::string_view text) { target.write(text); });

@@ -8,6 +8,8 @@ namespace zelk::tool {
 
 namespace {
 
+constexpr const char* kDifferences = "differences";
+
 std::string check_time_point(const std::string& text) {
   return parse_time_point(text) ? ""
                                 : "seconds, +SECONDS or a date such as 2015-07-10T06:17:32Z are "
@@ -33,6 +35,17 @@ void add_time_options(CLI::App& command, TimeOptions& options) {
                  "in UTC unless it has a zone");
   add_time_point(command, "--stop", options.stop, "Only frames in front of this time; likewise");
   command.add_flag("--relative", options.relative, "Times count from the first frame of the log");
+  command
+      .add_option_function<std::string>(
+          "--times",
+          [&options](const std::string& kind) {
+            options.kind =
+                kind == kDifferences ? ZelkLogTimes::kDifferences : ZelkLogTimes::kPoints;
+          },
+          "What the times of a log of candump are: points, or differences to the frame\n"
+          "before; else its first lines tell")
+      ->type_name("KIND")
+      ->check(CLI::IsMember({"points", kDifferences}).description(""));
 }
 
 }  // namespace zelk::tool

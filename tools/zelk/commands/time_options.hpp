@@ -1,5 +1,5 @@
 /// \file
-/// The options by which commands that read logs choose frames by their times.
+/// The options about times of commands that read logs.
 
 #ifndef ZELK_TOOL_COMMANDS_TIME_OPTIONS_HPP
 #define ZELK_TOOL_COMMANDS_TIME_OPTIONS_HPP
@@ -10,7 +10,7 @@
 
 namespace zelk::tool {
 
-/// Adds --start, --stop and --relative.
+/// Adds --start, --stop, --relative and --times.
 ///
 /// @param options  must outlive the parsing
 void add_time_options(CLI::App& command, TimeOptions& options);

@@ -7,8 +7,9 @@
 
 namespace zelk::tool {
 
-MergedLog::MergedLog(const std::optional<std::string>& path, std::size_t place, bool strict)
-    : reader_(path, {.stop = &NotedStop::is_requested()}),
+MergedLog::MergedLog(const std::optional<std::string>& path, std::size_t place, bool strict,
+                     ZelkLogTimes times)
+    : reader_(path, {.times = times, .stop = &NotedStop::is_requested()}),
       place_(place),
       report_(reader_.Name(), strict) {}
 
@@ -36,10 +37,11 @@ std::pair<std::size_t, std::size_t> MergedLog::take(const std::optional<Rank>& l
 
 namespace {
 
-LogMerge::Logs open_logs(const std::vector<std::optional<std::string>>& paths, bool strict) {
+LogMerge::Logs open_logs(const std::vector<std::optional<std::string>>& paths, bool strict,
+                         ZelkLogTimes times) {
   LogMerge::Logs logs;
   for (const auto& path : paths)
-    logs.push_back(std::make_unique<MergedLog>(path, logs.size(), strict));
+    logs.push_back(std::make_unique<MergedLog>(path, logs.size(), strict, times));
   return logs;
 }
 
@@ -63,8 +65,8 @@ std::uint64_t bytes_read(const LogMerge::Logs& logs) {
 }  // namespace
 
 LogMerge::LogMerge(const std::vector<std::optional<std::string>>& paths, bool strict,
-                   bool has_lines)
-    : logs_(open_logs(paths, strict)), progress_(size_of(logs_), has_lines) {}
+                   ZelkLogTimes times, bool has_lines)
+    : logs_(open_logs(paths, strict, times)), progress_(size_of(logs_), has_lines) {}
 
 bool LogMerge::next(Run& run) {
   if (current_) enter(*current_);  // more of it may have to be read

@@ -29,7 +29,8 @@ class MergedLog {
   /// @param path  none for standard input
   /// @param place  among the logs, from 0
   /// @throws ZelkLogError when it cannot be opened
-  MergedLog(const std::optional<std::string>& path, std::size_t place, bool strict);
+  MergedLog(const std::optional<std::string>& path, std::size_t place, bool strict,
+            ZelkLogTimes times);
 
   const ZelkLogReader& reader() const { return reader_; }
   const ZelkFrameBlock& frames() const { return block_.frames; }
@@ -82,7 +83,8 @@ class LogMerge {
   /// @param strict     malformed lines are an error
   /// @param has_lines  whether results appear on the terminal meanwhile
   /// @throws ZelkLogError when a log cannot be opened
-  LogMerge(const std::vector<std::optional<std::string>>& paths, bool strict, bool has_lines);
+  LogMerge(const std::vector<std::optional<std::string>>& paths, bool strict, ZelkLogTimes times,
+           bool has_lines);
 
   /// @param run  receives the next frames; they are valid until the next call
   /// @return false at the end of all logs, and after a stop was noted at the end of what was read

@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "zelk/logs/frame.hpp"
+#include "zelk/logs/reader.hpp"
 
 namespace zelk::tool {
 
@@ -28,6 +29,7 @@ struct TimeOptions {
   std::optional<TimePoint> start{};
   std::optional<TimePoint> stop{};
   bool relative = false;  ///< times are printed as seconds since the first frame
+  ZelkLogTimes kind = ZelkLogTimes::kDetect;  ///< what the times of a log of candump are
 };
 
 /// Chooses frames by their times. Any number of threads may ask once it has begun.

@@ -1,5 +1,5 @@
 /// \file
-/// A progress bar.
+/// The progress of long work.
 
 #ifndef ZELK_TOOL_TERM_PROGRESS_HPP
 #define ZELK_TOOL_TERM_PROGRESS_HPP
@@ -12,30 +12,34 @@
 
 namespace zelk::tool {
 
-/// A bar on standard error that grows while work is done. It is drawn only when standard error is a
-/// terminal, and is removed with the object.
+/// What is done, how fast, and how much time is left, on standard error, for work that takes longer
+/// than a second. It is drawn only when standard error is a terminal, and is removed with the
+/// object.
 class ProgressBar {
  public:
-  /// @param total  amount of the whole work; 0 when it is unknown, and then there is no bar
-  /// @param has_lines  whether results appear on the terminal meanwhile, and then there is none
-  explicit ProgressBar(std::uint64_t total, bool has_lines = is_terminal(stdout));
+  /// @param total_bytes  of the whole work; 0 when they are unknown, and then there is no time left
+  /// @param has_lines    whether results appear on the terminal meanwhile, and then nothing is
+  /// drawn
+  explicit ProgressBar(std::uint64_t total_bytes, bool has_lines = is_terminal(stdout));
   ProgressBar(const ProgressBar&) = delete;
   ProgressBar& operator=(const ProgressBar&) = delete;
   ~ProgressBar() { clear(); }
 
   /// Draws the bar, a few times a second.
   ///
-  /// @param done  part of `total`
-  void update(std::uint64_t done);
+  /// @param done_bytes  part of the whole
+  void update(std::uint64_t done_bytes);
   /// Removes the bar until it is drawn again.
   void clear();
 
  private:
   using Clock = std::chrono::steady_clock;
 
-  std::uint64_t total_;  // 0 for no bar
+  std::uint64_t total_bytes_;
+  bool is_on_;
   bool is_drawn_ = false;
-  Clock::time_point next_ = Clock::now();
+  Clock::time_point start_ = Clock::now();
+  Clock::time_point next_ = start_ + std::chrono::seconds(1);
 };
 
 }  // namespace zelk::tool
