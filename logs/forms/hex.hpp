@@ -30,7 +30,7 @@ inline int digit_value(char c) { return kHexDigits[static_cast<unsigned char>(c)
 
 // Eight characters as the bytes of a number, the first one lowest.
 
-constexpr std::uint64_t repeated(std::uint8_t byte) { return 0x0101010101010101 * byte; }
+constexpr std::uint64_t repeated(std::uint8_t byte) { return 0x0101010101010101ull * byte; }
 
 inline std::uint64_t load_characters(const char* at) {
   std::uint64_t characters = 0;
