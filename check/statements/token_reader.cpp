@@ -336,9 +336,14 @@ void TokenReader::real(Role role, std::string_view expected, char behind) {
 void TokenReader::semicolon(std::string_view expected) {
   if (!is_readable_) return;
   const std::uint32_t first = at_;
-  while (!at_end() && !at_mark(';') && !at_statement() && is_on_line_of_previous(at_)) ++at_;
-  if (at_ != first && at_mark(';')) fault(FaultKind::kSurplus, first, at_, expected);
-  if (at_ != first && !at_mark(';')) at_ = first;
+  if (!is_without_semicolon(at_)) {
+    while (!at_end() && !at_mark(';') && !at_statement() && is_on_line_of_previous(at_)) ++at_;
+    if (at_ != first && at_mark(';')) fault(FaultKind::kSurplus, first, at_, expected);
+    if (!at_mark(';')) {
+      without_semicolon_ = {first, at_};
+      at_ = first;
+    }
+  }
   if (at_mark(';')) return take();
   missing(expected, ";");
 }

@@ -97,9 +97,17 @@ class TokenReader {
   using IsRight = bool (*)(const Document&, const Token&);
   void number(Role role, std::string_view expected, IsRight is_right);
 
+  /// Whether a search for the end of a statement has passed the token, and found none.
+  bool is_without_semicolon(std::uint32_t token) const {
+    return token >= without_semicolon_.first && token < without_semicolon_.second;
+  }
+
   Document& document_;
   std::vector<Token>& tokens_;
   std::uint32_t at_ = 0;
+  /// The tokens that the last vain search has passed: it would find nothing from any of them, and
+  /// many statements may stand on one line.
+  std::pair<std::uint32_t, std::uint32_t> without_semicolon_{0, 0};
   std::uint32_t statement_ = 0;
   bool is_readable_ = true;
   bool is_exact_ = false;
