@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "base/frame_id.hpp"
 #include "base/hash_table.hpp"
 #include "base/j1939.hpp"
 #include "check/lint/context.hpp"
@@ -11,8 +12,6 @@ namespace zelk::check {
 
 namespace {
 
-constexpr std::uint32_t kLargestStandardId = 0x7FF;
-constexpr std::uint32_t kLargestExtendedId = 0x1FFFFFFF;
 /// SAE J1939-21: what the transport protocol carries in 255 packets of 7 bytes.
 constexpr std::uint16_t kLongestJ1939 = 1785;
 constexpr std::uint16_t kLongestClassic = 8;

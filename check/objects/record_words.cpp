@@ -6,16 +6,10 @@
 #include <iterator>
 
 #include "base/characters.hpp"
+#include "base/frame_id.hpp"
 #include "base/list.hpp"
 
 namespace zelk::check {
-
-namespace {
-
-constexpr std::uint32_t kLargestStandardId = 0x7FF;
-constexpr std::uint32_t kLargestExtendedId = 0x1FFFFFFF;
-
-}  // namespace
 
 std::string hex_text(std::uint64_t number, int digits) {
   char buffer[16];

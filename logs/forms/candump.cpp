@@ -3,6 +3,7 @@
 #include <cstring>
 #include <utility>
 
+#include "base/frame_id.hpp"
 #include "logs/forms/candump_line.hpp"
 #include "logs/forms/form.hpp"
 #include "logs/forms/hex.hpp"
@@ -163,14 +164,14 @@ class BlockParser {
     if (at[3] == '#') {
       const int number = digit_value(at[0]) << 8 | digit_value(at[1]) << 4 | digit_value(at[2]);
       id = static_cast<std::uint32_t>(number);
-      return number >= 0 && number <= 0x7FF ? at + 4 : nullptr;
+      return number >= 0 && number <= static_cast<int>(kLargestStandardId) ? at + 4 : nullptr;
     }
     std::uint32_t bytes = 0;
     if (at[8] != '#' || !decode_digits(load_characters(at), bytes)) return nullptr;
     const std::uint32_t number =
         (bytes << 24) | (bytes << 8 & 0xFF0000) | (bytes >> 8 & 0xFF00) | bytes >> 24;
     id = number | ZELK_ID_EXTENDED;
-    return number <= 0x1FFFFFFF ? at + 9 : nullptr;
+    return number <= kLargestExtendedId ? at + 9 : nullptr;
   }
 
   /// Data up to what is no digit, into the room of the next frame.

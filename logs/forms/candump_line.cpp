@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/characters.hpp"
+#include "base/frame_id.hpp"
 #include "logs/forms/hex.hpp"
 #include "logs/forms/lines.hpp"
 #include "zelk/logs/candump.hpp"
@@ -30,9 +31,6 @@ namespace {
 
 constexpr std::size_t kStandardIdDigits = 3;
 constexpr std::size_t kExtendedIdDigits = 8;
-constexpr std::uint32_t kLargestStandardId = 0x7FF;
-constexpr std::uint32_t kLargestExtendedId = 0x1FFFFFFF;
-constexpr std::uint32_t kErrorFlag = 0x20000000;
 constexpr std::size_t kLongestTime = 40;
 
 bool is_blank(char c) { return c == ' ' || c == '\t'; }

@@ -14,6 +14,9 @@ namespace zelk::logs {
 
 inline constexpr std::size_t kClassicBytes = 8;  // of data, at most, but for CAN FD
 
+/// By this bit SocketCAN marks the identifiers of error frames.
+inline constexpr std::uint32_t kErrorFlag = 0x20000000;
+
 /// The kind of a line of a log.
 enum class LineKind : std::uint8_t {
   kBlank,

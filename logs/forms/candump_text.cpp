@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr std::uint32_t kErrorFlag = 0x20000000;
-
 /// Appends so many hexadecimal digits.
 void append_hex(std::string& text, std::uint32_t number, int digits) {
   for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4)
@@ -19,7 +17,7 @@ void append_hex(std::string& text, std::uint32_t number, int digits) {
 }
 
 void append_id(std::string& text, std::uint32_t id, unsigned flags) {
-  const std::uint32_t error = flags & kZelkFrameError ? kErrorFlag : 0;
+  const std::uint32_t error = flags & kZelkFrameError ? zelk::logs::kErrorFlag : 0;
   const bool is_long = (id & ZELK_ID_EXTENDED) || error;
   append_hex(text, (id & ~ZELK_ID_EXTENDED) | error, is_long ? 8 : 3);
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "base/frame_id.hpp"
 #include "zelk/logs/frame.hpp"
 #include "zelk/records.h"
 
@@ -26,9 +27,6 @@ constexpr std::size_t kFdFrameBytes = 72;  // of all that have no mark of CAN FD
 
 constexpr std::uint32_t kExtendedFlag = 0x80000000;
 constexpr std::uint32_t kRemoteFlag = 0x40000000;
-constexpr std::uint32_t kErrorFlag = 0x20000000;
-constexpr std::uint32_t kIdBits = 0x1FFFFFFF;
-constexpr std::uint32_t kLargestStandardId = 0x7FF;
 constexpr unsigned kFdMark = 4;
 constexpr int kLowestFlags = 0xF;
 
@@ -43,7 +41,7 @@ std::uint32_t number_at(std::span<const unsigned char> bytes, std::size_t at, st
 }
 
 bool take_id(std::uint32_t number, PacketFrame& frame) {
-  frame.id = number & kIdBits;
+  frame.id = number & kLargestExtendedId;
   if (number & kErrorFlag) {
     frame.flags |= kZelkFrameError;
     frame.id |= ZELK_ID_EXTENDED;

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "base/characters.hpp"
+#include "base/frame_id.hpp"
 #include "logs/forms/hex.hpp"
 #include "logs/forms/lines.hpp"
 #include "zelk/records.h"
@@ -30,8 +31,6 @@ namespace zelk::logs {
 
 namespace {
 
-constexpr std::uint32_t kLargestStandardId = 0x7FF;
-constexpr std::uint32_t kLargestExtendedId = 0x1FFFFFFF;
 constexpr std::uint32_t kStatusId = 0xFFFFFFFF;
 constexpr std::size_t kMostMillisecondDigits = 12;
 constexpr std::array<std::uint8_t, 16> kBytesOfCode = {0, 1,  2,  3,  4,  5,  6,  7,

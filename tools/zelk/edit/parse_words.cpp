@@ -4,6 +4,7 @@
 
 #include <cmath>
 
+#include "base/frame_id.hpp"
 #include "base/numbers.hpp"
 #include "input/lookup.hpp"
 #include "term/text.hpp"
@@ -46,15 +47,13 @@ std::vector<std::string> list_of(std::string_view text) {
 }
 
 std::uint32_t message_id_of(std::string_view text) {
-  constexpr std::uint32_t kLast11 = 0x7FF;
-  constexpr std::uint32_t kLast29 = 0x1FFFFFFF;
   const std::optional<std::uint32_t> id = parse_id(text);
   if (!id) throw RequestError(fmt::format("{} is no identifier", in_quotes(text)));
-  if ((*id & ~ZELK_ID_EXTENDED) > kLast29) {
+  if ((*id & ~ZELK_ID_EXTENDED) > kLargestExtendedId) {
     throw RequestError(
         fmt::format("{} is no identifier: one has at most 29 bits", in_quotes(text)));
   }
-  return *id > kLast11 ? *id | ZELK_ID_EXTENDED : *id;
+  return *id > kLargestStandardId ? *id | ZELK_ID_EXTENDED : *id;
 }
 
 }  // namespace zelk::tool

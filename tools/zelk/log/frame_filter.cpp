@@ -4,15 +4,13 @@
 #include <iterator>
 #include <optional>
 
+#include "base/frame_id.hpp"
 #include "input/lookup.hpp"
 #include "zelk/records.h"
 
 namespace zelk::tool {
 
 namespace {
-
-constexpr std::uint32_t kMostStandard = 0x7FF;
-constexpr std::uint32_t kMostExtended = 0x1FFFFFFF;
 
 /// An end of a range.
 struct Bound {
@@ -25,7 +23,7 @@ std::optional<Bound> parse_bound(std::string_view text) {
   if (has_suffix && text.size() == 2 && text.front() == '0') return std::nullopt;  // "0x"
   if (has_suffix) text.remove_suffix(1);
   const std::optional<std::uint32_t> id = parse_id(text);
-  if (!id || (*id & ~ZELK_ID_EXTENDED) > kMostExtended) return std::nullopt;
+  if (!id || (*id & ~ZELK_ID_EXTENDED) > kLargestExtendedId) return std::nullopt;
   return Bound{*id & ~ZELK_ID_EXTENDED, has_suffix || (*id & ZELK_ID_EXTENDED)};
 }
 
@@ -41,10 +39,10 @@ bool IdSet::add(std::string_view text) {
     add_range(first->number | ZELK_ID_EXTENDED, last->number | ZELK_ID_EXTENDED);
     return true;
   }
-  if (first->number <= kMostStandard)
-    add_range(first->number, std::min(last->number, kMostStandard));
-  if (last->number > kMostStandard) {
-    add_range(std::max(first->number, kMostStandard + 1) | ZELK_ID_EXTENDED,
+  if (first->number <= kLargestStandardId)
+    add_range(first->number, std::min(last->number, kLargestStandardId));
+  if (last->number > kLargestStandardId) {
+    add_range(std::max(first->number, kLargestStandardId + 1) | ZELK_ID_EXTENDED,
               last->number | ZELK_ID_EXTENDED);
   }
   return true;
