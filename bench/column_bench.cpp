@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "base/compiler.hpp"
+#include "traffic_layout.hpp"
 #include "zelk/logs/columns.hpp"
 #include "zelk/model.h"
 
@@ -21,22 +22,8 @@ namespace zelk::bench {
 namespace {
 
 constexpr std::size_t kMessages = 200;
-constexpr std::size_t kSignals = 8;
 constexpr std::size_t kFrames = 16384;
 constexpr std::size_t kBlocksKept = 64;
-
-struct Layout {
-  std::uint16_t start_bit;
-  std::uint16_t length;
-  std::uint16_t flags;
-};
-
-constexpr std::uint16_t kMotorola = ZELK_SIGNAL_MOTOROLA;
-constexpr std::uint16_t kSigned = ZELK_SIGNAL_SIGNED;
-constexpr Layout kLayout[kSignals] = {{0, 12, 0},         {12, 5, kSigned},
-                                      {17, 7, 0},         {31, 10, kMotorola},
-                                      {37, 3, kMotorola}, {34, 3, kMotorola | kSigned},
-                                      {40, 16, kSigned},  {56, 8, kSigned}};
 
 struct Traffic : ZelkDatabase {
   Traffic() {
@@ -62,12 +49,7 @@ struct Traffic : ZelkDatabase {
 
   void set_signal(std::size_t at, std::mt19937_64& random) {
     sigblk& signal = own_signals[at];
-    const Layout& layout = kLayout[at % kSignals];
-    signal.start_bit = layout.start_bit;
-    signal.length = layout.length;
-    signal.flags = layout.flags;
-    signal.factor = 0.01 * static_cast<double>(1 + random() % 99);
-    signal.offset = 0.5 * static_cast<double>(random() % 99) - 20.25;
+    lay_out(signal, at % kSignals, random);
     signal.message = &own_messages[at / kSignals];
     signal.next = at % kSignals + 1 < kSignals ? &own_signals[at + 1] : nullptr;
   }
@@ -89,15 +71,6 @@ void count_frames(benchmark::State& state) {
   state.counters["ns/frame"] = Counter(frames / 1e9, Counter::kIsRate | Counter::kInvert);
 }
 
-struct HandSignal {
-  double factor;
-  double offset;
-  std::uint64_t mask;
-  std::uint64_t sign;
-  std::uint32_t is_motorola;
-  std::uint32_t shift;
-};
-
 struct HandTable {
   std::array<HandSignal, kSignals> signals;
   std::size_t rows = 0;
@@ -113,20 +86,13 @@ struct HandTable {
   }
 };
 
-/// The shift of a Motorola signal is that in the frame read as a big-endian number.
 std::unordered_map<std::uint32_t, HandTable> hand_tables() {
   std::unordered_map<std::uint32_t, HandTable> tables;
   for (std::size_t m = 0; m < kMessages; ++m) {
     HandTable& table = tables[traffic().own_messages[m].id];
     for (std::size_t s = 0; s < kSignals; ++s) {
       const sigblk& signal = traffic().own_signals[m * kSignals + s];
-      const bool is_motorola = (signal.flags & kMotorola) != 0;
-      const unsigned first = signal.start_bit / 8U * 8 + 7 - signal.start_bit % 8U;
-      const std::uint64_t top = std::uint64_t{1} << (signal.length - 1);
-      table.signals[s] = {
-          signal.factor,         signal.offset,
-          2 * top - 1,           (signal.flags & kSigned) != 0 ? top : 0,
-          is_motorola ? 1U : 0U, is_motorola ? 64 - first - signal.length : signal.start_bit};
+      table.signals[s] = HandSignal(signal);
     }
   }
   return tables;

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "base/compiler.hpp"
+#include "traffic_layout.hpp"
 #include "zelk/frame_decoder.hpp"
 #include "zelk/manager.hpp"
 
@@ -18,7 +19,6 @@ namespace zelk::bench {
 namespace {
 
 constexpr std::size_t kMessages = 200;
-constexpr std::size_t kSignals = 8;
 constexpr std::size_t kFrames = 4096;
 constexpr std::size_t kFrameBytes = 8;
 
@@ -27,20 +27,6 @@ struct Frame {
   std::uint32_t message;
   unsigned char data[kFrameBytes];
 };
-
-struct Layout {
-  std::uint16_t start_bit;
-  std::uint16_t length;
-  std::uint16_t flags;
-};
-
-constexpr std::uint16_t kMotorola = ZELK_SIGNAL_MOTOROLA;
-constexpr std::uint16_t kSigned = ZELK_SIGNAL_SIGNED;
-/// The whole frame: bytes 0 to 2 and 5 to 7 Intel, the rest Motorola, neighbours in one byte.
-constexpr Layout kLayout[kSignals] = {{0, 12, 0},         {12, 5, kSigned},
-                                      {17, 7, 0},         {31, 10, kMotorola},
-                                      {37, 3, kMotorola}, {34, 3, kMotorola | kSigned},
-                                      {40, 16, kSigned},  {56, 8, kSigned}};
 
 /// Messages and frames, the same for all benchmarks.
 struct Traffic {
@@ -58,14 +44,9 @@ struct Traffic {
     }
   }
 
-  /// The messages differ in how their signals are scaled.
   void add_signal(std::size_t m, std::size_t s) {
     sigblk& signal = signals[m * kSignals + s];
-    signal.start_bit = kLayout[s].start_bit;
-    signal.length = kLayout[s].length;
-    signal.flags = kLayout[s].flags;
-    signal.factor = 0.01 * static_cast<double>(1 + random() % 99);
-    signal.offset = 0.5 * static_cast<double>(random() % 99) - 20.25;
+    lay_out(signal, s, random);
     signal.message = &messages[m];
     if (s > 0) signals[m * kSignals + s - 1].next = &signal;
     if (s == 0) messages[m].signals = &signal;
@@ -94,28 +75,12 @@ void count_frames(benchmark::State& state, std::size_t values_per_frame) {
 
 // --- By hand ---
 
-struct HandSignal {
-  double factor;
-  double offset;
-  std::uint64_t mask;
-  std::uint64_t sign;
-  std::uint32_t is_motorola;
-  std::uint32_t shift;
-};
-
-/// The shift of a Motorola signal is that in the frame read as a big-endian number.
 std::vector<std::array<HandSignal, kSignals>> hand_table() {
   std::vector<std::array<HandSignal, kSignals>> table(kMessages);
   for (std::size_t m = 0; m < kMessages; ++m) {
     for (std::size_t s = 0; s < kSignals; ++s) {
       const sigblk& signal = traffic().signals[m * kSignals + s];
-      const bool is_motorola = (signal.flags & kMotorola) != 0;
-      const unsigned first = signal.start_bit / 8U * 8 + 7 - signal.start_bit % 8U;
-      const std::uint64_t top = std::uint64_t{1} << (signal.length - 1);
-      table[m][s] = {
-          signal.factor,         signal.offset,
-          2 * top - 1,           (signal.flags & kSigned) != 0 ? top : 0,
-          is_motorola ? 1U : 0U, is_motorola ? 64 - first - signal.length : signal.start_bit};
+      table[m][s] = HandSignal(signal);
     }
   }
   return table;
