@@ -1,14 +1,17 @@
 /// \file
-/// Hexadecimal digits, one and eight at a time.
+/// Digits, several at a time: up to sixteen hexadecimal ones, eight decimal ones.
 
 #ifndef ZELK_LOGS_FORMS_HEX_HPP
 #define ZELK_LOGS_FORMS_HEX_HPP
 
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <string_view>
+
+#include "base/compiler.hpp"
 
 namespace zelk::logs {
 
@@ -55,6 +58,73 @@ inline bool decode_digits(std::uint64_t characters, std::uint32_t& bytes) {
   bytes = static_cast<std::uint32_t>(values | values >> 16);
   return are_digits;
 }
+
+/// The number that eight decimal digits stand for, given as their values: the first one lowest, and
+/// the highest of the number.
+constexpr std::uint64_t joined_digits(std::uint64_t digits) {
+  // Pairs, then fours, then all: the upper of two neighbours is the lower one's tens.
+  digits = (digits * 10 + (digits >> 8)) & 0x00FF00FF00FF00FF;
+  digits = (digits * 100 + (digits >> 16)) & 0x0000FFFF0000FFFF;
+  return (digits * 10000 + (digits >> 32)) & 0xFFFFFFFF;
+}
+
+/// The number that eight decimal digits spell; beyond 99,999,999 for other characters.
+constexpr std::uint64_t number_of(std::uint64_t characters) {
+  const std::uint64_t digits = characters - repeated('0');
+  const std::uint64_t others = (digits | (digits + repeated(0x76))) & repeated(0x80);
+  return others == 0 ? joined_digits(digits) : UINT64_MAX;
+}
+
+/// What stands in front of the first character that is no digit.
+struct HexBytes {
+  unsigned digits;      ///< 0 to 16
+  std::uint64_t bytes;  ///< that they stand for, the first one lowest; zeros behind them. Of an odd
+                        ///< number of digits, the last byte means nothing
+};
+
+/// Up to 16 digits as bytes.
+///
+/// @param at  16 characters that can be read
+inline HexBytes portable_hex_bytes(const char* at) {
+  std::uint32_t halves[2];
+  if (decode_digits(load_characters(at), halves[0]) &&
+      decode_digits(load_characters(at + 8), halves[1]))
+    return {16, halves[0] | std::uint64_t{halves[1]} << 32};
+  HexBytes found{0, 0};
+  for (int digit = 0; found.digits < 16; ++found.digits) {
+    digit = digit_value(at[found.digits]);
+    if (digit == kNoDigit) break;
+    found.bytes |= std::uint64_t(digit) << (4 * (found.digits ^ 1));
+  }
+  return found;
+}
+
+#if ZELK_HAS_SSE2
+/// Likewise, with all characters at a time.
+inline HexBytes hex_bytes(const char* at) {
+  const __m128i characters = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+  // Characters that are none are beyond 9 and beyond 5, without a sign.
+  const __m128i numbers = _mm_sub_epi8(characters, _mm_set1_epi8('0'));
+  const __m128i letters =
+      _mm_sub_epi8(_mm_or_si128(characters, _mm_set1_epi8(0x20)), _mm_set1_epi8('a'));
+  const __m128i is_number = _mm_cmpeq_epi8(_mm_min_epu8(numbers, _mm_set1_epi8(9)), numbers);
+  const __m128i is_letter = _mm_cmpeq_epi8(_mm_min_epu8(letters, _mm_set1_epi8(5)), letters);
+  const __m128i values =
+      _mm_or_si128(_mm_and_si128(is_number, numbers),
+                   _mm_and_si128(is_letter, _mm_add_epi8(letters, _mm_set1_epi8(10))));
+  const int digits = _mm_movemask_epi8(_mm_or_si128(is_number, is_letter));
+  // Of two characters in 16 bits, the first one is the lower one.
+  const __m128i pairs = _mm_and_si128(
+      _mm_or_si128(_mm_slli_epi16(values, 4), _mm_srli_epi16(values, 8)), _mm_set1_epi16(0xFF));
+  std::uint64_t bytes = 0;
+  _mm_storel_epi64(reinterpret_cast<__m128i*>(&bytes), _mm_packus_epi16(pairs, pairs));
+  const auto count = static_cast<unsigned>(std::countr_one(static_cast<unsigned>(digits)));
+  if (count < 16) bytes &= (std::uint64_t{1} << (4 * (count + count % 2))) - 1;
+  return {count, bytes};
+}
+#else
+inline HexBytes hex_bytes(const char* at) { return portable_hex_bytes(at); }
+#endif
 
 }  // namespace zelk::logs
 

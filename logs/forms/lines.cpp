@@ -4,15 +4,29 @@
 
 namespace zelk::logs {
 
+std::uint64_t count_line_feeds(std::string_view text) {
+  // So few that a byte can count them: compilers make instructions of it that do 16 at a time.
+  constexpr std::size_t kCounted = 240;
+  std::uint64_t sum = 0;
+  while (text.size() >= kCounted) {
+    std::uint8_t count = 0;
+    for (std::size_t i = 0; i < kCounted; ++i)
+      count = static_cast<std::uint8_t>(count + (text[i] == '\n' ? 1 : 0));
+    sum += count;
+    text.remove_prefix(kCounted);
+  }
+  return sum + static_cast<std::uint64_t>(std::ranges::count(text, '\n'));
+}
+
 bool Lines::next(Chunk& chunk) {
   if (!take_lines(chunk.bytes)) return false;
   chunk.first_line = line_;
-  line_ += static_cast<std::uint64_t>(std::ranges::count(chunk.bytes, '\n'));
+  line_ += count_line_feeds(chunk.bytes);
   return true;
 }
 
 bool Lines::take_lines(std::string& block) {
-  block.swap(rest_);
+  block.assign(rest_);  // keeps its memory
   rest_.clear();
   while (read_more(block)) {
     const std::size_t line_feed = block.rfind('\n');

@@ -48,6 +48,8 @@ class Lines {
   bool skipping_ = false;   // inside a line that was too long
 };
 
+std::uint64_t count_line_feeds(std::string_view text);
+
 /// Calls `act(line)` for each line, without its line feed.
 template <typename Act>
 void for_each_line(std::string_view text, const Act& act) {

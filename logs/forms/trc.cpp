@@ -79,7 +79,7 @@ class Trc : public Form {
       return true;
     }
     chunk.bytes.assign(text_.bytes, begin, end - begin);
-    line_ += static_cast<std::uint64_t>(std::ranges::count(chunk.bytes, '\n'));
+    line_ += count_line_feeds(chunk.bytes);
     at_ = end;
     return true;
   }

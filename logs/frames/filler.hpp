@@ -9,7 +9,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <utility>
 
 #include "zelk/logs/frame.hpp"
 
@@ -20,11 +19,9 @@ class ZelkFrameFiller {
   /// @param block  must outlive the object
   explicit ZelkFrameFiller(ZelkFrameBlock& block) : block_(block) {}
 
-  /// Gives the block the text that the times of its frames stand in.
-  void take_text(std::string text) { block_.text_ = std::move(text); }
+  /// Gives the block the text that the times of its frames stand in, for the one that it had.
+  void swap_text(std::string& text) { block_.text_.swap(text); }
   std::string_view text() const { return block_.text_; }
-  /// Takes it out again, for its memory.
-  std::string give_text() { return std::exchange(block_.text_, {}); }
 
   /// Room for the data of the next frame, with at least `ZelkFrameBlock::kSlack` bytes behind it.
   ///

@@ -12,6 +12,14 @@
 #include <stdlib.h>
 #endif
 
+// `ZELK_HAS_SSE2`: 1 where the instructions on 16 bytes are there that each x86-64 processor has.
+#if defined(__SSE2__) || defined(_M_X64)
+#include <emmintrin.h>
+#define ZELK_HAS_SSE2 1
+#else
+#define ZELK_HAS_SSE2 0
+#endif
+
 // In front of a function definition. `ZELK_ALWAYS_INLINE`, `ZELK_NEVER_INLINE`: inlined wherever it
 // is called, or nowhere. `ZELK_AT_LOAD`, `ZELK_AT_UNLOAD`: called when the library is loaded or
 // unloaded; on Windows the system calls `DllMain` instead.

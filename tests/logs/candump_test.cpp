@@ -1,9 +1,11 @@
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "logs/forms/hex.hpp"
 #include "support/memory_stream.hpp"
 
 namespace zelk::logs {
@@ -85,7 +87,8 @@ std::string random_line(std::mt19937& random) {
   const auto upto = [&](unsigned most) {
     return std::uniform_int_distribution<unsigned>(0, most)(random);
   };
-  std::string line = "(1436509052.249713) " + std::string(upto(3), 'c') + "an0 ";
+  std::string line = "(143650905" + std::to_string(upto(9)) + ".249713) ";
+  line += std::string(upto(3), 'c') + "an0 ";
   const char* const digits = "0123456789ABCDEFabcdef";
   for (unsigned i = upto(3) ? 3 : 8; i > 0; --i) line += digits[upto(i == 8 ? 1 : 8)];
   line += upto(3) ? "#" : "##1";
@@ -97,18 +100,44 @@ std::string random_line(std::mt19937& random) {
   return line + '\n';
 }
 
-// Most lines take a way of their own through the parser, unless they are among the last ones.
+// Most lines take a way of their own through the parser, unless they are among the last ones, and
+// are compared with the line before.
 TEST(Candump, GivesPlainLinesAsAnyOthers) {
   std::mt19937 random(5);
   const std::string rest(300, '\n');
+  const std::string before = std::string(12, '\0') + "249713) can0 123#\n";
   int frames = 0;
   for (int i = 0; i < 20000; ++i) {
-    const std::string line = random_line(random);
-    const std::vector<std::string> alone = parsed(line);
-    ASSERT_EQ(parsed(line + rest), alone) << line;
-    frames += !alone.empty() && !alone[0].starts_with("1: ");
+    const std::string first = i % 9 ? random_line(random) : before;
+    const std::string second = random_line(random);
+    std::vector<std::string> alone = parsed(first);
+    for (std::string frame : parsed(second)) {
+      if (frame.starts_with("1: ")) frame[0] = '2';
+      alone.push_back(std::move(frame));
+    }
+    ASSERT_THAT(parsed(first + second + rest), testing::UnorderedElementsAreArray(alone))
+        << first << second;
+    frames += static_cast<int>(
+        std::ranges::count_if(alone, [](const std::string& frame) { return frame[1] != ':'; }));
   }
-  EXPECT_GT(frames, 8000);
+  EXPECT_GT(frames, 16000);
+}
+
+TEST(Candump, ReadsDigitsInAnyWayAlike) {
+  std::mt19937 random(6);
+  for (int i = 0; i < 100000; ++i) {
+    char text[16];
+    for (char& c : text) c = "0123456789ABCDEFabcdef"[random() % 22];
+    if (i % 4) text[random() % 16] = static_cast<char>(random());
+    const HexBytes found = hex_bytes(text);
+    const HexBytes expected = portable_hex_bytes(text);
+    ASSERT_EQ(found.digits, expected.digits) << std::string_view(text, 16);
+    if (found.digits % 2 == 0) {
+      ASSERT_EQ(found.bytes, expected.bytes);
+    }
+    EXPECT_EQ(found.digits < 16, std::string_view(text, 16).find_first_not_of(
+                                     "0123456789ABCDEFabcdef") != std::string_view::npos);
+  }
 }
 
 }  // namespace
