@@ -5,7 +5,7 @@
 # A build for another system takes from the same packages what does not depend on a system: headers, copied out of
 # /usr/include because the headers beside them belong to the build machine's system, and the sources of GoogleTest,
 # pugixml and zstd (scripts/setup fetches the latter two, as no package has them). zlib has a package for it; captures are
-# not read there, and pcap::pcap is missing.
+# not read there, and pcap::pcap is missing, as in the Python package.
 
 function(zelk_copy_header_library name folder)
   file(COPY /usr/include/${folder} DESTINATION ${CMAKE_BINARY_DIR}/headers)
@@ -23,6 +23,32 @@ function(zelk_find_library name header library)
     IMPORTED_LOCATION ${${variable}_LIBRARY} INTERFACE_INCLUDE_DIRECTORIES ${${variable}_INCLUDE_DIR})
 endfunction()
 
+# What a build of the Python package lacks is said at once: pip shows the end of the output alone.
+function(zelk_check_python_requirements)
+  find_package(BISON 3.8)
+  find_package(nlohmann_json)
+  find_package(pugixml)
+  find_package(ZLIB)
+  find_path(zstd_headers zstd.h)
+  find_library(zstd_library zstd)
+  set(missing "")
+  foreach(need IN ITEMS "BISON_FOUND|bison|Bison 3.8 or newer" "nlohmann_json_FOUND|nlohmann-json3-dev|JSON for Modern C++"
+      "pugixml_FOUND|libpugixml-dev|pugixml" "ZLIB_FOUND|zlib1g-dev|zlib with its headers"
+      "zstd_headers|libzstd-dev|headers of Zstandard" "zstd_library|libzstd-dev|library of Zstandard")
+    string(REPLACE "|" ";" need "${need}")
+    list(POP_FRONT need found package words)
+    if(NOT ${found})
+      string(APPEND missing "\n  ${words} (Debian: ${package})")
+    endif()
+  endforeach()
+  if(missing)
+    message(FATAL_ERROR "The Python package is built from its C++ sources; what is missing for that:${missing}")
+  endif()
+endfunction()
+
+if(ZELK_BUILD_PYTHON)
+  zelk_check_python_requirements()
+endif()
 if(ZELK_BUILD_LOGS)
   find_package(Threads REQUIRED)
   if(CMAKE_CROSSCOMPILING)
@@ -34,7 +60,9 @@ endif()
 if(NOT CMAKE_CROSSCOMPILING)
   if(ZELK_BUILD_LOGS)
     zelk_find_library(zstd::zstd zstd.h zstd)
-    zelk_find_library(pcap::pcap pcap/pcap.h pcap)
+    if(NOT ZELK_BUILD_PYTHON)
+      zelk_find_library(pcap::pcap pcap/pcap.h pcap)
+    endif()
   endif()
   if(ZELK_BUILD_TOOL)
     find_package(CLI11 REQUIRED)

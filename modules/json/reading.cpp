@@ -1,6 +1,7 @@
 // Fills a database from a document.
 
 #include "common/file.hpp"
+#include "json/converter.hpp"
 #include "json/document.hpp"
 #include "json/form.hpp"
 #include "json/input.hpp"
@@ -168,11 +169,10 @@ class Reader {
 
 }  // namespace
 
-}  // namespace zelk::modules::json
-
-void zelk::modules::import_file(const char* file, const Database& database, std::string_view) {
-  using namespace json;
+void import_file(const char* file, const Database& database, std::string_view) {
   const Value document = parse(read_file(file));
   check_format(document);
   Reader().fill(ValueInput(document, Path(), encoding_in(document)), database);
 }
+
+}  // namespace zelk::modules::json

@@ -4,6 +4,7 @@
 
 #include "base/encoding.hpp"
 #include "common/file.hpp"
+#include "json/converter.hpp"
 #include "json/form.hpp"
 #include "json/output.hpp"
 
@@ -158,8 +159,9 @@ std::string document_of(const Database& database) {
 }
 
 }  // namespace
-}  // namespace zelk::modules::json
 
-void zelk::modules::export_file(const char* file, const Database& database, std::string_view) {
-  write_new_file(file, json::document_of(database));
+void export_file(const char* file, const Database& database, std::string_view) {
+  write_new_file(file, document_of(database));
 }
+
+}  // namespace zelk::modules::json

@@ -10,6 +10,7 @@
 #include "common/file.hpp"
 #include "common/module.hpp"
 #include "common/records.hpp"
+#include "kcd/converter.hpp"
 #include "kcd/format.hpp"
 #include "kcd/left_out.hpp"
 #include "kcd/message_export.hpp"
@@ -171,9 +172,9 @@ void Export::count_left_out() {
 }
 
 }  // namespace
-}  // namespace zelk::modules::kcd
 
-void zelk::modules::export_file(const char* file, const Database& database,
-                                std::string_view option) {
-  kcd::Export(database, option).write(file);
+void export_file(const char* file, const Database& database, std::string_view option) {
+  Export(database, option).write(file);
 }
+
+}  // namespace zelk::modules::kcd

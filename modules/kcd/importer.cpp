@@ -7,6 +7,7 @@
 #include "base/encoding.hpp"
 #include "common/module.hpp"
 #include "common/records.hpp"
+#include "kcd/converter.hpp"
 #include "kcd/element.hpp"
 #include "kcd/format.hpp"
 #include "kcd/left_out.hpp"
@@ -150,10 +151,10 @@ void Import::take_messages(const Element& bus, const Nodes& nodes,
 }
 
 }  // namespace
-}  // namespace zelk::modules::kcd
 
-void zelk::modules::import_file(const char* file, const Database& database,
-                                std::string_view option) {
-  const kcd::Source source(file);
-  kcd::Import(source, database, option).run();
+void import_file(const char* file, const Database& database, std::string_view option) {
+  const Source source(file);
+  Import(source, database, option).run();
 }
+
+}  // namespace zelk::modules::kcd

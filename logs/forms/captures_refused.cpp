@@ -3,7 +3,7 @@
 namespace zelk::logs {
 
 std::unique_ptr<Form> open_capture(LogInput input) {
-  throw ZelkLogError(input.name + ": captures cannot be read on Windows");
+  throw ZelkLogError(input.name + ": captures cannot be read: this build has no libpcap");
 }
 
 }  // namespace zelk::logs

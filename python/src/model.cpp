@@ -1,0 +1,19 @@
+#include "model.hpp"
+
+#include "codec.hpp"
+#include "python.hpp"
+
+namespace zelk::python {
+
+Model::Model() = default;
+
+Model::Model(const char* file_name) : ZelkDatabase(file_name) {}
+
+Model::~Model() = default;
+
+void Model::release(Model* model) {
+  const nb::gil_scoped_acquire lock;
+  delete model;
+}
+
+}  // namespace zelk::python

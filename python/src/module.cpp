@@ -1,0 +1,12 @@
+// The extension module: what the package is made of that is not Python.
+
+#include "python.hpp"
+
+NB_MODULE(_zelk, module) {
+  using namespace zelk::python;
+  module.doc() = "The libraries' side of the package zelk.";
+  module.attr("VERSION") = ZELK_PYTHON_VERSION;
+  register_failures();
+  bind_objects(module);
+  bind_database(module);
+}

@@ -1,0 +1,42 @@
+"""CAN network databases, and logs of frames as columns."""
+
+from ._errors import (
+    ArgumentError,
+    DecodeError,
+    DeletedError,
+    EditError,
+    EncodeError,
+    Error,
+    LockedError,
+    ReadError,
+    ReadOnlyError,
+    UnknownNameError,
+    WriteError,
+)
+from ._choice import Choice
+from ._findings import Finding
+from ._loading import load
+from ._zelk import VERSION as __version__
+from ._zelk import Database, Message, Node, Signal
+
+__all__ = [
+    "ArgumentError",
+    "Choice",
+    "Database",
+    "DecodeError",
+    "DeletedError",
+    "EditError",
+    "EncodeError",
+    "Error",
+    "Finding",
+    "LockedError",
+    "Message",
+    "Node",
+    "ReadError",
+    "ReadOnlyError",
+    "Signal",
+    "UnknownNameError",
+    "WriteError",
+    "__version__",
+    "load",
+]
