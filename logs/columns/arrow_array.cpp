@@ -11,8 +11,7 @@ namespace zelk::logs {
 namespace {
 
 struct ArrayMemory {
-  Buffer bitmap;
-  Buffer values;
+  Buffer rows;
   std::shared_ptr<const TextArray> texts;
   std::array<const void*, 3> buffers{};  ///< the bitmap first; null where there are no nulls
 };
@@ -40,9 +39,9 @@ void export_column(ColumnRows& rows, const std::shared_ptr<const TextArray>& tex
   auto owner = std::make_unique<ExportedArray>();
   if (texts) export_texts(texts, owner->dictionary);
   ArrayMemory& memory = owner->content;
-  memory.bitmap = rows.give_bitmap();
-  memory.values = rows.give_values();
-  memory.buffers = {memory.bitmap.data(), memory.values.data(), nullptr};
+  const unsigned char* bitmap = nullptr;
+  memory.rows = rows.give_memory(bitmap);
+  memory.buffers = {bitmap, memory.rows.data(), nullptr};
   export_values(std::move(owner), rows.size(), rows.null_count(), 2, out);
 }
 

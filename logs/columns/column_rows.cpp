@@ -30,18 +30,21 @@ void ColumnRows::reserve(std::size_t more, std::size_t usual_rows) {
 }
 
 void ColumnRows::resize(std::size_t rows) {
-  Buffer bitmap;
-  bitmap.resize(bitmap_size(rows), 0);
-  if (null_count_ > 0)
-    std::memcpy(bitmap.data(), bitmap_.data(), words_for(first_ + size_) * sizeof(std::uint64_t));
-  values_.resize(rows * width_, (first_ + size_) * width_);
-  bitmap_ = std::move(bitmap);
+  const std::size_t bitmap_at = Buffer::rounded(rows * width_);
+  Buffer memory(bitmap_at + bitmap_size(rows));
+  if (first_ + size_ > 0) std::memcpy(memory.data(), memory_.data(), (first_ + size_) * width_);
+  if (null_count_ > 0) {
+    std::memcpy(memory.data() + bitmap_at, bitmap(),
+                words_for(first_ + size_) * sizeof(std::uint64_t));
+  }
+  memory_ = std::move(memory);
+  bitmap_at_ = bitmap_at;
   room_ = rows;
 }
 
 void ColumnRows::append(const ColumnRows& other) {
   if (other.size_ == 0) return;
-  std::memcpy(end(), other.values_.data() + other.first_ * width_, other.size_ * width_);
+  std::memcpy(end(), other.memory_.data() + other.first_ * width_, other.size_ * width_);
   if (other.null_count_ == 0) return add(other.size_);
   add_with_nulls(other.size_, bits_from(other.bitmap(), other.first_), other.null_count_);
 }
@@ -59,17 +62,16 @@ ColumnRows ColumnRows::take(std::size_t count, ColumnRows copied) noexcept {
   return copied;
 }
 
-Buffer ColumnRows::give_values() {
-  values_.pad(size_ * width_);
-  return std::move(values_);
-}
-
-Buffer ColumnRows::give_bitmap() {
-  if (null_count_ == 0) return {};
-  std::uint64_t& last = bitmap()[size_ / kWordBits];
-  last = size_ % kWordBits == 0 ? 0 : last & low_bits(static_cast<unsigned>(size_ % kWordBits));
-  bitmap_.pad((size_ / kWordBits + 1) * sizeof(std::uint64_t));
-  return std::move(bitmap_);
+Buffer ColumnRows::give_memory(const unsigned char*& bits) {
+  bits = nullptr;
+  memory_.pad(size_ * width_);
+  if (null_count_ > 0) {
+    std::uint64_t& last = bitmap()[size_ / kWordBits];
+    last = size_ % kWordBits == 0 ? 0 : last & low_bits(static_cast<unsigned>(size_ % kWordBits));
+    memory_.pad(bitmap_at_ + (size_ / kWordBits + 1) * sizeof(std::uint64_t));
+    bits = memory_.data() + bitmap_at_;
+  }
+  return std::move(memory_);
 }
 
 /// @param room  for so many rows, when that is more than `count`
@@ -77,7 +79,7 @@ ColumnRows ColumnRows::copy(std::size_t first, std::size_t count, std::size_t ro
   ColumnRows rows(width_);
   rows.resize(std::max(room, count));
   if (count == 0) return rows;
-  std::memcpy(rows.end(), values_.data() + (first_ + first) * width_, count * width_);
+  std::memcpy(rows.end(), memory_.data() + (first_ + first) * width_, count * width_);
   const auto bits = bits_from(bitmap(), first_ + first);
   const std::size_t nulls = null_count_ > 0 ? clear_bits(count, bits) : 0;
   nulls > 0 ? rows.add_with_nulls(count, bits, nulls) : rows.add(count);

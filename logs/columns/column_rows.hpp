@@ -16,8 +16,8 @@ namespace zelk::logs {
 /// Values of one width, and a bitmap of those that are not null, which is filled from the first
 /// null on only.
 ///
-///     values    | taken out | rows ............ | room |
-///                           first_              first_ + size_
+///     | taken out | rows ............ | room | bitmap of all these
+///     0           first_              first_ + size_
 ///
 /// After `reserve` as many rows can be added without an exception.
 class ColumnRows {
@@ -45,10 +45,10 @@ class ColumnRows {
   /// All values, also of rows that are null.
   template <typename Value>
   std::span<Value> values() {
-    return {reinterpret_cast<Value*>(values_.data()) + first_, size_};
+    return {reinterpret_cast<Value*>(memory_.data()) + first_, size_};
   }
   /// Where the values of new rows are written, after `reserve` and before `add_*`.
-  unsigned char* end() const { return values_.data() + (first_ + size_) * width_; }
+  unsigned char* end() const { return memory_.data() + (first_ + size_) * width_; }
   void add(std::size_t count) {
     if (null_count_ > 0) add_bits(count, [](std::size_t) { return ~std::uint64_t{0}; });
     size_ += count;
@@ -77,13 +77,16 @@ class ColumnRows {
   /// @param copied  `copied_to_take(count)`
   ColumnRows take(std::size_t count, ColumnRows copied) noexcept;
 
-  /// The values; padded with zeros. Only of what `take` gave.
-  Buffer give_values();
-  /// The bitmap, likewise; without memory when there are no nulls.
-  Buffer give_bitmap();
+  /// The memory of the values, at its beginning, and of the bitmap; padded with zeros. Only of what
+  /// `take` gave.
+  ///
+  /// @param bits  receives the bitmap; null when there are no nulls
+  Buffer give_memory(const unsigned char*& bits);
 
  private:
-  std::uint64_t* bitmap() const { return reinterpret_cast<std::uint64_t*>(bitmap_.data()); }
+  std::uint64_t* bitmap() const {
+    return reinterpret_cast<std::uint64_t*>(memory_.data() + bitmap_at_);
+  }
   bool takes_copy(std::size_t count) const { return first_ > 0 || count < size_ - count; }
   ColumnRows copy(std::size_t first, std::size_t count, std::size_t room) const;
   void resize(std::size_t rows);
@@ -101,8 +104,8 @@ class ColumnRows {
     size_ += count;
   }
 
-  Buffer values_;
-  Buffer bitmap_;  ///< with room for all rows that `values_` has room for
+  Buffer memory_;              ///< of the values, and behind them of the bitmap
+  std::size_t bitmap_at_ = 0;  ///< aligned as all memory
   std::size_t width_;
   std::size_t room_ = 0;  ///< rows, those in front of `first_` included
   std::size_t first_ = 0;

@@ -28,12 +28,27 @@ void ColumnStore::append(std::vector<TableRows>& tables, std::span<const std::ui
     replace_indices(tables[table].column(kChannelColumn), channels);
     tables_[table].append(tables[table], usual_rows);
   }
+  bound_memory();
+}
+
+/// When all tables together have too many bytes, those are due that have at least half as many as
+/// the mean one: together they have more than half.
+void ColumnStore::bound_memory() {
+  std::size_t bytes = 0;
+  std::size_t filled = 0;
+  for (const TableRows& rows : tables_) {
+    bytes += rows.bytes();
+    filled += rows.bytes() > 0 ? 1 : 0;
+  }
+  due_bytes_ =
+      bytes > plan_->options().kept_bytes ? bytes / std::max<std::size_t>(2 * filled, 1) : SIZE_MAX;
 }
 
 bool ColumnStore::take_batch(std::size_t table, bool is_end, ArrowArray& out) {
   TableRows& rows = tables_.at(table);
   const std::size_t batch_rows = plan_->options().batch_rows;
-  if (rows.size() == 0 || (!is_end && rows.size() < batch_rows)) return false;
+  const bool is_due = is_end || rows.size() >= batch_rows || rows.bytes() >= due_bytes_;
+  if (rows.size() == 0 || !is_due) return false;
   const std::shared_ptr<const TextArray> channels = channels_.array();
   TableRows batch = rows.take(std::min(rows.size(), batch_rows));
   export_array(plan_->table_plans()[table], batch, channels, out);

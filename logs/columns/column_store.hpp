@@ -4,6 +4,7 @@
 #ifndef ZELK_LOGS_COLUMNS_COLUMN_STORE_HPP
 #define ZELK_LOGS_COLUMNS_COLUMN_STORE_HPP
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <span>
@@ -26,6 +27,7 @@ class ColumnStore {
   /// @param only  the one table that is decoded; none: all
   void decode(const ZelkFrameBlock& block, std::optional<std::size_t> only = {}) {
     decoder_.decode(*plan_, block, channels_.enter(block.ChannelNames()), tables_, only);
+    bound_memory();
   }
   /// Appends rows, and clears them there.
   ///
@@ -37,8 +39,11 @@ class ColumnStore {
   bool take_batch(std::size_t table, bool is_end, ArrowArray& out);
 
  private:
+  void bound_memory();
+
   std::shared_ptr<const ColumnPlan> plan_;
   std::vector<TableRows> tables_;
+  std::size_t due_bytes_ = SIZE_MAX;  ///< tables with that many give batches of fewer rows
   ChannelTexts channels_;
   BlockDecoder decoder_;
 };

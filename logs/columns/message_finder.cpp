@@ -36,14 +36,13 @@ void MessageFinder::add_route(const std::string& channel,
   std::size_t count = 0;
   for (const NamedDatabase& database : databases)
     count += database.counts_for(channel) ? each(database.content.records.messages).size() : 0;
-  Route route{Tables(count), {}, false};
+  Route route{Tables(count), {}};
   for (const auto& groups : groups_) {
     const NamedDatabase& database = groups->database();
     if (!database.counts_for(channel)) continue;
     add_messages(*groups, route.by_id);
     if (groups->has_groups()) route.groups.push_back(groups.get());
   }
-  route.has_groups = !route.groups.empty();
   routes_.push_back(std::move(route));
 }
 
@@ -61,18 +60,15 @@ std::uint32_t MessageFinder::route_of(std::string_view channel) const {
   return found == named_routes_.end() ? 0 : found->second;
 }
 
-std::uint32_t MessageFinder::find_group(std::uint32_t route, std::uint32_t id, Cache& cache) const {
-  const std::size_t slot = (id ^ id >> 8 ^ id >> 16) % cache.entries_.size();
-  Cache::Entry& entry = cache.entries_[slot];
-  if (entry.id == id && entry.route == route) return entry.table;
-  entry = {id, route, kNoTable};
+std::uint32_t MessageFinder::search(std::uint32_t route, std::uint32_t id) const {
+  const std::uint32_t found = routes_[route].by_id.find(id);
+  if (found != 0) return found - kFirstTable;
+  if ((id & ZELK_ID_EXTENDED) == 0) return kNoTable;
   for (const GroupFinder* const groups : routes_[route].groups) {
     const msgblk* const message = groups->find(id);
-    if (!message) continue;
-    entry.table = groups->database().table_of(*message);
-    break;
+    if (message) return groups->database().table_of(*message);
   }
-  return entry.table;
+  return kNoTable;
 }
 
 }  // namespace zelk::logs

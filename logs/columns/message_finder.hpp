@@ -61,19 +61,20 @@ class GroupFinder {
 /// The search among several databases, in their order.
 class MessageFinder {
  public:
-  /// What was found by groups of late: that search is slower.
+  /// What was found of late.
   class Cache {
    public:
     void clear() { entries_.fill({}); }
 
    private:
     friend class MessageFinder;
+    static constexpr std::size_t kEntries = 1024;
     struct Entry {
-      std::uint32_t id = 0;  ///< never that of a group
-      std::uint32_t route = 0;
+      std::uint32_t id = 0;
+      std::uint32_t route = UINT32_MAX;  ///< of nothing that was found
       std::uint32_t table = kNoTable;
     };
-    std::array<Entry, 256> entries_;
+    std::array<Entry, kEntries> entries_;
   };
 
   /// @param databases  must outlive the object
@@ -84,10 +85,9 @@ class MessageFinder {
 
   /// The table of a frame; `kNoTable` when its message has none, or it has no message.
   std::uint32_t find(std::uint32_t route, std::uint32_t id, Cache& cache) const {
-    const std::uint32_t found = routes_[route].by_id.find(id);
-    if (found != 0) return found - kFirstTable;
-    if (!routes_[route].has_groups || (id & ZELK_ID_EXTENDED) == 0) return kNoTable;
-    return find_group(route, id, cache);
+    Cache::Entry& entry = cache.entries_[(id ^ id >> 8 ^ id >> 16) % Cache::kEntries];
+    if (entry.id != id || entry.route != route) entry = {id, route, search(route, id)};
+    return entry.table;
   }
 
  private:
@@ -99,12 +99,11 @@ class MessageFinder {
   struct Route {
     Tables by_id;
     std::vector<const GroupFinder*> groups;
-    bool has_groups;
   };
 
   void add_route(const std::string& channel, const std::vector<NamedDatabase>& databases);
   static void add_messages(const GroupFinder& groups, Tables& tables);
-  std::uint32_t find_group(std::uint32_t route, std::uint32_t id, Cache& cache) const;
+  std::uint32_t search(std::uint32_t route, std::uint32_t id) const;
 
   std::vector<std::unique_ptr<const GroupFinder>> groups_;  ///< one for each database
   std::vector<Route> routes_;  ///< the first one is for channels that no database names

@@ -45,9 +45,17 @@ void StripFrames::load(const ZelkFrameBlock& block, std::span<const std::uint32_
 }
 
 void StripWords::load(const StripFrames& frames, const Window& window) {
+  const bool is_reversed = is_loaded_ && window_.first_byte == window.first_byte;
+  if (!is_reversed) gather(frames, window.first_byte);
+  if (is_reversed || window.is_motorola) {
+    for (std::size_t i = 0; i < frames.count; ++i) words_[i] = reversed_bytes(words_[i]);
+  }
   is_loaded_ = true;
   window_ = window;
-  const std::size_t at = window.first_byte;
+}
+
+/// Loads the words in the order of Intel.
+void StripWords::gather(const StripFrames& frames, std::size_t at) {
   if (frames.shortest > at) {
     for (std::size_t i = 0; i < frames.count; ++i)
       std::memcpy(&words_[i], frames.data + (frames.offsets[i] + at), sizeof(std::uint64_t));
@@ -59,8 +67,6 @@ void StripWords::load(const StripFrames& frames, const Window& window) {
         std::memcpy(&words_[i], frames.data + (frames.offsets[i] + at), sizeof(std::uint64_t));
     }
   }
-  if (!window.is_motorola) return;
-  for (std::size_t i = 0; i < frames.count; ++i) words_[i] = reversed_bytes(words_[i]);
 }
 
 void StripBits::set(const std::uint8_t* flags, std::size_t count) {

@@ -42,6 +42,7 @@ class StripWords {
 
  private:
   void load(const StripFrames& frames, const Window& window);
+  void gather(const StripFrames& frames, std::size_t at);
 
   bool is_loaded_ = false;
   Window window_;

@@ -35,12 +35,11 @@ template <typename Value>
 void TableDecoder::find_values(const ColumnRows& column, std::size_t count, Value none) {
   const auto* const values = reinterpret_cast<const Value*>(column.end());
   bool has_none = false;
-  for (std::size_t i = 0; i < count; ++i) {
-    flags_[i] = values[i] != none ? 1 : 0;
-    has_none |= values[i] == none;
-  }
+  for (std::size_t i = 0; i < count; ++i) has_none |= values[i] == none;
   valid_.nulls = 0;
-  if (has_none) valid_.set(flags_.data(), count);
+  if (!has_none) return;
+  for (std::size_t i = 0; i < count; ++i) flags_[i] = values[i] != none ? 1 : 0;
+  valid_.set(flags_.data(), count);
 }
 
 void TableDecoder::add_times(std::span<const std::int64_t> times,

@@ -19,10 +19,13 @@ class TableRows {
   TableRows() = default;
   explicit TableRows(const TablePlan& plan) {
     columns_.reserve(plan.columns().size());
-    for (const ZelkColumn& column : plan.columns()) columns_.emplace_back(width_of(column.type));
+    for (const ZelkColumn& column : plan.columns())
+      row_bytes_ += columns_.emplace_back(width_of(column.type)).width();
   }
 
   std::size_t size() const { return columns_.empty() ? 0 : columns_.front().size(); }
+  /// Of the values of all rows.
+  std::size_t bytes() const { return size() * row_bytes_; }
   ColumnRows& column(std::size_t index) { return columns_[index]; }
   std::vector<ColumnRows>& columns() { return columns_; }
 
@@ -41,6 +44,7 @@ class TableRows {
 
  private:
   std::vector<ColumnRows> columns_;
+  std::size_t row_bytes_ = 0;
 };
 
 }  // namespace zelk::logs

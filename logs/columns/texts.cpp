@@ -19,7 +19,7 @@ TextArray::TextArray(std::span<const std::string> texts)
   std::size_t size = 0;
   for (const std::string& text : texts) size += text.size();
   if (size > INT32_MAX) throw std::length_error("a dictionary has more than 2 GiB of texts");
-  bytes.resize(std::max(size, Buffer::kAlignment), 0);
+  bytes = Buffer(std::max(size, Buffer::kAlignment));
   auto* const offset = reinterpret_cast<std::int32_t*>(offsets.data());
   std::size_t end = 0;
   for (std::size_t i = 0; i < texts.size(); ++i) {

@@ -17,6 +17,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "base/compiler.hpp"
 #include "base/frame_id.hpp"
 #include "logs/forms/candump_line.hpp"
 #include "logs/forms/hex.hpp"
@@ -35,7 +36,7 @@ class PlainLines {
   ///
   /// @param end  of the text that the line stands in
   /// @return the next line; null when this one is not plain, or too close to the end
-  const char* parse(const char* at, const char* end) {
+  ZELK_ALWAYS_INLINE const char* parse(const char* at, const char* end) {
     if (end - at < kLongestLine) return nullptr;
     const std::string_view time_text(at + 1, kTimeBytes - 3);
     const std::int64_t time = time_at(at);

@@ -1,6 +1,8 @@
 #include "logs/forms/lines.hpp"
 
 #include <algorithm>
+#include <cstring>
+#include <utility>
 
 namespace zelk::logs {
 
@@ -26,37 +28,53 @@ bool Lines::next(Chunk& chunk) {
 }
 
 bool Lines::take_lines(std::string& block) {
-  block.assign(rest_);  // keeps its memory
-  rest_.clear();
-  while (read_more(block)) {
-    const std::size_t line_feed = block.rfind('\n');
-    if (line_feed != std::string::npos) {
-      rest_.assign(block, line_feed + 1);
-      block.resize(line_feed + 1);
+  while (read_more()) {
+    const std::size_t end = std::string_view(text_).substr(0, size_).rfind('\n') + 1;
+    if (end > 0) {
+      give(end, block);
       return true;
     }
-    if (block.size() > kLongestLine) {
-      block.resize(kLongestLine + 1);
+    if (size_ > kLongestLine) {
+      block.assign(text_, 0, kLongestLine + 1);
       block += '\n';
+      size_ = 0;
       skipping_ = true;
       return true;
     }
   }
+  block.assign(text_, 0, std::exchange(size_, 0));
   return !block.empty() && !(stop_ && *stop_);
 }
 
-bool Lines::read_more(std::string& block) {
-  const std::size_t old_size = block.size();
-  const std::size_t count = stream_->read(buffer_.get(), kReadBytes);
-  block.append(buffer_.get(), count);
-  if (skipping_) drop_skipped(block, old_size);
+/// Gives the first bytes of the text out: little is copied, much is exchanged for the memory that
+/// the block had.
+void Lines::give(std::size_t end, std::string& block) {
+  const std::size_t rest = size_ - end;
+  if (end < kTextBytes / 2) {
+    block.assign(text_, 0, end);
+    std::memmove(text_.data(), text_.data() + end, rest);
+  } else {
+    block.resize(kTextBytes);
+    block.swap(text_);
+    std::memcpy(text_.data(), block.data() + end, rest);
+    block.resize(end);
+  }
+  size_ = rest;
+}
+
+bool Lines::read_more() {
+  const std::size_t count = stream_->read(text_.data() + size_, kTextBytes - size_);
+  size_ += count;
+  if (skipping_) drop_skipped();
   return count > 0;
 }
 
-void Lines::drop_skipped(std::string& block, std::size_t from) {
-  const std::size_t line_feed = block.find('\n', from);
-  skipping_ = line_feed == std::string::npos;
-  block.erase(from, skipping_ ? std::string::npos : line_feed + 1 - from);
+void Lines::drop_skipped() {
+  const std::size_t line_feed = std::string_view(text_).substr(0, size_).find('\n');
+  skipping_ = line_feed == std::string_view::npos;
+  const std::size_t dropped = skipping_ ? size_ : line_feed + 1;
+  size_ -= dropped;
+  std::memmove(text_.data(), text_.data() + dropped, size_);
 }
 
 }  // namespace zelk::logs

@@ -34,18 +34,20 @@ class Lines {
   bool next(Chunk& chunk);
 
  private:
-  bool read_more(std::string& block);
-  void drop_skipped(std::string& block, std::size_t from);
+  bool read_more();
+  void drop_skipped();
   bool take_lines(std::string& block);
+  void give(std::size_t end, std::string& block);
 
-  static constexpr std::size_t kReadBytes = 1 << 18;
+  /// Processors keep so much in their caches, with the frames that it becomes.
+  static constexpr std::size_t kTextBytes = 1 << 18;
 
   std::unique_ptr<ByteStream> stream_;
-  std::unique_ptr<char[]> buffer_ = std::make_unique_for_overwrite<char[]>(kReadBytes);
   const std::atomic<bool>* stop_;
   std::uint64_t line_ = 1;  // the next one's number
-  std::string rest_;        // the beginning of a line whose end has not been read
-  bool skipping_ = false;   // inside a line that was too long
+  std::string text_ = std::string(kTextBytes, '\0');
+  std::size_t size_ = 0;   // of what has been read of it: less than all, and no whole line
+  bool skipping_ = false;  // inside a line that was too long
 };
 
 std::uint64_t count_line_feeds(std::string_view text);

@@ -25,7 +25,6 @@ void ZelkFrameBlock::Clear() {
   data_size_ = 0;
   channel_names_.clear();
   channel_indices_.clear();
-  text_.clear();
 }
 
 std::uint16_t ZelkFrameBlock::ChannelIndex(std::string_view name) {

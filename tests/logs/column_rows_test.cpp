@@ -58,11 +58,11 @@ TEST(ColumnRows, GiveInOrderWhatWasAdded) {
       const std::size_t taken = up_to(3) == 0 ? rows.size() : up_to(rows.size());
       ColumnRows batch = rows.take(taken, rows.copied_to_take(taken));
       const std::size_t batch_nulls = batch.null_count();
-      const Buffer values = batch.give_values();
-      const Buffer bitmap = batch.give_bitmap();
-      ASSERT_EQ(bitmap.data() == nullptr, batch_nulls == 0);
+      const unsigned char* bitmap = nullptr;
+      const Buffer values = batch.give_memory(bitmap);
+      ASSERT_EQ(bitmap == nullptr, batch_nulls == 0);
       for (std::size_t i = 0; i < taken; ++i) {
-        const bool is_valid = batch_nulls == 0 || (bitmap.data()[i / 8] >> i % 8 & 1) != 0;
+        const bool is_valid = batch_nulls == 0 || (bitmap[i / 8] >> i % 8 & 1) != 0;
         ASSERT_EQ(is_valid, expected.front().has_value()) << i;
         if (is_valid) {
           ASSERT_EQ(reinterpret_cast<const std::uint16_t*>(values.data())[i], *expected.front());

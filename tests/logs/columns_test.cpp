@@ -462,6 +462,28 @@ TEST(Columns, FindMessagesByChannelIdentifierAndGroup) {
   }
 }
 
+TEST(Columns, LeaveInSmallerBatchesBeforeTheyTakeTooMuchMemory) {
+  const TextDatabase database(kTwo);
+  ZelkColumnDecoder decoder({.kept_bytes = 600});
+  decoder.AddDatabase(database, "two");
+  const std::size_t engine = 0, brake = 1;
+  ASSERT_EQ(decoder.Tables().size(), 2u);
+  ZelkFrameBlock block;
+  append(block, 10, "can0", {0, 0, 0, 0});                                 // 36 bytes
+  for (int i = 0; i < 28; ++i) append(block, 0x8000000A, "can0", {0, 1});  // 20 bytes each
+  decoder.Decode(block);
+  Received<ArrowArray> batch;
+  EXPECT_FALSE(decoder.TakeBatch(brake, false, &batch));
+  block.Clear();
+  append(block, 0x8000000A, "can0", {0, 1});
+  ZelkColumnRows rows;
+  decoder.Decode(block, rows);
+  decoder.Put(rows);
+  EXPECT_FALSE(decoder.TakeBatch(engine, false, &batch));
+  ASSERT_TRUE(decoder.TakeBatch(brake, false, &batch));
+  EXPECT_EQ(batch.length, 29);
+}
+
 TEST(Columns, OutliveTheDecoderAndTheirParents) {
   const TextDatabase database(kTwo);
   ArrowArray gear{}, dictionary{};

@@ -34,7 +34,7 @@ class ZELK_LOGS_API ZelkColumnStream {
 
   /// See `ZelkColumnDecoder::GetSchema`.
   void GetSchema(ArrowSchema* out) const;
-  /// The next batch, of `batch_rows` rows but for the last one.
+  /// The next batch: of `batch_rows` rows, or fewer for `kept_bytes`, but for the last one.
   ///
   /// @param out  receives it, unless the result is false; whoever has it releases it
   /// @return false at the end

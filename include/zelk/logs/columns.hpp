@@ -31,7 +31,10 @@ struct ZelkColumnOptions {
                               ///< named "SIGNAL.raw"
   bool match_groups = false;  ///< extended identifiers also match messages by their J1939 parameter
                               ///< group that the database does not say to be of J1939
-  std::size_t batch_rows = 65536;  ///< most rows of one batch; at least 1
+  std::size_t batch_rows = 8192;                  ///< most rows of one batch; at least 1
+  std::size_t kept_bytes = std::size_t{1} << 26;  ///< when the values of all tables together take
+                                                  ///< more memory, the larger tables give batches
+                                                  ///< of fewer rows
 };
 
 /// The type of a column's values.
@@ -148,12 +151,13 @@ class ZELK_LOGS_API ZelkColumnDecoder {
   /// @param out  receives the type; whoever has it releases it
   void GetSchema(std::size_t table, ArrowSchema* out) const;
   /// Takes the first rows out: `batch_rows` of them or, at the end, those that are left. Call it
-  /// until the result is false. Until a table has `batch_rows` rows, it keeps them; `is_end` takes
-  /// them at any time.
+  /// until the result is false. Until a table has `batch_rows` rows, or all tables together more
+  /// than `kept_bytes`, it keeps them; `is_end` takes them at any time. Memory is bounded when the
+  /// batches of all tables are taken after each `Put` or `Decode`.
   ///
   /// @param out  receives the rows, unless the result is false; whoever has it releases it, when
   /// and in which thread it likes, also after this object is gone
-  /// @return false when there are fewer rows than `batch_rows` and it is not the end, or none
+  /// @return false when the table keeps its rows and it is not the end, or there are none
   /// @throws std::bad_alloc; rows may be lost then
   bool TakeBatch(std::size_t table, bool is_end, ArrowArray* out);
 

@@ -142,7 +142,7 @@ class ZELK_LOGS_API ZelkFrameBlock {
   std::vector<unsigned char> data_;
   std::vector<std::string> channel_names_;
   std::map<std::string, std::uint16_t, std::less<>> channel_indices_;
-  std::string text_;  ///< that the times stand in
+  std::string text_;  ///< that the times stand in; of no meaning without frames
 };
 
 #endif
