@@ -64,6 +64,8 @@ class Candump : public Form {
     parse_candump_block(chunk, adds_up_ ? std::optional(chunk.base_time) : std::nullopt, block);
   }
 
+  bool has_independent_lines() const override { return !adds_up_; }
+
  private:
   bool adds_up_;
   Lines lines_;

@@ -45,6 +45,8 @@ class Form {
   /// @param chunk  its bytes may be taken
   /// @param block  is empty, but for memory
   virtual void parse(Chunk& chunk, ZelkLogBlock& block) const = 0;
+  /// Whether each line means what it means without those in front of it.
+  virtual bool has_independent_lines() const { return false; }
 };
 
 /// What a form is made of.

@@ -30,6 +30,8 @@ class ByteStream {
   /// @return number of bytes put into `buffer`; 0 at the end
   /// @throws ZelkLogError; all bytes in front of the fault were given out before
   virtual std::size_t read(char* buffer, std::size_t size) = 0;
+  /// Whether the bytes are those of a regular file, as they stand in it.
+  virtual bool is_file() const { return false; }
 };
 
 /// The bytes on the disk or in the pipe.
@@ -42,6 +44,12 @@ class FileStream : public ByteStream {
   ~FileStream() override;
 
   std::size_t read(char* buffer, std::size_t size) override;
+  bool is_file() const override { return size_.has_value(); }
+
+  /// Reads on from there, of a regular file; beyond its end there is nothing.
+  ///
+  /// @throws ZelkLogError
+  void seek(std::uint64_t offset_bytes);
 
   /// What to call it.
   const std::string& name() const { return name_; }
@@ -66,6 +74,7 @@ class PeekedStream : public ByteStream {
   explicit PeekedStream(std::unique_ptr<ByteStream> rest) : rest_(std::move(rest)) {}
 
   std::size_t read(char* buffer, std::size_t size) override;
+  bool is_file() const override { return rest_->is_file(); }
 
   /// Reads until there are `size` bytes or the stream has ended, at most; waits for no more bytes
   /// than that.
@@ -99,6 +108,11 @@ std::unique_ptr<ByteStream> decompressed(std::unique_ptr<ByteStream> stream,
 /// A text in UTF-8, without the mark of its encoding, that may be in UTF-16 with such a mark, as
 /// Windows PowerShell writes it; all else, binary data too, is not changed.
 std::unique_ptr<PeekedStream> in_utf8(std::unique_ptr<ByteStream> stream);
+
+/// The lines of a regular file that begin in a part of it.
+///
+/// @throws ZelkLogError
+std::unique_ptr<ByteStream> lines_in(std::unique_ptr<FileStream> file, const ZelkLogRange& range);
 
 std::unique_ptr<ByteStream> gzip_stream(std::unique_ptr<ByteStream> stream, std::string name);
 std::unique_ptr<ByteStream> zstd_stream(std::unique_ptr<ByteStream> stream, std::string name);

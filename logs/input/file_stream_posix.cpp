@@ -3,7 +3,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <limits>
 #include <system_error>
 
 #include "files/files.hpp"
@@ -62,6 +64,12 @@ std::size_t FileStream::read(char* buffer, std::size_t size) {
     }
     if (errno != EINTR) fail("cannot read", name_);
   }
+}
+
+void FileStream::seek(std::uint64_t offset_bytes) {
+  constexpr std::uint64_t kMost = std::numeric_limits<off_t>::max();
+  if (lseek(file_->number, static_cast<off_t>(std::min(offset_bytes, kMost)), SEEK_SET) < 0)
+    fail("cannot read", name_);
 }
 
 }  // namespace zelk::logs

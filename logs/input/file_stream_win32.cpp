@@ -59,4 +59,11 @@ std::size_t FileStream::read(char* buffer, std::size_t size) {
   fail("cannot read", name_, std::system_category().message(static_cast<int>(error)));
 }
 
+void FileStream::seek(std::uint64_t offset_bytes) {
+  LARGE_INTEGER offset;
+  offset.QuadPart = static_cast<LONGLONG>(std::min<std::uint64_t>(offset_bytes, INT64_MAX));
+  if (!SetFilePointerEx(file_->handle, offset, nullptr, FILE_BEGIN))
+    fail("cannot read", name_, std::system_category().message(static_cast<int>(GetLastError())));
+}
+
 }  // namespace zelk::logs

@@ -33,6 +33,13 @@ enum class ZelkLogTimes : std::uint8_t {
   kDifferences,  ///< seconds since the frame before: they are added up
 };
 
+/// A part of a log, by its bytes in the file: the lines that begin in it, each of them whole, and
+/// no others. The parts that any cuts make of a log have each of its lines once.
+struct ZelkLogRange {
+  std::uint64_t begin = 0;  ///< first byte
+  std::uint64_t end = 0;    ///< behind the last byte; may be beyond the end of the log
+};
+
 struct ZelkLogOptions {
   /// Name of a form of `ZelkLogReader::Forms`; empty: told from the content.
   std::string form{};
@@ -40,6 +47,10 @@ struct ZelkLogOptions {
   /// When it becomes true, the log ends: at once between two reads, and a wait for a pipe ends with
   /// the next bytes. May be null; must outlive the reader.
   const std::atomic<bool>* stop = nullptr;
+  /// Reads one part of a log that `ZelkLogReader::IsDivisible`. Numbers of lines and blocks count
+  /// from its first line, and `ZelkLogReader::BytesRead` from its first byte; the form and what the
+  /// times are is told from the beginning of the log as ever.
+  std::optional<ZelkLogRange> range{};
 };
 
 /// A line or packet that is no frame.
@@ -133,7 +144,8 @@ class ZELK_LOGS_API ZelkLogReader {
   ///
   /// @param path  in the system's encoding of file names; none: standard input
   /// @throws ZelkLogError when it cannot be opened, is of no known form, or `options.form` is
-  /// unknown
+  /// unknown, or `options.range` is given
+  /// for a log that is not divisible
   explicit ZelkLogReader(const std::optional<std::string>& path, ZelkLogOptions options = {});
   ZelkLogReader(const ZelkLogReader&) = delete;
   ZelkLogReader& operator=(const ZelkLogReader&) = delete;
@@ -163,6 +175,10 @@ class ZELK_LOGS_API ZelkLogReader {
   const std::string& Name() const;
   /// The form of the log; one of `Forms()`.
   ZelkLogForm Form() const;
+  /// Whether parts of the log can be read each alone: a text in a regular file, neither compressed
+  /// nor in UTF-16, the lines of which need none in front of them. Those of candump do not, unless
+  /// their times are differences.
+  bool IsDivisible() const;
   /// Bytes of a log in a regular file, as they are on the disk; none for others.
   std::optional<std::uint64_t> SizeBytes() const;
   /// Bytes read so far, likewise. May be asked while another thread reads.
