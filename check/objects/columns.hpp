@@ -7,6 +7,7 @@
 #include <string_view>
 #include <type_traits>
 
+#include "base/frame_id.hpp"
 #include "base/list.hpp"
 #include "base/multiplexing.hpp"
 #include "check/objects/attribute_words.hpp"

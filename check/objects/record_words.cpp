@@ -1,11 +1,8 @@
 #include "check/objects/record_words.hpp"
 
-#include <algorithm>
-#include <charconv>
-#include <cmath>
 #include <iterator>
 
-#include "base/characters.hpp"
+#include "base/decimal.hpp"
 #include "base/frame_id.hpp"
 #include "base/list.hpp"
 
@@ -13,22 +10,12 @@ namespace zelk::check {
 
 std::string hex_text(std::uint64_t number, int digits) {
   char buffer[16];
-  const auto [end, error] = std::to_chars(std::begin(buffer), std::end(buffer), number, 16);
-  std::string text(buffer, end);
-  std::ranges::transform(text, text.begin(), to_upper);
-  const auto width = static_cast<std::size_t>(digits);
-  return "0x" + std::string(width - std::min(width, text.size()), '0') + text;
+  return "0x" + std::string(std::begin(buffer), put_hex(buffer, number, digits));
 }
 
-// `std::to_chars` alone would write 100000 as 1e+05, which is shorter.
 std::string number_text(double number) {
-  char buffer[32];
-  const double size = std::abs(number);
-  const bool is_plain = size == 0 || (size >= 1e-4 && size < 1e16);
-  const auto [end, error] =
-      std::to_chars(std::begin(buffer), std::end(buffer), number,
-                    is_plain ? std::chars_format::fixed : std::chars_format::general);
-  return {buffer, end};
+  char buffer[kNumberBytes];
+  return {buffer, put_double(buffer, number)};
 }
 
 std::string padded_id(std::uint32_t id) { return hex_text(bare_id(id), id_digits(id)); }

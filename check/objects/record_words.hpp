@@ -12,12 +12,6 @@
 
 namespace zelk::check {
 
-/// An identifier without its format bit.
-constexpr std::uint32_t bare_id(std::uint32_t id) { return id & ~ZELK_ID_EXTENDED; }
-
-/// Hexadecimal digits that an identifier is written with: 8 for an extended one, else 3.
-constexpr int id_digits(std::uint32_t id) { return id & ZELK_ID_EXTENDED ? 8 : 3; }
-
 /// "0x1F": a number in hexadecimal with at least as many digits.
 std::string hex_text(std::uint64_t number, int digits);
 

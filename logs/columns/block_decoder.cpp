@@ -4,13 +4,6 @@
 
 namespace zelk::logs {
 
-namespace {
-
-/// Frames that hold no signals.
-constexpr std::uint16_t kNoData = kZelkFrameRemote | kZelkFrameError;
-
-}  // namespace
-
 void FrameGroups::find(const ColumnPlan& plan, const ZelkFrameBlock& block,
                        std::optional<std::size_t> only) {
   tables_.clear();
@@ -34,18 +27,32 @@ void FrameGroups::find_tables(const ColumnPlan& plan, const ZelkFrameBlock& bloc
   for (const std::string& name : block.ChannelNames())
     routes_.push_back(plan.finder().route_of(name));
   cache_.clear();
+  counts_.Clear();
   table_of_.resize(block.Size());
-  const auto ids = block.Ids();
-  const auto flags = block.Flags();
-  const auto channels = block.Channels();
   for (std::size_t i = 0; i < table_of_.size(); ++i) {
-    std::uint32_t table = kNoTable;
-    const std::uint32_t route = channels[i] < routes_.size() ? routes_[channels[i]] : 0;
-    if ((flags[i] & kNoData) == 0) table = plan.finder().find(route, ids[i], cache_);
+    std::uint32_t table = find_table(plan, block, i);
     if (only && table != *only) table = kNoTable;
     table_of_[i] = table;
     if (table != kNoTable && ends_[table]++ == 0) tables_.push_back(table);
   }
+}
+
+/// The table of a frame, which is counted.
+inline std::uint32_t FrameGroups::find_table(const ColumnPlan& plan, const ZelkFrameBlock& block,
+                                             std::size_t frame) {
+  const std::uint32_t id = block.Ids()[frame];
+  if (!counts_.AddKind(block.Flags()[frame])) return kNoTable;
+  const std::size_t channel = block.Channels()[frame];
+  const std::uint32_t route = channel < routes_.size() ? routes_[channel] : 0;
+  const std::uint32_t message = plan.finder().find(route, id, cache_);
+  if (message == kNoMessage) {
+    counts_.AddUnknown(id);
+    return kNoTable;
+  }
+  const FrameTarget target = plan.targets()[message];
+  ++counts_.decoded;
+  counts_.too_short += block.Lengths()[frame] < target.length_bytes ? 1 : 0;
+  return target.table;
 }
 
 std::vector<std::int32_t> ChannelTexts::enter(std::span<const std::string> names) {

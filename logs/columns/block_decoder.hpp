@@ -12,6 +12,7 @@
 #include "logs/columns/column_plan.hpp"
 #include "logs/columns/table_decoder.hpp"
 #include "logs/columns/table_rows.hpp"
+#include "zelk/logs/counts.hpp"
 #include "zelk/logs/frame.hpp"
 
 namespace zelk::logs {
@@ -24,6 +25,8 @@ class FrameGroups {
 
   /// The tables that the block has frames of.
   const std::vector<std::uint32_t>& tables() const { return tables_; }
+  /// What became of the frames.
+  const ZelkFrameCounts& counts() const { return counts_; }
   /// Indices of frames, in the order of the block.
   ///
   /// @param group  index in `tables`
@@ -36,12 +39,15 @@ class FrameGroups {
   void find_tables(const ColumnPlan& plan, const ZelkFrameBlock& block,
                    std::optional<std::size_t> only);
 
+  std::uint32_t find_table(const ColumnPlan& plan, const ZelkFrameBlock& block, std::size_t frame);
+
   std::vector<std::uint32_t> routes_;    ///< of channels
   std::vector<std::uint32_t> table_of_;  ///< of each frame
   std::vector<std::uint32_t> tables_;
   std::vector<std::uint32_t> ends_;  ///< by table: number of its frames, then where they end
   std::vector<std::uint32_t> frames_;
   MessageFinder::Cache cache_;
+  ZelkFrameCounts counts_;
 };
 
 /// The names of channels in all blocks, and their indices in the columns of channels.
@@ -70,6 +76,8 @@ class BlockDecoder {
               std::optional<std::size_t> only = {});
   /// The tables that the last block had frames of.
   const std::vector<std::uint32_t>& tables() const { return groups_.tables(); }
+  /// What became of the frames of the last block.
+  const ZelkFrameCounts& counts() const { return groups_.counts(); }
 
  private:
   FrameGroups groups_;

@@ -7,11 +7,9 @@
 #include "logs/columns/state.hpp"
 
 using zelk::logs::ColumnStore;
-using zelk::logs::NamedDatabase;
 
 ColumnStore& ZelkColumnDecoder::State::prepared() {
-  if (!rows)
-    rows.emplace(std::make_shared<const zelk::logs::ColumnPlan>(databases, choice, options));
+  if (!rows) rows.emplace(std::make_shared<const zelk::logs::ColumnPlan>(chosen, options));
   return *rows;
 }
 
@@ -33,24 +31,17 @@ ZelkColumnDecoder::~ZelkColumnDecoder() = default;
 void ZelkColumnDecoder::AddDatabase(const ZelkDatabase& database, std::string_view name,
                                     std::string_view channel) {
   state_->check_is_open();
-  state_->databases.push_back(
-      {{database, zelk::encoding_of(database)}, std::string(name), std::string(channel)});
+  state_->chosen.add_database(database, name, channel);
 }
 
 bool ZelkColumnDecoder::SelectMessages(std::string_view pattern) {
   state_->check_is_open();
-  const std::string& added = state_->choice.messages.emplace_back(pattern);
-  return std::ranges::any_of(state_->databases, [&](const NamedDatabase& database) {
-    return matches_message(database, added);
-  });
+  return state_->chosen.select_messages(pattern);
 }
 
 bool ZelkColumnDecoder::SelectSignals(std::string_view pattern) {
   state_->check_is_open();
-  const std::string& added = state_->choice.signals.emplace_back(pattern);
-  return std::ranges::any_of(state_->databases, [&](const NamedDatabase& database) {
-    return matches_signal(database, added);
-  });
+  return state_->chosen.select_signals(pattern);
 }
 
 const std::vector<ZelkColumnTable>& ZelkColumnDecoder::Tables() {
@@ -96,6 +87,11 @@ void ZelkColumnDecoder::GetSchema(std::size_t table, ArrowSchema* out) const {
 
 bool ZelkColumnDecoder::TakeBatch(std::size_t table, bool is_end, ArrowArray* out) {
   return state_->store().take_batch(table, is_end, *out);
+}
+
+const ZelkFrameCounts& ZelkColumnRows::Counts() const {
+  static const ZelkFrameCounts kNone;
+  return content_ ? content_->decoder.counts() : kNone;
 }
 
 ZelkColumnRows::ZelkColumnRows() = default;

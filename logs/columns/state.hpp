@@ -28,8 +28,7 @@ struct ZelkColumnDecoder::State {
   void check_is_open() const;
 
   ZelkColumnOptions options;
-  std::vector<zelk::logs::NamedDatabase> databases;
-  zelk::logs::Choice choice;
+  zelk::logs::Choosing chosen;
   std::optional<zelk::logs::ColumnStore> rows;  ///< none while choosing
 };
 

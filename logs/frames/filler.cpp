@@ -40,3 +40,13 @@ void ZelkFrameFiller::move_behind(std::span<const std::size_t> indices) {
   move(block_.times_, block_.ids_, block_.flags_, block_.channels_, block_.lengths_,
        block_.offsets_, block_.time_begins_, block_.time_lengths_);
 }
+
+void ZelkFrameFiller::keep(std::span<const std::uint32_t> indices) {
+  const auto pick = [&](auto& values) {
+    for (std::size_t i = 0; i < indices.size(); ++i) values[i] = values[indices[i]];
+  };
+  const auto pick_all = [&](auto&... arrays) { (pick(arrays), ...); };
+  pick_all(block_.times_, block_.ids_, block_.flags_, block_.channels_, block_.lengths_,
+           block_.offsets_, block_.time_begins_, block_.time_lengths_);
+  block_.size_ = indices.size();
+}

@@ -60,6 +60,16 @@ class ZelkFrameFiller {
   /// are moved
   void move_behind(std::span<const std::size_t> indices);
 
+  /// Leaves only some of the frames.
+  ///
+  /// @param indices  of these, in rising order
+  void keep(std::span<const std::uint32_t> indices);
+  /// Sets a time that the log does not spell.
+  void set_time(std::size_t index, std::int64_t time) {
+    block_.times_[index] = time;
+    block_.time_lengths_[index] = 0;
+  }
+
   /// Adds to the times of all frames that have one.
   void shift_times(std::int64_t by) {
     for (std::size_t i = 0; i < block_.size_; ++i)

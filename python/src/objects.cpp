@@ -1,5 +1,6 @@
 // The classes of objects in a database: Message, Signal, Node, and sequences of them.
 
+#include "base/frame_id.hpp"
 #include "base/list.hpp"
 #include "base/signal_bits.hpp"
 #include "check/objects/record_words.hpp"
@@ -22,7 +23,7 @@ nb::object signals_of(const Message& message) {
   return nb::cast(std::move(signals));
 }
 
-std::uint32_t frame_id_of(const Message& message) { return check::bare_id(message.get().id); }
+std::uint32_t frame_id_of(const Message& message) { return bare_id(message.get().id); }
 
 template <typename Object, typename Class>
 void bind_identity(Class& bound) {

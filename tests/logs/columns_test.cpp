@@ -13,6 +13,7 @@
 #include "codec/frames.hpp"
 #include "logs/arrow_reading.hpp"
 #include "logs/columns/kernels.hpp"
+#include "logs/text_database.hpp"
 #include "support/threads.hpp"
 #include "zelk/frame_decoder.hpp"
 #include "zelk/manager.hpp"
@@ -22,18 +23,6 @@ namespace {
 
 using testing::ElementsAre;
 using Rows = std::vector<std::string>;
-
-struct TextDatabase : ZelkDatabase {
-  explicit TextDatabase(std::string text) {
-    for (char& c : text) c = c == '\'' ? '"' : c;
-    EXPECT_EQ(
-        zelk_try_read_text(text.data(), text.size(), &nodes, &messages, &env_vars, &bit_timings,
-                           &attr_defs, &attr_values, &categories, &filter, &comment, &user_data,
-                           &signal_types, &value_tables, predefined.slots),
-        0u)
-        << text;
-  }
-};
 
 /// Messages of all kinds, with the identifiers 0 to 4, and their records.
 struct RandomDatabase : ZelkDatabase {

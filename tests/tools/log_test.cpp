@@ -122,7 +122,7 @@ TEST(Log, Merges) {
       {"a b --relative", 1,
        "(0.000000) can0 001#01\n(1.000000) b 002#\n(2.000000) can0 001#03\n(2.000000) can0 "
        "001#04\n",
-       "zelk: b: a frame has no time, which --start, --stop and --relative need\n"},
+       "zelk: b: a frame has no time, which start, stop and relative times need\n"},
   });
 }
 
@@ -159,8 +159,8 @@ TEST(Log, RefusesAndLeavesTheOutputAsItWas) {
       {"none -o out", 1, "", "none: not a log: no line is a frame\n"},
       {"a -o out --strict", 1, "",
        "a, line 2: not a frame: \"x\"\nzelk: a: --strict takes no line that is not a frame\n"},
-      {"a -o out --start +1", 1, "", "zelk: a: a frame has no time, which --start, "},
-      {"a -o out --start +2 --stop 3", 1, "", "zelk: --stop is not behind --start"},
+      {"a -o out --start +1", 1, "", "zelk: a: a frame has no time, which start, "},
+      {"a -o out --start +2 --stop 3", 1, "", "zelk: a: the stop is not behind the start"},
       {"-o out", 2, "", "IN is required"},
       {"a -o out --start noon", 2, "", "--start: seconds, +SECONDS or a date"},
       {"a -o out --stop +2015-07-10T06:17:32Z", 2, "", "--stop: seconds"},
@@ -189,7 +189,7 @@ TEST(Decode, TimesAndStrictness) {
        "\n",
        "line 2"},
       {"a --strict", 1, "", "zelk: a: --strict takes no line that is not a frame\n"},
-      {"b --stop 5", 1, "", "zelk: b: a frame has no time, which --start"},
+      {"b --stop 5", 1, "", "zelk: b: a frame has no time, which start"},
   };
   for (ToolCase c : cases) {
     c.arguments.insert(0, "decode m.dbc --log ");

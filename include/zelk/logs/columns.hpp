@@ -14,6 +14,7 @@
 #include "zelk/database.hpp"
 #include "zelk/export.h"
 #include "zelk/logs/arrow.h"
+#include "zelk/logs/counts.hpp"
 #include "zelk/logs/frame.hpp"
 
 /// What columns of signals hold.
@@ -78,6 +79,9 @@ class ZELK_LOGS_API ZelkColumnRows {
   ZelkColumnRows(ZelkColumnRows&&) noexcept;
   ZelkColumnRows& operator=(ZelkColumnRows&&) noexcept;
   ~ZelkColumnRows();
+
+  /// What became of the frames of the block.
+  const ZelkFrameCounts& Counts() const;
 
  private:
   friend class ZelkColumnDecoder;

@@ -1,32 +1,29 @@
-#include <algorithm>
 #include <memory>
 #include <optional>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "commands/commands.hpp"
 #include "commands/mending_options.hpp"
 #include "commands/time_options.hpp"
 #include "input/opening.hpp"
-#include "log/frame_catalog.hpp"
-#include "log/log_pipeline.hpp"
+#include "log/log_databases.hpp"
 #include "log/log_probe.hpp"
 #include "log/log_reports.hpp"
+#include "term/progress.hpp"
 #include "term/system.hpp"
 #include "term/text.hpp"
-#include "zelk/logs/reader.hpp"
-#include "zelk/logs/transport.hpp"
+#include "zelk/logs/pipeline.hpp"
 
 namespace zelk::tool {
 
 namespace {
 
 struct Arguments {
-  std::string format = "text";
   std::vector<std::string> databases;
   std::optional<std::string> log;
-  FrameOptions options;
+  ZelkTextOptions text;
+  NameFilter filter;
   TimeOptions times;
   Mending mending;
   bool strict = false;
@@ -35,33 +32,33 @@ struct Arguments {
   unsigned threads = 0;  // 0: by the size of the log
 };
 
-const FrameFormat& format_of(const std::string& name) {
-  if (name == "json") return json_frames();
-  return name == "csv" ? csv_frames() : text_frames();
+ZelkTextFormat format_of(const std::string& name) {
+  if (name == "json") return ZelkTextFormat::kJson;
+  return name == "csv" ? ZelkTextFormat::kCsv : ZelkTextFormat::kText;
 }
 
-/// A pipe is decoded as it comes; a small file is done before a thread has started.
-unsigned threads_for(const ZelkLogReader& log, unsigned wanted) {
-  constexpr std::uint64_t kWorthThreads = 4'000'000;  // bytes
-  if (wanted > 0) return wanted;
-  if (log.SizeBytes().value_or(0) < kWorthThreads) return 1;
-  return std::max(1u, std::thread::hardware_concurrency());
-}
-
-ExitCode decode_log(const Arguments& arguments, const FrameCatalog& catalog, ZelkLogReader& log,
+ExitCode decode_log(const Arguments& arguments, const ZelkTextDecoder& decoder, ZelkLogReader& log,
                     Output& out) {
-  out.raw(arguments.options.format->heading());
   LogReport report(log.Name(), arguments.strict);
-  ZelkTransport transport;
-  ZelkTransport* const wanted_transport = arguments.transport ? &transport : nullptr;
-  LogPipeline pipeline(catalog, arguments.times, log, out, report, wanted_transport);
-  pipeline.run(threads_for(log, arguments.threads));
+  ProgressBar progress(log.SizeBytes().value_or(0));
+  ZelkPipelineOptions options;
+  options.threads = arguments.threads;
+  options.times = arguments.times.window;
+  options.transport = arguments.transport;
+  options.read = read_until_stop;
+  options.report = [&](const ZelkLogBlock& block) {
+    if (!block.malformed.empty()) progress.clear();
+    report.add(block);
+  };
+  out.raw(decoder.Heading());
+  const ZelkLogSummary summary = ZelkDecodeLog(log, decoder, options, [&](std::string_view lines) {
+    out.write_through(lines);
+    progress.update(log.BytesRead());
+  });
+  progress.clear();
   out.flush();
   report.print_rest();
-  transport.End();
-  if (arguments.stats) {
-    report.print_counts(pipeline.unknown(), TimeWindow(arguments.times).cuts(), wanted_transport);
-  }
+  if (arguments.stats) print_summary(summary, options);
   if (NotedStop::is_requested()) return kExitInterrupted;
   return report.is_of_a_log() ? kExitSuccess : kExitFailure;
 }
@@ -78,31 +75,34 @@ bool take_log(std::optional<std::string>& log, const std::string& path) {
 
 /// Opens a database, or takes the argument for the log. A file that begins like a log is still a
 /// database when it can be read as one; a file that is neither is reported with both reasons.
-bool take_argument(const std::string& argument, FrameCatalog& catalog,
+bool take_argument(const std::string& argument, LogDatabases& databases,
                    std::optional<std::string>& log) {
-  if (!exists(argument)) return catalog.open(argument);
+  if (!exists(argument)) return databases.open(argument);
   const std::optional<std::string> why_not = why_no_log(argument);
   if (!why_not && !DatabaseFile().open(argument)) return take_log(log, argument);
-  if (catalog.open(argument)) return true;
+  if (databases.open(argument)) return true;
   if (why_not) print_error(fmt::format("{}: nor a log for --log: {}", escaped(argument), *why_not));
   return false;
 }
 
 ExitCode decode(const Arguments& arguments, Output& out) {
-  FrameCatalog catalog(arguments.options, arguments.mending);
+  LogDatabases databases(arguments.mending);
   std::optional<std::string> log = arguments.log;
   bool all = true;
   for (const std::string& argument : arguments.databases)
-    all &= take_argument(argument, catalog, log);
+    all &= take_argument(argument, databases, log);
   if (!all) return kExitFailure;
-  if (catalog.empty()) {
+  if (databases.empty()) {
     print_error(fmt::format("zelk: {} is a log, and no database is given", escaped(*log)));
     return kExitFailure;
   }
-  if (!catalog.check_filter()) return kExitFailure;
+  if (!databases.check_filter(arguments.filter)) return kExitFailure;
+  ZelkTextDecoder decoder(arguments.text);
+  databases.choose(decoder, arguments.filter);
+  decoder.Prepare();
   const NotedStop stop;
   ZelkLogReader reader(log, {.times = arguments.times.kind, .stop = &NotedStop::is_requested()});
-  return decode_log(arguments, catalog, reader, out);
+  return decode_log(arguments, decoder, reader, out);
 }
 
 void add_filter_options(CLI::App& command, NameFilter& filter) {
@@ -140,17 +140,19 @@ void add_decode_command(CLI::App& app, Action& action) {
           "standard input")
       ->type_name("FILE");
   command
-      ->add_option("--format", arguments->format,
-                   "text (a line for each frame), json (an object in a line for each frame) or\n"
-                   "csv (a line for each signal)")
+      ->add_option_function<std::string>(
+          "--format",
+          [arguments](const std::string& name) { arguments->text.format = format_of(name); },
+          "text (a line for each frame), json (an object in a line for each frame) or\n"
+          "csv (a line for each signal)")
       ->type_name("FORMAT")
       ->check(CLI::IsMember({"text", "json", "csv"}).description(""));
-  command->add_flag("--raw", arguments->options.raw, "Raw values instead of physical ones");
-  command->add_flag("--numbers", arguments->options.numbers, "No value descriptions");
-  add_filter_options(*command, arguments->options.filter);
+  command->add_flag("--raw", arguments->text.raw, "Raw values instead of physical ones");
+  command->add_flag("--numbers", arguments->text.numbers, "No value descriptions");
+  add_filter_options(*command, arguments->filter);
   command->add_flag("--j1939-tp", arguments->transport,
                     "Put messages of the J1939 transport protocol together (BAM, RTS/CTS)");
-  command->add_flag("--match-pgn", arguments->options.match_groups,
+  command->add_flag("--match-pgn", arguments->text.match_groups,
                     "Match extended identifiers by their J1939 parameter group also where the\n"
                     "databases do not say that their messages have any");
   add_time_options(*command, arguments->times);
@@ -164,7 +166,6 @@ void add_decode_command(CLI::App& app, Action& action) {
       ->check(CLI::Range(1u, 256u).description(""));
   add_mending_options(*command, arguments->mending);
   command->callback([arguments, &action] {
-    arguments->options.format = &format_of(arguments->format);
     action = [arguments](Output& out) { return decode(*arguments, out); };
   });
 }

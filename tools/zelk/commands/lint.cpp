@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/quoting.hpp"
 #include "check/faults/diagnose.hpp"
 #include "check/lint/lint.hpp"
 #include "commands/commands.hpp"
@@ -18,7 +19,6 @@
 #include "input/opening.hpp"
 #include "lint/configuration.hpp"
 #include "term/json_array.hpp"
-#include "term/quoting.hpp"
 #include "term/text.hpp"
 
 namespace zelk::tool {

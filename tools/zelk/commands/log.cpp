@@ -132,7 +132,7 @@ ExitCode convert_logs(const Arguments& arguments, Output& out) {
   LogMerge logs(paths, arguments.strict, arguments.times.kind,
                 arguments.out == kStandard && is_terminal(stdout));
   Target target(arguments.out, out);
-  LogCopy copy(logs, arguments.filter, arguments.times,
+  LogCopy copy(logs, arguments.filter, arguments.times.window,
                [&target](std::string_view text) { target.write(text); });
   copy.run();
   const bool are_logs = report(logs);

@@ -6,9 +6,15 @@
 
 #include <CLI/CLI.hpp>
 
-#include "log/time_window.hpp"
+#include "zelk/logs/reader.hpp"
+#include "zelk/logs/time_window.hpp"
 
 namespace zelk::tool {
+
+struct TimeOptions {
+  ZelkTimeOptions window{};
+  ZelkLogTimes kind = ZelkLogTimes::kDetect;  ///< what the times of a log of candump are
+};
 
 /// Adds --start, --stop, --relative and --times.
 ///

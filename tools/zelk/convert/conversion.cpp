@@ -2,12 +2,12 @@
 
 #include <vector>
 
+#include "base/quoting.hpp"
 #include "input/lookup.hpp"
 #include "input/mending.hpp"
 #include "input/opening.hpp"
 #include "save/saving.hpp"
 #include "term/output.hpp"
-#include "term/quoting.hpp"
 #include "term/system.hpp"
 #include "term/text.hpp"
 #include "zelk/converter.hpp"

@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
+#include "base/frame_id.hpp"
 #include "table/objects.hpp"
 #include "words/attribute_words.hpp"
 #include "words/record_words.hpp"

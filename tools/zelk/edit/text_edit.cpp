@@ -6,12 +6,12 @@
 #include <unordered_set>
 #include <utility>
 
+#include "base/quoting.hpp"
 #include "diff/diff_text.hpp"
 #include "files/files.hpp"
 #include "input/lookup.hpp"
 #include "save/exact_text.hpp"
 #include "term/output.hpp"
-#include "term/quoting.hpp"
 #include "term/text.hpp"
 
 namespace zelk::tool {

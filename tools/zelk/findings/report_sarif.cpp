@@ -11,9 +11,9 @@
 #include <set>
 
 #include "base/characters.hpp"
+#include "base/quoting.hpp"
 #include "findings/report_json.hpp"
 #include "term/json_array.hpp"
-#include "term/quoting.hpp"
 
 namespace zelk::tool {
 

@@ -1,10 +1,10 @@
 #include <fmt/format.h>
 
 #include "base/escaping.hpp"
+#include "base/quoting.hpp"
 #include "findings/excerpt.hpp"
 #include "findings/report.hpp"
 #include "findings/report_json.hpp"
-#include "term/quoting.hpp"
 #include "term/text.hpp"
 
 namespace zelk::tool {

@@ -5,9 +5,9 @@
 #include <system_error>
 #include <utility>
 
+#include "base/quoting.hpp"
 #include "files/files.hpp"
 #include "input/lookup.hpp"
-#include "term/quoting.hpp"
 #include "term/text.hpp"
 
 namespace zelk::tool {

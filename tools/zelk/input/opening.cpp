@@ -1,9 +1,9 @@
 #include "input/opening.hpp"
 
+#include "base/quoting.hpp"
 #include "input/diagnosis.hpp"
 #include "input/mending.hpp"
 #include "term/output.hpp"
-#include "term/quoting.hpp"
 #include "term/text.hpp"
 
 namespace zelk::tool {

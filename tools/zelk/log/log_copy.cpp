@@ -12,7 +12,7 @@ constexpr std::size_t kMostText = 1 << 18;  // that is held back
 
 }  // namespace
 
-LogCopy::LogCopy(LogMerge& logs, const FrameFilter& filter, const TimeOptions& times, Sink sink)
+LogCopy::LogCopy(LogMerge& logs, const FrameFilter& filter, const ZelkTimeOptions& times, Sink sink)
     : logs_(logs), filter_(filter), window_(times), sink_(std::move(sink)) {}
 
 void LogCopy::run() {
@@ -24,9 +24,9 @@ void LogCopy::run() {
 void LogCopy::copy(const LogMerge::Run& run) {
   const ZelkFrameBlock& frames = run.log->frames();
   const std::string& name = run.log->reader().Name();
-  if (window_.is_needed() && !window_.has_begun()) window_.begin(frames.Times()[run.begin], name);
+  if (window_.IsNeeded() && !window_.HasBegun()) window_.Begin(frames.Times()[run.begin], name);
   for (std::size_t i = run.begin; i < run.end; ++i)
-    if (window_.takes(frames.Times()[i], name)) copy_frame(frames, i);
+    if (window_.Takes(frames.Times()[i], name)) copy_frame(frames, i);
   if (run.end == frames.Size() || text_.size() >= kMostText) hand_on();
 }
 
@@ -36,7 +36,7 @@ void LogCopy::copy_frame(const ZelkFrameBlock& frames, std::size_t index) {
   const bool is_taken = filter_.takes_interface(interface_name) &&
                         filter_.takes_id(frames.Ids()[index], frames.Flags()[index]);
   if (!is_taken) return;
-  ZelkAppendLogLine(frames, index, interface_name, text_, window_.shown(frames.Times()[index]));
+  ZelkAppendLogLine(frames, index, interface_name, text_, window_.Shown(frames.Times()[index]));
   ++written_;
 }
 

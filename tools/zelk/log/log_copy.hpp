@@ -11,7 +11,7 @@
 
 #include "log/frame_filter.hpp"
 #include "log/log_merge.hpp"
-#include "log/time_window.hpp"
+#include "zelk/logs/time_window.hpp"
 
 namespace zelk::tool {
 
@@ -26,13 +26,13 @@ class LogCopy {
 
   /// @param logs    must outlive the object
   /// @param filter  likewise
-  LogCopy(LogMerge& logs, const FrameFilter& filter, const TimeOptions& times, Sink sink);
+  LogCopy(LogMerge& logs, const FrameFilter& filter, const ZelkTimeOptions& times, Sink sink);
 
   /// Copies the logs to their end. What comes from a pipe is handed on before the next of it is
   /// waited for.
   ///
-  /// @throws ZelkLogError when a log cannot be read, RequestError when it is not as the user wants
-  /// it
+  /// @throws ZelkLogError when a log cannot be read or a frame has no time and needs one,
+  /// RequestError when a log is not as the user wants it
   void run();
 
   /// Number of frames copied.
@@ -45,7 +45,7 @@ class LogCopy {
 
   LogMerge& logs_;
   const FrameFilter& filter_;
-  TimeWindow window_;
+  ZelkTimeWindow window_;
   Sink sink_;
   std::string text_;
   std::uint64_t written_ = 0;

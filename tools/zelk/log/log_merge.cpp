@@ -18,9 +18,7 @@ bool MergedLog::load(ProgressBar& progress) {
     if (!read_until_stop([this] { return reader_.Next(block_); })) return false;
     next_ = 0;
     if (!block_.malformed.empty()) progress.clear();
-    LogCounts counts;
-    static_cast<ZelkLogCounts&>(counts) = block_.counts;
-    report_.add(block_, counts);
+    report_.add(block_);
   }
   return true;
 }

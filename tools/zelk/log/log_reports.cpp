@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -23,7 +24,7 @@ constexpr std::size_t kMostIds = 5;
 constexpr std::size_t kMostMalformed = ZelkLogBlock::kMostMalformed;
 
 /// "0x7DF (12), 0x18FF1100 (3), ..."
-std::string most_frequent(const UnknownIds& unknown) {
+std::string most_frequent(const std::unordered_map<std::uint32_t, std::uint64_t>& unknown) {
   std::vector<std::pair<std::uint32_t, std::uint64_t>> ids(unknown.begin(), unknown.end());
   std::ranges::sort(ids, [](const auto& a, const auto& b) {
     return a.second != b.second ? a.second > b.second : a.first < b.first;
@@ -48,14 +49,14 @@ void print_transport(const ZelkTransportCounts& counts) {
 
 }  // namespace
 
-void LogReport::add(const ZelkLogBlock& block, const LogCounts& decoded) {
+void LogReport::add(const ZelkLogBlock& block) {
   std::uint64_t printed = std::min<std::uint64_t>(counts_.malformed, kMostMalformed);
   for (const ZelkMalformedLine& line : block.malformed) {
     if (printed++ >= kMostMalformed) break;
     print_error(fmt::format("{}, line {}: not a frame: {}", escaped(log_name_), line.number,
                             in_quotes(line.text)));
   }
-  counts_ += decoded;
+  counts_ += block.counts;
   if (is_strict_ && block.counts.malformed > 0) {
     throw RequestError(
         fmt::format("{}: --strict takes no line that is not a frame", escaped(log_name_)));
@@ -71,22 +72,23 @@ void LogReport::print_rest() const {
     print_error(fmt::format("{}: not a log: no line is a frame", escaped(log_name_)));
 }
 
-void LogReport::print_counts(const UnknownIds& unknown, bool has_outside,
-                             const ZelkTransport* transport) const {
-  print_count("lines", counts_.lines);
-  print_count("frames", counts_.frames);
-  if (has_outside) print_count("  other times", counts_.outside);
-  print_count("  decoded", counts_.decoded);
-  print_count("    too short", counts_.too_short);
-  print_count("  unknown", counts_.unknown,
-              unknown.empty() ? ""
-                              : fmt::format(", of {}: {}", counted(unknown.size(), "identifier"),
-                                            most_frequent(unknown)));
-  if (transport) print_count("  packets", counts_.packets);
-  print_count("  remote", counts_.remote);
-  print_count("  error", counts_.errors);
-  print_count("malformed lines", counts_.malformed);
-  if (transport) print_transport(transport->Counts());
+void print_summary(const ZelkLogSummary& summary, const ZelkPipelineOptions& options) {
+  const ZelkFrameCounts& frames = summary.frames;
+  const auto& ids = frames.unknown_ids;
+  print_count("lines", summary.log.lines);
+  print_count("frames", summary.log.frames);
+  if (ZelkTimeWindow(options.times).Cuts()) print_count("  other times", frames.outside);
+  print_count("  decoded", frames.decoded);
+  print_count("    too short", frames.too_short);
+  print_count("  unknown", frames.unknown,
+              ids.empty() ? ""
+                          : fmt::format(", of {}: {}", counted(ids.size(), "identifier"),
+                                        most_frequent(ids)));
+  if (options.transport) print_count("  packets", frames.packets);
+  print_count("  remote", frames.remote);
+  print_count("  error", frames.errors);
+  print_count("malformed lines", summary.log.malformed);
+  if (options.transport) print_transport(summary.transport);
 }
 
 }  // namespace zelk::tool

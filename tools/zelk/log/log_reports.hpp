@@ -9,8 +9,7 @@
 #include <string_view>
 #include <utility>
 
-#include "log/log_decoder.hpp"
-#include "zelk/logs/transport.hpp"
+#include "zelk/logs/pipeline.hpp"
 
 namespace zelk::tool {
 
@@ -22,27 +21,25 @@ class LogReport {
   LogReport(std::string log_name, bool strict)
       : log_name_(std::move(log_name)), is_strict_(strict) {}
 
-  /// @param decoded  what came of `block`
   /// @throws RequestError for malformed lines when they are an error
-  void add(const ZelkLogBlock& block, const LogCounts& decoded);
+  void add(const ZelkLogBlock& block);
   /// Prints how many lines are malformed when not all were printed, and an error when no line is a
   /// frame.
   void print_rest() const;
   /// False when there were lines, and none was a frame.
   bool is_of_a_log() const { return counts_.frames > 0 || counts_.malformed == 0; }
-  const LogCounts& counts() const { return counts_; }
-  /// Prints all counts of a log that was decoded.
-  ///
-  /// @param has_outside  whether frames could be left out by their times
-  /// @param transport  null: messages of the transport protocol were not put together
-  void print_counts(const UnknownIds& unknown, bool has_outside,
-                    const ZelkTransport* transport) const;
+  const ZelkLogCounts& counts() const { return counts_; }
 
  private:
   std::string log_name_;
   bool is_strict_;
-  LogCounts counts_;
+  ZelkLogCounts counts_;
 };
+
+/// Prints all counts of a log that was decoded on standard error.
+///
+/// @param options  with which it was
+void print_summary(const ZelkLogSummary& summary, const ZelkPipelineOptions& options);
 
 /// Prints one line of statistics on standard error.
 ///

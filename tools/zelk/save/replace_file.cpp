@@ -4,10 +4,10 @@
 #include <cstdio>
 #include <system_error>
 
+#include "base/quoting.hpp"
 #include "input/lookup.hpp"
 #include "input/opening.hpp"
 #include "term/output.hpp"
-#include "term/quoting.hpp"
 #include "term/system.hpp"
 #include "term/text.hpp"
 

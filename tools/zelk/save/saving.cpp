@@ -4,12 +4,12 @@
 #include <utility>
 #include <vector>
 
+#include "base/quoting.hpp"
 #include "diff/diff_text.hpp"
 #include "input/lookup.hpp"
 #include "input/opening.hpp"
 #include "save/temporary_file.hpp"
 #include "term/output.hpp"
-#include "term/quoting.hpp"
 #include "term/system.hpp"
 #include "term/text.hpp"
 

@@ -5,9 +5,10 @@
 #include <string_view>
 #include <vector>
 
+#include "base/name_filter.hpp"
+#include "base/wildcards.hpp"
 #include "check/picture/message_picture.hpp"
 #include "input/lookup.hpp"
-#include "input/name_filter.hpp"
 #include "show/describe.hpp"
 #include "term/text.hpp"
 

@@ -1,7 +1,7 @@
 #include <string_view>
 
+#include "base/quoting.hpp"
 #include "table/rows.hpp"
-#include "term/quoting.hpp"
 
 namespace zelk::tool {
 

@@ -2,8 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "base/quoting.hpp"
 #include "table/rows.hpp"
-#include "term/quoting.hpp"
 
 namespace zelk::tool {
 

@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <string_view>
 
+#include "base/name_filter.hpp"
+#include "base/wildcards.hpp"
 #include "input/lookup.hpp"
-#include "input/name_filter.hpp"
 #include "term/text.hpp"
 
 namespace zelk::tool {

@@ -5,8 +5,9 @@
 #include <string_view>
 
 #include "base/j1939.hpp"
+#include "base/name_filter.hpp"
+#include "base/wildcards.hpp"
 #include "input/lookup.hpp"
-#include "input/name_filter.hpp"
 #include "table/json.hpp"
 #include "term/text.hpp"
 #include "words/j1939.hpp"

@@ -8,10 +8,8 @@
 
 namespace zelk::tool {
 
-using check::bare_id;
 using check::byte_order;
 using check::env_var_type;
-using check::id_digits;
 using check::id_format;
 using check::number_format;
 using check::padded_id;

@@ -1,4 +1,4 @@
-#include "log/prepared_message.hpp"
+#include "logs/texts/prepared_message.hpp"
 
 #include <bit>
 #include <cmath>
@@ -7,17 +7,17 @@
 #include "base/list.hpp"
 #include "base/signal_bits.hpp"
 
-namespace zelk::tool {
+namespace zelk::logs {
 
 namespace {
 
-DescriptionTexts descriptions_of(const sigblk& signal, std::string_view name,
-                                 const FrameOptions& options, Encoding encoding) {
-  DescriptionTexts texts;
+PrintedDescriptions descriptions_of(const sigblk& signal, std::string_view name,
+                                    const FrameOptions& options, const NamedDatabase& database) {
+  PrintedDescriptions texts;
   if (options.numbers || is_ieee(signal)) return texts;
   for (const val& value : each(signal.values)) {
     texts.add(static_cast<std::uint32_t>(value.value),
-              options.format->description_text(name, to_utf8(view(value.text), encoding)));
+              options.format.description_text(name, database.text_of(value.text)));
   }
   return texts;
 }
@@ -37,7 +37,7 @@ void append_ieee(LineBuffer& out, const PreparedSignal& signal, std::int64_t val
 
 }  // namespace
 
-std::string_view DescriptionTexts::find(std::int64_t raw) const {
+std::string_view PrintedDescriptions::find(std::int64_t raw) const {
   if (texts_.empty()) return {};
   if (raw < std::numeric_limits<std::int32_t>::min() ||
       raw > std::numeric_limits<std::uint32_t>::max()) {
@@ -48,7 +48,7 @@ std::string_view DescriptionTexts::find(std::int64_t raw) const {
 }
 
 PreparedSignal::PreparedSignal(const sigblk& signal, std::size_t position,
-                               const FrameOptions& options, Encoding encoding)
+                               const FrameOptions& options, const NamedDatabase& database)
     : index(position),
       is_signed(zelk::is_signed(signal)),
       is_ieee(zelk::is_ieee(signal)),
@@ -56,10 +56,10 @@ PreparedSignal::PreparedSignal(const sigblk& signal, std::size_t position,
       factor(signal.factor),
       offset(signal.offset),
       scale(signal.factor, signal.offset) {
-  const std::string name = to_utf8(view(signal.name), encoding);
-  const std::string unit = options.raw ? "" : to_utf8(view(signal.unit), encoding);
-  texts = options.format->signal_texts(name, unit);
-  descriptions = descriptions_of(signal, name, options, encoding);
+  const std::string name = database.text_of(signal.name);
+  const std::string unit = options.raw ? "" : database.text_of(signal.unit);
+  texts = options.format.signal_texts(name, unit);
+  descriptions = descriptions_of(signal, name, options, database);
 }
 
 double PreparedSignal::ieee_number(std::int64_t raw) const {
@@ -80,17 +80,17 @@ void append_value(LineBuffer& out, const PreparedSignal& signal, std::int64_t va
   }
 }
 
-PreparedMessage::PreparedMessage(const ZelkFrameDecoder& of, const FrameOptions& options,
-                                 Encoding encoding)
-    : decoder(&of),
-      name(options.format->message_text(to_utf8(view(of.Message().name), encoding))),
-      needs_signal(!options.filter.signals.empty()) {
-  const msgblk& message = of.Message();
-  for (std::size_t i = 0; i < of.SignalCount(); ++i) {
-    if (options.filter.takes(message, of.Signal(i)))
-      signals.emplace_back(of.Signal(i), i, options, encoding);
+PreparedMessage::PreparedMessage(const msgblk& message, const NamedDatabase& database,
+                                 const NameFilter& choice, const FrameOptions& options)
+    : decoder(message), length_bytes(message.dlc), needs_signal(!choice.signals.empty()) {
+  const std::string owner = database.text_of(message.name);
+  name = options.format.message_text(owner);
+  for (std::size_t i = 0; i < decoder.SignalCount(); ++i) {
+    const sigblk& signal = decoder.Signal(i);
+    if (choice.takes_signal(database.text_of(signal.name), owner))
+      signals.emplace_back(signal, i, options, database);
   }
-  is_shown = options.filter.takes(message) && !(needs_signal && signals.empty());
+  is_shown = choice.takes_message(owner) && !(needs_signal && signals.empty());
 }
 
-}  // namespace zelk::tool
+}  // namespace zelk::logs

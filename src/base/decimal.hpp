@@ -1,24 +1,31 @@
 /// \file
-/// Physical values as decimal texts.
+/// Numbers as outputs spell them, put into a buffer: physical values in decimal, identifiers in
+/// hexadecimal. Independent of the process's locale.
 
-#ifndef ZELK_TOOL_TERM_DECIMAL_HPP
-#define ZELK_TOOL_TERM_DECIMAL_HPP
+#ifndef ZELK_BASE_DECIMAL_HPP
+#define ZELK_BASE_DECIMAL_HPP
 
 #include <cstddef>
 #include <cstdint>
 
-namespace zelk::tool {
+namespace zelk {
 
 /// Room that every number of this file fits into.
 inline constexpr std::size_t kNumberBytes = 40;
 
-/// Puts the shortest text that reads back as `value`: "0.1", "1e+20", "nan", "-inf".
+/// Puts the shortest text that reads back as `value`: "0.1", "655.35", "nan", "-inf"; below 0.0001
+/// and from 10^16 on with an exponent, "1e+20".
 ///
 /// @param at  has room for `kNumberBytes`
 /// @return where the text ends
 char* put_double(char* at, double value);
 /// Likewise, the shortest that reads back as this float.
 char* put_float(char* at, float value);
+
+/// Puts at least `digits` hexadecimal digits, in capitals and without "0x".
+///
+/// @param digits  at most 16
+char* put_hex(char* at, std::uint64_t number, int digits);
 
 /// Puts a whole number; `is_signed` false takes `raw` as unsigned.
 char* put_integer(char* at, std::int64_t raw, bool is_signed);
@@ -48,6 +55,6 @@ class DecimalScale {
   std::size_t decimals_ = 0;
 };
 
-}  // namespace zelk::tool
+}  // namespace zelk
 
 #endif

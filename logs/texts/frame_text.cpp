@@ -1,11 +1,11 @@
-#include "log/frame_format.hpp"
-#include "log/prepared_message.hpp"
-#include "term/quoting.hpp"
-#include "term/text.hpp"
+#include "base/escaping.hpp"
+#include "base/quoting.hpp"
+#include "logs/texts/frame_format.hpp"
+#include "logs/texts/prepared_message.hpp"
 
 // (TIME) INTERFACE MESSAGE SIGNAL=VALUE UNIT "DESCRIPTION" SIGNAL=...
 
-namespace zelk::tool {
+namespace zelk::logs {
 
 namespace {
 
@@ -50,4 +50,9 @@ const FrameFormat& text_frames() {
   return format;
 }
 
-}  // namespace zelk::tool
+const FrameFormat& frames_in(ZelkTextFormat format) {
+  if (format == ZelkTextFormat::kJson) return json_frames();
+  return format == ZelkTextFormat::kCsv ? csv_frames() : text_frames();
+}
+
+}  // namespace zelk::logs

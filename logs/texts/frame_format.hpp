@@ -1,15 +1,16 @@
 /// \file
 /// The formats in which decoded frames are printed; each stands in a source of its own.
 
-#ifndef ZELK_TOOL_LOG_FRAME_FORMAT_HPP
-#define ZELK_TOOL_LOG_FRAME_FORMAT_HPP
+#ifndef ZELK_LOGS_TEXTS_FRAME_FORMAT_HPP
+#define ZELK_LOGS_TEXTS_FRAME_FORMAT_HPP
 
 #include <string>
 #include <string_view>
 
-#include "term/line_buffer.hpp"
+#include "base/line_buffer.hpp"
+#include "zelk/logs/texts.hpp"
 
-namespace zelk::tool {
+namespace zelk::logs {
 
 struct DecodedFrame;
 
@@ -48,10 +49,11 @@ class FrameFormat {
   constexpr FrameFormat() = default;
 };
 
-const FrameFormat& text_frames();  ///< a line for each frame
-const FrameFormat& json_frames();  ///< an object in a line for each frame
-const FrameFormat& csv_frames();   ///< a line for each signal
+const FrameFormat& text_frames();
+const FrameFormat& json_frames();
+const FrameFormat& csv_frames();
+const FrameFormat& frames_in(ZelkTextFormat format);
 
-}  // namespace zelk::tool
+}  // namespace zelk::logs
 
 #endif

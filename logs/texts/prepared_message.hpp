@@ -1,8 +1,8 @@
 /// \file
 /// What a message needs to print its frames, prepared once.
 
-#ifndef ZELK_TOOL_LOG_PREPARED_MESSAGE_HPP
-#define ZELK_TOOL_LOG_PREPARED_MESSAGE_HPP
+#ifndef ZELK_LOGS_TEXTS_PREPARED_MESSAGE_HPP
+#define ZELK_LOGS_TEXTS_PREPARED_MESSAGE_HPP
 
 #include <cstddef>
 #include <cstdint>
@@ -11,25 +11,22 @@
 #include <string_view>
 #include <vector>
 
-#include "base/encoding.hpp"
-#include "input/name_filter.hpp"
-#include "log/frame_format.hpp"
-#include "term/decimal.hpp"
+#include "base/decimal.hpp"
+#include "logs/lookup/choosing.hpp"
+#include "logs/texts/frame_format.hpp"
 #include "zelk/frame_decoder.hpp"
 
-namespace zelk::tool {
+namespace zelk::logs {
 
-/// Which fields of a frame are printed, and in which format.
+/// How the texts of a message are made.
 struct FrameOptions {
-  const FrameFormat* format = &text_frames();
-  bool raw = false;           ///< raw values instead of physical ones
-  bool numbers = false;       ///< no value descriptions
-  bool match_groups = false;  ///< by J1939 parameter group also where databases do not say so
-  NameFilter filter;
+  const FrameFormat& format;
+  bool raw;      ///< raw values instead of physical ones
+  bool numbers;  ///< no value descriptions
 };
 
 /// The value descriptions of a signal, each as the format has it.
-class DescriptionTexts {
+class PrintedDescriptions {
  public:
   /// Of several texts for a value the first counts.
   void add(std::uint32_t value, const std::string& text) { texts_.try_emplace(value, text); }
@@ -43,7 +40,7 @@ class DescriptionTexts {
 /// One signal of a message.
 struct PreparedSignal {
   PreparedSignal(const sigblk& signal, std::size_t position, const FrameOptions& options,
-                 Encoding encoding);
+                 const NamedDatabase& database);
 
   /// The number in an IEEE signal.
   double ieee_number(std::int64_t raw) const;
@@ -56,7 +53,7 @@ struct PreparedSignal {
   double offset;
   DecimalScale scale;
   SignalTexts texts;
-  DescriptionTexts descriptions;
+  PrintedDescriptions descriptions;
 };
 
 /// How not-a-number and the infinities are written: "nan", "inf", "-inf", or "null".
@@ -69,14 +66,15 @@ void append_value(LineBuffer& out, const PreparedSignal& signal, std::int64_t va
 
 /// One message.
 struct PreparedMessage {
-  /// @param encoding  of the database's texts
-  PreparedMessage(const ZelkFrameDecoder& of, const FrameOptions& options, Encoding encoding);
+  PreparedMessage(const msgblk& message, const NamedDatabase& database, const NameFilter& choice,
+                  const FrameOptions& options);
 
-  const ZelkFrameDecoder* decoder;
+  ZelkFrameDecoder decoder;
+  std::size_t length_bytes;
   std::string name;                     ///< as the format has it
   std::vector<PreparedSignal> signals;  ///< those to print, in the order of the message
-  bool is_shown;      ///< whether the filter takes the message and any of its signals
-  bool needs_signal;  ///< whether a frame without any signal to print is left out
+  bool is_shown;                        ///< whether the message and any of its signals are chosen
+  bool needs_signal;                    ///< whether a frame without any signal to print is left out
 };
 
 /// A decoded frame.
@@ -98,6 +96,6 @@ void for_each_present(const DecodedFrame& frame, const Visit& visit) {
   }
 }
 
-}  // namespace zelk::tool
+}  // namespace zelk::logs
 
 #endif

@@ -1,17 +1,17 @@
 #include <algorithm>
 
 #include "base/characters.hpp"
-#include "log/frame_format.hpp"
-#include "log/prepared_message.hpp"
-#include "term/decimal.hpp"
-#include "term/quoting.hpp"
-#include "words/record_words.hpp"
+#include "base/decimal.hpp"
+#include "base/frame_id.hpp"
+#include "base/quoting.hpp"
+#include "logs/texts/frame_format.hpp"
+#include "logs/texts/prepared_message.hpp"
 
 // {"time":T,"interface":"I","id":N,"extended":B,"message":"M","signals":{"S":V,...},
 //  "texts":{"S":"DESCRIPTION",...}}, in one line; "time" and "texts" only when there are any, but a
 // frame without an interface has null for it and for a time that it has not
 
-namespace zelk::tool {
+namespace zelk::logs {
 
 namespace {
 
@@ -117,4 +117,4 @@ const FrameFormat& json_frames() {
   return format;
 }
 
-}  // namespace zelk::tool
+}  // namespace zelk::logs

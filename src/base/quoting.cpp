@@ -1,13 +1,14 @@
-#include "term/quoting.hpp"
+#include "base/quoting.hpp"
 
-#include <fmt/format.h>
+#include <array>
 
+#include "base/decimal.hpp"
 #include "base/encoding.hpp"
-#include "term/text.hpp"
+#include "base/escaping.hpp"
 
-namespace zelk::tool {
+namespace zelk {
 
-std::string utf8(std::string_view text) { return zelk::to_utf8(text, zelk::encoding_of(text)); }
+std::string utf8(std::string_view text) { return to_utf8(text, encoding_of(text)); }
 
 std::string json_string(std::string_view text) {
   std::string result = "\"";
@@ -17,7 +18,9 @@ std::string json_string(std::string_view text) {
       result += '\\';
       result += c;
     } else if (byte < 0x20 || byte == 0x7F) {
-      result += fmt::format("\\u{:04X}", byte);
+      std::array<char, 4> digits;
+      result += "\\u";
+      result.append(digits.data(), put_hex(digits.data(), byte, 4));
     } else {
       result += c;
     }
@@ -39,4 +42,4 @@ std::string csv_quoted(std::string_view text) {
   return result + '"';
 }
 
-}  // namespace zelk::tool
+}  // namespace zelk

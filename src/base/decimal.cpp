@@ -1,20 +1,19 @@
-#include "term/decimal.hpp"
-
-#include <fmt/format.h>
+#include "base/decimal.hpp"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
-#include <cstring>
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "base/characters.hpp"
 #include "base/numbers.hpp"
 
-namespace zelk::tool {
+namespace zelk {
 
 namespace {
 
@@ -34,6 +33,28 @@ std::int64_t power_of_ten(int exponent) {
   std::int64_t power = 1;
   for (; exponent > 0; --exponent) power *= 10;
   return power;
+}
+
+/// `std::to_chars` alone would write 100000 as 1e+05, which is shorter. In fixed notation it writes
+/// all digits of large floats, also those that are not needed to tell them: these come from the
+/// notation with an exponent.
+template <typename Number>
+char* put_shortest(char* at, Number value) {
+  constexpr Number kExactBelow = Number{1} / std::numeric_limits<Number>::epsilon();
+  const Number size = std::abs(value);
+  char* const end = at + kNumberBytes;
+  if (size == 0 || (size >= static_cast<Number>(1e-4) && size < kExactBelow))
+    return std::to_chars(at, end, value, std::chars_format::fixed).ptr;
+  char* const stop = std::to_chars(at, end, value, std::chars_format::scientific).ptr;
+  if (!(size >= kExactBelow && size < static_cast<Number>(1e16))) return stop;
+  char* const mark = std::find(at, stop, 'e');
+  const auto exponent = static_cast<std::size_t>((mark[2] - '0') * 10 + (mark[3] - '0'));
+  char* const digits = at + (*at == '-' ? 1 : 0);
+  char* const whole_end = digits + 1 + exponent;
+  // No fraction is left of so large a number: its digits move over the point, and zeros follow.
+  char* const moved = mark > digits + 1 ? std::copy(digits + 2, mark, digits + 1) : digits + 1;
+  std::fill(moved, std::max(moved, whole_end), '0');
+  return whole_end;
 }
 
 /// The shortest decimal of `value`; none for one of more than 15 digits or beyond the exponents
@@ -92,9 +113,17 @@ char* put_with_point(char* at, std::uint64_t magnitude, std::size_t decimals) {
 
 }  // namespace
 
-char* put_double(char* at, double value) { return fmt::format_to(at, "{}", value); }
+char* put_double(char* at, double value) { return put_shortest(at, value); }
 
-char* put_float(char* at, float value) { return fmt::format_to(at, "{}", value); }
+char* put_float(char* at, float value) { return put_shortest(at, value); }
+
+char* put_hex(char* at, std::uint64_t number, int digits) {
+  std::array<char, 16> buffer;
+  const char* const end =
+      std::to_chars(buffer.data(), buffer.data() + buffer.size(), number, 16).ptr;
+  at = std::fill_n(at, std::max<std::ptrdiff_t>(digits - (end - buffer.data()), 0), '0');
+  return std::transform(static_cast<const char*>(buffer.data()), end, at, to_upper);
+}
 
 char* put_integer(char* at, std::int64_t raw, bool is_signed) {
   if (is_signed) return std::to_chars(at, at + kNumberBytes, raw).ptr;
@@ -128,4 +157,4 @@ char* DecimalScale::put(char* at, std::int64_t raw, bool is_signed) const {
   return put_with_point(at, static_cast<std::uint64_t>(std::abs(units)), decimals_);
 }
 
-}  // namespace zelk::tool
+}  // namespace zelk

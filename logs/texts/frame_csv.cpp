@@ -1,15 +1,13 @@
-#include <fmt/format.h>
-
-#include "log/frame_format.hpp"
-#include "log/prepared_message.hpp"
-#include "term/decimal.hpp"
-#include "term/quoting.hpp"
-#include "term/text.hpp"
-#include "words/record_words.hpp"
+#include "base/decimal.hpp"
+#include "base/escaping.hpp"
+#include "base/frame_id.hpp"
+#include "base/quoting.hpp"
+#include "logs/texts/frame_format.hpp"
+#include "logs/texts/prepared_message.hpp"
 
 // TIME,INTERFACE,0xID,MESSAGE,SIGNAL,RAW,VALUE,UNIT,DESCRIPTION, a line for each signal
 
-namespace zelk::tool {
+namespace zelk::logs {
 
 namespace {
 
@@ -18,8 +16,9 @@ void append_lead(LineBuffer& out, const DecodedFrame& frame) {
   out.append(frame.time);
   out.append(',');
   out.append(frame.interface_text);
-  out.end_at(fmt::format_to(out.room(kNumberBytes), ",0x{:0{}X},", bare_id(frame.id),
-                            id_digits(frame.id)));
+  out.append(",0x");
+  out.end_at(put_hex(out.room(kNumberBytes), bare_id(frame.id), id_digits(frame.id)));
+  out.append(',');
   out.append(frame.message->name);
 }
 
@@ -66,4 +65,4 @@ const FrameFormat& csv_frames() {
   return format;
 }
 
-}  // namespace zelk::tool
+}  // namespace zelk::logs

@@ -1,13 +1,13 @@
 /// \file
 /// Texts as JSON and CSV have them.
 
-#ifndef ZELK_TOOL_TERM_QUOTING_HPP
-#define ZELK_TOOL_TERM_QUOTING_HPP
+#ifndef ZELK_BASE_QUOTING_HPP
+#define ZELK_BASE_QUOTING_HPP
 
 #include <string>
 #include <string_view>
 
-namespace zelk::tool {
+namespace zelk {
 
 /// `text` in UTF-8; one that is not comes from the command line or a log, and is taken as
 /// Windows-1252.
@@ -23,6 +23,6 @@ std::string csv_quoted(std::string_view text);
 /// tabs become "\x1B", ...
 std::string csv_field(std::string_view text);
 
-}  // namespace zelk::tool
+}  // namespace zelk
 
 #endif

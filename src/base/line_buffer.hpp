@@ -1,15 +1,15 @@
 /// \file
 /// Text that grows by small pieces, quickly.
 
-#ifndef ZELK_TOOL_TERM_LINE_BUFFER_HPP
-#define ZELK_TOOL_TERM_LINE_BUFFER_HPP
+#ifndef ZELK_BASE_LINE_BUFFER_HPP
+#define ZELK_BASE_LINE_BUFFER_HPP
 
 #include <cstddef>
 #include <cstring>
 #include <string_view>
 #include <vector>
 
-namespace zelk::tool {
+namespace zelk {
 
 /// A text that keeps its memory when it is emptied. An append costs one comparison and a copy:
 /// decoding a log takes a quarter longer with `fmt::memory_buffer`, whose appends are not inlined.
@@ -55,6 +55,6 @@ class LineBuffer {
   std::size_t size_ = 0;  // of the text
 };
 
-}  // namespace zelk::tool
+}  // namespace zelk
 
 #endif

@@ -1,0 +1,31 @@
+/// \file
+/// The choice of messages and signals by name.
+
+#ifndef ZELK_BASE_NAME_FILTER_HPP
+#define ZELK_BASE_NAME_FILTER_HPP
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "zelk/records.h"
+
+namespace zelk {
+
+/// Patterns of names; an empty list leaves everything in.
+struct NameFilter {
+  std::vector<std::string> messages{};
+  std::vector<std::string> signals{};  ///< of a signal, or of "Message.Signal"
+
+  /// @param name  in UTF-8, as all
+  bool takes_message(std::string_view name) const;
+  /// @param owner  name of the signal's message
+  bool takes_signal(std::string_view name, std::string_view owner) const;
+
+  bool takes(const msgblk& message) const;
+  bool takes(const msgblk& message, const sigblk& signal) const;
+};
+
+}  // namespace zelk
+
+#endif

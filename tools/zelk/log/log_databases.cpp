@@ -1,0 +1,73 @@
+#include "log/log_databases.hpp"
+
+#include <fmt/format.h>
+
+#include <utility>
+
+#include "base/wildcards.hpp"
+#include "input/lookup.hpp"
+#include "term/output.hpp"
+#include "term/system.hpp"
+#include "term/text.hpp"
+
+namespace zelk::tool {
+
+namespace {
+
+struct Binding {
+  std::string interface_name;
+  std::string path;
+};
+
+Binding parse_binding(const std::string& argument) {
+  const std::size_t mark = argument.find('=');
+  if (mark == std::string::npos || mark == 0 || exists(argument)) return {"", argument};
+  return {argument.substr(0, mark), argument.substr(mark + 1)};
+}
+
+/// Prints an error for a pattern that matches none of `names`.
+bool check_pattern(std::string_view kind, const std::string& pattern,
+                   const std::vector<std::string>& names) {
+  NameSuggestion others(pattern);
+  for (const std::string& name : names) {
+    if (matches_wildcards(pattern, name)) return true;
+    others.add(name);
+  }
+  print_error(fmt::format("zelk: no {} is named {}{}", kind, in_quotes(pattern), others.text()));
+  return false;
+}
+
+}  // namespace
+
+bool LogDatabases::open(const std::string& argument) {
+  Binding binding = parse_binding(argument);
+  auto file = std::make_unique<DatabaseFile>(mending_);
+  if (!file->open_and_report(binding.path)) return false;
+  databases_.push_back({std::move(binding.interface_name), std::move(file)});
+  return true;
+}
+
+bool LogDatabases::check_filter(const NameFilter& filter) const {
+  if (filter.messages.empty() && filter.signals.empty()) return true;
+  std::vector<std::string> messages;
+  std::vector<std::string> signals;
+  for (const OpenDatabase& database : databases_) {
+    const EncodedDatabase content = database.file->encoded();
+    const auto text = [&](const char* name) { return to_utf8(view(name), content.encoding); };
+    for (const msgblk& message : each<const msgblk>(content.records.messages)) {
+      messages.push_back(text(message.name));
+      for (const sigblk& signal : each<const sigblk>(message.signals)) {
+        signals.push_back(text(signal.name));
+        signals.push_back(messages.back() + '.' + text(signal.name));
+      }
+    }
+  }
+  bool all = true;
+  for (const std::string& pattern : filter.messages)
+    all &= check_pattern("message", pattern, messages);
+  for (const std::string& pattern : filter.signals)
+    all &= check_pattern("signal", pattern, signals);
+  return all;
+}
+
+}  // namespace zelk::tool
