@@ -1,5 +1,6 @@
-// Reads any bytes as a log, in each form and compressed or not. What comes out must not depend on
-// the pieces in which the bytes arrive. The sanitizers judge, too.
+// Reads any bytes as a log, in each form and compressed or not, puts messages of J1939 together,
+// and decodes all into columns. What comes out must not depend on the pieces in which the bytes
+// arrive. The sanitizers judge, too.
 
 #include <cstddef>
 #include <cstdint>
@@ -10,7 +11,10 @@
 
 #include "logs/forms/form.hpp"
 #include "support/memory_stream.hpp"
+#include "zelk/logs/columns.hpp"
+#include "zelk/logs/transport.hpp"
 #include "zelk/records.h"
+#include "zelk/zelk.h"
 
 namespace {
 
@@ -54,14 +58,88 @@ void expect_sound(const ZelkLogBlock& block) {
   }
 }
 
+/// Messages of which frames are likely to be: signals of both byte orders, of a multiplexor, a long
+/// one in nine bytes, a float, and a group of J1939 that is longer than a frame.
+constexpr const char kDatabase[] = R"(BS_:
+BU_: Recorder
+BO_ 291 Short: 8 Recorder
+ SG_ Intel : 1|11@1- (0.1,-3) [0|0] "" Recorder
+ SG_ Motorola : 23|17@0+ (1,0) [0|0] "" Recorder
+ SG_ NineBytes : 4|64@1+ (1,0) [0|0] "" Recorder
+BO_ 68 Multiplexed: 8 Recorder
+ SG_ Page M : 0|3@1+ (1,0) [0|0] "" Recorder
+ SG_ First m0 : 8|32@1- (1,0) [0|0] "" Recorder
+ SG_ Second m2 : 13|9@0- (2,1) [0|0] "" Recorder
+BO_ 2566834709 Group: 1785 Recorder
+ SG_ Near : 0|16@1+ (1,0) [0|0] "" Recorder
+ SG_ Far : 8000|8@1+ (1,0) [0|0] "" Recorder
+SIG_VALTYPE_ 68 First : 1;
+)";
+
+struct Database : ZelkDatabase {
+  Database() {
+    const auto error =
+        zelk_try_read_text(kDatabase, sizeof kDatabase - 1, &nodes, &messages, &env_vars,
+                           &bit_timings, &attr_defs, &attr_values, &categories, &filter, &comment,
+                           &user_data, &signal_types, &value_tables, predefined.slots);
+    expect(error == 0, zelk_get_error_text());
+  }
+};
+
+/// Decodes blocks into the columns of all messages: at once, or by rows that are put.
+class Columns {
+ public:
+  explicit Columns(bool by_rows) : by_rows_(by_rows) {
+    static const Database database;
+    decoder_.AddDatabase(database, "fuzz");
+    decoder_.Tables();
+  }
+
+  void add(const ZelkFrameBlock& block) {
+    if (!by_rows_) return decoder_.Decode(block);
+    decoder_.Decode(block, rows_);
+    decoder_.Put(rows_);
+  }
+
+  /// The values of all tables, and which of them are null.
+  std::string content() {
+    std::string text;
+    for (std::size_t table = 0; table < decoder_.Tables().size(); ++table) {
+      ArrowArray batch;
+      while (decoder_.TakeBatch(table, true, &batch)) {
+        for (std::int64_t c = 0; c < batch.n_children; ++c)
+          append(*batch.children[c], c == 1 ? 4 : 8, text);
+        batch.release(&batch);
+      }
+    }
+    return text;
+  }
+
+ private:
+  static void append(const ArrowArray& column, std::size_t width, std::string& text) {
+    const auto size = static_cast<std::size_t>(column.length);
+    text.append(static_cast<const char*>(column.buffers[1]), size * width);
+    if (column.buffers[0]) text.append(static_cast<const char*>(column.buffers[0]), (size + 7) / 8);
+  }
+
+  bool by_rows_;
+  ZelkColumnDecoder decoder_{{.match_groups = true, .batch_rows = 1 << 20}};
+  ZelkColumnRows rows_;
+};
+
 struct Outcome {
   std::string frames{};
+  std::string columns{};
+  std::uint64_t messages = 0;  ///< of J1939, put together
   ZelkLogCounts counts{};
   std::string error{};
 };
 
+/// @param most  bytes of a piece
 Outcome read(const FormRow& row, const std::string& input, std::size_t most) {
   Outcome outcome;
+  ZelkTransport transport;
+  Columns columns(most < input.size());
   try {
     auto bytes = decompressed(std::make_unique<MemoryStream>(input, most), "log");
     auto text = in_utf8(std::make_unique<Limited>(std::move(bytes)));
@@ -75,12 +153,17 @@ Outcome read(const FormRow& row, const std::string& input, std::size_t most) {
       form->parse(chunk, block);
       expect_sound(block);
       outcome.counts += block.counts;
+      transport.Assemble(block.frames);
+      columns.add(block.frames);
       for (std::size_t i = 0; i < block.frames.Size(); ++i)
         outcome.frames += frame_text(block.frames, i) + '\n';
     }
   } catch (const ZelkLogError& error) {
     outcome.error = error.what();
   }
+  transport.End();
+  outcome.messages = transport.Counts().complete;
+  outcome.columns = columns.content();
   return outcome;
 }
 
@@ -92,6 +175,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const Outcome whole = read(row, input, kMostUnpacked);
     const Outcome pieces = read(row, input, 1 + size / (2 + size % 7));
     expect(whole.frames == pieces.frames, "pieces give other frames");
+    expect(whole.messages == pieces.messages, "pieces give other messages of J1939");
+    expect(whole.columns == pieces.columns, "pieces give other columns");
     expect(whole.error == pieces.error, "pieces give another error");
     expect(whole.counts.malformed == pieces.counts.malformed, "pieces give other malformed lines");
   }
