@@ -35,8 +35,9 @@ class Collection {
   std::size_t size() const { return items_.size(); }
   const std::vector<Ref<Record>>& items() const { return items_; }
 
-  /// @param key  a name, a position or a slice
+  /// @param key  a name or a position
   nb::object at(nb::handle key) const;
+  nb::object slice(nb::handle key) const;
   bool contains(nb::handle key) const;
   std::string text() const;
 
@@ -46,7 +47,6 @@ class Collection {
   }
   const Ref<Record>* find(std::string_view name) const;
   nb::object at_position(nb::handle key) const;
-  nb::object slice(nb::handle key) const;
 
   const char* what_;
   std::vector<Ref<Record>> items_;
@@ -55,15 +55,16 @@ class Collection {
 };
 
 /// @param name  of the type in Python
+/// @param item  of the type of its items
 template <typename Record>
-void bind_collection(nb::module_& module, const char* name, const char* doc);
+void bind_collection(nb::module_& module, const char* name, const char* item, const char* doc);
 
 // --- Implementation ---
 
 template <typename Record>
 const Ref<Record>* Collection<Record>::find(std::string_view name) const {
   constexpr std::size_t kLong = 16;
-  if (items_.size() < kLong || items_.front().model()->is_editable) {
+  if (items_.size() < kLong || items_.front().model()->is_editable()) {
     const auto has_name = [&](const Ref<Record>& item) { return name_of(item) == name; };
     const auto found = std::ranges::find_if(items_, has_name);
     return found == items_.end() ? nullptr : &*found;
@@ -104,7 +105,6 @@ nb::object Collection<Record>::slice(nb::handle key) const {
 
 template <typename Record>
 nb::object Collection<Record>::at(nb::handle key) const {
-  if (PySlice_Check(key.ptr())) return slice(key);
   if (PyIndex_Check(key.ptr())) return at_position(key);
   if (!PyUnicode_Check(key.ptr())) {
     throw Failure(
@@ -134,18 +134,29 @@ std::string Collection<Record>::text() const {
 }
 
 template <typename Record>
-void bind_collection(nb::module_& module, const char* name, const char* doc) {
+void bind_collection(nb::module_& module, const char* name, const char* item, const char* doc) {
   using Items = Collection<Record>;
+  static const std::string kGetter =
+      std::string("def __getitem__(self, key: str | int) -> ") + item;
+  static const std::string kSlicer = std::string("def __getitem__(self, key: slice) -> ") + name;
+  static const std::string kWalker =
+      std::string("def __iter__(self) -> collections.abc.Iterator[") + item + "]";
   nb::class_<Items>(module, name, doc)
       .def("__len__", &Items::size)
-      .def("__getitem__", &Items::at, nb::arg("key").none())
+      .def(
+          "__getitem__", [](const Items& items, const nb::slice& key) { return items.slice(key); },
+          nb::sig(kSlicer.c_str()))
+      .def("__getitem__", &Items::at, nb::arg("key").none(), nb::sig(kGetter.c_str()))
       .def("__contains__", &Items::contains, nb::arg("key").none())
       .def("__repr__", [](const Items& items) { return text_to_python(items.text()); })
-      .def("__iter__", [](const Items& items) {
-        nb::list list;
-        for (const Ref<Record>& item : items.items()) list.append(nb::cast(item));
-        return checked(PyObject_GetIter(list.ptr()));
-      });
+      .def(
+          "__iter__",
+          [](const Items& items) {
+            nb::list list;
+            for (const Ref<Record>& one : items.items()) list.append(nb::cast(one));
+            return checked(PyObject_GetIter(list.ptr()));
+          },
+          nb::sig(kWalker.c_str()));
 }
 
 }  // namespace zelk::python

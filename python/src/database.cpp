@@ -55,7 +55,7 @@ std::string unknown_name(const std::string& wanted, const auto& names) {
 
 Codec& codec_of(Model& model, const msgblk& message) {
   std::unique_ptr<Codec>& codec = model.codecs[&message];
-  if (!codec || model.is_editable) codec = std::make_unique<Codec>(message, model.encoding);
+  if (!codec || model.is_editable()) codec = std::make_unique<Codec>(message, model.encoding);
   return *codec;
 }
 

@@ -55,7 +55,7 @@ class Database {
     std::unordered_map<std::string, Found> by_name;
   };
 
-  bool is_editable() const { return members_.front().model->is_editable; }
+  bool is_editable() const { return members_.front().model->is_editable(); }
   const Index& index();
   Found find(nb::handle key);
   Found find_id(nb::handle key);

@@ -9,6 +9,12 @@ Model::Model() = default;
 
 Model::Model(const char* file_name) : ZelkDatabase(file_name) {}
 
+Model::Model(const Model& other)
+    : ZelkDatabase(other),
+      std::enable_shared_from_this<Model>(),
+      file(other.file),
+      encoding(other.encoding) {}
+
 Model::~Model() = default;
 
 void Model::release(Model* model) {

@@ -5,7 +5,9 @@
 #define ZELK_PYTHON_MODEL_HPP
 
 #include <cstdint>
+#include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -17,6 +19,7 @@
 namespace zelk::python {
 
 class Codec;
+class EditManager;
 
 /// The records of one file. All objects of Python that show one of them share the model, which
 /// lives as long as one of these objects.
@@ -32,6 +35,8 @@ class Model : public ZelkDatabase, public std::enable_shared_from_this<Model> {
   ///
   /// @throws ZelkException
   explicit Model(const char* file_name);
+  /// A copy of the records, for no file.
+  Model(const Model& other);
   ~Model() override;
 
   /// Makes a model that the last owner releases with the lock of the interpreter held: a model
@@ -52,12 +57,16 @@ class Model : public ZelkDatabase, public std::enable_shared_from_this<Model> {
   void forget(const void* record) { numbers_[record] = kNobody; }
 
   std::string file{};  ///< as it was given
+  std::optional<std::filesystem::file_time_type>
+      file_time_read{};  ///< the file's before it was read
   Encoding encoding = Encoding::kUtf8;
   bool is_mended = false;
   bool is_dbc = true;                  ///< read from a file of the library's own format
-  bool is_editable = false;            ///< within an edit
+  EditManager* editor = nullptr;       ///< that changes the records; null outside an edit
   std::vector<PlacedFinding> mends{};  ///< of a file that was mended
   std::unordered_map<const msgblk*, std::unique_ptr<Codec>> codecs;  ///< made when first wanted
+
+  bool is_editable() const { return editor != nullptr; }
 
  private:
   static constexpr std::uint64_t kNobody = ~std::uint64_t{0};
@@ -119,7 +128,7 @@ Record& Ref<Record>::checked_record() const {
 
 template <typename Record>
 Record& Ref<Record>::change() const {
-  if (!model_->is_editable) {
+  if (!model_->is_editable()) {
     throw Failure(FailureKind::kReadOnly,
                   "objects are changed within an edit alone: with db.edit() as edit: "
                   "edit.messages[...].name = ...");

@@ -7,6 +7,9 @@ NB_MODULE(_zelk, module) {
   module.doc() = "The libraries' side of the package zelk.";
   module.attr("VERSION") = ZELK_PYTHON_VERSION;
   register_failures();
-  bind_objects(module);
+  bind_nodes(module);
+  bind_signals(module);
+  bind_messages(module);
+  bind_edit(module);
   bind_database(module);
 }

@@ -96,6 +96,12 @@ FileFormat format_of(const std::string& path) {
   return name.ends_with(".json") ? FileFormat::kJson : FileFormat::kDbc;
 }
 
+std::optional<std::filesystem::file_time_type> file_time_of(const std::string& path) {
+  std::error_code fault;
+  const auto time = std::filesystem::last_write_time(path, fault);
+  return fault ? std::nullopt : std::optional(time);
+}
+
 std::string read_bytes(const std::string& path) try {
   return files::read_all(path.c_str());
 } catch (const std::system_error& error) {
@@ -123,6 +129,7 @@ Failure refusal_of(const std::string& path, std::string text) {
 
 std::shared_ptr<Model> open_model(const std::string& path, bool repairs) {
   std::shared_ptr<Model> model = Model::make();
+  model->file_time_read = file_time_of(path);
   switch (format_of(path)) {
     case FileFormat::kKcd:
       import(*model, path, modules::kcd::import_file);

@@ -5,7 +5,9 @@
 #define ZELK_PYTHON_OPENING_HPP
 
 #include <cstdint>
+#include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "model.hpp"
@@ -25,6 +27,9 @@ std::shared_ptr<Model> open_model(const std::string& path, bool repairs);
 
 /// All that is wrong with a text of DBC that the reader refuses.
 Failure refusal_of(const std::string& path, std::string text);
+
+/// When the file was changed last; none when that cannot be found out.
+std::optional<std::filesystem::file_time_type> file_time_of(const std::string& path);
 
 /// All bytes of a file.
 /// @throws Failure

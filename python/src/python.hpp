@@ -67,7 +67,10 @@ class ByteView {
 // Each source binds its subject.
 
 void bind_database(nb::module_& module);
-void bind_objects(nb::module_& module);
+void bind_edit(nb::module_& module);
+void bind_messages(nb::module_& module);
+void bind_nodes(nb::module_& module);
+void bind_signals(nb::module_& module);
 void bind_findings(nb::module_& module);
 
 }  // namespace zelk::python

@@ -13,20 +13,24 @@ from ._errors import (
     UnknownNameError,
     WriteError,
 )
+from ._attributes import Attributes
 from ._choice import Choice
 from ._findings import Finding
 from ._loading import load
 from ._zelk import VERSION as __version__
-from ._zelk import Database, Message, Node, Signal
+from ._zelk import Database, Edit, EnvironmentVariable, Message, Node, Signal
 
 __all__ = [
     "ArgumentError",
+    "Attributes",
     "Choice",
     "Database",
     "DecodeError",
     "DeletedError",
+    "Edit",
     "EditError",
     "EncodeError",
+    "EnvironmentVariable",
     "Error",
     "Finding",
     "LockedError",

@@ -39,3 +39,8 @@ def load(*paths: Path, repair: bool = False) -> Database:
     if not paths:
         raise ValueError("load needs the path of a file")
     return Database([os.fspath(path) for path in paths], repair)
+
+
+def _load_all(paths: tuple[str, ...], repair: bool) -> Database:
+    """What a pickled database is made of again: its files."""
+    return Database(list(paths), repair)
