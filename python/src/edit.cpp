@@ -58,10 +58,14 @@ void EditManager::write(const std::string& path) {
   if (error != ZelkErrorOk) fail(error, path);
 }
 
-ZelkDatabase& EditManager::AssignDatabase(const char* /*path*/) { return *model_; }
+ZelkDatabase& EditManager::AssignDatabase(const char* /*path*/) {
+  model_->enter_list();
+  return *model_;
+}
 
 void EditManager::ReleaseDatabase(ZelkDatabase& database, bool /*keep_in_cache*/) {
   ZelkLock::FreeLock(*this, database);
+  model_->leave_list();
 }
 
 // --- The edit ---
@@ -117,13 +121,15 @@ void Edit::discard() {
 void Edit::commit() {
   // Nobody changes the records while they are written, although the interpreter is not locked.
   const std::shared_ptr<Model> model = std::move(model_);
-  const std::unique_ptr<EditManager> manager = std::move(manager_);
+  std::unique_ptr<EditManager> manager = std::move(manager_);
   model->editor = nullptr;
   model->codecs.clear();
+  if (is_own_) check_unchanged(*database().members().front().model);
   {
     const nb::gil_scoped_release unlocked;
     manager->write(path_);
     model->file_time_read = file_time_of(path_);
+    manager.reset();
   }
   database().replace(model);
 }

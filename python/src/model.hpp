@@ -42,9 +42,13 @@ class Model : public ZelkDatabase, public std::enable_shared_from_this<Model> {
   /// Makes a model that the last owner releases with the lock of the interpreter held: a model
   /// keeps texts of Python.
   template <typename... Arguments>
-  static std::shared_ptr<Model> make(Arguments... arguments) {
+  static std::shared_ptr<Model> make(const Arguments&... arguments) {
     return {new Model(arguments...), release};
   }
+
+  /// While a model is edited, the library finds it by its file, and refuses other edits of that.
+  void enter_list() { ListInsertDb(*this); }
+  void leave_list() { ListRemoveDb(*this); }
 
   /// The number of the record that has this address now; `kNobody` for one that was deleted.
   std::uint64_t number_of(const void* record) const {

@@ -81,3 +81,7 @@ class DeletedError(Error, ReferenceError):
 
 class ArgumentError(Error, ValueError, TypeError):
     """An argument has a type, or a shape, that means nothing here."""
+
+
+for _error in (Error, *Error.__subclasses__(), LockedError):
+    _error.__module__ = "zelk"
