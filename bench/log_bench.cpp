@@ -1,25 +1,27 @@
 // From the lines of a log to columns and to text, beside a loop that only splits the lines.
 //
 // The log is a drive of 2,000,000 frames of 20 messages (see drive.hpp), in the page cache. Each
-// benchmark opens it, and does in one thread:
+// benchmark opens it, and does in one thread, unless it says otherwise:
 //
 //   split_log_lines   reads it in pieces of 256 KiB, finds the end of each line and hands it on
 //   read_log          makes blocks of frames
 //   log_to_columns    decodes them into the columns of all messages, in batches of as many rows as
 //                     the argument says, which are released at once
-//   log_to_text       runs "zelk decode", with all that a process costs; the text goes nowhere
+//   decode_to_columns does so by `ZelkDecodeLog`, with as many threads as the argument says
+//   decode_to_text    makes lines of text by `ZelkDecodeLog`, likewise; they go nowhere
 //
-// The rates of one run compare: lines a second, and nanoseconds a line.
+// The rates of one run compare: lines a second, and nanoseconds a line. With threads the time is
+// that of the clock on the wall: nothing else may run meanwhile.
 
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
 #include "drive.hpp"
 #include "zelk/logs/columns.hpp"
+#include "zelk/logs/pipeline.hpp"
 #include "zelk/logs/reader.hpp"
 #include "zelk/manager.hpp"
 
@@ -30,6 +32,18 @@ const Drive& drive() {
   static const Drive drive("zelk_log_bench", 20, 2'000'000);
   return drive;
 }
+
+/// That of the drive.
+struct Database {
+  ZelkManager manager{static_cast<void*>(nullptr)};
+  const ZelkDatabase& records = open(manager);
+
+  static const ZelkDatabase& open(ZelkManager& manager) {
+    const char* name = nullptr;
+    manager.OpenDatabase(drive().database.path().c_str(), &name, 0);
+    return *manager.GetDatabase(name);
+  }
+};
 
 /// Behind the iterations.
 void count_lines(benchmark::State& state) {
@@ -81,15 +95,12 @@ std::int64_t take_batches(ZelkColumnDecoder& decoder, bool is_end) {
 
 void log_to_columns(benchmark::State& state) {
   const std::string path = drive().log.path();
-  ZelkManager manager(static_cast<void*>(nullptr));
-  const char* name = nullptr;
-  manager.OpenDatabase(drive().database.path().c_str(), &name, 0);
-  const ZelkDatabase& database = *manager.GetDatabase(name);
+  const Database database;
   for (auto _ : state) {
     ZelkLogReader log(path);
     ZelkLogBlock block;
     ZelkColumnDecoder decoder({.batch_rows = static_cast<std::size_t>(state.range(0))});
-    decoder.AddDatabase(database, "drive");
+    decoder.AddDatabase(database.records, "drive");
     std::int64_t rows = 0;
     while (log.Next(block)) {
       decoder.Decode(block.frames);
@@ -102,14 +113,42 @@ void log_to_columns(benchmark::State& state) {
 }
 BENCHMARK(log_to_columns)->Arg(8192)->Arg(65536)->Unit(benchmark::kMillisecond);
 
-void log_to_text(benchmark::State& state) {
-  const std::string command = std::string(ZELK_PROGRAM) + " decode --threads 1 " +
-                              drive().database.path() + ' ' + drive().log.path() + " > /dev/null";
-  for (auto _ : state)
-    if (std::system(command.c_str()) != 0) state.SkipWithError("zelk decode fails");
+ZelkPipelineOptions with_threads(const benchmark::State& state) {
+  ZelkPipelineOptions options;
+  options.threads = static_cast<unsigned>(state.range(0));
+  return options;
+}
+
+void decode_to_columns(benchmark::State& state) {
+  const Database database;
+  for (auto _ : state) {
+    ZelkLogReader log(drive().log.path());
+    ZelkColumnDecoder decoder;
+    decoder.AddDatabase(database.records, "drive");
+    std::int64_t rows = 0;
+    ZelkDecodeLog(log, decoder, with_threads(state), [&] { rows += take_batches(decoder, false); });
+    rows += take_batches(decoder, true);
+    if (rows != static_cast<std::int64_t>(drive().lines)) state.SkipWithError("rows are missing");
+  }
   count_lines(state);
 }
-BENCHMARK(log_to_text)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(decode_to_columns)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+void decode_to_text(benchmark::State& state) {
+  const Database database;
+  ZelkTextDecoder decoder;
+  decoder.AddDatabase(database.records);
+  decoder.Prepare();
+  for (auto _ : state) {
+    ZelkLogReader log(drive().log.path());
+    std::size_t size = 0;
+    ZelkDecodeLog(log, decoder, with_threads(state),
+                  [&](std::string_view text) { size += text.size(); });
+    if (size == 0) state.SkipWithError("there is no text");
+  }
+  count_lines(state);
+}
+BENCHMARK(decode_to_text)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 }  // namespace
 }  // namespace zelk::bench

@@ -27,32 +27,34 @@ void FrameGroups::find_tables(const ColumnPlan& plan, const ZelkFrameBlock& bloc
   for (const std::string& name : block.ChannelNames())
     routes_.push_back(plan.finder().route_of(name));
   cache_.clear();
+  unknown_ = {};
   counts_.Clear();
   table_of_.resize(block.Size());
+  std::size_t too_short = 0;
   for (std::size_t i = 0; i < table_of_.size(); ++i) {
-    std::uint32_t table = find_table(plan, block, i);
-    if (only && table != *only) table = kNoTable;
-    table_of_[i] = table;
-    if (table != kNoTable && ends_[table]++ == 0) tables_.push_back(table);
+    FrameTarget target = find_target(plan, block, i);
+    too_short += block.Lengths()[i] < target.length_bytes ? 1 : 0;
+    if (only && target.table != *only) target.table = kNoTable;
+    table_of_[i] = target.table;
+    if (target.table != kNoTable && ends_[target.table]++ == 0) tables_.push_back(target.table);
   }
+  unknown_.give(counts_);
+  counts_.too_short = too_short;
+  counts_.decoded = block.Size() - counts_.unknown - counts_.remote - counts_.errors;
 }
 
-/// The table of a frame, which is counted.
-inline std::uint32_t FrameGroups::find_table(const ColumnPlan& plan, const ZelkFrameBlock& block,
-                                             std::size_t frame) {
+/// What a frame is decoded to; frames that are not are counted.
+inline FrameTarget FrameGroups::find_target(const ColumnPlan& plan, const ZelkFrameBlock& block,
+                                            std::size_t frame) {
+  constexpr FrameTarget kNone{kNoTable, 0};
   const std::uint32_t id = block.Ids()[frame];
-  if (!counts_.AddKind(block.Flags()[frame])) return kNoTable;
+  if (!counts_.AddKind(block.Flags()[frame])) return kNone;
   const std::size_t channel = block.Channels()[frame];
   const std::uint32_t route = channel < routes_.size() ? routes_[channel] : 0;
   const std::uint32_t message = plan.finder().find(route, id, cache_);
-  if (message == kNoMessage) {
-    counts_.AddUnknown(id);
-    return kNoTable;
-  }
-  const FrameTarget target = plan.targets()[message];
-  ++counts_.decoded;
-  counts_.too_short += block.Lengths()[frame] < target.length_bytes ? 1 : 0;
-  return target.table;
+  if (message != kNoMessage) return plan.targets()[message];
+  unknown_.add(id, counts_);
+  return kNone;
 }
 
 std::vector<std::int32_t> ChannelTexts::enter(std::span<const std::string> names) {

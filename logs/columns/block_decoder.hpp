@@ -12,6 +12,7 @@
 #include "logs/columns/column_plan.hpp"
 #include "logs/columns/table_decoder.hpp"
 #include "logs/columns/table_rows.hpp"
+#include "logs/lookup/unknown_frames.hpp"
 #include "zelk/logs/counts.hpp"
 #include "zelk/logs/frame.hpp"
 
@@ -39,7 +40,7 @@ class FrameGroups {
   void find_tables(const ColumnPlan& plan, const ZelkFrameBlock& block,
                    std::optional<std::size_t> only);
 
-  std::uint32_t find_table(const ColumnPlan& plan, const ZelkFrameBlock& block, std::size_t frame);
+  FrameTarget find_target(const ColumnPlan& plan, const ZelkFrameBlock& block, std::size_t frame);
 
   std::vector<std::uint32_t> routes_;    ///< of channels
   std::vector<std::uint32_t> table_of_;  ///< of each frame
@@ -47,6 +48,7 @@ class FrameGroups {
   std::vector<std::uint32_t> ends_;  ///< by table: number of its frames, then where they end
   std::vector<std::uint32_t> frames_;
   MessageFinder::Cache cache_;
+  UnknownFrames unknown_;
   ZelkFrameCounts counts_;
 };
 

@@ -33,9 +33,9 @@ struct ZelkFrameCounts {
     ++(flags & kZelkFrameRemote ? remote : errors);
     return false;
   }
-  void AddUnknown(std::uint32_t id) {
-    ++unknown;
-    ++unknown_ids[id];
+  void AddUnknown(std::uint32_t id, std::uint64_t frames = 1) {
+    unknown += frames;
+    unknown_ids[id] += frames;
   }
   void Clear() { *this = {}; }
   ZELK_LOGS_API ZelkFrameCounts& operator+=(const ZelkFrameCounts& other);
