@@ -6,10 +6,13 @@ NB_MODULE(_zelk, module) {
   using namespace zelk::python;
   module.doc() = "The libraries' side of the package zelk.";
   module.attr("VERSION") = ZELK_PYTHON_VERSION;
+  // Objects that a program holds until it ends are no leaks.
+  nb::set_leak_warnings(false);
   register_failures();
   bind_nodes(module);
   bind_signals(module);
   bind_messages(module);
   bind_edit(module);
+  bind_findings(module);
   bind_database(module);
 }

@@ -4,4 +4,4 @@ _zelk.__prefix__:
     from typing_extensions import Buffer
     from ._attributes import Attributes
     from ._choice import Choice
-    from ._findings import Finding
+    from ._findings import Difference, Finding

@@ -14,8 +14,9 @@ from ._errors import (
     WriteError,
 )
 from ._attributes import Attributes
+from ._checks import diff, lint, repair
 from ._choice import Choice
-from ._findings import Finding
+from ._findings import Change, Difference, Finding
 from ._loading import load
 from ._zelk import VERSION as __version__
 from ._zelk import Database, Edit, EnvironmentVariable, Message, Node, Signal
@@ -23,10 +24,12 @@ from ._zelk import Database, Edit, EnvironmentVariable, Message, Node, Signal
 __all__ = [
     "ArgumentError",
     "Attributes",
+    "Change",
     "Choice",
     "Database",
     "DecodeError",
     "DeletedError",
+    "Difference",
     "Edit",
     "EditError",
     "EncodeError",
@@ -42,5 +45,8 @@ __all__ = [
     "UnknownNameError",
     "WriteError",
     "__version__",
+    "diff",
+    "lint",
     "load",
+    "repair",
 ]
