@@ -18,7 +18,7 @@ constexpr std::int64_t kMillisecond = 1'000'000;
 
 std::uint32_t id_of(int message) {
   const auto number = static_cast<std::uint32_t>(message);
-  return message % 2 == 0 ? 0x100 + number : ZELK_ID_EXTENDED | 0x18FE0031 | number << 8;
+  return message % 2 == 0 ? 0x100 + number : ZELK_ID_EXTENDED | 0x18F00031 | number << 8;
 }
 
 void put_signal(std::string& text, std::size_t index, const sigblk& signal) {

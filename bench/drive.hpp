@@ -15,7 +15,7 @@ namespace zelk::bench {
 /// identifier.
 std::string drive_database(int messages);
 
-/// Lines of `candump -l`, such as "(1700000000.123456) can1 18FEF100#0123456789ABCDEF". Messages
+/// Lines of `candump -l`, such as "(1700000000.123456) can1 18F00131#0123456789ABCDEF". Messages
 /// come every 10, 20, 50 or 100 ms, up to 200 microseconds late, with random content; extended
 /// identifiers are those of a second bus.
 std::string drive_log(int messages, std::size_t lines);
