@@ -1,12 +1,10 @@
 #include "logs/columns/column_plan.hpp"
 
 #include <algorithm>
-#include <unordered_map>
-#include <unordered_set>
 #include <utility>
 
 #include "base/list.hpp"
-#include "logs/columns/unique_names.hpp"
+#include "logs/lookup/table_names.hpp"
 
 namespace zelk::logs {
 
@@ -35,18 +33,9 @@ std::uint32_t ColumnPlan::add_table(const NamedDatabase& database, const msgblk&
   return static_cast<std::uint32_t>(tables_.size() - 1);
 }
 
-/// The database is named where several have a message of that name, chosen or not.
 void ColumnPlan::name_tables() {
-  std::unordered_map<std::string, std::unordered_set<const NamedDatabase*>> owners;
-  for (const NamedDatabase& database : databases_) {
-    for (const msgblk& message : each<const msgblk>(database.content.records.messages))
-      owners[database.text_of(message.name)].insert(&database);
-  }
-  UniqueNames names;
-  for (ZelkColumnTable& table : tables_) {
-    const bool is_shared = owners[table.name].size() > 1;
-    table.name = names.unique(is_shared ? table.database + "::" + table.name : table.name);
-  }
+  TableNames names(databases_, "::");
+  for (ZelkColumnTable& table : tables_) table.name = names.next(table.database, table.name);
 }
 
 }  // namespace zelk::logs

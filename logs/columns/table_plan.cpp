@@ -6,7 +6,7 @@
 
 #include "base/list.hpp"
 #include "base/signal_bits.hpp"
-#include "logs/columns/unique_names.hpp"
+#include "logs/lookup/unique_names.hpp"
 
 namespace zelk::logs {
 

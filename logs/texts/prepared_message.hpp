@@ -30,6 +30,7 @@ class PrintedDescriptions {
  public:
   /// Of several texts for a value the first counts.
   void add(std::uint32_t value, const std::string& text) { texts_.try_emplace(value, text); }
+  bool empty() const { return texts_.empty(); }
   /// The text for a raw value; empty for none.
   std::string_view find(std::int64_t raw) const;
 
@@ -87,12 +88,15 @@ struct DecodedFrame {
   const std::uint64_t* present;  ///< likewise
 };
 
+inline bool is_present(const DecodedFrame& frame, const PreparedSignal& signal) {
+  return (frame.present[signal.index / 64] >> (signal.index % 64) & 1) != 0;
+}
+
 /// Calls `visit(signal, raw value)` for each signal to print that the frame holds.
 template <typename Visit>
 void for_each_present(const DecodedFrame& frame, const Visit& visit) {
   for (const PreparedSignal& signal : frame.message->signals) {
-    if (frame.present[signal.index / 64] >> (signal.index % 64) & 1)
-      visit(signal, frame.raw[signal.index]);
+    if (is_present(frame, signal)) visit(signal, frame.raw[signal.index]);
   }
 }
 

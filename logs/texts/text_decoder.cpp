@@ -6,7 +6,8 @@
 
 struct ZelkTextLines::Content {
   std::shared_ptr<const zelk::logs::TextPlan> plan;
-  zelk::logs::BlockPrinter printer;
+  zelk::logs::FrameWalk walk;
+  zelk::LineBuffer text;
 };
 
 ZelkTextLines::ZelkTextLines() = default;
@@ -15,12 +16,12 @@ ZelkTextLines& ZelkTextLines::operator=(ZelkTextLines&&) noexcept = default;
 ZelkTextLines::~ZelkTextLines() = default;
 
 std::string_view ZelkTextLines::Text() const {
-  return content_ ? content_->printer.text().view() : std::string_view();
+  return content_ ? content_->text.view() : std::string_view();
 }
 
 const ZelkFrameCounts& ZelkTextLines::Counts() const {
   static const ZelkFrameCounts kNone;
-  return content_ ? content_->printer.counts() : kNone;
+  return content_ ? content_->walk.counts() : kNone;
 }
 
 struct ZelkTextDecoder::State {
@@ -43,8 +44,9 @@ ZelkTextDecoder::ZelkTextDecoder(ZelkTextOptions options) : state_(std::make_uni
 }
 ZelkTextDecoder::~ZelkTextDecoder() = default;
 
-void ZelkTextDecoder::AddDatabase(const ZelkDatabase& database, std::string_view channel) {
-  state_->open().add_database(database, {}, channel);
+void ZelkTextDecoder::AddDatabase(const ZelkDatabase& database, std::string_view name,
+                                  std::string_view channel) {
+  state_->open().add_database(database, name, channel);
 }
 
 bool ZelkTextDecoder::SelectMessages(std::string_view pattern) {
@@ -67,5 +69,9 @@ void ZelkTextDecoder::Decode(const ZelkFrameBlock& frames, ZelkTextLines& lines)
     lines.content_ = std::make_unique<ZelkTextLines::Content>();
     lines.content_->plan = plan;
   }
-  lines.content_->printer.print(*plan, frames);
+  ZelkTextLines::Content& content = *lines.content_;
+  content.text.clear();
+  content.walk.walk(*plan, frames, [&](const zelk::logs::DecodedFrame& frame, std::size_t) {
+    plan->format().append(content.text, frame, plan->is_raw());
+  });
 }

@@ -22,17 +22,10 @@ TextPlan::TextPlan(const Choosing& chosen, const ZelkTextOptions& options)
   }
 }
 
-void BlockPrinter::print(const TextPlan& plan, const ZelkFrameBlock& frames) {
-  text_.clear();
+void FrameWalk::begin(const TextPlan& plan, const ZelkFrameBlock& frames) {
   counts_.Clear();
   raw_.resize(plan.most_signals());
   present_.resize((plan.most_signals() + 63) / 64);
-  enter_channels(plan, frames);
-  for (std::size_t i = 0; i < frames.Size(); ++i)
-    if (counts_.AddKind(frames.Flags()[i])) print_frame(plan, frames, i);
-}
-
-void BlockPrinter::enter_channels(const TextPlan& plan, const ZelkFrameBlock& frames) {
   block_channels_.clear();
   for (const std::string& name : frames.ChannelNames()) {
     const auto [found, is_new] = channels_.try_emplace(name);
@@ -42,35 +35,38 @@ void BlockPrinter::enter_channels(const TextPlan& plan, const ZelkFrameBlock& fr
 }
 
 /// The message of a frame, which is counted; null for none.
-const PreparedMessage* BlockPrinter::find(const TextPlan& plan, const Channel& channel,
-                                          std::uint32_t id) {
-  const std::uint32_t number = plan.finder().find(channel.route, id, cache_);
-  if (number != kNoMessage) {
-    ++counts_.decoded;
-    return &plan.message(number);
-  }
-  counts_.AddUnknown(id);
-  return nullptr;
-}
-
-void BlockPrinter::print_frame(const TextPlan& plan, const ZelkFrameBlock& frames,
-                               std::size_t index) {
+const PreparedMessage* FrameWalk::find(const TextPlan& plan, const ZelkFrameBlock& frames,
+                                       std::size_t index) {
+  if (!counts_.AddKind(frames.Flags()[index])) return nullptr;
   const std::uint32_t id = frames.Ids()[index];
   const Channel& channel = *block_channels_[frames.Channels()[index]];
-  const PreparedMessage* const message = find(plan, channel, id);
-  if (!message) return;
+  const std::uint32_t number = plan.finder().find(channel.route, id, cache_);
+  if (number == kNoMessage) {
+    counts_.AddUnknown(id);
+    return nullptr;
+  }
+  const PreparedMessage& message = plan.messages()[number];
+  ++counts_.decoded;
+  if (frames.Lengths()[index] < message.length_bytes) ++counts_.too_short;
+  return &message;
+}
+
+DecodedFrame FrameWalk::decoded(const ZelkFrameBlock& frames, std::size_t index,
+                                const PreparedMessage& message) {
   const std::span<const unsigned char> data = frames.Data(index);
-  if (data.size() < message->length_bytes) ++counts_.too_short;
-  if (!message->is_shown) return;
-  message->decoder.DecodeRaw(data.data(), data.size(), raw_.data(), present_.data());
+  message.decoder.DecodeRaw(data.data(), data.size(), raw_.data(), present_.data());
   std::string_view time = frames.TimeText(index);
   if (time.empty()) {
     time_.clear();
     ZelkAppendTime(frames.Times()[index], time_);
     time = time_;
   }
-  plan.format().append(text_, {time, channel.text, id, message, raw_.data(), present_.data()},
-                       plan.is_raw());
+  return {time,
+          block_channels_[frames.Channels()[index]]->text,
+          frames.Ids()[index],
+          &message,
+          raw_.data(),
+          present_.data()};
 }
 
 }  // namespace zelk::logs

@@ -7,6 +7,7 @@
 #define ZELK_LOGS_TEXTS_TEXT_PLAN_HPP
 
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <string>
 #include <vector>
@@ -25,9 +26,10 @@ class TextPlan {
 
   const FrameFormat& format() const { return format_; }
   bool is_raw() const { return is_raw_; }
+  const std::vector<NamedDatabase>& databases() const { return databases_; }
   const MessageFinder& finder() const { return finder_; }
-  /// By the number that the finder gives it.
-  const PreparedMessage& message(std::uint32_t number) const { return messages_[number]; }
+  /// By the numbers that the finder gives them.
+  const std::vector<PreparedMessage>& messages() const { return messages_; }
   /// The most signals that a message has.
   std::size_t most_signals() const { return most_signals_; }
 
@@ -40,13 +42,20 @@ class TextPlan {
   std::size_t most_signals_ = 0;
 };
 
-/// Decodes blocks of frames into lines; one for each thread.
-class BlockPrinter {
+/// Finds and decodes the frames of blocks, and counts them; one for each thread.
+class FrameWalk {
  public:
+  /// Calls `visit(frame, index)` for each frame of a message that is shown.
+  ///
   /// @param plan  the same one each time
-  void print(const TextPlan& plan, const ZelkFrameBlock& frames);
-
-  const LineBuffer& text() const { return text_; }
+  template <typename Visit>
+  void walk(const TextPlan& plan, const ZelkFrameBlock& frames, const Visit& visit) {
+    begin(plan, frames);
+    for (std::size_t i = 0; i < frames.Size(); ++i) {
+      const PreparedMessage* const message = find(plan, frames, i);
+      if (message && message->is_shown) visit(decoded(frames, i, *message), i);
+    }
+  }
   const ZelkFrameCounts& counts() const { return counts_; }
 
  private:
@@ -56,11 +65,12 @@ class BlockPrinter {
     std::uint32_t route;
   };
 
-  void enter_channels(const TextPlan& plan, const ZelkFrameBlock& frames);
-  const PreparedMessage* find(const TextPlan& plan, const Channel& channel, std::uint32_t id);
-  void print_frame(const TextPlan& plan, const ZelkFrameBlock& frames, std::size_t index);
+  void begin(const TextPlan& plan, const ZelkFrameBlock& frames);
+  const PreparedMessage* find(const TextPlan& plan, const ZelkFrameBlock& frames,
+                              std::size_t index);
+  DecodedFrame decoded(const ZelkFrameBlock& frames, std::size_t index,
+                       const PreparedMessage& message);
 
-  LineBuffer text_;
   ZelkFrameCounts counts_;
   MessageFinder::Cache cache_;
   std::map<std::string, Channel> channels_;

@@ -47,7 +47,7 @@ struct Result {
 Result decode(const std::string& path, ZelkPipelineOptions options, unsigned threads) {
   const TextDatabase database(kDatabase);
   ZelkTextDecoder decoder;
-  decoder.AddDatabase(database);
+  decoder.AddDatabase(database, "car");
   decoder.Prepare();
   ZelkLogReader log(path);
   options.threads = threads;

@@ -30,4 +30,19 @@ TEST(Decode, EndsWholeBySignal) {
   }
 }
 
+// The report of the second line tells that the first one was read.
+TEST(DecodeWide, CompletesFilesBySignal) {
+  const auto folder =
+      write_file("m.dbc", "BS_:\n\nBU_: N\n\nBO_ 1 M: 1 N\n SG_ S : 0|8@1+ (1,0) [0|0] \"\" N\n\n")
+          .parent_path();
+  const std::string command = "cd '" + folder.string() +
+                              "' && mkfifo in || exit 99; '" ZELK_PROGRAM
+                              "' decode m.dbc --wide -o out/ <in 2>err.txt & exec 3>in; "
+                              "printf 'c 001#07\nno frame\nc 001#0' >&3; "
+                              "until [ -s err.txt ]; do sleep 0.01; done; kill -TERM $!; wait $!";
+  EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 128 + SIGTERM);
+  EXPECT_EQ(bytes_of(folder / "out/M.csv"), "time,interface,S\r\n,c,7\r\n");
+  EXPECT_FALSE(std::filesystem::exists(folder / "out/.zelk-tables-0"));
+}
+
 }  // namespace

@@ -66,8 +66,9 @@ class ZELK_LOGS_API ZelkTextDecoder {
 
   // --- Choosing what is decoded; std::logic_error once `Prepare` was called ---
 
-  /// See `ZelkColumnDecoder::AddDatabase`; there are no names of databases in the output.
-  void AddDatabase(const ZelkDatabase& database, std::string_view channel = {});
+  /// See `ZelkColumnDecoder::AddDatabase`.
+  void AddDatabase(const ZelkDatabase& database, std::string_view name,
+                   std::string_view channel = {});
   /// See `ZelkColumnDecoder::SelectMessages`.
   bool SelectMessages(std::string_view pattern);
   /// See `ZelkColumnDecoder::SelectSignals`. A frame without a selected signal makes no line.

@@ -6,14 +6,15 @@
 #include "commands/commands.hpp"
 #include "commands/mending_options.hpp"
 #include "commands/time_options.hpp"
+#include "input/lookup.hpp"
 #include "input/opening.hpp"
 #include "log/log_databases.hpp"
 #include "log/log_probe.hpp"
-#include "log/log_reports.hpp"
-#include "term/progress.hpp"
+#include "log/log_run.hpp"
+#include "log/wide_output.hpp"
 #include "term/system.hpp"
 #include "term/text.hpp"
-#include "zelk/logs/pipeline.hpp"
+#include "zelk/logs/texts.hpp"
 
 namespace zelk::tool {
 
@@ -23,6 +24,7 @@ struct Arguments {
   std::vector<std::string> databases;
   std::optional<std::string> log;
   ZelkTextOptions text;
+  WideArguments wide;
   NameFilter filter;
   TimeOptions times;
   Mending mending;
@@ -37,30 +39,34 @@ ZelkTextFormat format_of(const std::string& name) {
   return name == "csv" ? ZelkTextFormat::kCsv : ZelkTextFormat::kText;
 }
 
-ExitCode decode_log(const Arguments& arguments, const ZelkTextDecoder& decoder, ZelkLogReader& log,
-                    Output& out) {
-  LogReport report(log.Name(), arguments.strict);
-  ProgressBar progress(log.SizeBytes().value_or(0));
+ZelkPipelineOptions pipeline_options(const Arguments& arguments) {
   ZelkPipelineOptions options;
   options.threads = arguments.threads;
   options.times = arguments.times.window;
   options.transport = arguments.transport;
-  options.read = read_until_stop;
-  options.report = [&](const ZelkLogBlock& block) {
-    if (!block.malformed.empty()) progress.clear();
-    report.add(block);
-  };
+  return options;
+}
+
+void decode_lines(const Arguments& arguments, const LogDatabases& databases, LogRun& run,
+                  Output& out) {
+  ZelkTextDecoder decoder(arguments.text);
+  databases.choose(decoder, arguments.filter);
+  decoder.Prepare();
   out.raw(decoder.Heading());
-  const ZelkLogSummary summary = ZelkDecodeLog(log, decoder, options, [&](std::string_view lines) {
-    out.write_through(lines);
-    progress.update(log.BytesRead());
-  });
-  progress.clear();
-  out.flush();
-  report.print_rest();
-  if (arguments.stats) print_summary(summary, options);
-  if (NotedStop::is_requested()) return kExitInterrupted;
-  return report.is_of_a_log() ? kExitSuccess : kExitFailure;
+  run.run<ZelkTextLines>(decoder,
+                         [&](const ZelkTextLines& lines) { out.write_through(lines.Text()); });
+}
+
+void decode_wide(const Arguments& arguments, const LogDatabases& databases, LogRun& run,
+                 Output& out) {
+  ZelkWideChoice choice;
+  databases.choose(choice, arguments.filter);
+  WideArguments wide = arguments.wide;
+  wide.options.raw = arguments.text.raw;
+  wide.options.numbers = arguments.text.numbers;
+  wide.options.match_groups = arguments.text.match_groups;
+  if (is_folder(wide.path)) return decode_into_folder(choice, wide, run);
+  decode_into_timeline(choice, wide, run, out);
 }
 
 bool take_log(std::optional<std::string>& log, const std::string& path) {
@@ -85,6 +91,16 @@ bool take_argument(const std::string& argument, LogDatabases& databases,
   return false;
 }
 
+/// @throws RequestError when the output would take the place of what is read
+void check_output(const Arguments& arguments, const std::optional<std::string>& log) {
+  std::vector<std::string> inputs = arguments.databases;
+  if (log) inputs.push_back(*log);
+  for (const std::string& input : inputs) {
+    if (!is_same_file(input, arguments.wide.path)) continue;
+    throw RequestError(escaped(input) + " is both read and the output");
+  }
+}
+
 ExitCode decode(const Arguments& arguments, Output& out) {
   LogDatabases databases(arguments.mending);
   std::optional<std::string> log = arguments.log;
@@ -97,12 +113,61 @@ ExitCode decode(const Arguments& arguments, Output& out) {
     return kExitFailure;
   }
   if (!databases.check_filter(arguments.filter)) return kExitFailure;
-  ZelkTextDecoder decoder(arguments.text);
-  databases.choose(decoder, arguments.filter);
-  decoder.Prepare();
+  check_output(arguments, log);
   const NotedStop stop;
   ZelkLogReader reader(log, {.times = arguments.times.kind, .stop = &NotedStop::is_requested()});
-  return decode_log(arguments, decoder, reader, out);
+  LogRun run(reader, pipeline_options(arguments), arguments.strict);
+  (arguments.wide.is_wanted ? decode_wide : decode_lines)(arguments, databases, run, out);
+  out.flush();
+  const bool is_log = run.finish(arguments.stats);
+  if (NotedStop::is_requested()) return kExitInterrupted;
+  return is_log ? kExitSuccess : kExitFailure;
+}
+
+void add_wide_options(CLI::App& command, const std::shared_ptr<Arguments>& arguments) {
+  WideArguments& wide = arguments->wide;
+  CLI::Option* const flag = command.add_flag(
+      "--wide", wide.is_wanted,
+      "A table with a column for each signal, as csv: of the signals chosen, with the last\n"
+      "value of each kept, or with -o DIR/ one of each message");
+  command
+      .add_option(
+          "-o,--output", wide.path,
+          "With --wide: a folder for a file MESSAGE.csv of each message that has frames, or\n"
+          "a file; files that are there are replaced once all is written")
+      ->type_name("DIR/")
+      ->needs(flag);
+  command
+      .add_option_function<std::string>(
+          "--every", [&wide](const std::string& text) { wide.step = parse_step(text).value_or(0); },
+          "With --wide: rows at even times, such as each 100ms (ns, us, ms, s, min)")
+      ->type_name("TIME")
+      ->needs(flag)
+      ->check(CLI::Validator(
+          [](const std::string& text) {
+            return parse_step(text)
+                       ? ""
+                       : "a time above 0 such as 100ms is wanted, not " + in_quotes(text);
+          },
+          ""));
+  command.add_flag("--units", wide.options.units, "With --wide: units in the headings")
+      ->needs(flag);
+}
+
+/// @throws CLI::ValidationError when options do not go together
+void check_wide_options(const CLI::App& command, const Arguments& arguments) {
+  const WideArguments& wide = arguments.wide;
+  if (!wide.is_wanted) return;
+  if (command.count("--format") > 0 && arguments.text.format != ZelkTextFormat::kCsv)
+    throw CLI::ValidationError("--wide", "its form is csv, no other");
+  const bool is_chosen = !arguments.filter.messages.empty() || !arguments.filter.signals.empty();
+  if (!is_folder(wide.path)) {
+    if (is_chosen) return;
+    throw CLI::ValidationError(
+        "--wide", "one table needs --signal or --message; -o DIR/ makes one of each message");
+  }
+  if (wide.step > 0)
+    throw CLI::ValidationError("--every", "it is for one table, and not for those of a folder");
 }
 
 void add_filter_options(CLI::App& command, NameFilter& filter) {
@@ -150,6 +215,7 @@ void add_decode_command(CLI::App& app, Action& action) {
   command->add_flag("--raw", arguments->text.raw, "Raw values instead of physical ones");
   command->add_flag("--numbers", arguments->text.numbers, "No value descriptions");
   add_filter_options(*command, arguments->filter);
+  add_wide_options(*command, arguments);
   command->add_flag("--j1939-tp", arguments->transport,
                     "Put messages of the J1939 transport protocol together (BAM, RTS/CTS)");
   command->add_flag("--match-pgn", arguments->text.match_groups,
@@ -165,7 +231,8 @@ void add_decode_command(CLI::App& app, Action& action) {
       ->type_name("N")
       ->check(CLI::Range(1u, 256u).description(""));
   add_mending_options(*command, arguments->mending);
-  command->callback([arguments, &action] {
+  command->callback([arguments, command, &action] {
+    check_wide_options(*command, *arguments);
     action = [arguments](Output& out) { return decode(*arguments, out); };
   });
 }

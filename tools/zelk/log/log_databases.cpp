@@ -2,8 +2,10 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <utility>
 
+#include "base/quoting.hpp"
 #include "base/wildcards.hpp"
 #include "input/lookup.hpp"
 #include "term/output.hpp"
@@ -45,6 +47,17 @@ bool LogDatabases::open(const std::string& argument) {
   if (!file->open_and_report(binding.path)) return false;
   databases_.push_back({std::move(binding.interface_name), std::move(file)});
   return true;
+}
+
+/// What to call a database: by its file, with the interface in front where another one has the same
+/// name.
+std::string LogDatabases::label_of(const OpenDatabase& database) const {
+  const std::string name = utf8(database.file->opened().name);
+  const auto is_other = [&](const OpenDatabase& other) {
+    return &other != &database && name == utf8(other.file->opened().name);
+  };
+  if (database.interface_name.empty() || std::ranges::none_of(databases_, is_other)) return name;
+  return database.interface_name + '.' + name;
 }
 
 bool LogDatabases::check_filter(const NameFilter& filter) const {

@@ -38,7 +38,8 @@ class LogDatabases {
   template <typename Decoder>
   void choose(Decoder& decoder, const NameFilter& filter) const {
     for (const OpenDatabase& database : databases_)
-      decoder.AddDatabase(database.file->encoded().records, database.interface_name);
+      decoder.AddDatabase(database.file->encoded().records, label_of(database),
+                          database.interface_name);
     for (const std::string& pattern : filter.messages) decoder.SelectMessages(pattern);
     for (const std::string& pattern : filter.signals) decoder.SelectSignals(pattern);
   }
@@ -48,6 +49,8 @@ class LogDatabases {
     std::string interface_name;  ///< empty for all
     std::unique_ptr<DatabaseFile> file;
   };
+
+  std::string label_of(const OpenDatabase& database) const;
 
   Mending mending_;
   std::vector<OpenDatabase> databases_;

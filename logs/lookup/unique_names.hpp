@@ -1,8 +1,8 @@
 /// \file
 /// Names that are told apart by a number: engines that take tables refuse equal ones.
 
-#ifndef ZELK_LOGS_COLUMNS_UNIQUE_NAMES_HPP
-#define ZELK_LOGS_COLUMNS_UNIQUE_NAMES_HPP
+#ifndef ZELK_LOGS_LOOKUP_UNIQUE_NAMES_HPP
+#define ZELK_LOGS_LOOKUP_UNIQUE_NAMES_HPP
 
 #include <string>
 #include <unordered_map>
