@@ -451,6 +451,29 @@ TEST(Columns, FindMessagesByChannelIdentifierAndGroup) {
   }
 }
 
+// More identifiers than are counted at a time, in turns.
+TEST(Columns, CountUnknownFramesByTheirIdentifiers) {
+  const TextDatabase database(kTwo);
+  ZelkColumnDecoder decoder;
+  decoder.AddDatabase(database, "two");
+  decoder.Tables();
+  ZelkFrameBlock block;
+  for (std::uint32_t i = 0; i < 2100; ++i) {
+    const std::uint32_t id = i % 700;
+    if (id % 3 >= i / 700) append(block, ZELK_ID_EXTENDED | 0x10000 | id * 7, "can0", {});
+  }
+  append(block, 10, "can0", {});
+  ZelkColumnRows rows;
+  for (int i = 0; i < 2; ++i) decoder.Decode(block, rows);
+  const ZelkFrameCounts& counts = rows.Counts();
+  EXPECT_EQ(counts.decoded, 1u);
+  EXPECT_EQ(counts.too_short, 1u);
+  EXPECT_EQ(counts.unknown, 1399u);  // of each three identifiers 1, 2 and 3 frames
+  ASSERT_EQ(counts.unknown_ids.size(), 700u);
+  for (std::uint32_t i = 0; i < 700; ++i)
+    EXPECT_EQ(counts.unknown_ids.at(ZELK_ID_EXTENDED | 0x10000 | i * 7), i % 3 + 1) << i;
+}
+
 TEST(Columns, LeaveInSmallerBatchesBeforeTheyTakeTooMuchMemory) {
   const TextDatabase database(kTwo);
   ZelkColumnDecoder decoder({.kept_bytes = 600});
