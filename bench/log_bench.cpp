@@ -137,7 +137,7 @@ BENCHMARK(decode_to_columns)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->Use
 void decode_to_text(benchmark::State& state) {
   const Database database;
   ZelkTextDecoder decoder;
-  decoder.AddDatabase(database.records);
+  decoder.AddDatabase(database.records, "drive");
   decoder.Prepare();
   for (auto _ : state) {
     ZelkLogReader log(drive().log.path());
