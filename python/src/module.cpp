@@ -1,5 +1,6 @@
 // The extension module: what the package is made of that is not Python.
 
+#include "decoding.hpp"
 #include "python.hpp"
 
 NB_MODULE(_zelk, module) {
@@ -15,4 +16,8 @@ NB_MODULE(_zelk, module) {
   bind_edit(module);
   bind_findings(module);
   bind_database(module);
+  bind_table(module);
+  bind_decoding(module);
+  bind_log(module);
+  bind_frames(module);
 }

@@ -47,6 +47,30 @@ class ReadError(Error, ValueError):
     """A file is none that can be read: it breaks the rules of its format."""
 
 
+class LogError(ReadError):
+    """A log cannot be read, or not to its end.
+
+    Attributes
+    ----------
+    tables : Tables or None
+        What was read, by `read_log`.
+    statistics : Statistics or None
+        What became of the lines and frames up to there.
+    """
+
+    def __init__(self, message: str, path: str | None = None, *others: Any, statistics: Any = None) -> None:
+        super().__init__(message, path, *others)
+        self.statistics = statistics
+        self.tables: Any = None
+
+    def __str__(self) -> str:
+        return self.message  # names the log
+
+
+class LogWarning(UserWarning):
+    """A log could not be read, or not to its end, and what was read is kept."""
+
+
 class WriteError(Error, OSError):
     """A file could not be written, and is as it was."""
 
