@@ -48,7 +48,7 @@ char* put_shortest(char* at, Number value) {
   char* const stop = std::to_chars(at, end, value, std::chars_format::scientific).ptr;
   if (!(size >= kExactBelow && size < static_cast<Number>(1e16))) return stop;
   char* const mark = std::find(at, stop, 'e');
-  const auto exponent = static_cast<std::size_t>((mark[2] - '0') * 10 + (mark[3] - '0'));
+  const int exponent = (mark[2] - '0') * 10 + (mark[3] - '0');  // of two digits, behind a plus
   char* const digits = at + (*at == '-' ? 1 : 0);
   char* const whole_end = digits + 1 + exponent;
   // No fraction is left of so large a number: its digits move over the point, and zeros follow.
