@@ -5,7 +5,7 @@
 #include <string_view>
 #include <utility>
 
-#include "base/characters.hpp"
+#include "base/database_names.hpp"
 #include "base/edit_distance.hpp"
 #include "base/frame_id.hpp"
 #include "base/j1939.hpp"
@@ -17,24 +17,10 @@
 namespace zelk::python {
 namespace {
 
-constexpr std::size_t kLongestName = 32;
-
-/// The name of a database by its file, as the library makes it, except for the first character,
-/// which must be a letter.
-std::string database_name(std::string_view path) {
-  std::string name;
-  const std::string_view file = path.substr(path.find_last_of("/\\") + 1);
-  for (const char c : file.substr(0, file.rfind('.')))
-    if (is_letter(c) || (is_digit(c) && !name.empty())) name += c;
-  return name.empty() ? "database" : name.substr(0, kLongestName);
-}
-
 std::string unique_name(const std::string& wanted, std::set<std::string>& taken) {
   std::string name = wanted;
-  for (unsigned number = 2; !taken.insert(name).second; ++number) {
-    const std::string suffix = "_" + std::to_string(number);
-    name = wanted.substr(0, kLongestName - suffix.size()) + suffix;
-  }
+  for (unsigned number = 2; !taken.insert(name).second; ++number)
+    name = numbered_name(wanted, number);
   return name;
 }
 

@@ -128,6 +128,62 @@ Message message_of_pgn(const Database& database, nb::handle pgn) {
       static_cast<std::uint32_t>(whole_from_python(pgn, "pgn", 0, kLargest)));
 }
 
+constexpr const char* kDecodeDoc = R"(Values of the signals in a frame.
+
+Parameters
+----------
+id_or_name : int or str
+    The message.
+data : bytes-like, shape (n,)
+    The frame's data, at least as long as the message.
+decode_choices : bool
+    Give described values as `Choice`, the text of the description.
+scaling : bool
+    Give physical values, in the units of the signals; else raw ones.
+allow_truncated : bool
+    Take fewer bytes too, and leave out the signals beyond them.
+
+Returns
+-------
+dict
+    By name, the signals that the frame has: those that its multiplexors select. An ``int`` when
+    factor and offset are whole, else a ``float``. Signals of more than 64 bits are left out.
+
+Raises
+------
+UnknownNameError
+    There is no such message.
+DecodeError
+    There are too few data.)";
+
+constexpr const char* kEncodeDoc = R"(The frame that has these values.
+
+Parameters
+----------
+id_or_name : int or str
+    The message.
+values : mapping from str to int, float or str
+    By name a number, or the text of a value description, for each signal of the frame.
+scaling : bool
+    Numbers are physical values, in the units of the signals; else raw ones.
+padding : bool
+    Set the bits that no signal has to 1.
+strict : bool
+    Refuse values out of range, signals without a value, and values for what is not in the frame;
+    else take the nearest value, 0, and leave them out.
+
+Returns
+-------
+bytes
+    As many as the message has.
+
+Raises
+------
+UnknownNameError
+    There is no such message or signal.
+EncodeError
+    The frame cannot hold the values.)";
+
 void bind_content(nb::class_<Database>& database) {
   database
       .def_prop_ro("messages", &Database::messages, nb::sig("def messages(self) -> Messages"),
@@ -182,65 +238,13 @@ void bind_frames(nb::class_<Database>& database) {
                    "Buffer, decode_choices: bool = True, scaling: bool = True, "
                    "allow_truncated: bool = False) -> dict[str, int | float | "
                    "Choice]"),
-           R"(Values of the signals in a frame.
-
-Parameters
-----------
-id_or_name : int or str
-    The message.
-data : bytes-like, shape (n,)
-    The frame's data, at least as long as the message.
-decode_choices : bool
-    Give described values as `Choice`, the text of the description.
-scaling : bool
-    Give physical values, in the units of the signals; else raw ones.
-allow_truncated : bool
-    Take fewer bytes too, and leave out the signals beyond them.
-
-Returns
--------
-dict
-    By name, the signals that the frame has: those that its multiplexors select. An ``int`` when
-    factor and offset are whole, else a ``float``. Signals of more than 64 bits are left out.
-
-Raises
-------
-UnknownNameError
-    There is no such message.
-DecodeError
-    There are too few data.)")
+           kDecodeDoc)
       .def("encode_message", encode_message, nb::arg("id_or_name").none(), nb::arg("values").none(),
            nb::arg("scaling") = true, nb::arg("padding") = false, nb::arg("strict") = true,
            nb::sig("def encode_message(self, id_or_name: int | str | Message, values: "
                    "collections.abc.Mapping[str, int | float | str], scaling: bool = True, "
                    "padding: bool = False, strict: bool = True) -> bytes"),
-           R"(The frame that has these values.
-
-Parameters
-----------
-id_or_name : int or str
-    The message.
-values : mapping from str to int, float or str
-    By name a number, or the text of a value description, for each signal of the frame.
-scaling : bool
-    Numbers are physical values, in the units of the signals; else raw ones.
-padding : bool
-    Set the bits that no signal has to 1.
-strict : bool
-    Refuse values out of range, signals without a value, and values for what is not in the frame;
-    else take the nearest value, 0, and leave them out.
-
-Returns
--------
-bytes
-    As many as the message has.
-
-Raises
-------
-UnknownNameError
-    There is no such message or signal.
-EncodeError
-    The frame cannot hold the values.)");
+           kEncodeDoc);
 }
 
 }  // namespace

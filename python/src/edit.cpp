@@ -13,9 +13,7 @@ namespace zelk::python {
 namespace {
 
 [[noreturn]] void fail(FailureKind kind, const std::string& path, const std::string& message) {
-  Failure failure(kind, message);
-  failure.path = path;
-  throw failure;
+  throw Failure(kind, message, path);
 }
 
 [[noreturn]] void fail(ZelkError error, const std::string& path) {

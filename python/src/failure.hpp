@@ -45,6 +45,14 @@ std::vector<PlacedFinding> placed(const check::Source& source, const check::Find
 /// hold the lock of the interpreter.
 struct Failure : std::exception {
   Failure(FailureKind failure, std::string text) : kind(failure), message(std::move(text)) {}
+  /// About a file, and what is wrong with it.
+  Failure(FailureKind failure, std::string text, std::string file,
+          std::optional<std::uint32_t> in_line = {}, std::vector<PlacedFinding> found = {})
+      : kind(failure),
+        message(std::move(text)),
+        path(std::move(file)),
+        line(in_line),
+        findings(std::move(found)) {}
   /// For `errno`, in an operation on a file.
   static Failure of_system(int code, const std::string& path);
 

@@ -35,9 +35,7 @@ std::vector<std::string> texts_of(nb::handle texts, const char* what) {
 
 check::Source read_source(const std::string& path) {
   if (format_of(path) != FileFormat::kDbc) {
-    Failure failure(FailureKind::kRead, "is no DBC file");
-    failure.path = path;
-    throw failure;
+    throw Failure(FailureKind::kRead, "is no DBC file", path);
   }
   std::string bytes = read_bytes(path);
   if (bytes.size() > check::Source::kLongest) throw Failure::of_system(EFBIG, path);
@@ -82,19 +80,17 @@ void write_file(const std::string& path, std::string_view text) {
                           std::fflush(file.file()) == 0;
   if (is_written && file.take_place()) return;
   const int code = errno;
-  Failure failure(FailureKind::kWrite, file.failure().empty()
-                                           ? std::generic_category().message(code)
-                                           : to_utf8(file.failure(), encoding_of(file.failure())));
-  failure.path = path;
-  throw failure;
+  const std::string& reason = file.failure();
+  throw Failure(
+      FailureKind::kWrite,
+      reason.empty() ? std::generic_category().message(code) : to_utf8(reason, encoding_of(reason)),
+      path);
 }
 
 void check_target(const std::string& source, const std::string& target) {
   std::error_code ignored;
   if (!std::filesystem::equivalent(source, target, ignored)) return;
-  Failure failure(FailureKind::kWrite, "is the file to read: a repair goes to another one");
-  failure.path = target;
-  throw failure;
+  throw Failure(FailureKind::kWrite, "is the file to read: a repair goes to another one", target);
 }
 
 nb::object repair(nb::handle source, nb::handle target, nb::handle keep, nb::handle no_node) {
@@ -109,10 +105,8 @@ nb::object repair(nb::handle source, nb::handle target, nb::handle keep, nb::han
     check_target(from, to);
     const check::MendedFile mended = check::mend(read_source(from), options);
     if (mended.outcome == check::Outcome::kUnmendable) {
-      Failure failure(FailureKind::kRead, "the file cannot be mended");
-      failure.path = from;
-      failure.findings = placed(mended.source, mended.faults);
-      throw failure;
+      throw Failure(FailureKind::kRead, "the file cannot be mended", from, std::nullopt,
+                    placed(mended.source, mended.faults));
     }
     write_file(to, mended.text);
     mends = placed(mended.source, mended.mends);

@@ -11,7 +11,7 @@ Model::Model(const char* file_name) : ZelkDatabase(file_name) {}
 
 Model::Model(const Model& other)
     : ZelkDatabase(other),
-      std::enable_shared_from_this<Model>(),
+      std::enable_shared_from_this<Model>(other),
       file(other.file),
       encoding(other.encoding) {}
 

@@ -57,10 +57,8 @@ void read_mended(Model& model, const std::string& path) {
   if (bytes.size() > check::Source::kLongest) throw Failure::of_system(EFBIG, path);
   const check::MendedFile mended = check::mend(check::Source(path, std::move(bytes)), {});
   if (mended.outcome == check::Outcome::kUnmendable) {
-    Failure failure(FailureKind::kRead, "the file cannot be mended");
-    failure.path = path;
-    failure.findings = placed(mended.source, mended.faults);
-    throw failure;
+    throw Failure(FailureKind::kRead, "the file cannot be mended", path, std::nullopt,
+                  placed(mended.source, mended.faults));
   }
   model.mends = placed(mended.source, mended.mends);
   model.is_mended = true;
@@ -79,10 +77,9 @@ void import(Model& d, const std::string& path, Import import_file) {
                  d.categories, d.filter, d.comment, d.user_data, d.signal_types, d.value_tables},
                 "");
   } catch (const modules::Fault& fault) {
-    Failure failure(FailureKind::kRead, to_utf8(fault.what(), encoding_of(fault.what())));
-    failure.path = path;
-    if (fault.line() > 0) failure.line = static_cast<std::uint32_t>(fault.line());
-    throw failure;
+    const auto line = static_cast<std::uint32_t>(fault.line());
+    throw Failure(FailureKind::kRead, to_utf8(fault.what(), encoding_of(fault.what())), path,
+                  line > 0 ? std::optional(line) : std::nullopt);
   }
   for (const attr_def& definition : each(d.attr_defs)) d.predefined.Insert(definition);
 }

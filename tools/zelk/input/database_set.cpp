@@ -6,7 +6,7 @@
 #include <system_error>
 #include <utility>
 
-#include "base/characters.hpp"
+#include "base/database_names.hpp"
 #include "input/mending.hpp"
 #include "input/opening.hpp"
 #include "term/output.hpp"
@@ -19,25 +19,6 @@ namespace {
 struct Release {
   void operator()(const char* text) const { zelk_mfree(const_cast<char*>(text)); }
 };
-
-constexpr std::size_t kLongestName = 32;
-
-/// `base` with a number behind it, in no more characters than the name of a database may have.
-std::string numbered(std::string_view base, unsigned number) {
-  const std::string suffix = fmt::format("_{}", number);
-  return std::string(base.substr(0, kLongestName - suffix.size())) + suffix;
-}
-
-/// The name of a database by its file, as the library makes it, except for the first character,
-/// which must be a letter.
-std::string database_name(std::string_view path) {
-  std::string name;
-  const std::string_view file = path.substr(path.find_last_of("/\\") + 1);
-  for (const char c : file.substr(0, file.rfind('.'))) {
-    if (is_letter(c) || (is_digit(c) && !name.empty())) name += c;
-  }
-  return name.empty() ? "database" : name.substr(0, kLongestName);
-}
 
 }  // namespace
 
@@ -86,8 +67,8 @@ OpenedDatabase DatabaseSet::import(const std::string& path, const Format& format
 std::string DatabaseSet::unique(std::string_view name) {
   if (!manager_.GetUniqueDatabaseName(std::string(name).c_str())) return std::string(name);
   unsigned number = 2;
-  while (manager_.GetUniqueDatabaseName(numbered(name, number).c_str())) ++number;
-  return numbered(name, number);
+  while (manager_.GetUniqueDatabaseName(numbered_name(name, number).c_str())) ++number;
+  return numbered_name(name, number);
 }
 
 }  // namespace zelk::tool
