@@ -32,8 +32,16 @@ TEST(Log, EndsWholeBySignal) {
 }
 
 TEST(Log, TellsWhenItWouldReadItsOutput) {
-  for (const char* command : {"$zelk log a >>a", "$zelk log - <a >>a", "ln a b; $zelk log a -o b"})
-    EXPECT_NE(run(command).find("is both a log to read and the output\n"), std::string::npos);
+  const std::string links = "rm -f b c p; ln a b; ln -s b c; mkfifo p; ";
+  for (const char* command :
+       {"$zelk log a >>a", "$zelk log - <a >>a", "$zelk log a -o b", "$zelk log - <a -o c",
+        "$zelk log /dev/stdin <b -o a", "$zelk log c -o /dev/stdout >>a", "$zelk log p -o p"})
+    EXPECT_NE(run(links + command).find("is both a log to read and the output\n"),
+              std::string::npos)
+        << command;
+  for (const char* command : {"$zelk log a b", "$zelk log c b", "$zelk log - c <a",
+                              "$zelk log - /dev/stdin <p & : >p; wait $!"})
+    EXPECT_NE(run(links + command).find(" is given twice\n"), std::string::npos) << command;
   EXPECT_EQ(run("$zelk log a -o /dev/full"),
             "1 zelk: /dev/full: could not be written: No space left on device\n");
 }

@@ -1,10 +1,8 @@
 #include <algorithm>
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <set>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include "commands/commands.hpp"
@@ -38,23 +36,26 @@ std::optional<std::string> path_of(const std::string& log) {
   return log == kStandard ? std::nullopt : std::optional(log);
 }
 
-/// What tells a log from the others; those that are not there are told apart by their names.
-std::string identity_of(const std::string& log) {
-  if (log == kStandard) return log;
-  std::error_code error;
-  const auto path = std::filesystem::canonical(std::u8string(log.begin(), log.end()), error);
-  return error ? log : path.string();
+std::optional<FileIdentity> identity_of_log(const std::string& log) {
+  return log == kStandard ? identity_of_input() : identity_of(log);
 }
 
-/// @throws RequestError when a log is named twice, or would be read while it is written
+/// By whatever names they go, links among them.
+///
+/// @throws RequestError when a log is given twice, or would be read while it is written
 void check_logs(const Arguments& arguments) {
-  std::set<std::string> identities;
+  const auto output =
+      arguments.out == kStandard ? identity_of_output() : identity_of(arguments.out);
+  std::set<std::string> names;
+  std::set<FileIdentity> identities;
   for (const std::string& log : arguments.logs) {
     const std::string name = log == kStandard ? "standard input" : escaped(log);
-    if (!identities.insert(identity_of(log)).second) throw RequestError(name + " is given twice");
-    const bool is_output = arguments.out == kStandard ? is_standard_output(path_of(log))
-                                                      : is_same_file(log, arguments.out);
-    if (is_output) throw RequestError(name + " is both a log to read and the output");
+    const auto identity = identity_of_log(log);
+    const bool is_new =
+        names.insert(log).second && (!identity || identities.insert(*identity).second);
+    if (!is_new) throw RequestError(name + " is given twice");
+    if (identity && identity == output)
+      throw RequestError(name + " is both a log to read and the output");
   }
 }
 

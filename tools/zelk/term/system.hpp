@@ -4,7 +4,9 @@
 #ifndef ZELK_TOOL_TERM_SYSTEM_HPP
 #define ZELK_TOOL_TERM_SYSTEM_HPP
 
+#include <array>
 #include <atomic>
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <functional>
@@ -67,18 +69,16 @@ inline bool exists(const std::string& path) {
   return type != std::filesystem::file_type::not_found && type != std::filesystem::file_type::none;
 }
 
-/// Whether both paths, in UTF-8, lead to the same file that is there.
-inline bool is_same_file(const std::string& path, const std::string& other) {
-  std::error_code ignored;
-  return std::filesystem::equivalent(std::u8string(path.begin(), path.end()),
-                                     std::u8string(other.begin(), other.end()), ignored);
-}
+/// What tells a file from all others, by whatever name it is reached.
+using FileIdentity = std::array<std::uint64_t, 2>;
 
-/// Whether standard output leads into the regular file of a path, or into that which standard input
-/// comes from: what is written there would be read again.
-///
-/// @param path  in the system's encoding; none for standard input
-bool is_standard_output(const std::optional<std::string>& path);
+/// Of the regular file or pipe that `path`, in the system's encoding, leads to; none for others,
+/// such as a terminal, which may well be read and written at once.
+std::optional<FileIdentity> identity_of(const std::string& path);
+
+/// Likewise of standard input and standard output.
+std::optional<FileIdentity> identity_of_input();
+std::optional<FileIdentity> identity_of_output();
 
 /// Whether a user sees what is written to `file`.
 bool is_terminal(std::FILE* file);

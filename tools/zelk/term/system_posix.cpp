@@ -78,13 +78,28 @@ HeldSignals::~HeldSignals() {
   pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
 }
 
-bool is_standard_output(const std::optional<std::string>& path) {
-  struct stat in = {};
-  struct stat out = {};
-  const int result = path ? stat(path->c_str(), &in) : fstat(STDIN_FILENO, &in);
-  return result == 0 && fstat(STDOUT_FILENO, &out) == 0 && S_ISREG(out.st_mode) &&
-         in.st_dev == out.st_dev && in.st_ino == out.st_ino;
+namespace {
+
+/// @param result  of the call that filled in `file`
+std::optional<FileIdentity> identity_if_told(int result, const struct stat& file) {
+  if (result != 0 || !(S_ISREG(file.st_mode) || S_ISFIFO(file.st_mode))) return std::nullopt;
+  return FileIdentity{file.st_dev, file.st_ino};
 }
+
+std::optional<FileIdentity> identity_of(int descriptor) {
+  struct stat file = {};
+  return identity_if_told(fstat(descriptor, &file), file);
+}
+
+}  // namespace
+
+std::optional<FileIdentity> identity_of(const std::string& path) {
+  struct stat file = {};
+  return identity_if_told(stat(path.c_str(), &file), file);
+}
+
+std::optional<FileIdentity> identity_of_input() { return identity_of(STDIN_FILENO); }
+std::optional<FileIdentity> identity_of_output() { return identity_of(STDOUT_FILENO); }
 
 bool is_terminal(std::FILE* file) { return isatty(fileno(file)); }
 

@@ -2,7 +2,6 @@
 #include <io.h>
 #include <windows.h>
 
-#include <array>
 #include <atomic>
 #include <mutex>
 
@@ -74,26 +73,28 @@ bool read_until_stop(const std::function<bool()>& read) {
 
 namespace {
 
-/// The volume and number of a regular file; none for others.
-std::optional<std::array<DWORD, 3>> identity_of(HANDLE file) {
+std::optional<FileIdentity> identity_of(HANDLE file) {
   BY_HANDLE_FILE_INFORMATION information = {};
   if (GetFileType(file) != FILE_TYPE_DISK || !GetFileInformationByHandle(file, &information))
     return std::nullopt;
-  return std::array{information.dwVolumeSerialNumber, information.nFileIndexHigh,
-                    information.nFileIndexLow};
+  const std::uint64_t high = information.nFileIndexHigh;
+  return FileIdentity{information.dwVolumeSerialNumber, high << 32 | information.nFileIndexLow};
 }
 
-std::optional<std::array<DWORD, 3>> identity_of(const std::string& path) {
+}  // namespace
+
+std::optional<FileIdentity> identity_of(const std::string& path) {
   const files::File file = files::open_for_reading(path.c_str());
   if (!file) return std::nullopt;
   return identity_of(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(file.get()))));
 }
 
-}  // namespace
+std::optional<FileIdentity> identity_of_input() {
+  return identity_of(GetStdHandle(STD_INPUT_HANDLE));
+}
 
-bool is_standard_output(const std::optional<std::string>& path) {
-  const auto out = identity_of(GetStdHandle(STD_OUTPUT_HANDLE));
-  return out && out == (path ? identity_of(*path) : identity_of(GetStdHandle(STD_INPUT_HANDLE)));
+std::optional<FileIdentity> identity_of_output() {
+  return identity_of(GetStdHandle(STD_OUTPUT_HANDLE));
 }
 
 bool is_terminal(std::FILE* file) { return _isatty(_fileno(file)); }
