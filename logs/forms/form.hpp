@@ -56,14 +56,11 @@ struct LogInput {
   ZelkLogOptions options;
 };
 
-/// Bytes at the beginning of a log that tell its form. They are few, so that a log that is just
-/// being recorded can be opened.
-inline constexpr std::size_t kTellingBytes = 4;
-
 struct FormRow {
   ZelkLogForm form;
-  /// @param beginning  `kTellingBytes`, or all that there are
-  bool (*is_form_of)(std::string_view beginning);
+  /// Peeks at a few bytes alone, or at what has come of lines, so that a log that is just being
+  /// recorded can be opened.
+  bool (*is_form_of)(PeekedStream& stream);
   /// @throws ZelkLogError when the log cannot be read
   std::unique_ptr<Form> (*open)(LogInput input);
 };

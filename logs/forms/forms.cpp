@@ -2,25 +2,30 @@
 #include <array>
 
 #include "logs/forms/form.hpp"
+#include "logs/forms/trc_columns.hpp"
 
 namespace zelk::logs {
 
 namespace {
 
 constexpr std::size_t kShownBytes = 60;  // of a malformed line
+constexpr std::size_t kTellingBytes = 4;
 
-bool is_any(std::string_view) { return true; }
+bool is_any(PeekedStream&) { return true; }
 
 /// The magic numbers of pcap, in both orders of bytes, with microseconds and nanoseconds, and that
 /// of pcapng.
-bool is_capture(std::string_view beginning) {
+bool is_capture(PeekedStream& stream) {
   constexpr std::string_view kMagics[] = {"\xA1\xB2\xC3\xD4", "\xD4\xC3\xB2\xA1",
                                           "\xA1\xB2\x3C\x4D", "\x4D\x3C\xB2\xA1",
                                           "\x0A\x0D\x0D\x0A"};
-  return std::ranges::find(kMagics, beginning.substr(0, kMagics[0].size())) != std::end(kMagics);
+  const std::string_view magic = stream.peek(kTellingBytes).substr(0, kTellingBytes);
+  return std::ranges::find(kMagics, magic) != std::end(kMagics);
 }
 
-bool is_trc(std::string_view beginning) { return beginning.starts_with(';'); }
+bool is_trc(PeekedStream& stream) {
+  return stream.peek(kTellingBytes).starts_with(';') || begins_with_trc_line(stream);
+}
 
 constexpr std::array kForms = {
     FormRow{{"capture", "captures of SocketCAN, pcap and pcapng"}, is_capture, open_capture},

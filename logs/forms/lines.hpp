@@ -52,14 +52,17 @@ class Lines {
 
 std::uint64_t count_line_feeds(std::string_view text);
 
+/// Takes the first line off a text that is not empty; without its line feed.
+inline std::string_view take_line(std::string_view& text) {
+  const std::string_view line = text.substr(0, text.find('\n'));
+  text.remove_prefix(std::min(line.size() + 1, text.size()));
+  return line;
+}
+
 /// Calls `act(line)` for each line, without its line feed.
 template <typename Act>
 void for_each_line(std::string_view text, const Act& act) {
-  while (!text.empty()) {
-    const std::size_t length = std::min(text.find('\n'), text.size());
-    act(text.substr(0, length));
-    text.remove_prefix(std::min(length + 1, text.size()));
-  }
+  while (!text.empty()) act(take_line(text));
 }
 
 }  // namespace zelk::logs

@@ -5,6 +5,7 @@
 
 #include "logs/forms/form.hpp"
 #include "logs/forms/lines.hpp"
+#include "logs/forms/trc_columns.hpp"
 #include "logs/forms/trc_header.hpp"
 #include "logs/forms/trc_line.hpp"
 #include "logs/frames/filler.hpp"
@@ -69,9 +70,10 @@ class Trc : public Form {
       line_ = text_.first_line;
     }
     const std::size_t begin = at_;
-    const std::size_t end = next_directive(read_head(begin));
+    const std::size_t first = read_head(begin);
+    const std::size_t end = next_directive(first);
     chunk.first_line = line_;
-    chunk.context = header_;
+    chunk.context = header_of(std::string_view(text_.bytes).substr(first, end - first));
     if (begin == 0 && end == text_.bytes.size()) {
       chunk.bytes.swap(text_.bytes);
       text_.bytes.clear();
@@ -109,6 +111,17 @@ class Trc : public Form {
     }
     if (is_changed) header_ = std::make_shared<const TrcHeader>(std::move(header));
     return at;
+  }
+
+  /// The head of lines; where it does not tell their columns, they do.
+  std::shared_ptr<const TrcHeader> header_of(std::string_view lines) {
+    if (header_->has_columns) return header_;
+    const TrcColumns told = columns_of_trc(lines);
+    if (told.letters.empty()) return header_;
+    const auto header = std::make_shared<const TrcHeader>(
+        TrcHeader{header_->start, std::string(told.letters), told.is_only});
+    if (told.is_only) header_ = header;
+    return header;
   }
 
   /// Where the first line of a head begins from a place on; the end of the text for none.

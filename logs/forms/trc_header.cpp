@@ -20,12 +20,7 @@ namespace {
 
 constexpr std::string_view kDirectiveMark = ";$";
 
-struct Version {
-  std::string_view name;
-  std::string_view columns;  // from 2.0 on those that are usual
-};
-
-constexpr Version kVersions[] = {
+constexpr TrcVersion kVersions[] = {
     {"1.0", "NOIlD"},    {"1.1", "NOtIlD"},  {"1.2", "NOBtIlD"},
     {"1.3", "NOBtIRlD"}, {"2.0", "NOTIdlD"}, {"2.1", "NOTBIdRLD"},
 };
@@ -36,10 +31,10 @@ std::string refused(std::string_view line, const char* why) {
 }
 
 std::string read_version(std::string_view line, std::string_view value, TrcHeader& header) {
-  const auto* const version = std::ranges::find(kVersions, value, &Version::name);
+  const auto* const version = std::ranges::find(kVersions, value, &TrcVersion::name);
   if (version == std::end(kVersions))
     return refused(line, "is no known version, 1.0 to 1.3, 2.0 or 2.1");
-  header = {.columns = std::string(version->columns)};
+  header = {.columns = std::string(version->columns), .has_columns = true};
   return {};
 }
 
@@ -80,6 +75,7 @@ std::string read_columns(std::string_view line, std::string_view value, TrcHeade
   if (columns.find('I') == std::string::npos || !has_length || !columns.ends_with('D'))
     return refused(line, "lacks the columns of identifier, length and, at its end, data");
   header.columns = std::move(columns);
+  header.has_columns = true;
   return {};
 }
 
@@ -90,6 +86,8 @@ std::string_view without_blanks(std::string_view text) {
 }
 
 }  // namespace
+
+std::span<const TrcVersion> trc_versions() { return kVersions; }
 
 bool is_trc_directive(std::string_view line) { return line.starts_with(kDirectiveMark); }
 

@@ -5,6 +5,7 @@
 #define ZELK_LOGS_FORMS_TRC_HEADER_HPP
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -28,8 +29,17 @@ enum class TrcColumn : char {
 
 struct TrcHeader {
   std::int64_t start = 0;         ///< nanoseconds since 1970-01-01 00:00; 0 when the trace has none
-  std::string columns = "NOIlD";  ///< of `TrcColumn`; a trace without a version is one of 1.0
+  std::string columns = "NOIlD";  ///< of `TrcColumn`
+  bool has_columns = false;       ///< whether the head tells them, by itself or by its version
 };
+
+/// A version of the form.
+struct TrcVersion {
+  std::string_view name;
+  std::string_view columns;  ///< from 2.0 on those that are usual
+};
+
+std::span<const TrcVersion> trc_versions();
 
 /// Whether a line is one that `read_trc_directive` reads, and no comment.
 bool is_trc_directive(std::string_view line);

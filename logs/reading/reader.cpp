@@ -12,10 +12,9 @@ using zelk::logs::FileStream;
 using zelk::logs::FormRow;
 using zelk::logs::PeekedStream;
 
-const FormRow& form_of(std::string_view beginning, const std::string& wanted,
-                       const std::string& log) {
+const FormRow& form_of(PeekedStream& stream, const std::string& wanted, const std::string& log) {
   for (const FormRow& row : zelk::logs::forms()) {
-    const bool is_it = wanted.empty() ? row.is_form_of(beginning) : wanted == row.form.name;
+    const bool is_it = wanted.empty() ? row.is_form_of(stream) : wanted == row.form.name;
     if (is_it) return row;
   }
   throw ZelkLogError(log + ": there is no form of logs named \"" + wanted + '"');
@@ -70,7 +69,7 @@ ZelkLogReader::ZelkLogReader(const std::optional<std::string>& path, ZelkLogOpti
   state_->file = file.get();
   const std::string name = file->name();
   auto stream = zelk::logs::in_utf8(zelk::logs::decompressed(std::move(file), name));
-  state_->row = &form_of(stream->peek(zelk::logs::kTellingBytes), options.form, name);
+  state_->row = &form_of(*stream, options.form, name);
   const bool is_file = path && stream->is_file();
   state_->form = state_->row->open({std::move(stream), name, options});
   state_->is_divisible = is_file && state_->form->has_independent_lines();

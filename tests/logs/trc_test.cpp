@@ -128,5 +128,42 @@ TEST(Trc, ReadsTracesOneBehindTheOther) {
   }
 }
 
+TEST(Trc, TellsLinesWithoutHeads) {
+  const struct {
+    const char* text;
+    std::vector<std::string> frames;  // none: not a trace
+  } cases[] = {
+      {"     1)      1.8      0001  1  FF \r\n", {"1800000 1 0 FF"}},
+      {"\r\n 1) 1.8 Rx 0001 1 FF\r\n", {"1800000 1 0 FF"}},
+      {"1) 1.8 2 Rx 0001 1 FF", {"1800000 1 0 FF 2"}},
+      {"1) 1.8 2 Rx 0001 - 1 FF", {"1800000 1 0 FF 2"}},
+      {"1 1.8 DT 0001 Rx 1 FF", {"1800000 1 0 FF"}},
+      {"1 1.8 ST Rx 00 00 00 08\n2 1.9 ER\nx\n3 2.0 DT 1 0001 Rx - 1 FF\n",
+       {"1900000 80000008 16 0000000000000000", "2000000 1 0 FF 1", "3: x"}},
+      {"1) 1.8 Rx 0001 1 FF\n;$FILEVERSION=1.0\n2) 1.9 0001 1 FF\n",
+       {"1800000 1 0 FF", "1900000 1 0 FF"}},
+      {"12345678#FF\n", {}},
+      {"123#FF\n1) 1.8 0001 1 FF\n", {}},
+      {"(1.8) can0 001#FF\n", {}},
+      {" can0  001   [1]  FF\n", {}},
+      {"1) 1.8 001 1 FF\n", {}},
+      {"1 1.8\n", {}},
+      {"\n", {}},
+      {"", {}},
+  };
+  for (const auto& each : cases) {
+    for (const std::size_t most : {1, 1000}) {
+      const LogInput input = memory_input(each.text, most);
+      const auto form = std::ranges::find_if(
+          forms(), [&](const FormRow& row) { return row.is_form_of(*input.stream); });
+      EXPECT_EQ(form->open == open_trc, !each.frames.empty()) << each.text;
+      if (!each.frames.empty()) {
+        EXPECT_EQ(parsed(each.text), each.frames) << each.text;
+      }
+    }
+  }
+  EXPECT_EQ(parsed(";  a.trc\n1) 1.8 Rx 0001 1 FF\n")[0], "1800000 1 0 FF");
+}
+
 }  // namespace
 }  // namespace zelk::logs
