@@ -118,7 +118,7 @@ class Trc : public Form {
     if (header_->has_columns) return header_;
     const TrcColumns told = columns_of_trc(lines);
     if (told.letters.empty()) return header_;
-    const auto header = std::make_shared<const TrcHeader>(
+    std::shared_ptr<const TrcHeader> header = std::make_shared<const TrcHeader>(
         TrcHeader{header_->start, std::string(told.letters), told.is_only});
     if (told.is_only) header_ = header;
     return header;
