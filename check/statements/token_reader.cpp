@@ -31,12 +31,13 @@ bool begins_like_statement(Word word, const Token* next) {
   if (!next) return false;
   if (word == Word::kNodes || word == Word::kBitTiming || word == Word::kNewSymbols)
     return next->is_mark(':');
-  if (word == Word::kSignal) return next->kind == TokenKind::kName;
+  const bool is_name = next->kind == TokenKind::kName || next->kind == TokenKind::kOddName;
+  if (word == Word::kSignal) return is_name;
   if (is_number_kind(next->kind) || next->kind == TokenKind::kText) return true;
   const bool is_of_object = next->is(Word::kNodes) || next->is(Word::kMessage) ||
                             next->is(Word::kSignal) || next->is(Word::kVariable);
   if (is_of_object && (word == Word::kComment || word == Word::kDefinition)) return true;
-  return next->kind == TokenKind::kName && (word == Word::kVariable || word == Word::kValueTable);
+  return is_name && (word == Word::kVariable || word == Word::kValueTable);
 }
 
 /// Bytes outside ASCII and a name: the reader takes the former for blanks.

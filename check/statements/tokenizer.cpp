@@ -95,9 +95,7 @@ class Tokenizer {
     while (at_ != end_ && is_name_character(*at_)) ++at_;
     const auto plain_size = static_cast<std::size_t>(at_ - plain);
     if (from != plain && find_word({plain, plain_size}) != Word::kNone) from = plain;
-    const bool is_odd = from != at_ && (start_of(*from) == Start::kHigh || is_high_here());
-    if (is_odd) {
-      while (at_ != end_ && is_name_or_high(*at_) && wide_space() == 0) ++at_;
+    if (pass_high_rest() || start_of(*from) == Start::kHigh) {
       add(TokenKind::kOddName, from, at_);
       return;
     }
@@ -107,6 +105,32 @@ class Tokenizer {
     if (at_ == end_) note(FaultKind::kNoFinalLineFeed);
     if (at_ != end_ && start_of(*at_) == Start::kHigh) note_last(FaultKind::kOddSpace);
     note_length(from);
+  }
+
+  /// Passes what is behind the plain beginning of an odd name. Bytes outside ASCII in front of a
+  /// keyword that begins a statement are space.
+  ///
+  /// @return false when there is nothing
+  bool pass_high_rest() {
+    const char* const from = at_;
+    while (is_high_here()) {
+      const char* const high = at_;
+      while (is_high_here()) ++at_;
+      if (behind_keyword(at_)) {
+        at_ = high;
+        break;
+      }
+      while (at_ != end_ && is_name_character(*at_)) ++at_;
+    }
+    return at_ != from;
+  }
+
+  /// Behind a keyword that begins statements; null when none stands here.
+  const char* behind_keyword(const char* from) const {
+    const char* behind = from;
+    while (behind != end_ && is_name_character(*behind)) ++behind;
+    const std::string_view word(from, static_cast<std::size_t>(behind - from));
+    return place_of(find_word(word)) == 0 ? nullptr : behind;
   }
 
   void note_length(const char* from) {
@@ -231,10 +255,8 @@ class Tokenizer {
   /// Whether the line begins with a keyword that begins statements, and a blank, colon or quote.
   bool begins_statement(const char* line) const {
     while (line != end_ && (*line == ' ' || *line == '\t')) ++line;
-    const char* word_end = line;
-    while (word_end != end_ && is_name_character(*word_end)) ++word_end;
-    const std::string_view name(line, static_cast<std::size_t>(word_end - line));
-    if (word_end == end_ || place_of(find_word(name)) == 0) return false;
+    const char* const word_end = behind_keyword(line);
+    if (!word_end || word_end == end_) return false;
     return *word_end == ' ' || *word_end == ':' || *word_end == '"' || *word_end == '\t';
   }
 

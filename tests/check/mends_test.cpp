@@ -70,6 +70,10 @@ TEST(MendNames, OfForms) {
        "6:2: quote added at the end of a text that had none"},
       {"odd-space", "CM_ BU_ A\xA0'x';\n", "CM_ BU_ A \xA0'x';\n",
        "5:10: plain blank added between a name and a blank outside ASCII"},
+      {"odd-space", " SG_ u : 0|8@1+ (1,0) [0|1] '' B\xE4\xF6SG_ t\xE4 : 8|8@1+ (1,0) [0|1] '' B\n",
+       " SG_ u : 0|8@1+ (1,0) [0|1] '' B \xE4\xF6SG_ tae : 8|8@1+ (1,0) [0|1] '' B\n"
+       "CM_ SG_ 1 tae 'Original name: t\xE4';\n",
+       "5:33: plain blank added between a name and a blank outside ASCII", kAnything},
       {"missing", "CM_ BU_ A 'x' // c\nCM_ 'y';\n", "CM_ BU_ A 'x'; // c\nCM_ 'y';\n",
        "5:14: ';' behind the comment added"},
       {"surplus", "CM_ BU_ A 'x' 7;;\n", "CM_ BU_ A 'x';\n",
