@@ -102,4 +102,8 @@ std::string with_full_names(const Document& document, const std::vector<CastKind
   return FullNames(document, kinds).run();
 }
 
+bool defines_full_names(const Document& document, const Statement& statement) {
+  return statement.kind != Word::kAttribute && carrier_of(document, statement);
+}
+
 }  // namespace zelk::check

@@ -19,6 +19,10 @@ std::vector<CastKind> kinds_with_full_names(const Document& document);
 /// named, and the attributes that carried these are gone.
 std::string with_full_names(const Document& document, const std::vector<CastKind>& kinds);
 
+/// Whether a statement defines an attribute that carries names of more than 32 characters, or gives
+/// its default.
+bool defines_full_names(const Document& document, const Statement& statement);
+
 }  // namespace zelk::check
 
 #endif

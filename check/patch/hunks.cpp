@@ -92,6 +92,8 @@ class DiffWriter {
       old_count_ += mark != '+' ? 1 : 0;
       new_count_ += mark != '-' ? 1 : 0;
     }
+    if (!text.empty() && text.back() != '\n')
+      lines_.push_back({'\\', " No newline at end of file"});
   }
 
   void hunk(std::span<const Lines> changes) {

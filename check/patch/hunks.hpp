@@ -15,7 +15,8 @@ namespace zelk::check {
 
 /// A line of a unified diff.
 struct DiffLine {
-  char mark;  ///< ' ', '-', '+', or '@' in front of each part that changes
+  char mark;  ///< ' ', '-', '+', '@' in front of each part that changes, or '\\' behind a line that
+              ///< ends the text without a line feed
   std::string text;
 };
 

@@ -196,6 +196,13 @@ std::string Merge::text_of(std::uint32_t after) const {
   return wanted_text(pieces, 0, static_cast<std::uint32_t>(pieces.size()));
 }
 
+std::string Merge::name_in(std::uint32_t after, Role role) const {
+  const Document& document = casts_.after.document();
+  for (const Piece& piece : pieces_of(casts_.after, after))
+    if (document.tokens[piece.first].role == role) return spelled(piece);
+  return {};
+}
+
 std::uint32_t Merge::begin_of(const Piece& piece) const {
   return casts_.original.document().tokens[piece.first].begin;
 }

@@ -38,6 +38,9 @@ class Merge {
   /// A statement of the document after the edit, with the names of objects that the original has.
   std::string text_of(std::uint32_t after) const;
 
+  /// The first name of a role in such a statement, likewise; empty when it has none.
+  std::string name_in(std::uint32_t after, Role role) const;
+
  private:
   /// A statement of the original, and what it shall say.
   struct Pair {

@@ -9,6 +9,7 @@
 #include "check/patch/merge.hpp"
 #include "check/patch/renaming.hpp"
 #include "check/patch/subjects.hpp"
+#include "zelk/records.h"
 
 namespace zelk::check {
 
@@ -102,10 +103,19 @@ class StatementPatch {
     const std::uint32_t place = original_of(before);
     if (after_.about(subject).empty()) {
       for (const Subjects::Entry& entry : original_.about(subject))
-        splices_.remove(entry.statement);
+        if (!stays_unused(before, entry.statement)) splices_.remove(entry.statement);
     } else if (place != kNone) {
       splices_.remove(place);
     }
+  }
+
+  /// Whether a definition for long names stays when there are none: the author has spelled it
+  /// otherwise than the library would when there are some again.
+  bool stays_unused(std::uint32_t before, std::uint32_t original) const {
+    const Statement& statement = original_text_.statements[original];
+    return defines_full_names(original_text_, statement) &&
+           original_text_.text_of(statement) !=
+               before_text_.text_of(before_text_.statements[before]);
   }
 
   void change(std::uint32_t before, std::uint32_t after) {
@@ -210,9 +220,12 @@ class StatementPatch {
   void remove_orphans() {
     const bool has_gone = has_gone_objects();
     for (std::uint32_t i = 0; i < original_text_.statements.size(); ++i) {
-      if (original_.all()[i] == 0) continue;
-      const bool is_obsolete = (has_gone && names_gone_object(i)) || is_outdated(i);
-      if (is_obsolete && !is_written(original_.all()[i])) splices_.remove(i);
+      if (original_.all()[i] == 0 || is_written(original_.all()[i])) continue;
+      if ((has_gone && names_gone_object(i)) || has_outdated_ranges(i)) {
+        splices_.remove(i);
+      } else if (original_text_.statements[i].kind == Word::kTransmitters) {
+        follow_sender(i);
+      }
     }
   }
 
@@ -238,27 +251,44 @@ class StatementPatch {
     return false;
   }
 
-  /// Ranges of a signal that is now selected otherwise, and a list of the sender that another one
-  /// replaces.
-  bool is_outdated(std::uint32_t original) const {
-    const Statement& statement = original_text_.statements[original];
-    if (statement.kind == Word::kMultiplexorRanges)
-      return changes(original, CastKind::kSignal, Role::kSignalRef, Role::kIndicator);
-    if (statement.kind == Word::kTransmitters)
-      return changes(original, CastKind::kMessage, Role::kMessageRef, Role::kTransmitter);
-    return false;
+  /// Whether it has ranges of a signal that is now selected otherwise.
+  bool has_outdated_ranges(std::uint32_t original) const {
+    if (original_text_.statements[original].kind != Word::kMultiplexorRanges) return false;
+    const std::uint32_t signal = object_of(original, Role::kSignalRef);
+    const auto indicator = [&](const Cast& cast) {
+      const std::uint32_t statement = cast.statement(CastKind::kSignal, signal);
+      if (statement == kNone) return std::string_view();
+      return cast.document().text_of(cast.document().statements[statement], Role::kIndicator);
+    };
+    return indicator(casts_.before) != indicator(casts_.after);
   }
 
-  /// Whether the object to which the statement refers is stated with another `part`.
-  bool changes(std::uint32_t original, CastKind kind, Role reference, Role part) const {
+  /// A list with the sender alone that the message's line has, too, goes along with that.
+  void follow_sender(std::uint32_t original) {
+    const std::uint32_t message = object_of(original, Role::kMessageRef);
+    if (sender_of(casts_.before, message) == sender_of(casts_.after, message)) return;
+    const std::string sender =
+        merge_.name_in(casts_.after.statement(CastKind::kMessage, message), Role::kTransmitter);
+    if (sender == ZELK_NO_NODE) return splices_.remove(original);
+    const auto tokens = original_text_.tokens_of(original_text_.statements[original]);
+    const auto first = std::ranges::find(tokens, Role::kTransmitter, &Token::role);
+    auto last = first;
+    for (auto at = first; at != tokens.end(); ++at)
+      if (at->role == Role::kTransmitter) last = at;
+    splices_.replace(first->begin, last->end, sender);
+  }
+
+  std::uint32_t object_of(std::uint32_t original, Role reference) const {
     const Token* const token = original_text_.find(original_text_.statements[original], reference);
-    const std::uint32_t object = casts_.original.object(original, *token);
-    const auto text_of_part = [&](const Cast& cast) {
-      const std::uint32_t statement = cast.statement(kind, object);
-      if (statement == kNone) return std::string_view();
-      return cast.document().text_of(cast.document().statements[statement], part);
-    };
-    return text_of_part(casts_.before) != text_of_part(casts_.after);
+    return casts_.original.object(original, *token);
+  }
+
+  static std::uint32_t sender_of(const Cast& cast, std::uint32_t message) {
+    const std::uint32_t statement = cast.statement(CastKind::kMessage, message);
+    if (statement == kNone) return kNone;
+    const Document& document = cast.document();
+    const Token* const sender = document.find(document.statements[statement], Role::kTransmitter);
+    return sender ? cast.object(statement, *sender) : kNone;
   }
 
   Casts casts_;

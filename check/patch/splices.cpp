@@ -83,9 +83,8 @@ void Splices::insert(std::uint32_t anchor, std::string_view statement, bool is_b
   const std::uint32_t behind = document_.end_of(document_.statements[anchor]);
   const Rest rest = rest_of_line(behind);
   if (!rest.is_empty) return insertions_.push_back({behind, " " + text});
-  const bool is_open = rest.end == source_.size() && source_.text().back() != '\n';
   const bool has_gap = is_block && (rest.end == source_.size() || is_blank_line(rest.end));
-  insertions_.push_back({rest.end, (is_open ? end : "") + (has_gap ? end : "") + text + end});
+  insertions_.push_back({rest.end, (has_gap ? end : "") + text + end});
 }
 
 /// Removed lines behind an empty one, with only empty ones between them, go as one.
@@ -152,15 +151,41 @@ void Splices::place(Insertion& insertion) {
   edits_.insert_behind(insertion.place, std::move(insertion.text));
 }
 
+/// Whether what stays of the text ends within a line.
+bool Splices::is_end_open() const {
+  const bool is_end_removed = !removals_.empty() && removals_.back().end == source_.size();
+  const std::uint32_t end = is_end_removed ? removals_.back().begin : source_.size();
+  return source_.line_begin(end) != end;
+}
+
+/// A text without a line end at its end stays one.
+void Splices::keep_open_end(Patched& patched) const {
+  const bool is_kept = source_.size() == 0 || source_.text().back() == '\n' ||
+                       !patched.text.ends_with(line_end_) || patched.splices.empty();
+  if (is_kept) return;
+  Splice& last = patched.splices.back();
+  const auto size = static_cast<std::uint32_t>(line_end_.size());
+  patched.text.resize(patched.text.size() - size);
+  if (last.new_end - last.new_begin < size) {  // the line end in front of what was removed
+    last.begin -= size;
+    last.new_begin -= size;
+  }
+  last.new_end -= size;
+}
+
 Patched Splices::apply() {
   std::ranges::stable_sort(insertions_, {}, &Insertion::place);
   close_gaps();
   join_removals();
   for (const auto& [begin, end] : removals_) edits_.erase(begin, end);
+  const auto at_end = std::ranges::lower_bound(insertions_, source_.size(), {}, &Insertion::place);
+  if (at_end != insertions_.end() && is_end_open()) at_end->text.insert(0, line_end_);
   for (Insertion& insertion : insertions_) place(insertion);
   Composition composition = edits_.apply(source_.text());
   std::vector<Splice> splices = composition.splices(source_.size());
-  return {composition.take_text(), std::move(splices)};
+  Patched patched{composition.take_text(), std::move(splices)};
+  keep_open_end(patched);
+  return patched;
 }
 
 }  // namespace zelk::check

@@ -49,7 +49,7 @@ class Splices {
   /// A text with the line ends of the document.
   std::string with_line_ends(std::string_view text) const;
 
-  /// Makes the changes.
+  /// Makes the changes. A text without a line end at its end stays one.
   Patched apply();
 
  private:
@@ -72,6 +72,8 @@ class Splices {
   void join_removals();
   void take_blanks(Span& removal) const;
   void place(Insertion& insertion);
+  bool is_end_open() const;
+  void keep_open_end(Patched& patched) const;
 
   const Document& document_;
   const Source& source_;

@@ -198,6 +198,24 @@ TEST(Edit, LeavesTheRestOfTheFile) {
        "BS_: BU_: B CM_ BU_ B \"b\";\nBA_DEF_  \"P\" INT 0 0;\n\nBA_DEF_DEF_  \"P\" 3;\n"},
       {"BS_:\nBU_: A\nBO_ 1 M: 8 A BO_ 2 L: 8 A\n\nCM_ \"x\";\n",
        "--delete-message M --delete-message L", "BS_:\nBU_: A\n\nCM_ \"x\";\n"},
+      // A list of the sender that the message's line has, too.
+      {"BS_:\nBU_: A B\nBO_ 1 M: 8 A\nBO_TX_BU_ 1 :  A;\n", "--set message:M senders B",
+       "BS_:\nBU_: A B\nBO_ 1 M: 8 B\nBO_TX_BU_ 1 :  B;\n", "--set message:M senders A"},
+      {"BS_:\nBU_: A B\nBO_ 1 M: 8 A\nBO_TX_BU_ 1 :  A;\n", "--rename-node A C",
+       "BS_:\nBU_: C B\nBO_ 1 M: 8 C\nBO_TX_BU_ 1 :  C;\n", "--rename-node C A"},
+      {"BS_:\nBU_: A\nBO_ 1 M: 8 A\nBO_TX_BU_ 1 : A;\n", "--set message:M senders none",
+       "BS_:\nBU_: A\nBO_ 1 M: 8 Ostrel__XXX\n"},
+      // The last long name goes, the author's definition stays.
+      {"BS_:\nBU_:\nBO_ 1 M23456789_123456789_123456789_12: 8 Ostrel__XXX\n"
+       "BA_DEF_ BO_ \"SystemMessageLongSymbol\" STRING ;\nBA_DEF_ \"P\" STRING;\n"
+       "BA_DEF_DEF_ \"SystemMessageLongSymbol\" \"\";\nBA_DEF_DEF_ \"P\" \"\";\n"
+       "BA_ \"P\" \"q\";\nBA_ \"SystemMessageLongSymbol\" BO_ 1 \"M23456789_123456789_123456789_1234\";\n",
+       "--rename-message 1 M",
+       "BS_:\nBU_:\nBO_ 1 M: 8 Ostrel__XXX\n"
+       "BA_DEF_ BO_ \"SystemMessageLongSymbol\" STRING ;\nBA_DEF_ \"P\" STRING;\n"
+       "BA_DEF_DEF_ \"SystemMessageLongSymbol\" \"\";\nBA_DEF_DEF_ \"P\" \"\";\n"
+       "BA_ \"P\" \"q\";\n",
+       "--rename-message 1 M23456789_123456789_123456789_1234"},
       // What stands behind the end of the input.
       {"BS_:\nBU_: A B\n\xFF((( A\n", "--rename-node A C", "BS_:\nBU_: C B\n\xFF((( A\n",
        "--rename-node C A"},
@@ -247,7 +265,7 @@ TEST(Edit, IsUndoneByItsOpposite) {
     return text;
   };
   const std::string forms[] = {kNetwork, with("\n", "\r\n"), with("\n\n", "\n"),
-                               with(";\n", "; // note\n")};
+                               with(";\n", "; // note\n"), kNetwork.substr(0, kNetwork.size() - 1)};
   for (const std::string& form : forms) {
     for (const auto& [edit, undo] : cases) {
       const auto path = write_file("a.dbc", form);

@@ -198,12 +198,20 @@ TEST(EditText, ShowsTheLinesThatChange) {
       "edit a.dbc --dry-run --diff --set network version 2 --set-description signal:Motion.Page 0 "
       "null",
       0,
-      "network: version = \"2\"\nsignal:Motion.Page: value 0 is now \"null\"\n"
+      "network: version = \"2\"\nsignal Motion.Page: description of 0 = \"null\"\n"
       "@@ -1,4 +1,4 @@\n-VERSION \"1\" // first\n+VERSION \"2\" // first\n \n NS_ :\n \n"
       "@@ -20,4 +20,4 @@\n BA_DEF_ BO_ \"Cycle\" INT 0 1000;\n BA_DEF_DEF_ \"Cycle\" 0100;\n"
       " BA_ \"Cycle\" BO_ 100 020;\n-VAL_ 100 Page 1 \"one\" 0 \"zero\" ;\n"
       "+VAL_ 100 Page 1 \"one\" 0 \"null\" ;\n"
       "a.dbc not written\n"});
+  write_file("open.dbc", kText);
+  check(ToolCase{"edit open.dbc -n --diff --delete-description signal:Motion.Page 1", 0,
+                 "signal Motion.Page: description of 1 deleted\n"
+                 "@@ -20,4 +20,4 @@\n BA_DEF_ BO_ \"Cycle\" INT 0 1000;\n"
+                 " BA_DEF_DEF_ \"Cycle\" 0100;\n BA_ \"Cycle\" BO_ 100 020;\n"
+                 "-VAL_ 100 Page 1 \"one\" 0 \"zero\" ;\n\\ No newline at end of file\n"
+                 "+VAL_ 100 Page 0 \"zero\" ;\n\\ No newline at end of file\n"
+                 "open.dbc not written\n"});
   check(ToolCase{"edit a.dbc --diff --set signal:Motion.Speed factor 0.1", 0,
                  "signal Motion.Speed: factor = \"0.1\"\na.dbc unchanged\n"});
 }

@@ -92,12 +92,22 @@ void set_type(attr_def& definition, std::string_view text) {
     throw RequestError(fmt::format("{} has its minimum above its maximum", in_quotes(text)));
 }
 
-/// The list of descriptions of an object.
-val** descriptions_of(const EditTargets& targets, const std::string& name) {
-  if (name.starts_with("table:")) return &targets.table(name.substr(6)).values;
+/// An object whose values are described.
+struct Described {
+  val*& list;
+  std::string shown;
+};
+
+Described described_object(const EditTargets& targets, const std::string& name) {
+  if (name.starts_with("table:")) {
+    valtable& table = targets.table(name.substr(6));
+    return {table.values, "value table " + escaped(view(table.name))};
+  }
   const EditTarget target = targets.object(name);
-  if (auto* const* const signal = std::get_if<sigblk*>(&target)) return &(*signal)->values;
-  if (auto* const* const variable = std::get_if<env_var_blk*>(&target)) return &(*variable)->values;
+  if (auto* const* const signal = std::get_if<sigblk*>(&target))
+    return {(*signal)->values, shown_target(target)};
+  if (auto* const* const variable = std::get_if<env_var_blk*>(&target))
+    return {(*variable)->values, shown_target(target)};
   throw RequestError(fmt::format("{} has no value descriptions: signals, variables and tables have",
                                  in_quotes(name)));
 }
@@ -210,19 +220,18 @@ std::string DatabaseEditor::add_signal(Words words) {
 // --- Value descriptions and tables ---
 
 std::string DatabaseEditor::set_description(Words words) {
-  val** const list = descriptions_of(targets_, words[0]);
+  const Described object = described_object(targets_, words[0]);
   const std::int32_t number = number_of(words[1]);
-  const bool had_one = tool::set_description(*list, number, stored(words[2], encoding_));
-  return fmt::format("{}: value {} {} {}", words[0], number, had_one ? "is now" : "added,",
-                     in_quotes(words[2]));
+  tool::set_description(object.list, number, stored(words[2], encoding_));
+  return fmt::format("{}: description of {} = {}", object.shown, number, in_quotes(words[2]));
 }
 
 std::string DatabaseEditor::delete_description(Words words) {
-  val** const list = descriptions_of(targets_, words[0]);
+  const Described object = described_object(targets_, words[0]);
   const std::int32_t number = number_of(words[1]);
-  if (!tool::delete_description(*list, number))
-    throw RequestError(fmt::format("{} has no description of the value {}", words[0], number));
-  return fmt::format("{}: description of the value {} deleted", words[0], number);
+  if (!tool::delete_description(object.list, number))
+    throw RequestError(fmt::format("{} has no description of the value {}", object.shown, number));
+  return fmt::format("{}: description of {} deleted", object.shown, number);
 }
 
 std::string DatabaseEditor::add_table(Words words) {

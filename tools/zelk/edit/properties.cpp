@@ -188,6 +188,17 @@ std::string names_of_signal_properties() {
   return names;
 }
 
+/// Attribute values of relations, which hang on the receivers of a signal or the senders of a
+/// message.
+std::size_t count_relation_values(const EditTarget& target) {
+  const rxblk* links = nullptr;
+  if (sigblk* const* const signal = std::get_if<sigblk*>(&target)) links = (*signal)->receivers;
+  if (msgblk* const* const message = std::get_if<msgblk*>(&target)) links = (*message)->tx_nodes;
+  std::size_t count = 0;
+  for (const rxblk& link : each(links)) count += count_16(link.attrs);
+  return count;
+}
+
 }  // namespace
 
 void DatabaseEditor::set_signal(sigblk& signal, const std::string& property,
@@ -222,6 +233,7 @@ std::string DatabaseEditor::set_property(Words words) {
   const EditTarget target = targets_.any_object(words[0]);
   const std::string shown = shown_target(target);
   const bool is_network = std::holds_alternative<std::monostate>(target);
+  const std::size_t relation_values = count_relation_values(target);
   if (words[1] == "name" && !is_network)
     throw RequestError("names are given by --rename-signal and its like");
   if (words[1] == "comment") throw RequestError("comments are given by --set-comment");
@@ -236,7 +248,9 @@ std::string DatabaseEditor::set_property(Words words) {
         "{} has no property {}: signals, messages and the version of the network can be set", shown,
         in_quotes(words[1])));
   }
-  return fmt::format("{}: {} = {}", shown, words[1], in_quotes(words[2]));
+  const std::size_t gone = relation_values - count_relation_values(target);
+  return fmt::format("{}: {} = {}{}", shown, words[1], in_quotes(words[2]),
+                     gone == 0 ? "" : ", without " + counted(gone, "relation value"));
 }
 
 }  // namespace zelk::tool
