@@ -45,4 +45,16 @@ TEST(DecodeWide, CompletesFilesBySignal) {
   EXPECT_FALSE(std::filesystem::exists(folder / "out/.zelk-tables-0"));
 }
 
+TEST(Decode, TellsWhenItWouldReadItsOutput) {
+  const std::string text = "1#07\n";
+  const auto log = write_file("a", text);
+  write_file("m.dbc", "BS_:\nBU_:\nBO_ 1 M: 1 Ostrel__XXX\n");
+  for (const std::string words : {"a", "<a", "--log a"}) {
+    const std::string command = "cd '" + log.parent_path().string() +
+                                "' && '" ZELK_PROGRAM "' decode m.dbc " + words + " >>a 2>err.txt";
+    EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 1) << words;
+    EXPECT_EQ(bytes_of(log), text) << words;
+  }
+}
+
 }  // namespace

@@ -91,14 +91,18 @@ bool take_argument(const std::string& argument, LogDatabases& databases,
   return false;
 }
 
-/// @throws RequestError when the output would take the place of what is read
+/// @throws RequestError when the output would take the place of what is read, or be read
 void check_output(const Arguments& arguments, const std::optional<std::string>& log) {
+  check_is_not_output(log);
   std::vector<std::string> inputs = arguments.databases;
   if (log) inputs.push_back(*log);
+  const auto output = identity_of(arguments.wide.path);
   for (const std::string& input : inputs) {
-    if (!is_same_file(input, arguments.wide.path)) continue;
+    if (!output || identity_of(input) != output) continue;
     throw RequestError(escaped(input) + " is both read and the output");
   }
+  if (!log && output && identity_of_input() == output)
+    throw RequestError("standard input is both read and the output");
 }
 
 ExitCode decode(const Arguments& arguments, Output& out) {

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "input/lookup.hpp"
 #include "term/system.hpp"
 #include "term/text.hpp"
 #include "zelk/logs/reader.hpp"
@@ -20,6 +21,13 @@ std::optional<std::string> why_no_log(const std::string& path) {
     first = fmt::format(", line {}: {}", line.number, in_quotes(line.text));
   }
   return "no frame at its beginning" + first;
+}
+
+void check_is_not_output(const std::optional<std::string>& path) {
+  const auto identity = path ? identity_of(*path) : identity_of_input();
+  if (!identity || identity != identity_of_output()) return;
+  throw RequestError((path ? escaped(*path) : "standard input") +
+                     " is both the log to read and the output");
 }
 
 }  // namespace zelk::tool

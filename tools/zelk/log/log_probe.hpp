@@ -18,6 +18,11 @@ namespace zelk::tool {
 /// @throws ZelkLogError when the file cannot be read
 std::optional<std::string> why_no_log(const std::string& path);
 
+/// @param path  none for standard input
+/// @throws RequestError when standard output leads into the log, where what is written would be
+/// read again
+void check_is_not_output(const std::optional<std::string>& path);
+
 }  // namespace zelk::tool
 
 #endif
