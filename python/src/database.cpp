@@ -39,10 +39,11 @@ std::string unknown_name(const std::string& wanted, const auto& names) {
 
 }  // namespace
 
-Codec& codec_of(Model& model, const msgblk& message) {
-  std::unique_ptr<Codec>& codec = model.codecs[&message];
-  if (!codec || model.is_editable()) codec = std::make_unique<Codec>(message, model.encoding);
-  return *codec;
+CodecUse codec_of(const std::shared_ptr<Model>& model, const msgblk& message) {
+  Use use(model);
+  std::shared_ptr<Codec>& codec = model->codecs[&message];
+  if (!codec || model->is_editable()) codec = std::make_shared<Codec>(message, model->encoding);
+  return {std::move(use), codec};
 }
 
 std::string shown_id(std::uint32_t id) { return check::padded_id(id); }
@@ -132,9 +133,9 @@ Message Database::message(nb::handle key) {
   return {found.model->shared_from_this(), *found.message};
 }
 
-Codec& Database::codec(nb::handle key) {
+CodecUse Database::codec(nb::handle key) {
   const Found found = find(key);
-  return codec_of(*found.model, *found.message);
+  return codec_of(found.model->shared_from_this(), *found.message);
 }
 
 Message Database::message_of_group(std::uint32_t pgn) const {

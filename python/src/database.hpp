@@ -15,6 +15,15 @@
 
 namespace zelk::python {
 
+/// The codec of a message, made anew within an edit. It and the message's records stay while this
+/// lives.
+struct CodecUse {
+  Use use;
+  std::shared_ptr<Codec> codec;
+
+  Codec* operator->() const { return codec.get(); }
+};
+
 /// The databases of one or more files, in which lookups look in their order.
 class Database {
  public:
@@ -36,8 +45,7 @@ class Database {
   ///
   /// @throws Failure when there is none, with names that are like the wanted one
   Message message(nb::handle key);
-  /// The message's codec; as long as the model is not edited.
-  Codec& codec(nb::handle key);
+  CodecUse codec(nb::handle key);
   /// All messages, or nodes, as a collection of Python.
   nb::object messages();
   nb::object nodes();
@@ -67,8 +75,8 @@ class Database {
   nb::object nodes_;
 };
 
-/// The codec of a message, which its model keeps; made anew within an edit.
-Codec& codec_of(Model& model, const msgblk& message);
+/// The codec of a message, which its model keeps.
+CodecUse codec_of(const std::shared_ptr<Model>& model, const msgblk& message);
 
 /// "0x141", "0x18FEF1FE".
 std::string shown_id(std::uint32_t id);

@@ -60,6 +60,7 @@ nb::object tables_of(const Database& database) {
   constexpr bool kIsSigned = true;
   nb::dict tables;
   for (const Database::Member& member : database.members()) {
+    const Use use(member.model);
     for (const valtable& table : each(member.model->value_tables)) {
       const nb::str name = text_to_python(view(table.name), member.model->encoding);
       const nb::object choices = choices_to_python(table.values, kIsSigned, member.model->encoding);
@@ -102,12 +103,12 @@ nb::str repr(const Database& database) {
 
 nb::object decode_message(Database& database, nb::handle key, nb::handle data, bool decode_choices,
                           bool scaling, bool allow_truncated) {
-  return database.codec(key).decode(data, {decode_choices, scaling, allow_truncated});
+  return database.codec(key)->decode(data, {decode_choices, scaling, allow_truncated});
 }
 
 nb::object encode_message(Database& database, nb::handle key, nb::handle values, bool scaling,
                           bool padding, bool strict) {
-  return database.codec(key).encode(values, {scaling, padding, strict});
+  return database.codec(key)->encode(values, {scaling, padding, strict});
 }
 
 Message message_of_id(Database& database, nb::handle id) {

@@ -108,6 +108,7 @@ nb::object Edit::enter() {
 
 void Edit::exit(nb::handle error) {
   if (!manager_) throw Failure(FailureKind::kEdit, "the edit has not begun");
+  model_->check_unused();
   error.is_none() ? commit() : discard();
 }
 

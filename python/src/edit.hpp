@@ -68,7 +68,12 @@ class Edit {
 };
 
 /// What changes the records of a model that is edited.
-inline EditManager& editor_of(const Model& model) { return *model.editor; }
+///
+/// @throws Failure when the edit has ended
+inline EditManager& editor_of(const Model& model) {
+  if (!model.editor) throw Failure(FailureKind::kReadOnly, "the edit has ended");
+  return *model.editor;
+}
 
 }  // namespace zelk::python
 

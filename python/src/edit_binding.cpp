@@ -65,11 +65,12 @@ Record* own_record(Model& model, nb::handle object) {
     throw Failure(FailureKind::kEdit,
                   shown(object) + " is not of this edit: take it from the database of the edit");
   }
-  return &wanted.change();
+  return &wanted.change().record;
 }
 
 void remove(const Database& database, nb::handle object) {
   Model& model = changing(database);
+  model.check_unused();
   EditManager& editor = editor_of(model);
   if (msgblk* const message = own_record<msgblk>(model, object)) {
     for (const sigblk& signal : each(message->signals)) model.forget(&signal);

@@ -181,6 +181,7 @@ nb::object diff(const Database& before, const Database& after) {
                                  list.add(difference);
                                });
   };
+  const Use uses[] = {Use(a), Use(b)};
   if (a->is_editable() || b->is_editable()) {
     compare();  // nobody may change them meanwhile
   } else {

@@ -91,13 +91,13 @@ nb::object groups_of(const Message& message) {
 
 nb::object decode(const Message& message, nb::handle data, bool decode_choices, bool scaling,
                   bool allow_truncated) {
-  return codec_of(*message.model(), message.get())
-      .decode(data, {decode_choices, scaling, allow_truncated});
+  return codec_of(message.model(), message.get())
+      ->decode(data, {decode_choices, scaling, allow_truncated});
 }
 
 nb::object encode(const Message& message, nb::handle values, bool scaling, bool padding,
                   bool strict) {
-  return codec_of(*message.model(), message.get()).encode(values, {scaling, padding, strict});
+  return codec_of(message.model(), message.get())->encode(values, {scaling, padding, strict});
 }
 
 std::string svg(const Message& message) {
@@ -129,7 +129,8 @@ nb::str repr(const Message& message) {
 // --- Changes ---
 
 void set_name(const Message& message, nb::handle name) {
-  msgblk& record = message.change();
+  const auto changing = message.change();
+  msgblk& record = changing.record;
   const std::string stored = name_to_record(name);
   const msgblk* const other = find_name(message.model()->messages, stored.c_str());
   if (other && other != &record)
@@ -138,14 +139,16 @@ void set_name(const Message& message, nb::handle name) {
 }
 
 void set_frame_id(const Message& message, nb::handle id) {
-  msgblk& record = message.change();
+  const auto changing = message.change();
+  msgblk& record = changing.record;
   const std::uint32_t format = record.id & ZELK_ID_EXTENDED;
   const std::int64_t largest = format != 0 ? kLargestExtendedId : kLargestStandardId;
   record.id = static_cast<std::uint32_t>(whole_from_python(id, "frame_id", 0, largest)) | format;
 }
 
 void set_length(const Message& message, nb::handle length) {
-  msgblk& record = message.change();
+  const auto changing = message.change();
+  msgblk& record = changing.record;
   record.dlc = static_cast<std::uint16_t>(whole_from_python(length, "length", 0, kLongestMessage));
 }
 
@@ -167,7 +170,8 @@ std::vector<symblk*> nodes_named(const Model& model, nb::handle names) {
 }
 
 void set_senders(const Message& message, nb::handle names) {
-  msgblk& record = message.change();
+  const auto changing = message.change();
+  msgblk& record = changing.record;
   EditManager& editor = editor_of(*message.model());
   const std::vector<symblk*> nodes = nodes_named(*message.model(), names);
   while (record.tx_nodes && record.tx_nodes->node)
@@ -177,7 +181,8 @@ void set_senders(const Message& message, nb::handle names) {
 }
 
 Signal add_signal(const Message& message, nb::handle name, nb::handle start, nb::handle length) {
-  msgblk& record = message.change();
+  const auto changing = message.change();
+  msgblk& record = changing.record;
   const std::string stored = name_to_record(name);
   if (find_name(record.signals, stored.c_str()))
     throw Failure(FailureKind::kEdit, "another signal of the message is named " + shown(name));

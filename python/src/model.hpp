@@ -68,8 +68,15 @@ class Model : public ZelkDatabase, public std::enable_shared_from_this<Model> {
   bool is_dbc = true;                  ///< read from a file of the library's own format
   EditManager* editor = nullptr;       ///< that changes the records; null outside an edit
   std::vector<PlacedFinding> mends{};  ///< of a file that was mended
-  std::unordered_map<const msgblk*, std::unique_ptr<Codec>> codecs;  ///< made when first wanted
+  std::unordered_map<const msgblk*, std::shared_ptr<Codec>> codecs;  ///< made when first wanted
 
+  unsigned uses = 0;  ///< by calls that run code of Python (`Use`)
+
+  /// @throws Failure while a call uses the records
+  void check_unused() const {
+    if (uses > 0)
+      throw Failure(FailureKind::kEdit, "the records are in use by a call that is going on");
+  }
   bool is_editable() const { return editor != nullptr; }
 
  private:
@@ -79,6 +86,28 @@ class Model : public ZelkDatabase, public std::enable_shared_from_this<Model> {
 
   std::unordered_map<const void*, std::uint64_t> numbers_;  ///< of records that an edit touched
   std::uint64_t last_number_ = 0;
+};
+
+/// Keeps a model, and its records where they are, while code of Python may run that could delete
+/// them: until then an edit of the model deletes nothing, and does not end.
+class Use {
+ public:
+  explicit Use(std::shared_ptr<Model> model) : model_(std::move(model)) { ++model_->uses; }
+  Use(Use&& other) noexcept : model_(std::move(other.model_)) {}
+  Use& operator=(Use&&) = delete;
+  ~Use() {
+    if (model_) --model_->uses;
+  }
+
+ private:
+  std::shared_ptr<Model> model_;
+};
+
+/// A record that is being changed.
+template <typename Record>
+struct Changing {
+  Use use;
+  Record& record;
 };
 
 /// How an object of Python refers to its record.
@@ -94,7 +123,7 @@ class Ref {
   const Record& get() const { return checked_record(); }
   /// The record, to be changed.
   /// @throws Failure when the record was deleted, or no edit is going on
-  Record& change() const;
+  Changing<Record> change() const;
 
   const std::shared_ptr<Model>& model() const { return model_; }
   /// A reference to another record of the model.
@@ -131,13 +160,13 @@ Record& Ref<Record>::checked_record() const {
 }
 
 template <typename Record>
-Record& Ref<Record>::change() const {
+Changing<Record> Ref<Record>::change() const {
   if (!model_->is_editable()) {
     throw Failure(FailureKind::kReadOnly,
                   "objects are changed within an edit alone: with db.edit() as edit: "
                   "edit.messages[...].name = ...");
   }
-  return checked_record();
+  return {Use(model_), checked_record()};
 }
 
 }  // namespace zelk::python

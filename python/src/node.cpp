@@ -10,7 +10,8 @@ namespace {
 
 template <typename Record, bool kIsNode>
 void set_name(const Ref<Record>& object, nb::handle name) {
-  Record& record = object.change();
+  const auto changing = object.change();
+  Record& record = changing.record;
   const std::string stored = name_to_record(name, kIsNode);
   const Record* head = nullptr;
   if constexpr (kIsNode) {

@@ -47,14 +47,16 @@ nb::object attributes_of(nb::handle_t<Ref<Record>> self) {
 
 template <typename Record>
 void set_comment(const Ref<Record>& object, nb::handle text) {
-  Record& record = object.change();
+  const auto changing = object.change();
+  Record& record = changing.record;
   const std::string stored = text_to_record(text, "comment", object.model()->encoding);
   editor_of(*object.model()).SetComment(record, stored.empty() ? nullptr : stored.c_str());
 }
 
 template <typename Record>
 void set_attribute(const Ref<Record>& object, nb::handle name, nb::handle value) {
-  Record& record = object.change();
+  const auto changing = object.change();
+  Record& record = changing.record;
   const Model& model = *object.model();
   const attr_def& definition = attribute_definition(model, kObjectType<Record>, name);
   std::string text;
@@ -65,7 +67,8 @@ void set_attribute(const Ref<Record>& object, nb::handle name, nb::handle value)
 
 template <typename Record>
 void reset_attribute(const Ref<Record>& object, nb::handle name) {
-  Record& record = object.change();
+  const auto changing = object.change();
+  Record& record = changing.record;
   const Model& model = *object.model();
   editor_of(model).ResetAttrValue(record,
                                   attribute_definition(model, kObjectType<Record>, name).name);

@@ -40,6 +40,16 @@ std::string shown(nb::handle object) {
 
 std::string shown(std::string_view text) { return shown(text_to_python(text)); }
 
+bool has_no_number() {
+  if (!PyErr_Occurred()) return false;
+  if (PyErr_ExceptionMatches(PyExc_TypeError) == 0 &&
+      PyErr_ExceptionMatches(PyExc_OverflowError) == 0) {
+    nb::raise_python_error();
+  }
+  PyErr_Clear();
+  return true;
+}
+
 nb::object findings_to_python(const std::vector<PlacedFinding>& findings) {
   nb::list list;
   if (!findings.empty()) {

@@ -47,6 +47,11 @@ Object checked(PyObject* object) {
   return nb::steal<Object>(object);
 }
 
+/// Whether the last conversion to a number failed because there is none; forgets the error then.
+///
+/// @throws nb::python_error for what code of the value's own has raised
+bool has_no_number();
+
 /// The contiguous bytes of an object of Python, held as long as this lives.
 class ByteView {
  public:

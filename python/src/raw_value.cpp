@@ -60,10 +60,8 @@ std::int64_t RawValue::find() {
   if (PyUnicode_Check(value)) return of_text();
   if (PyIndex_Check(value)) return of_whole(checked(PyNumber_Index(value)));
   const double number = PyFloat_AsDouble(value);
-  if (number == -1 && PyErr_Occurred()) {
-    PyErr_Clear();
+  if (number == -1 && has_no_number())
     refuse("neither a number nor a text", FailureKind::kArgument);
-  }
   return of_real(number);
 }
 

@@ -31,6 +31,7 @@ nb::object number_of(const Signal& signal) {
 }
 
 nb::object choices_of(const Signal& signal) {
+  const Use use(signal.model());
   const sigblk& record = signal.get();
   const nb::object choices =
       choices_to_python(record.values, is_signed(record), signal.model()->encoding);
@@ -90,7 +91,8 @@ nb::str repr(const Signal& signal) {
 // --- Changes ---
 
 void set_name(const Signal& signal, nb::handle name) {
-  sigblk& record = signal.change();
+  const auto changing = signal.change();
+  sigblk& record = changing.record;
   const std::string stored = name_to_record(name);
   const sigblk* const other =
       record.message ? find_name(record.message->signals, stored.c_str()) : nullptr;
@@ -101,12 +103,14 @@ void set_name(const Signal& signal, nb::handle name) {
 
 template <double sigblk::*kMember>
 void set_number(const Signal& signal, nb::handle number) {
-  sigblk& record = signal.change();
+  const auto changing = signal.change();
+  sigblk& record = changing.record;
   record.*kMember = real_from_python(number, "number");
 }
 
 void set_scale(const Signal& signal, nb::handle number) {
-  sigblk& record = signal.change();
+  const auto changing = signal.change();
+  sigblk& record = changing.record;
   const double factor = real_from_python(number, "scale");
   if (factor == 0) throw Failure(FailureKind::kEdit, "scale = 0: all values would be one");
   record.factor = factor;
@@ -114,12 +118,14 @@ void set_scale(const Signal& signal, nb::handle number) {
 
 template <std::uint16_t sigblk::*kMember, std::int64_t kLow>
 void set_bits(const Signal& signal, nb::handle number) {
-  sigblk& record = signal.change();
+  const auto changing = signal.change();
+  sigblk& record = changing.record;
   record.*kMember = static_cast<std::uint16_t>(whole_from_python(number, "bits", kLow, kMostBits));
 }
 
 void set_byte_order(const Signal& signal, nb::handle order) {
-  sigblk& record = signal.change();
+  const auto changing = signal.change();
+  sigblk& record = changing.record;
   const std::string wanted = text_to_record(order, "byte_order", Encoding::kUtf8);
   if (wanted != "little_endian" && wanted != "big_endian") {
     throw Failure(FailureKind::kEdit,
@@ -129,11 +135,12 @@ void set_byte_order(const Signal& signal, nb::handle order) {
 }
 
 void set_signed(const Signal& signal, bool is_signed) {
-  set_flag(signal.change(), ZELK_SIGNAL_SIGNED, is_signed);
+  set_flag(signal.change().record, ZELK_SIGNAL_SIGNED, is_signed);
 }
 
 void set_unit(const Signal& signal, nb::handle unit) {
-  sigblk& record = signal.change();
+  const auto changing = signal.change();
+  sigblk& record = changing.record;
   const std::string stored = inline_text_to_record(unit, "unit", signal.model()->encoding);
   record.unit[stored.copy(record.unit, stored.size())] = '\0';
 }
@@ -147,7 +154,8 @@ void clear_choices(sigblk& signal) {
 }
 
 void set_choices(const Signal& signal, nb::handle choices) {
-  sigblk& record = signal.change();
+  const auto changing = signal.change();
+  sigblk& record = changing.record;
   std::vector<std::pair<std::int32_t, std::string>> stored;
   if (!choices.is_none()) {
     const auto given = nb::cast<nb::dict>(nb::module_::import_("builtins").attr("dict")(choices));
@@ -164,7 +172,8 @@ void set_choices(const Signal& signal, nb::handle choices) {
 }
 
 void set_receivers(const Signal& signal, nb::handle names) {
-  sigblk& record = signal.change();
+  const auto changing = signal.change();
+  sigblk& record = changing.record;
   EditManager& editor = editor_of(*signal.model());
   const std::vector<symblk*> nodes = nodes_of(*signal.model(), names);
   while (record.receivers && record.receivers->node)

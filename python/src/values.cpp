@@ -92,9 +92,7 @@ std::int64_t whole_from_python(nb::handle number, const char* what, std::int64_t
 
 double real_from_python(nb::handle number, const char* what) {
   const double real = PyUnicode_Check(number.ptr()) ? NAN : PyFloat_AsDouble(number.ptr());
-  const bool is_error = PyErr_Occurred() != nullptr;
-  PyErr_Clear();
-  if (is_error || PyUnicode_Check(number.ptr()))
+  if (has_no_number() || PyUnicode_Check(number.ptr()))
     refuse(FailureKind::kArgument, what, number, "not a number");
   if (!std::isfinite(real)) refuse(FailureKind::kEdit, what, number, "not a finite number");
   return real;

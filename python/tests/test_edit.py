@@ -187,3 +187,54 @@ def test_threads_read_while_one_edits(car):
     for thread in threads:
         thread.join()
     assert not faults and db.message(0x0C8).name == "Engine19"
+
+
+class Meddler:
+    """A value that does something when it is converted."""
+
+    def __init__(self, action):
+        self.action = action
+
+    def __index__(self):
+        self.action()
+        return 5
+
+    __float__ = __index__
+
+    def __iter__(self):
+        yield "Gateway"
+        self.action()
+        yield "HybridControl"
+
+
+@pytest.mark.parametrize(
+    "use",
+    [
+        lambda m, value: m.encode({"EngineSpeed": value}, strict=False),
+        lambda m, value: m.encode({Meddler: 1, "EngineSpeed": value}, strict=False),
+        lambda m, value: setattr(m.signals[0], "scale", value),
+        lambda m, value: setattr(m.signals[0], "choices", {value: "a"}),
+        lambda m, value: setattr(m.signals[0], "receivers", value),
+        lambda m, value: setattr(m, "senders", value),
+        lambda m, value: setattr(m, "length", value),
+        lambda m, value: m.add_signal("Fresh", value, 1),
+        lambda m, value: m.attributes.__setitem__("CycleTime", value),
+    ],
+)
+def test_values_cannot_pull_records_away(car, use):
+    db = zelk.load(car)
+    manager = db.edit()
+    edit = manager.__enter__()
+    message = edit.messages["EngineStatus"]
+    for action in (
+        lambda: edit.delete(message),
+        lambda: edit.delete(message.signals[0]),
+        lambda: edit.delete(edit.nodes["Gateway"]),
+        lambda: manager.__exit__(None, None, None),
+    ):
+        with pytest.raises(zelk.EditError, match="in use"):
+            use(message, Meddler(action))
+    assert message.name == "EngineStatus" and len(message.signals) >= 8
+    del manager
+    with pytest.raises(zelk.ReadOnlyError):
+        message.length = 1
