@@ -64,7 +64,7 @@ void Decoding::take_batches(bool is_end,
   for (std::size_t table = 0; table < heads_.size(); ++table) {
     ArrowArray batch{};
     while (decoder_.TakeBatch(table, is_end, &batch))
-      if (!take(table, shared(batch))) return;
+      if (!take(table, shared(kept(batch, *heads_[table])))) return;
   }
 }
 

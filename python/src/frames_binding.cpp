@@ -258,7 +258,7 @@ nb::object times_from_seconds(Array<double> seconds) {
   std::int64_t* const start = times.get();
   const nb::capsule owner(
       start, [](void* memory) noexcept { delete[] static_cast<std::int64_t*>(memory); });
-  times.release();
+  static_cast<void>(times.release());
   return nb::cast(nb::ndarray<nb::numpy, std::int64_t>(start, 1, &count, owner));
 }
 

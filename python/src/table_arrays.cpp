@@ -13,59 +13,60 @@
 namespace zelk::python {
 namespace {
 
-nb::dlpack::dtype number_type(ZelkColumnType type) {
+struct NumberType {
+  nb::dlpack::dtype type;
+  const char* name;  ///< of NumPy
+};
+
+NumberType number_type(ZelkColumnType type) {
   switch (type) {
     case ZelkColumnType::kInt8:
-      return nb::dtype<std::int8_t>();
+      return {nb::dtype<std::int8_t>(), "int8"};
     case ZelkColumnType::kInt16:
-      return nb::dtype<std::int16_t>();
+      return {nb::dtype<std::int16_t>(), "int16"};
     case ZelkColumnType::kInt32:
-      return nb::dtype<std::int32_t>();
+      return {nb::dtype<std::int32_t>(), "int32"};
     case ZelkColumnType::kInt64:
-      return nb::dtype<std::int64_t>();
+      return {nb::dtype<std::int64_t>(), "int64"};
     case ZelkColumnType::kUint8:
-      return nb::dtype<std::uint8_t>();
+      return {nb::dtype<std::uint8_t>(), "uint8"};
     case ZelkColumnType::kUint16:
-      return nb::dtype<std::uint16_t>();
+      return {nb::dtype<std::uint16_t>(), "uint16"};
     case ZelkColumnType::kUint32:
-      return nb::dtype<std::uint32_t>();
+      return {nb::dtype<std::uint32_t>(), "uint32"};
     case ZelkColumnType::kUint64:
-      return nb::dtype<std::uint64_t>();
+      return {nb::dtype<std::uint64_t>(), "uint64"};
     case ZelkColumnType::kFloat:
-      return nb::dtype<float>();
+      return {nb::dtype<float>(), "float32"};
     case ZelkColumnType::kDouble:
-      return nb::dtype<double>();
+      return {nb::dtype<double>(), "float64"};
     case ZelkColumnType::kDictionary:
       break;
   }
-  return nb::dtype<std::int32_t>();
+  return {nb::dtype<std::int32_t>(), "int32"};
 }
 
-/// An array that keeps `owner`.
+/// A view of memory that `owner` keeps, not to be written to.
 template <typename Owner>
-nb::object keeping(Owner owner, const void* values, std::size_t count, nb::dlpack::dtype type,
-                   bool is_shared) {
+nb::object keeping(Owner owner, const void* values, std::size_t count, nb::dlpack::dtype type) {
   auto kept = std::make_unique<Owner>(std::move(owner));
   const nb::capsule capsule(kept.get(),
                             [](void* pointer) noexcept { delete static_cast<Owner*>(pointer); });
-  kept.release();
+  static_cast<void>(kept.release());
   void* const start = const_cast<void*>(values);
-  if (is_shared)
-    return nb::cast(nb::ndarray<nb::numpy, nb::ro>(start, 1, &count, capsule, nullptr, type));
-  return nb::cast(nb::ndarray<nb::numpy>(start, 1, &count, capsule, nullptr, type));
+  return nb::cast(nb::ndarray<nb::numpy, nb::ro>(start, 1, &count, capsule, nullptr, type));
 }
 
-/// New memory of `count` values, which is not initialised.
-template <typename Value>
-struct NewValues {
-  explicit NewValues(std::size_t size) : count(size), values(new Value[size]) {}
-  nb::object give(nb::dlpack::dtype type) && {
-    const Value* const start = values.get();
-    return keeping(std::move(values), start, count / (type.bits / 8 / sizeof(Value)), type, false);
-  }
+/// A new array, whose values are not initialised. NumPy's own memory has large pages where it can,
+/// which large copies are much quicker into.
+template <typename Value = unsigned char>
+struct NewArray {
+  NewArray(std::size_t count, const char* type)
+      : array(nb::module_::import_("numpy").attr("empty")(count, type)),
+        values(static_cast<Value*>(nb::cast<nb::ndarray<nb::numpy>>(array).data())) {}
 
-  std::size_t count;
-  std::unique_ptr<Value[]> values;
+  nb::object array;
+  Value* values;
 };
 
 std::size_t length_of(const ArrowArray& array) { return static_cast<std::size_t>(array.length); }
@@ -85,11 +86,11 @@ void fill_nulls(const ArrowArray& values, unsigned char* to) {
 
 nb::object copied_values(const TableRows& rows, std::size_t column, bool fills) {
   const ZelkColumnType type = rows.column(column).type;
-  const std::size_t width = number_type(type).bits / 8;
-  NewValues<unsigned char> copy(rows.row_count() * width);
+  const std::size_t width = width_of(type);
+  const NewArray copy(rows.row_count(), number_type(type).name);
   {
     const nb::gil_scoped_release unlocked;
-    unsigned char* to = copy.values.get();
+    unsigned char* to = copy.values;
     for (const SharedArray& batch : rows.batches()) {
       const ArrowArray& values = rows.values(*batch, column);
       const std::size_t size = length_of(values) * width;
@@ -101,7 +102,7 @@ nb::object copied_values(const TableRows& rows, std::size_t column, bool fills) 
       to += size;
     }
   }
-  return std::move(copy).give(number_type(type));
+  return copy.array;
 }
 
 /// Text `index` of a dictionary.
@@ -139,6 +140,8 @@ class AllTexts {
 
 }  // namespace
 
+std::size_t width_of(ZelkColumnType type) { return number_type(type).type.bits / 8; }
+
 nb::object column_values(const TableRows& rows, std::size_t column, bool fills) {
   const ZelkColumnType type = rows.column(column).type;
   const bool is_real = type == ZelkColumnType::kDouble || type == ZelkColumnType::kFloat;
@@ -146,24 +149,24 @@ nb::object column_values(const TableRows& rows, std::size_t column, bool fills) 
     return copied_values(rows, column, fills);
   const SharedArray& batch = rows.batches().front();
   const ArrowArray& values = rows.values(*batch, column);
-  return keeping(batch, values.buffers[1], length_of(values), number_type(type), true);
+  return keeping(batch, values.buffers[1], length_of(values), number_type(type).type);
 }
 
 nb::object column_nulls(const TableRows& rows, std::size_t column) {
   if (!has_nulls(rows, column)) return nb::none();
-  NewValues<bool> nulls(rows.row_count());
-  bool* to = nulls.values.get();
+  const NewArray<bool> nulls(rows.row_count(), "bool");
+  bool* to = nulls.values;
   for (const SharedArray& batch : rows.batches()) {
     const ArrowArray& values = rows.values(*batch, column);
     for (std::size_t row = 0; row < length_of(values); ++row) *to++ = is_null(values, row);
   }
-  return std::move(nulls).give(nb::dtype<bool>());
+  return nulls.array;
 }
 
 nb::object column_codes(const TableRows& rows, std::size_t column) {
-  NewValues<std::int32_t> codes(rows.row_count());
+  const NewArray<std::int32_t> codes(rows.row_count(), "int32");
   AllTexts texts;
-  std::int32_t* to = codes.values.get();
+  std::int32_t* to = codes.values;
   for (const SharedArray& batch : rows.batches()) {
     const ArrowArray& values = rows.values(*batch, column);
     const std::vector<std::int32_t>& indices = texts.enter(*values.dictionary);
@@ -171,7 +174,7 @@ nb::object column_codes(const TableRows& rows, std::size_t column) {
     for (std::size_t row = 0; row < length_of(values); ++row)
       *to++ = is_null(values, row) ? -1 : indices[static_cast<std::size_t>(from[row])];
   }
-  return nb::make_tuple(std::move(codes).give(nb::dtype<std::int32_t>()), texts.texts);
+  return nb::make_tuple(codes.array, texts.texts);
 }
 
 }  // namespace zelk::python

@@ -52,10 +52,8 @@ bool is_text(const TableRows& rows, std::size_t column) {
 }
 
 std::size_t byte_count(const TableRows& rows) {
-  constexpr std::size_t kWidths[] = {1, 2, 4, 8, 1, 2, 4, 8, 4, 8, 4};
   std::size_t width = 0;
-  for (std::size_t i = 0; i < rows.column_count(); ++i)
-    width += kWidths[static_cast<std::size_t>(rows.column(i).type)];
+  for (std::size_t i = 0; i < rows.column_count(); ++i) width += width_of(rows.column(i).type);
   return width * rows.row_count();
 }
 

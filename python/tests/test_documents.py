@@ -9,7 +9,7 @@ import pytest
 ROOT = pathlib.Path(__file__).parents[2]
 
 
-@pytest.mark.parametrize("document", ["docs/python.md", "README.md"])
+@pytest.mark.parametrize("document", ["docs/python.md", "docs/python_logs.md", "README.md"])
 def test_blocks(document, tmp_path, monkeypatch):
     text = (ROOT / document).read_text()
     blocks = "\n".join(re.findall(r"^```pycon\n(.*?)^```", text, re.DOTALL | re.MULTILINE))

@@ -97,7 +97,13 @@ def test_the_command_line(tmp_path, capsys):
         assert len(read(out / f"EngineStatus.{form}")) == 63
         assert "269 frames" in capsys.readouterr().err
     assert main(["info", str(DBC)]) == 0 and "0xc8 EngineStatus: 8 bytes" in capsys.readouterr().out
-    for wrong in (["info", "absent"], ["decode", str(DBC), "-d", str(DBC), "-o", str(out)], ["decode", str(LOG), "-d", str(DBC), "-o", str(out), "-m", "Absent"]):
+    assert main(["diff", str(DBC), str(DBC)]) == 0
+    broken = tmp_path / "broken.dbc"
+    broken.write_text('VERSION ""\n\nNS_ :\n\nBS_:\n\nBU_: A\n\nBO_ 1 Speed 8 A\n')
+    assert main(["repair", str(broken), str(tmp_path / "mended.dbc")]) == 0 and main(["lint", str(broken)]) == 1
+    assert "broken.dbc:9:12: error" in capsys.readouterr().out
+    into = ["-d", str(DBC), "-o", str(out)]
+    for wrong in (["info", "absent"], ["decode", str(DBC), *into], ["decode", str(LOG), *into, "-m", "Absent"]):
         assert main(wrong) == 1
         assert capsys.readouterr().err.startswith("zelk: ")
     with pytest.raises(SystemExit) as caught:

@@ -22,7 +22,7 @@ def main(arguments: Sequence[str] | None = None) -> int:
     Returns
     -------
     int
-        0; 1 for files that are wrong; 130 after an interruption. A wrong command line ends with 2.
+        0; 1 for files that are wrong, or findings; 130 after an interruption. A wrong command line ends with 2.
     """
     options = _parser().parse_args(arguments)
     try:
@@ -48,6 +48,18 @@ def _parser() -> argparse.ArgumentParser:
     info = commands.add_parser("info", help="tell what databases and logs hold")
     info.add_argument("files", nargs="+", metavar="DATABASE")
     info.set_defaults(run=_info)
+    lint = commands.add_parser("lint", help="check databases: 1 when there are findings")
+    lint.add_argument("files", nargs="+", metavar="DATABASE")
+    lint.add_argument("--disable", action="append", default=[], metavar="RULE")
+    lint.set_defaults(run=_lint)
+    diff = commands.add_parser("diff", help="compare two databases: 1 when they differ")
+    diff.add_argument("before")
+    diff.add_argument("after")
+    diff.set_defaults(run=_diff)
+    repair = commands.add_parser("repair", help="mend a database that breaks the rules of the format")
+    repair.add_argument("source")
+    repair.add_argument("target")
+    repair.set_defaults(run=_repair)
     _add_decode(commands.add_parser("decode", help="decode logs into files of tables"))
     return parser
 
@@ -82,6 +94,26 @@ def _info(options: argparse.Namespace) -> int:
         for message in messages:
             print(f"  {message.frame_id:#x} {message.name}: {message.length} bytes, {len(message.signals)} signals")
     return 0
+
+
+def _lint(options: argparse.Namespace) -> int:
+    findings = [finding for path in options.files for finding in zelk.lint(path, disable=options.disable)]
+    return _print_all(findings)
+
+
+def _diff(options: argparse.Namespace) -> int:
+    return _print_all(zelk.diff(options.before, options.after))
+
+
+def _repair(options: argparse.Namespace) -> int:
+    _print_all(zelk.repair(options.source, options.target))
+    return 0
+
+
+def _print_all(things: Sequence[object]) -> int:
+    for each in things:
+        print(each)
+    return 1 if things else 0
 
 
 def _databases(named: list[str]) -> dict[str | None, list[OneDatabase]]:

@@ -1,0 +1,19 @@
+#include <sys/mman.h>
+
+#include <cstdlib>
+#include <new>
+
+#include "large_memory.hpp"
+
+namespace zelk::python {
+
+std::shared_ptr<unsigned char> large_memory(std::size_t size) {
+  void* memory = nullptr;
+  if (posix_memalign(&memory, kLargePage, size) != 0) throw std::bad_alloc();
+#ifdef MADV_HUGEPAGE
+  madvise(memory, size, MADV_HUGEPAGE);  // a wish, which may not be granted
+#endif
+  return {static_cast<unsigned char*>(memory), std::free};
+}
+
+}  // namespace zelk::python
