@@ -1,5 +1,6 @@
 """Logs and frames to tables, compared with a reading bit by bit, and what careless hosts do."""
 
+import contextlib
 import datetime
 import gzip
 import math
@@ -12,12 +13,14 @@ import threading
 import types
 
 import duckdb
+import hypothesis.strategies as st
 import numpy as np
 import pandas
 import polars
 import pyarrow
 import pytest
 import reference
+from hypothesis import given, settings
 
 import zelk
 
@@ -151,6 +154,20 @@ def test_texts_and_absent_values(tmp_path):
     assert "<b>" not in texts._repr_html_() and "&lt;b&gt;" in texts._repr_html_()
     raw = zelk.decode_frames(file, [1] * 4, None, data, values="raw")["M"]
     assert raw["T"].dtype == np.int8 and raw["T"].tolist() == [5, None, -1, None]
+
+
+def test_large_batches_are_the_small_ones():
+    rng = np.random.default_rng(1)
+    count = 60_000  # more than a page of the largest size
+    data = rng.integers(0, 256, (count, 8), np.uint8)
+    frames = ([0xC8] * count, rng.integers(0, 9, count), data, rng.random(count), rng.choice(["a", "b"], count))
+    for values in ("physical", "raw", "texts"):
+        large, small = (
+            pyarrow.table(zelk.decode_frames(DBC, *frames, values=values, batch_rows=rows)["EngineStatus"]) for rows in (count, 999)
+        )
+        large.validate(full=True)
+        assert large.equals(small.unify_dictionaries().combine_chunks()) or large.to_pydict() == small.to_pydict()
+        assert large["EngineSpeed"].null_count > 0 and large["channel"].chunk(0).dictionary.to_pylist()
 
 
 START = datetime.datetime(2023, 11, 14, 22, 13, 25)  # 1700000005
@@ -411,3 +428,29 @@ def test_draws():
     assert [axis.get_ylabel() for axis in axes] == ["rpm", "Nm"] and len(axes[0].lines[0].get_xdata()) == 63
     with pytest.raises(ValueError, match="channel has texts"):
         table().plot("channel")
+
+
+ODD = st.one_of(
+    st.none(), st.booleans(), st.integers(), st.floats(), st.text(max_size=5), st.binary(max_size=70),
+    st.lists(st.one_of(st.integers(-5, 300), st.floats(), st.none(), st.binary(max_size=9)), max_size=6),
+    st.builds(np.zeros, st.tuples(st.integers(0, 5), st.integers(0, 70)), st.sampled_from([np.uint8, np.int64, np.float32, object, bool])),
+    st.builds(lambda n, kind: np.arange(n).astype(kind), st.integers(0, 6), st.sampled_from(["u1", "i8", "f8", "M8[ns]", "U3", "O", ">i4"])),
+)
+EXPECTED = (ValueError, KeyError, TypeError, OSError)
+
+
+@settings(max_examples=300, deadline=None)
+@given(ODD, ODD, ODD, ODD, ODD, ODD)
+def test_odd_arrays_and_objects(ids, lengths, data, times, channels, offsets):
+    for arguments in ((ids, lengths, data), (np.arange(5) + 200, 8, data)):
+        with contextlib.suppress(EXPECTED):
+            zelk.decode_frames(DBC, *arguments, times, channels, offsets=offsets)
+    with contextlib.suppress(EXPECTED):
+        zelk.decode_messages([frame(arbitration_id=ids, data=data, timestamp=times, channel=channels)], DBC)
+
+
+@settings(max_examples=100, deadline=None)
+@given(st.sampled_from(["messages", "signals", "start", "stop", "values", "batch_rows", "times", "relative", "threads", "progress", "part", "db"]), ODD)
+def test_odd_arguments(name, value):
+    with contextlib.suppress(EXPECTED):
+        zelk.read_batches(**{"paths": LOG, "db": DBC, name: value}).close()
