@@ -154,7 +154,8 @@ void LogRun::Work::decode(std::size_t path, ZelkLogReader& reader) {
   report.frames += met.frames;
   add(report.transport, met.transport);
   if (fault) std::rethrow_exception(fault);
-  if (met.log.frames == 0 && met.log.malformed > 0 && !stop)
+  const bool is_whole = !options.log.range && !stop;
+  if (met.log.frames == 0 && met.log.malformed > 0 && is_whole)
     throw ZelkLogError(escaped(reader.Name()) + ": not a log: no line is a frame");
 }
 
