@@ -19,9 +19,9 @@ std::string run(const std::string& command) {
 
 // A recording that the user ends is kept, but does not take the place of an older file. The reader
 // waits behind half a line when the signal comes.
-TEST(Log, EndsWholeBySignal) {
+TEST(LogThreads, EndWholeBySignal) {
   const std::string command =
-      "rm -f in; mkfifo in || exit 99; $zelk log in -o out --stats & exec 3>in; "
+      "rm -f in; mkfifo in || exit 99; $zelk log in -o out --stats --threads 3 & exec 3>in; "
       "printf '(1) c 001#07\\n(2) c 001#0' >&3; until [ -s .out.zelk-* ]; do sleep 0.01; done; "
       "kill -TERM $!; { wait $!; } 2>/dev/null; status=$?; cat out >&2; exit $status";
   const std::string counts =

@@ -127,7 +127,7 @@ TEST(Log, Merges) {
 }
 
 // More frames than a block holds, in blocks that end at different times.
-TEST(Log, MergesBlockByBlock) {
+TEST(LogThreads, MergeBlockByBlock) {
   std::string logs[3];
   std::string merged;
   for (int i = 0; i < 60000; ++i) {
@@ -137,9 +137,45 @@ TEST(Log, MergesBlockByBlock) {
     merged += line;
   }
   for (int i = 0; i < 3; ++i) write_file(std::to_string(i), logs[i]);
-  EXPECT_TRUE(run_tool("log 2 0 1").out == merged);
-  EXPECT_EQ(run_tool("log 0 1 2", Output::kClosedPipe).exit_code, 1);
-  EXPECT_EQ(run_tool("log 0 1 2", Output::kRefused).exit_code, 1);
+  for (const char* const threads : {"", " --threads 1", " --threads 2", " --threads 9"}) {
+    EXPECT_TRUE(run_tool(std::string("log 2 0 1") + threads).out == merged) << threads;
+    EXPECT_TRUE(run_tool(std::string("log 2 - 1") + threads, Output::kFile, "0").out == merged);
+    EXPECT_EQ(run_tool(std::string("log 0 1 2") + threads, Output::kClosedPipe).exit_code, 1);
+    EXPECT_EQ(run_tool(std::string("log 0 1 2") + threads, Output::kRefused).exit_code, 1);
+  }
+}
+
+// Lines, reports and faults of one log, of several blocks.
+TEST(LogThreads, ConvertInOrder) {
+  std::string log;
+  std::string out;
+  for (int i = 0; i < 60000; ++i) {
+    const std::string time = std::to_string(10000 + i);
+    log += "(17000" + time + ") can" + std::to_string(i % 3) + " 123#" + time + "0\n";
+    if (i % 5000 == 0) log += "fault " + std::to_string(i) + "\n";
+    if (i % 3 == 1 && i >= 100 && i < 50000)
+      out += "(" + std::to_string(i) + ".000000) can1 123#" + time + "0\n";
+  }
+  write_file("log", log);
+  write_file("ends", log + "123#\n");
+  const std::string some = " --start +100 --stop +50000 --relative --interface can1 --stats";
+  for (const char* const threads : {"1", "2", "5"}) {
+    const std::string options = std::string(" --threads ") + threads;
+    const ToolRun run = run_tool("log log" + some + options);
+    EXPECT_TRUE(run.out == out) << threads;
+    EXPECT_NE(run.err.find("log, line 5003: not a frame: \"fault 5000\"\n"), std::string::npos);
+    EXPECT_TRUE(
+        run.err.ends_with("line 45011: not a frame: \"fault 45000\"\n"
+                          "log: 12 lines in all that are not frames\n"
+                          "lines            60012\nframes           60000\n"
+                          "  written        16634\nmalformed lines  12\n"))
+        << run.err;
+    check_parts({"log ends --relative" + options, 1, "(0.000000) can0 123#100000\n",
+                 "zelk: ends: a frame has no time"});
+    check({"log log --strict" + options, 1, "", "zelk: log: --strict takes no line"});
+    EXPECT_EQ(run_tool("log log" + options, Output::kClosedPipe).exit_code, 1);
+    EXPECT_EQ(run_tool("log log" + options, Output::kRefused).exit_code, 1);
+  }
 }
 
 // Whatever goes wrong, the file that was there stays.

@@ -12,6 +12,7 @@
 #include "log/frame_filter.hpp"
 #include "log/log_copy.hpp"
 #include "log/log_merge.hpp"
+#include "log/log_run.hpp"
 #include "save/replace_file.hpp"
 #include "term/system.hpp"
 #include "term/text.hpp"
@@ -29,6 +30,9 @@ struct Arguments {
   TimeOptions times;
   bool strict = false;
   bool stats = false;
+  unsigned threads = 0;  // 0: by the size of the logs
+
+  bool has_lines() const { return out == kStandard && is_terminal(stdout); }
 };
 
 /// None for standard input.
@@ -101,46 +105,73 @@ class Target {
   std::optional<ReplacedFile> file_;
 };
 
-/// Prints what is left to say about the logs.
-///
-/// @return whether all are logs
-bool report(const LogMerge& logs) {
+/// What came of the logs.
+struct Outcome {
   bool are_logs = true;
-  for (const auto& log : logs.logs()) {
-    log->report().print_rest();
-    are_logs &= log->report().is_of_a_log();
-    if (logs.logs().size() == 1 || !log->ran_backwards()) continue;
-    print_error(fmt::format("{}: warning: its times run backwards, and its frames keep their order",
-                            escaped(log->reader().Name())));
-  }
-  return are_logs;
+  ZelkLogCounts counts{};
+  std::uint64_t written = 0;  // frames
+};
+
+Outcome copy_log(const Arguments& arguments, Output& out, std::optional<Target>& target) {
+  ZelkLogReader reader(path_of(arguments.logs.front()),
+                       {.times = arguments.times.kind, .stop = &NotedStop::is_requested()});
+  ZelkPipelineOptions options;
+  options.threads = arguments.threads;
+  options.times = arguments.times.window;
+  LogRun run(reader, options, arguments.strict, arguments.has_lines());
+  target.emplace(arguments.out, out);
+  run.run<CopiedLines>(LineCopier(arguments.filter),
+                       [&](const CopiedLines& lines) { target->write(lines.text()); });
+  const bool is_log = run.finish(false);
+  return {is_log, run.summary().log, run.summary().frames.decoded};
 }
 
-void print_counts(const LogMerge& logs, std::uint64_t written) {
-  ZelkLogCounts counts;
-  for (const auto& log : logs.logs()) counts += log->report().counts();
-  print_count("lines", counts.lines);
-  print_count("frames", counts.frames);
-  print_count("  written", written);
-  print_count("malformed lines", counts.malformed);
+/// Prints what is left to say about a log that was merged.
+void report(const MergedLog& log) {
+  log.report().print_rest();
+  if (!log.ran_backwards()) return;
+  print_error(fmt::format("{}: warning: its times run backwards, and its frames keep their order",
+                          escaped(log.reader().Name())));
+}
+
+Outcome merge_logs(const Arguments& arguments, Output& out, std::optional<Target>& target) {
+  std::vector<std::optional<std::string>> paths;
+  std::ranges::transform(arguments.logs, std::back_inserter(paths), path_of);
+  LogMerge logs(paths, {.strict = arguments.strict,
+                        .times = arguments.times.kind,
+                        .threads = arguments.threads,
+                        .has_lines = arguments.has_lines()});
+  target.emplace(arguments.out, out);
+  MergeCopy copy(logs, arguments.filter, arguments.times.window,
+                 [&target](std::string_view text) { target->write(text); });
+  copy.run();
+  Outcome outcome;
+  for (const auto& log : logs.logs()) {
+    report(*log);
+    outcome.are_logs &= log->report().is_of_a_log();
+    outcome.counts += log->report().counts();
+  }
+  outcome.written = copy.written();
+  return outcome;
+}
+
+void print_counts(const Outcome& outcome) {
+  print_count("lines", outcome.counts.lines);
+  print_count("frames", outcome.counts.frames);
+  print_count("  written", outcome.written);
+  print_count("malformed lines", outcome.counts.malformed);
 }
 
 ExitCode convert_logs(const Arguments& arguments, Output& out) {
   check_logs(arguments);
   const NotedStop stop;
-  std::vector<std::optional<std::string>> paths;
-  std::ranges::transform(arguments.logs, std::back_inserter(paths), path_of);
-  LogMerge logs(paths, arguments.strict, arguments.times.kind,
-                arguments.out == kStandard && is_terminal(stdout));
-  Target target(arguments.out, out);
-  LogCopy copy(logs, arguments.filter, arguments.times.window,
-               [&target](std::string_view text) { target.write(text); });
-  copy.run();
-  const bool are_logs = report(logs);
-  if (are_logs || NotedStop::is_requested()) target.finish(NotedStop::is_requested());
-  if (arguments.stats) print_counts(logs, copy.written());
+  std::optional<Target> target;  // opened once the logs are
+  const Outcome outcome =
+      (arguments.logs.size() == 1 ? copy_log : merge_logs)(arguments, out, target);
+  if (outcome.are_logs || NotedStop::is_requested()) target->finish(NotedStop::is_requested());
+  if (arguments.stats) print_counts(outcome);
   if (NotedStop::is_requested()) return kExitInterrupted;
-  return are_logs ? kExitSuccess : kExitFailure;
+  return outcome.are_logs ? kExitSuccess : kExitFailure;
 }
 
 std::string check_ids(const std::string& text) {
@@ -193,6 +224,12 @@ void add_log_command(CLI::App& app, Action& action) {
   command->add_flag("--strict", arguments->strict, "Lines that are not frames are an error");
   command->add_flag("--stats", arguments->stats,
                     "Tell at the end, on standard error, what was met");
+  command
+      ->add_option("--threads", arguments->threads,
+                   "Threads to work with; else as many as there are cores for a large file, and\n"
+                   "one for each of several logs")
+      ->type_name("N")
+      ->check(CLI::Range(1u, 256u).description(""));
   command->callback([arguments, &action] {
     action = [arguments](Output& out) { return convert_logs(*arguments, out); };
   });

@@ -4,6 +4,7 @@
 #ifndef ZELK_TOOL_LOG_LOG_COPY_HPP
 #define ZELK_TOOL_LOG_LOG_COPY_HPP
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -11,6 +12,7 @@
 
 #include "log/frame_filter.hpp"
 #include "log/log_merge.hpp"
+#include "zelk/logs/counts.hpp"
 #include "zelk/logs/time_window.hpp"
 
 namespace zelk::tool {
@@ -18,15 +20,44 @@ namespace zelk::tool {
 /// Name of the interface of frames whose log has none.
 inline constexpr std::string_view kDefaultInterface = "can0";
 
-/// Copies the frames that a filter and a window of time take.
-class LogCopy {
+/// Lines of those frames that a filter takes.
+class CopiedLines {
+ public:
+  void clear();
+  /// @param time  as it is shown
+  void add(const FrameFilter& filter, const ZelkFrameBlock& frames, std::size_t index,
+           std::int64_t time);
+
+  const std::string& text() const { return text_; }
+  /// Those with a line are `decoded`.
+  const ZelkFrameCounts& Counts() const { return counts_; }
+
+ private:
+  std::string text_;
+  ZelkFrameCounts counts_;
+};
+
+/// Copies one log, for `LogRun::run`; any number of threads may share it.
+class LineCopier {
+ public:
+  /// @param filter  must outlive the object
+  explicit LineCopier(const FrameFilter& filter) : filter_(filter) {}
+
+  void Decode(const ZelkFrameBlock& frames, CopiedLines& lines) const;
+
+ private:
+  const FrameFilter& filter_;
+};
+
+/// Copies the frames of merged logs that a filter and a window of time take.
+class MergeCopy {
  public:
   /// Takes whole lines.
   using Sink = std::function<void(std::string_view)>;
 
   /// @param logs    must outlive the object
   /// @param filter  likewise
-  LogCopy(LogMerge& logs, const FrameFilter& filter, const ZelkTimeOptions& times, Sink sink);
+  MergeCopy(LogMerge& logs, const FrameFilter& filter, const ZelkTimeOptions& times, Sink sink);
 
   /// Copies the logs to their end. What comes from a pipe is handed on before the next of it is
   /// waited for.
@@ -40,14 +71,13 @@ class LogCopy {
 
  private:
   void copy(const LogMerge::Run& run);
-  void copy_frame(const ZelkFrameBlock& frames, std::size_t index);
   void hand_on();
 
   LogMerge& logs_;
   const FrameFilter& filter_;
   ZelkTimeWindow window_;
   Sink sink_;
-  std::string text_;
+  CopiedLines lines_;
   std::uint64_t written_ = 0;
 };
 

@@ -7,15 +7,32 @@
 
 namespace zelk::tool {
 
-MergedLog::MergedLog(const std::optional<std::string>& path, std::size_t place, bool strict,
-                     ZelkLogTimes times)
-    : reader_(path, {.times = times, .stop = &NotedStop::is_requested()}),
+MergedLog::MergedLog(const std::optional<std::string>& path, std::size_t place, bool reads_ahead,
+                     const MergeOptions& options)
+    : reader_(path, {.times = options.times, .stop = &NotedStop::is_requested()}),
       place_(place),
-      report_(reader_.Name(), strict) {}
+      reads_ahead_(reads_ahead && reader_.SizeBytes()),
+      report_(reader_.Name(), options.strict) {}
+
+/// Puts the next block into `block_`.
+bool MergedLog::read() {
+  if (!reads_ahead_) return read_until_stop([this] { return reader_.Next(block_); });
+  if (!ahead_.valid()) start_reading_ahead();
+  if (!ahead_.get()) return false;
+  std::swap(block_, next_block_);
+  start_reading_ahead();
+  return true;
+}
+
+/// Where the system has no thread to give, the block is read when it is wanted.
+void MergedLog::start_reading_ahead() {
+  ahead_ = std::async(std::launch::async | std::launch::deferred,
+                      [this] { return reader_.Next(next_block_); });
+}
 
 bool MergedLog::load(ProgressBar& progress) {
   while (is_block_taken()) {
-    if (!read_until_stop([this] { return reader_.Next(block_); })) return false;
+    if (!read()) return false;
     next_ = 0;
     if (!block_.malformed.empty()) progress.clear();
     report_.add(block_);
@@ -35,11 +52,15 @@ std::pair<std::size_t, std::size_t> MergedLog::take(const std::optional<Rank>& l
 
 namespace {
 
-LogMerge::Logs open_logs(const std::vector<std::optional<std::string>>& paths, bool strict,
-                         ZelkLogTimes times) {
+LogMerge::Logs open_logs(const std::vector<std::optional<std::string>>& paths,
+                         const MergeOptions& options) {
+  const unsigned threads =
+      options.threads > 0 ? options.threads : ZelkPipelineOptions::kMostThreads;
   LogMerge::Logs logs;
-  for (const auto& path : paths)
-    logs.push_back(std::make_unique<MergedLog>(path, logs.size(), strict, times));
+  for (const auto& path : paths) {
+    const bool reads_ahead = logs.size() < threads - 1;
+    logs.push_back(std::make_unique<MergedLog>(path, logs.size(), reads_ahead, options));
+  }
   return logs;
 }
 
@@ -62,9 +83,9 @@ std::uint64_t bytes_read(const LogMerge::Logs& logs) {
 
 }  // namespace
 
-LogMerge::LogMerge(const std::vector<std::optional<std::string>>& paths, bool strict,
-                   ZelkLogTimes times, bool has_lines)
-    : logs_(open_logs(paths, strict, times)), progress_(size_of(logs_), has_lines) {}
+LogMerge::LogMerge(const std::vector<std::optional<std::string>>& paths,
+                   const MergeOptions& options)
+    : logs_(open_logs(paths, options)), progress_(size_of(logs_), options.has_lines) {}
 
 bool LogMerge::next(Run& run) {
   if (current_) enter(*current_);  // more of it may have to be read

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <future>
 #include <memory>
 #include <optional>
 #include <queue>
@@ -20,6 +21,14 @@
 
 namespace zelk::tool {
 
+struct MergeOptions {
+  bool strict = false;  ///< malformed lines are an error
+  ZelkLogTimes times = ZelkLogTimes::kDetect;
+  /// The caller's and those that read ahead; 0: one more for each log.
+  unsigned threads = 0;
+  bool has_lines = false;  ///< results appear on the terminal meanwhile
+};
+
 /// A log that is read block by block.
 class MergedLog {
  public:
@@ -28,9 +37,11 @@ class MergedLog {
 
   /// @param path  none for standard input
   /// @param place  among the logs, from 0
+  /// @param reads_ahead  whether a thread of its own reads the next block of a regular file. A pipe
+  /// is read when its next frame is wanted: to wait for it must not hold up the other logs.
   /// @throws ZelkLogError when it cannot be opened
-  MergedLog(const std::optional<std::string>& path, std::size_t place, bool strict,
-            ZelkLogTimes times);
+  MergedLog(const std::optional<std::string>& path, std::size_t place, bool reads_ahead,
+            const MergeOptions& options);
 
   const ZelkLogReader& reader() const { return reader_; }
   const ZelkFrameBlock& frames() const { return block_.frames; }
@@ -56,18 +67,24 @@ class MergedLog {
   bool ran_backwards() const { return ran_backwards_; }
 
  private:
+  bool read();
+  void start_reading_ahead();
+
   ZelkLogReader reader_;
   std::size_t place_;
+  bool reads_ahead_;
   LogReport report_;
   ZelkLogBlock block_;
   std::size_t next_ = 0;             // of the block's frames
   std::int64_t last_ = kZelkNoTime;  // the largest time of those taken
   bool ran_backwards_ = false;
+  ZelkLogBlock next_block_;    // belongs to the thread of `ahead_` while that is valid
+  std::future<bool> ahead_{};  // whether there is a next block; waits for its thread when destroyed
 };
 
 /// Logs merged by time: of equal times those of the earlier log come first, and each log keeps the
 /// order of its frames: those whose times run backwards, and those without a time, come at once
-/// behind the one in front of them. One block of each log is in memory.
+/// behind the one in front of them. Two blocks of each log are in memory at most.
 class LogMerge {
  public:
   /// Frames of one log that stand together.
@@ -79,12 +96,9 @@ class LogMerge {
 
   using Logs = std::vector<std::unique_ptr<MergedLog>>;
 
-  /// @param paths      none for standard input
-  /// @param strict     malformed lines are an error
-  /// @param has_lines  whether results appear on the terminal meanwhile
+  /// @param paths  none for standard input
   /// @throws ZelkLogError when a log cannot be opened
-  LogMerge(const std::vector<std::optional<std::string>>& paths, bool strict, ZelkLogTimes times,
-           bool has_lines);
+  LogMerge(const std::vector<std::optional<std::string>>& paths, const MergeOptions& options);
 
   /// @param run  receives the next frames; they are valid until the next call
   /// @return false at the end of all logs, and after a stop was noted at the end of what was read

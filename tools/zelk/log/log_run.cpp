@@ -4,11 +4,11 @@
 
 namespace zelk::tool {
 
-LogRun::LogRun(ZelkLogReader& log, const ZelkPipelineOptions& options, bool strict)
+LogRun::LogRun(ZelkLogReader& log, const ZelkPipelineOptions& options, bool strict, bool has_lines)
     : log_(log),
       options_(options),
       report_(log.Name(), strict),
-      progress_(log.SizeBytes().value_or(0)) {
+      progress_(log.SizeBytes().value_or(0), has_lines) {
   options_.read = read_until_stop;
   options_.report = [this](const ZelkLogBlock& block) {
     if (!block.malformed.empty()) progress_.clear();

@@ -16,10 +16,12 @@ namespace zelk::tool {
 
 class LogRun {
  public:
-  /// @param log      must outlive the object
-  /// @param options  without its functions
-  /// @param strict   malformed lines are an error
-  LogRun(ZelkLogReader& log, const ZelkPipelineOptions& options, bool strict);
+  /// @param log        must outlive the object
+  /// @param options    without its functions
+  /// @param strict     malformed lines are an error
+  /// @param has_lines  whether results appear on the terminal meanwhile
+  LogRun(ZelkLogReader& log, const ZelkPipelineOptions& options, bool strict,
+         bool has_lines = is_terminal(stdout));
   LogRun(const LogRun&) = delete;
   LogRun& operator=(const LogRun&) = delete;
 
@@ -35,6 +37,8 @@ class LogRun {
 
   /// Whether results may take their places: the log is one, or was interrupted.
   bool has_results() const;
+  /// What was met so far.
+  const ZelkLogSummary& summary() const { return summary_; }
   /// Prints what is left to say.
   ///
   /// @param stats  also the counts
