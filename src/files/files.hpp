@@ -9,6 +9,7 @@
 #define ZELK_FILES_FILES_HPP
 
 #include <cstdio>
+#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -82,6 +83,14 @@ class Replacement {
   std::string notice_;
   std::unique_ptr<class Save> save_;  ///< null when it failed to start
 };
+
+/// Makes a whole file ready to be renamed over another one, for callers that replace several files
+/// at once: gives it what the other one has beside its content, and puts it on the disk. When
+/// nothing stands at `place`, it stays as it is.
+///
+/// @return why that cannot be, or why this process may not write the other file, as a text for
+/// people; empty when it is ready
+std::string make_ready(const std::filesystem::path& fresh, const std::filesystem::path& place);
 
 }  // namespace zelk::files
 

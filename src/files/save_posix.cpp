@@ -129,6 +129,18 @@ void PosixSave::take_place() {
 
 }  // namespace
 
+std::string make_ready(const fs::path& fresh, const fs::path& place) try {
+  const Descriptor file(::open(fresh.c_str(), O_RDWR | O_CLOEXEC));
+  if (!file) fail_save();
+  const Descriptor other(::open(place.c_str(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  if (!other && errno != ENOENT) fail_save();
+  if (other) copy_attributes(other, file);
+  if (fsync(file.get()) != 0) fail_save();
+  return {};
+} catch (const SaveFailure& failure) {
+  return failure.what();
+}
+
 std::unique_ptr<Save> start_save(const char* path, Content /*line ends are line feeds*/,
                                  std::string& notice) {
   auto save = std::make_unique<PosixSave>();

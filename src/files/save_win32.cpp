@@ -58,6 +58,14 @@ File stream_of(const Handle& file, Content content) {
   fail_save(reason);
 }
 
+/// Refuses what this process may not write. A file that another one uses now is not refused.
+void check_writable(const fs::path& file) {
+  if (is_there(file) && !open_handle(file, GENERIC_WRITE, kShareAll, OPEN_EXISTING) &&
+      GetLastError() != ERROR_SHARING_VIOLATION) {
+    fail_save_of_windows();
+  }
+}
+
 class WindowsSave : public Save {
  public:
   explicit WindowsSave(Content content) : content_(content) {}
@@ -98,14 +106,10 @@ void WindowsSave::open(const char* name, std::string& notice) {
   stream_ = stream_of(fresh_, content_);
 }
 
-/// Refuses what this process may not write. A target that another one uses now is not refused.
 void WindowsSave::check_target() const {
   if (target_.filename().empty())
     fail_save(std::make_error_code(std::errc::no_such_file_or_directory));
-  if (is_there(target_) && !open_handle(target_, GENERIC_WRITE, kShareAll, OPEN_EXISTING) &&
-      GetLastError() != ERROR_SHARING_VIOLATION) {
-    fail_save_of_windows();
-  }
+  check_writable(target_);
 }
 
 void WindowsSave::create() {
@@ -156,6 +160,16 @@ WindowsSave::~WindowsSave() {
 }
 
 }  // namespace
+
+// Who may use a file is inherited from its folder.
+std::string make_ready(const fs::path& fresh, const fs::path& place) try {
+  check_writable(place);
+  const Handle file = open_handle(fresh, GENERIC_WRITE, kShareAll, OPEN_EXISTING);
+  if (!file || !FlushFileBuffers(file.get())) fail_save_of_windows();
+  return {};
+} catch (const SaveFailure& failure) {
+  return failure.what();
+}
 
 std::unique_ptr<Save> start_save(const char* path, Content content, std::string& notice) {
   auto save = std::make_unique<WindowsSave>(content);

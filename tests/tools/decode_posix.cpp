@@ -10,7 +10,7 @@
 namespace {
 
 // The decoder waits behind half a line when the signal comes.
-TEST(Decode, EndsWholeBySignal) {
+TEST(DecodeThreads, EndWholeBySignal) {
   const auto folder =
       write_file("m.dbc", "BS_:\n\nBU_: N\n\nBO_ 1 M: 1 N\n SG_ S : 0|8@1+ (1,0) [0|0] \"\" N\n\n")
           .parent_path();
@@ -43,6 +43,39 @@ TEST(DecodeWide, CompletesFilesBySignal) {
   EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 128 + SIGTERM);
   EXPECT_EQ(bytes_of(folder / "out/M.csv"), "time,interface,S\r\n,c,7\r\n");
   EXPECT_FALSE(std::filesystem::exists(folder / "out/.zelk-tables-0"));
+}
+
+// A disk without room is a limit on the size of files here.
+TEST(DecodeWide, KeepsPermissionsAndLeavesOldFilesWhenThereIsNoRoom) {
+  const auto folder =
+      write_file("m.dbc",
+                 "BS_:\n\nBU_: N\n\nBO_ 1 M: 1 N\n SG_ S : 0|8@1+ (1,0) [0|0] \"\" N\n\n"
+                 "BO_ 2 F: 1 N\n SG_ S : 0|8@1+ (1,0) [0|0] \"\" N\n\n")
+          .parent_path();
+  std::string log = "002#01\n";
+  for (int i = 0; i < 5000; ++i) log += "001#07\n";
+  write_file("long", log);
+  const auto run = [&](const std::string& log_name) {
+    const std::string command = "cd '" + folder.string() +
+                                "' && umask 022 && mkdir -p out && ulimit -f 16 && '" ZELK_PROGRAM
+                                "' decode m.dbc " +
+                                log_name + " --wide -o out 2>err.txt";
+    return WEXITSTATUS(std::system(command.c_str()));
+  };
+  write_file("log", "001#07\n");
+  ASSERT_EQ(run("log"), 0);
+  const auto file = folder / "out/M.csv";
+  EXPECT_EQ(status(file).permissions(), std::filesystem::perms(0644));
+  permissions(file, std::filesystem::perms(0600));
+  write_file("log", "001#08\n");
+  ASSERT_EQ(run("log"), 0);
+  EXPECT_EQ(status(file).permissions(), std::filesystem::perms(0600));
+  EXPECT_EQ(run("long"), 1);
+  EXPECT_EQ(bytes_of(folder / "err.txt"),
+            "zelk: out/M.csv: could not be written: File too large\n");
+  EXPECT_EQ(bytes_of(file), "time,interface,S\r\n,,8\r\n");
+  EXPECT_FALSE(exists(folder / "out/F.csv"));
+  EXPECT_FALSE(exists(folder / "out/.zelk-tables-0"));
 }
 
 TEST(Decode, TellsWhenItWouldReadItsOutput) {

@@ -11,6 +11,7 @@
 
 #include "base/encoding.hpp"
 #include "base/quoting.hpp"
+#include "files/files.hpp"
 #include "input/lookup.hpp"
 #include "input/opening.hpp"
 #include "term/output.hpp"
@@ -90,6 +91,8 @@ void TableFolder::make_folders() {
     const std::filesystem::path fresh = folder_ / fmt::format(".zelk-tables-{}", i);
     if (std::filesystem::create_directory(fresh, error)) {
       fresh_ = fresh;
+      // What replaces a private file is not for others either.
+      std::filesystem::permissions(fresh, std::filesystem::perms::owner_all, error);
       return;
     }
     if (error) break;
@@ -123,22 +126,36 @@ void TableFolder::write(const ZelkWideTable& table, File& file) {
   file.held.clear();
 }
 
-void TableFolder::take_places() {
-  write_all();
-  std::vector<std::string> older;
+/// All of them, before the first one takes its place.
+void TableFolder::make_ready() const {
   for (const File& file : files_) {
+    if (!file.is_there) continue;
     const std::filesystem::path place = folder_ / path_of(file.name);
     std::error_code ignored;
-    const bool is_taken = std::filesystem::exists(place, ignored);
-    if (file.is_there && std::filesystem::is_directory(place, ignored))
-      fail(place, system_text(EISDIR));
-    if (!file.is_there && is_taken) older.push_back(file.name);
+    if (std::filesystem::is_directory(place, ignored)) fail(place, system_text(EISDIR));
+    const std::string failure = files::make_ready(fresh_ / path_of(file.name), place);
+    if (!failure.empty()) fail(place, failure);
   }
+}
+
+void TableFolder::take_places() {
+  write_all();
+  make_ready();
   for (const File& file : files_) {
     std::error_code error;
     if (!file.is_there) continue;
     std::filesystem::rename(fresh_ / path_of(file.name), folder_ / path_of(file.name), error);
     if (error) fail(folder_ / path_of(file.name), error.message());
+  }
+  warn_of_older();
+}
+
+void TableFolder::warn_of_older() const {
+  std::vector<std::string> older;
+  for (const File& file : files_) {
+    std::error_code ignored;
+    if (!file.is_there && std::filesystem::exists(folder_ / path_of(file.name), ignored))
+      older.push_back(file.name);
   }
   if (older.empty()) return;
   print_error(behind_path(

@@ -33,8 +33,8 @@ class TableFolder {
 
   /// @throws RequestError when the system does not take the lines
   void add(std::size_t table, std::string_view line);
-  /// Puts the files in their places; `HeldSignals` keep this whole. Prints a warning about files of
-  /// tables that have no rows this time.
+  /// Puts the files in their places, with the permissions of those that are there; `HeldSignals`
+  /// keep this whole. Prints a warning about files of tables that have no rows this time.
   ///
   /// @throws RequestError when one of them cannot be there
   void take_places();
@@ -50,6 +50,8 @@ class TableFolder {
   void make_folders();
   void write_all();
   void write(const ZelkWideTable& table, File& file);
+  void make_ready() const;
+  void warn_of_older() const;
 
   std::string path_;
   std::filesystem::path folder_;
