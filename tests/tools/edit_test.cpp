@@ -209,7 +209,8 @@ TEST(Edit, LeavesTheRestOfTheFile) {
       {"BS_:\nBU_:\nBO_ 1 M23456789_123456789_123456789_12: 8 Ostrel__XXX\n"
        "BA_DEF_ BO_ \"SystemMessageLongSymbol\" STRING ;\nBA_DEF_ \"P\" STRING;\n"
        "BA_DEF_DEF_ \"SystemMessageLongSymbol\" \"\";\nBA_DEF_DEF_ \"P\" \"\";\n"
-       "BA_ \"P\" \"q\";\nBA_ \"SystemMessageLongSymbol\" BO_ 1 \"M23456789_123456789_123456789_1234\";\n",
+       "BA_ \"P\" \"q\";\nBA_ \"SystemMessageLongSymbol\" BO_ 1 "
+       "\"M23456789_123456789_123456789_1234\";\n",
        "--rename-message 1 M",
        "BS_:\nBU_:\nBO_ 1 M: 8 Ostrel__XXX\n"
        "BA_DEF_ BO_ \"SystemMessageLongSymbol\" STRING ;\nBA_DEF_ \"P\" STRING;\n"

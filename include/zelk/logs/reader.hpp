@@ -110,20 +110,19 @@ struct ZelkLogForm {
 ///
 /// The forms, with their times and channels:
 ///
-/// - "candump": lines as candump writes them, to a file or a terminal, or of frames alone. Times
-/// are
-///   what `ZelkLogOptions::times` says; channels are names of interfaces.
+/// - "candump": lines as candump writes them, to a file or a terminal, or of frames alone. Their
+///   times are what `ZelkLogOptions::times` says; channels are names of interfaces.
 /// - "trc": traces in the PCAN form, versions 1.0 to 2.1, also several one behind the other. Where
 ///   the head is lost, the words of the lines tell the version. Times are offsets from the start of
 ///   the trace, which is added where the trace has it: it is the recorder's local time, of a zone
 ///   that nobody tells, and is taken for UTC. Otherwise, as in version 1.0, they count from 0.
-///   Channels are numbers of buses, or empty in versions 1.0 and 1.1. A status, an event and counters are neither frames nor malformed.
+///   Channels are numbers of buses, or empty in versions 1.0 and 1.1. A status, an event and
+///   counters are neither frames nor malformed.
 /// - "capture": captures of SocketCAN in pcap and pcapng, of CAN interfaces or with the "cooked"
-///   headers of any interface (SLL, SLL2). Channels are the names of
-///   interfaces that pcapng has, or with SLL2 the numbers that the recording machine had for them,
-///   or else empty. Captures of interfaces of several kinds are read up to the first one of another
-///   kind, which is an error. Packets that are not of CAN are neither frames nor malformed. Not on
-///   Windows.
+///   headers of any interface (SLL, SLL2). Channels are the names of interfaces that pcapng has, or
+///   with SLL2 the numbers that the recording machine had for them, or else empty. Captures of
+///   interfaces of several kinds are read up to the first one of another kind, which is an error.
+///   Packets that are not of CAN are neither frames nor malformed. Not on Windows.
 ///
 /// Error frames have the form of SocketCAN: classes of errors as identifier, details as data.
 ///

@@ -19,7 +19,7 @@ try:
     from ._source import LogSource
 except ImportError as error:  # pyspark without filters for Python data sources, or none at all
     raise ImportError(
-        f"zelk.spark needs pyspark 4.1 or newer, and pyarrow (pip install 'zelk[spark]'): {error}"
+        f"zelk.spark needs pyspark 4.1 or newer, and pyarrow (pip's extra 'spark'): {error}"
     ) from error
 
 if TYPE_CHECKING:
