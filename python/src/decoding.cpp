@@ -59,12 +59,11 @@ void Decoding::add(const std::vector<Source>& sources) {
   }
 }
 
-void Decoding::take_batches(bool is_end,
-                            const std::function<bool(std::size_t, SharedArray)>& take) {
+void Decoding::take_batches(bool is_end, const std::function<bool(std::size_t, ArrowArray)>& take) {
   for (std::size_t table = 0; table < heads_.size(); ++table) {
     ArrowArray batch{};
     while (decoder_.TakeBatch(table, is_end, &batch))
-      if (!take(table, shared(kept(batch, *heads_[table])))) return;
+      if (!take(table, batch)) return;
   }
 }
 

@@ -34,10 +34,11 @@ class Decoding {
   ZelkColumnDecoder& decoder() { return decoder_; }
   const std::vector<std::shared_ptr<const TableHead>>& heads() const { return heads_; }
 
-  /// Hands on the batches that are there, table by table, until `take` returns false.
+  /// Hands on the batches that are there, table by table, until `take`, which owns them, returns
+  /// false.
   ///
   /// @param is_end  the rest of each table too
-  void take_batches(bool is_end, const std::function<bool(std::size_t, SharedArray)>& take);
+  void take_batches(bool is_end, const std::function<bool(std::size_t, ArrowArray)>& take);
 
  private:
   void add(const std::vector<Source>& sources);
@@ -50,6 +51,7 @@ class Decoding {
 void bind_table(nb::module_& module);
 void bind_decoding(nb::module_& module);
 void bind_log(nb::module_& module);
+void bind_arrays(nb::module_& module);
 void bind_frames(nb::module_& module);
 
 }  // namespace zelk::python

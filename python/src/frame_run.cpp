@@ -3,6 +3,8 @@
 #include <cmath>
 #include <utility>
 
+#include "whole_batches.hpp"
+
 namespace zelk::python {
 
 FrameRun::FrameRun(std::shared_ptr<Decoding> decoding, bool transport)
@@ -21,8 +23,8 @@ void FrameRun::decode() {
 }
 
 void FrameRun::take_batches(bool is_end) {
-  decoding_->take_batches(is_end, [this](std::size_t table, SharedArray batch) {
-    batches_[table].push_back(std::move(batch));
+  decoding_->take_batches(is_end, [this](std::size_t table, ArrowArray batch) {
+    batches_[table].push_back(kept(batch, decoding_->heads()[table]));
     return true;
   });
 }

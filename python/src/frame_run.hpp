@@ -59,6 +59,9 @@ class FrameRun {
 /// @return none when 64 bits do not hold it
 std::optional<std::int64_t> nanoseconds_of(double seconds);
 
+/// @throws Python's exception when a signal, such as Ctrl-C, has one
+void check_signals();
+
 /// A dict of all counts; see log_binding.cpp.
 nb::dict counts_to_python(const ZelkFrameCounts& frames, std::uint64_t all,
                           const ZelkTransportCounts& transport);

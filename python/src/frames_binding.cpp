@@ -1,97 +1,11 @@
-// Frames in arrays and in objects of Python, into tables.
+// Frames in objects of Python, into tables.
 
-#include <nanobind/ndarray.h>
 #include <nanobind/stl/shared_ptr.h>
 
 #include "frame_run.hpp"
 
 namespace zelk::python {
 namespace {
-
-template <typename Value>
-using Array = nb::ndarray<const Value, nb::ndim<1>, nb::c_contig, nb::device::cpu>;
-
-/// Frames as one array for each of their properties, which all have as many values; those that may
-/// be left out are empty then.
-struct FrameArrays {
-  Array<std::uint32_t> ids;
-  Array<std::uint16_t> lengths;
-  Array<std::int64_t> offsets;  ///< where the data of each frame begins
-  Array<std::uint8_t> data;
-  Array<std::int64_t> times;
-  Array<std::uint16_t> channels;  ///< index of a name
-  Array<std::uint16_t> flags;
-};
-
-template <typename Value>
-Value value_or(const Array<Value>& array, std::size_t index, Value without) {
-  return array.size() > 0 ? array.data()[index] : without;
-}
-
-void check_sizes(const FrameArrays& frames) {
-  const std::size_t count = frames.ids.size();
-  const auto fits = [count](const auto& array) {
-    return array.size() == 0 || array.size() == count;
-  };
-  if (frames.lengths.size() == count && frames.offsets.size() == count && fits(frames.times) &&
-      fits(frames.channels) && fits(frames.flags)) {
-    return;
-  }
-  throw Failure(FailureKind::kArgument, "the arrays of frames have different lengths");
-}
-
-std::span<const unsigned char> data_of(const FrameArrays& frames, std::size_t index) {
-  const std::size_t length = frames.lengths.data()[index];
-  const auto offset = static_cast<std::uint64_t>(frames.offsets.data()[index]);
-  const std::size_t size = frames.data.size();
-  if (offset <= size && length <= size - offset) return {frames.data.data() + offset, length};
-  throw Failure(FailureKind::kArgument, "frame " + std::to_string(index) + " has " +
-                                            std::to_string(length) + " bytes from " +
-                                            std::to_string(frames.offsets.data()[index]) +
-                                            " on, and the data has " + std::to_string(size));
-}
-
-/// Adds frames up to where a block is full.
-///
-/// @return the frame behind them
-std::size_t add_frames(FrameRun& run, const FrameArrays& frames,
-                       const std::vector<std::string>& names, std::size_t from) {
-  std::vector<std::uint16_t> channels;
-  for (const std::string& name : names) channels.push_back(run.channel(name));
-  std::size_t i = from;
-  for (; i < frames.ids.size() && !run.is_full(); ++i) {
-    const std::uint16_t channel = value_or<std::uint16_t>(frames.channels, i, 0);
-    if (channel >= channels.size()) throw Failure(FailureKind::kArgument, "a channel has no name");
-    run.add(value_or<std::int64_t>(frames.times, i, kZelkNoTime), frames.ids.data()[i],
-            value_or<std::uint16_t>(frames.flags, i, 0), channels[channel], data_of(frames, i));
-  }
-  return i;
-}
-
-void check_signals() {
-  if (PyErr_CheckSignals() != 0) nb::raise_python_error();
-}
-
-nb::tuple decode_arrays(std::shared_ptr<Decoding> decoding, bool j1939_tp, Array<std::uint32_t> ids,
-                        Array<std::uint16_t> lengths, Array<std::int64_t> offsets,
-                        Array<std::uint8_t> data, Array<std::int64_t> times,
-                        Array<std::uint16_t> channels, Array<std::uint16_t> flags,
-                        const nb::list& names) {
-  const FrameArrays frames{ids, lengths, offsets, data, times, channels, flags};
-  check_sizes(frames);
-  std::vector<std::string> all;
-  for (const nb::handle name : names) all.emplace_back(text_from_python(name));
-  FrameRun run(std::move(decoding), j1939_tp);
-  for (std::size_t i = 0; i < frames.ids.size(); check_signals()) {
-    constexpr std::size_t kBlocks = 64;  // between two looks at signals
-    const nb::gil_scoped_release unlocked;
-    for (std::size_t block = 0; block < kBlocks && i < frames.ids.size(); ++block) {
-      i = add_frames(run, frames, all, i);
-      run.decode();
-    }
-  }
-  return run.finish();
-}
 
 nb::object interned(const char* text) { return checked(PyUnicode_InternFromString(text)); }
 
@@ -243,45 +157,18 @@ nb::tuple decode_messages(std::shared_ptr<Decoding> decoding, bool j1939_tp, nb:
   return run.finish();
 }
 
-nb::object times_from_seconds(Array<double> seconds) {
-  auto times = std::make_unique<std::int64_t[]>(seconds.size());
-  for (std::size_t i = 0; i < seconds.size(); ++i) {
-    const std::optional<std::int64_t> time = nanoseconds_of(seconds.data()[i]);
-    if (!time) {
-      throw Failure(FailureKind::kArgument, "times[" + std::to_string(i) + "] is " +
-                                                shown(nb::float_(seconds.data()[i])) +
-                                                " seconds, which is beyond 292 years");
-    }
-    times[i] = *time;
-  }
-  const std::size_t count = seconds.size();
-  std::int64_t* const start = times.get();
-  const nb::capsule owner(
-      start, [](void* memory) noexcept { delete[] static_cast<std::int64_t*>(memory); });
-  static_cast<void>(times.release());
-  return nb::cast(nb::ndarray<nb::numpy, std::int64_t>(start, 1, &count, owner));
-}
-
 }  // namespace
 
+void check_signals() {
+  if (PyErr_CheckSignals() != 0) nb::raise_python_error();
+}
+
 void bind_frames(nb::module_& module) {
-  module.def(
-      "decode_arrays", decode_arrays, nb::arg("decoding"), nb::arg("j1939_tp"),
-      nb::arg("ids").noconvert(), nb::arg("lengths").noconvert(), nb::arg("offsets").noconvert(),
-      nb::arg("data").noconvert(), nb::arg("times").noconvert(), nb::arg("channels").noconvert(),
-      nb::arg("flags").noconvert(), nb::arg("names"),
-      nb::sig("def decode_arrays(decoding: Decoding, j1939_tp: bool, ids: typing.Any, lengths: "
-              "typing.Any, offsets: typing.Any, data: typing.Any, times: typing.Any, channels: "
-              "typing.Any, flags: typing.Any, names: list[str]) -> tuple[list[TableRows], "
-              "dict[str, typing.Any]]"));
   module.def(
       "decode_messages", decode_messages, nb::arg("decoding"), nb::arg("j1939_tp"),
       nb::arg("messages"),
       nb::sig("def decode_messages(decoding: Decoding, j1939_tp: bool, messages: "
               "typing.Iterable[typing.Any]) -> tuple[list[TableRows], dict[str, typing.Any]]"));
-  module.def("times_from_seconds", times_from_seconds, nb::arg("seconds").noconvert(),
-             nb::sig("def times_from_seconds(seconds: typing.Any) -> "
-                     "numpy.typing.NDArray[numpy.int64]"));
 }
 
 }  // namespace zelk::python

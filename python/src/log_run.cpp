@@ -4,6 +4,7 @@
 #include <new>
 
 #include "base/escaping.hpp"
+#include "whole_batches.hpp"
 
 namespace zelk::python {
 namespace {
@@ -105,8 +106,9 @@ class LogRun::Work::Worker : public ZelkLogWorker {
 };
 
 void LogRun::Work::take_batches(bool is_end) {
-  decoding->take_batches(
-      is_end, [this](std::size_t table, SharedArray rows) { return put(table, std::move(rows)); });
+  decoding->take_batches(is_end, [this](std::size_t table, ArrowArray rows) {
+    return put(table, kept(rows, decoding->heads()[table]));
+  });
 }
 
 void LogRun::Work::run() {

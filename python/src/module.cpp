@@ -19,5 +19,6 @@ NB_MODULE(_zelk, module) {
   bind_table(module);
   bind_decoding(module);
   bind_log(module);
+  bind_arrays(module);
   bind_frames(module);
 }

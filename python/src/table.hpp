@@ -41,10 +41,6 @@ struct TableHead {
 /// Size of a value, in bytes.
 std::size_t width_of(ZelkColumnType type);
 
-/// A batch to be kept: a large one is moved into memory with large pages, and what it had is free
-/// for the next one.
-ArrowArray kept(ArrowArray batch, const TableHead& head);
-
 /// Rows of one message, in batches that are shared with all that show them. Does not change.
 class TableRows {
  public:

@@ -2,6 +2,7 @@
 
 #include <nanobind/ndarray.h>
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 #include <string_view>
@@ -158,7 +159,11 @@ nb::object column_nulls(const TableRows& rows, std::size_t column) {
   bool* to = nulls.values;
   for (const SharedArray& batch : rows.batches()) {
     const ArrowArray& values = rows.values(*batch, column);
-    for (std::size_t row = 0; row < length_of(values); ++row) *to++ = is_null(values, row);
+    const bool is_uniform = values.null_count == 0 || values.null_count == values.length;
+    if (is_uniform) std::fill_n(to, length_of(values), values.null_count != 0);
+    for (std::size_t row = 0; !is_uniform && row < length_of(values); ++row)
+      to[row] = is_null(values, row);
+    to += length_of(values);
   }
   return nulls.array;
 }
@@ -169,10 +174,14 @@ nb::object column_codes(const TableRows& rows, std::size_t column) {
   std::int32_t* to = codes.values;
   for (const SharedArray& batch : rows.batches()) {
     const ArrowArray& values = rows.values(*batch, column);
+    const std::size_t count = length_of(values);
     const std::vector<std::int32_t>& indices = texts.enter(*values.dictionary);
     const auto* const from = static_cast<const std::int32_t*>(values.buffers[1]);
-    for (std::size_t row = 0; row < length_of(values); ++row)
-      *to++ = is_null(values, row) ? -1 : indices[static_cast<std::size_t>(from[row])];
+    const bool is_all_null = values.null_count == values.length;
+    if (is_all_null) std::fill_n(to, count, -1);
+    for (std::size_t row = 0; !is_all_null && row < count; ++row)
+      to[row] = is_null(values, row) ? -1 : indices[static_cast<std::size_t>(from[row])];
+    to += count;
   }
   return nb::make_tuple(codes.array, texts.texts);
 }

@@ -170,6 +170,32 @@ def test_large_batches_are_the_small_ones():
         assert large["EngineSpeed"].null_count > 0 and large["channel"].chunk(0).dictionary.to_pylist()
 
 
+@pytest.mark.parametrize("shape", ["even", "late", "once"])
+def test_any_number_of_threads_gives_the_same(shape):
+    rng = np.random.default_rng(7)
+    count = 100_001  # in 25 blocks
+    at = np.arange(count)
+    ids = {
+        "even": rng.choice([0xC8, 0x123, 0x7FF], count),
+        "late": np.where(at < 60_000, rng.choice([0xC8, 0x7FF], count, p=[0.001, 0.999]), 0xC8),  # more than expected
+        "once": np.where(at == 70_000, 0xC8, 0x123),
+    }[shape]
+    lengths = np.where(at < 50_000, 8, rng.integers(0, 9, count))  # the first null stands behind many values
+    frames = (ids, lengths, rng.integers(0, 256, (count, 8), np.uint8), at, rng.choice(["a", "b"], count))
+    for values in ("physical", "texts"):
+        wanted, *others = (
+            zelk.decode_frames(DBC, *frames, values=values, **keywords)
+            for keywords in ({"batch_rows": 999, "threads": 1}, {"threads": 1}, {"threads": 2}, {"threads": 7}, {})
+        )
+        rows = wanted["EngineStatus"].to_pandas()
+        assert rows["time"].astype("int64").tolist() == at[ids == 0xC8].tolist()
+        for tables in others:
+            pyarrow.table(tables["EngineStatus"]).validate(full=True)
+            assert tables["EngineStatus"].to_pandas().equals(rows)
+            assert tables.statistics == wanted.statistics
+        assert len({pyarrow.table(tables["EngineStatus"])["time"].num_chunks for tables in others}) == 1
+
+
 START = datetime.datetime(2023, 11, 14, 22, 13, 25)  # 1700000005
 ZONE = datetime.timezone(datetime.timedelta(hours=2))
 STARTS = {
@@ -199,6 +225,7 @@ def test_exact_times():
 
 ARRAYS = {
     "rows": (dict(data=np.zeros((2, 8), np.uint8)), "data must have shape (3, width)"),
+    "half a thread": (dict(threads=1.5), "threads must be a number from 0"),
     "too long": (dict(lengths=9), "lengths[0] is 9, and data has 8 bytes there"),
     "negative": (dict(lengths=[1, -1, 1]), "lengths[1] is -1"),
     "lengths": (dict(lengths=[1, 2]), "lengths must have shape (3,)"),

@@ -4,6 +4,7 @@ from __future__ import annotations
 
 import datetime
 import math
+import operator
 import os
 from collections.abc import Iterable, Mapping
 from decimal import Decimal
@@ -46,6 +47,13 @@ def make_decoding(
     return Decoding(
         _sources(db), names_of(messages, "messages"), names_of(signals, "signals"), values, raw_beside, match_pgn, batch_rows
     )
+
+
+def checked_threads(threads: int) -> int:
+    count = operator.index(threads) if hasattr(threads, "__index__") else -1
+    if not 0 <= count <= 256:
+        raise ArgumentError(f"threads must be a number from 0, for as many as there are cores, to 256, not {threads!r}")
+    return count
 
 
 def _sources(db: Databases) -> list[tuple[Database, str]]:

@@ -8,7 +8,7 @@ from typing import TYPE_CHECKING, Any
 import numpy as np
 import numpy.typing as npt
 
-from ._decoding import ColumnKeywords, Databases, Names, make_decoding
+from ._decoding import ColumnKeywords, Databases, Names, checked_threads, make_decoding
 from ._errors import ArgumentError
 from ._statistics import Statistics
 from ._tables import Tables, gathered
@@ -25,6 +25,7 @@ _MOST_STANDARD = 0x7FF
 _MOST_EXTENDED = 0x1FFFFFFF
 _MOST_BYTES = 0xFFFF
 _MOST_CHANNELS = 1 << 16
+_BLOCK_ROWS = 4096  # that are appended to a table at once, while they are in the processor's caches
 
 
 def decode_frames(
@@ -40,6 +41,7 @@ def decode_frames(
     messages: Names = None,
     signals: Names = None,
     j1939_tp: bool = False,
+    threads: int = 0,
     **keywords: Unpack[ColumnKeywords],
 ) -> Tables:
     """Decode frames in arrays, as packages that read measurement files give them.
@@ -65,13 +67,14 @@ def decode_frames(
         Which identifiers are extended.
     offsets : array_like of int, shape (n,), optional
         Where the data of each frame begins in a buffer.
-    messages, signals, j1939_tp, **keywords
-        As of `read_log`: values, raw_beside, match_pgn, batch_rows.
+    messages, signals, j1939_tp, threads, **keywords
+        As of `read_log`: values, raw_beside, match_pgn, batch_rows. Without `batch_rows` a table is
+        one batch, or few where its frames come at an uneven rate. With `j1939_tp` one thread works.
 
     Returns
     -------
     Tables
-        As of `read_log`.
+        As of `read_log`; the same for any number of threads.
 
     Raises
     ------
@@ -83,13 +86,27 @@ def decode_frames(
     >>> data = np.zeros((1000, 8), np.uint8)
     >>> zelk.decode_frames("examples/powertrain.dbc", np.full(1000, 0xC8), 8, data)
     """
+    whole = "batch_rows" not in keywords
+    keywords.setdefault("batch_rows", _BLOCK_ROWS)
     decoding = make_decoding(db, messages, signals, **keywords)
     frame_ids = _ids(ids, extended)
     count = len(frame_ids)
     buffer, starts, sizes = _data(data, lengths, offsets, count)
+    width = buffer.shape[1] if buffer.ndim == 2 else 0
     indices, names = _channels(channels, count)
     parts, counts = decode_arrays(
-        decoding, j1939_tp, frame_ids, sizes, starts, buffer, _times(times, count), indices, np.empty(0, np.uint16), names
+        decoding,
+        frame_ids,
+        sizes,
+        starts,
+        width,
+        buffer.reshape(-1),
+        _times(times, count),
+        indices,
+        names,
+        j1939_tp,
+        checked_threads(threads),
+        whole,
     )
     return _tables(parts, messages, counts)
 
@@ -165,7 +182,10 @@ def _in_range(array: Array, what: str, most: int) -> Array:
 
 
 def _ids(ids: npt.ArrayLike, extended: npt.ArrayLike | None) -> Array:
-    array = _in_range(_numbers(ids, "ids", None), "ids", int(_EXTENDED) | _MOST_EXTENDED)
+    array = _numbers(ids, "ids", None)
+    if extended is None and array.size and array.max() <= _MOST_STANDARD and (array.dtype.kind == "u" or array.min() >= 0):
+        return np.ascontiguousarray(array, np.uint32)
+    array = _in_range(array, "ids", int(_EXTENDED) | _MOST_EXTENDED)
     result = array.astype(np.uint32)
     bare = result & ~_EXTENDED
     _in_range(bare, "ids, without bit 31,", _MOST_EXTENDED)
@@ -184,7 +204,10 @@ def _ids(ids: npt.ArrayLike, extended: npt.ArrayLike | None) -> Array:
 
 
 def _data(data: Any, lengths: Any, offsets: Any, count: int) -> tuple[Array, Array, Array]:
-    """A buffer, where each frame begins in it, and the length of each."""
+    """A buffer, where each frame begins in it, and the length of each.
+
+    A buffer that has a row for each frame needs no beginnings, and may have one length for all.
+    """
     if isinstance(data, (bytes, bytearray, memoryview)):
         data = np.frombuffer(data, np.uint8)
     elif not isinstance(data, np.ndarray) and _is_of_bytes(data):
@@ -239,9 +262,9 @@ def _rows(array: Array, lengths: Any, offsets: Any, count: int) -> tuple[Array, 
     width = array.shape[1]
     if width > _MOST_BYTES:
         raise ArgumentError(f"data has {width} bytes a frame, and frames have at most {_MOST_BYTES}")
-    sizes = np.full(count, width, np.uint16) if lengths is None else _sizes(lengths, count)
-    _fits(sizes, np.broadcast_to(np.int64(width), sizes.shape))
-    return np.ascontiguousarray(array).reshape(-1), np.arange(count, dtype=np.int64) * width, sizes
+    sizes = np.full(1, width, np.uint16) if lengths is None else _sizes(lengths, 1 if np.ndim(lengths) == 0 else count)
+    _fits(sizes, np.broadcast_to(np.uint16(width), sizes.shape))
+    return np.ascontiguousarray(array), np.empty(0, np.int64), sizes
 
 
 def _sizes(lengths: Any, count: int) -> Array:

@@ -11,7 +11,7 @@ import warnings
 from collections.abc import Callable, Iterable, Iterator
 from typing import TYPE_CHECKING, Union
 
-from ._decoding import ColumnKeywords, Databases, Names, Path, Time, make_decoding, time_text
+from ._decoding import ColumnKeywords, Databases, Names, Path, Time, checked_threads, make_decoding, time_text
 from ._errors import ArgumentError, LogError, LogWarning
 from ._progress import ProgressBar
 from ._statistics import MalformedLine, Statistics
@@ -193,7 +193,7 @@ def read_batches(
         options["j1939_tp"],
         options["strict"],
         keeps,
-        options["threads"],
+        checked_threads(options["threads"]),
         _part(options["part"], len(logs)),
     )
     return Batches(run, logs, decoding.tables(), keeps, options["progress"])
@@ -202,10 +202,6 @@ def read_batches(
 def _check(options: LogKeywords) -> None:
     if options["on_error"] not in ("raise", "keep"):
         raise ArgumentError(f"on_error must be 'raise' or 'keep', not {options['on_error']!r}")
-    if not 0 <= options["threads"] <= 256:
-        raise ArgumentError(
-            f"threads must be a number from 0, for as many as there are cores, to 256, not {options['threads']!r}"
-        )
 
 
 def _part(part: tuple[int, int] | None, logs: int) -> tuple[int, int] | None:

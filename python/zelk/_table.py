@@ -99,6 +99,8 @@ class Table:
             # One place more, for None: it is the last one, which the code -1 stands for.
             choices = np.empty(len(texts) + 1, dtype=object)
             choices[:-1] = texts
+            if len(codes) > 0 and codes.min() == codes.max():
+                return np.broadcast_to(choices[codes[:1]], codes.shape)
             return choices[codes]
         values = self._rows.values(index, fills)
         if fills and values.dtype.kind == "f":
@@ -121,7 +123,8 @@ class Table:
             Arrays of shape ``(len(table),)``: ``time`` as int64 in ns, physical values as float64 in
             the signal's unit, texts as str objects, None where there is none. Arrays of a table of one
             batch are its memory, without a copy, and read-only; those of longer tables, and of
-            columns that are filled, are copies.
+            columns that are filled, are copies. A column of one text is this text without a copy for
+            each row, and read-only.
         """
         return {name: self._array(i, fill) for i, name in enumerate(self.columns)}
 
