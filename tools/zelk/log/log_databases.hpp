@@ -37,9 +37,10 @@ class LogDatabases {
   /// @param decoder  must not outlive the object
   template <typename Decoder>
   void choose(Decoder& decoder, const NameFilter& filter) const {
-    for (const OpenDatabase& database : databases_)
+    for (const OpenDatabase& database : databases_) {
       decoder.AddDatabase(database.file->encoded().records, label_of(database),
                           database.interface_name);
+    }
     for (const std::string& pattern : filter.messages) decoder.SelectMessages(pattern);
     for (const std::string& pattern : filter.signals) decoder.SelectSignals(pattern);
   }
