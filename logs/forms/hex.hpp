@@ -119,7 +119,8 @@ inline HexBytes hex_bytes(const char* at) {
   std::uint64_t bytes = 0;
   _mm_storel_epi64(reinterpret_cast<__m128i*>(&bytes), _mm_packus_epi16(pairs, pairs));
   const auto count = static_cast<unsigned>(std::countr_one(static_cast<unsigned>(digits)));
-  if (count < 16) bytes &= (std::uint64_t{1} << (4 * (count + count % 2))) - 1;
+  // Behind 15 digits there is nothing to clear: the last character has the value 0.
+  if (count < 15) bytes &= (std::uint64_t{1} << (4 * (count + count % 2))) - 1;
   return {count, bytes};
 }
 #else

@@ -52,7 +52,7 @@ bool LogDatabases::open(const std::string& argument) {
 /// What to call a database: by its file, with the interface in front where another one has the same
 /// name.
 std::string LogDatabases::label_of(const OpenDatabase& database) const {
-  const std::string name = utf8(database.file->opened().name);
+  std::string name = utf8(database.file->opened().name);
   const auto is_other = [&](const OpenDatabase& other) {
     return &other != &database && name == utf8(other.file->opened().name);
   };
