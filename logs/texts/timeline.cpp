@@ -3,6 +3,7 @@
 #include <limits>
 #include <map>
 #include <optional>
+#include <span>
 #include <utility>
 
 #include "base/list.hpp"
@@ -35,7 +36,7 @@ struct Cell {
 
 /// A frame with new values.
 struct Event {
-  std::int64_t time;
+  std::int64_t time;  ///< at which it counts: the latest one up to it
   Piece time_text;
   std::size_t message;
   std::uint16_t channel;
@@ -199,7 +200,11 @@ void ZelkTimeline::Decode(const ZelkFrameBlock& frames, ZelkTimelineValues& valu
   content.channels = frames.ChannelNames();
   if (state_->step > 0) content.times = times_of(frames);
   const PreparedMessage* const first = state_->plan.messages().data();
+  const std::span<const std::int64_t> times = frames.Times();
+  std::size_t seen = 0;
+  std::int64_t latest = kZelkNoTime;  // of all frames so far, chosen or not
   content.walk.walk(state_->plan, frames, [&](const DecodedFrame& frame, std::size_t index) {
+    for (; seen <= index; ++seen) latest = std::max(latest, times[seen]);
     const auto message = static_cast<std::size_t>(frame.message - first);
     const std::size_t before = content.cells.size();
     add_cells(content, frame, state_->sources[message].first_column, state_->plan.is_raw());
@@ -207,7 +212,7 @@ void ZelkTimeline::Decode(const ZelkFrameBlock& frames, ZelkTimelineValues& valu
     const Piece time{content.text.size(), frame.time.size()};
     content.text.append(frame.time);
     content.events.push_back(
-        {frames.Times()[index], time, message, frames.Channels()[index], content.cells.size()});
+        {latest, time, message, frames.Channels()[index], content.cells.size()});
   });
 }
 

@@ -115,6 +115,9 @@ TEST(DecodeWide, KeepsLastValuesInOneTable) {
       {"car.dbc log --signal Speed --signal A --every 100ms --times points --threads 2", 0,
        "time,Speed,A\r\n10.000000,,\r\n10.100000,100,\r\n10.200000,100,\r\n10.300000,0.1,7\r\n"
        "10.400000,0.1,7\r\n10.500000,0.1,7\r\n"},
+      {"car.dbc log --signal Speed --every 100ms --times points", 0,
+       "time,Speed\r\n10.000000,\r\n10.100000,100\r\n10.200000,100\r\n10.300000,0.1\r\n"
+       "10.400000,0.1\r\n10.500000,0.1\r\n"},
       {"car.dbc negative --times points --signal Speed --every 0.1s", 0,
        "time,Speed\r\n-0.200000,\r\n-0.100000,100\r\n0.000000,100\r\n"},
       {"car.dbc log --signal Gear --units --signal Motion.S*", 0,

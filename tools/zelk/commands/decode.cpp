@@ -233,7 +233,7 @@ void add_decode_command(CLI::App& app, Action& action) {
       ->add_option("--threads", arguments->threads,
                    "Threads to decode with; else as many as there are cores for a large file")
       ->type_name("N")
-      ->check(CLI::Range(1u, 256u).description(""));
+      ->check(CLI::Range(1u, ZelkPipelineOptions::kMostThreads).description(""));
   add_mending_options(*command, arguments->mending);
   command->callback([arguments, command, &action] {
     check_wide_options(*command, *arguments);

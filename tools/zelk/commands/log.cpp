@@ -229,7 +229,7 @@ void add_log_command(CLI::App& app, Action& action) {
                    "Threads to work with; else as many as there are cores for a large file, and\n"
                    "one for each of several logs")
       ->type_name("N")
-      ->check(CLI::Range(1u, 256u).description(""));
+      ->check(CLI::Range(1u, ZelkPipelineOptions::kMostThreads).description(""));
   command->callback([arguments, &action] {
     action = [arguments](Output& out) { return convert_logs(*arguments, out); };
   });
