@@ -1,11 +1,12 @@
 # The libraries of the program, the modules, the library of logs and the tests, from the distribution: CLI11::CLI11,
-# fmt::fmt, nlohmann_json::nlohmann_json, pugixml::pugixml, ZLIB::ZLIB, zstd::zstd, pcap::pcap, GTest::gmock and
-# GTest::gtest_main.
+# fmt::fmt, kainjow::mustache, PkgConfig::RSVG (librsvg), PkgConfig::NCURSES, nlohmann_json::nlohmann_json,
+# pugixml::pugixml, ZLIB::ZLIB, zstd::zstd, pcap::pcap, GTest::gmock and GTest::gtest_main. uPlot, which the pages of plots
+# contain, comes from its npm package, which scripts/setup fetches.
 #
 # A build for another system takes from the same packages what does not depend on a system: headers, copied out of
 # /usr/include because the headers beside them belong to the build machine's system, and the sources of GoogleTest,
 # pugixml and zstd (scripts/setup fetches the latter two, as no package has them). zlib has a package for it; captures are
-# not read there, and pcap::pcap is missing, as in the Python package.
+# not read there, and pcap::pcap is missing, as in the Python package; nor are librsvg and ncurses there.
 
 function(zelk_copy_header_library name folder)
   file(COPY /usr/include/${folder} DESTINATION ${CMAKE_BINARY_DIR}/headers)
@@ -57,6 +58,13 @@ if(ZELK_BUILD_LOGS)
   find_package(ZLIB REQUIRED)
 endif()
 
+if(ZELK_BUILD_TOOL)
+  set(ZELK_UPLOT /usr/src/uplot/dist CACHE PATH "Folder of uPlot.iife.min.js and uPlot.min.css, for plots as pages")
+  if(NOT EXISTS ${ZELK_UPLOT}/uPlot.iife.min.js OR NOT EXISTS ${ZELK_UPLOT}/uPlot.min.css)
+    message(STATUS "uPlot is not in ${ZELK_UPLOT}: the program will not make plots as HTML")
+  endif()
+endif()
+
 if(NOT CMAKE_CROSSCOMPILING)
   if(ZELK_BUILD_LOGS)
     zelk_find_library(zstd::zstd zstd.h zstd)
@@ -67,6 +75,10 @@ if(NOT CMAKE_CROSSCOMPILING)
   if(ZELK_BUILD_TOOL)
     find_package(CLI11 REQUIRED)
     find_package(fmt REQUIRED)
+    find_package(PkgConfig REQUIRED)
+    pkg_check_modules(RSVG REQUIRED IMPORTED_TARGET librsvg-2.0)
+    pkg_check_modules(NCURSES REQUIRED IMPORTED_TARGET ncursesw)
+    zelk_copy_header_library(kainjow::mustache kainjow)
   endif()
   if(ZELK_BUILD_TOOL OR ZELK_BUILD_MODULES)
     find_package(nlohmann_json REQUIRED)
@@ -83,6 +95,7 @@ endif()
 if(ZELK_BUILD_TOOL)
   zelk_copy_header_library(CLI11::CLI11 CLI)
   zelk_copy_header_library(fmt::fmt fmt)
+  zelk_copy_header_library(kainjow::mustache kainjow)
   target_compile_definitions(fmt::fmt INTERFACE FMT_HEADER_ONLY)
 endif()
 if(ZELK_BUILD_TOOL OR ZELK_BUILD_MODULES)
