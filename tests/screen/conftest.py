@@ -30,7 +30,7 @@ def zelk():
 def browser():
     with sync_playwright() as playwright:
         browser = playwright.chromium.launch(
-            executable_path="/usr/bin/chromium", args=["--no-sandbox"]
+            executable_path="/usr/bin/chromium", args=["--no-sandbox", "--disable-dev-shm-usage"]
         )
         yield browser
         browser.close()
