@@ -97,6 +97,7 @@ ExitCode run(int argc, char** argv, Output& out, ExitCode& failure) {
   add_diff_command(app, action, failure);
   add_edit_command(app, action);
   add_convert_command(app, action);
+  add_report_command(app, action);
   add_repair_command(app, action, failure);
 
   try {

@@ -43,6 +43,7 @@ void add_encode_command(CLI::App& app, Action& action);
 void add_diff_command(CLI::App& app, Action& action, ExitCode& failure);
 void add_edit_command(CLI::App& app, Action& action);
 void add_convert_command(CLI::App& app, Action& action);
+void add_report_command(CLI::App& app, Action& action);
 void add_repair_command(CLI::App& app, Action& action, ExitCode& failure);
 
 }  // namespace zelk::tool

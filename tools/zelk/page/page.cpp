@@ -78,6 +78,23 @@ data to_data(const nlohmann::json& value) {
   }
 }
 
+constexpr std::string_view kPartTag = "{{>";
+
+/// Whether a part includes no other one.
+bool is_leaf(std::string_view part) { return part.find(kPartTag) == std::string_view::npos; }
+
+/// The template with the parts that include no others in their places: kainjow's library parses a
+/// part again wherever it stands in what is filled, such as in each row of a table.
+std::string with_parts(std::string text, const PageParts& parts) {
+  for (const auto& [name, part] : parts) {
+    if (!is_leaf(part)) continue;
+    const std::string tag = std::string(kPartTag) + name + "}}";
+    for (std::size_t at = text.find(tag); at != std::string::npos; at = text.find(tag, at))
+      text.replace(at, tag.size(), part);
+  }
+  return text;
+}
+
 }  // namespace
 
 std::string escaped_for_page(std::string_view text) {
@@ -96,17 +113,39 @@ std::string escaped_for_page(std::string_view text) {
   return result;
 }
 
+struct PageTemplate::Parsed {
+  explicit Parsed(const std::string& text) : page(text) {}
+
+  kainjow::mustache::mustache page;
+  std::map<std::string, std::string> parts;  // those that include others
+};
+
+PageTemplate::PageTemplate(std::string_view page_template, const PageParts& parts) {
+  const std::string text = with_parts(std::string(page_template), parts);
+  parsed_ = std::make_unique<Parsed>(text);
+  parsed_->page.set_custom_escape([](const std::string& raw) { return escaped_for_page(raw); });
+  for (const auto& [name, part] : parts)
+    if (!is_leaf(part)) parsed_->parts[name] = with_parts(std::string(part), parts);
+  if (!parsed_->page.is_valid())
+    throw std::logic_error("page template: " + parsed_->page.error_message());
+}
+
+PageTemplate::~PageTemplate() = default;
+
+std::string PageTemplate::fill(const nlohmann::json& data) const {
+  kainjow::mustache::data content = to_data(data);
+  for (const auto& [name, part] : parsed_->parts) {
+    content[name] = kainjow::mustache::partial([text = part] { return text; });
+  }
+  std::string result = parsed_->page.render(content);
+  if (!parsed_->page.is_valid())
+    throw std::logic_error("page template: " + parsed_->page.error_message());
+  return result;
+}
+
 std::string render(std::string_view page_template, const nlohmann::json& data,
                    const PageParts& parts) {
-  kainjow::mustache::mustache page{std::string(page_template)};
-  page.set_custom_escape([](const std::string& text) { return escaped_for_page(text); });
-  kainjow::mustache::data content = to_data(data);
-  for (const auto& [name, part] : parts) {
-    content[name] = kainjow::mustache::partial([text = std::string(part)] { return text; });
-  }
-  std::string result = page.render(content);
-  if (!page.is_valid()) throw std::logic_error("page template: " + page.error_message());
-  return result;
+  return PageTemplate(page_template, parts).fill(data);
 }
 
 std::string script_json(const nlohmann::json& data) {

@@ -5,6 +5,7 @@
 #define ZELK_TOOL_PAGE_PAGE_HPP
 
 #include <map>
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
@@ -25,6 +26,22 @@ using PageParts = std::map<std::string, std::string_view>;
 /// @throws std::logic_error when the template is not well-formed
 std::string render(std::string_view page_template, const nlohmann::json& data,
                    const PageParts& parts = {});
+
+/// A template for `render` that is parsed once and filled often.
+class PageTemplate {
+ public:
+  /// @throws std::logic_error when the template is not well-formed
+  explicit PageTemplate(std::string_view page_template, const PageParts& parts = {});
+  PageTemplate(const PageTemplate&) = delete;
+  PageTemplate& operator=(const PageTemplate&) = delete;
+  ~PageTemplate();
+
+  std::string fill(const nlohmann::json& data) const;
+
+ private:
+  struct Parsed;
+  std::unique_ptr<Parsed> parsed_;
+};
 
 /// A text as `render` spells it.
 std::string escaped_for_page(std::string_view text);

@@ -1,0 +1,84 @@
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "commands/commands.hpp"
+#include "commands/mending_options.hpp"
+#include "input/lookup.hpp"
+#include "input/opening.hpp"
+#include "report/report_page.hpp"
+#include "save/replace_file.hpp"
+#include "term/system.hpp"
+#include "term/text.hpp"
+
+namespace zelk::tool {
+
+namespace {
+
+constexpr const char* kStandard = "-";  // standard output
+
+struct Arguments {
+  std::vector<std::string> paths;
+  std::string out = kStandard;
+  Mending mending;
+};
+
+/// @throws RequestError when the page cannot go where it is wanted
+void check_output(const Arguments& arguments) {
+  if (arguments.out == kStandard) {
+    if (is_terminal(stdout))
+      throw RequestError("a page is not for a terminal: name a file with -o");
+    return;
+  }
+  const auto output = identity_of(arguments.out);
+  for (const std::string& path : arguments.paths) {
+    if (output && identity_of(path) == output)
+      throw RequestError(escaped(path) + " is both a database to read and the output");
+  }
+}
+
+void write_page(const std::string& path, const std::string& page, Output& out) {
+  if (path == kStandard) return out.write_through(page);
+  try {
+    replace_file(path, page);
+  } catch (const RequestError& error) {
+    throw RequestError(behind_path(path, error.what()));
+  }
+}
+
+/// The name of a file without its folders.
+std::string file_name(const std::string& path) {
+  const std::filesystem::path native(std::u8string(path.begin(), path.end()));
+  const std::u8string name = native.filename().u8string();
+  return {name.begin(), name.end()};
+}
+
+ExitCode report(const Arguments& arguments, Output& out) {
+  check_output(arguments);
+  const std::string& path = arguments.paths.front();
+  DatabaseFile file(arguments.mending);
+  if (!file.open_and_report(path)) return kExitFailure;
+  write_page(arguments.out, report_page(file.encoded(), file_name(path)), out);
+  return kExitSuccess;
+}
+
+}  // namespace
+
+void add_report_command(CLI::App& app, Action& action) {
+  CLI::App* command = app.add_subcommand("report", "Make a page of a database, for a browser");
+  const auto arguments = std::make_shared<Arguments>();
+  command->add_option("FILE", arguments->paths, "Database to read")->required()->option_text("...");
+  command
+      ->add_option("-o,--output", arguments->out,
+                   "Page to write, else standard output; one that is there is replaced")
+      ->type_name("OUT");
+  add_mending_options(*command, arguments->mending);
+  command->callback([arguments, &action] {
+    if (arguments->paths.size() > 1)
+      throw CLI::ValidationError("FILE", "a report is of one database");
+    action = [arguments](Output& out) { return report(*arguments, out); };
+  });
+}
+
+}  // namespace zelk::tool
