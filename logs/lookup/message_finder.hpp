@@ -85,6 +85,8 @@ class MessageFinder {
     if (entry.id != id || entry.route != route) entry = {id, route, search(route, id)};
     return entry.message;
   }
+  /// Likewise, without a cache.
+  std::uint32_t search(std::uint32_t route, std::uint32_t id) const;
 
  private:
   using Numbers = HashTable<std::uint32_t, std::uint32_t>;
@@ -97,7 +99,6 @@ class MessageFinder {
 
   void add_route(const std::string& channel);
   static void add_messages(const GroupFinder& groups, Numbers& numbers);
-  std::uint32_t search(std::uint32_t route, std::uint32_t id) const;
 
   std::vector<std::unique_ptr<const GroupFinder>> groups_;  ///< one for each database
   std::vector<Route> routes_;  ///< the first one is for channels that no database names

@@ -6,12 +6,11 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "base/decimal.hpp"
+#include "base/signal_spelling.hpp"
 #include "logs/lookup/choosing.hpp"
 #include "logs/texts/frame_format.hpp"
 #include "zelk/frame_decoder.hpp"
@@ -25,40 +24,16 @@ struct FrameOptions {
   bool numbers;  ///< no value descriptions
 };
 
-/// The value descriptions of a signal, each as the format has it.
-class PrintedDescriptions {
- public:
-  /// Of several texts for a value the first counts.
-  void add(std::uint32_t value, const std::string& text) { texts_.try_emplace(value, text); }
-  bool empty() const { return texts_.empty(); }
-  /// The text for a raw value; empty for none.
-  std::string_view find(std::int64_t raw) const;
-
- private:
-  std::map<std::uint32_t, std::string> texts_;
-};
-
 /// One signal of a message.
 struct PreparedSignal {
   PreparedSignal(const sigblk& signal, std::size_t position, const FrameOptions& options,
                  const NamedDatabase& database);
 
-  /// The number in an IEEE signal.
-  double ieee_number(std::int64_t raw) const;
-
   std::size_t index;  ///< among the message's signals
-  bool is_signed;
-  bool is_ieee;
-  bool is_double;  ///< of 64 bits, when it is an IEEE signal
-  double factor;
-  double offset;
-  DecimalScale scale;
+  SignalNumbers numbers;
   SignalTexts texts;
-  PrintedDescriptions descriptions;
+  SpelledDescriptions descriptions;
 };
-
-/// How not-a-number and the infinities are written: "nan", "inf", "-inf", or "null".
-enum class NonFinite { kAsText, kAsNull };
 
 /// @param raw     the raw value instead of the physical one
 /// @param value   of the signal, from `ZelkFrameDecoder::DecodeRaw`

@@ -171,7 +171,7 @@ void add_cells(BlockValues& values, const DecodedFrame& frame, std::size_t colum
     if (zelk::logs::is_present(frame, signal)) {
       const std::int64_t value = frame.raw[signal.index];
       std::size_t begin = text.size();
-      append_value(text, signal, value, raw, zelk::logs::NonFinite::kAsText);
+      append_value(text, signal, value, raw, zelk::NonFinite::kAsText);
       end_cell(column, begin);
       begin = text.size();
       text.append(signal.descriptions.find(value));

@@ -107,7 +107,7 @@ void append_row(LineBuffer& out, const DecodedFrame& frame, bool raw) {
     out.append(',');
     const bool is_present = zelk::logs::is_present(frame, signal);
     const std::int64_t value = frame.raw[signal.index];
-    if (is_present) append_value(out, signal, value, raw, zelk::logs::NonFinite::kAsText);
+    if (is_present) append_value(out, signal, value, raw, zelk::NonFinite::kAsText);
     if (signal.descriptions.empty()) continue;
     out.append(',');
     if (is_present) out.append(signal.descriptions.find(value));

@@ -49,6 +49,13 @@ bool LogDatabases::open(const std::string& argument) {
   return true;
 }
 
+std::vector<LogDatabases::Entry> LogDatabases::entries() const {
+  std::vector<Entry> entries;
+  for (const OpenDatabase& database : databases_)
+    entries.push_back({database.file->encoded(), database.interface_name});
+  return entries;
+}
+
 /// What to call a database: by its file, with the interface in front where another one has the same
 /// name.
 std::string LogDatabases::label_of(const OpenDatabase& database) const {

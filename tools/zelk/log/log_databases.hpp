@@ -32,18 +32,31 @@ class LogDatabases {
 
   bool empty() const { return databases_.empty(); }
 
-  /// Adds all of them to a decoder of the library, and selects what the filter has.
+  /// Adds all of them to a decoder or finder of the library.
   ///
   /// @param decoder  must not outlive the object
   template <typename Decoder>
-  void choose(Decoder& decoder, const NameFilter& filter) const {
+  void add_to(Decoder& decoder) const {
     for (const OpenDatabase& database : databases_) {
       decoder.AddDatabase(database.file->encoded().records, label_of(database),
                           database.interface_name);
     }
+  }
+
+  /// `add_to`, and selects what the filter has.
+  template <typename Decoder>
+  void choose(Decoder& decoder, const NameFilter& filter) const {
+    add_to(decoder);
     for (const std::string& pattern : filter.messages) decoder.SelectMessages(pattern);
     for (const std::string& pattern : filter.signals) decoder.SelectSignals(pattern);
   }
+
+  struct Entry {
+    EncodedDatabase content;
+    const std::string& interface_name;  ///< empty for all
+  };
+  /// In the order in which they were opened; valid as long as the object.
+  std::vector<Entry> entries() const;
 
  private:
   struct OpenDatabase {
