@@ -207,12 +207,6 @@ class DoubledStatements {
 
 // --- Cycle times ---
 
-bool is_cyclic(std::string_view send_type) {
-  std::string text(send_type);
-  for (char& c : text) c = to_upper(c);
-  return text.starts_with("CYCLIC") && text.find("IFACTIVE") == std::string::npos;
-}
-
 /// A message that has neither of the two attributes was not thought about, and is left out.
 void check_message(const LintContext& context, const PlacedMessage& message) {
   const KnownAttributes& known = context.attributes;

@@ -1,6 +1,9 @@
 #include "check/lint/known_attributes.hpp"
 
+#include <string>
+
 #include "base/attribute_text.hpp"
+#include "base/characters.hpp"
 #include "base/j1939.hpp"
 #include "base/list.hpp"
 
@@ -67,6 +70,12 @@ bool KnownAttributes::is_j1939(const msgblk& message) const {
   if (frame_format.is_set(message.attrs) || !has_j1939_protocol)
     return j1939::is_j1939_format(frame_format.text(message.attrs).value_or(""));
   return (message.id & ZELK_ID_EXTENDED) != 0;
+}
+
+bool is_cyclic(std::string_view send_type) {
+  std::string text(send_type);
+  for (char& c : text) c = to_upper(c);
+  return text.starts_with("CYCLIC") && text.find("IFACTIVE") == std::string::npos;
 }
 
 }  // namespace zelk::check

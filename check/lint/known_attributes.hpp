@@ -58,6 +58,9 @@ struct KnownAttributes {
   bool is_j1939(const msgblk& message) const;
 };
 
+/// Whether a send type says that the message comes again and again, whatever the application does.
+bool is_cyclic(std::string_view send_type);
+
 }  // namespace zelk::check
 
 #endif
