@@ -135,9 +135,9 @@ TEST(Decode, Databases) {
       {"log", 1, "", "zelk: log is a log, and no database is given"},
       {"car.dbc log --log other", 1, "", "zelk: other and log are logs, and only one"},
       {"other.dbc bad.dbc", 1, "",
-       "bad.dbc: nor a log for --log: no frame at its beginning, "
+       "bad.dbc: nor a log: no frame at its beginning, "
        "line 1: \"BO_ nonsense\"\n"},
-      {"other.dbc .", 1, "", ".: nor a log for --log: not a regular file"},
+      {"other.dbc .", 1, "", ".: nor a log: not a regular file"},
       {"missing other.dbc", 1, "", "missing: database: not found"},
       {"car.dbc --log missing", 1, "", "zelk: cannot open missing"},
       {"car.dbc --message Moton", 1, "", "no message is named \"Moton\"; did you mean Motion?"},

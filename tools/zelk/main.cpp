@@ -93,6 +93,7 @@ ExitCode run(int argc, char** argv, Output& out, ExitCode& failure) {
   add_rewrite_command(app, action);
   add_decode_command(app, action);
   add_log_command(app, action);
+  add_plot_command(app, action);
   add_monitor_command(app, action);
   add_encode_command(app, action);
   add_diff_command(app, action, failure);

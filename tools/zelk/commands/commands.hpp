@@ -41,6 +41,7 @@ void add_decode_command(CLI::App& app, Action& action);
 void add_log_command(CLI::App& app, Action& action);
 void add_monitor_command(CLI::App& app, Action& action);
 void add_encode_command(CLI::App& app, Action& action);
+void add_plot_command(CLI::App& app, Action& action);
 void add_diff_command(CLI::App& app, Action& action, ExitCode& failure);
 void add_edit_command(CLI::App& app, Action& action);
 void add_convert_command(CLI::App& app, Action& action);

@@ -79,29 +79,15 @@ bool take_log(std::optional<std::string>& log, const std::string& path) {
   return true;
 }
 
-/// Opens a database, or takes the argument for the log. A file that begins like a log is still a
-/// database when it can be read as one; a file that is neither is reported with both reasons.
-bool take_argument(const std::string& argument, LogDatabases& databases,
-                   std::optional<std::string>& log) {
-  if (!exists(argument)) return databases.open(argument);
-  const std::optional<std::string> why_not = why_no_log(argument);
-  if (!why_not && !DatabaseFile().open(argument)) return take_log(log, argument);
-  if (databases.open(argument)) return true;
-  if (why_not) print_error(fmt::format("{}: nor a log for --log: {}", escaped(argument), *why_not));
-  return false;
-}
-
 /// @throws RequestError when the output would take the place of what is read, or be read
-void check_output(const Arguments& arguments, const std::optional<std::string>& log) {
+void check_output(const Arguments& arguments, const std::vector<std::string>& databases,
+                  const std::optional<std::string>& log) {
   check_is_not_output(log);
-  std::vector<std::string> inputs = arguments.databases;
+  std::vector<std::string> inputs = databases;
   if (log) inputs.push_back(*log);
-  const auto output = identity_of(arguments.wide.path);
-  for (const std::string& input : inputs) {
-    if (!output || identity_of(input) != output) continue;
-    throw RequestError(escaped(input) + " is both read and the output");
-  }
-  if (!log && output && identity_of_input() == output)
+  const std::string& output = arguments.wide.path;
+  check_is_no_input(output, inputs);
+  if (!log && identity_of(output) && identity_of_input() == identity_of(output))
     throw RequestError("standard input is both read and the output");
 }
 
@@ -109,15 +95,17 @@ ExitCode decode(const Arguments& arguments, Output& out) {
   LogDatabases databases(arguments.mending);
   std::optional<std::string> log = arguments.log;
   bool all = true;
-  for (const std::string& argument : arguments.databases)
-    all &= take_argument(argument, databases, log);
+  for (const std::string& argument : arguments.databases) {
+    std::optional<std::string> found;
+    all &= databases.open_unless_log(argument, found) || (found && take_log(log, *found));
+  }
   if (!all) return kExitFailure;
   if (databases.empty()) {
     print_error(fmt::format("zelk: {} is a log, and no database is given", escaped(*log)));
     return kExitFailure;
   }
   if (!databases.check_filter(arguments.filter)) return kExitFailure;
-  check_output(arguments, log);
+  check_output(arguments, databases.paths(), log);
   const NotedStop stop;
   ZelkLogReader reader(log, {.times = arguments.times.kind, .stop = &NotedStop::is_requested()});
   LogRun run(reader, pipeline_options(arguments), arguments.strict);

@@ -8,6 +8,7 @@
 #include "base/quoting.hpp"
 #include "base/wildcards.hpp"
 #include "input/lookup.hpp"
+#include "log/log_probe.hpp"
 #include "term/output.hpp"
 #include "term/system.hpp"
 #include "term/text.hpp"
@@ -29,13 +30,14 @@ Binding parse_binding(const std::string& argument) {
 
 /// Prints an error for a pattern that matches none of `names`.
 bool check_pattern(std::string_view kind, const std::string& pattern,
-                   const std::vector<std::string>& names) {
+                   const std::vector<std::string>& names, std::string_view more) {
   NameSuggestion others(pattern);
   for (const std::string& name : names) {
     if (matches_wildcards(pattern, name)) return true;
     others.add(name);
   }
-  print_error(fmt::format("zelk: no {} is named {}{}", kind, in_quotes(pattern), others.text()));
+  print_error(
+      fmt::format("zelk: no {} is named {}{}{}", kind, in_quotes(pattern), more, others.text()));
   return false;
 }
 
@@ -45,6 +47,7 @@ bool LogDatabases::open(const std::string& argument) {
   Binding binding = parse_binding(argument);
   auto file = std::make_unique<DatabaseFile>(mending_);
   if (!file->open_and_report(binding.path)) return false;
+  paths_.push_back(binding.path);
   databases_.push_back({std::move(binding.interface_name), std::move(file)});
   return true;
 }
@@ -54,6 +57,18 @@ std::vector<LogDatabases::Entry> LogDatabases::entries() const {
   for (const OpenDatabase& database : databases_)
     entries.push_back({database.file->encoded(), database.interface_name});
   return entries;
+}
+
+bool LogDatabases::open_unless_log(const std::string& argument, std::optional<std::string>& log) {
+  if (!exists(argument)) return open(argument);
+  const std::optional<std::string> why_not = why_no_log(argument);
+  if (!why_not && !DatabaseFile().open(argument)) {
+    log = argument;
+    return false;
+  }
+  if (open(argument)) return true;
+  if (why_not) print_error(fmt::format("{}: nor a log: {}", escaped(argument), *why_not));
+  return false;
 }
 
 /// What to call a database: by its file, with the interface in front where another one has the same
@@ -67,7 +82,7 @@ std::string LogDatabases::label_of(const OpenDatabase& database) const {
   return database.interface_name + '.' + name;
 }
 
-bool LogDatabases::check_filter(const NameFilter& filter) const {
+bool LogDatabases::check_filter(const NameFilter& filter, std::string_view more) const {
   if (filter.messages.empty() && filter.signals.empty()) return true;
   std::vector<std::string> messages;
   std::vector<std::string> signals;
@@ -84,9 +99,9 @@ bool LogDatabases::check_filter(const NameFilter& filter) const {
   }
   bool all = true;
   for (const std::string& pattern : filter.messages)
-    all &= check_pattern("message", pattern, messages);
+    all &= check_pattern("message", pattern, messages, more);
   for (const std::string& pattern : filter.signals)
-    all &= check_pattern("signal", pattern, signals);
+    all &= check_pattern("signal", pattern, signals, more);
   return all;
 }
 

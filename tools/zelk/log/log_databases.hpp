@@ -5,7 +5,9 @@
 #define ZELK_TOOL_LOG_LOG_DATABASES_HPP
 
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -25,10 +27,20 @@ class LogDatabases {
   /// @return false when it cannot be read
   bool open(const std::string& argument);
 
+  /// `open`, unless the file is a log: one that begins like a log and cannot be read as a database.
+  /// A file that is neither is reported with both reasons.
+  ///
+  /// @return false when it is no database; `log` then has the path of a log
+  bool open_unless_log(const std::string& argument, std::optional<std::string>& log);
+
+  /// The paths of all of them.
+  const std::vector<std::string>& paths() const { return paths_; }
+
   /// Prints an error for each pattern of the filter that no message or signal matches.
   ///
+  /// @param more  what to add to it
   /// @return whether all match
-  bool check_filter(const NameFilter& filter) const;
+  bool check_filter(const NameFilter& filter, std::string_view more = {}) const;
 
   bool empty() const { return databases_.empty(); }
 
@@ -68,6 +80,7 @@ class LogDatabases {
 
   Mending mending_;
   std::vector<OpenDatabase> databases_;
+  std::vector<std::string> paths_;
 };
 
 }  // namespace zelk::tool

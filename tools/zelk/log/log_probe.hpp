@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace zelk::tool {
 
@@ -22,6 +23,11 @@ std::optional<std::string> why_no_log(const std::string& path);
 /// @throws RequestError when standard output leads into the log, where what is written would be
 /// read again
 void check_is_not_output(const std::optional<std::string>& path);
+
+/// @param output  a path; what it leads to may not exist
+/// @param inputs  paths that are read
+/// @throws RequestError when the output would take the place of what is read
+void check_is_no_input(const std::string& output, const std::vector<std::string>& inputs);
 
 }  // namespace zelk::tool
 

@@ -1,0 +1,212 @@
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "base/quoting.hpp"
+#include "commands/commands.hpp"
+#include "commands/mending_options.hpp"
+#include "commands/time_options.hpp"
+#include "input/lookup.hpp"
+#include "log/log_databases.hpp"
+#include "log/log_probe.hpp"
+#include "log/log_run.hpp"
+#include "plot/gather.hpp"
+#include "plot/svg.hpp"
+#include "save/replace_file.hpp"
+#include "term/system.hpp"
+#include "term/text.hpp"
+
+namespace zelk::tool {
+
+namespace {
+
+constexpr const char* kStandard = "-";
+
+struct Arguments {
+  std::vector<std::string> words;
+  std::string output;
+  PlotChoice choice;
+  PictureOptions picture;
+  TimeOptions times;
+  Mending mending;
+  bool strict = false;
+  bool stats = false;
+  bool transport = false;
+  unsigned threads = 0;  // 0: by the size of the logs
+};
+
+/// What the words of the command line are.
+struct Words {
+  std::vector<std::string> logs{};
+  std::vector<std::string> signals{};
+};
+
+/// What follows "INTERFACE=" in a word, or all of it.
+std::string path_in(const std::string& word) {
+  const std::size_t mark = word.find('=');
+  return mark == std::string::npos || exists(word) ? word : word.substr(mark + 1);
+}
+
+/// @return false when a file is neither database nor log; it is reported
+bool sort_words(const Arguments& arguments, LogDatabases& databases, Words& words) {
+  bool all = true;
+  for (const std::string& word : arguments.words) {
+    if (word == kStandard) {
+      words.logs.push_back(word);
+    } else if (!exists(path_in(word))) {
+      words.signals.push_back(word);
+    } else {
+      std::optional<std::string> log;
+      all &= databases.open_unless_log(word, log) || log;
+      if (log) words.logs.push_back(*log);
+    }
+  }
+  return all;
+}
+
+/// Why what was named cannot be plotted; empty when it can.
+std::string complaint_about(const Arguments& arguments, const LogDatabases& databases,
+                            const Words& words) {
+  if (databases.empty()) return "no database is given";
+  if (words.signals.empty() && arguments.choice.jitter.empty())
+    return "no signal is named; --jitter MESSAGE shows the times between frames";
+  if (words.logs.empty() && is_terminal(stdin)) return "no log is given";
+  std::set<FileIdentity> identities;
+  for (const std::string& log : words.logs) {
+    const auto identity = log == kStandard ? identity_of_input() : identity_of(log);
+    if (identity && !identities.insert(*identity).second) return escaped(log) + " is given twice";
+  }
+  return "";
+}
+
+/// The name of a log, without its folders.
+std::string title_of(const std::string& log) {
+  if (log == kStandard) return "standard input";
+  const std::filesystem::path path(std::u8string(log.begin(), log.end()));
+  const std::u8string name = path.filename().u8string();
+  return {name.begin(), name.end()};
+}
+
+/// @return whether the log is one
+bool gather(const Arguments& arguments, const std::string& log, PlotGatherer& gatherer) {
+  ZelkLogReader reader(log == kStandard ? std::nullopt : std::optional(log),
+                       {.times = arguments.times.kind, .stop = &NotedStop::is_requested()});
+  ZelkPipelineOptions options;
+  options.threads = arguments.threads;
+  options.times = arguments.times.window;
+  options.transport = arguments.transport;
+  LogRun run(reader, options, arguments.strict, false);
+  gatherer.begin_log(title_of(log));
+  run.run<PlotRows>(gatherer, [&gatherer](PlotRows& rows) { gatherer.put(rows); });
+  gatherer.end_log();
+  return run.finish(arguments.stats);
+}
+
+void report(const PlotGatherer& gatherer) {
+  for (const std::string& pattern : gatherer.missing())
+    print_error(fmt::format("zelk: warning: no frame has {}", in_quotes(pattern)));
+  if (gatherer.ran_backwards())
+    print_error(
+        "zelk: warning: times run backwards, and points are put in the order of their times");
+}
+
+ExitCode plot(const Arguments& arguments, Output&) {
+  LogDatabases databases(arguments.mending);
+  Words words;
+  if (!sort_words(arguments, databases, words)) return kExitFailure;
+  const std::string complaint = complaint_about(arguments, databases, words);
+  if (!complaint.empty()) throw RequestError(complaint);
+  if (!databases.check_filter({{}, words.signals}, ", nor is there such a file") ||
+      !databases.check_filter({arguments.choice.jitter, {}}))
+    return kExitFailure;
+  if (words.logs.empty()) words.logs.emplace_back(kStandard);
+  std::vector<std::string> inputs = databases.paths();
+  inputs.insert(inputs.end(), words.logs.begin(), words.logs.end());
+  check_is_no_input(arguments.output, inputs);
+
+  const NotedStop stop;
+  PlotChoice choice = arguments.choice;
+  choice.signals = words.signals;
+  choice.relative = arguments.times.window.relative;
+  PlotGatherer gatherer(databases, choice, words.logs.size());
+  for (const std::string& log : words.logs)
+    if (!NotedStop::is_requested() && !gather(arguments, log, gatherer)) return kExitFailure;
+  if (gatherer.is_empty()) throw RequestError("no frame has any of the signals");
+  report(gatherer);
+  replace_file(arguments.output, plot_svg(gatherer.figure(), arguments.picture));
+  return NotedStop::is_requested() ? kExitInterrupted : kExitSuccess;
+}
+
+std::string check_output(const std::string& path) {
+  const std::string name = lowered(path);
+  if (name.ends_with(".svg")) return "";
+  return "a plot is written as .svg, not as " + in_quotes(path);
+}
+
+void add_picture_options(CLI::App& command, PictureOptions& options) {
+  command
+      .add_option_function<std::string>(
+          "--size",
+          [&options](const std::string& text) { options.size = parse_picture_size(text); },
+          "Width and height of the picture in pixels; else 1200 wide, and as high as it takes")
+      ->type_name("WIDTHxHEIGHT")
+      ->check(CLI::Validator(
+          [](const std::string& text) {
+            return parse_picture_size(text) ? ""
+                                            : "a size such as 1200x700 is wanted, of 200 to 20000 "
+                                              "pixels, not " +
+                                                  in_quotes(text);
+          },
+          ""));
+}
+
+}  // namespace
+
+void add_plot_command(CLI::App& app, Action& action) {
+  CLI::App* command = app.add_subcommand("plot", "Draw the signals of recorded logs over time");
+  const auto arguments = std::make_shared<Arguments>();
+  command
+      ->add_option(
+          "FILE_OR_SIGNAL", arguments->words,
+          "Databases, logs and signals in any order: a file is told by its content, - is\n"
+          "a log on standard input, and what is no file is the name of signals, SIGNAL or\n"
+          "MESSAGE.SIGNAL with * for any characters and ? for one. INTERFACE=FILE is a\n"
+          "database for the frames of one interface only.")
+      ->option_text("...");
+  command->add_option("-o,--output", arguments->output, "File to write: .svg")
+      ->type_name("FILE")
+      ->required()
+      ->check(CLI::Validator(check_output, ""));
+  command
+      ->add_option("--jitter", arguments->choice.jitter,
+                   "Also the times between the frames of the messages of this name, in which *\n"
+                   "and ? stand for characters; may be given several times")
+      ->type_name("MESSAGE")
+      ->allow_extra_args(false);
+  add_picture_options(*command, arguments->picture);
+  add_time_options(*command, arguments->times);
+  command->add_flag("--j1939-tp", arguments->transport,
+                    "Put messages of the J1939 transport protocol together (BAM, RTS/CTS)");
+  command->add_flag("--match-pgn", arguments->choice.match_groups,
+                    "Match extended identifiers by their J1939 parameter group also where the\n"
+                    "databases do not say that their messages have any");
+  command->add_flag("--strict", arguments->strict, "Lines that are not frames are an error");
+  command->add_flag("--stats", arguments->stats,
+                    "Tell at the end, on standard error, what was met");
+  command
+      ->add_option("--threads", arguments->threads,
+                   "Threads to decode with; else as many as there are cores for a large file")
+      ->type_name("N")
+      ->check(CLI::Range(1u, ZelkPipelineOptions::kMostThreads).description(""));
+  add_mending_options(*command, arguments->mending);
+  command->callback([arguments, &action] {
+    action = [arguments](Output& out) { return plot(*arguments, out); };
+  });
+}
+
+}  // namespace zelk::tool
