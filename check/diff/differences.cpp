@@ -50,6 +50,14 @@ class MessagePairs {
     return pair.before && pair.after;
   }
 
+  /// The same message of the other database; null when it has none, and for none.
+  const msgblk* counterpart(const msgblk* message) const {
+    if (!message || !is_common(*message)) return nullptr;
+    const ObjectPair& pair = pairs_[number(*message)];
+    const msgblk* const before = before_[*pair.before];
+    return message == before ? after_[*pair.after] : before;
+  }
+
  private:
   using Names = std::unordered_map<std::string_view, std::size_t>;
 
@@ -92,7 +100,7 @@ class DatabaseComparison {
   void network() const {
     std::vector<Change> changes = network_changes(before_, after_);
     if (changes.empty()) return;
-    visit_({Presence::kChanged, nullptr, {}, std::move(changes)});
+    visit_({Presence::kChanged, nullptr, {}, std::move(changes), {}, nullptr});
   }
 
   void objects(const ObjectKind& kind) const {
@@ -100,9 +108,9 @@ class DatabaseComparison {
     const Side after = side(kind, after_);
     for (const ObjectPair& pair : pair_up(before.keys, after.keys)) {
       if (!pair.after) {
-        visit_({Presence::kRemoved, &kind, before.objects[*pair.before], {}});
+        alone(Presence::kRemoved, kind, before.objects[*pair.before]);
       } else if (!pair.before) {
-        visit_({Presence::kAdded, &kind, after.objects[*pair.after], {}});
+        alone(Presence::kAdded, kind, after.objects[*pair.after]);
       } else {
         common(kind, before.objects[*pair.before], after.objects[*pair.after]);
       }
@@ -134,9 +142,14 @@ class DatabaseComparison {
     return {0, object.name_text(), definition ? std::string(object_kind(*definition)) : ""};
   }
 
+  void alone(Presence presence, const ObjectKind& kind, const Object& object) const {
+    visit_({presence, &kind, object, {}, {}, messages_.counterpart(object.owner)});
+  }
+
   void common(const ObjectKind& kind, const Object& before, const Object& after) const {
     std::vector<Change> changes = changes_between(kind, before, after);
-    if (!changes.empty()) visit_({Presence::kChanged, &kind, before, std::move(changes)});
+    if (changes.empty()) return;
+    visit_({Presence::kChanged, &kind, before, std::move(changes), after, after.owner});
   }
 
   EncodedDatabase before_;

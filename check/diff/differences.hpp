@@ -23,6 +23,9 @@ struct Difference {
   const ObjectKind* kind;       ///< null for the network itself
   Object object;                ///< of the first database that has it
   std::vector<Change> changes;  ///< of a changed object, at least one
+  Object after = {};            ///< a changed object as the second database has it
+  /// The message of the other database that is the same as `object.owner`; null for none.
+  const msgblk* other_owner = nullptr;
 };
 
 /// Visits the differences, kind by kind.

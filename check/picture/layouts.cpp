@@ -112,9 +112,9 @@ class LayoutBuilder {
   }
 
   Layouts build() {
-    if (dependants_.contains(nullptr)) expand(nullptr, "", always_);
-    for (const sigblk* signal : always_) expand(signal, "", always_);
-    if (result_.layouts.empty()) result_.layouts.push_back({"", always_});
+    if (dependants_.contains(nullptr)) expand(nullptr, "", 0, always_);
+    for (const sigblk* signal : always_) expand(signal, "", 0, always_);
+    if (result_.layouts.empty()) result_.layouts.push_back({"", always_, "", 0, always_.size()});
     return std::move(result_);
   }
 
@@ -122,20 +122,21 @@ class LayoutBuilder {
   /// Adds the layouts of one multiplexor inside `context`, and those of the multiplexors that it
   /// selects. Every step down leaves a signal that depends on the one above it, so a cycle is never
   /// entered.
-  void expand(const sigblk* multiplexor, const std::string& condition, const Signals& context) {
+  void expand(const sigblk* multiplexor, const std::string& condition, std::size_t depth,
+              const Signals& context) {
     const auto found = dependants_.find(multiplexor);
     if (found == dependants_.end() || !result_.complete) return;
     for (const Selection& selection : selections_of(found->second, kMaxLayouts)) {
       result_.complete = result_.complete && result_.layouts.size() < kMaxLayouts;
       if (!result_.complete) return;
-      Layout layout{
-          condition + (condition.empty() ? "" : ", ") + condition_of(multiplexor, selection),
-          context};
+      const std::string step = condition_of(multiplexor, selection);
+      Layout layout{condition + (condition.empty() ? "" : ", ") + step, context, step, depth,
+                    context.size()};
       layout.signals.insert(layout.signals.end(), selection.signals.begin(),
                             selection.signals.end());
       result_.layouts.push_back(layout);
       for (const sigblk* signal : selection.signals)
-        expand(signal, layout.condition, layout.signals);
+        expand(signal, layout.condition, depth + 1, layout.signals);
     }
   }
 

@@ -4,6 +4,7 @@
 #ifndef ZELK_CHECK_PICTURE_LAYOUTS_HPP
 #define ZELK_CHECK_PICTURE_LAYOUTS_HPP
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,10 @@ struct Layout {
   /// "Mux = 3, Sub = 1"; empty: always.
   std::string condition;
   std::vector<const sigblk*> signals;  ///< those that are always there first
+  /// The last part of `condition`: what holds in this layout beside the one that it refines.
+  std::string step = {};
+  std::size_t depth = 0;         ///< number of multiplexors above the one of `step`
+  std::size_t common_count = 0;  ///< how many of `signals` the step does not select
 };
 
 struct Layouts {
@@ -27,7 +32,8 @@ struct Layouts {
 
 /// The layouts of a message: one without multiplexed signals; otherwise, for every multiplexor, one
 /// for each set of signals that its values select, together with everything that is always there
-/// and, for a multiplexor that is multiplexed itself, with what the values above it select. Values
+/// and, for a multiplexor that is multiplexed itself, with what the values above it select. Such
+/// layouts stand behind the one that they refine, so that all are in the order of a tree. Values
 /// that select nothing make no layout. Signals with multiplexor values in a message that names no
 /// multiplexor for them come under "(no multiplexor)".
 ///

@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <unordered_set>
 #include <vector>
 
 #include "base/list.hpp"
 #include "check/objects/record_words.hpp"
 #include "check/picture/layouts.hpp"
 #include "check/picture/legend.hpp"
+#include "check/picture/notes.hpp"
 #include "check/picture/panel.hpp"
 #include "check/picture/style.hpp"
 #include "check/picture/svg.hpp"
@@ -18,10 +18,9 @@ namespace zelk::check {
 namespace {
 
 constexpr int kMargin = 24;
-constexpr int kGap = 32;        // between panels, and in front of the table
-constexpr int kWideCell = 104;  // of one panel
-constexpr int kSlimCell = 76;   // of two panels side by side
-constexpr std::size_t kMaxRemarks = 20;
+constexpr int kGap = 32;                          // between panels, and in front of the table
+constexpr int kWideCell = 104;                    // of one panel
+constexpr int kSlimCell = 76;                     // of two panels side by side
 constexpr std::size_t kMaxPanelBytes = 16 << 20;  // of all; what is larger no viewer shows
 
 class Page {
@@ -99,32 +98,12 @@ class Page {
     svg_.fitted_text(kMargin, y, width, kTextFont,
                      "Arrows point to the less significant byte: down for Motorola, up for Intel. "
                      "Small numbers count the bits of the data, 8 \u00D7 byte + bit.");
-    for (const std::string& remark : remarks()) {
+    for (const std::string& remark : message_notes(message_, layouts_, marks_)) {
       y += 18;
       svg_.rectangle({kMargin, y - 9, 10, 10}, "warning");
       svg_.fitted_text(kMargin + 16, y, width - 16, kTextFont, remark);
     }
     return y;
-  }
-
-  /// What the panels do not show.
-  std::vector<std::string> remarks() const {
-    std::vector<std::string> remarks;
-    if (!layouts_.complete) remarks.emplace_back("Further multiplexor values are not drawn.");
-    std::unordered_set<const sigblk*> drawn;
-    for (const Layout& layout : layouts_.layouts)
-      drawn.insert(layout.signals.begin(), layout.signals.end());
-    std::size_t more = 0;
-    for (const sigblk& signal : each(message_.signals)) {
-      if (signal.length > 0 && drawn.contains(&signal)) continue;
-      if (remarks.size() >= kMaxRemarks && ++more) continue;
-      const char* const reason = signal.length == 0  ? "it has no bits"
-                                 : layouts_.complete ? "no multiplexor value selects it"
-                                                     : "there are too many multiplexor values";
-      remarks.push_back("Not drawn: " + marks_.at(&signal).name + ", " + reason);
-    }
-    if (more > 0) remarks.push_back("Not drawn: " + std::to_string(more) + " more signals");
-    return remarks;
   }
 
   const msgblk& message_;

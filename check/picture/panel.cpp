@@ -8,6 +8,7 @@
 
 #include "base/signal_bits.hpp"
 #include "check/picture/frame_bits.hpp"
+#include "check/picture/notes.hpp"
 
 namespace zelk::check {
 
@@ -17,7 +18,6 @@ constexpr int kRowHeight = 40;
 constexpr int kLineHeight = 18;
 constexpr int kPadding = 4;
 constexpr int kBitsPerRow = 8;
-constexpr std::size_t kMaxNotes = 20;
 
 bool same_signals(const FrameBit& a, const FrameBit& b) {
   return a.signal_count == b.signal_count && a.signals == b.signals;
@@ -134,7 +134,7 @@ void Panel::draw_signal(Svg& svg, const Run& run) const {
 
 void Panel::draw_overlap(Svg& svg, const Run& run) const {
   const Box& box = run.box;
-  const std::string names = names_of(run.left_bit->signals, run.left_bit->signal_count);
+  const std::string names = names_of(run.left_bit->signals, run.left_bit->signal_count, marks_);
   const Svg::Group group(svg, "overlap of " + names);
   svg.rectangle(box, "overlap");
   svg.rectangle({box.x + 1, box.y + 1, box.width - 2, box.height - 2}, "clash");
@@ -145,43 +145,12 @@ void Panel::draw_overlap(Svg& svg, const Run& run) const {
 }
 
 int Panel::draw_notes(Svg& svg, const FrameBits& frame, int x, int y) const {
-  std::vector<std::string> notes;
-  for (const BitOverlap& overlap : frame.overlaps()) {
-    notes.push_back("Overlap: " + names_of(overlap.signals, overlap.signal_count) + " share " +
-                    std::to_string(overlap.bit_count) +
-                    (overlap.bit_count == 1 ? " bit" : " bits") + " from byte " +
-                    std::to_string(overlap.first.byte) + " bit " +
-                    std::to_string(overlap.first.bit));
-  }
-  for (const sigblk* signal : layout_.signals) {
-    if (signal->length > 0 && last_byte(*signal) >= frame.dlc()) {
-      notes.push_back("Beyond the data length: " + marks_.at(signal).name + ", " +
-                      place_text(*signal));
-    }
-  }
-  if (frame.is_cut()) notes.emplace_back("Further bytes are not drawn");
-  if (frame.dlc() == 0) notes.emplace_back("The frame has no data");
-  if (notes.size() > kMaxNotes) {
-    const std::size_t more = notes.size() - kMaxNotes;
-    notes.resize(kMaxNotes);
-    notes.push_back("and " + std::to_string(more) + " more");
-  }
-  for (const std::string& note : notes) {
+  for (const std::string& note : layout_notes(frame, layout_, marks_)) {
     y += kLineHeight;
     svg.rectangle({x + kLabelWidth, y - 9, 10, 10}, "warning");
     svg.fitted_text(x + kLabelWidth + 16, y, 8 * cell_width_ - 16, kTextFont, note);
   }
   return y + kPadding;
-}
-
-std::string Panel::names_of(const std::vector<const sigblk*>& signals, std::size_t count) const {
-  std::string names;
-  for (const sigblk* signal : signals) {
-    if (!names.empty()) names += ", ";
-    names += marks_.at(signal).name;
-  }
-  if (count > signals.size()) names += " and " + std::to_string(count - signals.size()) + " more";
-  return names;
 }
 
 }  // namespace zelk::check

@@ -55,7 +55,6 @@ class Panel {
   void draw_numbers(Svg& svg, const Run& run, const Font& font) const;
   void draw_ends(Svg& svg, const Run& run) const;
   int draw_notes(Svg& svg, const FrameBits& frame, int x, int y) const;
-  std::string names_of(const std::vector<const sigblk*>& signals, std::size_t count) const;
 
   const msgblk& message_;
   const Layout& layout_;
