@@ -4,6 +4,7 @@
 
 #include "base/list.hpp"
 #include "check/objects/record_words.hpp"
+#include "report/layout_data.hpp"
 #include "term/text.hpp"
 
 namespace zelk::tool {
@@ -40,7 +41,7 @@ json MessageData::section(const msgblk& message) const {
           {"id_words", check::shown_id(message.id)},
           {"length", counted(message.dlc, "byte")},
           {"j1939", groups_.description(message).value_or("")},
-          {"layout", nullptr},
+          {"layout", layout_data(message, database_.encoding, {.element = ids_.of(&message)})},
           {"has_signals", !signals.empty()},
           {"signals", std::move(signals)}};
 }

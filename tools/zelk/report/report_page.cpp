@@ -2,6 +2,8 @@
 
 #include "base/list.hpp"
 #include "page/page.hpp"
+#include "report/bus_load.hpp"
+#include "report/layout_data.hpp"
 #include "report/message_data.hpp"
 #include "report/page_frame.hpp"
 #include "report/texts.hpp"
@@ -32,9 +34,13 @@ std::string report_page(EncodedDatabase database, const std::string& name) {
   PageFrame frame{.title = name, .main = {}};
   frame.contents.push_back({{"element", "overview"}, {"heading", "Overview"}, {"count", nullptr}});
   frame.contents.push_back(contents_entry("messages", "Messages", rows.size()));
+  const std::string load =
+      render(report_texts::bus_load_mustache,
+             bus_load_data(bus_load(database.records, {}), database.encoding, ids));
   frame.main = render(report_texts::report_mustache, {{"comment", nullptr},
                                                       {"figures", json::array()},
-                                                      {"load", ""},
+                                                      {"load", load},
+                                                      {"layout_parts", layout_parts()},
                                                       {"messages", std::move(rows)},
                                                       {"sections", std::move(sections)}});
   return framed_page(frame);

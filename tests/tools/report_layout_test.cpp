@@ -1,0 +1,84 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tools/run_tool.hpp"
+
+namespace {
+
+const std::string kHead = "BS_:\nBU_: N\n";
+
+std::string signal(const std::string& layout) { return " SG_ " + layout + " (1,0) [0|0] \"\" N\n"; }
+
+std::string page_of(const std::string& database) {
+  write_file("layout.dbc", kHead + database);
+  const ToolRun run = run_tool("report layout.dbc -o -");
+  EXPECT_EQ(run.exit_code, 0) << run.err;
+  return run.out;
+}
+
+// Cells are 40 wide and 28 high; column 0, of bit 7, begins at 30, and row 0 at 14.
+TEST(ReportLayout, OutlinesAndOrder) {
+  const struct {
+    std::string database;
+    std::vector<std::string> parts;
+    std::string absent = "no such text";
+  } cases[] = {
+      // Intel: the arrow rises; Motorola: it goes down; a single bit has no order.
+      {"BO_ 1 M: 4 N\n" + signal("I : 4|8@1+") + signal("J : 17|10@0+") + signal("K : 0|1@1+"),
+       {R"(d="M30 14H190V42H30zM190 42H350V70H190z"/><path d="M198 65H342L38 37H182"/><text)",
+        R"(d="M270 70H350V126H30V98H270z"/><path d="M278 93H342L38 121H342"/><text)",
+        R"(<g class="c2" data-n="3"><path d="M310 14H350V42H310z"/><text x="330" y="33">K</text>)"}},
+      // Parts of two rows that do not touch.
+      {"BO_ 1 M: 2 N\n" + signal("I : 6|4@1+"),
+       {R"(d="M30 14H110V42H30zM270 42H350V70H270z"/><path d="M278 65H342L38 37H102"/>)"}},
+      // Blocks of eight rows: from byte 7 on to the next one.
+      {"BO_ 1 M: 12 N\n" + signal("I : 56|16@1+"),
+       {R"(viewBox="0 0 719 239")",
+        R"(d="M30 210H350V238H30zM398 14H718V42H398z"/><path d="M406 37H710M38 233H342"/>)",
+        R"(<use href="#octet0" y="14"/><use href="#byte8" x="368" y="14"/>)"}},
+      {"BO_ 1 M: 64 N\n",
+       {R"(viewBox="0 0 1087 687")", R"(<use href="#octet7" x="736" y="238"/>)"}},
+      {"BO_ 1 M: 2 N\n" + signal("A : 0|12@1+") + signal("B : 8|8@1+") + signal("C : 17|2@0+"),
+       {R"(<path class="overlap" d="M190 42H350V70H190z"><title>Overlap: A, B</title>)",
+        R"(<path class="beyond" d="M30 70H350V98H30z"/>)",
+        ">Beyond the data length: C, byte 2 bits 1 to 0<"}},
+      {"BO_ 1 M: 0 N\n", {">The frame has no data<"}},
+      // A message of a transport protocol: only bytes with signals have rows.
+      {"BO_ 2147483649 M: 1785 N\n" + signal("A : 800|16@1+"),
+       {R"(<use href="#byte" y="14"/><use href="#byte" y="42"/>)", R"(y="32">100</text>)"}},
+      {"BO_ 1 M: 8 N\n" + signal("ANameThatIsTooLong : 0|1@1+"),
+       {"<title>ANameThatIsTooLong: byte 0 bit 0</title>"}},
+      {"BO_ 1 M: 1 N\n" + signal("S M : 0|2@1+") + signal("A m1 : 2|2@1+") +
+           signal("B m1 : 4|2@1+") + "VAL_ 1 S 1 \"<i>\" ;\n",
+       {R"(<a href="#message-1-layout1">S = 1 &quot;&lt;i&gt;&quot;</a> <small>A, B</small>)",
+        R"(<figure id="message-1-layout1"><figcaption>S = 1)"},
+       "<i>"},
+  };
+  for (const auto& c : cases) {
+    const std::string page = page_of(c.database);
+    for (const std::string& part : c.parts)
+      EXPECT_NE(page.find(part), std::string::npos) << c.database << part;
+    EXPECT_EQ(page.find(c.absent), std::string::npos) << c.database;
+  }
+}
+
+std::size_t count(const std::string& text, const std::string& part) {
+  std::size_t count = 0;
+  for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
+    ++count;
+  return count;
+}
+
+TEST(ReportLayout, ManyMultiplexorValuesStayBounded) {
+  std::string database = "BO_ 1 M: 8 N\n" + signal("S M : 0|8@1+");
+  for (int i = 0; i < 200; ++i)
+    database += signal("P" + std::to_string(i) + " m" + std::to_string(i) + " : 8|8@1+");
+  const std::string page = page_of(database);
+  EXPECT_EQ(count(page, "<figcaption>"), 64u);
+  EXPECT_EQ(count(page, "<li>S = "), 136u);
+  EXPECT_NE(page.find(">136 further layouts not drawn here.<"), std::string::npos);
+}
+
+}  // namespace
