@@ -7,6 +7,7 @@
 #include "commands/mending_options.hpp"
 #include "input/lookup.hpp"
 #include "input/opening.hpp"
+#include "report/changes_page.hpp"
 #include "report/report_page.hpp"
 #include "save/replace_file.hpp"
 #include "term/system.hpp"
@@ -54,11 +55,22 @@ std::string file_name(const std::string& path) {
   return {name.begin(), name.end()};
 }
 
+ExitCode compare(const Arguments& arguments, const DatabaseFile& before, Output& out) {
+  const std::string& path = arguments.paths.back();
+  DatabaseFile after(arguments.mending);
+  if (!after.open_and_report(path)) return kExitFailure;
+  const std::string page = changes_page({before.encoded(), file_name(arguments.paths.front())},
+                                        {after.encoded(), file_name(path)});
+  write_page(arguments.out, page, out);
+  return kExitSuccess;
+}
+
 ExitCode report(const Arguments& arguments, Output& out) {
   check_output(arguments);
   const std::string& path = arguments.paths.front();
   DatabaseFile file(arguments.mending);
   if (!file.open_and_report(path)) return kExitFailure;
+  if (arguments.paths.size() == 2) return compare(arguments, file, out);
   write_page(arguments.out, report_page(file.encoded(), file_name(path)), out);
   return kExitSuccess;
 }
@@ -68,15 +80,19 @@ ExitCode report(const Arguments& arguments, Output& out) {
 void add_report_command(CLI::App& app, Action& action) {
   CLI::App* command = app.add_subcommand("report", "Make a page of a database, for a browser");
   const auto arguments = std::make_shared<Arguments>();
-  command->add_option("FILE", arguments->paths, "Database to read")->required()->option_text("...");
+  command
+      ->add_option("FILE", arguments->paths,
+                   "Database to read; with two of them, the page tells what differs")
+      ->required()
+      ->option_text("...");
   command
       ->add_option("-o,--output", arguments->out,
                    "Page to write, else standard output; one that is there is replaced")
       ->type_name("OUT");
   add_mending_options(*command, arguments->mending);
   command->callback([arguments, &action] {
-    if (arguments->paths.size() > 1)
-      throw CLI::ValidationError("FILE", "a report is of one database");
+    if (arguments->paths.size() > 2)
+      throw CLI::ValidationError("FILE", "a report is of one database, or compares two");
     action = [arguments](Output& out) { return report(*arguments, out); };
   });
 }

@@ -41,18 +41,6 @@ std::string title(const Difference& difference) {
                      object_text(difference));
 }
 
-std::string field_text(const Change& change) {
-  switch (change.what) {
-    case Changed::kAttribute:
-      return fmt::format("attribute {}{}{}", in_quotes(change.name),
-                         change.node.empty() ? "" : " with ", escaped(change.node));
-    case Changed::kDescription:
-      return fmt::format("value {}", change.number);
-    default:
-      return change.name;
-  }
-}
-
 /// Whether a text can stand without quotes: words, and not the one that stands for no value.
 bool is_plain(std::string_view text) {
   const auto belongs = [](char c) {
@@ -77,6 +65,18 @@ std::string change_text(const Change& change) {
 }
 
 }  // namespace
+
+std::string field_text(const Change& change) {
+  switch (change.what) {
+    case Changed::kAttribute:
+      return fmt::format("attribute {}{}{}", in_quotes(change.name),
+                         change.node.empty() ? "" : " with ", escaped(change.node));
+    case Changed::kDescription:
+      return fmt::format("value {}", change.number);
+    default:
+      return change.name;
+  }
+}
 
 void print_difference(const Difference& difference, Output& out) {
   out.line("{}", title(difference));

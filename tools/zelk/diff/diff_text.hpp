@@ -18,6 +18,9 @@ void print_difference(const check::Difference& difference, Output& out);
 /// The same in one line: "~ message 0x123 Speed: length: 8 -> 16, ...".
 std::string difference_line(const check::Difference& difference);
 
+/// What has changed of an object: "length", "attribute "Cycle" with Dash", "value 3".
+std::string field_text(const check::Change& change);
+
 }  // namespace zelk::tool
 
 #endif
