@@ -38,6 +38,12 @@ enum class Content {
 /// @return null when the file cannot be opened for writing
 File open_for_writing(const char* path, Content content = Content::kText);
 
+/// Opens a file for writing bytes behind those that it has, or creates it; without a buffer of the
+/// stream's own.
+///
+/// @return null when the file cannot be opened for writing
+File open_for_appending(const char* path);
+
 /// All bytes of a file.
 ///
 /// @throws std::system_error with the system's reason, std::bad_alloc

@@ -30,4 +30,10 @@ File open_for_writing(const char* path, Content /*line ends are line feeds*/) {
   return file;
 }
 
+File open_for_appending(const char* path) {
+  File file(std::fopen(path, "ae"));
+  if (file) std::setvbuf(file.get(), nullptr, _IONBF, 0);
+  return file;
+}
+
 }  // namespace zelk::files

@@ -21,4 +21,6 @@ File open_for_writing(const char* path, Content content) {
   return open_file(path, content == Content::kText ? L"wtN" : L"wbN");
 }
 
+File open_for_appending(const char* path) { return open_file(path, L"abN"); }
+
 }  // namespace zelk::files

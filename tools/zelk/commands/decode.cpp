@@ -5,6 +5,7 @@
 
 #include "commands/commands.hpp"
 #include "commands/mending_options.hpp"
+#include "commands/name_filter_options.hpp"
 #include "commands/time_options.hpp"
 #include "input/lookup.hpp"
 #include "input/opening.hpp"
@@ -162,20 +163,6 @@ void check_wide_options(const CLI::App& command, const Arguments& arguments) {
     throw CLI::ValidationError("--every", "it is for one table, and not for those of a folder");
 }
 
-void add_filter_options(CLI::App& command, NameFilter& filter) {
-  command
-      .add_option("--message", filter.messages,
-                  "Only messages of this name, in which * stands for any characters and ? for\n"
-                  "one; may be given several times")
-      ->type_name("NAME")
-      ->allow_extra_args(false);
-  command
-      .add_option("--signal", filter.signals,
-                  "Only signals of this name, or of this message and name \"M.S\"; likewise")
-      ->type_name("NAME")
-      ->allow_extra_args(false);
-}
-
 }  // namespace
 
 void add_decode_command(CLI::App& app, Action& action) {
@@ -206,7 +193,7 @@ void add_decode_command(CLI::App& app, Action& action) {
       ->check(CLI::IsMember({"text", "json", "csv"}).description(""));
   command->add_flag("--raw", arguments->text.raw, "Raw values instead of physical ones");
   command->add_flag("--numbers", arguments->text.numbers, "No value descriptions");
-  add_filter_options(*command, arguments->filter);
+  add_name_filter_options(*command, arguments->filter);
   add_wide_options(*command, arguments);
   command->add_flag("--j1939-tp", arguments->transport,
                     "Put messages of the J1939 transport protocol together (BAM, RTS/CTS)");

@@ -49,6 +49,9 @@ class NotedStop {
 
   /// Whether there was a signal. Any thread may ask; it lives as long as the process.
   static const std::atomic<bool>& is_requested();
+  /// Ends what a signal would end, without one: the process goes on when this is destroyed. Ends
+  /// waits in `read_until_stop`, of any thread.
+  static void request();
 };
 
 /// Runs `read`, which may wait for input, in the calling thread. A wait that does not end by itself

@@ -64,6 +64,7 @@ NotedStop::~NotedStop() {
 }
 
 const std::atomic<bool>& NotedStop::is_requested() { return is_stop_noted; }
+void NotedStop::request() { is_stop_noted = true; }
 
 // Whoever waits looks for a stop in between.
 bool read_until_stop(const std::function<bool()>& read) { return read(); }

@@ -66,6 +66,11 @@ NotedStop::~NotedStop() { SetConsoleCtrlHandler(note_stop, FALSE); }
 
 const std::atomic<bool>& NotedStop::is_requested() { return is_stop_noted; }
 
+void NotedStop::request() {
+  is_stop_noted = true;
+  while (cancel_read()) Sleep(10);
+}
+
 bool read_until_stop(const std::function<bool()>& read) {
   const NamedReader named;
   return read();
