@@ -5,6 +5,7 @@
 
 #include "commands/commands.hpp"
 #include "commands/mending_options.hpp"
+#include "input/formats.hpp"
 #include "input/lookup.hpp"
 #include "input/opening.hpp"
 #include "report/changes_page.hpp"
@@ -32,6 +33,8 @@ void check_output(const Arguments& arguments) {
       throw RequestError("a page is not for a terminal: name a file with -o");
     return;
   }
+  if (format_of_file(arguments.out))
+    throw RequestError(escaped(arguments.out) + " is named as a database: a page ends in .html");
   const auto output = identity_of(arguments.out);
   for (const std::string& path : arguments.paths) {
     if (output && identity_of(path) == output)
@@ -65,20 +68,31 @@ ExitCode compare(const Arguments& arguments, const DatabaseFile& before, Output&
   return kExitSuccess;
 }
 
+FileFindings findings_in(const std::string& path, const ZelkDatabase& database,
+                         const Mending& mending) {
+  try {
+    return find_in_file(path, database, mending);
+  } catch (const RequestError& error) {
+    throw RequestError(behind_path(path, error.what()));
+  }
+}
+
 ExitCode report(const Arguments& arguments, Output& out) {
   check_output(arguments);
   const std::string& path = arguments.paths.front();
   DatabaseFile file(arguments.mending);
   if (!file.open_and_report(path)) return kExitFailure;
   if (arguments.paths.size() == 2) return compare(arguments, file, out);
-  write_page(arguments.out, report_page(file.encoded(), file_name(path)), out);
+  const FileFindings findings = findings_in(path, *file.opened().database, arguments.mending);
+  write_page(arguments.out, report_page(file.encoded(), file_name(path), findings), out);
   return kExitSuccess;
 }
 
 }  // namespace
 
 void add_report_command(CLI::App& app, Action& action) {
-  CLI::App* command = app.add_subcommand("report", "Make a page of a database, for a browser");
+  CLI::App* command = app.add_subcommand(
+      "report", "Make a page of all that a database says, to be seen in a browser");
   const auto arguments = std::make_shared<Arguments>();
   command
       ->add_option("FILE", arguments->paths,
@@ -87,7 +101,8 @@ void add_report_command(CLI::App& app, Action& action) {
       ->option_text("...");
   command
       ->add_option("-o,--output", arguments->out,
-                   "Page to write, else standard output; one that is there is replaced")
+                   "Page to write, else standard output unless that is a terminal; one that is\n"
+                   "there is replaced once the new one is whole")
       ->type_name("OUT");
   add_mending_options(*command, arguments->mending);
   command->callback([arguments, &action] {

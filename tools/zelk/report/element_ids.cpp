@@ -18,9 +18,11 @@ bool is_plain(char c) {
 
 }  // namespace
 
-ElementIds::ElementIds(EncodedDatabase database) : encoding_(database.encoding) {
+ElementIds::ElementIds(EncodedDatabase database, std::size_t most_messages) {
   const ZelkDatabase& records = database.records;
-  for (const msgblk& message : each(records.messages)) add_message(message);
+  std::size_t count = 0;
+  for (const msgblk& message : each(records.messages))
+    if (count++ < most_messages) add_message(message);
   for (const symblk& node : each(records.nodes)) add(&node, "node-" + text(view(node.name)));
   for (const valtable& table : each(records.value_tables))
     add(&table, "table-" + text(view(table.name)));
@@ -34,7 +36,7 @@ void ElementIds::add_message(const msgblk& message) {
   const std::string element = fmt::format("message-{}", message.id);
   add(&message, element);
   for (const sigblk& signal : each(message.signals))
-    add(&signal, of(&message) + '.' + text(view(signal.name)));
+    add(&signal, fmt::format("{}.{}", message.id, text(view(signal.name))));
 }
 
 void ElementIds::add(const void* record, std::string element) {
@@ -43,7 +45,7 @@ void ElementIds::add(const void* record, std::string element) {
   elements_.emplace(record, std::move(element));
 }
 
-std::string ElementIds::text(std::string_view name) const {
+std::string ElementIds::text(std::string_view name) {
   constexpr std::size_t kMostBytes = 200;
   std::string result;
   for (const char c : name.substr(0, kMostBytes))

@@ -5,6 +5,8 @@
 #include "base/list.hpp"
 #include "check/objects/record_words.hpp"
 #include "report/layout_data.hpp"
+#include "report/record_data.hpp"
+#include "report/signal_data.hpp"
 #include "term/text.hpp"
 
 namespace zelk::tool {
@@ -12,53 +14,113 @@ namespace zelk::tool {
 using check::number_text;
 using nlohmann::json;
 
-MessageData::MessageData(EncodedDatabase database, const ElementIds& ids)
-    : database_(database), ids_(ids), groups_(database.records) {}
+namespace {
 
-std::string MessageData::text(std::string_view record_text) const {
-  return to_utf8(record_text, database_.encoding);
+/// "A, B".
+template <typename Nodes, typename NodeOf>
+std::string names_of(const ReportContext& context, const Nodes& nodes, const NodeOf& node_of) {
+  std::string names;
+  for (const auto& each : nodes) {
+    if (!names.empty()) names += ", ";
+    names += context.text(view(node_of(each)->name));
+  }
+  return names;
 }
 
-json MessageData::row(const msgblk& message) const {
-  return {{"element", ids_.of(&message)},
-          {"name", text(view(message.name))},
-          {"id", check::padded_id(message.id)},
-          {"format", check::id_format(message.id)},
-          {"length", message.dlc},
-          {"signals", each(message.signals).size()},
-          {"cycle", ""},
-          {"senders", ""},
-          {"receivers", ""},
-          {"comment", ""}};
+/// In milliseconds; empty when the message is not sent in cycles.
+std::string cycle_text(const ReportContext& context, const msgblk& message) {
+  const double cycle = context.known.cycle_time.number(message.attrs).value_or(0);
+  return cycle > 0 ? number_text(cycle) : "";
 }
 
-json MessageData::section(const msgblk& message) const {
-  json signals = json::array();
-  for (const sigblk& record : each(message.signals)) signals.push_back(signal(record));
-  return {{"element", ids_.of(&message)},
-          {"name", text(view(message.name))},
-          {"id", check::padded_id(message.id)},
-          {"id_words", check::shown_id(message.id)},
-          {"length", counted(message.dlc, "byte")},
-          {"j1939", groups_.description(message).value_or("")},
-          {"layout", layout_data(message, database_.encoding, {.element = ids_.of(&message)})},
-          {"has_signals", !signals.empty()},
-          {"signals", std::move(signals)}};
+std::string group_text(const ReportContext& context, const msgblk& message) {
+  const auto number = context.groups.number(message);
+  return number ? check::hex_text(*number, 4) : "";
 }
 
-json MessageData::signal(const sigblk& signal) const {
-  return {{"element", ids_.of(&signal)},
-          {"name", text(view(signal.name))},
-          {"start", signal.start_bit},
-          {"length", signal.length},
-          {"coding", fmt::format("{}, {}", check::byte_order(signal.flags),
-                                 check::number_format(signal.flags, signal.value_type))},
-          {"factor", number_text(signal.factor)},
-          {"offset", number_text(signal.offset)},
-          {"range", number_text(signal.minimum) + " to " + number_text(signal.maximum)},
-          {"unit", text(view(signal.unit))},
-          {"receivers", ""},
-          {"comment", nullptr}};
+/// The relations of a message to its senders that have attributes.
+json sender_attributes(const ReportContext& context, const msgblk& message) {
+  json list = json::array();
+  for (const rxblk& link : each(message.tx_nodes)) {
+    if (!link.node || !link.attrs) continue;
+    list.push_back({{"name", context.text(view(link.node->name))},
+                    {"attributes", attributes_data(link.attrs, context.database.encoding)}});
+  }
+  return list;
+}
+
+json senders_data(const ReportContext& context, const msgblk& message) {
+  json list = json::array();
+  for (const symblk* node : Traffic::senders(message))
+    list.push_back(context.link(node, view(node->name)));
+  return list;
+}
+
+json receivers_data(const ReportContext& context, const msgblk& message, std::size_t signals) {
+  json list = json::array();
+  for (const Receiver& receiver : Traffic::receivers(message)) {
+    json entry = context.link(receiver.node, view(receiver.node->name));
+    entry["part"] =
+        receiver.signals < signals ? fmt::format("{} of {}", receiver.signals, signals) : "";
+    list.push_back(std::move(entry));
+  }
+  return list;
+}
+
+json groups_data(const ReportContext& context, const msgblk& message) {
+  json list = json::array();
+  for (const siggroupblk& group : each(message.siggroups)) {
+    json members = json::array();
+    for (const siglistblk& member : each(group.signals))
+      members.push_back(context.link(member.signal, view(member.signal->name)));
+    list.push_back({{"name", context.text(view(group.name))},
+                    {"repetitions", group.repetitions},
+                    {"members", std::move(members)},
+                    {"comment", text_data(view(group.comment), context.database.encoding)}});
+  }
+  return list;
+}
+
+}  // namespace
+
+json message_row(const ReportContext& context, const msgblk& message) {
+  constexpr std::size_t kMostBytesOfComment = 100;
+  json row = context.link(&message, view(message.name));
+  row["id"] = check::padded_id(message.id);
+  row["format"] = check::id_format(message.id);
+  row["group"] = group_text(context, message);
+  row["length"] = message.dlc;
+  row["signals"] = each(message.signals).size();
+  row["cycle"] = cycle_text(context, message);
+  row["senders"] =
+      names_of(context, Traffic::senders(message), [](const symblk* node) { return node; });
+  row["receivers"] = names_of(context, Traffic::receivers(message),
+                              [](const Receiver& receiver) { return receiver.node; });
+  row["comment"] = brief(view(message.comment), context.database.encoding, kMostBytesOfComment);
+  return row;
+}
+
+json message_section(const ReportContext& context, const msgblk& message) {
+  const Encoding encoding = context.database.encoding;
+  json signals = signals_data(context, message);
+  json data = context.link(&message, view(message.name));
+  data["id"] = check::padded_id(message.id);
+  data["id_words"] = check::shown_id(message.id);
+  data["length"] = counted(message.dlc, "byte");
+  data["j1939"] = context.groups.description(message).value_or("");
+  data["cycle"] = cycle_text(context, message);
+  data["category"] = message.category ? context.text(view(message.category->name)) : "";
+  data["senders"] = senders_data(context, message);
+  data["receivers"] = receivers_data(context, message, signals.size());
+  data["comment"] = text_data(view(message.comment), encoding);
+  data["attributes"] = attributes_data(message.attrs, encoding);
+  data["sender_attributes"] = sender_attributes(context, message);
+  data["groups"] = groups_data(context, message);
+  data["findings"] = context.findings_of(&message);
+  data["layout"] = layout_data(message, encoding, {.element = context.ids.of(&message)});
+  data["has_signals"] = !signals.empty();
+  data["signals"] = std::move(signals);
+  return data;
 }
 
 }  // namespace zelk::tool

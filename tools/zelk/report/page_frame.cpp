@@ -1,5 +1,6 @@
 #include "report/page_frame.hpp"
 
+#include <initializer_list>
 #include <string_view>
 
 #include "page/page.hpp"
@@ -18,13 +19,14 @@ std::string joined(std::initializer_list<std::string_view> texts) {
 }  // namespace
 
 std::string framed_page(const PageFrame& frame) {
-  using namespace report_texts;
-  return render(page_mustache, {{"version", ZELK_TOOL_VERSION},
-                                {"title", frame.title},
-                                {"style", joined({report_css, layout_css, changes_css})},
-                                {"script", joined({report_js, layout_js, changes_js})},
-                                {"contents", frame.contents},
-                                {"main", frame.main}});
+  namespace texts = report_texts;
+  return render(texts::page_mustache,
+                {{"version", ZELK_TOOL_VERSION},
+                 {"title", frame.title},
+                 {"style", joined({texts::report_css, texts::layout_css, texts::changes_css})},
+                 {"script", joined({texts::report_js, texts::layout_js, texts::changes_js})},
+                 {"contents", frame.contents},
+                 {"main", frame.main}});
 }
 
 }  // namespace zelk::tool

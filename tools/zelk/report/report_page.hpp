@@ -7,13 +7,17 @@
 #include <string>
 
 #include "base/encoded_database.hpp"
+#include "report/file_findings.hpp"
 
 namespace zelk::tool {
 
-/// All that a database says, in HTML: one page that needs no other file.
+/// All that a database says, in HTML: one page that needs no other file. Time is linear in the size
+/// of the database; of a very large one the page shows the first messages, and says so.
 ///
-/// @param name  of the database, in UTF-8: that of its file
-std::string report_page(EncodedDatabase database, const std::string& name);
+/// @param name      of the database, in UTF-8: that of its file
+/// @param findings  in it
+std::string report_page(EncodedDatabase database, const std::string& name,
+                        const FileFindings& findings);
 
 }  // namespace zelk::tool
 

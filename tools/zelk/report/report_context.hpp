@@ -1,0 +1,48 @@
+/// \file
+/// What everything on the page of a database looks things up in.
+
+#ifndef ZELK_TOOL_REPORT_REPORT_CONTEXT_HPP
+#define ZELK_TOOL_REPORT_REPORT_CONTEXT_HPP
+
+#include <nlohmann/json.hpp>
+#include <string>
+#include <string_view>
+
+#include "base/encoded_database.hpp"
+#include "check/lint/known_attributes.hpp"
+#include "report/element_ids.hpp"
+#include "report/file_findings.hpp"
+#include "report/traffic.hpp"
+#include "words/j1939.hpp"
+
+namespace zelk::tool {
+
+struct ReportContext {
+  /// The records and the findings must outlive the object.
+  ///
+  /// @param most_messages  of which, the first ones, the page tells
+  ReportContext(EncodedDatabase encoded, const FileFindings& file_findings,
+                std::size_t most_messages);
+
+  std::string text(std::string_view record_text) const {
+    return to_utf8(record_text, database.encoding);
+  }
+  /// {"element", "name"} of a named record of the database.
+  nlohmann::json link(const void* record, std::string_view name) const {
+    return {{"element", ids.of(record)}, {"name", text(name)}};
+  }
+  /// {"list": [{"severity", "rule", "message", "place"}]}; null when there is none about the
+  /// record.
+  nlohmann::json findings_of(const void* record) const;
+
+  EncodedDatabase database;
+  const FileFindings& findings;
+  ElementIds ids;
+  Traffic traffic;
+  ParameterGroups groups;
+  check::KnownAttributes known;
+};
+
+}  // namespace zelk::tool
+
+#endif

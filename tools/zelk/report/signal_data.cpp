@@ -1,0 +1,81 @@
+#include "report/signal_data.hpp"
+
+#include <fmt/format.h>
+
+#include <unordered_map>
+
+#include "base/list.hpp"
+#include "base/multiplexing.hpp"
+#include "check/objects/record_words.hpp"
+#include "report/record_data.hpp"
+
+namespace zelk::tool {
+
+using check::number_text;
+using nlohmann::json;
+
+namespace {
+
+std::string receiver_names(const ReportContext& context, const sigblk& signal) {
+  std::string names;
+  for (const rxblk& link : each(signal.receivers)) {
+    if (!link.node) continue;
+    names += (names.empty() ? "" : ", ") + context.text(view(link.node->name));
+  }
+  return names;
+}
+
+/// The values of attributes between the signal and nodes that receive it.
+json receiver_attributes(const ReportContext& context, const sigblk& signal) {
+  json list = json::array();
+  for (const rxblk& link : each(signal.receivers)) {
+    if (!link.node || !link.attrs) continue;
+    list.push_back({{"name", context.text(view(link.node->name))},
+                    {"attributes", attributes_data(link.attrs, context.database.encoding)}});
+  }
+  return list;
+}
+
+/// {"element", "name", "values"} of the multiplexor; null for a signal that is always there.
+json selector_data(const ReportContext& context, const sigblk& signal) {
+  if (!is_multiplexed(signal)) return nullptr;
+  json data = signal.mux_signal ? context.link(signal.mux_signal, view(signal.mux_signal->name))
+                                : json{{"element", ""}, {"name", "(no multiplexor)"}};
+  data["values"] = signal.mux_ranges ? check::presence_values(signal) : "no value";
+  return data;
+}
+
+json signal_data(const ReportContext& context, const sigblk& signal) {
+  const Encoding encoding = context.database.encoding;
+  json data = context.link(&signal, view(signal.name));
+  data["start"] = signal.start_bit;
+  data["length"] = signal.length;
+  data["coding"] = fmt::format("{}, {}", check::byte_order(signal.flags),
+                               check::number_format(signal.flags, signal.value_type));
+  data["factor"] = number_text(signal.factor);
+  data["offset"] = number_text(signal.offset);
+  data["range"] = number_text(signal.minimum) + " to " + number_text(signal.maximum);
+  data["unit"] = context.text(view(signal.unit));
+  data["receivers"] = receiver_names(context, signal);
+  data["multiplexor"] = is_multiplexor(signal);
+  data["selector"] = selector_data(context, signal);
+  data["type"] =
+      signal.sigtype ? context.link(signal.sigtype, view(signal.sigtype->name)) : json(nullptr);
+  data["values"] = values_data(signal.values, encoding);
+  data["comment"] = text_data(view(signal.comment), encoding);
+  data["attributes"] = attributes_data(signal.attrs, encoding);
+  data["relations"] = receiver_attributes(context, signal);
+  data["findings"] = context.findings_of(&signal);
+  return data;
+}
+
+}  // namespace
+
+json signals_data(const ReportContext& context, const msgblk& message) {
+  json signals = json::array();
+  for (const sigblk& signal : each(message.signals))
+    signals.push_back(signal_data(context, signal));
+  return signals;
+}
+
+}  // namespace zelk::tool
