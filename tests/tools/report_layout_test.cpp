@@ -51,10 +51,10 @@ TEST(ReportLayout, OutlinesAndOrder) {
       {"BO_ 1 M: 8 N\n" + signal("ANameThatIsTooLong : 0|1@1+"),
        {"<title>ANameThatIsTooLong: byte 0 bit 0</title>"}},
       {"BO_ 1 M: 1 N\n" + signal("S M : 0|2@1+") + signal("A m1 : 2|2@1+") +
-           signal("B m1 : 4|2@1+") + "VAL_ 1 S 1 \"<i>\" ;\n",
-       {R"(<a href="#message-1-layout1">S = 1 &quot;&lt;i&gt;&quot;</a> <small>A, B</small>)",
+           signal("B m1 : 4|2@1+") + "VAL_ 1 S 1 \"<q7>\" ;\n",
+       {R"(<a href="#message-1-layout1">S = 1 &quot;&lt;q7&gt;&quot;</a> <small>A, B</small>)",
         R"(<figure id="message-1-layout1"><figcaption>S = 1)"},
-       "<i>"},
+       "<q7>"},
   };
   for (const auto& c : cases) {
     const std::string page = page_of(c.database);

@@ -1,5 +1,7 @@
 #include <filesystem>
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,6 +26,7 @@ struct Arguments {
   std::vector<std::string> paths;
   std::string out = kStandard;
   Mending mending;
+  BitRates rates;
 };
 
 /// @throws RequestError when the page cannot go where it is wanted
@@ -77,6 +80,17 @@ FileFindings findings_in(const std::string& path, const ZelkDatabase& database,
   }
 }
 
+void add_rate_option(CLI::App& command, const char* name, std::optional<double>& rate,
+                     const char* help) {
+  constexpr double kSlowest = 1000;
+  constexpr double kFastest = 20e6;
+  command.add_option(name, rate, help)
+      ->type_name("RATE")
+      ->transform(CLI::AsNumberWithUnit(std::map<std::string, double>{{"k", 1e3}, {"M", 1e6}},
+                                        CLI::AsNumberWithUnit::CASE_SENSITIVE, "RATE"))
+      ->check(CLI::Range(kSlowest, kFastest));
+}
+
 ExitCode report(const Arguments& arguments, Output& out) {
   check_output(arguments);
   const std::string& path = arguments.paths.front();
@@ -84,7 +98,8 @@ ExitCode report(const Arguments& arguments, Output& out) {
   if (!file.open_and_report(path)) return kExitFailure;
   if (arguments.paths.size() == 2) return compare(arguments, file, out);
   const FileFindings findings = findings_in(path, *file.opened().database, arguments.mending);
-  write_page(arguments.out, report_page(file.encoded(), file_name(path), findings), out);
+  write_page(arguments.out, report_page(file.encoded(), file_name(path), findings, arguments.rates),
+             out);
   return kExitSuccess;
 }
 
@@ -104,6 +119,11 @@ void add_report_command(CLI::App& app, Action& action) {
                    "Page to write, else standard output unless that is a terminal; one that is\n"
                    "there is replaced once the new one is whole")
       ->type_name("OUT");
+  add_rate_option(*command, "--bitrate", arguments->rates.nominal,
+                  "Bit rate, of which the overview tells the part that cyclic messages take, in\n"
+                  "bit/s: 500k, 1M; otherwise what the database says, else 500k");
+  add_rate_option(*command, "--data-bitrate", arguments->rates.data,
+                  "Bit rate of data in CAN FD frames, likewise; else 2M");
   add_mending_options(*command, arguments->mending);
   command->callback([arguments, &action] {
     if (arguments->paths.size() > 2)

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <map>
+#include <ranges>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -53,13 +54,32 @@ std::string side_text(const check::ChangeSide& side) {
   return cut(shown(side.cell));
 }
 
+// A page with more than these would be too large for browsers.
+constexpr std::size_t kMostDetailed = 1000;  // messages with their layouts and changes
+constexpr std::size_t kMostListed = 10'000;  // messages in the list, and rows of a table
+
+/// "12 more are not shown."; empty for none.
+std::string note_of_rest(std::size_t count, std::size_t shown) {
+  return count > shown ? fmt::format("{} more are not shown.", count - shown) : "";
+}
+
+/// Rows of a table, which shows the first ones.
+struct ChangeRows {
+  json shown = json::array();
+  std::size_t count = 0;
+
+  void add(json row) {
+    if (++count <= kMostListed) shown.push_back(std::move(row));
+  }
+};
+
 /// A message of which something differs; one of the two is null when it was added or removed.
 struct ChangedMessage {
   const msgblk* before;
   const msgblk* after;
   Presence presence = Presence::kChanged;
   bool has_other_layout = false;
-  json rows = json::array();
+  ChangeRows rows = {};
 };
 
 /// Gathers the differences and writes the page.
@@ -87,7 +107,7 @@ class ChangesPage {
       const std::string element = "kind" + std::to_string(frame.contents.size());
       std::string heading(kind ? kind->plural : "network");
       heading.front() = static_cast<char>(heading.front() - 'a' + 'A');
-      add_contents(frame, element, heading, rows.size());
+      add_contents(frame, element, heading, rows.count);
       sections += part_.fill(part(element, heading, rows));
     }
     frame.main = render(report_texts::changes_mustache, {{"before", before_.name},
@@ -137,12 +157,12 @@ class ChangesPage {
     const Encoding encoding = (is_added ? after_ : before_).database.encoding;
     for (const sigblk& signal : each(message.signals)) {
       const std::string place = check::place_text(signal);
-      changed.rows.push_back({{"presence", word_of(changed.presence)},
-                              {"kind", "signal"},
-                              {"object", cut(escaped(to_utf8(view(signal.name), encoding)))},
-                              {"field", "place"},
-                              {"old", is_added ? "" : place},
-                              {"new", is_added ? place : ""}});
+      changed.rows.add({{"presence", word_of(changed.presence)},
+                        {"kind", "signal"},
+                        {"object", cut(escaped(to_utf8(view(signal.name), encoding)))},
+                        {"field", "place"},
+                        {"old", is_added ? "" : place},
+                        {"new", is_added ? place : ""}});
     }
   }
 
@@ -167,19 +187,19 @@ class ChangesPage {
   }
 
   /// A row for each change; one for an object that was added or removed.
-  static void add_rows(json& rows, const Difference& difference) {
+  static void add_rows(ChangeRows& rows, const Difference& difference) {
     json row = {{"presence", word_of(difference.presence)},
                 {"kind", difference.kind ? difference.kind->singular : "network"},
                 {"object", difference.kind ? cut(escaped(difference.object.name_text())) : ""},
                 {"field", ""},
                 {"old", ""},
                 {"new", ""}};
-    if (difference.presence != Presence::kChanged) return rows.push_back(std::move(row));
+    if (difference.presence != Presence::kChanged) return rows.add(std::move(row));
     for (const check::Change& change : difference.changes) {
       row["field"] = field_text(change);
       row["old"] = side_text(change.before);
       row["new"] = side_text(change.after);
-      rows.push_back(row);
+      rows.add(row);
     }
   }
 
@@ -198,20 +218,22 @@ class ChangesPage {
     return counts;
   }
 
-  json part(const std::string& element, const std::string& heading, const json& rows) const {
+  /// For changes_part.mustache.
+  json part(const std::string& element, const std::string& heading, const ChangeRows& rows) const {
     return {{"element", element},
             {"heading", heading},
             {"level", 2},
             {"presence_word", ""},
             {"id", ""},
-            {"rows", rows},
-            {"has_rows", !rows.empty()},
+            {"rows", rows.shown},
+            {"has_rows", rows.count > 0},
+            {"rest", note_of_rest(rows.count, kMostListed)},
             {"sides", json::array()}};
   }
 
   std::string message_sections() const {
     std::string sections = render(report_texts::changes_messages_mustache, list_of_messages());
-    for (const ChangedMessage& changed : messages_) {
+    for (const ChangedMessage& changed : messages_ | std::views::take(kMostDetailed)) {
       json data = part(element_of(changed), name_of(changed), changed.rows);
       data["level"] = 3;
       data["presence_word"] = word_of(changed.presence);
@@ -224,13 +246,16 @@ class ChangesPage {
 
   json list_of_messages() const {
     json list = json::array();
-    for (const ChangedMessage& changed : messages_)
-      list.push_back({{"element", element_of(changed)},
+    for (const ChangedMessage& changed : messages_ | std::views::take(kMostListed))
+      list.push_back({{"element", list.size() < kMostDetailed ? element_of(changed) : ""},
                       {"name", name_of(changed)},
                       {"id", id_of(changed)},
-                      {"presence", word_of(changed.presence)},
-                      {"changes", changed.rows.size()}});
-    return {{"messages", std::move(list)}};
+                      {"presence", word_of(changed.presence)}});
+    return {{"messages", std::move(list)},
+            {"rest", note_of_rest(messages_.size(), kMostListed)},
+            {"detail_rest", messages_.size() > kMostDetailed
+                                ? fmt::format("The first {} are shown in detail.", kMostDetailed)
+                                : ""}};
   }
 
   /// The same colour for signals of one name.
@@ -285,7 +310,7 @@ class ChangesPage {
   PageTemplate part_;
   // Kinds are in the order of `object_kinds`, behind the network, which is null.
   std::map<const ObjectKind*, std::array<std::size_t, 3>> counts_;
-  std::map<const ObjectKind*, json> rows_;  // of objects beside messages and their parts
+  std::map<const ObjectKind*, ChangeRows> rows_;  // of objects beside messages and their parts
   std::vector<ChangedMessage> messages_;
   std::unordered_map<const msgblk*, std::size_t> index_;
   std::unordered_set<const sigblk*> marked_;

@@ -160,7 +160,7 @@ json contents_of(const Extent& extent, json& data) {
 }  // namespace
 
 std::string report_page(EncodedDatabase database, const std::string& name,
-                        const FileFindings& findings) {
+                        const FileFindings& findings, const BitRates& rates) {
   const ZelkDatabase& records = database.records;
   const Extent extent(records.messages);
   const ReportContext context(database, findings, extent.shown);
@@ -170,7 +170,7 @@ std::string report_page(EncodedDatabase database, const std::string& name,
       {"attributes", attributes_data(records.attr_values, database.encoding)},
       {"timings", timings_data(records)},
       {"load", render(report_texts::bus_load_mustache,
-                      bus_load_data(bus_load(records, {}), database.encoding, context.ids))},
+                      bus_load_data(bus_load(records, rates), database.encoding, context.ids))},
       {"layout_parts", layout_parts()},
       {"nodes", nodes_data(context)},
       {"matrix", matrix_data(context)},

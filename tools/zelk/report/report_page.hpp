@@ -7,6 +7,7 @@
 #include <string>
 
 #include "base/encoded_database.hpp"
+#include "report/bus_load.hpp"
 #include "report/file_findings.hpp"
 
 namespace zelk::tool {
@@ -16,8 +17,9 @@ namespace zelk::tool {
 ///
 /// @param name      of the database, in UTF-8: that of its file
 /// @param findings  in it
+/// @param rates     of which the messages take a part
 std::string report_page(EncodedDatabase database, const std::string& name,
-                        const FileFindings& findings);
+                        const FileFindings& findings, const BitRates& rates);
 
 }  // namespace zelk::tool
 

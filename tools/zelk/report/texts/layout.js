@@ -9,7 +9,7 @@
 
   const shapesOf = (svg) => [...svg.querySelectorAll("g[data-n]")];
   const rowsOf = (section) => section?.querySelector("table.signals")?.tBodies[0]?.rows ?? [];
-  const rowOf = (shape) => rowsOf(shape.closest("section"))[shape.dataset.n - 1];
+  const rowOf = (shape) => rowsOf(shape.closest(".side, section"))[shape.dataset.n - 1];
   const nameOf = (shape) =>
     rowOf(shape)?.cells[0].textContent ?? (shape.querySelector("title") ?? shape.querySelector("text")).textContent;
 
@@ -64,7 +64,7 @@
   };
 
   const tell = (shape) => {
-    light(shape.closest("section"), shape.dataset.n);
+    light(shape.closest(".side, section"), shape.dataset.n);
     // The box says more than the title, which browsers would show beside it.
     const title = shape.querySelector("title");
     if (title && rowOf(shape)) title.remove();
@@ -108,7 +108,7 @@
     const shape = shapeAt(event);
     if (shape) return tell(shape);
     const row = event.target.closest?.("table.signals > tbody > tr");
-    if (row) return light(row.closest("section"), row.sectionRowIndex + 1);
+    if (row) return light(row.closest(".side, section"), row.sectionRowIndex + 1);
     const focused = document.activeElement?.closest?.(".bits g[data-n]");
     if (focused) tell(focused);
     else unlight();
