@@ -84,6 +84,11 @@ def test_links_and_keys(report):
     page.keyboard.press("Enter")
     assert page.evaluate("location.hash") == "#message-321"
     assert page.locator("#message-321").is_visible()
+    page.goto(page.url.replace("#message-321", "#321.RoadGradient"))
+    page.reload()
+    page.wait_for_function("'ready' in document.documentElement.dataset")
+    page.wait_for_function("document.querySelector(':target')?.cells[0].textContent === 'RoadGradient'")
+    assert page.evaluate("document.querySelector(':target').getBoundingClientRect().top") < page.viewport_size["height"]
     dangling = page.eval_on_selector_all(
         "a[href^='#']", "links => links.map(link => link.hash.slice(1)).filter(id => !document.getElementById(id))"
     )
@@ -109,7 +114,7 @@ def test_without_scripts(report):
     assert page.get_by_label("Colours").is_hidden()
     assert page.locator("#message-table tbody tr").count() == 25
     assert page.locator(".message .signals > tbody > tr").count() == 148
-    speed = page.locator("[id='321.VehicleSpeed']")
+    speed = page.locator("#message-321 .signals tr", has_text="VehicleSpeed").first
     assert "Speed over ground from the wheel speeds." in speed.text_content()
     assert speed.is_visible()
     assert page.locator("#signals").get_by_text("needs scripts").is_visible()

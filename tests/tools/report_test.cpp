@@ -55,7 +55,7 @@ TEST(Report, SaysAllOfADatabase) {
        "<tr id=100.Page>",
        "<i>multiplexor</i>",
        "<tr id=100.Speed><th>Speed<td>15<td>8<td>Motorola, signed<td>0.5<td>-4<td>-68 to "
-       "59.5<td>\u00B0&lt;<td><i>for <a href=#100.Page>Page</a> = 3</i><p>bell \u2407</p>",
+       "59.5<td>\u00B0&lt;<td><i>for <a href=#100.Page>Page</a> = 3</i><p>bell \u2407",
        "<li>-1 = back<li>7 = &lt;i&gt;",
        "sender-receives",
        "<td>Dash, Engine",

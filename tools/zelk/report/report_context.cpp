@@ -2,9 +2,26 @@
 
 #include <utility>
 
+#include "base/list.hpp"
+
 namespace zelk::tool {
 
 using nlohmann::json;
+
+namespace {
+
+std::unordered_set<const sigblk*> linked_signals(const msgblk* messages) {
+  std::unordered_set<const sigblk*> linked;
+  for (const msgblk& message : each(messages)) {
+    for (const sigblk& signal : each(message.signals))
+      if (signal.mux_signal) linked.insert(signal.mux_signal);
+    for (const siggroupblk& group : each(message.siggroups))
+      for (const siglistblk& member : each(group.signals)) linked.insert(member.signal);
+  }
+  return linked;
+}
+
+}  // namespace
 
 ReportContext::ReportContext(EncodedDatabase encoded, const FileFindings& file_findings,
                              std::size_t most_messages)
@@ -12,6 +29,7 @@ ReportContext::ReportContext(EncodedDatabase encoded, const FileFindings& file_f
       findings(file_findings),
       ids(encoded, most_messages),
       traffic(encoded.records, most_messages),
+      linked(linked_signals(encoded.records.messages)),
       groups(encoded.records),
       known({encoded.records.nodes, encoded.records.messages, encoded.records.env_vars,
              encoded.records.attr_defs, encoded.records.attr_values}) {}

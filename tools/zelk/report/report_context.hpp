@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 
 #include "base/encoded_database.hpp"
 #include "check/lint/known_attributes.hpp"
@@ -39,6 +40,8 @@ struct ReportContext {
   const FileFindings& findings;
   ElementIds ids;
   Traffic traffic;
+  /// Signals that others name: multiplexors, and members of groups.
+  std::unordered_set<const sigblk*> linked;
   ParameterGroups groups;
   check::KnownAttributes known;
 };

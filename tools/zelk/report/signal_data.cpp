@@ -45,9 +45,21 @@ json selector_data(const ReportContext& context, const sigblk& signal) {
   return data;
 }
 
+/// The element of a signal. It is empty when no other object on the page links to it, and the
+/// script can tell it from the message and the name: 20 bytes for each of thousands are much.
+std::string anchor_of(const ReportContext& context, const sigblk& signal) {
+  const std::string element = context.ids.of(&signal);
+  if (context.linked.contains(&signal) || context.findings.by_record.contains(&signal))
+    return element;
+  const std::string_view prefix = "message-";
+  const std::string message = context.ids.of(signal.message).substr(prefix.size());
+  return element == message + "." + context.text(view(signal.name)) ? "" : element;
+}
+
 json signal_data(const ReportContext& context, const sigblk& signal) {
   const Encoding encoding = context.database.encoding;
   json data = context.link(&signal, view(signal.name));
+  data["anchor"] = anchor_of(context, signal);
   data["start"] = signal.start_bit;
   data["length"] = signal.length;
   data["coding"] = fmt::format("{}, {}", check::byte_order(signal.flags),

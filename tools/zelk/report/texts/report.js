@@ -227,6 +227,16 @@ function allSignals() {
   );
 }
 
+/** Gives each signal the element that links lead to: only those have one in the file that others name there. */
+function nameSignals() {
+  for (const message of document.querySelectorAll(".message")) {
+    const prefix = message.id.slice("message-".length);
+    for (const row of message.querySelectorAll("table.signals > tbody > tr:not([id])")) {
+      row.id = `${prefix}.${row.cells[0].textContent}`;
+    }
+  }
+}
+
 function addSignalTable(section) {
   const headings = SIGNAL_COLUMNS.map(([text]) =>
     make("th", FILTERED_SIGNAL_COLUMNS.has(text) ? { scope: "col", "data-filter": "" } : { scope: "col" }, text),
@@ -251,12 +261,13 @@ function addSignalTable(section) {
   // The page is seen first, and its tables are made ready afterwards.
   requestAnimationFrame(() =>
     setTimeout(() => {
+      nameSignals();
       for (const listing of listings) {
         listing.addFilters();
         listing.show();
       }
-      // What a link leads to has moved down.
-      document.getElementById(decodeURIComponent(location.hash.slice(1)))?.scrollIntoView();
+      // What a link leads to has moved down, or was not there before.
+      if (location.hash) location.replace(location.hash);
       document.documentElement.dataset.ready = "";
     }),
   );
