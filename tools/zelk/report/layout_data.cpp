@@ -100,37 +100,45 @@ class Drawing {
     json shapes = json::array();
     for (const sigblk* signal : layout_.signals) {
       const auto segments = segments_of(*signal, grid_);
-      if (!segments.empty()) shapes.push_back(shape(*signal, segments));
+      if (segments.empty()) continue;
+      json data = shape(*signal, segments);
+      // Number and colour follow from the place of the shape, as long as it is that of the signal.
+      if (options_.color_of || marks_.at(signal).number != shapes.size() + 1) {
+        const std::size_t number = marks_.at(signal).number;
+        data["number"] = number;
+        data["color"] = (options_.color_of ? options_.color_of(*signal) : number - 1) % kColors;
+      }
+      shapes.push_back(std::move(data));
     }
     return shapes;
   }
 
   json shape(const sigblk& signal, const std::vector<LayoutSegment>& segments) const {
-    const check::SignalMark& mark = marks_.at(&signal);
     const LayoutSegment& widest = *std::ranges::max_element(
         segments, {}, [](const LayoutSegment& segment) { return segment.right - segment.left; });
     const int left = grid_.x(widest.row, widest.left);
     const int width = grid_.x(widest.row, widest.right) - left;
-    const std::string shown = escaped(mark.name);
-    const std::string label = check::fitted(shown, width - 4, check::kCellFont);
-    const std::size_t color = options_.color_of ? options_.color_of(signal) : mark.number - 1;
-    const bool is_marked = options_.is_marked && options_.is_marked(signal);
-    return {
-        {"number", mark.number},
-        {"color", color % kColors},
-        {"is_marked", is_marked},
-        {"outline", outline(segments, grid_)},
-        {"line", order_line(signal, segments, grid_)},
-        {"x", left + width / 2},
-        {"y", grid_.y(widest.row) + 19},
-        {"label", label},
-        {"tip",
-         label == shown && !options_.is_marked ? "" : shown + ": " + check::place_text(signal)}};
+    const int top = grid_.y(widest.row);
+    const std::string name = escaped(marks_.at(&signal).name);
+    const std::string label = check::fitted(name, width - 4, check::kCellFont);
+    const bool is_bit = signal.length == 1;
+    return {{"number", nullptr},
+            {"is_marked", options_.is_marked && options_.is_marked(signal)},
+            {"bit", is_bit ? json{{"left", left}, {"top", top}} : json()},
+            {"outline", is_bit ? "" : outline(segments, grid_)},
+            {"line", order_line(signal, segments, grid_)},
+            {"x", left + width / 2},
+            {"y", top + 19},
+            {"label", label},
+            {"tip", tip(signal, name, label)}};
   }
 
-  std::string tip(const sigblk& signal, bool is_marked) const {
-    return escaped(marks_.at(&signal).name) + ": " + check::place_text(signal) +
-           (is_marked ? ", changed" : "");
+  /// What the page says nowhere else: the whole name; in a comparison, which has no table of the
+  /// signals, also where it lies.
+  std::string tip(const sigblk& signal, const std::string& name, const std::string& label) const {
+    if (!options_.is_marked) return label == name ? "" : name;
+    return name + ": " + check::place_text(signal) +
+           (options_.is_marked(signal) ? ", changed" : "");
   }
 
   json overlaps() const {
@@ -153,7 +161,7 @@ class Drawing {
   }
 
   json overlap(std::size_t row, int left, int right, const check::FrameBit& bit) const {
-    return {{"outline", outline({{row, left, right}}, grid_)},
+    return {{"outline", box_outline({row, left, right}, grid_)},
             {"tip", "Overlap: " + escaped(check::names_of(bit.signals, bit.signal_count, marks_))}};
   }
 
@@ -161,7 +169,7 @@ class Drawing {
   std::string beyond() const {
     std::string path;
     for (std::size_t row = 0; row < grid_.bytes().size(); ++row)
-      if (grid_.bytes()[row] >= bits_.dlc()) path += outline({{row, 0, 8}}, grid_);
+      if (grid_.bytes()[row] >= bits_.dlc()) path += box_outline({row, 0, 8}, grid_);
     return path;
   }
 

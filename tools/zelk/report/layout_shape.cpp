@@ -41,6 +41,14 @@ std::string polygon(std::span<const LayoutSegment> rows, const LayoutGrid& grid)
   return path + "z";
 }
 
+std::string marked_row(const LayoutSegment& segment, const LayoutGrid& grid) {
+  const int left = grid.x(segment.row, segment.left);
+  const int right = grid.x(segment.row, segment.right);
+  const int top = grid.y(segment.row);
+  const int bottom = top + LayoutGrid::kRowHeight;
+  return fmt::format("M{0} {1}V{2}H{3}V{1}H{0}H{3}", left, bottom, top, right);
+}
+
 }  // namespace
 
 LayoutGrid::LayoutGrid(std::vector<std::uint32_t> bytes)
@@ -80,7 +88,12 @@ std::vector<LayoutSegment> segments_of(const sigblk& signal, const LayoutGrid& g
   return segments;
 }
 
+std::string box_outline(const LayoutSegment& segment, const LayoutGrid& grid) {
+  return polygon(std::span(&segment, 1), grid);
+}
+
 std::string outline(const std::vector<LayoutSegment>& segments, const LayoutGrid& grid) {
+  if (segments.size() == 1) return marked_row(segments.front(), grid);
   std::string path;
   for (std::size_t begin = 0, end = 0; begin < segments.size(); begin = end) {
     for (end = begin + 1; end < segments.size(); ++end)
@@ -94,7 +107,7 @@ std::string order_line(const sigblk& signal, const std::vector<LayoutSegment>& s
                        const LayoutGrid& grid) {
   constexpr int kInset = 8;
   constexpr int kBelowTop = LayoutGrid::kRowHeight - 5;
-  if (signal.length < 2) return {};
+  if (segments.size() < 2) return {};
   std::vector<LayoutSegment> path = segments;
   if (!is_motorola(signal)) std::ranges::reverse(path);
   std::string line;

@@ -66,11 +66,15 @@ struct LayoutSegment {
 /// The bits of a signal, downwards; of one that leaves the rows what is in them.
 std::vector<LayoutSegment> segments_of(const sigblk& signal, const LayoutGrid& grid);
 
-/// The outline as data of an SVG path.
+/// The outline as data of an SVG path. That of several bits in one row begins at its lower left
+/// corner and ends at the lower right one, where marks show the order of the bits.
 std::string outline(const std::vector<LayoutSegment>& segments, const LayoutGrid& grid);
 
-/// A line through the bits, from the most to the least significant one, as data of an SVG path;
-/// empty for a single bit.
+/// Likewise of the bits of one row, without that.
+std::string box_outline(const LayoutSegment& segment, const LayoutGrid& grid);
+
+/// A line through the bits of several rows, from the most to the least significant one, as data of
+/// an SVG path; empty for those of one row.
 std::string order_line(const sigblk& signal, const std::vector<LayoutSegment>& segments,
                        const LayoutGrid& grid);
 

@@ -7,6 +7,10 @@
   box.hidden = true;
   document.body.append(box);
 
+  // A shape without a number has that of its place.
+  for (const svg of document.querySelectorAll(".bits svg"))
+    [...svg.querySelectorAll("g")].forEach((shape, i) => (shape.dataset.n ??= i + 1));
+
   const shapesOf = (svg) => [...svg.querySelectorAll("g[data-n]")];
   const rowsOf = (section) => section?.querySelector("table.signals")?.tBodies[0]?.rows ?? [];
   const rowOf = (shape) => rowsOf(shape.closest(".side, section"))[shape.dataset.n - 1];
