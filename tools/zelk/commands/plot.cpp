@@ -188,6 +188,11 @@ void add_plot_command(CLI::App& app, Action& action) {
                    "and ? stand for characters; may be given several times")
       ->type_name("MESSAGE")
       ->allow_extra_args(false);
+  command
+      ->add_option("--cycle-time", arguments->choice.cycle_attribute,
+                   "With --jitter: the attribute of messages that states their cycle time in\n"
+                   "milliseconds, GenMsgCycleTime unless given")
+      ->type_name("ATTRIBUTE");
   add_picture_options(*command, arguments->picture);
   add_time_options(*command, arguments->times);
   command->add_flag("--j1939-tp", arguments->transport,

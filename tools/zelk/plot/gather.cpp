@@ -48,11 +48,12 @@ std::unique_ptr<ZelkColumnDecoder> make_decoder(const LogDatabases& databases,
 }
 
 /// The time between two frames that the database of a message states, in milliseconds.
-std::optional<double> cycle_time_ms(const LogDatabases& databases, const msgblk& message) {
+std::optional<double> cycle_time_ms(const LogDatabases& databases, const msgblk& message,
+                                    const std::string& attribute) {
   for (const LogDatabases::Entry& entry : databases.entries()) {
     const ZelkDatabase& records = entry.content.records;
     if (!contains<const msgblk>(records.messages, message)) continue;
-    const check::KnownAttribute cycle_time(records.attr_defs, ZELK_OBJ_MESSAGE, "GenMsgCycleTime");
+    const check::KnownAttribute cycle_time(records.attr_defs, ZELK_OBJ_MESSAGE, attribute);
     const std::optional<double> time = cycle_time.number(message.attrs);
     return time && *time > 0 ? time : std::nullopt;
   }
@@ -115,7 +116,7 @@ void PlotGatherer::State::add_messages(const LogDatabases& databases) {
     one.message = table.name;
     one.unit = "ms";
     one.order = choice.signals.size();
-    one.nominal_ms = cycle_time_ms(databases, *table.message);
+    one.nominal_ms = cycle_time_ms(databases, *table.message, choice.cycle_attribute);
     one.has_gaps = false;
     message_tables.emplace_back(Table{table.name}).series.push_back(series.size());
     series.push_back(std::move(one));

@@ -18,8 +18,9 @@ namespace zelk::tool {
 struct PlotChoice {
   std::vector<std::string> signals{};  ///< patterns of names, "S" or "M.S"
   std::vector<std::string> jitter{};   ///< patterns of messages: the times between their frames
-  bool match_groups = false;           ///< as `ZelkColumnOptions::match_groups`
-  bool relative = false;               ///< each log counts from its own first frame
+  std::string cycle_attribute = "GenMsgCycleTime";  ///< of messages: their cycle time in ms
+  bool match_groups = false;                        ///< as `ZelkColumnOptions::match_groups`
+  bool relative = false;                            ///< each log counts from its own first frame
 };
 
 /// What the frames of a block are decoded into.
