@@ -113,7 +113,9 @@ class ZELK_API ZelkDatabase {
   /// managers may have that instance open: to them this is an edit, which replaces all records.
   ///
   /// The file is replaced in one step once all of it is on the disk: on a failure it is as it was,
-  /// and a line with the system's reason enters the error text. It keeps its permissions, access
+  /// and a line with the system's reason enters the error text. Then its folder is put on the disk,
+  /// so that the new file outlasts a loss of power; when the disk fails at that, the file has its
+  /// new content, the result is `ZelkErrorNotWritten`, and the line says so. It keeps its permissions, access
   /// list and extended attributes, and its owner when the process may give files away; a file that
   /// this process may not write is not replaced. Links are followed. A file with several hard links
   /// is written in place while ".NAME.zelk-whole" beside it has the whole new content: when the

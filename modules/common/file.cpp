@@ -2,22 +2,17 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <memory>
 #include <new>
 #include <system_error>
 
 #include "common/records.hpp"
+#include "files/files.hpp"
 
 namespace zelk::modules {
 namespace {
 
 constexpr std::size_t kBytesMax = std::size_t{1} << 31;
 constexpr std::size_t kBlock = std::size_t{1} << 20;
-
-struct Closer {
-  void operator()(std::FILE* file) const noexcept { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, Closer>;
 
 [[noreturn]] void fail(const char* what, int code) {
   if (code == ENOMEM) throw std::bad_alloc();
@@ -28,7 +23,7 @@ using File = std::unique_ptr<std::FILE, Closer>;
 
 std::string read_file(const char* path) {
   errno = 0;
-  const File file(std::fopen(path, "rb"));
+  const files::File file = files::open_for_reading(path);
   if (!file) fail("the file cannot be opened", errno);
   std::string content;
   std::size_t count = kBlock;
@@ -45,18 +40,14 @@ std::string read_file(const char* path) {
 
 void write_new_file(const char* path, std::string_view content) {
   errno = 0;
-  if (File(std::fopen(path, "rb"))) throw Fault("the file exists already");
+  if (files::open_for_reading(path)) throw Fault("the file exists already");
   if (errno != ENOENT) fail("the file cannot be created", errno);
-  File file(std::fopen(path, "wb"));
-  if (!file) fail("the file cannot be created", errno);
-  bool is_whole = std::fwrite(content.data(), 1, content.size(), file.get()) == content.size();
-  is_whole = is_whole && std::fflush(file.get()) == 0;
-  int code = errno;
-  const bool is_closed = std::fclose(file.release()) == 0;
-  if (is_whole) code = errno;
-  if (is_whole && is_closed) return;
-  std::remove(path);
-  fail("the file cannot be written", code);
+  files::Replacement file(path, files::Content::kBytes);
+  if (!file.file()) throw Fault("the file cannot be created: " + file.failure());
+  const bool is_whole =
+      std::fwrite(content.data(), 1, content.size(), file.file()) == content.size();
+  if (!is_whole) fail("the file cannot be written", errno);
+  if (!file.take_place()) throw Fault("the file cannot be written: " + file.failure());
 }
 
 }  // namespace zelk::modules

@@ -13,7 +13,7 @@ namespace zelk::modules {
 /// @throws Fault when it cannot be read, or has more than 2 GiB
 std::string read_file(const char* path);
 
-/// Writes a file that does not exist; when that fails, none is left behind.
+/// Writes a file that does not exist; it is there when it is whole.
 /// @throws Fault
 void write_new_file(const char* path, std::string_view content);
 

@@ -15,6 +15,7 @@ NB_MODULE(_zelk, module) {
   bind_messages(module);
   bind_edit(module);
   bind_findings(module);
+  bind_files(module);
   bind_database(module);
   bind_table(module);
   bind_decoding(module);

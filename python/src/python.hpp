@@ -77,6 +77,7 @@ void bind_messages(nb::module_& module);
 void bind_nodes(nb::module_& module);
 void bind_signals(nb::module_& module);
 void bind_findings(nb::module_& module);
+void bind_files(nb::module_& module);
 
 }  // namespace zelk::python
 

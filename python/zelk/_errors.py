@@ -72,7 +72,7 @@ class LogWarning(UserWarning):
 
 
 class WriteError(Error, OSError):
-    """A file could not be written, and is as it was."""
+    """A file could not be written, and is as it was, unless the message says otherwise."""
 
 
 class LockedError(WriteError):

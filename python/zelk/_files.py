@@ -9,6 +9,7 @@ from collections.abc import Callable
 from typing import Any
 
 from ._table import Table
+from ._zelk import take_places
 
 MOST_OPEN = 200  # files; systems let a process have about 1,000
 
@@ -43,6 +44,7 @@ class FileSet:
         self._open_writer = open_writer
         self._open: OrderedDict[str, Any] = OrderedDict()
         self._files: dict[str, list[tuple[str, str]]] = {}  # as written, and their places
+        self._new_folders: list[str] = []
         self.rows: dict[str, int] = {}
 
     def write(self, table: Table) -> None:
@@ -62,24 +64,33 @@ class FileSet:
         files = self._files.setdefault(message, [])
         place = self._path_of(message, len(files))
         folder, name = os.path.split(place)
-        os.makedirs(folder or ".", exist_ok=True)
+        self._make_folder(folder)
         files.append((os.path.join(folder, f".{name}.{os.getpid()}"), place))
         self._open[message] = self._open_writer(files[-1][0], schema)
 
+    def _make_folder(self, folder: str) -> None:
+        if folder and not os.path.isdir(folder):
+            self._make_folder(os.path.dirname(folder))
+            os.makedirs(folder, exist_ok=True)
+            self._new_folders.append(folder)
+
     def commit(self) -> dict[str, list[str]]:
-        """Rename all files.
+        """Put all files on the disk, and in their places; those that are there keep their permissions.
 
         Returns
         -------
         dict of str to list of str
             The paths of each message's files.
+
+        Raises
+        ------
+        WriteError
+            A file cannot take its place. When it must not be written, none of them does.
         """
         self._close()
-        done = {}
-        for message, files in self._files.items():
-            for written, place in files:
-                os.replace(written, place)
-            done[message] = [place for _, place in files]
+        moves = [file for files in self._files.values() for file in files]
+        take_places(moves, self._new_folders)
+        done = {message: [place for _, place in files] for message, files in self._files.items()}
         self._files = {}
         return done
 

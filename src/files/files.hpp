@@ -11,7 +11,9 @@
 #include <cstdio>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace zelk::files {
 
@@ -70,12 +72,13 @@ class Replacement {
   std::FILE* file() const;
 
   /// Gives the file what the other one has beside its content (permissions, access lists, extended
-  /// attributes, and the owner where the process may), puts it on the disk and in its place, and
-  /// closes it.
+  /// attributes, and the owner where the process may), puts it on the disk and in its place, then
+  /// the folder on the disk, and closes it.
   ///
   /// @pre `file()` is not null
   /// @return false when the system did not do all of that; the other file is as it was then, or
-  /// `failure` says where the whole new content is
+  /// `failure` says where the whole new content is: also in the file itself, whose folder is not on
+  /// the disk
   bool take_place();
 
   /// Why the save failed, as a text for people; empty when it has not.
@@ -90,13 +93,25 @@ class Replacement {
   std::unique_ptr<class Save> save_;  ///< null when it failed to start
 };
 
-/// Makes a whole file ready to be renamed over another one, for callers that replace several files
-/// at once: gives it what the other one has beside its content, and puts it on the disk. When
-/// nothing stands at `place`, it stays as it is.
+/// A whole file, and the place that it is to take in the same file system.
+struct Move {
+  std::filesystem::path fresh;
+  std::filesystem::path place;
+};
+
+struct FailedMove {
+  std::filesystem::path place;  ///< or the folder that cannot be put on the disk
+  std::string reason;           ///< a text for people
+};
+
+/// Replaces several files at once. Before the first one takes its place, all of them have what the
+/// files at their places have beside their content, and are on the disk; in the end their folders
+/// are.
 ///
-/// @return why that cannot be, or why this process may not write the other file, as a text for
-/// people; empty when it is ready
-std::string make_ready(const std::filesystem::path& fresh, const std::filesystem::path& place);
+/// @param new_folders  made for these files: their names are put on the disk too
+/// @return the first failure; of those that this process may not write, no place is taken
+std::optional<FailedMove> take_places(const std::vector<Move>& moves,
+                                      const std::vector<std::filesystem::path>& new_folders);
 
 }  // namespace zelk::files
 

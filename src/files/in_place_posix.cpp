@@ -8,6 +8,8 @@
 #include <string>
 
 #include "files/in_place.hpp"
+#include "files/save.hpp"
+#include "files/sync_posix.hpp"
 
 namespace zelk::files {
 namespace {
@@ -48,7 +50,7 @@ void copy_rest(const Descriptor& from, const Descriptor& to, off_t at) {
     write_block(to, at, block.data(), size);
     at += static_cast<off_t>(size);
   }
-  if (fsync(to.get()) != 0) fail_save();
+  if (!sync(to)) fail_save();
 }
 
 bool begins(const Descriptor& beginning, const Descriptor& whole) {
@@ -64,12 +66,6 @@ bool begins(const Descriptor& beginning, const Descriptor& whole) {
 
 bool is_same_time(const timespec& a, const timespec& b) {
   return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
-}
-
-void sync_folder_of(const fs::path& path) {
-  const fs::path folder = path.has_parent_path() ? path.parent_path() : fs::path(".");
-  const Descriptor opened(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (!opened || fsync(opened.get()) != 0) fail_save("its folder cannot be put on the disk");
 }
 
 bool set_time(const Descriptor& file, const timespec& time) {
@@ -109,8 +105,7 @@ Progress progress_of(const fs::path& target, const Descriptor& old, const Descri
   const struct stat now = status_of(old);
   const struct stat wanted = status_of(whole);
   if (begins(readable, whole)) {
-    return now.st_size == wanted.st_size && fsync(old.get()) == 0 ? Progress::kAll
-                                                                  : Progress::kPart;
+    return now.st_size == wanted.st_size && sync(old) ? Progress::kAll : Progress::kPart;
   }
   return is_same_time(now.st_mtim, wanted.st_mtim) ? Progress::kPart : Progress::kUnknown;
 }
@@ -122,14 +117,14 @@ void write_in_place(const fs::path& target, const Descriptor& old, TemporaryFile
   if (!is_named(old, target.c_str())) throw SaveFailure("another process has replaced it");
   reserve(old, status_of(fresh.descriptor()).st_size);
   const bool has_time = set_time(fresh.descriptor(), status_of(old).st_mtim);
-  if (!has_time || fsync(fresh.descriptor().get()) != 0) fail_save();
+  if (!has_time || !sync(fresh.descriptor())) fail_save();
   const fs::path copy = whole_copy_of(target);
   if (!fresh.link_to(copy)) {
     if (errno == EEXIST) throw SaveFailure(kBusy);
     fail_save("no copy can be kept beside it");
   }
   try {
-    sync_folder_of(copy);
+    sync_folder(copy.parent_path());
   } catch (const SaveFailure&) {
     remove_copy(copy);
     throw;

@@ -10,6 +10,7 @@
 #define ZELK_FILES_SAVE_HPP
 
 #include <cstdio>
+#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -35,6 +36,23 @@ class Save {
 /// @param notice  set to what else the user should know
 /// @throws SaveFailure, std::bad_alloc
 std::unique_ptr<Save> start_save(const char* path, Content content, std::string& notice);
+
+/// Gives a whole file what the one at `place` has beside its content, and puts it on the disk. When
+/// nothing stands there, it stays as it is.
+///
+/// @throws SaveFailure, also when this process may not write the other file
+void make_ready(const std::filesystem::path& fresh, const std::filesystem::path& place);
+
+/// Renames a file, in place of the one that is there.
+///
+/// @throws SaveFailure
+void move_over(const std::filesystem::path& fresh, const std::filesystem::path& place);
+
+/// Waits until the names in a folder are on the disk. On Windows it is each renaming that waits.
+///
+/// @param folder  empty: the working folder
+/// @throws SaveFailure
+void sync_folder(const std::filesystem::path& folder);
 
 inline constexpr const char* kEarlierWriteEnded = "an earlier write did not end, and was ended now";
 

@@ -3,11 +3,13 @@
 
 #include <csignal>
 #include <memory>
+#include <new>
 #include <optional>
 
 #include "files/attributes_posix.hpp"
 #include "files/in_place_posix.hpp"
 #include "files/save.hpp"
+#include "files/sync_posix.hpp"
 #include "files/temporary_file_posix.hpp"
 
 namespace zelk::files {
@@ -55,6 +57,7 @@ fs::path behind_links(fs::path path) {
 File stream_of(const Descriptor& file) {
   Descriptor own(fcntl(file.get(), F_DUPFD_CLOEXEC, 0));
   File stream(own ? fdopen(own.get(), "w") : nullptr);
+  if (!stream && errno == ENOMEM) throw std::bad_alloc();
   if (!stream) fail_save();
   own.release();
   std::setvbuf(stream.get(), nullptr, _IONBF, 0);
@@ -64,6 +67,14 @@ File stream_of(const Descriptor& file) {
 bool is_in_sticky_folder(const fs::path& target) {
   struct stat folder = {};
   return stat((target.parent_path() / ".").c_str(), &folder) == 0 && (folder.st_mode & S_ISVTX);
+}
+
+/// Of a file that has taken its place: nothing may fail any more but for the disk.
+void sync_folder_of_new(const fs::path& folder) try {
+  sync_folder(folder);
+} catch (const SaveFailure& failure) {
+  throw SaveFailure("it has its new content, but may lose it with the power: " +
+                    std::string(failure.what()));
 }
 
 class PosixSave : public Save {
@@ -118,27 +129,30 @@ void PosixSave::take_place() {
   }
   const bool is_in_place = has_other_names();
   if (target_ && !is_in_place) copy_attributes(target_, fresh_->descriptor());
-  if (fsync(fresh_->descriptor().get()) != 0 || std::fclose(stream_.release()) != 0) fail_save();
+  if (!sync(fresh_->descriptor()) || std::fclose(stream_.release()) != 0) fail_save();
   if (is_in_place) {
     write_in_place(path_, target_, *fresh_);
-  } else if (!fresh_->move_to(path_)) {
+  } else if (const fs::path folder = path_.parent_path(); !fresh_->move_to(path_)) {
     fail_save(is_in_sticky_folder(path_) ? "its sticky folder lets only the owner replace it"
                                          : "it cannot be replaced");
+  } else {
+    sync_folder_of_new(folder);
   }
 }
 
 }  // namespace
 
-std::string make_ready(const fs::path& fresh, const fs::path& place) try {
+void make_ready(const fs::path& fresh, const fs::path& place) {
   const Descriptor file(::open(fresh.c_str(), O_RDWR | O_CLOEXEC));
   if (!file) fail_save();
   const Descriptor other(::open(place.c_str(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
   if (!other && errno != ENOENT) fail_save();
   if (other) copy_attributes(other, file);
-  if (fsync(file.get()) != 0) fail_save();
-  return {};
-} catch (const SaveFailure& failure) {
-  return failure.what();
+  if (!sync(file)) fail_save();
+}
+
+void move_over(const fs::path& fresh, const fs::path& place) {
+  if (rename(fresh.c_str(), place.c_str()) != 0) fail_save();
 }
 
 std::unique_ptr<Save> start_save(const char* path, Content /*line ends are line feeds*/,

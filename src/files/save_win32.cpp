@@ -12,6 +12,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr DWORD kMoveOver = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
+
 fs::path beside(const fs::path& target, const std::wstring& ending) {
   constexpr std::size_t kLongestName = 200;  // leaves room for the rest of the name
   const std::wstring name = target.filename().wstring().substr(0, kLongestName);
@@ -144,8 +146,7 @@ void WindowsSave::replace() {
   // to be there, and a file system that can do it.
   const bool is_in_place = ReplaceFileW(target_.c_str(), path_.c_str(), nullptr,
                                         REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr, nullptr) != 0 ||
-                           MoveFileExW(path_.c_str(), target_.c_str(),
-                                       MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
+                           MoveFileExW(path_.c_str(), target_.c_str(), kMoveOver) != 0;
   const DWORD error = is_in_place ? ERROR_SUCCESS : GetLastError();
   // The first way can fail after it has removed the old file: the new one is all there is then.
   if (is_in_place || (was_there && !is_there(target_))) path_.clear();
@@ -162,14 +163,17 @@ WindowsSave::~WindowsSave() {
 }  // namespace
 
 // Who may use a file is inherited from its folder.
-std::string make_ready(const fs::path& fresh, const fs::path& place) try {
+void make_ready(const fs::path& fresh, const fs::path& place) {
   check_writable(place);
   const Handle file = open_handle(fresh, GENERIC_WRITE, kShareAll, OPEN_EXISTING);
   if (!file || !FlushFileBuffers(file.get())) fail_save_of_windows();
-  return {};
-} catch (const SaveFailure& failure) {
-  return failure.what();
 }
+
+void move_over(const fs::path& fresh, const fs::path& place) {
+  if (!MoveFileExW(fresh.c_str(), place.c_str(), kMoveOver)) fail_save_of_windows();
+}
+
+void sync_folder(const fs::path& /*folder*/) {}
 
 std::unique_ptr<Save> start_save(const char* path, Content content, std::string& notice) {
   auto save = std::make_unique<WindowsSave>(content);

@@ -15,7 +15,8 @@ namespace zelk {
 /// A failure adds its reason to the error text, with the path, as error 13. See
 /// `files::Replacement` for the files that are not replaced in one step.
 ///
-/// @return false when nothing was written, or not the whole; the file that was there is as it was
+/// @return false when nothing was written, or not the whole: the file that was there is as it was,
+/// but for the failures of `files::Replacement::take_place`
 /// @throws std::bad_alloc, with the same effect
 bool save(const char* path, const ModelView& model, bool with_multiplexor_ranges);
 

@@ -13,8 +13,12 @@
 #include <csignal>
 
 #include "database/own_database.hpp"
+#include "files/files.hpp"
+#include "support/failing_sync_posix.hpp"
 
 namespace {
+
+namespace fs = std::filesystem;
 
 constexpr std::string_view kNodes = "BS_:\nBU_: A B\n";
 constexpr uid_t kNobody = 65534;
@@ -120,17 +124,17 @@ TEST_F(SavePosix, WithoutTheRights) {
 
 TEST_F(SavePosix, GoesThroughLinks) {
   const std::string file = folder_.write("sub/a.dbc", kNodes);
-  std::filesystem::remove(path_);
-  std::filesystem::create_symlink("sub/a.dbc", path_);
+  fs::remove(path_);
+  fs::create_symlink("sub/a.dbc", path_);
   for (const char* name : {"the file", "where there is none yet"}) {
     EXPECT_EQ(save().first, 0) << name;
-    EXPECT_TRUE(std::filesystem::is_symlink(path_));
-    EXPECT_FALSE(std::filesystem::is_symlink(file));
+    EXPECT_TRUE(fs::is_symlink(path_));
+    EXPECT_FALSE(fs::is_symlink(file));
     EXPECT_TRUE(database_.IsPathEqual(path_.c_str()));
     EXPECT_TRUE(is_saved());
-    std::filesystem::remove(file);
+    fs::remove(file);
   }
-  std::filesystem::create_symlink("../a.dbc", file);
+  fs::create_symlink("../a.dbc", file);
   EXPECT_EQ(save(), refusal("Too many levels of symbolic links"));
   EXPECT_EQ(names_in(folder_), "a.dbc sub ");
 }
@@ -140,7 +144,7 @@ TEST_F(SavePosix, WritesToAPipe) {
   ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
   int nameless[2] = {};
   ASSERT_EQ(pipe(nameless), 0);
-  std::filesystem::create_symlink("/proc/self/fd/" + std::to_string(nameless[1]), link);
+  fs::create_symlink("/proc/self/fd/" + std::to_string(nameless[1]), link);
   const int reader = open(path.c_str(), O_RDONLY | O_NONBLOCK);
   for (const auto& [target, end] : {std::pair(path, reader), std::pair(link, nameless[0])}) {
     EXPECT_EQ(OwnDatabase(database_).Write(target.c_str()), 0) << target;
@@ -149,8 +153,8 @@ TEST_F(SavePosix, WritesToAPipe) {
     EXPECT_STREQ(text, "VERSION");
   }
   for (const int end : {reader, nameless[0], nameless[1]}) close(end);
-  EXPECT_TRUE(std::filesystem::is_fifo(path));
-  EXPECT_TRUE(std::filesystem::is_symlink(link));
+  EXPECT_TRUE(fs::is_fifo(path));
+  EXPECT_TRUE(fs::is_symlink(link));
   EXPECT_EQ(names_in(folder_), "a.dbc link pipe ");
 }
 
@@ -164,6 +168,82 @@ TEST_F(SavePosix, BeyondTheLimitOfFiles) {
   EXPECT_EQ(result, refusal("File too large"));
   EXPECT_EQ(content_of(path_), kNodes);
   EXPECT_EQ(names_in(folder_), "a.dbc ");
+}
+
+// The file is on the disk before it takes its place, the folder after it.
+TEST_F(SavePosix, OnADiskThatTakesNoMore) {
+  const struct {
+    std::size_t syncs_before;
+    int error;
+    bool is_linked;
+    const char *order, *reason;  // null: the file is saved
+    bool is_new;
+    const char* names;
+  } cases[] = {
+      {9, 0, false, "file rename folder ", nullptr, true, "a.dbc "},
+      {0, EIO, false, "file ", "Input/output error", false, "a.dbc "},
+      {0, EINTR, false, "file file rename folder ", nullptr, true, "a.dbc "},
+      {0, EINVAL, false, "file rename folder ", nullptr, true, "a.dbc "},
+      {1, ENOTSUP, false, "file rename folder ", nullptr, true, "a.dbc "},
+      {1, EIO, false, "file rename folder ",
+       "it has its new content, but may lose it with the power: the folder cannot be put on the "
+       "disk: Input/output error",
+       true, "a.dbc "},
+      {9, 0, true, "file file folder file ", nullptr, true, "a.dbc b.dbc "},
+      {2, EIO, true, "file file folder ",
+       "the folder cannot be put on the disk: Input/output error", false, "a.dbc b.dbc "},
+      {3, EIO, true, "file file folder file ",
+       "Input/output error; its whole content is in .a.dbc.zelk-whole", true,
+       ".a.dbc.zelk-whole a.dbc b.dbc "},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::to_string(c.syncs_before) + " " + std::to_string(c.error));
+    folder_.write("a.dbc", kNodes);
+    if (c.is_linked) fs::create_hard_link(path_, folder_.path("b.dbc"));
+    {
+      const FailingSync failing(c.syncs_before, c.error);
+      EXPECT_EQ(save(), c.reason ? refusal(c.reason) : std::pair(0, std::string()));
+      EXPECT_EQ(FailingSync::order(), c.order);
+    }
+    EXPECT_EQ(is_saved(), c.is_new);
+    EXPECT_EQ(names_in(folder_), c.names);
+    EXPECT_EQ(save().first, 0) << "the next time";
+    fs::remove(folder_.path("b.dbc"));
+  }
+}
+
+TEST_F(SavePosix, SeveralFilesAtOnce) {
+  const fs::path folder = folder_.path("new"), other = folder_.write("other", "old");
+  const auto moves = [&] {
+    fs::create_directory(folder);
+    return std::vector<zelk::files::Move>{{folder_.write("1", "one"), folder / "a"},
+                                          {folder_.write("2", "two"), other}};
+  };
+  const struct {
+    std::size_t syncs_before;
+    int error;
+    const char *order, *place, *other;
+  } cases[] = {
+      {1, EIO, "file file ", "other", "old"},
+      {9, 0, "file file rename rename folder folder ", "", "two"},
+      {2, EIO, "file file rename rename folder ", "SavePosix.SeveralFilesAtOnce", "two"},
+  };
+  for (const auto& c : cases) {
+    ASSERT_EQ(chmod(folder_.write("other", "old").c_str(), 0640), 0);
+    const auto wanted = moves();
+    const FailingSync failing(c.syncs_before, c.error);
+    const auto failed = zelk::files::take_places(wanted, {folder});
+    EXPECT_EQ(failed ? failed->place.filename().string() : "", c.place);
+    EXPECT_EQ(FailingSync::order(), c.order);
+    EXPECT_EQ(content_of(other), c.other);
+    EXPECT_EQ(status_of(other).st_mode & 0777, 0640u);
+    EXPECT_EQ(fs::exists(folder / "a"), c.other != std::string("old"));
+  }
+  fs::create_directory(folder_.path("d"));
+  const auto failed = zelk::files::take_places(
+      {{folder_.write("1", "x"), folder / "a"}, {folder_.write("2", "x"), folder_.path("d")}}, {});
+  EXPECT_EQ(failed ? failed->reason : "", "Is a directory");
+  EXPECT_EQ(content_of(folder / "a"), "one") << "no place is taken";
 }
 
 TEST_F(SavePosix, RefusesWhileAnotherSaveWritesInPlace) {
@@ -187,7 +267,7 @@ bool is_whole(const std::string& file) {
 TEST_F(SavePosix, KilledAtAnyTime) {
   for (int n = 0; n < 40; ++n) {
     const bool is_linked = n >= 20;
-    if (n == 20) std::filesystem::create_hard_link(path_, folder_.path("b"));
+    if (n == 20) fs::create_hard_link(path_, folder_.path("b"));
     database_.SetComment(std::string(1'000'000, 'a').c_str());
     ASSERT_EQ(save().first, 0) << n;
     const std::string names = names_in(folder_);

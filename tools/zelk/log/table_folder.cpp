@@ -126,27 +126,17 @@ void TableFolder::write(const ZelkWideTable& table, File& file) {
   file.held.clear();
 }
 
-/// All of them, before the first one takes its place.
-void TableFolder::make_ready() const {
-  for (const File& file : files_) {
-    if (!file.is_there) continue;
-    const std::filesystem::path place = folder_ / path_of(file.name);
-    std::error_code ignored;
-    if (std::filesystem::is_directory(place, ignored)) fail(place, system_text(EISDIR));
-    const std::string failure = files::make_ready(fresh_ / path_of(file.name), place);
-    if (!failure.empty()) fail(place, failure);
-  }
-}
-
 void TableFolder::take_places() {
   write_all();
-  make_ready();
+  std::vector<files::Move> moves;
   for (const File& file : files_) {
-    std::error_code error;
-    if (!file.is_there) continue;
-    std::filesystem::rename(fresh_ / path_of(file.name), folder_ / path_of(file.name), error);
-    if (error) fail(folder_ / path_of(file.name), error.message());
+    const std::filesystem::path name = path_of(file.name);
+    if (file.is_there) moves.push_back({fresh_ / name, folder_ / name});
   }
+  std::vector<std::filesystem::path> new_folders;
+  if (is_made_) new_folders.push_back(folder_);
+  if (const auto failed = files::take_places(moves, new_folders))
+    fail(failed->place, failed->reason);
   warn_of_older();
 }
 

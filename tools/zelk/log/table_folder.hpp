@@ -50,7 +50,6 @@ class TableFolder {
   void make_folders();
   void write_all();
   void write(const ZelkWideTable& table, File& file);
-  void make_ready() const;
   void warn_of_older() const;
 
   std::string path_;

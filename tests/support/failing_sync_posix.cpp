@@ -1,0 +1,40 @@
+#include "support/failing_sync_posix.hpp"
+
+#include <sys/stat.h>
+
+#include <cerrno>
+
+namespace {
+
+bool armed = false;
+std::size_t calls_before = 0;
+int number = 0;
+std::string done;
+
+}  // namespace
+
+FailingSync::FailingSync(std::size_t n, int error) {
+  armed = true, calls_before = n, number = error;
+  done.clear();
+}
+FailingSync::~FailingSync() { armed = false; }
+const std::string& FailingSync::order() { return done; }
+
+extern "C" {
+int __real_fsync(int file);
+int __real_rename(const char* from, const char* to);
+
+int __wrap_fsync(int file) {
+  if (!armed) return __real_fsync(file);
+  struct stat status = {};
+  done += fstat(file, &status) == 0 && S_ISDIR(status.st_mode) ? "folder " : "file ";
+  if (calls_before-- != 0) return __real_fsync(file);
+  errno = number;
+  return -1;
+}
+
+int __wrap_rename(const char* from, const char* to) {
+  if (armed) done += "rename ";
+  return __real_rename(from, to);
+}
+}  // extern "C"
