@@ -17,6 +17,8 @@ struct NameFilter {
   std::vector<std::string> messages{};
   std::vector<std::string> signals{};  ///< of a signal, or of "Message.Signal"
 
+  /// Whether anything is left out.
+  bool is_choice() const { return !messages.empty() || !signals.empty(); }
   /// @param name  in UTF-8, as all
   bool takes_message(std::string_view name) const;
   /// @param owner  name of the signal's message

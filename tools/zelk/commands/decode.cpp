@@ -153,7 +153,7 @@ void check_wide_options(const CLI::App& command, const Arguments& arguments) {
   if (!wide.is_wanted) return;
   if (command.count("--format") > 0 && arguments.text.format != ZelkTextFormat::kCsv)
     throw CLI::ValidationError("--wide", "its form is csv, no other");
-  const bool is_chosen = !arguments.filter.messages.empty() || !arguments.filter.signals.empty();
+  const bool is_chosen = arguments.filter.is_choice();
   if (!is_folder(wide.path)) {
     if (is_chosen) return;
     throw CLI::ValidationError(

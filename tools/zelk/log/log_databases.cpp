@@ -83,7 +83,7 @@ std::string LogDatabases::label_of(const OpenDatabase& database) const {
 }
 
 bool LogDatabases::check_filter(const NameFilter& filter, std::string_view more) const {
-  if (filter.messages.empty() && filter.signals.empty()) return true;
+  if (!filter.is_choice()) return true;
   std::vector<std::string> messages;
   std::vector<std::string> signals;
   for (const OpenDatabase& database : databases_) {

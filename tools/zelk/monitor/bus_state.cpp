@@ -69,6 +69,7 @@ struct BusState::State {
   std::unordered_map<std::string, std::uint32_t, SeededHash> channels;
   std::vector<std::string> channel_names;
   std::unordered_map<std::uint64_t, Source, SeededHash> sources;  ///< by channel and identifier
+  Source unwanted;  ///< stands for unknown identifiers where messages were chosen
   std::vector<std::uint32_t> block_channels;
   RowDecoder decoder;
   std::size_t unknown_rows = 0;
@@ -154,7 +155,7 @@ void BusState::State::add_frame(const ZelkFrameBlock& frames, std::size_t index,
   const std::uint32_t id = frames.Ids()[index];
   const std::span<const unsigned char> data = frames.Data(index);
   Source* const source = source_of(channel, id);
-  if (source && source->plan && !source->plan->is_shown) return;
+  if (source == &unwanted || (source && source->plan && !source->plan->is_shown)) return;
   const std::size_t row = source ? row_of(*source, channel, id, data) : kNoRow;
   if (row == kNoRow) {
     ++unlisted_count;
@@ -169,6 +170,7 @@ Source* BusState::State::source_of(std::uint32_t channel, std::uint32_t id) {
   const std::uint64_t key = static_cast<std::uint64_t>(channel) << 32 | id;
   if (const auto found = sources.find(key); found != sources.end()) return &found->second;
   const msgblk* const message = finder.Find(channel_names[channel], id).message;
+  if (!message && options.filter.is_choice()) return &unwanted;
   const std::size_t most = message ? kMostKnown + kMostUnknown : kMostUnknown;
   if ((message ? sources.size() : unknown_rows) >= most) return nullptr;
   Source source{message ? plans.at(message).get() : nullptr};

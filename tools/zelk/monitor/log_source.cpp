@@ -78,6 +78,7 @@ class Replay : public FrameSource {
   }
 
   void begin_at(std::int64_t time) {
+    last_ = time;
     first_ = static_cast<double>(time);
     start_ = Clock::now();
   }

@@ -112,11 +112,14 @@ std::string totals_of(const BusState& state, const std::deque<RowState>& rows) {
   const auto add = [&text](std::size_t number, std::string_view what) {
     if (number > 0) text += fmt::format(", {} {}", number, what);
   };
+  const auto add_frames = [&text](std::size_t number, std::string_view what) {
+    if (number > 0) text += ", " + counted(number, fmt::format("{} frame", what));
+  };
   add(count([](const RowState& row) { return row.is_missing; }), "missing");
   add(count([](const RowState& row) { return !row.message; }), "unknown");
-  add(state.error_frame_count(), "error frames");
-  add(state.remote_frame_count(), "remote frames");
-  add(state.unlisted_frame_count(), "frames without a row");
+  add_frames(state.error_frame_count(), "error");
+  add_frames(state.remote_frame_count(), "remote");
+  add_frames(state.unlisted_frame_count(), "unlisted");
   return text;
 }
 
