@@ -4,6 +4,7 @@ import pytest
 from conftest import ROOT, accessibility_faults
 
 EXAMPLE = ROOT / "examples/powertrain.dbc"
+EVERY_STATEMENT = ROOT / "tests/data/ok_every_statement.dbc"
 HOSTILE = """VERSION "<script>alert(1)</script>"
 BS_:
 BU_: A B
@@ -99,7 +100,7 @@ def test_links_and_keys(report):
 
 @pytest.mark.parametrize("scheme", ["light", "dark"])
 def test_accessible(report, scheme):
-    page = report(color_scheme=scheme)
+    page = report(EVERY_STATEMENT, color_scheme=scheme)
     assert accessibility_faults(page) == []
     background = page.evaluate("getComputedStyle(document.body).backgroundColor")
     page.get_by_label("Colours").select_option("dark" if scheme == "light" else "light")
@@ -137,16 +138,16 @@ def test_hostile_texts(report, tmp_path):
 def test_many_messages(report, tmp_path):
     path = tmp_path / "many.dbc"
     signals = "".join(f' SG_ S{bit} : {bit}|1@1+ (1,0) [0|1] "" A\n' for bit in range(4))
-    messages = "".join(f"BO_ {number} M{number}: 1 A\n{signals}\n" for number in range(2000))
+    messages = "".join(f"BO_ {number} M{number}: 1 A\n{signals}\n" for number in range(600))
     path.write_text(f"BS_:\nBU_: A\n{messages}", encoding="utf-8")
     page = report(path)
     search = page.get_by_role("search", name="signals")
-    assert search.get_by_role("status").text_content() == "8000 signals"
+    assert search.get_by_role("status").text_content() == "2400 signals"
     assert len(first_column(page, "#signal-table")) == 500
-    search.get_by_label("Search").fill("m1999 s3")
+    search.get_by_label("Search").fill("m599 s3")
     assert first_column(page, "#signal-table") == ["S3"]
-    search.get_by_label("Search").fill("m1999")
+    search.get_by_label("Search").fill("m599")
     page.locator("#signal-table tbody a").first.click()
-    assert page.locator("[id='1999.S0']").is_visible()
-    page.get_by_role("button", name="Show all 2000").click()
-    assert len(first_column(page, "#message-table")) == 2000
+    assert page.locator("[id='599.S0']").is_visible()
+    page.get_by_role("button", name="Show all 600").click()
+    assert len(first_column(page, "#message-table")) == 600
