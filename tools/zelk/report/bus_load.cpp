@@ -64,7 +64,7 @@ class LoadCounter {
         records_{database.nodes, database.messages, database.env_vars, database.attr_defs,
                  database.attr_values},
         known_(records_),
-        other_cycle_time_(database.attr_defs, ZELK_OBJ_MESSAGE, "CycleTime"),
+        cycle_time_(cycle_time(database)),
         rate_switch_(database.attr_defs, ZELK_OBJ_MESSAGE, "CANFD_BRS") {
     result_.bit_rate = nominal_rate(database, records_, given);
     result_.data_bit_rate = data_rate(records_, given);
@@ -80,9 +80,7 @@ class LoadCounter {
 
  private:
   void add(const msgblk& message) {
-    const KnownAttribute& attribute =
-        known_.cycle_time.is_defined() ? known_.cycle_time : other_cycle_time_;
-    const double cycle_ms = attribute.number(message.attrs).value_or(0);
+    const double cycle_ms = cycle_time_.number(message.attrs).value_or(0);
     if (!(cycle_ms > 0)) {
       ++result_.without_cycle;
     } else if (const auto length = length_of(message)) {
@@ -131,7 +129,7 @@ class LoadCounter {
   const ZelkDatabase& database_;
   check::RecordsView records_;
   check::KnownAttributes known_;
-  KnownAttribute other_cycle_time_;
+  KnownAttribute cycle_time_;
   KnownAttribute rate_switch_;
   std::unordered_map<const symblk*, std::size_t> sender_index_;
   BusLoad result_{};
@@ -173,6 +171,12 @@ json sender_data(const SenderLoad& entry, Encoding encoding, const ElementIds& i
 }
 
 }  // namespace
+
+KnownAttribute cycle_time(const ZelkDatabase& database) {
+  const KnownAttribute usual(database.attr_defs, ZELK_OBJ_MESSAGE, "GenMsgCycleTime");
+  if (usual.is_defined()) return usual;
+  return {database.attr_defs, ZELK_OBJ_MESSAGE, "CycleTime"};
+}
 
 BusLoad bus_load(const ZelkDatabase& database, const BitRates& given) {
   return LoadCounter(database, given).count();

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "base/encoded_database.hpp"
+#include "check/lint/known_attributes.hpp"
 #include "report/element_ids.hpp"
 #include "report/frame_length.hpp"
 
@@ -58,9 +59,10 @@ struct BusLoad {
   std::size_t without_length = 0;  ///< cyclic ones of more bytes than a frame can have
 };
 
-/// The cycle time of a message is that of its attribute GenMsgCycleTime (or CycleTime, where that
-/// is not defined), in ms, own or default.
-///
+/// The attribute of messages with the cycle time in ms, own or default: GenMsgCycleTime, or
+/// CycleTime where that is not defined.
+check::KnownAttribute cycle_time(const ZelkDatabase& database);
+
 /// The nominal bit rate is that of the attribute Baudrate, in bit/s, or of the bit timing, in
 /// kbit/s, or else 500 kbit/s; that of data the attribute BaudrateCANFD, or else 2 Mbit/s.
 /// Attributes below 5000 mean kbit/s: no CAN is that slow. Messages are of CAN FD when VFrameFormat

@@ -29,7 +29,7 @@ std::string names_of(const ReportContext& context, const Nodes& nodes, const Nod
 
 /// In milliseconds; empty when the message is not sent in cycles.
 std::string cycle_text(const ReportContext& context, const msgblk& message) {
-  const double cycle = context.known.cycle_time.number(message.attrs).value_or(0);
+  const double cycle = context.cycle_time.number(message.attrs).value_or(0);
   return cycle > 0 ? number_text(cycle) : "";
 }
 

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "base/list.hpp"
+#include "report/bus_load.hpp"
 
 namespace zelk::tool {
 
@@ -31,8 +32,7 @@ ReportContext::ReportContext(EncodedDatabase encoded, const FileFindings& file_f
       traffic(encoded.records, most_messages),
       linked(linked_signals(encoded.records.messages)),
       groups(encoded.records),
-      known({encoded.records.nodes, encoded.records.messages, encoded.records.env_vars,
-             encoded.records.attr_defs, encoded.records.attr_values}) {}
+      cycle_time(zelk::tool::cycle_time(encoded.records)) {}
 
 json ReportContext::findings_of(const void* record) const {
   const auto found = findings.by_record.find(record);

@@ -43,7 +43,7 @@ struct ReportContext {
   /// Signals that others name: multiplexors, and members of groups.
   std::unordered_set<const sigblk*> linked;
   ParameterGroups groups;
-  check::KnownAttributes known;
+  check::KnownAttribute cycle_time;  ///< of messages, in ms
 };
 
 }  // namespace zelk::tool
