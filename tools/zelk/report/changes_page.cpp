@@ -2,9 +2,10 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <map>
-#include <ranges>
+#include <span>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -81,6 +82,11 @@ struct ChangedMessage {
   bool has_other_layout = false;
   ChangeRows rows = {};
 };
+
+std::span<const ChangedMessage> first_of(const std::vector<ChangedMessage>& messages,
+                                         std::size_t most) {
+  return std::span(messages).first(std::min(messages.size(), most));
+}
 
 /// Gathers the differences and writes the page.
 class ChangesPage {
@@ -233,7 +239,7 @@ class ChangesPage {
 
   std::string message_sections() const {
     std::string sections = render(report_texts::changes_messages_mustache, list_of_messages());
-    for (const ChangedMessage& changed : messages_ | std::views::take(kMostDetailed)) {
+    for (const ChangedMessage& changed : first_of(messages_, kMostDetailed)) {
       json data = part(element_of(changed), name_of(changed), changed.rows);
       data["level"] = 3;
       data["presence_word"] = word_of(changed.presence);
@@ -246,7 +252,7 @@ class ChangesPage {
 
   json list_of_messages() const {
     json list = json::array();
-    for (const ChangedMessage& changed : messages_ | std::views::take(kMostListed))
+    for (const ChangedMessage& changed : first_of(messages_, kMostListed))
       list.push_back({{"element", list.size() < kMostDetailed ? element_of(changed) : ""},
                       {"name", name_of(changed)},
                       {"id", id_of(changed)},
@@ -262,9 +268,10 @@ class ChangesPage {
   json sides(const ChangedMessage& changed) const {
     json sides = json::array();
     std::unordered_map<std::string_view, std::size_t> colors;
-    for (const msgblk* message : {changed.before, changed.after})
+    for (const msgblk* message : {changed.before, changed.after}) {
       for (const sigblk& signal : each(message ? message->signals : nullptr))
         colors.try_emplace(view(signal.name), colors.size());
+    }
     const auto add = [&](const char* word, const msgblk* message, const NamedDatabase& database,
                          const ElementIds& ids) {
       if (!message) return;

@@ -277,10 +277,11 @@ std::string layout_parts() {
     json rows = json::array();
     for (std::uint32_t byte = 8 * octet; byte < 8 * octet + 8; ++byte) {
       json bits = json::array();
-      for (std::uint32_t column = 0; column < 8; ++column)
+      for (std::uint32_t column = 0; column < 8; ++column) {
         bits.push_back({{"x", LayoutGrid::kLabelWidth +
                                   (static_cast<int>(column) + 1) * LayoutGrid::kCellWidth - 3},
                         {"bit", 8 * byte + 7 - column}});
+      }
       rows.push_back({{"byte", byte},
                       {"y", static_cast<int>(byte % 8) * LayoutGrid::kRowHeight},
                       {"bits", std::move(bits)}});
