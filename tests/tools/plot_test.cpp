@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -39,6 +40,16 @@ std::vector<std::string> pieces(const std::string& svg, const std::string& start
     result.push_back(svg.substr(at, svg.find(end, at) - at));
   }
   return result;
+}
+
+/// A message with 65 signals of one bit.
+std::string wide_message(int id) {
+  std::string text = "BO_ " + std::to_string(id) + " Wide: 64 N\n";
+  for (int i = 0; i < 65; ++i) {
+    const std::string number = std::to_string(i);
+    text += " SG_ W" + number + " : " + number + "|1@1+ (1,0) [0|0] \"\" N\n";
+  }
+  return text + '\n';
 }
 
 using Texts = std::vector<std::string>;
@@ -108,6 +119,87 @@ TEST(Plot, DrawsCurvesAndLanes) {
       if (band.find('\n') == std::string::npos) lanes.push_back(band.substr(0, band.size() - 1));
     EXPECT_EQ(lanes, c.lanes) << c.name;
   }
+}
+
+TEST(Plot, TellsLogsAndInterfacesApart) {
+  const path folder = write_file("car.dbc", kDatabase).parent_path();
+  write_file("a.log", "(1) can0 001#0000\n(2) can0 001#0000\n");
+  write_file("b.log", "(3) can0 001#0000\n(4) can1 001#0000\n");
+  write_file("pages.log", "(1) can0 002#0000\n(2) can0 002#0100\n(3) can0 001#0000\n");
+  const struct {
+    const char* arguments;
+    Texts names;
+  } cases[] = {
+      {"a.log Motion.Speed", {"Speed"}},
+      {"a.log b.log Motion.Speed", {"Speed (can0)", "Speed (can1)"}},
+      {"b.log a.log Motion.Speed --relative",
+       {"Speed (a.log, can0)", "Speed (b.log, can0)", "Speed (can1)"}},
+      {"can1=car.dbc b.log Motion.Speed", {"Speed"}},
+      {"pages.log Slow *Speed", {"Slow", "Pages.Speed", "Motion.Speed"}},
+      {"a.log --jitter M*", {"Motion, time between frames", "Motion, nominal cycle"}},
+  };
+  for (const auto& c : cases) {
+    const std::string own = c.arguments;
+    check({"plot " + std::string(own.starts_with("can1=") ? "" : "car.dbc ") + own + " -o out.svg",
+           0});
+    Texts names;
+    const std::string svg = bytes_of(folder / "out.svg");
+    for (const std::string& text : pieces(svg, "<text class=\"name\"", "</text>"))
+      names.push_back(text.substr(text.find('>') + 1));
+    std::ranges::sort(names);
+    Texts wanted = c.names;
+    std::ranges::sort(wanted);
+    EXPECT_EQ(names, wanted) << c.arguments;
+  }
+}
+
+TEST(Plot, RefusesWhatItCannotDraw) {
+  write_file("many.dbc", "BS_:\n\nBU_: N\n\n" + wide_message(1));
+  const path folder = write_file("car.dbc", kDatabase).parent_path();
+  write_file("log", "(1) can0 001##0" + std::string(24, '0') + "\n");
+  write_file("back.log", "(2) can0 001#0000\n(1) can0 001#0000\n");
+  write_file("bare.log", "001#0000\n");
+  write_file("old.svg", "old");
+  const ToolCase cases[] = {
+      {"plot car.dbc log Speed -o out.pdf", 2, "", "out.pdf\""},
+      {"plot car.dbc log Speed -o out.svg --size 100x100", 2, "", "100x100"},
+      {"plot log Speed -o old.svg", 1, "", "no database is given"},
+      {"plot car.dbc log -o old.svg", 1, "", "no signal is named"},
+      {"plot car.dbc log log Speed -o old.svg", 1, "", "log is given twice"},
+      {"plot car.dbc lgo Speed -o old.svg", 1, "", "no signal is named \"lgo\", nor is there such"},
+      {"plot car.dbc log Slow -o old.svg", 1, "", "no frame has any of the signals"},
+      {"plot car.dbc bare.log Speed -o old.svg", 1, "", "bare.log: a frame has no time"},
+      {"plot car.dbc old.svg Speed -o out.svg", 1, "", "old.svg"},
+      {"plot many.dbc log W* -o old.svg", 1, "", "more than 64 signals match"},
+      {"plot car.dbc log Speed Level -o old.svg --size 400x200", 1, "", "must be 284 at least"},
+      {"plot car.dbc log Speed -o nowhere/out.svg", 1, "", "nowhere/out.svg: could not be written"},
+      {"plot car.dbc log Motion.Speed Slow -o out.svg", 0, "", "warning: no frame has \"Slow\""},
+      {"plot car.dbc back.log Speed --times points -o out.svg", 0, "",
+       "warning: times run backwards"},
+  };
+  for (const ToolCase& c : cases) check_parts(c);
+  EXPECT_EQ(bytes_of(folder / "old.svg"), "old");
+  write_file("log.svg", "(1) can0 001#0000\n");
+  check_parts(
+      {"plot car.dbc log.svg Speed -o log.svg", 1, "", "log.svg is both read and the output"});
+}
+
+// The peak of one frame is drawn, however many there are around it.
+TEST(Plot, KeepsPeaksOfLongLogs) {
+  std::string database = kDatabase;
+  database.insert(database.find("BO_ 3"), wide_message(4));
+  const path folder = write_file("car.dbc", database).parent_path();
+  std::string log;
+  for (int i = 0; i < 300'000; ++i)
+    log += '(' + std::to_string(i) + ") a 001#" + (i == 123'457 ? "FF7F" : "0000") + "00" +
+           (i / 1000 % 2 == 0 ? "00" : "01") + '\n';
+  write_file("log", log);
+  // Of 64 signals and more each keeps fewer points than the log has.
+  check_parts({"plot car.dbc log Motion.* W* -o out.svg", 0, "", "no frame has \"W*\""});
+  const std::string svg = bytes_of(folder / "out.svg");
+  EXPECT_NE(svg.find("Speed: 0 to 16383.5 km/h"), std::string::npos);
+  EXPECT_NE(svg.find("Gear: 300 stretches"), std::string::npos);
+  EXPECT_LT(svg.size(), 300'000u);
 }
 
 }  // namespace

@@ -12,10 +12,12 @@
 #include "commands/mending_options.hpp"
 #include "commands/time_options.hpp"
 #include "input/lookup.hpp"
+#include "input/opening.hpp"
 #include "log/log_databases.hpp"
 #include "log/log_probe.hpp"
 #include "log/log_run.hpp"
 #include "plot/gather.hpp"
+#include "plot/png.hpp"
 #include "plot/svg.hpp"
 #include "save/replace_file.hpp"
 #include "term/system.hpp"
@@ -32,6 +34,7 @@ struct Arguments {
   std::string output;
   PlotChoice choice;
   PictureOptions picture;
+  double scale = 1;  // of a PNG
   TimeOptions times;
   Mending mending;
   bool strict = false;
@@ -50,6 +53,10 @@ struct Words {
 std::string path_in(const std::string& word) {
   const std::size_t mark = word.find('=');
   return mark == std::string::npos || exists(word) ? word : word.substr(mark + 1);
+}
+
+bool ends_in(const std::string& path, std::string_view extension) {
+  return lowered(path).ends_with(extension);
 }
 
 /// @return false when a file is neither database nor log; it is reported
@@ -115,7 +122,21 @@ void report(const PlotGatherer& gatherer) {
         "zelk: warning: times run backwards, and points are put in the order of their times");
 }
 
+void write(const Arguments& arguments, const Figure& figure) {
+  const Picture picture = plot_svg(figure, arguments.picture);
+  const std::string bytes = ends_in(arguments.output, ".png")
+                                ? png_of(picture.svg, picture.size, arguments.scale)
+                                : picture.svg;
+  try {
+    replace_file(arguments.output, bytes);
+  } catch (const RequestError& error) {
+    throw RequestError(behind_path(arguments.output, error.what()));
+  }
+}
+
 ExitCode plot(const Arguments& arguments, Output&) {
+  if (kWhyNoPng && ends_in(arguments.output, ".png"))
+    throw RequestError(behind_path(arguments.output, kWhyNoPng));
   LogDatabases databases(arguments.mending);
   Words words;
   if (!sort_words(arguments, databases, words)) return kExitFailure;
@@ -138,14 +159,13 @@ ExitCode plot(const Arguments& arguments, Output&) {
     if (!NotedStop::is_requested() && !gather(arguments, log, gatherer)) return kExitFailure;
   if (gatherer.is_empty()) throw RequestError("no frame has any of the signals");
   report(gatherer);
-  replace_file(arguments.output, plot_svg(gatherer.figure(), arguments.picture));
+  write(arguments, gatherer.figure());
   return NotedStop::is_requested() ? kExitInterrupted : kExitSuccess;
 }
 
 std::string check_output(const std::string& path) {
-  const std::string name = lowered(path);
-  if (name.ends_with(".svg")) return "";
-  return "a plot is written as .svg, not as " + in_quotes(path);
+  if (ends_in(path, ".svg") || ends_in(path, ".png")) return "";
+  return "a plot is written as .svg or .png, not as " + in_quotes(path);
 }
 
 void add_picture_options(CLI::App& command, PictureOptions& options) {
@@ -178,7 +198,9 @@ void add_plot_command(CLI::App& app, Action& action) {
           "MESSAGE.SIGNAL with * for any characters and ? for one. INTERFACE=FILE is a\n"
           "database for the frames of one interface only.")
       ->option_text("...");
-  command->add_option("-o,--output", arguments->output, "File to write: .svg")
+  command
+      ->add_option("-o,--output", arguments->output,
+                   "File to write: .svg, or .png with the same picture in pixels")
       ->type_name("FILE")
       ->required()
       ->check(CLI::Validator(check_output, ""));
@@ -194,6 +216,11 @@ void add_plot_command(CLI::App& app, Action& action) {
                    "milliseconds, GenMsgCycleTime unless given")
       ->type_name("ATTRIBUTE");
   add_picture_options(*command, arguments->picture);
+  command
+      ->add_option("--scale", arguments->scale,
+                   "Pixels of a .png for each one of --size, such as 2 for a fine print")
+      ->type_name("N")
+      ->check(CLI::Range(0.1, 8.0).description(""));
   add_time_options(*command, arguments->times);
   command->add_flag("--j1939-tp", arguments->transport,
                     "Put messages of the J1939 transport protocol together (BAM, RTS/CTS)");

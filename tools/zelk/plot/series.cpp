@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
-#include <set>
 #include <utility>
 
 #include "base/quoting.hpp"
@@ -65,17 +64,14 @@ std::vector<Part> parts_of(Series& series, bool relative) {
 /// The name of a part, with its log and interface as far as they tell it from the others.
 std::string name_of(const Part& part, const std::string& name, const std::vector<Part>& all,
                     const std::vector<std::string>& logs) {
-  std::set<std::string> channels;
-  std::set<std::size_t> logs_of_all;
-  for (const Part& other : all) {
-    channels.insert(other.sources.front()->channel);
-    logs_of_all.insert(other.sources.front()->log);
-  }
-  std::string tags;
-  if (logs_of_all.size() > 1 && part.sources.size() == 1)
-    tags = utf8(logs[part.sources.front()->log]);
-  const std::string channel = utf8(part.sources.front()->channel);
-  if (channels.size() > 1 && !channel.empty()) tags += (tags.empty() ? "" : ", ") + channel;
+  const std::string& channel = part.sources.front()->channel;
+  const auto has_channel = [&](const Part& other) {
+    return other.sources.front()->channel == channel;
+  };
+  const auto same_channel = static_cast<std::size_t>(std::ranges::count_if(all, has_channel));
+  std::string tags = same_channel > 1 ? utf8(logs[part.sources.front()->log]) : "";
+  if (same_channel < all.size() && !channel.empty())
+    tags += (tags.empty() ? "" : ", ") + utf8(channel);
   return tags.empty() ? name : name + " (" + tags + ")";
 }
 
@@ -142,7 +138,7 @@ class FigureMaker {
 
   void add_nominal(const Part& part, Axis& axis) const {
     const double nominal = *part.series->nominal_ms;
-    axis.curves.push_back({part.series->full_name + ", nominal cycle",
+    axis.curves.push_back({part.series->message + ", nominal cycle",
                            part.series->message,
                            {figure_.begin, figure_.end},
                            {nominal, nominal},

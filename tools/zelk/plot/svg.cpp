@@ -112,6 +112,8 @@ class Drawing {
     if (panel_height_ < (figure.axes.empty() ? 0 : kLeastPanel)) fail();
   }
 
+  PictureSize size() const { return {static_cast<int>(width_), static_cast<int>(height_)}; }
+
   json draw() {
     double y = kTop;
     for (std::size_t i = 0; i < figure_.axes.size(); ++i) y = draw_panel(i, y);
@@ -327,8 +329,9 @@ std::optional<PictureSize> parse_picture_size(std::string_view text) {
   return PictureSize{*width, *height};
 }
 
-std::string plot_svg(const Figure& figure, const PictureOptions& options) {
-  return render(plot_texts::picture_mustache, Drawing(figure, options).draw());
+Picture plot_svg(const Figure& figure, const PictureOptions& options) {
+  Drawing drawing(figure, options);
+  return {render(plot_texts::picture_mustache, drawing.draw()), drawing.size()};
 }
 
 }  // namespace zelk::tool

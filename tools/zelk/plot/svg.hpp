@@ -29,11 +29,17 @@ struct PictureOptions {
   std::optional<PictureSize> size{};  ///< none: as wide as a page, and as high as it takes
 };
 
+/// A picture as it was drawn.
+struct Picture {
+  std::string svg;
+  PictureSize size;
+};
+
 /// A picture in SVG that needs no other file: a panel for each axis, lanes below them, one axis of
 /// time for all. It follows the light or dark scheme of its viewer.
 ///
 /// @throws RequestError when the size has no room for all of it
-std::string plot_svg(const Figure& figure, const PictureOptions& options);
+Picture plot_svg(const Figure& figure, const PictureOptions& options);
 
 }  // namespace zelk::tool
 
