@@ -115,13 +115,13 @@ class ZELK_API ZelkDatabase {
   /// The file is replaced in one step once all of it is on the disk: on a failure it is as it was,
   /// and a line with the system's reason enters the error text. Then its folder is put on the disk,
   /// so that the new file outlasts a loss of power; when the disk fails at that, the file has its
-  /// new content, the result is `ZelkErrorNotWritten`, and the line says so. It keeps its permissions, access
-  /// list and extended attributes, and its owner when the process may give files away; a file that
-  /// this process may not write is not replaced. Links are followed. A file with several hard links
-  /// is written in place while ".NAME.zelk-whole" beside it has the whole new content: when the
-  /// process is killed meanwhile, the next `Write` first finishes that write, with a line in the
-  /// error text. It also removes the ".NAME.zelk-N" that a killed process has left. A pipe, or
-  /// anything else that is no regular file, is written to directly.
+  /// new content, the result is `ZelkErrorNotWritten`, and the line says so. It keeps its
+  /// permissions, access list and extended attributes, and its owner when the process may give
+  /// files away; a file that this process may not write is not replaced. Links are followed. A file
+  /// with several hard links is written in place while ".NAME.zelk-whole" beside it has the whole
+  /// new content: when the process is killed meanwhile, the next `Write` first finishes that write,
+  /// with a line in the error text. It also removes the ".NAME.zelk-N" that a killed process has
+  /// left. A pipe, or anything else that is no regular file, is written to directly.
   ///
   /// A given file becomes the database's own as soon as it is found to be writable.
   ///
