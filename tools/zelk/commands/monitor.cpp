@@ -15,6 +15,7 @@
 #include "log/wide_output.hpp"
 #include "monitor/bus_state.hpp"
 #include "monitor/plain.hpp"
+#include "monitor/screen/screen.hpp"
 #include "monitor/session.hpp"
 #include "monitor/state_table.hpp"
 #include "term/system.hpp"
@@ -101,11 +102,21 @@ ZelkLogBlock show_once(const Arguments& arguments, FrameSource& source, BusState
   return summary;
 }
 
+/// The full screen, unless it is not wanted or the terminal cannot show it, which is told.
+bool is_shown_on_screen(const Arguments& arguments, Session& session) {
+  if (arguments.plain || !is_terminal(stdout)) return false;
+  const std::optional<std::string> why_not = show_on_screen(session);
+  if (why_not) print_error(fmt::format("zelk: no full screen: {}", escaped(*why_not)));
+  return !why_not;
+}
+
 ExitCode show_running(const Arguments& arguments, std::unique_ptr<FrameSource> source,
                       BusState& state, Output& out, ZelkLogBlock& summary) {
   Session session(std::move(source), state, arguments.record);
-  StateTable table(arguments.format, out);
-  show_plain(session, std::chrono::nanoseconds(arguments.every), table, out);
+  if (!is_shown_on_screen(arguments, session)) {
+    StateTable table(arguments.format, out);
+    show_plain(session, std::chrono::nanoseconds(arguments.every), table, out);
+  }
   const bool is_interrupted = NotedStop::is_requested();
   session.finish();
   summary = session.summary();
