@@ -1,14 +1,84 @@
 #include "logs/columns/block_decoder.hpp"
 
 #include <algorithm>
+#include <numeric>
 
 namespace zelk::logs {
+
+namespace {
+
+template <typename Value>
+bool are_equal(std::span<const Value> values) {
+  return std::equal(values.begin() + 1, values.end(), values.begin());
+}
+
+bool is_of_data(unsigned flags) { return (flags & (kZelkFrameRemote | kZelkFrameError)) == 0; }
+
+/// Whether all frames have the same target, as in arrays of the frames of one message. Blocks of
+/// other frames mostly differ in the first identifiers already.
+bool are_alike(const ZelkFrameBlock& block) {
+  return block.Size() > 0 && are_equal(block.Ids()) && are_equal(block.Flags()) &&
+         are_equal(block.Channels());
+}
+
+}  // namespace
 
 void FrameGroups::find(const ColumnPlan& plan, const ZelkFrameBlock& block,
                        std::optional<std::size_t> only) {
   tables_.clear();
   ends_.assign(plan.tables().size(), 0);
-  find_tables(plan, block, only);
+  routes_.clear();
+  for (const std::string& name : block.ChannelNames())
+    routes_.push_back(plan.finder().route_of(name));
+  cache_.clear();
+  unknown_ = {};
+  counts_.Clear();
+  const Search search{plan.finder(),    plan.targets(),  block.Ids(), block.Flags(),
+                      block.Channels(), block.Lengths(), routes_,     only};
+  if (!are_alike(block) || !take_alike(search)) {
+    find_tables(search);
+    sort_frames();
+  }
+  unknown_.give(counts_);
+  counts_.decoded = block.Size() - counts_.unknown - counts_.remote - counts_.errors;
+}
+
+/// Takes all frames, of which the first one stands for all, when they are of a message.
+bool FrameGroups::take_alike(const Search& search) {
+  if (!is_of_data(search.flags.front())) return false;
+  const std::uint32_t message = find_message(search, 0);
+  if (message == kNoMessage) return false;
+  const auto [table, length_bytes] = search.targets[message];
+  std::size_t too_short = 0;
+  for (const std::uint16_t length : search.lengths) too_short += length < length_bytes ? 1 : 0;
+  counts_.too_short = too_short;
+  if (table == kNoTable || !search.wants(table)) return true;
+  tables_.push_back(table);
+  frames_.resize(search.ids.size());
+  std::iota(frames_.begin(), frames_.end(), std::uint32_t{0});
+  ends_[table] = static_cast<std::uint32_t>(frames_.size());
+  return true;
+}
+
+/// Finds the table of each frame, and counts the frames of each table.
+void FrameGroups::find_tables(const Search& search) {
+  table_of_.resize(search.ids.size());
+  // What the loop writes, here so that it stays in registers.
+  const std::span<std::uint32_t> table_of = table_of_;
+  const std::span<std::uint32_t> counts = ends_;
+  std::size_t too_short = 0;
+  for (std::size_t i = 0; i < table_of.size(); ++i) {
+    const FrameTarget target = find_target(search, i);
+    too_short += search.lengths[i] < target.length_bytes ? 1 : 0;
+    const std::uint32_t table = search.wants(target.table) ? target.table : kNoTable;
+    table_of[i] = table;
+    if (table != kNoTable && counts[table]++ == 0) tables_.push_back(table);
+  }
+  counts_.too_short = too_short;
+}
+
+/// Puts the frames of each table together.
+void FrameGroups::sort_frames() {
   std::uint32_t end = 0;
   for (const std::uint32_t table : tables_) {
     const std::uint32_t count = ends_[table];
@@ -20,41 +90,20 @@ void FrameGroups::find(const ColumnPlan& plan, const ZelkFrameBlock& block,
     if (table_of_[i] != kNoTable) frames_[ends_[table_of_[i]]++] = i;
 }
 
-/// Finds the table of each frame, and counts the frames of each table.
-void FrameGroups::find_tables(const ColumnPlan& plan, const ZelkFrameBlock& block,
-                              std::optional<std::size_t> only) {
-  routes_.clear();
-  for (const std::string& name : block.ChannelNames())
-    routes_.push_back(plan.finder().route_of(name));
-  cache_.clear();
-  unknown_ = {};
-  counts_.Clear();
-  table_of_.resize(block.Size());
-  std::size_t too_short = 0;
-  for (std::size_t i = 0; i < table_of_.size(); ++i) {
-    FrameTarget target = find_target(plan, block, i);
-    too_short += block.Lengths()[i] < target.length_bytes ? 1 : 0;
-    if (only && target.table != *only) target.table = kNoTable;
-    table_of_[i] = target.table;
-    if (target.table != kNoTable && ends_[target.table]++ == 0) tables_.push_back(target.table);
-  }
-  unknown_.give(counts_);
-  counts_.too_short = too_short;
-  counts_.decoded = block.Size() - counts_.unknown - counts_.remote - counts_.errors;
+/// What a frame is decoded to; frames that are not are counted.
+inline FrameTarget FrameGroups::find_target(const Search& search, std::size_t frame) {
+  constexpr FrameTarget kNone{kNoTable, 0};
+  if (!counts_.AddKind(search.flags[frame])) return kNone;
+  const std::uint32_t message = find_message(search, frame);
+  if (message != kNoMessage) return search.targets[message];
+  unknown_.add(search.ids[frame], counts_);
+  return kNone;
 }
 
-/// What a frame is decoded to; frames that are not are counted.
-inline FrameTarget FrameGroups::find_target(const ColumnPlan& plan, const ZelkFrameBlock& block,
-                                            std::size_t frame) {
-  constexpr FrameTarget kNone{kNoTable, 0};
-  const std::uint32_t id = block.Ids()[frame];
-  if (!counts_.AddKind(block.Flags()[frame])) return kNone;
-  const std::size_t channel = block.Channels()[frame];
-  const std::uint32_t route = channel < routes_.size() ? routes_[channel] : 0;
-  const std::uint32_t message = plan.finder().find(route, id, cache_);
-  if (message != kNoMessage) return plan.targets()[message];
-  unknown_.add(id, counts_);
-  return kNone;
+inline std::uint32_t FrameGroups::find_message(const Search& search, std::size_t frame) {
+  const std::size_t channel = search.channels[frame];
+  const std::uint32_t route = channel < search.routes.size() ? search.routes[channel] : 0;
+  return search.finder.find(route, search.ids[frame], cache_);
 }
 
 std::vector<std::int32_t> ChannelTexts::enter(std::span<const std::string> names) {

@@ -37,10 +37,25 @@ class FrameGroups {
   }
 
  private:
-  void find_tables(const ColumnPlan& plan, const ZelkFrameBlock& block,
-                   std::optional<std::size_t> only);
+  /// What the search for the tables of a block's frames reads.
+  struct Search {
+    const MessageFinder& finder;
+    std::span<const FrameTarget> targets;
+    std::span<const std::uint32_t> ids;
+    std::span<const std::uint16_t> flags;
+    std::span<const std::uint16_t> channels;
+    std::span<const std::uint16_t> lengths;
+    std::span<const std::uint32_t> routes;  ///< of channels
+    std::optional<std::size_t> only;
 
-  FrameTarget find_target(const ColumnPlan& plan, const ZelkFrameBlock& block, std::size_t frame);
+    bool wants(std::uint32_t table) const { return !only || table == *only; }
+  };
+
+  bool take_alike(const Search& search);
+  void find_tables(const Search& search);
+  void sort_frames();
+  FrameTarget find_target(const Search& search, std::size_t frame);
+  std::uint32_t find_message(const Search& search, std::size_t frame);
 
   std::vector<std::uint32_t> routes_;    ///< of channels
   std::vector<std::uint32_t> table_of_;  ///< of each frame

@@ -75,15 +75,27 @@ void find_texts(const Conversion& conversion, const std::uint64_t* words, std::s
   for (std::size_t i = 0; i < count; ++i) values[i] = by.texts->find(by.field.raw(words[i]));
 }
 
+/// A loop, compiled again for processors that do more values at once.
+template <Kernel kLoop>
+ZELK_FOR_AVX2 void wide(const Conversion& conversion, const std::uint64_t* words, std::size_t count,
+                        unsigned char* out) {
+  kLoop(conversion, words, count, out);
+}
+
+template <Kernel kLoop>
+Kernel form_of(bool is_wide) {
+  return is_wide ? wide<kLoop> : kLoop;
+}
+
 struct TypeRow {
-  Kernel kernel;
+  Kernel (*form)(bool is_wide);
   std::size_t width;
   const char* format;
 };
 
 template <typename Unsigned>
 constexpr TypeRow row(const char* format) {
-  return {copy_raw<Unsigned>, sizeof(Unsigned), format};
+  return {form_of<copy_raw<Unsigned>>, sizeof(Unsigned), format};
 }
 
 /// In the order of `ZelkColumnType`.
@@ -98,21 +110,22 @@ constexpr std::array<TypeRow, 11> kTypes = {{
     row<std::uint64_t>("L"),
     row<std::uint32_t>("f"),
     row<std::uint64_t>("g"),
-    {find_texts, sizeof(std::int32_t), "i"},
+    {form_of<find_texts>, sizeof(std::int32_t), "i"},
 }};
 
 const TypeRow& row_of(ZelkColumnType type) { return kTypes[static_cast<std::size_t>(type)]; }
 
 }  // namespace
 
-Kernel physical_kernel(const sigblk& signal, const BitField& field) {
-  if (signal.value_type == ZELK_VALUE_IEEE_DOUBLE) return scale_double;
-  if (signal.value_type == ZELK_VALUE_IEEE_SINGLE) return scale_single;
-  if (field.mask <= low_bits(kFractionBits)) return scale_short;
-  return is_signed(signal) ? scale_long<std::int64_t> : scale_long<std::uint64_t>;
+Kernel physical_kernel(const sigblk& signal, const BitField& field, bool is_wide) {
+  if (signal.value_type == ZELK_VALUE_IEEE_DOUBLE) return form_of<scale_double>(is_wide);
+  if (signal.value_type == ZELK_VALUE_IEEE_SINGLE) return form_of<scale_single>(is_wide);
+  if (field.mask <= low_bits(kFractionBits)) return form_of<scale_short>(is_wide);
+  return is_signed(signal) ? form_of<scale_long<std::int64_t>>(is_wide)
+                           : form_of<scale_long<std::uint64_t>>(is_wide);
 }
 
-Kernel raw_kernel(ZelkColumnType type) { return row_of(type).kernel; }
+Kernel raw_kernel(ZelkColumnType type, bool is_wide) { return row_of(type).form(is_wide); }
 
 ZelkColumnType raw_type(const sigblk& signal) {
   if (signal.value_type == ZELK_VALUE_IEEE_SINGLE) return ZelkColumnType::kFloat;

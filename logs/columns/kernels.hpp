@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "base/compiler.hpp"
 #include "logs/columns/texts.hpp"
 #include "zelk/logs/columns.hpp"
 
@@ -37,9 +38,11 @@ using Kernel = void (*)(const Conversion& conversion, const std::uint64_t* words
                         unsigned char* out);
 
 /// The loop for physical values, as doubles.
-Kernel physical_kernel(const sigblk& signal, const BitField& field);
-/// The loop for raw values or, for a dictionary, for the indices of texts.
-Kernel raw_kernel(ZelkColumnType type);
+///
+/// @param is_wide  the form of the loop for processors with AVX2, which gives the same bits
+Kernel physical_kernel(const sigblk& signal, const BitField& field, bool is_wide = has_avx2());
+/// The loop for raw values or, for a dictionary, for the indices of texts; likewise.
+Kernel raw_kernel(ZelkColumnType type, bool is_wide = has_avx2());
 
 /// The narrowest type of a signal's raw values.
 ZelkColumnType raw_type(const sigblk& signal);

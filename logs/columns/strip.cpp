@@ -33,15 +33,26 @@ void clear_nulls(unsigned char* values, std::size_t count, std::size_t width,
 void StripFrames::load(const ZelkFrameBlock& block, std::span<const std::uint32_t> frames) {
   data = block.DataBytes().data();
   count = frames.size();
+  if (are_neighbours(frames)) {
+    offsets = block.DataOffsets().data() + frames.front();
+    lengths = block.Lengths().data() + frames.front();
+  } else {
+    pick(block, frames);
+  }
+  std::uint16_t least = UINT16_MAX;
+  for (std::size_t i = 0; i < count; ++i) least = std::min(least, lengths[i]);
+  shortest = least;
+}
+
+void StripFrames::pick(const ZelkFrameBlock& block, std::span<const std::uint32_t> frames) {
   const auto* const block_offsets = block.DataOffsets().data();
   const auto* const block_lengths = block.Lengths().data();
-  std::uint16_t least = UINT16_MAX;
-  for (std::size_t i = 0; i < count; ++i) {
-    offsets[i] = block_offsets[frames[i]];
-    lengths[i] = block_lengths[frames[i]];
-    least = std::min(least, lengths[i]);
+  for (std::size_t i = 0; i < frames.size(); ++i) {
+    picked_offsets_[i] = block_offsets[frames[i]];
+    picked_lengths_[i] = block_lengths[frames[i]];
   }
-  shortest = least;
+  offsets = picked_offsets_.data();
+  lengths = picked_lengths_.data();
 }
 
 void StripWords::load(const StripFrames& frames, const Window& window) {
@@ -57,8 +68,10 @@ void StripWords::load(const StripFrames& frames, const Window& window) {
 /// Loads the words in the order of Intel.
 void StripWords::gather(const StripFrames& frames, std::size_t at) {
   if (frames.shortest > at) {
+    const unsigned char* const from = frames.data + at;
+    const std::uint32_t* const offsets = frames.offsets;
     for (std::size_t i = 0; i < frames.count; ++i)
-      std::memcpy(&words_[i], frames.data + (frames.offsets[i] + at), sizeof(std::uint64_t));
+      std::memcpy(&words_[i], from + offsets[i], sizeof(std::uint64_t));
   } else {
     // A frame that ends in front of the window has no signal there.
     for (std::size_t i = 0; i < frames.count; ++i) {

@@ -25,10 +25,23 @@ struct StripFrames {
 
   const unsigned char* data = nullptr;
   std::size_t count = 0;
-  std::size_t shortest = 0;  ///< length of a frame
-  std::array<std::uint32_t, kStripRows> offsets;
-  std::array<std::uint16_t, kStripRows> lengths;
+  std::size_t shortest = 0;                ///< length of a frame
+  const std::uint32_t* offsets = nullptr;  ///< one for each frame
+  const std::uint16_t* lengths = nullptr;  ///< likewise
+
+ private:
+  void pick(const ZelkFrameBlock& block, std::span<const std::uint32_t> frames);
+
+  std::array<std::uint32_t, kStripRows> picked_offsets_;
+  std::array<std::uint16_t, kStripRows> picked_lengths_;
 };
+
+/// Whether no frame of another message stands between those of one.
+///
+/// @param frames  rising indices, at least one
+inline bool are_neighbours(std::span<const std::uint32_t> frames) {
+  return frames.back() - frames.front() == frames.size() - 1;
+}
 
 /// The words that frames have in one window.
 class StripWords {

@@ -31,11 +31,12 @@ void TableDecoder::decode(const TablePlan& plan, const ZelkFrameBlock& block,
 
 /// Sets `valid_` for values that were written behind the rows of a column: those that are `none`
 /// are null.
+///
+/// @param has_none  whether there are any
 template <typename Value>
-void TableDecoder::find_values(const ColumnRows& column, std::size_t count, Value none) {
+void TableDecoder::find_values(const ColumnRows& column, std::size_t count, Value none,
+                               bool has_none) {
   const auto* const values = reinterpret_cast<const Value*>(column.end());
-  bool has_none = false;
-  for (std::size_t i = 0; i < count; ++i) has_none |= values[i] == none;
   valid_.nulls = 0;
   if (!has_none) return;
   for (std::size_t i = 0; i < count; ++i) flags_[i] = values[i] != none ? 1 : 0;
@@ -45,8 +46,19 @@ void TableDecoder::find_values(const ColumnRows& column, std::size_t count, Valu
 void TableDecoder::add_times(std::span<const std::int64_t> times,
                              std::span<const std::uint32_t> frames, ColumnRows& column) {
   auto* const to = reinterpret_cast<std::int64_t*>(column.end());
-  for (std::size_t i = 0; i < frames.size(); ++i) to[i] = times[frames[i]];
-  find_values(column, frames.size(), kZelkNoTime);
+  bool has_none = false;
+  if (are_neighbours(frames)) {
+    const std::int64_t* const from = &times[frames.front()];
+    std::copy_n(from, frames.size(), to);
+    for (std::size_t i = 0; i < frames.size(); ++i) has_none |= from[i] == kZelkNoTime;
+  } else {
+    for (std::size_t i = 0; i < frames.size(); ++i) {
+      const std::int64_t time = times[frames[i]];
+      has_none |= time == kZelkNoTime;
+      to[i] = time;
+    }
+  }
+  find_values(column, frames.size(), kZelkNoTime, has_none);
   add_present(column, frames.size(), valid_);
 }
 
@@ -65,7 +77,10 @@ void TableDecoder::add_channels(std::span<const std::uint16_t> block_channels,
 ///
 /// @param valid  which of them count; null: all that are texts
 void TableDecoder::add_texts(ColumnRows& column, const StripBits* valid) {
-  find_values(column, frames_.count, kNoText);
+  const auto* const texts = reinterpret_cast<const std::int32_t*>(column.end());
+  bool has_none = false;
+  for (std::size_t i = 0; i < frames_.count; ++i) has_none |= texts[i] == kNoText;
+  find_values(column, frames_.count, kNoText, has_none);
   if (valid) valid_.intersect(*valid, frames_.count);
   add_present(column, frames_.count, valid_);
 }

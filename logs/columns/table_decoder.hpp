@@ -44,7 +44,7 @@ class TableDecoder {
   void decode_frames(const TablePlan& plan);
   void add_texts(ColumnRows& column, const StripBits* valid);
   template <typename Value>
-  void find_values(const ColumnRows& column, std::size_t count, Value none);
+  void find_values(const ColumnRows& column, std::size_t count, Value none, bool has_none);
 
   StripFrames frames_;
   StripWords words_;

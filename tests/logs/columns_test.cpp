@@ -16,6 +16,7 @@
 #include "logs/text_database.hpp"
 #include "support/threads.hpp"
 #include "zelk/frame_decoder.hpp"
+#include "zelk/logs/column_stream.hpp"
 #include "zelk/manager.hpp"
 #include "zelk/zelk.h"
 
@@ -69,12 +70,20 @@ struct Log {
     for (const char* const name : names) block.ChannelIndex(name);
     const std::uint16_t flags[] = {0, 0, kZelkFrameFd, kZelkFrameRemote, kZelkFrameError};
     const bool is_classic = random.one_in(3);
+    const bool is_alike = random.one_in(4);  // but for times and data
+    std::uint32_t id = 0;
+    std::size_t flag = 0;
+    std::uint16_t channel = 0;
     for (std::size_t i = 0; i < count; ++i) {
       const std::size_t size = is_classic ? 8 : random.between(0, random.one_in(60) ? 9000 : 66);
       frames.push_back(random.frame(size));
+      if (i == 0 || !is_alike) {
+        id = random.between(0, RandomDatabase::kMessages);
+        flag = random.between(0, 4);
+        channel = static_cast<std::uint16_t>(random.between(0, 2));
+      }
       block.Append(random.one_in(9) ? kZelkNoTime : static_cast<std::int64_t>(random.bits() / 2),
-                   random.between(0, RandomDatabase::kMessages), flags[random.between(0, 4)],
-                   static_cast<std::uint16_t>(random.between(0, 2)), frames.back());
+                   id, flags[flag], channel, frames.back());
     }
   }
   ZelkFrameBlock block;
@@ -472,6 +481,64 @@ TEST(Columns, CountUnknownFramesByTheirIdentifiers) {
   ASSERT_EQ(counts.unknown_ids.size(), 700u);
   for (std::uint32_t i = 0; i < 700; ++i)
     EXPECT_EQ(counts.unknown_ids.at(ZELK_ID_EXTENDED | 0x10000 | i * 7), i % 3 + 1) << i;
+}
+
+/// Frames decoded, unknown, remote, errors and too short; rows of two tables, and of the second one
+/// when that alone is decoded.
+using Numbers = std::vector<std::uint64_t>;
+
+Numbers numbers_of(const ZelkDatabase& database, const ZelkFrameBlock& block) {
+  ZelkColumnDecoder decoder, alone;
+  for (ZelkColumnDecoder* const each : {&decoder, &alone}) {
+    each->AddDatabase(database, "three");
+    for (const char* const message : {"Engine", "Brake"}) each->SelectMessages(message);
+    EXPECT_EQ(each->Tables().size(), 2u);
+  }
+  ZelkColumnRows rows;
+  decoder.Decode(block, rows);
+  const ZelkFrameCounts counts = rows.Counts();
+  decoder.Put(rows);
+  Received<ArrowArrayStream> stream;
+  ZelkColumnStream(alone, 1, [&, is_end = false](ZelkFrameBlock& next) mutable {
+    next = block;
+    return !std::exchange(is_end, true);
+  }).Export(&stream);
+  Received<ArrowArray> batch;
+  EXPECT_EQ(stream.get_next(&stream, &batch), 0);
+  EXPECT_EQ(alone.RowCount(0), 0u);
+  return {counts.decoded,      counts.unknown,
+          counts.remote,       counts.errors,
+          counts.too_short,    decoder.RowCount(0),
+          decoder.RowCount(1), batch.release ? static_cast<std::uint64_t>(batch.length) : 0};
+}
+
+// Alone, the frames of a message are found at once; together with another one, one by one.
+TEST(Columns, CountFramesOfOneMessageAlikeAloneAndAmongOthers) {
+  std::string text = kTwo;
+  const TextDatabase database(text.insert(text.find("BO_"), "BO_ 11 Other: 4 Ostrel__XXX\n"));
+  const struct {
+    std::uint32_t id;
+    std::uint16_t flags;
+    std::size_t length;
+    Numbers numbers;
+  } cases[] = {
+      {10, 0, 8, {5, 0, 0, 0, 0, 5, 0, 0}},
+      {10, kZelkFrameFd, 7, {5, 0, 0, 0, 5, 5, 0, 0}},
+      {0x8000000A, kZelkFrameSent, 9, {5, 0, 0, 0, 0, 0, 5, 5}},
+      {11, 0, 3, {5, 0, 0, 0, 5, 0, 0, 0}},
+      {0x8000000B, 0, 0, {0, 5, 0, 0, 0, 0, 0, 0}},
+      {10, kZelkFrameRemote, 0, {0, 0, 5, 0, 0, 0, 0, 0}},
+      {12, kZelkFrameError, 8, {0, 0, 0, 5, 0, 0, 0, 0}},
+  };
+  for (const auto& c : cases) {
+    ZelkFrameBlock block;
+    for (int i = 0; i < 5; ++i) block.Append(i, c.id, c.flags, 0, Frame(c.length));
+    EXPECT_EQ(numbers_of(database, block), c.numbers) << c.id;
+    block.Append(5, 13, 0, 0, {});
+    Numbers with_unknown = c.numbers;
+    ++with_unknown[1];
+    EXPECT_EQ(numbers_of(database, block), with_unknown) << c.id;
+  }
 }
 
 TEST(Columns, LeaveInSmallerBatchesBeforeTheyTakeTooMuchMemory) {
