@@ -52,6 +52,17 @@ class ZelkFrameFiller {
     block_.data_size_ += (length + 7) / 8 * 8;
   }
 
+  /// Room for more frames, but not for their data.
+  void reserve(std::size_t frames);
+  /// Appends frames of one channel and one length without flags; on an exception none.
+  ///
+  /// @param times   one for each frame, or empty: none
+  /// @param data    of the first frame; that of the next one follows in `stride` bytes
+  /// @param length  of the data of each frame, in bytes; at most `ZelkFrameBlock::kMostData`
+  /// @throws std::length_error for more than 4 GiB of data in the block; std::bad_alloc
+  void append_alike(std::span<const std::int64_t> times, std::span<const std::uint32_t> ids,
+                    std::uint16_t channel, const unsigned char* data, std::size_t stride,
+                    std::size_t length);
   /// Appends a frame with time, channel and direction of another one.
   void append_like(std::size_t index, std::uint32_t id, std::span<const unsigned char> data);
   /// Moves the last frames of the block each behind another one.
@@ -77,6 +88,9 @@ class ZelkFrameFiller {
   }
 
  private:
+  void copy_data(const unsigned char* data, std::size_t stride, std::size_t length,
+                 std::size_t count);
+
   ZelkFrameBlock& block_;
 };
 

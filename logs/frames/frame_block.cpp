@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr std::size_t kFirstFrames = 1024;
+constexpr std::size_t kMoreData = 0x4000;
 constexpr std::size_t kMostDataOfBlock = 0xFFFFFFF0;  // offsets have 32 bits
 
 }  // namespace
@@ -55,15 +55,10 @@ void ZelkFrameBlock::Append(const ZelkFrame& frame) {
 
 /// For one more frame, and data of so many bytes.
 void ZelkFrameBlock::grow(std::size_t data_bytes) {
-  if (size_ == ids_.size()) {
-    const std::size_t frames = std::max(2 * size_, kFirstFrames);
-    for (auto* const values : {&flags_, &channels_, &lengths_}) values->resize(frames);
-    for (auto* const values : {&offsets_, &time_begins_}) values->resize(frames);
-    times_.resize(frames);
-    time_lengths_.resize(frames);
-    ids_.resize(frames);  // last: its size is the room that there is
-  }
+  ZelkFrameFiller(*this).reserve(1);
   const std::size_t needed = data_size_ + data_bytes + 2 * kSlack;
   if (needed > kMostDataOfBlock) throw std::length_error("a block of frames has more than 4 GiB");
-  if (needed > data_.size()) data_.resize(std::max(2 * data_.size(), needed + 16 * kFirstFrames));
+  if (needed <= data_.size()) return;
+  // No more than offsets reach: what there is room for is not checked again.
+  data_.resize(std::min(std::max(2 * data_.size(), needed + kMoreData), kMostDataOfBlock));
 }

@@ -116,6 +116,13 @@ void ArrayRun::fill(ZelkFrameBlock& block, std::size_t first, std::size_t count)
   std::vector<std::uint16_t> channels;
   for (const std::string& name : frames_.names) channels.push_back(block.ChannelIndex(name));
   ZelkFrameFiller filler(block);
+  if (frames_.have_one_layout()) {
+    const auto part = [&](auto all) { return all.empty() ? all : all.subspan(first, count); };
+    filler.append_alike(part(frames_.times), part(frames_.ids), channels.front(),
+                        frames_.data.data() + frames_.offset(first), frames_.stride,
+                        frames_.length(first));
+    return;
+  }
   for (std::size_t i = first; i < first + count; ++i) {
     const std::size_t length = frames_.length(i);
     const unsigned char* const from = frames_.data.data() + frames_.offset(i);

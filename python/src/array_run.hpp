@@ -38,6 +38,10 @@ struct FrameArrays {
     return offsets.empty() ? std::uint64_t{frame} * stride
                            : static_cast<std::uint64_t>(offsets[frame]);
   }
+  /// Whether frames differ in identifier, time and data alone.
+  bool have_one_layout() const {
+    return lengths.size() == 1 && offsets.empty() && channels.empty();
+  }
 
   /// @throws Failure for arrays of different lengths, data beyond its end, channels without a name
   void check() const;
