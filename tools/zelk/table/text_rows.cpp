@@ -1,20 +1,12 @@
 #include <algorithm>
 #include <string_view>
 
-#include "base/encoding.hpp"
 #include "table/rows.hpp"
 #include "term/text.hpp"
 
 namespace zelk::tool {
 
 namespace {
-
-/// Columns that a text takes on a terminal: a character each, and a byte each when it is not UTF-8.
-std::size_t width_of(std::string_view text) {
-  const auto continues = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; };
-  if (!zelk::is_utf8(text)) return text.size();
-  return text.size() - static_cast<std::size_t>(std::ranges::count_if(text, continues));
-}
 
 /// Keeps all rows until the last one is in: it is then that the widths are known.
 class TextRows : public RowWriter {

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
@@ -85,6 +86,18 @@ std::optional<FileIdentity> identity_of_output();
 
 /// Whether a user sees what is written to `file`.
 bool is_terminal(std::FILE* file);
+
+/// What can be shown to the reader of an output.
+struct TerminalForm {
+  std::size_t columns = 80;
+  std::size_t lines = 24;
+  bool has_colors = false;
+  bool has_unicode = true;
+};
+
+/// Of `file`: where it is no terminal, the defaults. The variable NO_COLOR, when it is not empty,
+/// and the terminal "dumb" mean no colours; Unicode asks for a locale, or console, in UTF-8.
+TerminalForm terminal_form(std::FILE* file);
 
 }  // namespace zelk::tool
 

@@ -1,3 +1,4 @@
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -5,6 +6,9 @@
 #include <array>
 #include <atomic>
 #include <csignal>
+#include <cstdlib>
+#include <initializer_list>
+#include <string_view>
 
 #include "term/system.hpp"
 
@@ -103,5 +107,38 @@ std::optional<FileIdentity> identity_of_input() { return identity_of(STDIN_FILEN
 std::optional<FileIdentity> identity_of_output() { return identity_of(STDOUT_FILENO); }
 
 bool is_terminal(std::FILE* file) { return isatty(fileno(file)); }
+
+namespace {
+
+/// A variable of the environment; empty also when there is none.
+std::string_view variable(const char* name) {
+  const char* const value = std::getenv(name);
+  return value ? value : "";
+}
+
+bool is_locale_utf8() {
+  for (const char* const name : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+    const std::string_view locale = variable(name);
+    if (locale.empty()) continue;
+    return locale.find("UTF-8") != std::string_view::npos ||
+           locale.find("utf8") != std::string_view::npos;
+  }
+  return false;
+}
+
+}  // namespace
+
+TerminalForm terminal_form(std::FILE* file) {
+  TerminalForm form;
+  if (!is_terminal(file)) return form;
+  winsize size = {};
+  if (ioctl(fileno(file), TIOCGWINSZ, &size) == 0 && size.ws_col > 0 && size.ws_row > 0) {
+    form.columns = size.ws_col;
+    form.lines = size.ws_row;
+  }
+  form.has_colors = variable("NO_COLOR").empty() && variable("TERM") != "dumb";
+  form.has_unicode = is_locale_utf8();
+  return form;
+}
 
 }  // namespace zelk::tool

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <atomic>
+#include <cstdlib>
 #include <mutex>
 
 #include "files/files.hpp"
@@ -103,5 +104,23 @@ std::optional<FileIdentity> identity_of_output() {
 }
 
 bool is_terminal(std::FILE* file) { return _isatty(_fileno(file)); }
+
+TerminalForm terminal_form(std::FILE* file) {
+  TerminalForm form;
+  if (!is_terminal(file)) return form;
+  const auto console = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(file)));
+  CONSOLE_SCREEN_BUFFER_INFO screen = {};
+  if (GetConsoleScreenBufferInfo(console, &screen)) {
+    form.columns = static_cast<std::size_t>(screen.srWindow.Right - screen.srWindow.Left + 1);
+    form.lines = static_cast<std::size_t>(screen.srWindow.Bottom - screen.srWindow.Top + 1);
+  }
+  DWORD mode = 0;
+  const char* const no_color = std::getenv("NO_COLOR");
+  const bool wants_colors = !no_color || *no_color == '\0';
+  form.has_colors = wants_colors && GetConsoleMode(console, &mode) &&
+                    SetConsoleMode(console, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+  form.has_unicode = GetConsoleOutputCP() == CP_UTF8;
+  return form;
+}
 
 }  // namespace zelk::tool
