@@ -17,8 +17,10 @@
 #include "log/log_probe.hpp"
 #include "log/log_run.hpp"
 #include "plot/gather.hpp"
+#include "plot/html.hpp"
 #include "plot/png.hpp"
 #include "plot/svg.hpp"
+#include "plot/terminal.hpp"
 #include "save/replace_file.hpp"
 #include "term/system.hpp"
 #include "term/text.hpp"
@@ -31,7 +33,8 @@ constexpr const char* kStandard = "-";
 
 struct Arguments {
   std::vector<std::string> words;
-  std::string output;
+  std::string output;  // empty: standard output, in characters
+  bool ascii = false;  // in these alone
   PlotChoice choice;
   PictureOptions picture;
   double scale = 1;  // of a PNG
@@ -122,11 +125,16 @@ void report(const PlotGatherer& gatherer) {
         "zelk: warning: times run backwards, and points are put in the order of their times");
 }
 
-void write(const Arguments& arguments, const Figure& figure) {
+/// The bytes of the file.
+std::string encoded(const Arguments& arguments, const Figure& figure) {
+  if (ends_in(arguments.output, ".html")) return plot_page(figure);
   const Picture picture = plot_svg(figure, arguments.picture);
-  const std::string bytes = ends_in(arguments.output, ".png")
-                                ? png_of(picture.svg, picture.size, arguments.scale)
-                                : picture.svg;
+  if (ends_in(arguments.output, ".svg")) return picture.svg;
+  return png_of(picture.svg, picture.size, arguments.scale);
+}
+
+void write(const Arguments& arguments, const Figure& figure) {
+  const std::string bytes = encoded(arguments, figure);
   try {
     replace_file(arguments.output, bytes);
   } catch (const RequestError& error) {
@@ -134,7 +142,13 @@ void write(const Arguments& arguments, const Figure& figure) {
   }
 }
 
-ExitCode plot(const Arguments& arguments, Output&) {
+void draw(const Arguments& arguments, const Figure& figure, Output& out) {
+  TerminalForm form = terminal_form(stdout);
+  form.has_unicode &= !arguments.ascii;
+  out.raw(draw_in_terminal(figure, form));
+}
+
+ExitCode plot(const Arguments& arguments, Output& out) {
   if (kWhyNoPng && ends_in(arguments.output, ".png"))
     throw RequestError(behind_path(arguments.output, kWhyNoPng));
   LogDatabases databases(arguments.mending);
@@ -148,7 +162,7 @@ ExitCode plot(const Arguments& arguments, Output&) {
   if (words.logs.empty()) words.logs.emplace_back(kStandard);
   std::vector<std::string> inputs = databases.paths();
   inputs.insert(inputs.end(), words.logs.begin(), words.logs.end());
-  check_is_no_input(arguments.output, inputs);
+  if (!arguments.output.empty()) check_is_no_input(arguments.output, inputs);
 
   const NotedStop stop;
   PlotChoice choice = arguments.choice;
@@ -159,13 +173,19 @@ ExitCode plot(const Arguments& arguments, Output&) {
     if (!NotedStop::is_requested() && !gather(arguments, log, gatherer)) return kExitFailure;
   if (gatherer.is_empty()) throw RequestError("no frame has any of the signals");
   report(gatherer);
-  write(arguments, gatherer.figure());
+  if (arguments.output.empty()) {
+    draw(arguments, gatherer.figure(), out);
+  } else {
+    write(arguments, gatherer.figure());
+  }
   return NotedStop::is_requested() ? kExitInterrupted : kExitSuccess;
 }
 
 std::string check_output(const std::string& path) {
-  if (ends_in(path, ".svg") || ends_in(path, ".png")) return "";
-  return "a plot is written as .svg or .png, not as " + in_quotes(path);
+  if (ends_in(path, ".html") && !can_plot_pages())
+    return "this build has no plots as pages: uPlot was missing when it was made";
+  if (ends_in(path, ".html") || ends_in(path, ".svg") || ends_in(path, ".png")) return "";
+  return "a plot is written as .html, .svg or .png, not as " + in_quotes(path);
 }
 
 void add_picture_options(CLI::App& command, PictureOptions& options) {
@@ -200,9 +220,10 @@ void add_plot_command(CLI::App& app, Action& action) {
       ->option_text("...");
   command
       ->add_option("-o,--output", arguments->output,
-                   "File to write: .svg, or .png with the same picture in pixels")
+                   "File to write: .html to zoom and to read values, .svg, or .png with the same\n"
+                   "picture in pixels; else the plot is drawn in characters, as many as the\n"
+                   "terminal has")
       ->type_name("FILE")
-      ->required()
       ->check(CLI::Validator(check_output, ""));
   command
       ->add_option("--jitter", arguments->choice.jitter,
@@ -215,6 +236,7 @@ void add_plot_command(CLI::App& app, Action& action) {
                    "With --jitter: the attribute of messages that states their cycle time in\n"
                    "milliseconds, GenMsgCycleTime unless given")
       ->type_name("ATTRIBUTE");
+  command->add_flag("--ascii", arguments->ascii, "Draw with characters of ASCII alone");
   add_picture_options(*command, arguments->picture);
   command
       ->add_option("--scale", arguments->scale,

@@ -287,10 +287,10 @@ function drawSoon() {
 }
 
 function draw() {
-  for (const { chart } of charts) {
-    chart.batch(() => chart.setScale("x", { min: view.begin, max: view.end }));
-    placeCursor(chart);
-  }
+  isPlacing = true;
+  for (const { chart } of charts) chart.batch(() => chart.setScale("x", { min: view.begin, max: view.end }));
+  isPlacing = false;
+  for (const { chart } of charts) placeCursor(chart);
   const perPixel = secondsPerPixel();
   element("window").textContent =
     `${timeTexts.text(view.begin, perPixel)} to ${timeTexts.text(view.end, perPixel)}`;
@@ -370,7 +370,7 @@ function setCursor(time) {
   });
 }
 
-// Moves the line of one chart without being told about it again.
+// Moves the line of one chart. What the library says about that is no movement of the pointer.
 function placeCursor(chart) {
   const part = (cursorTime - view.begin) / (view.end - view.begin);
   isPlacing = true;
