@@ -15,7 +15,8 @@ bool can_plot_pages();
 
 /// A self-contained page of HTML that needs no network: charts to zoom, pan and read, and a table.
 ///
-/// A curve takes about 4 to 6 bytes for each point, and at most 22; the rest of a page 80 kB.
+/// A curve takes three to five bytes for each point as a rule, at most 22; the rest of a page 90
+/// kB.
 ///
 /// Precondition: `can_plot_pages`.
 std::string plot_page(const Figure& figure);
