@@ -130,8 +130,9 @@ class LayoutBuilder {
       result_.complete = result_.complete && result_.layouts.size() < kMaxLayouts;
       if (!result_.complete) return;
       const std::string step = condition_of(multiplexor, selection);
-      Layout layout{condition + (condition.empty() ? "" : ", ") + step, context, step, depth,
-                    context.size()};
+      std::string all = condition;
+      all.append(all.empty() ? "" : ", ").append(step);
+      Layout layout{all, context, step, depth, context.size()};
       layout.signals.insert(layout.signals.end(), selection.signals.begin(),
                             selection.signals.end());
       result_.layouts.push_back(layout);

@@ -29,9 +29,10 @@ void ZelkMessageFinder::AddDatabase(const ZelkDatabase& database, std::string_vi
 void ZelkMessageFinder::Prepare() {
   const auto& databases = state_->chosen.databases;
   state_->messages.clear();
-  for (std::size_t i = 0; i < databases.size(); ++i)
+  for (std::size_t i = 0; i < databases.size(); ++i) {
     for (const msgblk& message : zelk::each<const msgblk>(databases[i].content.records.messages))
       state_->messages.push_back({&message, i});
+  }
   state_->finder.emplace(databases, state_->match_groups);
 }
 

@@ -49,7 +49,7 @@ class SignalNumbers {
 class SpelledDescriptions {
  public:
   /// Of several texts for a value the first counts.
-  void add(std::uint32_t value, std::string text) { texts_.try_emplace(value, std::move(text)); }
+  void add(std::uint32_t value, const std::string& text) { texts_.try_emplace(value, text); }
   bool empty() const { return texts_.empty(); }
   /// The text for a raw value; empty for none.
   std::string_view find(std::int64_t raw) const;

@@ -14,7 +14,7 @@ TEST(Tool, OutOfMemory) {
   for (int i = 0; i < 20000; ++i)
     file += "BO_ " + std::to_string(i) + " M" + std::to_string(i) + ": 8 N\n\n";
   const auto path = write_file("a.dbc", file);
-  for (const char* kilobytes : {"20000", "22000", "24000", "27000"}) {
+  for (const char* kilobytes : {"22000", "24000", "26000", "29000"}) {
     const std::string run = "cd '" + path.parent_path().string() + "' && ulimit -v " + kilobytes +
                             " && exec '" ZELK_PROGRAM "' edit a.dbc --rename-node N O >out 2>err";
     EXPECT_EQ(std::system(run.c_str()), 1 << 8) << kilobytes;  // exit code 1

@@ -20,7 +20,14 @@ struct NamedFormat {
 
 constexpr NamedFormat kFormats[] = {{"dbc", ""}, {"kcd", "zelk-kcd"}, {"json", "zelk-json"}};
 
-/// The modules that come with the library lie in a folder beside it.
+std::optional<Format> find(std::string_view name) {
+  const auto found = std::ranges::find(kFormats, lowered(name), &NamedFormat::name);
+  if (found == std::end(kFormats)) return std::nullopt;
+  return Format{found->module.empty() ? "" : module_path(found->module)};
+}
+
+}  // namespace
+
 std::string module_path(std::string_view module) {
   constexpr int kNewestInterface = 0;  // the answer about the interface does not count
   std::array<char, 1 << 15> library{};
@@ -30,14 +37,6 @@ std::string module_path(std::string_view module) {
   std::string result(path.substr(0, path.find_last_of("/\\") + 1));
   return result.append("zelkms/").append(module).append(kModuleExtension);
 }
-
-std::optional<Format> find(std::string_view name) {
-  const auto found = std::ranges::find(kFormats, lowered(name), &NamedFormat::name);
-  if (found == std::end(kFormats)) return std::nullopt;
-  return Format{found->module.empty() ? "" : module_path(found->module)};
-}
-
-}  // namespace
 
 Format format_named(const std::string& name) {
   if (const std::optional<Format> format = find(name)) return *format;

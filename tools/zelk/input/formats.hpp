@@ -17,6 +17,11 @@ struct Format {
   bool is_own() const { return module.empty(); }
 };
 
+/// File of a module that comes with the program; these lie in a folder beside the library.
+///
+/// @param module  its name without folder and extension: "zelk-json"
+std::string module_path(std::string_view module);
+
 /// The format of a name, "dbc", "kcd" or "json" (case ignored), or else of the module in the file
 /// `name`.
 Format format_named(const std::string& name);
