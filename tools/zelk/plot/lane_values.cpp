@@ -31,11 +31,17 @@ double value_count(const sigblk& signal) {
   return range > 1 && range < bits ? range : bits;
 }
 
+/// Whether each raw value has a physical one of its own, from which it follows.
+bool keeps_values_apart(const sigblk& signal) {
+  const double factor = std::abs(signal.factor);
+  const double most = std::abs(signal.offset) + std::ldexp(factor, signal.length);
+  return std::isfinite(most) && most * std::numeric_limits<double>::epsilon() < factor;
+}
+
 }  // namespace
 
 bool is_enumeration(const sigblk& signal) {
-  if (is_ieee(signal) || signal.length > kMostBits || signal.factor == 0) return false;
-  if (!std::isfinite(signal.factor) || !std::isfinite(signal.offset)) return false;
+  if (is_ieee(signal) || signal.length > kMostBits || !keeps_values_apart(signal)) return false;
   if (signal.length == 1) return true;
   std::unordered_set<std::int32_t> described;
   for (const val& value : each<const val>(signal.values)) described.insert(value.value);

@@ -136,13 +136,13 @@ class FigureMaker {
     if (part.series->nominal_ms) add_nominal(part, axis);
   }
 
+  /// One for all interfaces and logs of a message.
   void add_nominal(const Part& part, Axis& axis) const {
     const double nominal = *part.series->nominal_ms;
-    axis.curves.push_back({part.series->message + ", nominal cycle",
-                           part.series->message,
-                           {figure_.begin, figure_.end},
-                           {nominal, nominal},
-                           2});
+    const std::string name = part.series->message + ", nominal cycle";
+    if (std::ranges::find(axis.curves, name, &Curve::name) != axis.curves.end()) return;
+    axis.curves.push_back(
+        {name, part.series->message, {figure_.begin, figure_.end}, {nominal, nominal}, 2});
   }
 
   void add_lane(const Part& part) {

@@ -29,6 +29,8 @@ constexpr double kUsualPanel = 210;  // height of one of several
 constexpr double kUsualAlone = 420;
 constexpr double kLeastPanel = 70;
 constexpr double kLeft = 76;
+constexpr double kLabelGap = 6;     // between an axis and its labels
+constexpr double kLabelWidth = 71;  // of ten digits, which take not quite 70
 constexpr double kRight = 24;
 constexpr double kTop = 36;
 constexpr double kBottom = 46;
@@ -89,9 +91,10 @@ std::string description_of(const Figure& figure) {
       "From " + time_text(figure, figure.begin) + " to " + time_text(figure, figure.end) + '.';
   for (const Axis& axis : figure.axes) {
     for (const Curve& curve : axis.curves) {
-      const Span span = value_range(curve);
-      text += fmt::format(" {}: {} to {} {}.", curve.name, check::number_text(span.low),
-                          check::number_text(span.high), axis.unit);
+      const std::optional<Span> span = value_range(curve);
+      text += span ? fmt::format(" {}: {} to {} {}.", curve.name, check::number_text(span->low),
+                                 check::number_text(span->high), axis.unit)
+                   : fmt::format(" {}: no numbers.", curve.name);
     }
   }
   for (const Lane& lane : figure.lanes)
@@ -177,10 +180,10 @@ double Drawing::draw_panel(std::size_t index, double y) {
   for (const Tick& tick : number_ticks(values, most_rows)) {
     const double at = area.up(values, tick.at);
     rows.push_back({{"y", pixel(at)},
-                    {"label", fitted(tick.label, kLeft - 10, kLabelFont)},
+                    {"label", fitted(tick.label, kLabelWidth, kLabelFont)},
                     {"x1", area.x},
                     {"x2", area.x + area.width},
-                    {"text_x", area.x - 6},
+                    {"text_x", area.x - kLabelGap},
                     {"text_y", pixel(at + 4)}});
   }
   json columns = json::array();

@@ -35,11 +35,15 @@ int decimals_of(double step) {
 
 std::string number_label(double number, double step) {
   constexpr double kMostInDigits = 1e7;
-  constexpr int kMostDecimals = 6;
+  constexpr double kMostWithSteps = 1e12;  // where fewer digits would not tell two steps apart
+  constexpr int kFewDigits = 6;
+  const double size = std::abs(number);
+  const bool needs_digits = size < kMostWithSteps && size / step >= 1e5;
   const int decimals = decimals_of(step);
-  if (std::abs(number) < kMostInDigits && decimals <= kMostDecimals)
+  if ((size < kMostInDigits || needs_digits) && decimals <= kFewDigits)
     return fmt::format("{:.{}f}", number == 0 ? 0.0 : number, decimals);
-  return fmt::format("{:.{}g}", number, 6);
+  const double digits = number == 0 ? 0 : std::floor(std::log10(size / step)) + 2;
+  return fmt::format("{:.{}g}", number, std::clamp(static_cast<int>(digits), kFewDigits, 17));
 }
 
 std::string date_text(std::int64_t day) {
@@ -108,7 +112,7 @@ bool spans_days(const Figure& figure) {
 
 }  // namespace
 
-Span value_range(const Curve& curve) {
+std::optional<Span> value_range(const Curve& curve) {
   constexpr double kInfinity = std::numeric_limits<double>::infinity();
   Span range{kInfinity, -kInfinity};
   for (const double value : curve.values) {
@@ -116,16 +120,17 @@ Span value_range(const Curve& curve) {
     range.low = std::min(range.low, value);
     range.high = std::max(range.high, value);
   }
-  return range.low <= range.high ? range : Span{0, 0};
+  return range.low <= range.high ? std::optional(range) : std::nullopt;
 }
 
 Span value_span(const Axis& axis) {
   double low = std::numeric_limits<double>::infinity();
   double high = -low;
   for (const Curve& curve : axis.curves) {
-    const Span range = value_range(curve);
-    low = std::min(low, range.low);
-    high = std::max(high, range.high);
+    const std::optional<Span> range = value_range(curve);
+    if (!range) continue;
+    low = std::min(low, range->low);
+    high = std::max(high, range->high);
   }
   if (low > high) return {0, 1};
   constexpr double kRoom = 0.04;  // of the range, on either side

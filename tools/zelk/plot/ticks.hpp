@@ -5,6 +5,7 @@
 #define ZELK_TOOL_PLOT_TICKS_HPP
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -27,8 +28,8 @@ struct Span {
   double part(double number) const { return (number / 2 - low / 2) / (high / 2 - low / 2); }
 };
 
-/// The values of a curve, without its gaps; 0 to 0 when it has none.
-Span value_range(const Curve& curve);
+/// The values of a curve, without its gaps; none when it has no number.
+std::optional<Span> value_range(const Curve& curve);
 /// All values of the curves, with some room around; `low` is below `high`.
 Span value_span(const Axis& axis);
 /// The times of the figure, likewise, without room.
