@@ -142,7 +142,9 @@ void write_name(const RowState& row, std::size_t width, const CharacterSet& char
   const Role role = row.is_missing ? Role::kAlert : Role::kPlain;
   if (row.page.empty()) return out.add_left(row.name, width, role);
   const std::size_t end = out.column() + std::min(width, out.room());
-  const FittedText page = fitted(row.page, width - std::min(width, std::size_t{8}), characters);
+  const std::size_t name_columns = fitted(row.name, width, characters).columns + 1;
+  const std::size_t kept = std::min({width, name_columns, std::size_t{8}});
+  const FittedText page = fitted(row.page, width - kept, characters);
   const FittedText name = fitted(row.name, width - std::min(width, page.columns + 1), characters);
   out.add(name.text, role);
   out.add(" ", Role::kPlain);

@@ -75,7 +75,8 @@ void RowDetails::write_signal(const SignalState& signal, std::int64_t now, LineW
   out.add(" ");
   if (!signal.is_present) return out.add_right("-", kValueColumns, Role::kFaint);
   const Role role = role_of_change(signal.changed_at, now, Role::kPlain);
-  out.add_right(signal.spelled, kValueColumns, role);
+  // A number that is cut would look like another one.
+  out.add_right(signal.spelled, std::max(kValueColumns, signal.spelled.size()), role);
   out.add(" ");
   if (!signal.unit.empty()) out.add(signal.unit + ' ', Role::kPlain);
   if (!signal.text.empty()) out.add('"' + signal.text + '"', Role::kText);

@@ -26,7 +26,7 @@ std::size_t moved(std::size_t at, std::size_t count, std::size_t page, Key key) 
     case Key::kDown:
       return std::min(at + 1, last);
     case Key::kPageDown:
-      return std::min(at + page, last);
+      return at + std::min(page, last - std::min(at, last));
     case Key::kHome:
       return 0;
     case Key::kEnd:
@@ -105,6 +105,7 @@ Request ScreenView::press_character(char32_t character) {
     case ' ':
       frozen_curve_ = curve_;
       rows_.freeze(!rows_.is_frozen());
+      if (plan_) arrange(columns_);  // other rows are shown now
       break;
     case 's':
       sort_by_next();

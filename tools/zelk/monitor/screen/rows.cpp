@@ -36,10 +36,9 @@ bool has(const std::string& words, const std::string& pattern) {
 
 void RowList::update(const std::deque<RowState>& rows, std::int64_t now) {
   now_ = now;
-  for (std::size_t i = rows_.size(); i < rows.size(); ++i) {
-    rows_.push_back({&rows[i], &rows[i]});
-    note_channel(rows[i].channel);
-  }
+  for (std::size_t i = rows_.size(); i < rows.size(); ++i) rows_.push_back({&rows[i], &rows[i]});
+  // A row that was there before its first frame has its channel only now.
+  for (const ShownRow& row : rows_) note_channel(row.state->channel);
 }
 
 /// A column of channels is worth its place from the second one on.
@@ -65,8 +64,9 @@ void RowList::freeze(bool is_wanted) {
 }
 
 const std::string& RowList::words_of(const RowState& row) {
-  std::string& words = words_[&row];
-  if (!words.empty()) return words;
+  auto& [words, are_all] = words_[&row];
+  if (are_all) return words;
+  are_all = row.count > 0;  // the first frame brings the page, the channel and the signals
   words = fmt::format("{}\n{}\n0x{:0{}X}\n{}", row.name, row.page, bare_id(row.id),
                       id_digits(row.id), row.channel);
   if (row.message == nullptr) words += "\n(unknown)";

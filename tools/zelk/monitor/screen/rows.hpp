@@ -57,7 +57,11 @@ class RowList {
   std::int64_t frozen_now_ = 0;
   std::string first_channel_;
   std::size_t channel_columns_ = 0;
-  std::unordered_map<const RowState*, std::string> words_;  // in which filters search
+  struct Words {
+    std::string text{};
+    bool are_all = false;
+  };
+  std::unordered_map<const RowState*, Words> words_;  // in which filters search
 };
 
 }  // namespace zelk::tool

@@ -87,12 +87,22 @@ class Screen {
       if (!event) continue;
       if (event->kind == TerminalEvent::Kind::kGone) return false;
       if (event->kind == TerminalEvent::Kind::kClick) view_.click(event->column, event->line);
-      if (event->kind == TerminalEvent::Kind::kKey && !answer(view_.press(event->press)))
-        return false;
+      if (event->kind == TerminalEvent::Kind::kKey && !answer(press(event->press))) return false;
       constexpr std::chrono::milliseconds kSoon(20);
       until = std::min(until, Clock::now() + kSoon);
     }
     return false;
+  }
+
+  /// Keys may keep what rows hold: no frames come in meanwhile, and figures fit the data.
+  Request press(const KeyPress& press) {
+    const bool has_ended = session_.has_ended();
+    Request request;
+    session_.look([&](BusState& state) {
+      view_.update(state.rows(), facts_of(state, has_ended));
+      request = view_.press(press);
+    });
+    return request;
   }
 
   /// @return false when the user quits

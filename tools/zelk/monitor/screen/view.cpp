@@ -28,6 +28,14 @@ std::string time_text(std::int64_t now) {
                      tenths / 10 % 60, tenths % 10);
 }
 
+/// A number with as many digits as fit: cut, it would lose its exponent.
+std::string label_text(double value, std::size_t columns) {
+  std::string text;
+  for (int digits = 5; digits > 0 && (text.empty() || text.size() > columns); --digits)
+    text = fmt::format("{:.{}g}", value, digits);
+  return text;
+}
+
 }  // namespace
 
 void ScreenView::update(const std::deque<RowState>& rows, BusFacts facts) {
@@ -132,14 +140,16 @@ ScreenLine ScreenView::headings(std::size_t columns) const {
   const char* const arrow =
       choice_.is_reversed ? characters_.sign("↓", "v") : characters_.sign("↑", "^");
   for (const TablePlan::Place& place : plan_->places()) {
-    out.skip_to(place.begin);
     std::string text = heading_of(place.column, characters_);
     const bool goes_right = place.column > Column::kData || place.column == Column::kId;
-    if (place.column == choice_.order) text.insert(goes_right ? 0 : text.size(), arrow);
+    const std::size_t arrow_columns = place.column == choice_.order ? 1 : 0;
+    if (arrow_columns > 0) text.insert(goes_right ? 0 : text.size(), arrow);
+    // The arrow may take the blank beside its column.
+    out.skip_to(place.begin - (goes_right ? arrow_columns : 0));
     if (goes_right) {
-      out.add_right(text, place.width, Role::kHeading);
+      out.add_right(text, place.width + arrow_columns, Role::kHeading);
     } else {
-      out.add_left(text, place.width, Role::kHeading);
+      out.add_left(text, place.width + arrow_columns, Role::kHeading);
     }
   }
   out.skip_to(columns);
@@ -229,7 +239,9 @@ ScreenLine ScreenView::footer(std::size_t columns) const {
 }
 
 void ScreenView::draw_curve(std::vector<ScreenLine>& lines, std::size_t columns) const {
-  const RowState& row = *watched_->key;
+  const auto& rows = rows_.all();
+  const auto shown = std::ranges::find(rows, watched_->key, &ShownRow::key);
+  const RowState& row = shown == rows.end() ? *watched_->key : *shown->state;
   const SignalState& signal = row.signals[watched_->signal];
   const SignalCurve& curve = rows_.is_frozen() ? frozen_curve_ : curve_;
   const auto range = curve.range(rows_.now());
@@ -245,13 +257,14 @@ void ScreenView::draw_curve(std::vector<ScreenLine>& lines, std::size_t columns)
   constexpr std::size_t kLabelColumns = 9;
   const std::size_t width = columns - std::min(columns, kLabelColumns + 1);
   const std::vector<std::string> picture = curve.draw(width, kCurveLines, rows_.now(), characters_);
+  const bool is_flat = range && range->least == range->greatest;  // drawn in the middle
+  const std::size_t least_line = is_flat ? kCurveLines / 2 - 1 : kCurveLines - 1;
   for (std::size_t i = 0; i < kCurveLines; ++i) {
     LineWriter line(lines.emplace_back(), columns, characters_);
-    const bool is_flat = range && range->least == range->greatest;
     if (range && !is_flat && i == 0)
-      line.add_right(fmt::format("{:.5g}", range->greatest), kLabelColumns, Role::kFaint);
-    if (range && i + 1 == kCurveLines)
-      line.add_right(fmt::format("{:.5g}", range->least), kLabelColumns, Role::kFaint);
+      line.add_right(label_text(range->greatest, kLabelColumns), kLabelColumns, Role::kFaint);
+    if (range && i == least_line)
+      line.add_right(label_text(range->least, kLabelColumns), kLabelColumns, Role::kFaint);
     line.skip_to(kLabelColumns + 1);
     line.add(picture[i], Role::kCurve);
   }
