@@ -115,9 +115,10 @@ class Fitting {
   /// Shares out what is left: to names, then to bytes, whole ones.
   void grow() {
     const std::size_t name = std::min(widths_.name, kMostNameColumns);
-    if (name > width(Column::kName))
+    if (name > width(Column::kName)) {
       width(Column::kName) +=
           std::min(name - width(Column::kName), columns_ - std::min(total(), columns_));
+    }
     if (width(Column::kData) == 0 || widths_.data_bytes <= 8) return;
     const std::size_t room = width(Column::kData) + columns_ - std::min(total(), columns_);
     const std::size_t bytes = is_compact_ ? room / 2 : (room + 1) / 3;

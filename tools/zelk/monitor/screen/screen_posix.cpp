@@ -133,9 +133,10 @@ class Screen {
   void stop_recording() {
     const auto recording = session_.recording();
     session_.stop_recording();
-    if (recording)
+    if (recording) {
       view_.say(recording->path + ": " + std::to_string(recording->frame_count) +
                 " frames recorded");
+    }
   }
 
   Session& session_;
