@@ -57,8 +57,8 @@ struct BusState::State {
                       std::span<const unsigned char> data);
   std::size_t new_row(const MessagePlan* plan, std::uint32_t channel, std::uint32_t id,
                       std::string page, std::span<const unsigned char> data);
-  void update(std::size_t row, std::span<const unsigned char> data, std::int64_t time);
-  void refresh(std::size_t row);
+  void update(std::size_t index, std::span<const unsigned char> data, std::int64_t time);
+  void refresh(std::size_t index);
 
   Options options;
   ZelkMessageFinder finder;

@@ -53,9 +53,10 @@ class Dots {
 void append_braille(std::string& line, const Dots& dots, std::size_t column, std::size_t top) {
   constexpr std::array<std::array<std::uint32_t, 4>, 2> kBits = {{{0, 1, 2, 6}, {3, 4, 5, 7}}};
   std::uint32_t bits = 0;
-  for (std::size_t x = 0; x < 2; ++x)
+  for (std::size_t x = 0; x < 2; ++x) {
     for (std::size_t y = 0; y < 4; ++y)
       if (dots.at(2 * column + x, top - y)) bits |= 1u << kBits[x][y];
+  }
   append_utf8(line, bits == 0 ? ' ' : 0x2800 + bits);
 }
 

@@ -186,12 +186,13 @@ void ScreenView::toggle_curve() {
   const RowDetails details(*row.state, *plan_, columns_);
   const auto signal = chosen_line_ == 0 ? std::nullopt : details.signal_at(chosen_line_ - 1);
   const bool is_watched = watched_ && watched_->key == row.key;
-  if (is_watched && (!signal || *signal == watched_->signal)) {
+  const std::size_t index = signal.value_or(0);
+  if (is_watched && (!signal || index == watched_->signal)) {
     watched_.reset();
     return;
   }
   if (row.state->signals.empty()) return say("this row has no signals to draw");
-  watch(row, signal.value_or(0));
+  watch(row, index);
   if (signal) return;
   expand(true);
   chosen_line_ = 1 + details.line_of_signal(0);
