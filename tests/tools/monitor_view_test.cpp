@@ -379,6 +379,50 @@ TEST(MonitorView, AsksTheProgram) {
   }
 }
 
+TEST(MonitorView, KeepsTheEndOfAPromptInSight) {
+  const struct {
+    std::u32string typed;
+    const char* footer;  // in 20 columns
+  } cases[] = {
+      {U"0123456789", " filter: 0123456789_"},
+      {U"0123456789a", " filter: 123456789a_"},
+      {U"0123456789水", " filter: 23456789水_"},
+      {U"0123456\u009B", " filter: 56\\xC2\\x9B_"},
+      {std::u32string(5000, U'é') + U"x", " filter: éééééééééx_"},
+      {std::u32string(5000, U'水') + U"x", " filter: 水水水水x_"},
+      {std::u32string(50, U'\x10FFFD') + U"xy", " filter: \\u10FFFDxy_"},
+  };
+  for (const auto& c : cases) {
+    Bench bench;
+    bench.type("/");
+    for (const char32_t character : c.typed) bench.view.press({Key::kCharacter, character});
+    EXPECT_EQ(text_of(bench.lines(20, 5).back()), c.footer);
+  }
+}
+
+TEST(MonitorView, FollowsTheMouse) {
+  Bench bench;
+  fill(bench);
+  bench.view.click(9, 1);  // nothing was drawn yet
+  bench.lines();
+  bench.view.click(0, 4);
+  EXPECT_EQ(text_of(bench.lines()[5]), "    1 byte, 1 frame");
+  bench.view.click(20, 4);  // once more, on its name
+  EXPECT_TRUE(bench.lines()[4].is_selected);
+  EXPECT_EQ(text_of(bench.lines()[5]).find("▸"), 0u);
+  for (const std::size_t line : {0u, 7u, 8u, 9u, 10u, 999u}) bench.view.click(20, line);
+  EXPECT_TRUE(bench.lines()[4].is_selected);
+  bench.view.click(12, 1);
+  EXPECT_EQ(bench.names(), "Doors Engine *Paged Mode = 0 Paged Mode = 1, Sub = 3 (unknown)");
+  bench.lines();
+  bench.view.click(12, 1);
+  EXPECT_EQ(bench.names(), "Paged Mode = 1, Sub = 3 *Paged Mode = 0 Engine Doors (unknown)");
+  bench.type("?");
+  EXPECT_EQ(bench.text().find(" keys of zelk monitor"), 0u);
+  bench.view.click(0, 0);
+  EXPECT_EQ(bench.names(), "Paged Mode = 1, Sub = 3 *Paged Mode = 0 Engine Doors (unknown)");
+}
+
 TEST(MonitorView, SurvivesKeysInAnyOrder) {
   for (const char* keys :
        {"c", "<>\r^v{}[]", "e]\r]c", "c+++++++-------", "/\b\b/\r\r", "?]}}}^x", "mc\rm",

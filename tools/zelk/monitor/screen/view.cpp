@@ -28,6 +28,10 @@ std::string time_text(std::int64_t now) {
                      tenths / 10 % 60, tenths % 10);
 }
 
+bool is_within_character(std::string_view text) {
+  return (static_cast<unsigned char>(text.front()) & 0xC0) == 0x80;
+}
+
 /// A number with as many digits as fit: cut, it would lose its exponent.
 std::string label_text(double value, std::size_t columns) {
   std::string text;
@@ -222,7 +226,10 @@ ScreenLine ScreenView::footer(std::size_t columns) const {
     std::string_view shown = prompt_text_;
     out.add(prompt_ == Prompt::kFilter ? " filter: " : " record to: ", Role::kKey);
     const std::size_t room = out.room() - std::min<std::size_t>(out.room(), 1);
-    while (!shown.empty() && fitted(shown, SIZE_MAX, characters_).columns > room)
+    // A pasted text may be long: its last characters are tried, of at most 4 bytes each.
+    shown.remove_prefix(shown.size() - std::min(shown.size(), 4 * (room + 1)));
+    while (!shown.empty() &&
+           (is_within_character(shown) || fitted(shown, SIZE_MAX, characters_).columns > room))
       shown.remove_prefix(std::max<std::size_t>(first_code_point(shown).size, 1));
     out.add(shown);
     out.add("_", Role::kKey);
