@@ -93,9 +93,10 @@ class FigureMaker {
   }
 
   void add(const Part& part) {
-    for (std::size_t i = 1; i < part.sources.size(); ++i)
+    for (std::size_t i = 1; i < part.sources.size(); ++i) {
       std::visit([&](auto& content) { append(content, part.sources[i]->content); },
                  part.sources.front()->content);
+    }
     if (part.series->values) {
       add_lane(part);
     } else {

@@ -97,9 +97,10 @@ std::string description_of(const Figure& figure) {
                    : fmt::format(" {}: no numbers.", curve.name);
     }
   }
-  for (const Lane& lane : figure.lanes)
+  for (const Lane& lane : figure.lanes) {
     text +=
         fmt::format(" {}: {}.", lane.name, counted(lane.stretches.size(), "stretch", "stretches"));
+  }
   return text;
 }
 
@@ -187,9 +188,10 @@ double Drawing::draw_panel(std::size_t index, double y) {
                     {"text_y", pixel(at + 4)}});
   }
   json columns = json::array();
-  for (const Tick& tick : time_ticks(figure_, static_cast<std::size_t>(area.width / kPerTick)))
+  for (const Tick& tick : time_ticks(figure_, static_cast<std::size_t>(area.width / kPerTick))) {
     columns.push_back(
         {{"x", pixel(area.across(times_, tick.at))}, {"y1", top}, {"y2", top + area.height}});
+  }
   data_["clips"].push_back({{"number", index},
                             {"x", area.x},
                             {"y", area.y},
@@ -277,10 +279,11 @@ json Drawing::draw_band(const Lane& lane, const Band& band, const PlotArea& area
   const std::string text = is_several ? "" : fitted(value, width - 8, kLabelFont);
   json label = json::array();
   // An ellipsis with a letter or two says nothing.
-  if (text == value || text.size() > 6)
+  if (text == value || text.size() > 6) {
     label.push_back({{"text", text},
                      {"label_x", pixel(band.begin + 4)},
                      {"label_y", area.y + area.height / 2 + 4}});
+  }
   return {{"x", pixel(band.begin)},
           {"y", area.y},
           {"width", pixel(width)},

@@ -149,9 +149,10 @@ Span time_span(const Figure& figure) {
 
 std::vector<Tick> number_ticks(const Span& span, std::size_t most) {
   const double wanted = (span.high - span.low) / static_cast<double>(most);
-  if (!std::isnormal(wanted) || !std::isnormal(round_step(wanted)))
+  if (!std::isnormal(wanted) || !std::isnormal(round_step(wanted))) {
     return {{span.low, fmt::format("{:.6g}", span.low)},
             {span.high, fmt::format("{:.6g}", span.high)}};
+  }
   const double step = round_step(wanted);
   std::vector<Tick> ticks;
   for (const double at : multiples(span, step, 0, most))

@@ -36,9 +36,10 @@ class PixelColumn {
     if (count_ == 0) return;
     const std::array<Place, 4> four = low_at_ < high_at_ ? std::array{first_, low_, high_, last_}
                                                          : std::array{first_, high_, low_, last_};
-    for (std::size_t i = 0; i < four.size(); ++i)
+    for (std::size_t i = 0; i < four.size(); ++i) {
       if (i == 0 || four[i].x != four[i - 1].x || four[i].y != four[i - 1].y)
         places_.push_back(four[i]);
+    }
     count_ = low_at_ = high_at_ = 0;
   }
 

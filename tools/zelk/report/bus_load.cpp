@@ -173,7 +173,7 @@ json sender_data(const SenderLoad& entry, Encoding encoding, const ElementIds& i
 }  // namespace
 
 KnownAttribute cycle_time(const ZelkDatabase& database) {
-  const KnownAttribute usual(database.attr_defs, ZELK_OBJ_MESSAGE, "GenMsgCycleTime");
+  KnownAttribute usual(database.attr_defs, ZELK_OBJ_MESSAGE, "GenMsgCycleTime");
   if (usual.is_defined()) return usual;
   return {database.attr_defs, ZELK_OBJ_MESSAGE, "CycleTime"};
 }

@@ -28,7 +28,6 @@
 
 namespace zelk::tool {
 
-using check::Changed;
 using check::Difference;
 using check::Presence;
 using nlohmann::json;
@@ -252,11 +251,12 @@ class ChangesPage {
 
   json list_of_messages() const {
     json list = json::array();
-    for (const ChangedMessage& changed : first_of(messages_, kMostListed))
+    for (const ChangedMessage& changed : first_of(messages_, kMostListed)) {
       list.push_back({{"element", list.size() < kMostDetailed ? element_of(changed) : ""},
                       {"name", name_of(changed)},
                       {"id", id_of(changed)},
                       {"presence", word_of(changed.presence)}});
+    }
     return {{"messages", std::move(list)},
             {"rest", note_of_rest(messages_.size(), kMostListed)},
             {"detail_rest", messages_.size() > kMostDetailed

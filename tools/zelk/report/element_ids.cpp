@@ -48,9 +48,10 @@ void ElementIds::add(const void* record, std::string element) {
 std::string ElementIds::text(std::string_view name) {
   constexpr std::size_t kMostBytes = 200;
   std::string result;
-  for (const char c : name.substr(0, kMostBytes))
+  for (const char c : name.substr(0, kMostBytes)) {
     result +=
         is_plain(c) ? std::string(1, c) : fmt::format("-{:02X}", static_cast<unsigned char>(c));
+  }
   return result;
 }
 

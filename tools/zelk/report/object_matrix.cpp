@@ -28,9 +28,10 @@ Nodes senders_of(const ReportContext& context) {
 
 Nodes receivers_of(const ReportContext& context, const Nodes& senders) {
   std::unordered_set<const symblk*> receiving;
-  for (const symblk* sender : senders)
+  for (const symblk* sender : senders) {
     for (const auto& [node, count] : context.traffic.of(*sender).messages_to)
       receiving.insert(node);
+  }
   Nodes nodes;
   for (const symblk& node : each(context.database.records.nodes))
     if (receiving.contains(&node)) nodes.push_back(&node);
