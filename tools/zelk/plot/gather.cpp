@@ -291,12 +291,17 @@ bool PlotGatherer::ran_backwards() const {
 }
 
 std::vector<std::string> PlotGatherer::missing() const {
-  std::vector<bool> has(state_->choice.signals.size() + 1);
-  for (const Series& series : state_->series)
-    if (!series.sources.empty() && series.has_gaps) has[series.order] = true;
-  std::vector<std::string> missing;
-  for (std::size_t i = 0; i + 1 < has.size(); ++i)
-    if (!has[i]) missing.push_back(state_->choice.signals[i]);
+  std::vector<std::string> missing = state_->choice.signals;
+  for (std::size_t i = 0; i < state_->signal_tables.size(); ++i) {
+    const std::string owner = utf8(view(state_->signals->Tables()[i].message->name));
+    for (const std::size_t number : state_->signal_tables[i].series) {
+      const Series& series = state_->series[number];
+      if (series.sources.empty()) continue;
+      std::erase_if(missing, [&](const std::string& pattern) {
+        return matches_object(pattern, series.name, owner);
+      });
+    }
+  }
   return missing;
 }
 

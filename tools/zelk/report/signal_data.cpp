@@ -48,7 +48,7 @@ json selector_data(const ReportContext& context, const sigblk& signal) {
 /// The element of a signal. It is empty when no other object on the page links to it, and the
 /// script can tell it from the message and the name: 20 bytes for each of thousands are much.
 std::string anchor_of(const ReportContext& context, const sigblk& signal) {
-  const std::string element = context.ids.of(&signal);
+  std::string element = context.ids.of(&signal);
   if (context.linked.contains(&signal) || context.findings.by_record.contains(&signal))
     return element;
   const std::string_view prefix = "message-";
