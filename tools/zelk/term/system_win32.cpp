@@ -103,7 +103,11 @@ std::optional<FileIdentity> identity_of_output() {
   return identity_of(GetStdHandle(STD_OUTPUT_HANDLE));
 }
 
-bool is_terminal(std::FILE* file) { return _isatty(_fileno(file)); }
+// Other devices, such as NUL, are terminals to _isatty.
+bool is_terminal(std::FILE* file) {
+  DWORD mode = 0;
+  return GetConsoleMode(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(file))), &mode) != 0;
+}
 
 TerminalForm terminal_form(std::FILE* file) {
   TerminalForm form;
