@@ -34,6 +34,11 @@ struct Table {
   /// Of each channel, behind that without a name, for each column.
   std::vector<std::vector<SourceIndex>> sources{};
   std::vector<std::optional<std::int64_t>> last_times{};  ///< of frames, of each channel
+
+  void make_room(std::size_t channel) {
+    if (sources.size() <= channel)
+      sources.resize(channel + 1, std::vector<SourceIndex>(series.size()));
+  }
 };
 
 std::unique_ptr<ZelkColumnDecoder> make_decoder(const LogDatabases& databases,
@@ -219,14 +224,11 @@ void PlotGatherer::State::take(bool is_end) {
                             const auto& put) {
     Batch batch;
     for (std::size_t i = 0; decoder && i < tables.size(); ++i) {
-      Table& table = tables[i];
-      while (batch.take(*decoder, i, is_end)) {
-        for_each_channel(batch, logs.back(), [&](std::size_t channel, const Rows& rows) {
-          if (table.sources.size() <= channel)
-            table.sources.resize(channel + 1, std::vector<SourceIndex>(table.series.size()));
-          put(table, batch, channel, rows);
-        });
-      }
+      const auto put_rows = [&](std::size_t channel, const Rows& rows) {
+        tables[i].make_room(channel);
+        put(tables[i], batch, channel, rows);
+      };
+      while (batch.take(*decoder, i, is_end)) for_each_channel(batch, logs.back(), put_rows);
     }
   };
   take_all(signals.get(), signal_tables, [this](auto&... arguments) { put_signals(arguments...); });

@@ -15,7 +15,7 @@ constexpr std::int64_t kSecond = 1'000'000'000;
 constexpr std::size_t kMostTitles = 3;  // names of logs in the title
 
 /// Later times are dates: no log counts for twenty years.
-constexpr std::int64_t kFirstDate = 20 * 365 * 24 * 3600 * kSecond;
+constexpr std::int64_t kFirstDate = std::int64_t{20} * 365 * 24 * 3600 * kSecond;
 
 double seconds_between(std::int64_t from, std::int64_t to) {
   if (to < from) return -seconds_between(to, from);
@@ -205,6 +205,7 @@ Figure make_figure(std::vector<Series>& all, const std::vector<std::string>& log
     std::vector<Part> own = parts_of(*series, relative);
     const std::string& name = uses[series->name] == 1 ? series->name : series->full_name;
     std::vector<std::string> names;
+    names.reserve(own.size());
     for (const Part& part : own) names.push_back(name_of(part, name, own, logs));
     for (std::size_t i = 0; i < own.size(); ++i) {
       own[i].name = std::move(names[i]);
