@@ -34,6 +34,7 @@ std::vector<TextShare> shares_of(const Lane& lane) {
     total += stretch.end - stretch.begin;
   }
   std::vector<TextShare> shares;
+  shares.reserve(seconds.size());
   for (const auto& [text, time] : seconds) shares.push_back({text, total > 0 ? time / total : 1});
   std::ranges::stable_sort(shares, std::ranges::greater{}, &TextShare::share);
   return shares;
