@@ -4,9 +4,9 @@
 #include <vector>
 
 #include "commands/commands.hpp"
+#include "commands/log_run_options.hpp"
 #include "commands/mending_options.hpp"
 #include "commands/name_filter_options.hpp"
-#include "commands/time_options.hpp"
 #include "input/lookup.hpp"
 #include "input/opening.hpp"
 #include "log/log_databases.hpp"
@@ -27,25 +27,13 @@ struct Arguments {
   ZelkTextOptions text;
   WideArguments wide;
   NameFilter filter;
-  TimeOptions times;
+  LogRunOptions run;
   Mending mending;
-  bool strict = false;
-  bool stats = false;
-  bool transport = false;
-  unsigned threads = 0;  // 0: by the size of the log
 };
 
 ZelkTextFormat format_of(const std::string& name) {
   if (name == "json") return ZelkTextFormat::kJson;
   return name == "csv" ? ZelkTextFormat::kCsv : ZelkTextFormat::kText;
-}
-
-ZelkPipelineOptions pipeline_options(const Arguments& arguments) {
-  ZelkPipelineOptions options;
-  options.threads = arguments.threads;
-  options.times = arguments.times.window;
-  options.transport = arguments.transport;
-  return options;
 }
 
 void decode_lines(const Arguments& arguments, const LogDatabases& databases, LogRun& run,
@@ -108,11 +96,12 @@ ExitCode decode(const Arguments& arguments, Output& out) {
   if (!databases.check_filter(arguments.filter)) return kExitFailure;
   check_output(arguments, databases.paths(), log);
   const NotedStop stop;
-  ZelkLogReader reader(log, {.times = arguments.times.kind, .stop = &NotedStop::is_requested()});
-  LogRun run(reader, pipeline_options(arguments), arguments.strict);
+  ZelkLogReader reader(log,
+                       {.times = arguments.run.times.kind, .stop = &NotedStop::is_requested()});
+  LogRun run(reader, pipeline_options(arguments.run), arguments.run.strict);
   (arguments.wide.is_wanted ? decode_wide : decode_lines)(arguments, databases, run, out);
   out.flush();
-  const bool is_log = run.finish(arguments.stats);
+  const bool is_log = run.finish(arguments.run.stats);
   if (NotedStop::is_requested()) return kExitInterrupted;
   return is_log ? kExitSuccess : kExitFailure;
 }
@@ -195,20 +184,8 @@ void add_decode_command(CLI::App& app, Action& action) {
   command->add_flag("--numbers", arguments->text.numbers, "No value descriptions");
   add_name_filter_options(*command, arguments->filter);
   add_wide_options(*command, arguments);
-  command->add_flag("--j1939-tp", arguments->transport,
-                    "Put messages of the J1939 transport protocol together (BAM, RTS/CTS)");
-  command->add_flag("--match-pgn", arguments->text.match_groups,
-                    "Match extended identifiers by their J1939 parameter group also where the\n"
-                    "databases do not say that their messages have any");
-  add_time_options(*command, arguments->times);
-  command->add_flag("--strict", arguments->strict, "Lines that are not frames are an error");
-  command->add_flag("--stats", arguments->stats,
-                    "Tell at the end, on standard error, what was met");
-  command
-      ->add_option("--threads", arguments->threads,
-                   "Threads to decode with; else as many as there are cores for a large file")
-      ->type_name("N")
-      ->check(CLI::Range(1u, ZelkPipelineOptions::kMostThreads).description(""));
+  add_j1939_options(*command, arguments->run, arguments->text.match_groups);
+  add_log_run_options(*command, arguments->run);
   add_mending_options(*command, arguments->mending);
   command->callback([arguments, command, &action] {
     check_wide_options(*command, *arguments);

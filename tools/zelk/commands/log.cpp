@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "commands/commands.hpp"
-#include "commands/time_options.hpp"
+#include "commands/log_run_options.hpp"
 #include "input/lookup.hpp"
 #include "input/opening.hpp"
 #include "log/frame_filter.hpp"
@@ -27,10 +27,7 @@ struct Arguments {
   std::vector<std::string> logs;
   std::string out = kStandard;
   FrameFilter filter;
-  TimeOptions times;
-  bool strict = false;
-  bool stats = false;
-  unsigned threads = 0;  // 0: by the size of the logs
+  LogRunOptions run;
 
   bool has_lines() const { return out == kStandard && is_terminal(stdout); }
 };
@@ -114,11 +111,8 @@ struct Outcome {
 
 Outcome copy_log(const Arguments& arguments, Output& out, std::optional<Target>& target) {
   ZelkLogReader reader(path_of(arguments.logs.front()),
-                       {.times = arguments.times.kind, .stop = &NotedStop::is_requested()});
-  ZelkPipelineOptions options;
-  options.threads = arguments.threads;
-  options.times = arguments.times.window;
-  LogRun run(reader, options, arguments.strict, arguments.has_lines());
+                       {.times = arguments.run.times.kind, .stop = &NotedStop::is_requested()});
+  LogRun run(reader, pipeline_options(arguments.run), arguments.run.strict, arguments.has_lines());
   target.emplace(arguments.out, out);
   run.run<CopiedLines>(LineCopier(arguments.filter),
                        [&](const CopiedLines& lines) { target->write(lines.text()); });
@@ -137,12 +131,12 @@ void report(const MergedLog& log) {
 Outcome merge_logs(const Arguments& arguments, Output& out, std::optional<Target>& target) {
   std::vector<std::optional<std::string>> paths;
   std::ranges::transform(arguments.logs, std::back_inserter(paths), path_of);
-  LogMerge logs(paths, {.strict = arguments.strict,
-                        .times = arguments.times.kind,
-                        .threads = arguments.threads,
+  LogMerge logs(paths, {.strict = arguments.run.strict,
+                        .times = arguments.run.times.kind,
+                        .threads = arguments.run.threads,
                         .has_lines = arguments.has_lines()});
   target.emplace(arguments.out, out);
-  MergeCopy copy(logs, arguments.filter, arguments.times.window,
+  MergeCopy copy(logs, arguments.filter, arguments.run.times.window,
                  [&target](std::string_view text) { target->write(text); });
   copy.run();
   Outcome outcome;
@@ -169,7 +163,7 @@ ExitCode convert_logs(const Arguments& arguments, Output& out) {
   const Outcome outcome =
       (arguments.logs.size() == 1 ? copy_log : merge_logs)(arguments, out, target);
   if (outcome.are_logs || NotedStop::is_requested()) target->finish(NotedStop::is_requested());
-  if (arguments.stats) print_counts(outcome);
+  if (arguments.run.stats) print_counts(outcome);
   if (NotedStop::is_requested()) return kExitInterrupted;
   return outcome.are_logs ? kExitSuccess : kExitFailure;
 }
@@ -219,17 +213,10 @@ void add_log_command(CLI::App& app, Action& action) {
           "File to write, else standard output; one that is there is replaced once all is\n"
           "written, or stays")
       ->type_name("OUT");
-  add_time_options(*command, arguments->times);
   add_filter_options(*command, arguments->filter);
-  command->add_flag("--strict", arguments->strict, "Lines that are not frames are an error");
-  command->add_flag("--stats", arguments->stats,
-                    "Tell at the end, on standard error, what was met");
-  command
-      ->add_option("--threads", arguments->threads,
-                   "Threads to work with; else as many as there are cores for a large file, and\n"
-                   "one for each of several logs")
-      ->type_name("N")
-      ->check(CLI::Range(1u, ZelkPipelineOptions::kMostThreads).description(""));
+  add_log_run_options(*command, arguments->run,
+                      "as many as there are cores for a large file, and\n"
+                      "one for each of several logs");
   command->callback([arguments, &action] {
     action = [arguments](Output& out) { return convert_logs(*arguments, out); };
   });

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "commands/commands.hpp"
+#include "commands/log_run_options.hpp"
 #include "commands/mending_options.hpp"
 #include "commands/name_filter_options.hpp"
 #include "input/lookup.hpp"
@@ -241,9 +242,7 @@ void add_monitor_command(CLI::App& app, Action& action) {
       ->option_text("...");
   add_source_options(*command, arguments);
   add_name_filter_options(*command, arguments->state.filter);
-  command->add_flag("--match-pgn", arguments->state.match_groups,
-                    "Match extended identifiers by their J1939 parameter group also where the\n"
-                    "databases do not say that their messages have any");
+  add_match_pgn_option(*command, arguments->state.match_groups);
   command
       ->add_option("--cycle-time", arguments->state.cycle_attribute,
                    "Attribute of messages that states their cycle time in milliseconds,\n"

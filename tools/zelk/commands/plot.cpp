@@ -9,8 +9,8 @@
 
 #include "base/quoting.hpp"
 #include "commands/commands.hpp"
+#include "commands/log_run_options.hpp"
 #include "commands/mending_options.hpp"
-#include "commands/time_options.hpp"
 #include "input/lookup.hpp"
 #include "input/opening.hpp"
 #include "log/log_databases.hpp"
@@ -38,12 +38,8 @@ struct Arguments {
   PlotChoice choice;
   PictureOptions picture;
   double scale = 1;  // of a PNG
-  TimeOptions times;
+  LogRunOptions run;
   Mending mending;
-  bool strict = false;
-  bool stats = false;
-  bool transport = false;
-  unsigned threads = 0;  // 0: by the size of the logs
 };
 
 /// What the words of the command line are.
@@ -105,16 +101,12 @@ std::string title_of(const std::string& log) {
 /// @return whether the log is one
 bool gather(const Arguments& arguments, const std::string& log, PlotGatherer& gatherer) {
   ZelkLogReader reader(log == kStandard ? std::nullopt : std::optional(log),
-                       {.times = arguments.times.kind, .stop = &NotedStop::is_requested()});
-  ZelkPipelineOptions options;
-  options.threads = arguments.threads;
-  options.times = arguments.times.window;
-  options.transport = arguments.transport;
-  LogRun run(reader, options, arguments.strict, false);
+                       {.times = arguments.run.times.kind, .stop = &NotedStop::is_requested()});
+  LogRun run(reader, pipeline_options(arguments.run), arguments.run.strict, false);
   gatherer.begin_log(title_of(log));
   run.run<PlotRows>(gatherer, [&gatherer](PlotRows& rows) { gatherer.put(rows); });
   gatherer.end_log();
-  return run.finish(arguments.stats);
+  return run.finish(arguments.run.stats);
 }
 
 void report(const PlotGatherer& gatherer) {
@@ -168,7 +160,7 @@ ExitCode plot(const Arguments& arguments, Output& out) {
   const NotedStop stop;
   PlotChoice choice = arguments.choice;
   choice.signals = words.signals;
-  choice.relative = arguments.times.window.relative;
+  choice.relative = arguments.run.times.window.relative;
   PlotGatherer gatherer(databases, choice, words.logs.size());
   for (const std::string& log : words.logs)
     if (!NotedStop::is_requested() && !gather(arguments, log, gatherer)) return kExitFailure;
@@ -244,20 +236,8 @@ void add_plot_command(CLI::App& app, Action& action) {
                    "Pixels of a .png for each one of --size, such as 2 for a fine print")
       ->type_name("N")
       ->check(CLI::Range(0.1, 8.0).description(""));
-  add_time_options(*command, arguments->times);
-  command->add_flag("--j1939-tp", arguments->transport,
-                    "Put messages of the J1939 transport protocol together (BAM, RTS/CTS)");
-  command->add_flag("--match-pgn", arguments->choice.match_groups,
-                    "Match extended identifiers by their J1939 parameter group also where the\n"
-                    "databases do not say that their messages have any");
-  command->add_flag("--strict", arguments->strict, "Lines that are not frames are an error");
-  command->add_flag("--stats", arguments->stats,
-                    "Tell at the end, on standard error, what was met");
-  command
-      ->add_option("--threads", arguments->threads,
-                   "Threads to decode with; else as many as there are cores for a large file")
-      ->type_name("N")
-      ->check(CLI::Range(1u, ZelkPipelineOptions::kMostThreads).description(""));
+  add_j1939_options(*command, arguments->run, arguments->choice.match_groups);
+  add_log_run_options(*command, arguments->run);
   add_mending_options(*command, arguments->mending);
   command->callback([arguments, &action] {
     action = [arguments](Output& out) { return plot(*arguments, out); };
