@@ -1,12 +1,16 @@
 #include "check/picture/style.hpp"
 
+#include <array>
+
 namespace zelk::check {
 
 namespace {
 
-// The colours are Paul Tol's scheme "light", made for filled cells with black text.
-constexpr std::string_view kStyleSheet = R"svg(<style>
-.zelk-frame text { font-family: "DejaVu Sans", Helvetica, Arial, sans-serif }
+// Paul Tol's scheme "light", made for filled cells with black text.
+constexpr std::array<std::string_view, 8> kFills = {"#7ad", "#ed8", "#4b9", "#fab",
+                                                    "#9df", "#e86", "#bc3", "#aa0"};
+
+constexpr std::string_view kStyleSheet = R"svg(.zelk-frame text { font-family: "DejaVu Sans", Helvetica, Arial, sans-serif }
 .zelk-frame .title { font-size: 20px; font-weight: bold }
 .zelk-frame .heading { font-size: 13px; font-weight: bold }
 .zelk-frame .body { font-size: 12px }
@@ -23,14 +27,6 @@ constexpr std::string_view kStyleSheet = R"svg(<style>
 .zelk-frame .tick { stroke: #000; stroke-opacity: 0.3 }
 .zelk-frame .rule { stroke: #333 }
 .zelk-frame .arrow { fill: #000; fill-opacity: 0.7 }
-.zelk-frame .c0 { fill: #7ad }
-.zelk-frame .c1 { fill: #ed8 }
-.zelk-frame .c2 { fill: #4b9 }
-.zelk-frame .c3 { fill: #fab }
-.zelk-frame .c4 { fill: #9df }
-.zelk-frame .c5 { fill: #e86 }
-.zelk-frame .c6 { fill: #bc3 }
-.zelk-frame .c7 { fill: #aa0 }
 .zelk-frame .p1 { fill: url(#zelk-stripes) }
 .zelk-frame .p2 { fill: url(#zelk-dots) }
 .zelk-frame .p3 { fill: url(#zelk-lines) }
@@ -65,11 +61,24 @@ constexpr std::string_view kStyleSheet = R"svg(<style>
 void fill(Svg& svg, const Box& box, std::size_t number) {
   constexpr std::string_view kColors[] = {"c0", "c1", "c2", "c3", "c4", "c5", "c6", "c7"};
   constexpr std::string_view kPatterns[] = {"", "p1", "p2", "p3"};
-  svg.rectangle(box, kColors[(number - 1) % 8]);
-  const std::string_view pattern = kPatterns[(number - 1) / 8 % 4];
+  svg.rectangle(box, kColors[(number - 1) % kFills.size()]);
+  const std::string_view pattern = kPatterns[(number - 1) / kFills.size() % 4];
   if (!pattern.empty()) svg.rectangle(box, pattern);
 }
 
-std::string_view style_sheet() { return kStyleSheet; }
+std::string fill_rules(std::string_view selector) {
+  std::string rules;
+  for (std::size_t i = 0; i < kFills.size(); ++i) {
+    rules += selector;
+    rules += std::to_string(i) + " { fill: ";
+    rules += kFills[i];
+    rules += " }\n";
+  }
+  return rules;
+}
+
+std::string style_sheet() {
+  return "<style>\n" + fill_rules(".zelk-frame .c") + std::string(kStyleSheet);
+}
 
 }  // namespace zelk::check

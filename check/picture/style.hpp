@@ -28,7 +28,12 @@ void fill(Svg& svg, const Box& box, std::size_t number);
 
 /// Style sheet and patterns. Colours of signals are pale enough for black text on a light and on a
 /// dark page, and people who see few colours can tell them apart.
-std::string_view style_sheet();
+std::string style_sheet();
+
+/// Rules of a style sheet with the colours of signals, which bands of states have too.
+///
+/// @param selector  of elements with the first colour without the 0 at its end: ".frame .c"
+std::string fill_rules(std::string_view selector);
 
 }  // namespace zelk::check
 

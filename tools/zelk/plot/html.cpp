@@ -131,6 +131,13 @@ json lane_rows(const Figure& figure) {
   return rows;
 }
 
+/// Each uses what those in front of it declare.
+std::vector<std::string_view> scripts() {
+  namespace texts = plot_texts;
+  return {texts::data_js,   texts::time_js,  texts::draw_js, texts::state_js,  texts::charts_js,
+          texts::curves_js, texts::lanes_js, texts::view_js, texts::cursor_js, texts::page_js};
+}
+
 }  // namespace
 
 bool can_plot_pages() { return !plot_texts::uPlot_iife_min_js.empty(); }
@@ -147,10 +154,7 @@ std::string plot_page(const Figure& figure) {
                                             {"libraryStyle", plot_texts::uPlot_min_css},
                                             {"libraryScript", plot_texts::uPlot_iife_min_js},
                                             {"style", plot_texts::page_css},
-                                            {"dataScript", plot_texts::page_data_js},
-                                            {"timeScript", plot_texts::page_time_js},
-                                            {"drawScript", plot_texts::page_draw_js},
-                                            {"script", plot_texts::page_js}});
+                                            {"scripts", scripts()}});
 }
 
 }  // namespace zelk::tool

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "base/numbers.hpp"
+#include "check/picture/style.hpp"
 #include "check/picture/svg.hpp"
 #include "input/lookup.hpp"
 #include "page/page.hpp"
@@ -318,7 +319,7 @@ void Drawing::add_head() {
   data_["heading"] = fitted(figure_.title, inner_width(), kTitleFont);
   data_["description"] = description_of(figure_);
   data_["caption"] = time_caption(figure_);
-  data_["style"] = plot_texts::picture_css;
+  data_["style"] = check::fill_rules(".zelk-plot .b") + std::string(plot_texts::picture_css);
 }
 
 }  // namespace
