@@ -24,10 +24,19 @@ struct FileCloser {
 /// An open file, closed by its destructor.
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
-/// Opens a file for reading its bytes as they are, without a buffer of the stream's own.
+/// Opens a file for reading its bytes as they are, without a buffer of the stream's own. Of a file
+/// that is being written in place, or was when its writer was killed, these are those of the whole
+/// copy beside it (`Replacement`).
 ///
-/// @return null when the file cannot be opened, or is a directory
+/// @return null when the file cannot be opened, or is a directory (`errno` says)
+/// @throws std::bad_alloc
 File open_for_reading(const char* path);
+
+/// Whether the whole copy of a write in place stands beside the file: the write goes on, or its
+/// process was killed. The next `Replacement` of the file ends it then.
+///
+/// @throws std::bad_alloc
+bool has_unended_write(const char* path);
 
 /// What a file is written as.
 enum class Content {

@@ -1,27 +1,49 @@
-#include <sys/stat.h>
+#include <fcntl.h>
 
+#include <utility>
+
+#include "files/descriptor_posix.hpp"
 #include "files/files.hpp"
+#include "files/in_place_posix.hpp"
+#include "files/temporary_file_posix.hpp"
 
 namespace zelk::files {
 
 namespace {
 
-bool is_directory(std::FILE* file) {
-  struct stat status = {};
-  return fstat(fileno(file), &status) == 0 && S_ISDIR(status.st_mode);
+/// The file, or what is to be read instead of it.
+///
+/// @return none when it cannot be opened (`errno` says)
+/// @throws SaveFailure, std::bad_alloc
+Descriptor open_whole(const char* path) {
+  Descriptor file(open(path, O_RDONLY | O_CLOEXEC));
+  if (!file) return {};
+  if (S_ISDIR(status_of(file).st_mode)) {
+    errno = EISDIR;
+    return {};
+  }
+  Descriptor copy = open_whole_copy(path, file);
+  return copy ? std::move(copy) : std::move(file);
 }
 
 }  // namespace
 
-File open_for_reading(const char* path) {
-  File file(std::fopen(path, "rbe"));
+File open_for_reading(const char* path) try {
+  Descriptor own = open_whole(path);
+  File file(own ? fdopen(own.get(), "rb") : nullptr);
   if (!file) return nullptr;
-  if (is_directory(file.get())) {
-    errno = EISDIR;
-    return nullptr;
-  }
+  own.release();
   std::setvbuf(file.get(), nullptr, _IONBF, 0);
   return file;
+} catch (const SaveFailure&) {
+  return nullptr;  // a call of the system has failed: `errno` says why
+}
+
+bool has_unended_write(const char* path) try {
+  struct stat copy = {};
+  return lstat(whole_copy_of(behind_links(path)).c_str(), &copy) == 0;
+} catch (const SaveFailure&) {
+  return false;  // there is no such file
 }
 
 File open_for_writing(const char* path, Content /*line ends are line feeds*/) {

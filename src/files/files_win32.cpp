@@ -1,5 +1,13 @@
+#include <fcntl.h>
+#include <io.h>
+
+#include <cerrno>
+#include <utility>
+
 #include "files/files.hpp"
+#include "files/in_place_win32.hpp"
 #include "files/paths_win32.hpp"
+#include "files/save_failure.hpp"
 
 namespace zelk::files {
 
@@ -13,9 +21,33 @@ File open_file(const char* path, const wchar_t* mode) {
   return file;
 }
 
+/// A stream that closes the handle.
+File stream_of(Handle handle) {
+  const int number =
+      _open_osfhandle(reinterpret_cast<intptr_t>(handle.get()), _O_BINARY | _O_RDONLY);
+  if (number < 0) return nullptr;
+  handle.release();
+  File file(_fdopen(number, "rb"));
+  if (!file) _close(number);
+  if (file) std::setvbuf(file.get(), nullptr, _IONBF, 0);
+  return file;
+}
+
 }  // namespace
 
-File open_for_reading(const char* path) { return open_file(path, L"rbN"); }
+File open_for_reading(const char* path) try {
+  File file = open_file(path, L"rbN");
+  Handle copy = file ? open_whole_copy(behind_link(path)) : nullptr;
+  return copy ? stream_of(std::move(copy)) : std::move(file);
+} catch (const SaveFailure&) {
+  errno = EIO;
+  return nullptr;
+}
+
+bool has_unended_write(const char* path) {
+  const std::wstring copy = whole_copy_of(behind_link(path)).wstring();
+  return GetFileAttributesW(copy.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
 
 File open_for_writing(const char* path, Content content) {
   return open_file(path, content == Content::kText ? L"wtN" : L"wbN");

@@ -6,7 +6,11 @@
 /// disk, from before the target is emptied until all of it is on the disk again; the copy has the
 /// target's time of the last change before that. Its writer holds it: on POSIX systems by a lock,
 /// on Windows open. A copy that nobody holds shows that a write did not end. Nobody has changed the
-/// target since when it still has that time (not yet emptied), or its content begins the copy's.
+/// target since when it still has that time (not yet emptied), or its content begins the copy's; a
+/// disk that lost its power may have kept zeros in place of some bytes.
+///
+/// Until the write has ended, by its writer or by the next save, the copy is what a reader gets: a
+/// part may look like a file of its own, and must not be saved as one.
 
 #ifndef ZELK_FILES_IN_PLACE_HPP
 #define ZELK_FILES_IN_PLACE_HPP

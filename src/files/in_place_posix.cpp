@@ -6,7 +6,9 @@
 #include <array>
 #include <cstring>
 #include <string>
+#include <utility>
 
+#include "files/attributes_posix.hpp"
 #include "files/in_place.hpp"
 #include "files/save.hpp"
 #include "files/sync_posix.hpp"
@@ -53,15 +55,25 @@ void copy_rest(const Descriptor& from, const Descriptor& to, off_t at) {
   if (!sync(to)) fail_save();
 }
 
-bool begins(const Descriptor& beginning, const Descriptor& whole) {
-  Block a;
-  Block b;
+/// By the content alone: of a target that has part of the copy's, maybe with zeros in place of some
+/// bytes, nothing else is lost.
+Progress compare(const Descriptor& target, const Descriptor& whole) {
+  const auto may_become = [](char now, char wanted) { return now == wanted || now == 0; };
+  Progress progress = Progress::kAll;
+  Block now;
+  Block wanted;
   off_t at = 0;
-  while (const std::size_t size = read_block(beginning, at, a)) {
-    if (read_block(whole, at, b) < size || std::memcmp(a.data(), b.data(), size) != 0) return false;
+  while (const std::size_t size = read_block(whole, at, wanted)) {
+    const std::size_t there = read_block(target, at, now);
+    if (there > size || !std::equal(now.data(), now.data() + there, wanted.data(), may_become)) {
+      return Progress::kUnknown;
+    }
+    if (there < size || std::memcmp(now.data(), wanted.data(), size) != 0) {
+      progress = Progress::kPart;
+    }
     at += static_cast<off_t>(size);
   }
-  return true;
+  return read_block(target, at, now) == 0 ? progress : Progress::kUnknown;
 }
 
 bool is_same_time(const timespec& a, const timespec& b) {
@@ -97,17 +109,39 @@ void lock(const Descriptor& file) {
   if (!try_lock(file) && errno == EWOULDBLOCK) throw SaveFailure(kBusy);
 }
 
+/// @param target  open for reading
+Progress progress_of(const Descriptor& target, const Descriptor& whole) {
+  // Asked before the content: a write that begins in this moment changes the time.
+  const bool is_old = is_same_time(status_of(target).st_mtim, status_of(whole).st_mtim);
+  const Progress progress = compare(target, whole);
+  return is_old && progress == Progress::kUnknown ? Progress::kPart : progress;
+}
+
 /// Of a write whose writer has gone.
-Progress progress_of(const fs::path& target, const Descriptor& old, const Descriptor& whole) {
+///
+/// @param old  the target, open for writing
+Progress progress_of_unended(const fs::path& target, const Descriptor& old,
+                             const Descriptor& whole) {
   lock(old);  // another process may write to it by another of its names
   const Descriptor readable(open(target.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
   if (!readable) fail_save("a write did not end, and it cannot be read");
-  const struct stat now = status_of(old);
-  const struct stat wanted = status_of(whole);
-  if (begins(readable, whole)) {
-    return now.st_size == wanted.st_size && sync(old) ? Progress::kAll : Progress::kPart;
+  const Progress progress = progress_of(readable, whole);
+  return progress == Progress::kAll && !sync(old) ? Progress::kPart : progress;
+}
+
+/// Others could put a file of theirs beside the target.
+bool is_trusted(const struct stat& copy, uid_t owner_of_target) {
+  return S_ISREG(copy.st_mode) && (copy.st_uid == geteuid() || copy.st_uid == owner_of_target);
+}
+
+/// Whoever may read the target may read its copy, where the process can give it to them.
+void share_like(const Descriptor& old, const Descriptor& copy) {
+  try {
+    copy_attributes(old, copy);
+  } catch (const SaveFailure&) {
+    // The writer's alone then, as it was made.
   }
-  return is_same_time(now.st_mtim, wanted.st_mtim) ? Progress::kPart : Progress::kUnknown;
+  fchmod(copy.get(), (status_of(copy).st_mode & 0777) | S_IRUSR | S_IWUSR);
 }
 
 }  // namespace
@@ -116,6 +150,7 @@ void write_in_place(const fs::path& target, const Descriptor& old, TemporaryFile
   lock(old);
   if (!is_named(old, target.c_str())) throw SaveFailure("another process has replaced it");
   reserve(old, status_of(fresh.descriptor()).st_size);
+  share_like(old, fresh.descriptor());
   const bool has_time = set_time(fresh.descriptor(), status_of(old).st_mtim);
   if (!has_time || !sync(fresh.descriptor())) fail_save();
   const fs::path copy = whole_copy_of(target);
@@ -140,14 +175,36 @@ bool end_write_in_place(const fs::path& target, const Descriptor& old) {
   if (!whole) fail_save("a write did not end, and " + name + " cannot be opened");
   lock(whole);
   if (!is_named(whole, copy.c_str())) return false;  // that process has just ended its write
-  const uid_t owner = status_of(whole).st_uid;
-  if (owner != geteuid() && (!old || owner != status_of(old).st_uid)) {
+  if (!is_trusted(status_of(whole), old ? status_of(old).st_uid : geteuid())) {
     throw SaveFailure(name + " beside it is somebody else's");
   }
-  const Progress progress = old ? progress_of(target, old, whole) : Progress::kUnknown;
+  const Progress progress = old ? progress_of_unended(target, old, whole) : Progress::kUnknown;
   return end_write(progress, copy, [&] { write_all(old, whole); });
 }
 
-void remove_copy(const fs::path& copy) { unlink(copy.c_str()); }
+Descriptor open_whole_copy(const char* path, const Descriptor& target) {
+  const struct stat status = status_of(target);
+  if (!S_ISREG(status.st_mode)) return {};
+  const fs::path copy = whole_copy_of(behind_links(path));
+  struct stat found = {};
+  while (lstat(copy.c_str(), &found) == 0 && is_trusted(found, status.st_uid)) {
+    Descriptor whole(open(copy.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (!whole && errno == ENOENT) break;
+    if (!whole) fail_save();
+    const bool is_wanted = progress_of(target, whole) == Progress::kPart;
+    // Else that write has ended meanwhile; another one may have begun.
+    if (is_named(whole, copy.c_str())) return is_wanted ? std::move(whole) : Descriptor();
+  }
+  return {};
+}
+
+void remove_copy(const fs::path& copy) {
+  unlink(copy.c_str());
+  try {
+    sync_folder(copy.parent_path());
+  } catch (const SaveFailure&) {
+    // The copy may come back with the power, beside a target that is as whole as it is.
+  }
+}
 
 }  // namespace zelk::files

@@ -22,6 +22,14 @@ void write_in_place(const std::filesystem::path& target, const Descriptor& old,
 /// @throws SaveFailure when another process writes now, or the target has been changed since
 bool end_write_in_place(const std::filesystem::path& target, const Descriptor& old);
 
+/// What to read instead of a target whose write has not ended.
+///
+/// @param path    of the target, maybe through links
+/// @param target  open for reading
+/// @return none when the target itself is to be read
+/// @throws SaveFailure, std::bad_alloc
+Descriptor open_whole_copy(const char* path, const Descriptor& target);
+
 }  // namespace zelk::files
 
 #endif

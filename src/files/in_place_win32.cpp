@@ -1,5 +1,6 @@
 #include "files/in_place_win32.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 
@@ -38,17 +39,25 @@ void copy_content(const Handle& from, const Handle& to) {
   if (!FlushFileBuffers(to.get())) fail_save_of_windows();
 }
 
-bool begins(const Handle& beginning, const Handle& whole) {
-  go_to_start(beginning);
+/// By the content alone: of a target that has part of the copy's, maybe with zeros in place of some
+/// bytes, nothing else is lost.
+Progress compare(const Handle& target, const Handle& whole) {
+  const auto may_become = [](char now, char wanted) { return now == wanted || now == 0; };
+  go_to_start(target);
   go_to_start(whole);
-  Block a;
-  Block b;
-  while (const DWORD size = read_block(beginning, a.size(), a)) {
-    if (read_block(whole, size, b) < size || std::memcmp(a.data(), b.data(), size) != 0) {
-      return false;
+  Progress progress = Progress::kAll;
+  Block now;
+  Block wanted;
+  while (const DWORD size = read_block(whole, wanted.size(), wanted)) {
+    const DWORD there = read_block(target, size, now);
+    if (!std::equal(now.data(), now.data() + there, wanted.data(), may_become)) {
+      return Progress::kUnknown;
+    }
+    if (there < size || std::memcmp(now.data(), wanted.data(), size) != 0) {
+      progress = Progress::kPart;
     }
   }
-  return true;
+  return read_block(target, 1, now) == 0 ? progress : Progress::kUnknown;
 }
 
 BY_HANDLE_FILE_INFORMATION information_of(const Handle& file) {
@@ -65,18 +74,24 @@ Handle open_target(const fs::path& target) {
 }
 
 Progress progress_of(const Handle& target, const Handle& whole) {
-  const BY_HANDLE_FILE_INFORMATION now = information_of(target);
-  const BY_HANDLE_FILE_INFORMATION wanted = information_of(whole);
-  if (begins(target, whole)) {
-    const bool has_all =
-        now.nFileSizeLow == wanted.nFileSizeLow && now.nFileSizeHigh == wanted.nFileSizeHigh;
-    return has_all && FlushFileBuffers(target.get()) ? Progress::kAll : Progress::kPart;
-  }
-  const bool is_as_before = CompareFileTime(&now.ftLastWriteTime, &wanted.ftLastWriteTime) == 0;
-  return is_as_before ? Progress::kPart : Progress::kUnknown;
+  // Asked before the content: a write that begins in this moment changes the time.
+  const FILETIME now = information_of(target).ftLastWriteTime;
+  const FILETIME before = information_of(whole).ftLastWriteTime;
+  const Progress progress = compare(target, whole);
+  const bool is_old = CompareFileTime(&now, &before) == 0;
+  return is_old && progress == Progress::kUnknown ? Progress::kPart : progress;
+}
+
+/// Of a write whose writer has gone.
+Progress progress_of_unended(const Handle& target, const Handle& whole) {
+  const Progress progress = progress_of(target, whole);
+  const bool is_on_disk = progress != Progress::kAll || FlushFileBuffers(target.get());
+  return is_on_disk ? progress : Progress::kPart;
 }
 
 }  // namespace
+
+fs::path whole_copy_of(const fs::path& target) { return beside(target, L"whole"); }
 
 void fail_save_of_windows(const std::string& step) {
   fail_save({static_cast<int>(GetLastError()), std::system_category()}, step);
@@ -87,8 +102,8 @@ bool has_other_names(const fs::path& target) {
   return file && information_of(file).nNumberOfLinks > 1;
 }
 
-void write_in_place(const fs::path& target, const fs::path& copy, const Handle& fresh,
-                    const fs::path& path) {
+void write_in_place(const fs::path& target, const Handle& fresh, const fs::path& path) {
+  const fs::path copy = whole_copy_of(target);
   const Handle old = open_target(target);
   const FILETIME time = information_of(old).ftLastWriteTime;
   if (!SetFileTime(fresh.get(), nullptr, nullptr, &time) || !FlushFileBuffers(fresh.get()) ||
@@ -98,7 +113,8 @@ void write_in_place(const fs::path& target, const fs::path& copy, const Handle& 
   overwrite(copy, [&] { copy_content(fresh, old); });
 }
 
-bool end_write_in_place(const fs::path& target, const fs::path& copy) {
+bool end_write_in_place(const fs::path& target) {
+  const fs::path copy = whole_copy_of(target);
   // A writer holds the copy open, and does not share it with this.
   const Handle whole = open_handle(copy, GENERIC_READ, FILE_SHARE_DELETE, OPEN_EXISTING);
   const DWORD error = whole ? ERROR_SUCCESS : GetLastError();
@@ -109,7 +125,16 @@ bool end_write_in_place(const fs::path& target, const fs::path& copy) {
                          " cannot be opened");
   }
   const Handle old = open_target(target);
-  return end_write(progress_of(old, whole), copy, [&] { copy_content(whole, old); });
+  return end_write(progress_of_unended(old, whole), copy, [&] { copy_content(whole, old); });
+}
+
+Handle open_whole_copy(const fs::path& target) {
+  Handle whole = open_handle(whole_copy_of(target), GENERIC_READ, kShareAll, OPEN_EXISTING);
+  if (!whole) return nullptr;
+  const Handle file = open_handle(target, GENERIC_READ, kShareAll, OPEN_EXISTING);
+  if (!file || progress_of(file, whole) != Progress::kPart) return nullptr;
+  go_to_start(whole);
+  return whole;
 }
 
 void remove_copy(const fs::path& copy) { DeleteFileW(copy.c_str()); }

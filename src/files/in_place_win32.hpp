@@ -13,17 +13,26 @@ namespace zelk::files {
 
 bool has_other_names(const std::filesystem::path& target);
 
-/// Gives the target the content of `fresh`, which stands at `path` and becomes `copy` meanwhile.
+/// Where the whole copy of the target's new content stands while the target is written in place.
+std::filesystem::path whole_copy_of(const std::filesystem::path& target);
+
+/// Gives the target the content of `fresh`, which stands at `path` and becomes the copy meanwhile.
 ///
 /// @throws SaveFailure; the target is as it was, or the whole copy stays
-void write_in_place(const std::filesystem::path& target, const std::filesystem::path& copy,
-                    const Handle& fresh, const std::filesystem::path& path);
+void write_in_place(const std::filesystem::path& target, const Handle& fresh,
+                    const std::filesystem::path& path);
 
 /// Ends an earlier write that did not end.
 ///
 /// @return whether the target had to be written again
 /// @throws SaveFailure when another process writes now, or the target has been changed since
-bool end_write_in_place(const std::filesystem::path& target, const std::filesystem::path& copy);
+bool end_write_in_place(const std::filesystem::path& target);
+
+/// What to read instead of a target whose write has not ended.
+///
+/// @return null when the target itself is to be read
+/// @throws SaveFailure, std::bad_alloc
+Handle open_whole_copy(const std::filesystem::path& target);
 
 }  // namespace zelk::files
 

@@ -30,6 +30,19 @@ std::wstring system_path(const char* path) {
   return L"\\\\?\\" + absolute;
 }
 
+std::filesystem::path behind_link(const char* path) {
+  std::filesystem::path target = system_path(path);
+  std::error_code error;
+  const std::filesystem::path linked = std::filesystem::canonical(target, error);
+  return !error && std::filesystem::is_symlink(target, error) ? linked : target;
+}
+
+std::filesystem::path beside(const std::filesystem::path& target, const std::wstring& ending) {
+  constexpr std::size_t kLongestName = 200;  // leaves room for the rest of the name
+  const std::wstring name = target.filename().wstring().substr(0, kLongestName);
+  return target.parent_path() / (L"." + name + L".zelk-" + ending);
+}
+
 Handle open_handle(const std::filesystem::path& path, DWORD access, DWORD share, DWORD disposition,
                    DWORD flags) {
   const HANDLE handle =

@@ -22,6 +22,12 @@ std::wstring absolute_path(const char* path);
 /// prefix would take the meaning from names such as "NUL".
 std::wstring system_path(const char* path);
 
+/// The same for what a path names behind a link.
+std::filesystem::path behind_link(const char* path);
+
+/// A file that a save makes beside its target (save.hpp).
+std::filesystem::path beside(const std::filesystem::path& target, const std::wstring& ending);
+
 struct HandleCloser {
   void operator()(HANDLE handle) const noexcept { CloseHandle(handle); }
 };

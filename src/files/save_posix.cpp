@@ -42,17 +42,6 @@ class HeldSizeSignal {
   bool was_pending_ = false;
 };
 
-/// What a path names in the end, there or not.
-fs::path behind_links(fs::path path) {
-  constexpr int kMostLinks = 40;  // no more than the system follows
-  std::error_code error;
-  for (int links = 0; is_symlink(path, error); ++links) {
-    if (links == kMostLinks) fail_save({ELOOP, std::generic_category()});
-    path = path.parent_path() / read_symlink(path, error);
-  }
-  return path;
-}
-
 /// A stream for the file of a descriptor that stays open.
 File stream_of(const Descriptor& file) {
   Descriptor own(fcntl(file.get(), F_DUPFD_CLOEXEC, 0));

@@ -14,12 +14,6 @@ namespace fs = std::filesystem;
 
 constexpr DWORD kMoveOver = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
 
-fs::path beside(const fs::path& target, const std::wstring& ending) {
-  constexpr std::size_t kLongestName = 200;  // leaves room for the rest of the name
-  const std::wstring name = target.filename().wstring().substr(0, kLongestName);
-  return target.parent_path() / (L"." + name + L".zelk-" + ending);
-}
-
 /// Removes what killed processes left. To open a file without sharing it fails while its writer
 /// holds it.
 void clear_leftovers(const fs::path& target) {
@@ -91,17 +85,14 @@ class WindowsSave : public Save {
 };
 
 void WindowsSave::open(const char* name, std::string& notice) {
-  target_ = system_path(name);
-  std::error_code error;
-  const fs::path linked = fs::canonical(target_, error);
-  if (!error && fs::is_symlink(target_, error)) target_ = linked;
+  target_ = behind_link(name);
   if (is_device(target_)) {
     stream_ = open_for_writing(name, content_);
     if (!stream_) fail_save({errno, std::generic_category()});
     return;
   }
   check_target();
-  if (end_write_in_place(target_, beside(target_, L"whole"))) notice = kEarlierWriteEnded;
+  if (end_write_in_place(target_)) notice = kEarlierWriteEnded;
   // Without a target, what is left may be all there is of it: see `replace`.
   if (is_there(target_)) clear_leftovers(target_);
   create();
@@ -132,7 +123,7 @@ void WindowsSave::take_place() {
   }
   if (!fresh_) return;
   if (has_other_names(target_)) {
-    write_in_place(target_, beside(target_, L"whole"), fresh_, path_);
+    write_in_place(target_, fresh_, path_);
     path_.clear();
   } else {
     replace();

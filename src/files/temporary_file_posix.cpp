@@ -69,6 +69,16 @@ TemporaryFile::~TemporaryFile() {
   if (!path_.empty()) unlink(path_.c_str());
 }
 
+std::filesystem::path behind_links(std::filesystem::path path) {
+  constexpr int kMostLinks = 40;  // no more than the system follows
+  std::error_code error;
+  for (int links = 0; is_symlink(path, error); ++links) {
+    if (links == kMostLinks) fail_save({ELOOP, std::generic_category()});
+    path = path.parent_path() / read_symlink(path, error);
+  }
+  return path;
+}
+
 std::filesystem::path whole_copy_of(const std::filesystem::path& target) {
   return beside(target, "whole");
 }

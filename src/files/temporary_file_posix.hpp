@@ -39,6 +39,11 @@ class TemporaryFile {
   Descriptor descriptor_;
 };
 
+/// What a path names in the end, there or not.
+///
+/// @throws SaveFailure for links that go round in circles
+std::filesystem::path behind_links(std::filesystem::path path);
+
 /// Where the whole copy of the target's new content stands while the target is written in place.
 std::filesystem::path whole_copy_of(const std::filesystem::path& target);
 

@@ -189,8 +189,8 @@ TEST_F(SavePosix, OnADiskThatTakesNoMore) {
        "it has its new content, but may lose it with the power: the folder cannot be put on the "
        "disk: Input/output error",
        true, "a.dbc "},
-      {9, 0, true, "file file folder file ", nullptr, true, "a.dbc b.dbc "},
-      {2, EIO, true, "file file folder ",
+      {9, 0, true, "file file folder file folder ", nullptr, true, "a.dbc b.dbc "},
+      {2, EIO, true, "file file folder folder ",
        "the folder cannot be put on the disk: Input/output error", false, "a.dbc b.dbc "},
       {3, EIO, true, "file file folder file ",
        "Input/output error; its whole content is in .a.dbc.zelk-whole", true,

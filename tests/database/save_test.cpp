@@ -155,8 +155,8 @@ TEST_F(Save, ClearsWhatKilledProcessesLeft) {
   EXPECT_EQ(names_in(folder_), kept + long_name + " ");
 }
 
-// Each case is a moment in which a process was killed while it wrote a file with two names; the
-// save that finds it comes to a full disk.
+// Each case is a moment in which a process was killed, or the power was lost, while a file with two
+// names was written; the save that finds it comes to a full disk.
 TEST_F(Save, EndsAWriteInPlace) {
   const std::string path = folder_.write("a.dbc", kNodes), copy = ".a.dbc.zelk-whole";
   const std::string whole = "BS_:\nBU_: C\n", front = "database: could not write, " + path + ": ";
@@ -175,12 +175,16 @@ TEST_F(Save, EndsAWriteInPlace) {
       {"not yet begun", kNodes, 1, whole, ended},
       {"emptied", "", 2, whole, ended},
       {"in the middle", "BS_:\nBU", 2, whole, ended},
+      {"behind a statement", "BS_:\n", 2, whole, ended},
+      {"not all on the disk", {"BS_:\nBU_: \0\0", 12}, 2, whole, ended},
       {"only the copy to remove", whole, 2, whole, full},
       {"changed since", kNodes, 2, kNodes, changed},
+      {"longer since", "BS_:\nBU_: C\n ", 2, "BS_:\nBU_: C\n ", changed},
   };
   for (const auto& c : cases) {
     folder_.write("a.dbc", c.content, c.hour);
     folder_.write(copy, whole, 1);
+    EXPECT_STREQ(OwnDatabase(path).nodes->name, c.content_after == kNodes ? "A" : "C") << c.name;
     zelk_clear_error_text();
     {
       const FailingWrite failure(0);

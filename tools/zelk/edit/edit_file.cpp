@@ -117,7 +117,10 @@ std::string_view edit_text(const FileEdits& file, ZelkWriteManager& manager,
   print(lines, out);
   if (file.shows_diff) print_diff(text.original(), result, opened.encoding, out);
   if (file.dry_run) return "not written";
-  if (result.splices.empty() && file.output.empty()) return "unchanged";
+  if (result.splices.empty() && file.output.empty()) {
+    end_earlier_write(file.target());
+    return "unchanged";
+  }
   check_unchanged(file, opened);
   replace_file(file.target(), result.text);
   return "written";

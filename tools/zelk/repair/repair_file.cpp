@@ -70,7 +70,7 @@ class Repair {
     }
     report_mends(mended);
     const bool is_change = mended.outcome == check::Outcome::kMended || !repair_.in_place;
-    if (!repair_.dry_run && is_change) write(mended.text, time);
+    if (!repair_.dry_run) is_change ? write(mended.text, time) : end_earlier();
     if (is_text()) out_.line("{}", result_of(mended));
     return true;
   }
@@ -99,6 +99,12 @@ class Repair {
     replace_file(repair_.target(), text);
   } catch (const RequestError& error) {
     fail(repair_.target(), error.what());
+  }
+
+  void end_earlier() const try {
+    end_earlier_write(repair_.in);
+  } catch (const RequestError& error) {
+    fail(repair_.in, error.what());
   }
 
   void report_faults(const check::MendedFile& mended) const {

@@ -42,4 +42,9 @@ void replace_file(const std::string& path, std::string_view bytes) {
   file.take_place();
 }
 
+void end_earlier_write(const std::string& path) {
+  const HeldSignals held;
+  if (files::has_unended_write(path.c_str())) const ReplacedFile ended(path);
+}
+
 }  // namespace zelk::tool
