@@ -4,12 +4,27 @@
 
 #include <cerrno>
 
+#include "support/disk_watch_posix.hpp"
+
+extern "C" {
+int __real_fsync(int file);
+int __real_rename(const char* from, const char* to);
+}
+
 namespace {
 
 bool armed = false;
 std::size_t calls_before = 0;
 int number = 0;
 std::string done;
+
+int watched_fsync(int file) {
+  DiskWatch* const watch = DiskWatch::now();
+  if (watch) watch->before_change();
+  const int result = __real_fsync(file);
+  if (watch && result == 0) watch->after_sync(file);
+  return result;
+}
 
 }  // namespace
 
@@ -21,11 +36,8 @@ FailingSync::~FailingSync() { armed = false; }
 const std::string& FailingSync::order() { return done; }
 
 extern "C" {
-int __real_fsync(int file);
-int __real_rename(const char* from, const char* to);
-
 int __wrap_fsync(int file) {
-  if (!armed) return __real_fsync(file);
+  if (!armed) return watched_fsync(file);
   struct stat status = {};
   done += fstat(file, &status) == 0 && S_ISDIR(status.st_mode) ? "folder " : "file ";
   if (calls_before-- != 0) return __real_fsync(file);
@@ -35,6 +47,7 @@ int __wrap_fsync(int file) {
 
 int __wrap_rename(const char* from, const char* to) {
   if (armed) done += "rename ";
+  if (DiskWatch::now()) DiskWatch::now()->before_change();
   return __real_rename(from, to);
 }
 }  // extern "C"
