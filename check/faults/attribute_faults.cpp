@@ -21,7 +21,7 @@ struct Value {
 };
 
 /// For which objects the values of a statement are.
-Word object_of(const Document& document, const Statement& statement) {
+Word described_object(const Document& document, const Statement& statement) {
   if (statement.kind == Word::kTypeAttribute) return Word::kSignalType;
   const Token* const object = document.find(statement, Role::kObject);
   return object ? object->word : Word::kNone;
@@ -114,7 +114,7 @@ class AttributeFaults {
 
   void check_value(std::uint32_t index) {
     const Statement& statement = in_.statement(index);
-    const Word object = object_of(in_.document, statement);
+    const Word object = described_object(in_.document, statement);
     Definition* const definition = definitions_.find(object, name_of(index));
     if (!definition) return add_unknown(index);
     const Value value = value_of(index);

@@ -15,8 +15,6 @@ namespace zelk::check {
 
 namespace {
 
-constexpr std::uint32_t kNone = Statement::kNone;
-
 bool is_reference(FaultKind kind) {
   return kind >= FaultKind::kUnknownMessage && kind <= FaultKind::kUnknownAttribute;
 }
@@ -217,7 +215,7 @@ Findings diagnose(const Document& document, std::uint64_t limit) {
   if (!is_utf16(document.source.text())) return Diagnosis(document).run(limit);
   const Names names(document);
   Findings findings;
-  findings.add(FaultWords(document, names).finding({FaultKind::kUtf16, kNone, 0, 0}));
+  findings.add(FaultWords(document, names).finding({FaultKind::kUtf16, kNoStatement, 0, 0}));
   return findings;
 }
 

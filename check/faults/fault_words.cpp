@@ -8,7 +8,6 @@ namespace zelk::check {
 
 namespace {
 
-constexpr std::uint32_t kNone = Statement::kNone;
 constexpr std::size_t kMostQuoted = 60;
 
 /// In double quotes, on one line; long texts are cut.
@@ -93,9 +92,9 @@ Finding FaultWords::finding(const Fault& fault) {
   finding.cause = cause(fault);
   const bool is_section =
       fault.kind == FaultKind::kMissingBitTiming || fault.kind == FaultKind::kMissingNodes;
-  if (fault.statement != kNone && !is_section && kind_of(fault.statement) != Word::kNone)
+  if (fault.statement != kNoStatement && !is_section && kind_of(fault.statement) != Word::kNone)
     finding.statement = statement_words(fault.statement);
-  if (fault.related != kNone)
+  if (fault.related != kNoStatement)
     finding.related.push_back({keyword_span(fault.related), related_words(fault)});
   return finding;
 }
@@ -225,7 +224,7 @@ std::string FaultWords::message_of_value(const Fault& fault) const {
   if (!fault.expected.empty())
     return "expected " + std::string(fault.expected) + ", " + found(fault);
   const std::string value = quoted(document_.content_of(token(fault)));
-  if (fault.related != kNone) {
+  if (fault.related != kNoStatement) {
     const Statement& definition = document_.statements[fault.related];
     const Token* const type = document_.find(definition, Role::kValueType);
     const std::string attribute = quoted(document_.text_of(definition, Role::kAttribute));
@@ -309,7 +308,7 @@ std::string FaultWords::cause_of_stray(const Fault& fault) const {
 }
 
 std::string FaultWords::cause_of_order(const Fault& fault) const {
-  if (fault.related == kNone) return "a signal belongs behind its message, \"BO_\"";
+  if (fault.related == kNoStatement) return "a signal belongs behind its message, \"BO_\"";
   const bool is_late = fault.related < fault.statement;
   const Word there = kind_of(fault.related);
   const std::string other = quoted(there == Word::kSignal ? Word::kMessage : there);
@@ -344,7 +343,7 @@ std::string FaultWords::cause_of_number(const Fault& fault) const {
 std::string FaultWords::cause_of_value(const Fault& fault) {
   if (fault.kind == FaultKind::kAccessCode) return "the code is taken to be 0";
   if (fault.kind == FaultKind::kUnknownLink) return "the value is dropped";
-  if (fault.related != kNone)
+  if (fault.related != kNoStatement)
     return suggestions_.for_item(fault.related, document_.content_of(token(fault)));
   if (!fault.is_accepted) return {};
   if (token(fault).role == Role::kRegister) return "its low 8 bits are kept";

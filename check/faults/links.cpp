@@ -4,17 +4,13 @@
 
 namespace zelk::check {
 
-namespace {
-
-constexpr std::uint32_t kNone = Statement::kNone;
-
-}  // namespace
+namespace {}  // namespace
 
 bool Links::has_link(std::uint32_t relation) {
   const Statement& statement = in_.statement(relation);
   const std::string_view node = in_.document.text_of(statement, Role::kNodeRef);
   const std::uint32_t object = object_of(statement);
-  if (node == ZELK_NO_NODE || object == kNone) return true;
+  if (node == ZELK_NO_NODE || object == kNoStatement) return true;
   const bool is_message = in_.statement(object).kind == Word::kMessage;
   return nodes_of(is_message ? sender_list(object) : object).contains(node);
 }
@@ -24,7 +20,7 @@ std::uint32_t Links::object_of(const Statement& relation) const {
   if (!id) return in_.names.variable(in_.document.text_of(relation, Role::kVariableRef));
   const std::uint32_t message = in_.names.message(*id);
   const Token* const signal = in_.document.find(relation, Role::kSignalRef);
-  if (!signal || message == kNone) return message;
+  if (!signal || message == kNoStatement) return message;
   return in_.names.signal(message, in_.document.text_of(*signal));
 }
 

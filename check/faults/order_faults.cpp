@@ -10,7 +10,6 @@ namespace zelk::check {
 
 namespace {
 
-constexpr std::uint32_t kNone = Statement::kNone;
 constexpr int kPlaces = 24;  // from 1 to 23
 
 bool is_section(Word kind) {
@@ -21,8 +20,8 @@ bool is_section(Word kind) {
 class OrderFaults {
  public:
   explicit OrderFaults(const Analysis& analysis) : in_(analysis) {
-    kept_from_.fill(kNone);
-    kept_to_.fill(kNone);
+    kept_from_.fill(kNoStatement);
+    kept_to_.fill(kNoStatement);
   }
 
   void find() {
@@ -45,15 +44,15 @@ class OrderFaults {
   /// All statements that have a place; for some it depends on what stands in front.
   void place_statements() {
     std::array<std::uint32_t, kPlaces> sections;
-    sections.fill(kNone);
+    sections.fill(kNoStatement);
     bool has_type_definitions = false;
     for (std::uint32_t i = 0; i < in_.document.statements.size(); ++i) {
       const Statement& statement = in_.statement(i);
       int place = place_of(statement.kind);
       if (place == 0) continue;
       auto& section = sections[static_cast<std::size_t>(place)];
-      const bool is_doubled = is_section(statement.kind) && section != kNone;
-      const bool is_orphan = statement.kind == Word::kSignal && statement.owner == kNone;
+      const bool is_doubled = is_section(statement.kind) && section != kNoStatement;
+      const bool is_orphan = statement.kind == Word::kSignal && statement.owner == kNoStatement;
       has_type_definitions |= statement.kind == Word::kTypeDefinition;
       if (statement.kind == Word::kRelationDefinition && has_type_definitions) ++place;
       if (is_doubled) in_.add(FaultKind::kDoubledSection, i).related = section;
@@ -76,27 +75,28 @@ class OrderFaults {
     for (const Placed& placed : placed_) {
       if (!placed.is_kept) continue;
       const auto place = static_cast<std::size_t>(placed.place);
-      if (kept_from_[place] == kNone) kept_from_[place] = placed.statement;
+      if (kept_from_[place] == kNoStatement) kept_from_[place] = placed.statement;
       kept_to_[place] = placed.statement;
     }
   }
 
   /// The first statement that stays with a place behind this one.
   std::uint32_t next_kept(int place) const {
-    const auto found = std::find_if(kept_from_.begin() + place + 1, kept_from_.end(),
-                                    [](std::uint32_t statement) { return statement != kNone; });
-    return found == kept_from_.end() ? kNone : *found;
+    const auto found =
+        std::find_if(kept_from_.begin() + place + 1, kept_from_.end(),
+                     [](std::uint32_t statement) { return statement != kNoStatement; });
+    return found == kept_from_.end() ? kNoStatement : *found;
   }
 
   /// The last statement that stays with this place or one in front.
   std::uint32_t last_kept(int place) const {
-    while (place > 0 && kept_to_[static_cast<std::size_t>(place)] == kNone) --place;
+    while (place > 0 && kept_to_[static_cast<std::size_t>(place)] == kNoStatement) --place;
     return kept_to_[static_cast<std::size_t>(place)];
   }
 
   void add_misplaced(const Placed& placed) const {
     const std::uint32_t next = next_kept(placed.place);
-    const bool is_late = next != kNone && next < placed.statement;
+    const bool is_late = next != kNoStatement && next < placed.statement;
     in_.add(FaultKind::kOrder, placed.statement).related = is_late ? next : last_kept(placed.place);
   }
 
@@ -106,7 +106,7 @@ class OrderFaults {
       return;
     const std::uint32_t next = next_kept(place_of(kind));
     const auto all = static_cast<std::uint32_t>(in_.document.tokens.size());
-    const std::uint32_t token = next == kNone ? all : in_.statement(next).first;
+    const std::uint32_t token = next == kNoStatement ? all : in_.statement(next).first;
     in_.faults.push_back({fault, next, token, token});
   }
 

@@ -12,7 +12,6 @@ namespace zelk::check {
 
 namespace {
 
-constexpr std::uint32_t kNone = Statement::kNone;
 constexpr std::size_t kStretch = 16384;  // statements
 
 bool has_references(const Statement& statement) {
@@ -51,7 +50,7 @@ class ReferenceFaults {
  private:
   void find(std::uint32_t index) {
     statement_ = index;
-    message_ = kNone;
+    message_ = kNoStatement;
     const std::size_t count = in_.faults.size();
     for (const Token& token : in_.document.tokens_of(in_.statement(index))) find(token);
     const bool is_relation = in_.statement(index).kind == Word::kRelationAttribute;
@@ -87,19 +86,19 @@ class ReferenceFaults {
   }
 
   void check(const Token& token, std::uint32_t found, FaultKind kind) const {
-    if (found == kNone) in_.add(kind, statement_, token);
+    if (found == kNoStatement) in_.add(kind, statement_, token);
   }
 
   /// A signal of an unknown message is no second fault.
   void check_signal(const Token& token) const {
-    if (message_ == kNone) return;
-    const bool is_known = in_.names.signal(message_, in_.document.text_of(token)) != kNone;
+    if (message_ == kNoStatement) return;
+    const bool is_known = in_.names.signal(message_, in_.document.text_of(token)) != kNoStatement;
     if (!is_known) in_.add(FaultKind::kUnknownSignal, statement_, token).related = message_;
   }
 
   /// The reader only notes the size of data of a variable that there is not.
   void check_variable(const Token& token) const {
-    if (in_.names.variable(in_.document.text_of(token)) != kNone) return;
+    if (in_.names.variable(in_.document.text_of(token)) != kNoStatement) return;
     const Word kind = in_.statement(statement_).kind;
     in_.add(FaultKind::kUnknownVariable, statement_, token).is_accepted =
         kind == Word::kData || kind == Word::kVariableData;
@@ -121,8 +120,8 @@ class ReferenceFaults {
 
   const Analysis& in_;
   Links links_;
-  std::uint32_t statement_ = kNone;
-  std::uint32_t message_ = kNone;
+  std::uint32_t statement_ = kNoStatement;
+  std::uint32_t message_ = kNoStatement;
 };
 
 }  // namespace

@@ -11,7 +11,6 @@ namespace zelk::check {
 
 namespace {
 
-constexpr std::uint32_t kNone = Statement::kNone;
 constexpr std::uint32_t kLengthMax = 65535;  // in bits
 constexpr std::uint32_t kOrderMax = 4;
 
@@ -44,7 +43,7 @@ class SignalFaults {
   explicit SignalFaults(const Analysis& analysis) : in_(analysis) {}
 
   void find() {
-    multiplexor_of_.resize(count(), kNone);
+    multiplexor_of_.resize(count(), kNoStatement);
     flags_.resize(count(), 0);
     read_ranges();
     for (std::uint32_t i = 0; i < count(); ++i) find(i);
@@ -70,7 +69,7 @@ class SignalFaults {
     check_segments(index);
     check_indicator(index);
     signals_.push_back(index);
-    const bool is_doubled = statement.owner != kNone && first_of_name(index) != index;
+    const bool is_doubled = statement.owner != kNoStatement && first_of_name(index) != index;
     if (is_doubled)
       add_accepted(FaultKind::kDoubledSignal, index, Role::kSignal).related = first_of_name(index);
   }
@@ -140,13 +139,13 @@ class SignalFaults {
       const Statement& statement = in_.statement(i);
       if (statement.kind != Word::kMultiplexorRanges || !statement.is_readable) continue;
       const auto id = whole_value(in_.document, statement, Role::kMessageRef);
-      const std::uint32_t message = id ? in_.names.message(*id) : kNone;
-      if (message == kNone) continue;
+      const std::uint32_t message = id ? in_.names.message(*id) : kNoStatement;
+      if (message == kNoStatement) continue;
       const std::uint32_t signal =
           in_.names.signal(message, in_.document.text_of(statement, Role::kSignalRef));
       const std::uint32_t multiplexor =
           in_.names.signal(message, in_.document.text_of(statement, Role::kMultiplexorRef));
-      if (signal == kNone || multiplexor == kNone) continue;
+      if (signal == kNoStatement || multiplexor == kNoStatement) continue;
       multiplexor_of_[signal] = multiplexor;
       flags_[signal] |= kHasRanges;
       flags_[multiplexor] |= kMultiplexor;
@@ -154,7 +153,7 @@ class SignalFaults {
   }
 
   void end_message() {
-    std::uint32_t multiplexor = kNone;
+    std::uint32_t multiplexor = kNoStatement;
     std::uint32_t marked = 0;  // by an indicator
     std::uint32_t all = 0;
     for (const std::uint32_t signal : signals_) {
@@ -179,7 +178,7 @@ class SignalFaults {
   /// The only multiplexor that indicators name selects all signals with a value.
   void give(std::uint32_t multiplexor) {
     for (const std::uint32_t signal : signals_) {
-      if ((flags_[signal] & kMultiplexed) != 0 && multiplexor_of_[signal] == kNone)
+      if ((flags_[signal] & kMultiplexed) != 0 && multiplexor_of_[signal] == kNoStatement)
         multiplexor_of_[signal] = multiplexor;
     }
   }
@@ -187,7 +186,7 @@ class SignalFaults {
   /// A signal with a value and nothing that selects it; one for a message.
   void warn() const {
     const auto lost = std::ranges::find_if(signals_, [this](std::uint32_t signal) {
-      return (flags_[signal] & kMultiplexed) != 0 && multiplexor_of_[signal] == kNone;
+      return (flags_[signal] & kMultiplexed) != 0 && multiplexor_of_[signal] == kNoStatement;
     });
     if (lost != signals_.end())
       add_accepted(FaultKind::kMultiplexors, *lost, Role::kIndicator).related = message_;
@@ -196,13 +195,13 @@ class SignalFaults {
   /// Walks up from every multiplexor, past each signal once. The reader looks for circles only when
   /// a message has several multiplexors.
   void find_circles() {
-    std::vector<std::uint32_t> passed_from(count(), kNone);
+    std::vector<std::uint32_t> passed_from(count(), kNoStatement);
     for (std::uint32_t start = 0; start < count(); ++start) {
       if ((flags_[start] & kMultiplexor) == 0) continue;
       std::uint32_t at = start;
-      for (; at != kNone && passed_from[at] == kNone; at = multiplexor_of_[at])
+      for (; at != kNoStatement && passed_from[at] == kNoStatement; at = multiplexor_of_[at])
         passed_from[at] = start;
-      if (at == kNone || passed_from[at] != start) continue;
+      if (at == kNoStatement || passed_from[at] != start) continue;
       Fault& fault =
           in_.add(FaultKind::kCircle, at, *in_.document.find(in_.statement(at), Role::kSignal));
       fault.related = multiplexor_of_[at];
@@ -215,7 +214,7 @@ class SignalFaults {
   std::vector<std::uint8_t> flags_;            ///< likewise
   bool is_extended_ = false;                   ///< a message has several multiplexors
   // Of the message under way.
-  std::uint32_t message_ = kNone;
+  std::uint32_t message_ = kNoStatement;
   std::vector<std::uint32_t> signals_;
   char letter_ = 0;
 };

@@ -9,7 +9,6 @@ namespace zelk::check {
 
 namespace {
 
-constexpr std::uint32_t kNone = Statement::kNone;
 constexpr std::size_t kMostNames = 3;
 
 /// The role of the names that a reference of this kind could have meant.
@@ -70,12 +69,12 @@ std::string Suggestions::for_item(std::uint32_t definition, std::string_view tex
 /// spelled alike.
 std::string Suggestions::for_message(const Fault& fault, std::string_view id) {
   const auto value = whole_value(document_, document_.tokens[fault.token]);
-  const std::uint32_t other = value ? names_.message(*value ^ ZELK_ID_EXTENDED) : kNone;
-  if (other != kNone) return "with the other frame format, there is " + message_words(other);
+  const std::uint32_t other = value ? names_.message(*value ^ ZELK_ID_EXTENDED) : kNoStatement;
+  if (other != kNoStatement) return "with the other frame format, there is " + message_words(other);
   const std::string_view signal =
       document_.text_of(document_.statements[fault.statement], Role::kSignalRef);
-  const std::uint32_t owner = signal.empty() ? kNone : message_of_signal(signal);
-  if (owner != kNone) return "a signal of this name is in " + message_words(owner);
+  const std::uint32_t owner = signal.empty() ? kNoStatement : message_of_signal(signal);
+  if (owner != kNoStatement) return "a signal of this name is in " + message_words(owner);
   return nearest(id, names_with(Role::kMessageId));
 }
 
@@ -90,7 +89,7 @@ std::string Suggestions::for_signal(const Fault& fault, std::string_view name) {
   std::string near = nearest(name, names);
   if (!near.empty()) return near;
   const std::uint32_t owner = message_of_signal(name);
-  return owner == kNone ? near : "a signal of this name is in " + message_words(owner);
+  return owner == kNoStatement ? near : "a signal of this name is in " + message_words(owner);
 }
 
 std::string Suggestions::nearest(std::string_view typed,
@@ -126,14 +125,14 @@ std::uint32_t Suggestions::message_of_signal(std::string_view name) {
   if (signals_.empty()) {
     for (const Statement& statement : document_.statements) {
       const bool is_known = statement.kind == Word::kSignal && statement.is_readable;
-      if (!is_known || statement.owner == kNone) continue;
+      if (!is_known || statement.owner == kNoStatement) continue;
       const auto [entry, is_new] =
           signals_.try_emplace(document_.text_of(statement, Role::kSignal), statement.owner);
-      if (!is_new) entry->second = kNone;
+      if (!is_new) entry->second = kNoStatement;
     }
   }
   const auto found = signals_.find(name);
-  return found == signals_.end() ? kNone : found->second;
+  return found == signals_.end() ? kNoStatement : found->second;
 }
 
 std::string Suggestions::message_words(std::uint32_t message) const {

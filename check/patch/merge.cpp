@@ -43,8 +43,6 @@ Partners places_in(const std::vector<Piece>& pieces, const std::vector<Piece>& o
   return places;
 }
 
-bool is_blank(std::string_view text) { return text.find_first_not_of(" \t\r\n") == text.npos; }
-
 bool touch(char left, char right) { return is_name_character(left) && is_name_character(right); }
 
 }  // namespace

@@ -15,8 +15,6 @@ namespace zelk::check {
 
 namespace {
 
-constexpr std::uint32_t kNone = Statement::kNone;
-
 using Entries = std::span<const Subjects::Entry>;
 
 bool is_frame(Word kind) { return kind == Word::kMessage || kind == Word::kSignal; }
@@ -57,21 +55,21 @@ class StatementPatch {
     const std::uint32_t after = list_in(after_text_);
     const bool are_there =
         original < original_text_.statements.size() && after < after_text_.statements.size();
-    if (are_there) merge_.change(original, kNone, after);
+    if (are_there) merge_.change(original, kNoStatement, after);
   }
 
   // --- Statements that change or go ---
 
   /// But the list of nodes, where that is changed already.
   void change_and_remove(Nodes nodes) {
-    std::vector<std::uint32_t> successors(before_text_.statements.size(), kNone);
+    std::vector<std::uint32_t> successors(before_text_.statements.size(), kNoStatement);
     for (std::uint32_t i = 0; i < partners_.size(); ++i)
       if (partners_[i] != kNoPartner) successors[partners_[i]] = i;
     for (std::uint32_t i = 0; i < successors.size(); ++i) {
       const bool is_listed =
           nodes == Nodes::kAll && before_text_.statements[i].kind == Word::kNodes;
       if (before_.all()[i] == 0 || is_listed) continue;
-      if (successors[i] == kNone) {
+      if (successors[i] == kNoStatement) {
         remove(i);
       } else if (differ(i, successors[i])) {
         change(i, successors[i]);
@@ -91,11 +89,11 @@ class StatementPatch {
   std::uint32_t original_of(std::uint32_t before) const {
     const Entries places = original_.about(before_.all()[before]);
     const Entries befores = before_.about(before_.all()[before]);
-    if (places.empty()) return kNone;
+    if (places.empty()) return kNoStatement;
     if (befores.size() == 1) return places.back().statement;
     const auto found = std::ranges::find(befores, before, &Subjects::Entry::statement);
     const auto occurrence = static_cast<std::size_t>(found - befores.begin());
-    return occurrence < places.size() ? places[occurrence].statement : kNone;
+    return occurrence < places.size() ? places[occurrence].statement : kNoStatement;
   }
 
   void remove(std::uint32_t before) {
@@ -104,7 +102,7 @@ class StatementPatch {
     if (after_.about(subject).empty()) {
       for (const Subjects::Entry& entry : original_.about(subject))
         if (!stays_unused(before, entry.statement)) splices_.remove(entry.statement);
-    } else if (place != kNone) {
+    } else if (place != kNoStatement) {
       splices_.remove(place);
     }
   }
@@ -121,11 +119,11 @@ class StatementPatch {
   void change(std::uint32_t before, std::uint32_t after) {
     const Word kind = after_text_.statements[after].kind;
     const std::uint32_t place = original_of(before);
-    if (place == kNone) return insert(after);
+    if (place == kNoStatement) return insert(after);
     // Value descriptions of several statements become one.
     const Entries places = original_.about(before_.all()[before]);
     const bool is_divided = kind == Word::kDescriptions && places.size() > 1;
-    merge_.change(place, is_divided ? kNone : before, after);
+    merge_.change(place, is_divided ? kNoStatement : before, after);
     if (!is_divided) return;
     for (const Subjects::Entry& entry : places)
       if (entry.statement != place) splices_.remove(entry.statement);
@@ -139,7 +137,7 @@ class StatementPatch {
       const Entries places = original_.about(after_.all()[i]);
       const bool is_there = !places.empty() && before_.about(after_.all()[i]).empty();
       if (is_there) {
-        merge_.change(places.back().statement, kNone, i);
+        merge_.change(places.back().statement, kNoStatement, i);
       } else {
         insert(i);
       }
@@ -150,16 +148,16 @@ class StatementPatch {
   void insert(std::uint32_t after) {
     const Word kind = after_text_.statements[after].kind;
     if (kind == Word::kNewSymbols) return;
-    std::uint32_t anchor = kNone;
+    std::uint32_t anchor = kNoStatement;
     const bool follows_inserted = after > 0 && after - 1 == last_inserted_ && continues(after);
     bool is_section = false;
     if (follows_inserted) {
       anchor = last_anchor_;
     } else {
       anchor = anchor_in_section(after);
-      if (anchor == kNone) {
+      if (anchor == kNoStatement) {
         anchor = end_of_earlier(kind);
-        is_section = anchor == kNone || original_text_.statements[anchor].kind != kind;
+        is_section = anchor == kNoStatement || original_text_.statements[anchor].kind != kind;
       }
     }
     const std::string indentation = kind == Word::kSignal ? indentation_of_signals(anchor) : "";
@@ -182,10 +180,10 @@ class StatementPatch {
     const Word kind = after_text_.statements[after].kind;
     for (std::uint32_t i = after; i > 0 && continues(i); --i) {
       const std::uint32_t before = partners_[i - 1];
-      const std::uint32_t place = before == kNoPartner ? kNone : original_of(before);
-      if (place != kNone) return kind == Word::kMessage ? end_of_message(place) : place;
+      const std::uint32_t place = before == kNoPartner ? kNoStatement : original_of(before);
+      if (place != kNoStatement) return kind == Word::kMessage ? end_of_message(place) : place;
     }
-    return kNone;
+    return kNoStatement;
   }
 
   /// The last signal of the message of a statement.
@@ -201,12 +199,12 @@ class StatementPatch {
       const int place = place_of(original_text_.statements[i].kind);
       if (place != 0 && place <= place_of(kind)) return i;
     }
-    return kNone;
+    return kNoStatement;
   }
 
   std::string indentation_of_signals(std::uint32_t anchor) const {
     const auto& statements = original_text_.statements;
-    const bool is_signal = anchor != kNone && statements[anchor].kind == Word::kSignal;
+    const bool is_signal = anchor != kNoStatement && statements[anchor].kind == Word::kSignal;
     if (is_signal) return splices_.indentation_at(anchor);
     const auto found = std::ranges::find(statements, Word::kSignal, &Statement::kind);
     if (found == statements.end()) return " ";
@@ -246,7 +244,7 @@ class StatementPatch {
     for (const Token& token : original_text_.tokens_of(original_text_.statements[original])) {
       const std::uint32_t object = casts_.original.object(original, token);
       const CastKind kind = Cast::kind_of(token.role).kind;
-      if (object != kNone && !casts_.after.token(kind, object)) return true;
+      if (object != kNoStatement && !casts_.after.token(kind, object)) return true;
     }
     return false;
   }
@@ -257,7 +255,7 @@ class StatementPatch {
     const std::uint32_t signal = object_of(original, Role::kSignalRef);
     const auto indicator = [&](const Cast& cast) {
       const std::uint32_t statement = cast.statement(CastKind::kSignal, signal);
-      if (statement == kNone) return std::string_view();
+      if (statement == kNoStatement) return std::string_view();
       return cast.document().text_of(cast.document().statements[statement], Role::kIndicator);
     };
     return indicator(casts_.before) != indicator(casts_.after);
@@ -285,10 +283,10 @@ class StatementPatch {
 
   static std::uint32_t sender_of(const Cast& cast, std::uint32_t message) {
     const std::uint32_t statement = cast.statement(CastKind::kMessage, message);
-    if (statement == kNone) return kNone;
+    if (statement == kNoStatement) return kNoStatement;
     const Document& document = cast.document();
     const Token* const sender = document.find(document.statements[statement], Role::kTransmitter);
-    return sender ? cast.object(statement, *sender) : kNone;
+    return sender ? cast.object(statement, *sender) : kNoStatement;
   }
 
   Casts casts_;
@@ -302,8 +300,8 @@ class StatementPatch {
   Splices& splices_;
   Merge merge_;
   Partners partners_;
-  std::uint32_t last_inserted_ = kNone;
-  std::uint32_t last_anchor_ = kNone;
+  std::uint32_t last_inserted_ = kNoStatement;
+  std::uint32_t last_anchor_ = kNoStatement;
 };
 
 std::optional<Patched> patch_statements(const Document& original, const Document& before,

@@ -5,12 +5,6 @@
 
 namespace zelk::check {
 
-namespace {
-
-bool is_blank(std::string_view text) { return text.find_first_not_of(" \t\r\n") == text.npos; }
-
-}  // namespace
-
 Splices::Splices(const Document& document)
     : document_(document), source_(document.source), line_end_(document.source.line_end()) {}
 

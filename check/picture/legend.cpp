@@ -18,7 +18,7 @@ constexpr int kRowHeight = 20;
 constexpr int kLineHeight = 15;  // of the further lines of a row
 constexpr std::size_t kMostLines = 12;
 constexpr int kMarkWidth = 36;
-constexpr int kGap = 14;
+constexpr int kLineGap = 14;
 
 /// "always", "multiplexor", "for Mode = 3, 5..7".
 std::string presence_of(const sigblk& signal, Encoding encoding) {
@@ -79,16 +79,16 @@ void Legend::add(std::string_view heading, int most, bool is_number,
 
 int Legend::width() const {
   int width = kMarkWidth;
-  for (const Column& column : columns_) width += kGap + column.width;
+  for (const Column& column : columns_) width += kLineGap + column.width;
   return width;
 }
 
 void Legend::draw_heading(Svg& svg, int x, int y) const {
-  int left = x + kMarkWidth + kGap;
+  int left = x + kMarkWidth + kLineGap;
   for (const Column& column : columns_) {
     svg.text(column.is_number ? left + column.width : left, y + 14, kStrongFont, column.heading,
              column.is_number ? Anchor::kEnd : Anchor::kStart);
-    left += column.width + kGap;
+    left += column.width + kLineGap;
   }
   svg.line(x, y + kRowHeight, x + width(), y + kRowHeight, "rule");
 }
@@ -112,7 +112,7 @@ int Legend::draw_row(Svg& svg, std::size_t index, int x, int y) const {
   const Svg::Group group(svg, row.mark->name, row.comment);
   if (index % 2 == 1) svg.rectangle({x, y, width(), height}, "band");
   draw_mark(svg, *row.mark, x, y);
-  int left = x + kMarkWidth + kGap;
+  int left = x + kMarkWidth + kLineGap;
   for (std::size_t i = 0; i < columns_.size(); ++i) {
     const Column& column = columns_[i];
     int line_y = y + 14;
@@ -121,7 +121,7 @@ int Legend::draw_row(Svg& svg, std::size_t index, int x, int y) const {
                       kTextFont, line, column.is_number ? Anchor::kEnd : Anchor::kStart);
       line_y += kLineHeight;
     }
-    left += column.width + kGap;
+    left += column.width + kLineGap;
   }
   return y + height;
 }

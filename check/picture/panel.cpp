@@ -14,8 +14,8 @@ namespace zelk::check {
 
 namespace {
 
-constexpr int kRowHeight = 40;
-constexpr int kLineHeight = 18;
+constexpr int kPanelRowHeight = 40;
+constexpr int kPanelLineHeight = 18;
 constexpr int kPadding = 4;
 constexpr int kBitsPerRow = 8;
 
@@ -52,14 +52,14 @@ int Panel::draw_rows(Svg& svg, const FrameBits& frame, int x, int y) const {
     svg.text(left + (7 - bit) * cell_width_ + cell_width_ / 2, y + 12, kTextFont,
              std::to_string(bit), Anchor::kMiddle);
   }
-  y += kLineHeight;
+  y += kPanelLineHeight;
   std::uint32_t expected = 0;
   std::vector<Run> used;  // drawn last, so that their edges are on top
   for (const auto& [byte, row] : frame.rows()) {
     if (byte >= frame.dlc()) break;
-    if (byte != expected) y += kLineHeight / 2;  // bytes are left out here
+    if (byte != expected) y += kPanelLineHeight / 2;  // bytes are left out here
     expected = byte + 1;
-    svg.text(left - 8, y + kRowHeight / 2 + 4, kTextFont, "byte " + std::to_string(byte),
+    svg.text(left - 8, y + kPanelRowHeight / 2 + 4, kTextFont, "byte " + std::to_string(byte),
              Anchor::kEnd);
     for (const Run& run : runs_of(byte, row, left, y)) {
       if (run.left_bit->signal_count == 0) {
@@ -69,7 +69,7 @@ int Panel::draw_rows(Svg& svg, const FrameBits& frame, int x, int y) const {
         used.push_back(run);
       }
     }
-    y += kRowHeight;
+    y += kPanelRowHeight;
   }
   for (const Run& run : used)
     run.left_bit->signal_count == 1 ? draw_signal(svg, run) : draw_overlap(svg, run);
@@ -83,7 +83,7 @@ std::vector<Panel::Run> Panel::runs_of(std::uint32_t byte, const std::array<Fram
     const FrameBit& here = row[static_cast<std::size_t>(bit)];
     if (runs.empty() || !same_signals(here, *runs.back().left_bit)) {
       runs.push_back(
-          {byte, bit, bit, &here, &here, {x + (7 - bit) * cell_width_, y, 0, kRowHeight}});
+          {byte, bit, bit, &here, &here, {x + (7 - bit) * cell_width_, y, 0, kPanelRowHeight}});
     }
     runs.back().right = bit;
     runs.back().right_bit = &here;
@@ -126,7 +126,7 @@ void Panel::draw_signal(Svg& svg, const Run& run) const {
   const std::string name = fitted(mark.name, box.width - 2 * kPadding, kCellFont);
   svg.text(middle, box.y + 26, kCellFont, name, Anchor::kMiddle);
   if (name != mark.name) {  // the number leads to the name in the table
-    svg.text(middle, box.y + kRowHeight - kPadding, kMarkFont, std::to_string(mark.number),
+    svg.text(middle, box.y + kPanelRowHeight - kPadding, kMarkFont, std::to_string(mark.number),
              Anchor::kMiddle);
   }
   draw_ends(svg, run);
@@ -146,7 +146,7 @@ void Panel::draw_overlap(Svg& svg, const Run& run) const {
 
 int Panel::draw_notes(Svg& svg, const FrameBits& frame, int x, int y) const {
   for (const std::string& note : layout_notes(frame, layout_, marks_)) {
-    y += kLineHeight;
+    y += kPanelLineHeight;
     svg.rectangle({x + kLabelWidth, y - 9, 10, 10}, "warning");
     svg.fitted_text(x + kLabelWidth + 16, y, 8 * cell_width_ - 16, kTextFont, note);
   }

@@ -15,8 +15,6 @@ namespace zelk::check {
 
 namespace {
 
-constexpr std::uint32_t kNone = Statement::kNone;
-
 using TokenSpan = std::span<const Token>;
 
 bool is_same(const Document& document, TokenSpan a, TokenSpan b) {
@@ -223,7 +221,7 @@ class Doubles {
   SeededHash hash_;
   std::vector<std::uint32_t> candidates_;  ///< in their order
   /// The first statement about each object.
-  HashTable<std::uint32_t, std::uint32_t, kNone> first_;
+  HashTable<std::uint32_t, std::uint32_t, kNoStatement> first_;
   std::unordered_map<std::uint32_t, std::uint32_t> last_;  ///< about the object of a first one
 };
 

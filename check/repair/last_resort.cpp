@@ -8,24 +8,23 @@ namespace zelk::check {
 
 namespace {
 
-constexpr std::uint32_t kNone = Statement::kNone;
-
 class Search {
  public:
   explicit Search(const Document& document) : document_(document) {}
 
   /// @param end  a guess: with the statements in front of it the text is refused
-  /// @return the first statement with which it is refused; `kNone` when the sections are at fault
+  /// @return the first statement with which it is refused; `kNoStatement` when the sections are at
+  /// fault
   std::uint32_t first_refused(std::uint32_t end) const {
     const std::uint32_t least = behind_sections();
     const auto all = static_cast<std::uint32_t>(document_.statements.size());
     if (end < all && is_accepted(end)) end = all;
-    if (end <= least) return kNone;
+    if (end <= least) return kNoStatement;
     std::uint32_t begin = end;  // the text in front of it is accepted, once that is found
     for (std::uint32_t step = 1;; step *= 2) {
       begin = begin - least > step ? begin - step : least;
       if (is_accepted(begin)) break;
-      if (begin == least) return kNone;
+      if (begin == least) return kNoStatement;
       end = begin;
     }
     while (end - begin > 1) {
@@ -71,7 +70,7 @@ bool drop_refused(Mender& mender, const Verdict& verdict) {
                                [&](const Statement& each) { return document.begin_of(each); });
   const auto end = static_cast<std::uint32_t>(behind - document.statements.begin());
   const std::uint32_t found = Search(document).first_refused(end);
-  if (found == kNone) return false;
+  if (found == kNoStatement) return false;
   const Word kind = mender.statement(found).kind;
   if (kind == Word::kMessage || kind == Word::kSignal) return false;
   mender.drop(FaultKind::kRefused, found,

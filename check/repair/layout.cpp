@@ -16,8 +16,6 @@ namespace {
 
 constexpr int kPlaces = 24;  // from 1 on
 
-constexpr std::uint32_t kNone = Statement::kNone;
-
 /// No frame has this identifier: it is an extended one, of 30 bits.
 constexpr std::uint32_t kIdOfStraySignals = 0xC0000000;
 
@@ -144,7 +142,7 @@ std::vector<int> places_of(const Mender& mender) {
 
 /// Statements of one place that move.
 struct Run {
-  std::uint32_t first = kNone;
+  std::uint32_t first = kNoStatement;
   std::uint32_t count = 0;
 };
 
@@ -180,11 +178,11 @@ class Order {
 
   /// The last statement that stays and must stand in front of a place.
   void find_neighbours() {
-    last_staying_.fill(kNone);
+    last_staying_.fill(kNoStatement);
     for (std::uint32_t i = 0; i < places_.size(); ++i)
       if (stays_[i]) last_staying_[static_cast<std::size_t>(places_[i])] = i;
     for (std::size_t place = 1; place < kPlaces; ++place)
-      if (last_staying_[place] == kNone) last_staying_[place] = last_staying_[place - 1];
+      if (last_staying_[place] == kNoStatement) last_staying_[place] = last_staying_[place - 1];
   }
 
   void note_run(const Run& run) {
@@ -196,7 +194,7 @@ class Order {
     std::string message = describe(document, first);
     if (run.count > 1) message += " and " + counted(run.count - 1, "more statement");
     message += " moved to the place of \"" + std::string(spelling(first.kind)) + "\" statements";
-    if (before != kNone)
+    if (before != kNoStatement)
       message += ", behind \"" + std::string(spelling(mender_.statement(before).kind)) + '"';
     mender_.note(FaultKind::kOrder, {document.begin_of(first), document.end_of(first)},
                  std::move(message));
@@ -326,17 +324,17 @@ void mend_sections(Mender& mender, std::span<const std::string_view> nodes) {
 }
 
 void adopt_signals(Mender& mender) {
-  std::uint32_t first = kNone;
+  std::uint32_t first = kNoStatement;
   std::uint64_t count = 0;
   for (std::uint32_t i = 0; i < mender.document.statements.size(); ++i) {
     const Statement& statement = mender.statement(i);
-    const bool is_orphan = statement.kind == Word::kSignal && statement.owner == kNone;
+    const bool is_orphan = statement.kind == Word::kSignal && statement.owner == kNoStatement;
     if (!is_orphan || mender.is_dropped(i)) continue;
     if (count++ == 0) first = i;
   }
-  if (first == kNone || !mender.is_on(FaultKind::kUnknownMessage)) return;
+  if (first == kNoStatement || !mender.is_on(FaultKind::kUnknownMessage)) return;
   std::uint32_t id = kIdOfStraySignals;
-  while (mender.names.message(id) != kNone) --id;
+  while (mender.names.message(id) != kNoStatement) --id;
   const std::string message =
       "BO_ " + std::to_string(id) + " Signals_without_message: 0 " + ZELK_NO_NODE;
   const std::uint32_t place = mender.document.begin_of(mender.statement(first));

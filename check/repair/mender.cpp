@@ -10,14 +10,14 @@ namespace zelk::check {
 
 namespace {
 
-bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
+bool is_blank_byte(char c) { return c == ' ' || c == '\t' || c == '\r'; }
 
 /// The statement; with its line when nothing else stands there, else with the blanks behind it.
 Span with_line(std::string_view text, Span span) {
   std::uint32_t begin = span.begin;
-  while (begin != 0 && is_blank(text[begin - 1])) --begin;
+  while (begin != 0 && is_blank_byte(text[begin - 1])) --begin;
   std::uint32_t end = span.end;
-  while (end != text.size() && is_blank(text[end])) ++end;
+  while (end != text.size() && is_blank_byte(text[end])) ++end;
   const bool begins_line = begin == 0 || text[begin - 1] == '\n';
   const bool ends_line = end == text.size() || text[end] == '\n';
   if (!begins_line || !ends_line) return {span.begin, ends_line ? span.end : end};
@@ -85,7 +85,7 @@ void Mender::rewrite(std::uint32_t index, std::string text) {
 void Mender::erase_tokens(std::uint32_t first, std::uint32_t end) {
   const std::string_view text = document.source.text();
   std::uint32_t begin = document.tokens[first].begin;
-  while (begin != 0 && is_blank(text[begin - 1])) --begin;
+  while (begin != 0 && is_blank_byte(text[begin - 1])) --begin;
   edits.erase(begin, document.tokens[end - 1].end);
 }
 

@@ -18,8 +18,6 @@ namespace zelk::check {
 
 namespace {
 
-constexpr std::uint32_t kNone = Statement::kNone;
-
 /// Tokens of the longest name with blanks.
 constexpr std::uint32_t kMostTokens = 34;
 
@@ -70,10 +68,10 @@ class Renames {
   std::uint32_t owner_of(NameKind kind, std::uint32_t index) const {
     const Statement& statement = mender_.statement(index);
     if (kind == NameKind::kMessage) return index;
-    if (kind != NameKind::kSignal && kind != NameKind::kGroup) return kNone;
+    if (kind != NameKind::kSignal && kind != NameKind::kGroup) return kNoStatement;
     if (statement.kind == Word::kSignal) return statement.owner;
     const auto id = whole_value(mender_.document, statement, Role::kMessageRef);
-    return id ? mender_.names.message(*id) : kNone;
+    return id ? mender_.names.message(*id) : kNoStatement;
   }
 
   static std::string key_of(NameKind kind, std::uint32_t owner, std::string_view name) {
@@ -124,7 +122,7 @@ class Renames {
   std::string new_name(NameKind kind, std::uint32_t owner, std::string_view old_name) {
     std::string plain = plain_name(old_name);
     if (!is_taken(kind, owner, plain)) return plain;
-    if (kind == NameKind::kMessage) owner = kNone;  // unique among all messages
+    if (kind == NameKind::kMessage) owner = kNoStatement;  // unique among all messages
     std::size_t& number = last_numbers_.try_emplace(key_of(kind, owner, plain), 1).first->second;
     std::string name;
     do {
@@ -140,15 +138,15 @@ class Renames {
       case NameKind::kMessage:
         return message_names().contains(name);
       case NameKind::kSignal:
-        return owner != kNone && names.signal(owner, name) != kNone;
+        return owner != kNoStatement && names.signal(owner, name) != kNoStatement;
       case NameKind::kNode:
-        return names.node(name) != kNone;
+        return names.node(name) != kNoStatement;
       case NameKind::kVariable:
-        return names.variable(name) != kNone;
+        return names.variable(name) != kNoStatement;
       case NameKind::kTable:
-        return names.table(name) != kNone;
+        return names.table(name) != kNoStatement;
       case NameKind::kType:
-        return names.type(name) != kNone;
+        return names.type(name) != kNoStatement;
       default:
         return false;
     }
@@ -179,7 +177,7 @@ class Renames {
       const Statement& statement = mender_.statement(i);
       const bool may_refer = statement.kind != Word::kMessage && statement.kind != Word::kSignal &&
                              !mender_.is_settled(i);
-      if (may_refer && owner_of(NameKind::kSignal, i) != kNone) rewrite(i, first_words);
+      if (may_refer && owner_of(NameKind::kSignal, i) != kNoStatement) rewrite(i, first_words);
     }
   }
 
@@ -256,7 +254,7 @@ class Renames {
                                  !mender_.document.find(statement, Role::kSignalRef);
       if (!is_of_message) continue;
       const std::uint32_t message = owner_of(NameKind::kSignal, i);
-      if (message == kNone) continue;
+      if (message == kNoStatement) continue;
       const Statement& there = mender_.statement(message);
       Renamed* const found = renamed_.find(NameKind::kMessage, message,
                                            mender_.document.text_of(there, Role::kMessage));
@@ -275,7 +273,7 @@ class Renames {
     if (each.references != 0) message += ", and in " + counted(each.references, "reference");
     mender_.note(fault.kind, fault.statement, fault.token, fault.token + 1, std::move(message));
     if (each.is_told) return;
-    if (each.comment != kNone) {
+    if (each.comment != kNoStatement) {
       append_to_comment(each);
     } else if (const std::string object = object_of(each); !object.empty()) {
       mender_.add(place_of(Word::kComment),
@@ -308,7 +306,7 @@ class Renames {
 
   /// The identifier of the message, when a reference finds this one; else empty.
   std::string identifier_of(std::uint32_t message) const {
-    if (message == kNone) return "";
+    if (message == kNoStatement) return "";
     const Statement& statement = mender_.statement(message);
     const auto id = whole_value(mender_.document, statement, Role::kMessageId);
     return id && mender_.names.message(*id) == message ? std::to_string(*id) : "";

@@ -26,6 +26,8 @@ struct Statement {
   std::uint32_t owner = kNone;  ///< statement of the message to which a signal belongs
 };
 
+inline constexpr std::uint32_t kNoStatement = Statement::kNone;
+
 /// A text as a sequence of statements. Tokens and statements stand in the order of the text, and
 /// every token belongs to one statement. Space and `//` comments between tokens are no tokens.
 struct Document {

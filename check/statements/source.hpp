@@ -116,6 +116,11 @@ class Source {
   mutable std::unordered_map<std::uint32_t, std::vector<Front>> marks_;
 };
 
+/// Whether there is nothing but space and line ends.
+inline bool is_blank(std::string_view text) {
+  return text.find_first_not_of(" \t\r\n") == text.npos;
+}
+
 }  // namespace zelk::check
 
 #endif

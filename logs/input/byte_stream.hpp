@@ -34,6 +34,9 @@ class ByteStream {
   virtual bool is_file() const { return false; }
 };
 
+/// What is read of a compressed stream at a time.
+inline constexpr std::size_t kInputBytes = 1 << 16;
+
 /// The bytes on the disk or in the pipe.
 class FileStream : public ByteStream {
  public:

@@ -13,7 +13,6 @@ namespace zelk::logs {
 
 namespace {
 
-constexpr std::size_t kInputBytes = 1 << 16;
 constexpr std::size_t kBlockHeaderBytes = 3;
 
 struct StateDeleter {

@@ -11,7 +11,7 @@
 namespace zelk {
 namespace {
 
-constexpr double kLargest = std::numeric_limits<double>::max();
+constexpr double kLargestNumber = std::numeric_limits<double>::max();
 constexpr int kWrittenDigits = 14;
 constexpr std::size_t kShortDecimal = 16;  // 15 digits and the point
 constexpr std::array<double, kShortDecimal> kPowersOfTen = {
@@ -70,7 +70,7 @@ double literal_to_double(std::string_view literal) {
   double value = 0.0;
   const auto result = std::from_chars(literal.data(), literal.data() + literal.size(), value);
   if (result.ec != std::errc::result_out_of_range) return value;
-  return is_overflow(literal) ? kLargest : 0.0;
+  return is_overflow(literal) ? kLargestNumber : 0.0;
 }
 
 std::optional<double> parse_number(std::string_view text) {
@@ -89,7 +89,7 @@ std::optional<double> parse_number(std::string_view text) {
 
 NumberText::NumberText(double number) : buffer_() {
   if (std::isnan(number)) number = 0.0;
-  number = std::clamp(number, -kLargest, kLargest);
+  number = std::clamp(number, -kLargestNumber, kLargestNumber);
   const double magnitude = std::abs(number);
   const bool has_no_exponent = number == 0.0 || (magnitude >= 1e-4 && magnitude < 1e14);
   if (has_no_exponent && set_short(number)) return;

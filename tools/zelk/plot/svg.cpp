@@ -44,7 +44,7 @@ constexpr double kSample = 34;    // of a curve, in front of its name
 constexpr double kPerTick = 110;  // of the axis of time
 constexpr double kPerRow = 28;
 constexpr double kPerMark = 170;
-constexpr std::size_t kColors = 8;
+constexpr std::size_t kColorCount = 8;
 constexpr std::size_t kShapes = 7;
 
 constexpr check::Font kNameFont{"name", 12};
@@ -169,7 +169,7 @@ class Drawing {
   json data_;
 };
 
-std::string color_of(std::size_t number) { return "k" + std::to_string(number % kColors); }
+std::string color_of(std::size_t number) { return "k" + std::to_string(number % kColorCount); }
 
 double Drawing::draw_panel(std::size_t index, double y) {
   const Axis& axis = figure_.axes[index];
@@ -290,7 +290,7 @@ json Drawing::draw_band(const Lane& lane, const Band& band, const PlotArea& area
           {"width", pixel(width)},
           {"height", area.height},
           {"value", value},
-          {"color", is_several ? "several" : "b" + std::to_string(band.text % kColors)},
+          {"color", is_several ? "several" : "b" + std::to_string(band.text % kColorCount)},
           {"label", std::move(label)}};
 }
 

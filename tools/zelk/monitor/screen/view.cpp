@@ -18,7 +18,7 @@ constexpr std::size_t kCurveLines = 4;    // below its title
 constexpr std::size_t kLinesForCurve = 14;
 
 /// The time of day, UTC, of points in time, and else seconds.
-std::string time_text(std::int64_t now) {
+std::string clock_text(std::int64_t now) {
   if (now == kZelkNoTime) return "";
   constexpr std::int64_t kSecond = 1'000'000'000;
   if (now < 100'000'000 * kSecond)
@@ -119,7 +119,7 @@ ScreenLine ScreenView::header(std::size_t columns) const {
   if (!facts_.recording.empty()) states += " RECORDING " + facts_.recording;
 
   std::string text = fmt::format(" {}  {:.0f}/s  {}  {}", facts_.source, facts_.frames_per_second,
-                                 counted(facts_.frame_count, "frame"), time_text(rows_.now()));
+                                 counted(facts_.frame_count, "frame"), clock_text(rows_.now()));
   if (facts_.error_frame_count > 0) text += "  " + counted(facts_.error_frame_count, "error frame");
   if (facts_.unlisted_frame_count > 0)
     text += fmt::format("  {} not listed", facts_.unlisted_frame_count);
