@@ -85,7 +85,7 @@ ZELK_API uint32_t zelk_try_read_text(const char* text, size_t size, symblk** nod
 /// - a signal's factor of 0, which is read as 1, and its minimum above its maximum, which are read
 ///   exchanged;
 /// - names that `zelk_can_name_object` refuses, inline names among them; inline names and units of
-///   more than 32 characters;
+///   more than 32 characters; a name of up to 32 characters that an earlier node has;
 /// - types of environment variables and attributes, and kinds of objects, beyond their enumerators;
 ///   bit 15 of an access code; the default of an ENUM that is no item;
 /// - records that refer to a definition, category, table, type or filter node that the lists do not

@@ -99,7 +99,11 @@ class Check {
   }
 
   void check(const symblk& node) {
+    const std::string_view name = view(node.name);
     require(is_readable(node.name, true), node, "its name is none of the format");
+    // Missing and long names are written as names that no other has.
+    require(name.empty() || !fits_inline(name) || node_names_.insert(name).second, node,
+            "another node has its name");
     values(node.attrs, [&] { return name_of(node); });
     category(node);
   }
@@ -256,6 +260,7 @@ class Check {
   const ModelView& model_;
   std::optional<std::string> fault_;
   std::unordered_set<const symblk*> nodes_;
+  std::unordered_set<std::string_view, SeededHash> node_names_;
   std::unordered_set<const attr_def*> definitions_;
   const attr_def* last_definition_ = nullptr;
   std::unordered_set<std::int32_t, SeededHash> categories_;

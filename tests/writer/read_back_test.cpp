@@ -61,6 +61,8 @@ const Case kCases[] = {
      "message M: the database does not hold its category", 28},
     {[](Sample& d) { set(d.nodes->name, ZELK_NO_NODE); },
      "node Ostrel__XXX: its name is none of the format", 0},
+    {[](Sample& d) { append_named(d.nodes, zelk_create_symbol(), d.nodes->name); },
+     "node A: another node has its name", 0},
     {[](Sample& d) { append(d.filter.nodes, zelk_create_rx(&stranger)); },
      "filter: the database does not hold a node of it", 20},
     {[](Sample& d) { d.timings->baudrate = 32768; }, "bit timing: its baud rate is above 32767", 1},
