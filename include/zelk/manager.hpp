@@ -172,7 +172,8 @@ class ZELK_API ZelkManager {
   /// last error met
   ZelkError ReopenDatabase(const char* db);
   /// Closes a database, and frees this manager's locks on it; does nothing when there is no such
-  /// database. Edits that were not written are lost unless another manager has it open.
+  /// database. Edits that were not written are lost unless another manager has it open, or the
+  /// cache keeps it as it is.
   ///
   /// @param db             null: all databases ("None and all" above)
   /// @param keep_in_cache  a following open of the unchanged file finds it without reading, until
