@@ -4,11 +4,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
+#include "expect.hpp"
 #include "logs/forms/form.hpp"
 #include "support/memory_stream.hpp"
 #include "zelk/logs/columns.hpp"
@@ -21,12 +20,6 @@ namespace {
 using namespace zelk::logs;
 
 constexpr std::size_t kMostUnpacked = 1 << 20;  // of a small input that unpacks to very much
-
-void expect(bool condition, const char* what) {
-  if (condition) return;
-  std::fprintf(stderr, "%s\n", what);
-  std::abort();
-}
 
 /// A log, or its first bytes.
 class Limited : public ByteStream {

@@ -5,8 +5,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <map>
 #include <set>
 #include <string>
@@ -14,17 +12,12 @@
 #include "base/list.hpp"
 #include "check/includes/mend.hpp"
 #include "check/statements/document.hpp"
+#include "expect.hpp"
 #include "support/lists.hpp"
 
 namespace {
 
 using namespace zelk::check;
-
-void expect(bool condition, const char* what, const std::string& text) {
-  if (condition) return;
-  std::fprintf(stderr, "%s\n%s\n%s", what, text.c_str(), zelk_get_error_text());
-  std::abort();
-}
 
 struct Counts {
   std::size_t messages = 0;

@@ -1,11 +1,11 @@
-/// A database as a host of the C interface holds it, and its description in one line per record.
+/// A database as a host of the C interface holds it, read from texts and files.
 #ifndef ZELK_TESTS_SUPPORT_DATABASE_HPP
 #define ZELK_TESTS_SUPPORT_DATABASE_HPP
 
 #include <string>
 #include <string_view>
 
-#include "model/heads.hpp"
+#include "support/description.hpp"
 #include "support/lists.hpp"
 
 /// A file of the given content in the working directory, removed by the destructor. One per test at
@@ -30,15 +30,6 @@ struct Database : Lists {
 
   std::string reported;  ///< message lines of the last read, each ended by a line feed
 };
-
-inline zelk::ModelView view_of(const Lists& d) {
-  return {d.nodes,      d.messages, d.variables, d.timings, d.definitions, d.values,
-          d.categories, d.filter,   d.comment,   d.version, d.types,       d.tables};
-}
-
-/// Every record in list order, one per line; parts that are absent are left out.
-std::string describe(const zelk::ModelView& model);
-inline std::string describe(const Lists& lists) { return describe(view_of(lists)); }
 
 /// A text in which apostrophes stand for double quotes.
 inline std::string with_quotes(std::string text) {

@@ -1,0 +1,86 @@
+#include "calls/files.hpp"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <fstream>
+#include <system_error>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+fs::path place() {
+  std::error_code error;
+  const fs::path memory = "/dev/shm";
+  return fs::is_directory(memory, error) ? memory : fs::temp_directory_path();
+}
+
+/// Each call gives a file a time that no other has: databases know their files by them, and the
+/// system's clock may stand still for thousands of calls.
+void set_next_time(int descriptor) {
+  static std::int64_t seconds = 1'600'000'000;
+  const timespec time = {++seconds, 0};
+  const timespec times[] = {time, time};
+  futimens(descriptor, times);
+}
+
+}  // namespace
+
+/// In place of the system's: files in memory outlast no loss of power, and need a time of their
+/// own.
+extern "C" int fsync(int descriptor) {
+  set_next_time(descriptor);
+  return 0;
+}
+
+Files::Files() : folder_(place() / ("zelk_fuzz_calls_" + std::to_string(getpid()))) {
+  fs::create_directories(folder_);
+  const char* const names[kCount] = {"a.dbc", "b.dbc", "A.dbc", "x.DBC", "none/d.dbc"};
+  for (unsigned i = 0; i < kCount; ++i) paths_[i] = (folder_ / names[i]).string();
+}
+
+Files::~Files() {
+  std::error_code error;
+  fs::remove_all(folder_, error);
+}
+
+unsigned Files::index_of(const char* path) const {
+  const auto found = std::find(paths_.begin(), paths_.end(), path ? path : "");
+  return static_cast<unsigned>(found - paths_.begin());
+}
+
+Files::Stamp Files::stamp(unsigned index) const {
+  struct stat status = {};
+  if (stat(path(index).c_str(), &status) != 0) return {};
+  return {true, status.st_mtim.tv_sec, static_cast<std::uint64_t>(status.st_size)};
+}
+
+Files::Stamps Files::stamps() const {
+  Stamps all;
+  for (unsigned i = 0; i < kCount; ++i) all[i] = stamp(i);
+  return all;
+}
+
+void Files::put(unsigned index, std::string_view content) const {
+  const int descriptor = open(path(index).c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+  if (descriptor < 0) return;
+  const bool is_whole =
+      write(descriptor, content.data(), content.size()) == static_cast<ssize_t>(content.size());
+  if (is_whole) set_next_time(descriptor);
+  close(descriptor);
+}
+
+void Files::remove(unsigned index) const { std::remove(path(index).c_str()); }
+
+void Files::set_read_only(unsigned index, bool on) const {
+  chmod(path(index).c_str(), on ? 0444 : 0644);
+}
+
+void Files::clear() const {
+  for (unsigned i = 0; i < kCount; ++i) remove(i);
+  std::remove(json().c_str());
+}
