@@ -76,6 +76,36 @@ def test_search_sort_and_filter(report):
     assert page.locator("#message-table [aria-sort]").count() == 1
 
 
+def test_what_the_file_says_once_stands_everywhere(report, tmp_path):
+    path = tmp_path / "once.dbc"
+    signal = ' SG_ {} : {}|2@1{} (1,0) [0|3] "" {}\n'
+    values = 'VAL_ 1 {} 0 "not available at all" 1 "available now" 2 "faulty in some way" ;\n'
+    layout = [("S", 0, "+", "B"), ("T", 2, "-", "C,B"), ("U", 4, "+", "Dash")]
+    path.write_text(
+        "BS_:\nBU_: A B C Dash\nBO_ 1 M: 1 A\n"
+        + "".join(signal.format(*each) for each in layout)
+        + values.format("S") + values.format("T"),
+        encoding="utf-8",
+    )
+    page = report(path)
+    assert page.locator("#message-1 .receivers").inner_text() == "B (2 of 3) C (1 of 3) Dash (1 of 3)"
+    assert page.locator("#message-1 .receivers a").first.evaluate("a => getComputedStyle(a, '::before').content") == "none"
+    rows = [page.locator(f"[id='1.{name}'] td") for name in "STU"]
+    assert [row.last.inner_text() for row in rows] == ["B", "C, B", "Dash"]
+    assert [row.nth(2).inner_text() for row in rows] == ["Intel, unsigned", "Intel, signed", "Intel, unsigned"]
+    assert page.locator("#message-1 thead").inner_text().split() == [
+        "Signal", "Start", "Bits", "Coding", "Factor", "Offset", "Range", "Unit", "Meaning", "Receivers"
+    ]
+    lists = [row.locator("ul.values").inner_text() for row in rows[:2]]
+    assert lists[0] == lists[1]
+    page.get_by_role("search", name="signals").get_by_label("Search").fill("faulty in")
+    assert first_column(page, "#signal-table") == ["S", "T"]
+    page = report(path, java_script_enabled=False)
+    assert page.locator("#message-1 .receivers a").nth(1).evaluate("a => getComputedStyle(a, '::before').content") != "none"
+    page.locator("#message-1 td a").click()
+    assert page.locator(":target li").count() == 3
+
+
 def test_links_and_keys(report):
     page = report()
     page.keyboard.press("Tab")

@@ -69,7 +69,7 @@ def test_layouts_stand_side_by_side(compare):
     assert [text.split(":")[0].strip() for text in marked(before)] == ["Speed", "Gear"]
     after.get_by_role("combobox").select_option(label="Mux = 1")
     assert [text.split(":")[0].strip() for text in marked(after)] == ["Speed", "P1"]
-    color = "e => getComputedStyle(e.querySelector('path')).fill"
+    color = "e => getComputedStyle(e.querySelector('path, use')).fill"
     shape = "g:has(text:text-is('P0'))"
     assert before.locator(shape).first.evaluate(color) == page.locator(f"#message-100 .side >> nth=1 >> {shape}").first.evaluate(color)
     before.locator("figure:visible g").first.focus()

@@ -18,7 +18,7 @@ std::string page_of(const std::string& database) {
   return run.out;
 }
 
-// Cells are 40 wide and 28 high; column 0, of bit 7, begins at 30, and row 0 at 14.
+// Cells are 10 wide and 7 high; column 0, of bit 7, begins at 8, and row 0 at 4.
 TEST(ReportLayout, OutlinesAndOrder) {
   const struct {
     std::string database;
@@ -27,29 +27,33 @@ TEST(ReportLayout, OutlinesAndOrder) {
   } cases[] = {
       // Intel: the arrow rises; Motorola: it goes down; a single bit has no order.
       {"BO_ 1 M: 4 N\n" + signal("I : 4|8@1+") + signal("J : 17|10@0+") + signal("K : 0|1@1+"),
-       {R"(d="M30 14H190V42H30zM190 42H350V70H190z"/><path d="M198 65H342L38 37H182"/><text)",
-        R"(d="M270 70H350V126H30V98H270z"/><path d="M278 93H342L38 121H342"/><text)",
-        R"(<g><rect x=310 y=14 /><text x=330 y=33>K</text></g>)"}},
+       {R"(d="M8 4H48V11H8zM48 11H88V18H48z"/><path d="M50 17H86L10 10H46"/><text)",
+        R"(d="M68 18H88V32H8V25H68z"/><path d="M70 24H86L10 31H86"/><text)",
+        R"(<g><rect x=78 y=4 /><text x=83 y=9>K</text></g>)"}},
+      {"BO_ 1 M: 8 N\n" + signal("I : 9|3@1+"),
+       {"<g><use href=#w3 x=48 y=11 /><text x=63 y=16>I</text></g><use href=#frame /></svg>"}},
       // Parts of two rows that do not touch.
       {"BO_ 1 M: 2 N\n" + signal("I : 6|4@1+"),
-       {R"(d="M30 14H110V42H30zM270 42H350V70H270z"/><path d="M278 65H342L38 37H102"/>)"}},
+       {R"(d="M8 4H28V11H8zM68 11H88V18H68z"/><path d="M70 17H86L10 10H26"/>)"}},
       // Blocks of eight rows: from byte 7 on to the next one.
       {"BO_ 1 M: 12 N\n" + signal("I : 56|16@1+"),
-       {R"(viewBox="0 0 719 239")",
-        R"(d="M30 210H350V238H30zM398 14H718V42H398z"/><path d="M406 37H710M38 233H342"/>)",
-        R"(<use href="#octet0" y="14"/><use href="#byte8" x="368" y="14"/>)"}},
-      {"BO_ 1 M: 64 N\n",
-       {R"(viewBox="0 0 1087 687")", R"(<use href="#octet7" x="736" y="238"/>)"}},
+       {R"(viewBox="0 0 180 60" width=720 )",
+        R"(d="M8 53H88V60H8zM100 4H180V11H100z"/><path d="M102 10H178M10 59H86"/>)",
+        R"(<use href=#octet0 y=4 /><use href=#byte8 x=92 y=4 />)"}},
+      {"BO_ 1 M: 64 N\n", {R"(viewBox="0 0 272 172")", R"(<use href=#octet7 x=184 y=60 />)"}},
       {"BO_ 1 M: 2 N\n" + signal("A : 0|12@1+") + signal("B : 8|8@1+") + signal("C : 17|2@0+"),
-       {R"(<path class="overlap" d="M190 42H350V70H190z"><title>Overlap: A, B</title>)",
-        R"(<path class="beyond" d="M30 70H350V98H30z"/>)",
+       {R"(<path class=overlap d="M48 11H88V18H48z"><title>Overlap: A, B</title>)",
+        R"(<path class=beyond d="M8 18H88V25H8z"/>)",
         ">Beyond the data length: C, byte 2 bits 1 to 0<"}},
       {"BO_ 1 M: 0 N\n", {">The frame has no data<"}},
       // A message of a transport protocol: only bytes with signals have rows.
       {"BO_ 2147483649 M: 1785 N\n" + signal("A : 800|16@1+"),
-       {R"(<use href="#byte" y="14"/><use href="#byte" y="42"/>)", R"(y="32">100</text>)"}},
-      {"BO_ 1 M: 8 N\n" + signal("ANameThatIsTooLong : 0|1@1+"),
-       {"<title>ANameThatIsTooLong</title>"}},
+       {R"(<use href=#byte y=4 /><use href=#byte y=11 />)", R"(y=9>100</text>)"}},
+      // A shortened name is told in full where it might be that of another signal.
+      {"BO_ 1 M: 8 N\n" + signal("ANameThatIsTooLong : 0|1@1+") +
+           signal("ANameThatIsLong : 1|1@1+") + signal("TheNameOfAnotherOne : 2|1@1+"),
+       {"<title>ANameThatIsTooLong</title>", "<title>ANameThatIsLong</title>"},
+       "<title>TheName"},
       {"BO_ 1 M: 1 N\n" + signal("S M : 0|2@1+") + signal("A m1 : 2|2@1+") +
            signal("B m1 : 4|2@1+") + "VAL_ 1 S 1 \"<q7>\" ;\n",
        {R"(<a href="#message-1-layout1">S = 1 &quot;&lt;q7&gt;&quot;</a> <small>A, B</small>)",

@@ -86,8 +86,7 @@ TEST(ReportLinks, LeadToElements) {
     std::string part = "";
   } cases[] = {
       {"odd.dbc", 100, ">Beyond the data length: Past, byte 64 bit 5 to byte 63 bit 6<"},
-      {"odd.json", 100,
-       "<tr><th>B<td>8<td>8<td>Intel, unsigned<td>-1<td>1e+308<td>-1e+308 to 1e+308"},
+      {"odd.json", 100, "<tr><th>B<td>8<td>8<td><td>-1<td>1e+308<td>-1e+308 to 1e+308"},
       {"odd.kcd", 50},
       {"hostile.json", 20, "<a href=#node-A-20B>A B</a>"},
       {"empty.dbc", 3, "No rule finds anything"},

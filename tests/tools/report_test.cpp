@@ -48,18 +48,19 @@ TEST(Report, SaysAllOfADatabase) {
        "Engine<td>a &amp; &#39;b&#39;",
        "<a href=#message-2566844926>Group</a><td>0x18FEF1FE<td>29-bit<td>0xFEF1<td>8<td>0",
        "<a href=#message-100~2>Motion</a>",
-       "id=\"message-100\"",
+       "id=message-100>",
        "0x64 (100), 11-bit",
        "<a href=#node-Dash>Dash</a>",
-       "<a href=#node-Engine>Engine</a> (1 of 2)",
+       "<a href=#node-Engine>Engine</a>",
+       "<th>Coding <small>else Intel, unsigned</small>",
        "<tr id=100.Page>",
        "<i>multiplexor</i>",
        "<tr id=100.Speed><th>Speed<td>15<td>8<td>Motorola, signed<td>0.5<td>-4<td>-68 to "
        "59.5<td>\u00B0&lt;<td><i>for <a href=#100.Page>Page</a> = 3</i><p>bell \u2407",
        "<li>-1 = back<li>7 = &lt;i&gt;",
        "sender-receives",
-       "<td>Dash, Engine",
-       "id=\"message-2566844926\"",
+       "<td>1,2",
+       "id=message-2566844926>",
        "PGN 0xFEF1 (65265), priority 6, source any",
        "Sends 1",
        "Sends 1",
@@ -108,6 +109,27 @@ TEST(Report, LosesNoFile) {
   EXPECT_EQ(bytes_of(page), run_tool("report n.dbc -o -").out);
 }
 
+// Equal lists of values stand with the first signal that has them, when they are long enough.
+TEST(Report, WritesEqualValuesOnce) {
+  const std::string values =
+      " 0 \"the first state\" 1 \"the second state\" 2 \"the third state\" ;\n";
+  const auto signal = [](const char* name) {
+    return std::string(" SG_ ") + name + " : 0|2@1+ (1,0) [0|3] \"\" Dash\n";
+  };
+  write_file("v.dbc", kHead + "BO_ 1 A: 1 Engine\n" + signal("S") + signal("T") + signal("U") +
+                          "BO_ 2 B: 1 Engine\n" + signal("S") + signal("T") + "VAL_ 1 S" + values +
+                          "VAL_ 1 T 1 \"on\" ;\nVAL_ 1 U" + values +
+                          "VAL_ 2 S 1 \"on\" ;\nVAL_ 2 T" + values);
+  const ToolRun run = run_tool("report v.dbc");
+  EXPECT_EQ(run.exit_code, 0) << run.err;
+  check_order(run.out,
+              {"<th>S<td>", "<ul class=values id=values1><li>0 = the first state<li>1 = the",
+               "<th>T<td>", "<ul class=values><li>1 = on</ul>", "<th>U<td>",
+               "<a href=#values1>3 values</a>", "id=message-2>", "<th>S<td>",
+               "<ul class=values><li>1 = on</ul>", "<th>T<td>", "<a href=#values1>3 values</a>"});
+  EXPECT_EQ(run.out.find("values2"), std::string::npos);
+}
+
 TEST(Report, IsBounded) {
   std::string messages;
   for (int id = 0; id < 20000; ++id)
@@ -118,7 +140,7 @@ TEST(Report, IsBounded) {
   const ToolRun many = run_tool("report many.dbc");
   check_order(many.out,
               {"Of 20000 messages with 0 signals the first 10000 are here",
-               "<a href=#message-2147493647>M9999</a>", "id=\"message-2147493647\"", "</html>"});
+               "<a href=#message-2147493647>M9999</a>", "id=message-2147493647>", "</html>"});
   EXPECT_EQ(many.out.find("2147493648"), std::string::npos);
   const ToolRun longest = run_tool("report long.dbc");
   check_order(longest.out, {"\u00C3\u00C3 <em>... and 2980000 more bytes", "</html>"});

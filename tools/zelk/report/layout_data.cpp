@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -32,6 +33,11 @@ constexpr std::size_t kMostShapes = 400;
 
 json but_0(int number) { return number == 0 ? json() : json(number); }
 
+/// A width, unless it is that of one block, which the style sheet has.
+json but_usual(int pixels) {
+  return pixels == LayoutGrid::kBlockWidth * LayoutGrid::kPixels ? json() : json(pixels);
+}
+
 /// Draws one layout.
 class Drawing {
  public:
@@ -44,10 +50,15 @@ class Drawing {
         grid_(bytes_of(bits_)) {}
 
   json data() const {
-    return {{"width", grid_.width()}, {"height", grid_.height()},
-            {"parts", parts()},       {"bytes", byte_labels()},
-            {"shapes", shapes()},     {"overlaps", overlaps()},
-            {"beyond", beyond()},     {"notes", check::layout_notes(bits_, layout_, marks_)}};
+    return {{"width", grid_.width()},
+            {"height", grid_.height()},
+            {"pixels", but_usual(grid_.width() * LayoutGrid::kPixels)},
+            {"parts", parts()},
+            {"bytes", byte_labels()},
+            {"shapes", shapes()},
+            {"overlaps", overlaps()},
+            {"beyond", beyond()},
+            {"notes", check::layout_notes(bits_, layout_, marks_)}};
   }
 
  private:
@@ -67,14 +78,17 @@ class Drawing {
   }
 
   json parts() const {
+    const auto& bytes = grid_.bytes();
+    if (bytes.size() == 8 && begins_octet(0) && bytes[0] == 0)
+      return json::array({{{"part", "frame"}, {"x", nullptr}, {"y", nullptr}}});
     json parts = json::array();
     const auto add = [&](std::string part, int x, int y) {
       parts.push_back({{"part", std::move(part)}, {"x", but_0(x)}, {"y", but_0(y)}});
     };
     for (std::size_t block = 0; block < grid_.block_count(); ++block)
       add("bits", grid_.block_x(block), 0);
-    for (std::size_t row = 0; row < grid_.bytes().size();) {
-      const std::uint32_t byte = grid_.bytes()[row];
+    for (std::size_t row = 0; row < bytes.size();) {
+      const std::uint32_t byte = bytes[row];
       const bool is_octet = begins_octet(row);
       const std::string part = is_octet                ? fmt::format("octet{}", byte / 8)
                                : byte < kNumberedBytes ? fmt::format("byte{}", byte)
@@ -91,7 +105,7 @@ class Drawing {
     for (std::size_t row = 0; row < grid_.bytes().size(); ++row) {
       if (grid_.bytes()[row] < kNumberedBytes) continue;
       labels.push_back(
-          {{"x", grid_.x(row, 0) - 4}, {"y", grid_.y(row) + 18}, {"byte", grid_.bytes()[row]}});
+          {{"x", grid_.x(row, 0) - 1}, {"y", grid_.y(row) + 5}, {"byte", grid_.bytes()[row]}});
     }
     return labels;
   }
@@ -110,6 +124,7 @@ class Drawing {
       }
       shapes.push_back(std::move(data));
     }
+    if (!options_.is_marked) drop_needless_tips(shapes);
     return shapes;
   }
 
@@ -120,17 +135,31 @@ class Drawing {
     const int width = grid_.x(widest.row, widest.right) - left;
     const int top = grid_.y(widest.row);
     const std::string name = escaped(marks_.at(&signal).name);
-    const std::string label = check::fitted(name, width - 4, check::kCellFont);
+    const std::string label =
+        check::fitted(name, width * LayoutGrid::kPixels - 4, check::kCellFont);
     const bool is_bit = signal.length == 1;
+    const bool is_box = !is_bit && segments.size() == 1;
     return {{"number", nullptr},
             {"is_marked", options_.is_marked && options_.is_marked(signal)},
             {"bit", is_bit ? json{{"left", left}, {"top", top}} : json()},
-            {"outline", is_bit ? "" : outline(segments, grid_)},
+            {"box", is_box ? json{{"cells", segments[0].right - segments[0].left},
+                                  {"left", left},
+                                  {"top", top}}
+                           : json()},
+            {"outline", is_bit || is_box ? "" : outline(segments, grid_)},
             {"line", order_line(signal, segments, grid_)},
             {"x", left + width / 2},
-            {"y", top + 19},
+            {"y", top + 5},
             {"label", label},
             {"tip", tip(signal, name, label)}};
+  }
+
+  /// A shortened name that no other one looks like is found in the table of signals.
+  static void drop_needless_tips(json& shapes) {
+    std::unordered_map<std::string, std::size_t> uses;
+    for (const json& shape : shapes) ++uses[shape["label"].get<std::string>()];
+    for (json& shape : shapes)
+      if (uses[shape["label"].get<std::string>()] == 1) shape["tip"] = "";
   }
 
   /// What the page says nowhere else: the whole name; in a comparison, which has no table of the
@@ -279,7 +308,7 @@ std::string layout_parts() {
       json bits = json::array();
       for (std::uint32_t column = 0; column < 8; ++column) {
         bits.push_back({{"x", LayoutGrid::kLabelWidth +
-                                  (static_cast<int>(column) + 1) * LayoutGrid::kCellWidth - 3},
+                                  (static_cast<int>(column) + 1) * LayoutGrid::kCellWidth - 1},
                         {"bit", 8 * byte + 7 - column}});
       }
       rows.push_back({{"byte", byte},
@@ -288,7 +317,11 @@ std::string layout_parts() {
     }
     octets.push_back({{"octet", octet}, {"rows", std::move(rows)}});
   }
-  return render(report_texts::layout_parts_mustache, {{"octets", std::move(octets)}});
+  json boxes = json::array();
+  for (int cells = 1; cells <= 8; ++cells)
+    boxes.push_back({{"cells", cells}, {"right", cells * LayoutGrid::kCellWidth}});
+  return render(report_texts::layout_parts_mustache,
+                {{"octets", std::move(octets)}, {"boxes", std::move(boxes)}});
 }
 
 }  // namespace zelk::tool

@@ -41,14 +41,6 @@ std::string polygon(std::span<const LayoutSegment> rows, const LayoutGrid& grid)
   return path + "z";
 }
 
-std::string marked_row(const LayoutSegment& segment, const LayoutGrid& grid) {
-  const int left = grid.x(segment.row, segment.left);
-  const int right = grid.x(segment.row, segment.right);
-  const int top = grid.y(segment.row);
-  const int bottom = top + LayoutGrid::kRowHeight;
-  return fmt::format("M{0} {1}V{2}H{3}V{1}H{0}H{3}", left, bottom, top, right);
-}
-
 }  // namespace
 
 LayoutGrid::LayoutGrid(std::vector<std::uint32_t> bytes)
@@ -63,12 +55,12 @@ std::size_t LayoutGrid::row_of(std::uint32_t byte) const {
 
 int LayoutGrid::width() const {
   const std::size_t blocks = std::max<std::size_t>(block_count(), 1);
-  return block_x(blocks - 1) + kBlockWidth + 1;
+  return block_x(blocks - 1) + kBlockWidth;
 }
 
 int LayoutGrid::height() const {
   const std::size_t rows = std::min(bytes_.size(), rows_in_block_);
-  return kHeadHeight + static_cast<int>(rows) * kRowHeight + 1;
+  return kHeadHeight + static_cast<int>(rows) * kRowHeight;
 }
 
 // In both byte orders the byte with the most significant bit is filled down to its bit 0, and the
@@ -93,7 +85,6 @@ std::string box_outline(const LayoutSegment& segment, const LayoutGrid& grid) {
 }
 
 std::string outline(const std::vector<LayoutSegment>& segments, const LayoutGrid& grid) {
-  if (segments.size() == 1) return marked_row(segments.front(), grid);
   std::string path;
   for (std::size_t begin = 0, end = 0; begin < segments.size(); begin = end) {
     for (end = begin + 1; end < segments.size(); ++end)
@@ -105,8 +96,8 @@ std::string outline(const std::vector<LayoutSegment>& segments, const LayoutGrid
 
 std::string order_line(const sigblk& signal, const std::vector<LayoutSegment>& segments,
                        const LayoutGrid& grid) {
-  constexpr int kInset = 8;
-  constexpr int kBelowTop = LayoutGrid::kRowHeight - 5;
+  constexpr int kInset = 2;
+  constexpr int kBelowTop = LayoutGrid::kRowHeight - 1;
   if (segments.size() < 2) return {};
   std::vector<LayoutSegment> path = segments;
   if (!is_motorola(signal)) std::ranges::reverse(path);

@@ -14,20 +14,21 @@
 
 namespace zelk::tool {
 
-/// Where bits are drawn: bytes as rows, bits 7 to 0 as columns. Frames of many bytes go on in up to
-/// three blocks of rows side by side:
+/// Where bits are drawn, in units of four pixels so that coordinates are short: bytes as rows, bits
+/// 7 to 0 as columns. Frames of many bytes go on in up to three blocks of rows side by side:
 ///
 ///        7 6 5 4 3 2 1 0        7 6 5 4 3 2 1 0
 ///      0| | | | | | | | |     8| | | | | | | | |
 ///      1| | | | | | | | |     9| | | | | | | | |
 class LayoutGrid {
  public:
-  static constexpr int kCellWidth = 40;
-  static constexpr int kRowHeight = 28;
-  static constexpr int kLabelWidth = 30;  ///< in front of each row, for the number of its byte
-  static constexpr int kHeadHeight = 14;  ///< above each block, for the numbers of bits
+  static constexpr int kCellWidth = 10;
+  static constexpr int kRowHeight = 7;
+  static constexpr int kLabelWidth = 8;  ///< in front of each row, for the number of its byte
+  static constexpr int kHeadHeight = 4;  ///< above each block, for the numbers of bits
   static constexpr int kBlockWidth = kLabelWidth + 8 * kCellWidth;
-  static constexpr int kBlockGap = 18;
+  static constexpr int kBlockGap = 4;
+  static constexpr int kPixels = 4;  ///< in a unit
 
   explicit LayoutGrid(std::vector<std::uint32_t> bytes);
 
@@ -66,11 +67,10 @@ struct LayoutSegment {
 /// The bits of a signal, downwards; of one that leaves the rows what is in them.
 std::vector<LayoutSegment> segments_of(const sigblk& signal, const LayoutGrid& grid);
 
-/// The outline as data of an SVG path. That of several bits in one row begins at its lower left
-/// corner and ends at the lower right one, where marks show the order of the bits.
+/// The outline as data of an SVG path.
 std::string outline(const std::vector<LayoutSegment>& segments, const LayoutGrid& grid);
 
-/// Likewise of the bits of one row, without that.
+/// Likewise of the bits of one row.
 std::string box_outline(const LayoutSegment& segment, const LayoutGrid& grid);
 
 /// A line through the bits of several rows, from the most to the least significant one, as data of

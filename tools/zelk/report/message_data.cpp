@@ -56,14 +56,10 @@ json senders_data(const ReportContext& context, const msgblk& message) {
   return list;
 }
 
-json receivers_data(const ReportContext& context, const msgblk& message, std::size_t signals) {
+json receivers_data(const ReportContext& context, const msgblk& message) {
   json list = json::array();
-  for (const Receiver& receiver : Traffic::receivers(message)) {
-    json entry = context.link(receiver.node, view(receiver.node->name));
-    entry["part"] =
-        receiver.signals < signals ? fmt::format("{} of {}", receiver.signals, signals) : "";
-    list.push_back(std::move(entry));
-  }
+  for (const Receiver& receiver : Traffic::receivers(message))
+    list.push_back(context.link(receiver.node, view(receiver.node->name)));
   return list;
 }
 
@@ -111,7 +107,7 @@ json message_section(const ReportContext& context, const msgblk& message) {
   data["cycle"] = cycle_text(context, message);
   data["category"] = message.category ? context.text(view(message.category->name)) : "";
   data["senders"] = senders_data(context, message);
-  data["receivers"] = receivers_data(context, message, signals.size());
+  data["receivers"] = receivers_data(context, message);
   data["comment"] = text_data(view(message.comment), encoding);
   data["attributes"] = attributes_data(message.attrs, encoding);
   data["sender_attributes"] = sender_attributes(context, message);
@@ -119,6 +115,7 @@ json message_section(const ReportContext& context, const msgblk& message) {
   data["findings"] = context.findings_of(&message);
   data["layout"] = layout_data(message, encoding, {.element = context.ids.of(&message)});
   data["has_signals"] = !signals.empty();
+  data["usual_coding"] = take_usual_coding(signals);
   data["signals"] = std::move(signals);
   return data;
 }

@@ -30,6 +30,7 @@ ReportContext::ReportContext(EncodedDatabase encoded, const FileFindings& file_f
       findings(file_findings),
       ids(encoded, most_messages),
       traffic(encoded.records, most_messages),
+      value_lists(encoded, most_messages),
       linked(linked_signals(encoded.records.messages)),
       groups(encoded.records),
       cycle_time(zelk::tool::cycle_time(encoded.records)) {}

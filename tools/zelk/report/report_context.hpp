@@ -14,6 +14,7 @@
 #include "report/element_ids.hpp"
 #include "report/file_findings.hpp"
 #include "report/traffic.hpp"
+#include "report/value_lists.hpp"
 #include "words/j1939.hpp"
 
 namespace zelk::tool {
@@ -40,6 +41,7 @@ struct ReportContext {
   const FileFindings& findings;
   ElementIds ids;
   Traffic traffic;
+  ValueLists value_lists;
   /// Signals that others name: multiplexors, and members of groups.
   std::unordered_set<const sigblk*> linked;
   ParameterGroups groups;

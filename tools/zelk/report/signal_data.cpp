@@ -16,13 +16,24 @@ using nlohmann::json;
 
 namespace {
 
-std::string receiver_names(const ReportContext& context, const sigblk& signal) {
-  std::string names;
+/// The numbers of nodes, from 1, in the list of receivers that the message has.
+using ReceiverNumbers = std::unordered_map<const symblk*, std::size_t>;
+
+ReceiverNumbers receiver_numbers(const msgblk& message) {
+  ReceiverNumbers numbers;
+  for (const Receiver& receiver : Traffic::receivers(message))
+    numbers.emplace(receiver.node, numbers.size() + 1);
+  return numbers;
+}
+
+/// "1,3": the names would stand on the page a thousand times.
+std::string receivers_text(const sigblk& signal, const ReceiverNumbers& numbers) {
+  std::string text;
   for (const rxblk& link : each(signal.receivers)) {
     if (!link.node) continue;
-    names += (names.empty() ? "" : ", ") + context.text(view(link.node->name));
+    text += (text.empty() ? "" : ",") + std::to_string(numbers.at(link.node));
   }
-  return names;
+  return text;
 }
 
 /// The values of attributes between the signal and nodes that receive it.
@@ -56,7 +67,8 @@ std::string anchor_of(const ReportContext& context, const sigblk& signal) {
   return element == message + "." + context.text(view(signal.name)) ? "" : element;
 }
 
-json signal_data(const ReportContext& context, const sigblk& signal) {
+json signal_data(const ReportContext& context, const sigblk& signal,
+                 const ReceiverNumbers& receivers) {
   const Encoding encoding = context.database.encoding;
   json data = context.link(&signal, view(signal.name));
   data["anchor"] = anchor_of(context, signal);
@@ -68,12 +80,12 @@ json signal_data(const ReportContext& context, const sigblk& signal) {
   data["offset"] = number_text(signal.offset);
   data["range"] = number_text(signal.minimum) + " to " + number_text(signal.maximum);
   data["unit"] = context.text(view(signal.unit));
-  data["receivers"] = receiver_names(context, signal);
+  data["receivers"] = receivers_text(signal, receivers);
   data["multiplexor"] = is_multiplexor(signal);
   data["selector"] = selector_data(context, signal);
   data["type"] =
       signal.sigtype ? context.link(signal.sigtype, view(signal.sigtype->name)) : json(nullptr);
-  data["values"] = values_data(signal.values, encoding);
+  data["values"] = context.value_lists.data(signal.values);
   data["comment"] = text_data(view(signal.comment), encoding);
   data["attributes"] = attributes_data(signal.attrs, encoding);
   data["relations"] = receiver_attributes(context, signal);
@@ -84,10 +96,24 @@ json signal_data(const ReportContext& context, const sigblk& signal) {
 }  // namespace
 
 json signals_data(const ReportContext& context, const msgblk& message) {
+  const ReceiverNumbers receivers = receiver_numbers(message);
   json signals = json::array();
   for (const sigblk& signal : each(message.signals))
-    signals.push_back(signal_data(context, signal));
+    signals.push_back(signal_data(context, signal, receivers));
   return signals;
+}
+
+std::string take_usual_coding(json& signals) {
+  std::unordered_map<std::string, std::size_t> counts;
+  for (const json& signal : signals) ++counts[signal["coding"].get<std::string>()];
+  std::string usual;
+  for (const json& signal : signals) {
+    const std::string coding = signal["coding"];
+    if (usual.empty() || counts[coding] > counts[usual]) usual = coding;
+  }
+  for (json& signal : signals)
+    if (signal["coding"] == usual) signal["coding"] = "";
+  return usual;
 }
 
 }  // namespace zelk::tool

@@ -5,6 +5,7 @@
 #define ZELK_TOOL_REPORT_SIGNAL_DATA_HPP
 
 #include <nlohmann/json.hpp>
+#include <string>
 
 #include "report/report_context.hpp"
 
@@ -12,6 +13,10 @@ namespace zelk::tool {
 
 /// The signals of message.mustache, in their order.
 nlohmann::json signals_data(const ReportContext& context, const msgblk& message);
+
+/// Takes the coding that most signals have, which the table's heading states, out of them; empty
+/// when there are none.
+std::string take_usual_coding(nlohmann::json& signals);
 
 }  // namespace zelk::tool
 

@@ -227,13 +227,63 @@ function allSignals() {
   );
 }
 
+// --- What the file says once, and the script wherever it belongs ---
+
 /** Gives each signal the element that links lead to: only those have one in the file that others name there. */
-function nameSignals() {
-  for (const message of document.querySelectorAll(".message")) {
-    const prefix = message.id.slice("message-".length);
-    for (const row of message.querySelectorAll("table.signals > tbody > tr:not([id])")) {
-      row.id = `${prefix}.${row.cells[0].textContent}`;
-    }
+function nameSignals(message, rows) {
+  const prefix = message.id.slice("message-".length);
+  for (const row of rows) row.id ||= `${prefix}.${row.cells[0].textContent}`;
+}
+
+/** Signals name their receivers by the numbers that these have with the message. */
+function nameReceivers(message, rows) {
+  const links = [...message.querySelectorAll(".receivers > a")];
+  const names = links.map((link) => link.textContent);
+  const counts = names.map(() => 0);
+  for (const { lastElementChild: cell } of rows) {
+    const indices = (cell.textContent.match(/\d+/g) ?? []).map((number) => number - 1);
+    for (const index of indices) ++counts[index];
+    cell.textContent = indices.map((index) => names[index]).join(", ");
+  }
+  links.forEach((link, i) => counts[i] < rows.length && link.after(` (${counts[i]} of ${rows.length})`));
+}
+
+/** A list of values that several signals have stands with the first one, and the others link to it. */
+function copyValues() {
+  for (const link of document.querySelectorAll('.message a[href^="#values"]')) {
+    const copy = document.getElementById(link.hash.slice(1)).cloneNode(true);
+    copy.removeAttribute("id");
+    link.replaceWith(copy);
+  }
+}
+
+/** The heading has the coding of signals that state none. */
+function nameCodings(table, rows) {
+  const heading = table.tHead.rows[0].cells[3];
+  const usual = heading.querySelector("small").textContent.replace("else ", "");
+  heading.textContent = "Coding";
+  for (const { cells } of rows) cells[3].textContent ||= usual;
+}
+
+/** The table of signals and the drawings tell what they are, also to who cannot see what they belong to. */
+function labelMessage(message, table) {
+  const name = message.querySelector("h3").firstChild.textContent.trim();
+  for (const drawing of message.querySelectorAll(".bits svg"))
+    drawing.setAttribute("aria-label", drawing.getAttribute("aria-label").replace("Bits", () => `Bits of ${name}`));
+  for (const [attribute, value] of [["role", "group"], ["aria-label", "Signals"], ["tabindex", "0"]])
+    table?.parentElement.setAttribute(attribute, value);
+}
+
+function completeMessages() {
+  copyValues();
+  for (const message of document.querySelectorAll("#details .message")) {
+    const table = message.querySelector("table.signals");
+    const rows = [...(table?.tBodies[0].rows ?? [])];
+    nameSignals(message, rows);
+    nameReceivers(message, rows);
+    if (table) nameCodings(table, rows);
+    labelMessage(message, table);
+    message.append(make("a", { class: "back", href: "#messages" }, "All messages"));
   }
 }
 
@@ -261,7 +311,7 @@ function addSignalTable(section) {
   // The page is seen first, and its tables are made ready afterwards.
   requestAnimationFrame(() =>
     setTimeout(() => {
-      nameSignals();
+      completeMessages();
       for (const listing of listings) {
         listing.addFilters();
         listing.show();
