@@ -149,11 +149,16 @@ TEST(MonitorColumns, LeavesOutWhatMattersLess) {
     EXPECT_EQ(places_of(TablePlan(c.widths, c.columns)), c.places) << c.columns;
 }
 
+struct Sample {
+  std::int64_t time;
+  double value;
+};
+
 /// The middle of a curve from 0 s to 30 s: lines with a bar in front of each.
-std::string drawn(const std::vector<SignalCurve::Sample>& samples, const CharacterSet& characters,
+std::string drawn(const std::vector<Sample>& samples, const CharacterSet& characters,
                   std::int64_t now = 30'000 * kMs) {
   SignalCurve curve;
-  for (const SignalCurve::Sample& sample : samples) curve.add(sample.time, sample.value);
+  for (const Sample& sample : samples) curve.add(sample.time, sample.value);
   std::string text;
   for (const std::string& line : curve.draw(8, 2, now, characters)) text += '|' + line;
   return text;
@@ -164,7 +169,7 @@ TEST(MonitorCurve, DrawsWhateverValuesThereAre) {
   constexpr std::int64_t kSecond = 1000 * kMs;
   const struct {
     const char* name;
-    std::vector<SignalCurve::Sample> samples;
+    std::vector<Sample> samples;
     const char* utf8;
     const char* ascii;
   } cases[] = {
@@ -220,9 +225,21 @@ TEST(MonitorCurve, ShowsTheRangeOfWhatIsInSight) {
   for (int i = 0; i < 9; ++i) curve.zoom(false);
   EXPECT_EQ(curve.seconds(), 1);
   EXPECT_EQ(least(), 398);
-  // More values than are kept: the latest stay.
-  for (int i = 0; i < 70'000; ++i) curve.add(now + i, i % 2);
-  EXPECT_EQ(curve.range(now + 70'000)->greatest, 1);
+}
+
+// Memory does not grow with the frames, and yet each of their peaks is seen.
+TEST(MonitorCurve, KeepsThePeaksOfManyValues) {
+  ValueTrack track;
+  for (int i = 0; i < 1'000'000; ++i)  // 100 s
+    track.add(i * kMs / 10, i == 300'001 ? 7.0 : (i == 300'002 ? -7.0 : i % 2));
+  EXPECT_EQ(track.stretches().size(), 20'000u);
+  track.add(500'000 * kMs, 0);
+  EXPECT_EQ(track.stretches().size(), 2u);
+  SignalCurve curve;
+  for (int i = 0; i < 20'000; ++i)
+    curve.add({i * kMs, i == 17'777 ? -3.0 : 0, i == 9 ? 5.0 : 1, 1});
+  EXPECT_EQ(curve.range(20'000 * kMs)->least, -3);
+  EXPECT_EQ(curve.range(20'000 * kMs)->greatest, 5);
 }
 
 /// Details of a row in a table of some width.

@@ -97,6 +97,8 @@ TEST(Monitor, PrintsTheLastStateOnce) {
             R"("deviation_ms":null,"nominal_ms":null,"gaps":0,"age_ms":2,"data":"0103FF",)"
             R"("signals":{"Mode":1,"Sub":3,"B":-1}})"
             "\n");
+  EXPECT_NE(once(log, "--from can1 --from vcan").err.find("warning: no frame is from \"vcan\"\n"),
+            std::string::npos);
 }
 
 /// The state, count, changes, cycle, deviation, nominal cycle and gaps of a row.

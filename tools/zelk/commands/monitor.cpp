@@ -152,6 +152,8 @@ ExitCode monitor(const Arguments& arguments, Output& out) {
   }
   report.add(summary);
   report.print_rest();
+  for (const std::string& name : state.silent_interfaces())
+    print_error(fmt::format("zelk: warning: no frame is from {}", in_quotes(name)));
   return code == kExitSuccess && !report.is_of_a_log() ? kExitFailure : code;
 }
 

@@ -6,6 +6,7 @@
 #include <map>
 #include <span>
 #include <unordered_map>
+#include <utility>
 
 #include "base/list.hpp"
 #include "base/quoting.hpp"
@@ -58,6 +59,7 @@ struct BusState::State {
   std::size_t new_row(const MessagePlan* plan, std::uint32_t channel, std::uint32_t id,
                       std::string page, std::span<const unsigned char> data);
   void update(std::size_t index, std::span<const unsigned char> data, std::int64_t time);
+  void follow_watched(const Track& track, std::int64_t time);
   void refresh(std::size_t index);
 
   Options options;
@@ -79,6 +81,8 @@ struct BusState::State {
   std::uint64_t error_count = 0;
   std::uint64_t remote_count = 0;
   std::uint64_t unlisted_count = 0;
+  WatchedSignal watched;
+  ValueTrack watched_values;
 };
 
 BusState::State::State(const LogDatabases& databases, const Options& chosen)
@@ -244,11 +248,18 @@ void BusState::State::update(std::size_t index, std::span<const unsigned char> d
       if (row.data[i] != data[i]) row.changed_at[i] = time;
     row.data.assign(data.begin(), data.end());
     if (track.plan) decoder.update(*track.plan, row, track.values, time);
+    if (&row == watched.row) follow_watched(track, time);
   }
   ++row.count;
   row.last_time = time;
   track.cycle.add(time);
   track.is_stale = true;
+}
+
+void BusState::State::follow_watched(const Track& track, std::int64_t time) {
+  const RowState& row = *watched.row;
+  if (watched.signal >= row.signals.size() || !row.signals[watched.signal].is_present) return;
+  watched_values.add(time, decoder.physical(*track.plan, row, track.values[watched.signal]));
 }
 
 void BusState::State::refresh(std::size_t index) {
@@ -278,7 +289,22 @@ const std::deque<RowState>& BusState::rows() {
   return state_->rows;
 }
 
+void BusState::watch(const WatchedSignal& signal) {
+  if (signal == state_->watched) return;
+  state_->watched = signal;
+  state_->watched_values.clear();
+}
+
+ValueTrack BusState::take_watched() { return std::exchange(state_->watched_values, {}); }
+
 std::int64_t BusState::now() const { return state_->now; }
+std::vector<std::string> BusState::silent_interfaces() const {
+  std::vector<std::string> silent = state_->options.interfaces;
+  for (const std::string& name : state_->channel_names)
+    std::erase(silent, name.empty() ? kDefaultInterface : std::string_view(name));
+  return silent;
+}
+
 std::uint64_t BusState::frame_count() const { return state_->frame_count; }
 std::uint64_t BusState::error_frame_count() const { return state_->error_count; }
 std::uint64_t BusState::remote_frame_count() const { return state_->remote_count; }

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "log/log_databases.hpp"
+#include "monitor/value_track.hpp"
 #include "zelk/logs/frame.hpp"
 
 namespace zelk::tool {
@@ -28,6 +29,16 @@ struct SignalState {
   std::string text{};                     ///< its value description; may be empty
   bool is_present = false;                ///< in the last frame of the row
   std::int64_t changed_at = kZelkNoTime;  ///< time of the last frame that changed it
+};
+
+/// A signal of a row, or none.
+struct WatchedSignal {
+  const struct RowState* row = nullptr;
+  std::size_t signal = 0;
+
+  bool operator==(const WatchedSignal& other) const {
+    return row == other.row && signal == other.signal;
+  }
 };
 
 /// A message, a page of a multiplexed one, or an identifier that no database knows: a row of the
@@ -97,8 +108,14 @@ class BusState {
   /// the others in the order in which they came. Rows stay where they are; references are valid as
   /// long as the object.
   const std::deque<RowState>& rows();
+  /// Keeps the values that a signal has in all frames from now on, in place of those of another.
+  void watch(const WatchedSignal& signal);
+  /// The values that came since the last call.
+  ValueTrack take_watched();
   /// The time of the last frame or `advance`.
   std::int64_t now() const;
+  /// Those of `Options::interfaces` from which no frame came.
+  std::vector<std::string> silent_interfaces() const;
   /// All frames, wanted or not.
   std::uint64_t frame_count() const;
   std::uint64_t error_frame_count() const;

@@ -65,10 +65,20 @@ void RowDecoder::update(const MessagePlan& plan, RowState& row, RowValues& value
   }
 }
 
-void RowDecoder::spell(const MessagePlan& plan, RowState& row, const RowValues& values) {
+void RowDecoder::decode_physical(const MessagePlan& plan, std::span<const unsigned char> data) {
   physical_.resize(std::max(physical_.size(), plan.decoder.SignalCount()));
   present_.resize(std::max(present_.size(), plan.decoder.PresenceWords()));
-  plan.decoder.Decode(row.data.data(), row.data.size(), physical_.data(), present_.data());
+  plan.decoder.Decode(data.data(), data.size(), physical_.data(), present_.data());
+}
+
+double RowDecoder::physical(const MessagePlan& plan, const RowState& row,
+                            const SignalTrack& signal) {
+  decode_physical(plan, row.data);
+  return physical_[signal.plan->index];
+}
+
+void RowDecoder::spell(const MessagePlan& plan, RowState& row, const RowValues& values) {
+  decode_physical(plan, row.data);
   std::array<char, kNumberBytes> number;
   for (std::size_t i = 0; i < values.size(); ++i) {
     SignalState& signal = row.signals[i];

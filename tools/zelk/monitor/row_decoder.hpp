@@ -41,11 +41,14 @@ class RowDecoder {
 
   /// Takes the values from the data of a row.
   void update(const MessagePlan& plan, RowState& row, RowValues& values, std::int64_t time);
+  /// The physical value of one that is present.
+  double physical(const MessagePlan& plan, const RowState& row, const SignalTrack& signal);
   /// Spells them.
   void spell(const MessagePlan& plan, RowState& row, const RowValues& values);
 
  private:
   void decode(const MessagePlan& plan, std::span<const unsigned char> data);
+  void decode_physical(const MessagePlan& plan, std::span<const unsigned char> data);
   bool is_present(std::size_t index) const { return present_[index / 64] >> (index % 64) & 1; }
 
   std::vector<std::int64_t> raw_;

@@ -11,7 +11,6 @@ namespace zelk::tool {
 namespace {
 
 constexpr std::array kSteps = {1.0, 5.0, 10.0, 30.0, 60.0, 300.0};  // seconds
-constexpr std::size_t kMostSamples = 1 << 16;
 
 double seconds_before(std::int64_t time, std::int64_t now) {
   return (static_cast<double>(now) - static_cast<double>(time)) / 1e9;
@@ -68,16 +67,6 @@ char ascii_of(bool upper, bool lower) {
 
 }  // namespace
 
-void SignalCurve::add(std::int64_t time, double value) {
-  if (!std::isfinite(value)) return;
-  if (!samples_.empty() && time < samples_.back().time) samples_.clear();
-  samples_.push_back({time, value});
-  // The last value in front of what can be shown holds at its beginning.
-  while (samples_.size() > 2 &&
-         (samples_.size() > kMostSamples || seconds_before(samples_[1].time, time) > kSteps.back()))
-    samples_.pop_front();
-}
-
 void SignalCurve::zoom(bool is_out) {
   auto step = std::ranges::find(kSteps, seconds_);
   if (is_out && step + 1 != kSteps.end()) ++step;
@@ -85,12 +74,22 @@ void SignalCurve::zoom(bool is_out) {
   seconds_ = *step;
 }
 
+std::optional<SignalCurve::Range> SignalCurve::shown(std::size_t stretch, std::int64_t now) const {
+  const auto& stretches = track_.stretches();
+  const ValueStretch& values = stretches[stretch];
+  const bool is_last = stretch + 1 == stretches.size();
+  if (!is_last && seconds_before(stretches[stretch + 1].time, now) >= seconds_) return std::nullopt;
+  if (seconds_before(values.time, now) > seconds_) return Range{values.last, values.last};
+  return Range{values.least, values.greatest};
+}
+
 std::optional<SignalCurve::Range> SignalCurve::range(std::int64_t now) const {
   Span span;
-  for (std::size_t i = 0; i < samples_.size(); ++i) {
-    const bool holds =
-        i + 1 == samples_.size() || seconds_before(samples_[i + 1].time, now) < seconds_;
-    if (holds) span.take(samples_[i].value);
+  for (std::size_t i = 0; i < track_.stretches().size(); ++i) {
+    const auto values = shown(i, now);
+    if (!values) continue;
+    span.take(values->least);
+    span.take(values->greatest);
   }
   if (!span.is_set) return std::nullopt;
   return Range{span.least, span.greatest};
@@ -101,8 +100,8 @@ std::vector<std::string> SignalCurve::draw(std::size_t columns, std::size_t line
   const std::size_t dots_across = characters.is_utf8 ? 2 : 1;
   const std::size_t dots_down = characters.is_utf8 ? 4 : 2;
   std::vector<std::string> result(lines);
-  const std::optional<Range> shown = range(now);
-  if (!shown || columns == 0 || lines == 0) return result;
+  const std::optional<Range> extent = range(now);
+  if (!extent || columns == 0 || lines == 0) return result;
 
   const std::size_t width = columns * dots_across;
   std::vector<Span> spans(width);
@@ -110,19 +109,23 @@ std::vector<std::string> SignalCurve::draw(std::size_t columns, std::size_t line
     const double part = 1 - seconds_before(time, now) / seconds_;
     return std::clamp(part, 0.0, 1.0) * static_cast<double>(width - 1);
   };
-  for (std::size_t i = 0; i < samples_.size(); ++i) {
-    const std::int64_t end = i + 1 < samples_.size() ? samples_[i + 1].time : now;
-    if (i + 1 < samples_.size() && seconds_before(end, now) >= seconds_) continue;
+  const auto& stretches = track_.stretches();
+  for (std::size_t i = 0; i < stretches.size(); ++i) {
+    const auto values = shown(i, now);
+    if (!values) continue;
+    const std::int64_t end = i + 1 < stretches.size() ? stretches[i + 1].time : now;
+    const auto first = static_cast<std::size_t>(column_of(stretches[i].time));
     const auto last = static_cast<std::size_t>(column_of(end));
-    for (auto x = static_cast<std::size_t>(column_of(samples_[i].time)); x <= last; ++x)
-      spans[x].take(samples_[i].value);
+    spans[first].take(values->least);
+    spans[first].take(values->greatest);
+    for (std::size_t x = first; x <= last; ++x) spans[x].take(stretches[i].last);
   }
 
   Dots dots(width, lines * dots_down);
-  const double height = shown->greatest / 2 - shown->least / 2;  // a half, which is always finite
+  const double height = extent->greatest / 2 - extent->least / 2;  // a half, which is always finite
   const auto row_of = [&](double value) {
     if (height <= 0) return dots.rows() / 2;
-    const double part = (value / 2 - shown->least / 2) / height;
+    const double part = (value / 2 - extent->least / 2) / height;
     return static_cast<std::size_t>(std::lround(part * static_cast<double>(dots.rows() - 1)));
   };
   for (std::size_t x = 0; x < width; ++x) {

@@ -6,26 +6,21 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "monitor/screen/text.hpp"
+#include "monitor/value_track.hpp"
 
 namespace zelk::tool {
 
-/// Values of a signal with their times, no more than a screen can show.
+/// Draws the track of a signal.
 class SignalCurve {
  public:
-  struct Sample {
-    std::int64_t time;
-    double value;
-  };
-
-  /// Takes a value; one that is not finite is left out. A time before the last one begins the curve
-  /// anew.
-  void add(std::int64_t time, double value);
+  /// As `ValueTrack::add`.
+  void add(std::int64_t time, double value) { track_.add(time, value); }
+  void add(const ValueStretch& values) { track_.add(values); }
 
   double seconds() const { return seconds_; }
   /// Shows more or less of the time, by steps.
@@ -43,7 +38,10 @@ class SignalCurve {
                                 const CharacterSet& characters) const;
 
  private:
-  std::deque<Sample> samples_;
+  /// What of a stretch lies in the time that is shown; none when it ends before that.
+  std::optional<Range> shown(std::size_t stretch, std::int64_t now) const;
+
+  ValueTrack track_;
   double seconds_ = 30;
 };
 

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <chrono>
+#include <utility>
 
 #include "input/lookup.hpp"
 #include "monitor/screen/curses_terminal.hpp"
@@ -55,12 +56,18 @@ class Screen {
     std::uint64_t frame_count = 0;
     session_.look([&](BusState& state) {
       frame_count = state.frame_count();
-      view_.update(state.rows(), facts_of(state, has_ended));
+      update(state, has_ended);
       lines = view_.draw(terminal_.columns(), terminal_.lines());
     });
     if (has_ended && frame_count == 0) return false;
     terminal_.paint(lines);
     return true;
+  }
+
+  void update(BusState& state, bool has_ended) {
+    BusFacts facts = facts_of(state, has_ended);
+    facts.watched = state.take_watched();
+    view_.update(state.rows(), std::move(facts));
   }
 
   BusFacts facts_of(const BusState& state, bool has_ended) {
@@ -99,8 +106,9 @@ class Screen {
     const bool has_ended = session_.has_ended();
     Request request;
     session_.look([&](BusState& state) {
-      view_.update(state.rows(), facts_of(state, has_ended));
+      update(state, has_ended);
       request = view_.press(press);
+      state.watch(view_.watched());
     });
     return request;
   }

@@ -47,6 +47,8 @@ void ScreenView::update(const std::deque<RowState>& rows, BusFacts facts) {
   rows_.update(rows, facts_.now);
   if (!watched_ || watched_->signal >= watched_->key->signals.size()) return;
   const SignalState& signal = watched_->key->signals[watched_->signal];
+  for (const ValueStretch& values : facts_.watched.stretches()) curve_.add(values);
+  facts_.watched.clear();
   if (!signal.is_present || watched_->key->last_time == watched_time_) return;
   watched_time_ = watched_->key->last_time;
   curve_.add(watched_time_, signal.value);

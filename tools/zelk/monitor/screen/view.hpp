@@ -29,6 +29,7 @@ struct BusFacts {
   std::uint64_t unlisted_frame_count = 0;
   bool has_ended = false;
   std::string recording{};  ///< the file that frames are recorded to; empty for none
+  ValueTrack watched{};     ///< what came since the last update of the signal that is watched
 };
 
 enum class Key : std::uint8_t {
@@ -71,6 +72,11 @@ class ScreenView {
   void click(std::size_t column, std::size_t line);
   /// Shows a text at the bottom until the next key.
   void say(std::string text) { message_ = std::move(text); }
+
+  /// The signal whose curve is shown, which wants the values of every frame.
+  WatchedSignal watched() const {
+    return watched_ ? WatchedSignal{watched_->key, watched_->signal} : WatchedSignal{};
+  }
 
   /// As many lines as there are, none wider than `columns`.
   std::vector<ScreenLine> draw(std::size_t columns, std::size_t lines);
