@@ -174,6 +174,8 @@ TEST(Plot, RefusesWhatItCannotDraw) {
       {"plot car.dbc log Speed Level -o old.svg --size 400x200", 1, "", "must be 284 at least"},
       {"plot car.dbc log Speed -o nowhere/out.svg", 1, "", "nowhere/out.svg: could not be written"},
       {"plot car.dbc log Motion.Speed Slow -o out.svg", 0, "", "warning: no frame has \"Slow\""},
+      {"plot car.dbc log Speed --jitter M* -o out.svg", 0, "",
+       "warning: no two frames are of \"M*\""},
       {"plot car.dbc back.log Speed --times points -o out.svg", 0, "",
        "warning: times run backwards"},
   };

@@ -112,6 +112,8 @@ bool gather(const Arguments& arguments, const std::string& log, PlotGatherer& ga
 void report(const PlotGatherer& gatherer) {
   for (const std::string& pattern : gatherer.missing())
     print_error(fmt::format("zelk: warning: no frame has {}", in_quotes(pattern)));
+  for (const std::string& pattern : gatherer.missing_messages())
+    print_error(fmt::format("zelk: warning: no two frames are of {}", in_quotes(pattern)));
   if (gatherer.ran_backwards()) {
     print_error(
         "zelk: warning: times run backwards, and points are put in the order of their times");

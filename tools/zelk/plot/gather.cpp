@@ -307,6 +307,17 @@ std::vector<std::string> PlotGatherer::missing() const {
   return missing;
 }
 
+std::vector<std::string> PlotGatherer::missing_messages() const {
+  std::vector<std::string> missing = state_->choice.jitter;
+  for (std::size_t i = 0; i < state_->message_tables.size(); ++i) {
+    const std::string name = utf8(view(state_->messages->Tables()[i].message->name));
+    if (state_->series[state_->message_tables[i].series.front()].sources.empty()) continue;
+    std::erase_if(missing,
+                  [&](const std::string& pattern) { return matches_wildcards(pattern, name); });
+  }
+  return missing;
+}
+
 Figure PlotGatherer::figure() {
   return make_figure(state_->series, state_->logs, state_->choice.relative);
 }

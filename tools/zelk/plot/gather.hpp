@@ -67,6 +67,8 @@ class PlotGatherer {
   bool is_empty() const;
   /// The patterns of signals that no frame had; all this before `figure`.
   std::vector<std::string> missing() const;
+  /// The patterns of messages whose jitter is wanted, and of which there were no two frames.
+  std::vector<std::string> missing_messages() const;
   /// Whether the times of any signal ran backwards.
   bool ran_backwards() const;
 
