@@ -1,6 +1,7 @@
 /// \file
-/// Bitmaps of 64-bit words: bit i % 64 of word i / 64 belongs to row i. On little-endian machines
-/// these are the bytes of the columnar format, which counts bits of a byte from the lowest one.
+/// Bitmaps of 64-bit words: bit i % 64 of word i / 64 belongs to row i. Words stand in memory with
+/// their lowest byte first, on every machine: these are the bytes of the columnar format, which
+/// counts bits of a byte from the lowest one.
 
 #ifndef ZELK_LOGS_COLUMNS_BITS_HPP
 #define ZELK_LOGS_COLUMNS_BITS_HPP
@@ -9,15 +10,17 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 
+#include "base/byte_order.hpp"
 #include "base/signal_bits.hpp"
 
 namespace zelk::logs {
 
-static_assert(std::endian::native == std::endian::little);
-
 inline constexpr std::size_t kWordBits = 64;
+
+inline bool is_set(const std::uint64_t* bitmap, std::size_t bit) {
+  return (little_endian(bitmap[bit / kWordBits]) >> (bit % kWordBits) & 1) != 0;
+}
 
 constexpr std::size_t words_for(std::size_t bits) { return (bits + kWordBits - 1) / kWordBits; }
 
@@ -35,10 +38,10 @@ void append_bits(std::uint64_t* bitmap, std::size_t size, std::size_t count,
     const std::size_t rest = std::min(count - i * kWordBits, kWordBits);
     const std::uint64_t word = word_at(i) & low_bits(static_cast<unsigned>(rest));
     if (shift == 0) {
-      *to = word;
+      *to = little_endian(word);
     } else {
-      to[0] |= word << shift;
-      to[1] = word >> (kWordBits - shift);
+      to[0] |= little_endian(word << shift);
+      to[1] = little_endian(word >> (kWordBits - shift));
     }
   }
 }
@@ -46,7 +49,8 @@ void append_bits(std::uint64_t* bitmap, std::size_t size, std::size_t count,
 /// The bits of a bitmap from `first` on, for `append_bits`. One word behind the last bit is read.
 inline auto bits_from(const std::uint64_t* bitmap, std::size_t first) {
   return [from = bitmap + first / kWordBits, shift = first % kWordBits](std::size_t i) {
-    return shift == 0 ? from[i] : from[i] >> shift | from[i + 1] << (kWordBits - shift);
+    const std::uint64_t low = little_endian(from[i]) >> shift;
+    return shift == 0 ? low : low | little_endian(from[i + 1]) << (kWordBits - shift);
   };
 }
 
@@ -69,12 +73,11 @@ std::size_t clear_bits(std::size_t count, const WordAt& word_at) {
 inline void pack_bits(const std::uint8_t* bytes, std::size_t count, std::uint64_t* words) {
   std::fill_n(words, words_for(count), 0);
   for (std::size_t at = 0; at < count; at += 8) {
-    std::uint64_t eight = 0;
-    std::memcpy(&eight, bytes + at, sizeof eight);
+    auto eight = load_little_endian<std::uint64_t>(bytes + at);
     // Bytes behind the last one may be anything, and must not reach into the product.
     eight &= low_bits(static_cast<unsigned>(8 * std::min<std::size_t>(count - at, 8)));
     // The product has byte k of the eight at bit 56 + k.
-    words[at / kWordBits] |= eight * 0x0102040810204080 >> 56 << (at % kWordBits);
+    words[at / kWordBits] |= little_endian(eight * 0x0102040810204080 >> 56 << (at % kWordBits));
   }
 }
 

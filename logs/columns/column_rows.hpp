@@ -28,11 +28,7 @@ class ColumnRows {
   std::size_t size() const { return size_; }
   std::size_t width() const { return width_; }
   std::size_t null_count() const { return null_count_; }
-  bool is_null(std::size_t row) const {
-    if (null_count_ == 0) return false;
-    const std::size_t bit = first_ + row;
-    return (bitmap()[bit / kWordBits] >> (bit % kWordBits) & 1) == 0;
-  }
+  bool is_null(std::size_t row) const { return null_count_ > 0 && !is_set(bitmap(), first_ + row); }
 
   /// @param more        rows
   /// @param usual_rows  how many there are mostly in the end: up to that memory is doubled, and

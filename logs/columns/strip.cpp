@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstring>
 
+#include "base/byte_order.hpp"
 #include "base/compiler.hpp"
 
 namespace zelk::logs {
@@ -15,7 +16,7 @@ template <typename Value>
 void clear_nulls(unsigned char* to, std::size_t count, const std::uint64_t* valid) {
   auto* const values = reinterpret_cast<Value*>(to);
   for (std::size_t i = 0; i < count; ++i) {
-    const auto is_valid = static_cast<Value>(valid[i / kWordBits] >> (i % kWordBits) & 1);
+    const auto is_valid = static_cast<Value>(is_set(valid, i) ? 1 : 0);
     values[i] = static_cast<Value>(values[i] & (Value{0} - is_valid));
   }
 }
@@ -71,13 +72,13 @@ void StripWords::gather(const StripFrames& frames, std::size_t at) {
     const unsigned char* const from = frames.data + at;
     const std::uint32_t* const offsets = frames.offsets;
     for (std::size_t i = 0; i < frames.count; ++i)
-      std::memcpy(&words_[i], from + offsets[i], sizeof(std::uint64_t));
+      words_[i] = load_little_endian<std::uint64_t>(from + offsets[i]);
   } else {
     // A frame that ends in front of the window has no signal there.
     for (std::size_t i = 0; i < frames.count; ++i) {
       words_[i] = 0;
       if (frames.lengths[i] > at)
-        std::memcpy(&words_[i], frames.data + (frames.offsets[i] + at), sizeof(std::uint64_t));
+        words_[i] = load_little_endian<std::uint64_t>(frames.data + (frames.offsets[i] + at));
     }
   }
 }

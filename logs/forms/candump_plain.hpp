@@ -17,6 +17,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "base/byte_order.hpp"
 #include "base/compiler.hpp"
 #include "base/frame_id.hpp"
 #include "logs/forms/candump_line.hpp"
@@ -141,7 +142,7 @@ class PlainLines {
   /// @return behind them; null for half a byte
   const char* data_at(const char* at, std::size_t& length) {
     const HexBytes found = hex_bytes(at);
-    std::memcpy(filler_.room(), &found.bytes, sizeof found.bytes);
+    store_little_endian(filler_.room(), found.bytes);
     length = found.digits / 2;
     return found.digits % 2 == 0 ? at + found.digits : nullptr;
   }
@@ -154,7 +155,7 @@ class PlainLines {
     unsigned char* const room = filler_.room();
     for (length = 0; length < ZelkFrame::kMostData; length += 8) {
       const HexBytes found = hex_bytes(at + 2 * length);
-      std::memcpy(room + length, &found.bytes, sizeof found.bytes);
+      store_little_endian(room + length, found.bytes);
       if (found.digits == 16) continue;
       length += found.digits / 2;
       return found.digits % 2 == 0 ? at + 2 * length : nullptr;

@@ -8,9 +8,9 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <string_view>
 
+#include "base/byte_order.hpp"
 #include "base/compiler.hpp"
 
 namespace zelk::logs {
@@ -36,9 +36,7 @@ inline int digit_value(char c) { return kHexDigits[static_cast<unsigned char>(c)
 constexpr std::uint64_t repeated(std::uint8_t byte) { return 0x0101010101010101ull * byte; }
 
 inline std::uint64_t load_characters(const char* at) {
-  std::uint64_t characters = 0;
-  std::memcpy(&characters, at, sizeof characters);
-  return characters;
+  return load_little_endian<std::uint64_t>(at);
 }
 
 /// The bytes that eight digits stand for.

@@ -219,7 +219,7 @@ class TrcLine {
   bool take_length() {
     std::uint64_t length = 0;
     if (take_digits(4, length) == 0 || !is_at_end_of_word()) return false;
-    frame_.length = length;
+    frame_.length = static_cast<std::size_t>(length);
     return length <= (frame_.flags & kZelkFrameFd ? ZelkFrame::kMostData : kLongestTrcData);
   }
 
@@ -227,7 +227,7 @@ class TrcLine {
     std::uint64_t code = 0;
     if (take_digits(2, code) == 0 || !is_at_end_of_word() || code >= kBytesOfCode.size())
       return false;
-    frame_.length = kBytesOfCode[code];
+    frame_.length = kBytesOfCode[static_cast<std::size_t>(code)];
     if (!(frame_.flags & kZelkFrameFd)) frame_.length = std::min(frame_.length, kClassicBytes);
     return true;
   }

@@ -46,14 +46,16 @@
 
 namespace zelk {
 
-/// The bytes in reverse order.
-inline std::uint64_t reversed_bytes(std::uint64_t word) {
+// The bytes in reverse order.
 #if defined(_MSC_VER)
-  return _byteswap_uint64(word);
+inline std::uint64_t reversed_bytes(std::uint64_t word) { return _byteswap_uint64(word); }
+inline std::uint32_t reversed_bytes(std::uint32_t word) { return _byteswap_ulong(word); }
+inline std::uint16_t reversed_bytes(std::uint16_t word) { return _byteswap_ushort(word); }
 #else
-  return __builtin_bswap64(word);
+constexpr std::uint64_t reversed_bytes(std::uint64_t word) { return __builtin_bswap64(word); }
+constexpr std::uint32_t reversed_bytes(std::uint32_t word) { return __builtin_bswap32(word); }
+constexpr std::uint16_t reversed_bytes(std::uint16_t word) { return __builtin_bswap16(word); }
 #endif
-}
 
 /// Whether the processor runs what is `ZELK_FOR_AVX2`.
 inline bool has_avx2() {
@@ -75,6 +77,14 @@ inline WideProduct wide_product(std::uint64_t a, std::uint64_t b) {
   WideProduct product{};
   product.low = _umul128(a, b, &product.high);
   return product;
+#elif !defined(__SIZEOF_INT128__)
+  // By halves, whose products have 64 bits; none of the sums overflows.
+  const std::uint64_t a_low = a & UINT32_MAX;
+  const std::uint64_t b_low = b & UINT32_MAX;
+  const std::uint64_t low = a_low * b_low;
+  const std::uint64_t middle = (a >> 32) * b_low + (low >> 32);
+  const std::uint64_t other = a_low * (b >> 32) + (middle & UINT32_MAX);
+  return {other << 32 | (low & UINT32_MAX), (a >> 32) * (b >> 32) + (middle >> 32) + (other >> 32)};
 #else
   __extension__ using Wide = unsigned __int128;
   const Wide product = static_cast<Wide>(a) * b;

@@ -71,35 +71,30 @@ bool extract_string(const unsigned char* frame, const Position& at, unsigned len
 
 namespace {
 
-/// The value shifted up to its place, as up to twelve bytes.
-Words shifted_value(const std::array<std::uint8_t, 12>& value, const Position& at,
-                    unsigned length_bits) {
-  Words in = {};
-  std::memcpy(in.data(), value.data(), sizeof in);
+/// The value shifted up to its place.
+Words shifted_value(const Words& in, const Position& at, unsigned length_bits) {
   const std::uint32_t offset = at.bit_offset;
   const std::uint32_t mask = top_mask(length_bits);
   if (at.byte_count <= 4) return {(in[0] & mask) << offset, 0, 0};
   const std::uint32_t low = in[0] << offset;
-  const std::uint32_t low_carry = carry(value[3], offset);
+  const std::uint32_t low_carry = carry(byte_of(in, 3), offset);
   if (length_bits <= 32) return {low, low_carry, 0};
   if (at.byte_count <= 8) return {low, (in[1] & mask) << offset | low_carry, 0};
   const std::uint32_t middle = in[1] << offset | low_carry;
-  const std::uint32_t middle_carry = carry(value[7], offset);
+  const std::uint32_t middle_carry = carry(byte_of(in, 7), offset);
   if (length_bits <= 64) return {low, middle, middle_carry};
   return {low, middle, (in[2] & mask) << offset | middle_carry};
 }
 
 }  // namespace
 
-void insert(const void* value, std::size_t size_bytes, std::uint16_t start_bit,
-            std::uint16_t length_bits, bool motorola, unsigned char* frame) {
+void insert(const Words& value, std::uint16_t start_bit, std::uint16_t length_bits, bool motorola,
+            unsigned char* frame) {
   if (length_bits == 0 || length_bits > kStringMax) return;
   const Position at = locate(start_bit, length_bits, motorola);
-  std::array<std::uint8_t, 12> own = {};
-  std::memcpy(own.data(), value, std::min(size_bytes, own.size()));
-  const Words words = shifted_value(own, at, length_bits);
+  const Words words = shifted_value(value, at, length_bits);
   std::array<std::uint8_t, 12> bytes = {};
-  std::memcpy(bytes.data(), words.data(), bytes.size());
+  for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = byte_of(words, i);
 
   const std::uint32_t last = at.byte_count - 1;
   const std::uint32_t above = (at.bit_offset + length_bits) & 7;

@@ -19,18 +19,15 @@
 #define ZELK_CODEC_BITS_HPP
 
 #include <array>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 
+#include "base/byte_order.hpp"
 #include "base/compiler.hpp"
 #include "base/signal_bits.hpp"
 #include "zelk/types.hpp"
 
 namespace zelk::codec {
-
-static_assert(std::endian::native == std::endian::little);
 
 /// Longest signals, in bits, of the 32-bit, 64-bit and text operations. At every bit offset 89 bits
 /// fit into three words; 90 do not.
@@ -89,17 +86,13 @@ inline Position position_of(const zelk_sig_mask_t& mask) {
 /// beyond.
 ZELK_ALWAYS_INLINE std::uint64_t load_bytes(const unsigned char* bytes, std::uint32_t count) {
   if (count >= 4) {
-    std::uint32_t low = 0;
-    std::uint32_t high = 0;
-    std::memcpy(&low, bytes, 4);
-    std::memcpy(&high, bytes + count - 4, 4);
+    const auto low = load_little_endian<std::uint32_t>(bytes);
+    const auto high = load_little_endian<std::uint32_t>(bytes + count - 4);
     return low | std::uint64_t{high} << (8 * (count - 4));
   }
   if (count == 1) return *bytes;
-  std::uint16_t low = 0;
-  std::uint16_t high = 0;
-  std::memcpy(&low, bytes, 2);
-  std::memcpy(&high, bytes + count - 2, 2);
+  const auto low = load_little_endian<std::uint16_t>(bytes);
+  const auto high = load_little_endian<std::uint16_t>(bytes + count - 2);
   return low | std::uint32_t{high} << (8 * (count - 2));
 }
 
@@ -144,6 +137,15 @@ inline std::uint64_t extract_whole(const unsigned char* frame, const Position& a
 /// The value of a signal in 32-bit words, the lowest first.
 using Words = std::array<std::uint32_t, 3>;
 
+inline Words words_of(std::uint64_t value) {
+  return {static_cast<std::uint32_t>(value), static_cast<std::uint32_t>(value >> 32), 0};
+}
+
+/// Byte of a value, counted from the lowest one.
+inline std::uint8_t byte_of(const Words& words, std::size_t index) {
+  return static_cast<std::uint8_t>(words[index / 4] >> (index % 4 * 8));
+}
+
 /// Up to `kStringMax` bits; false, with nothing extracted, for more.
 bool extract_string(const unsigned char* frame, const Position& at, unsigned length_bits,
                     Words& words);
@@ -154,11 +156,9 @@ bool extract_string(const unsigned char* frame, const Position& at, unsigned len
 /// signal spills into the bits above it in the layouts that are written without masking: up to 32
 /// bits in five bytes, and more in nine.
 ///
-/// @param value        (`length_bits` + 7) / 8 bytes at most are looked at
-/// @param size_bytes   of `value`; the rest counts as 0
 /// @param length_bits  up to `kStringMax`; more are not written
-void insert(const void* value, std::size_t size_bytes, std::uint16_t start_bit,
-            std::uint16_t length_bits, bool motorola, unsigned char* frame);
+void insert(const Words& value, std::uint16_t start_bit, std::uint16_t length_bits, bool motorola,
+            unsigned char* frame);
 
 }  // namespace zelk::codec
 

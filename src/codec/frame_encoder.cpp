@@ -1,9 +1,9 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
-#include <cstring>
 #include <limits>
 
+#include "base/byte_order.hpp"
 #include "codec/conversion.hpp"
 #include "codec/frame_plan.hpp"
 #include "codec/frame_words.hpp"
@@ -80,7 +80,7 @@ bool encode(const QuickSignal& quick, double physical, std::uint64_t& word) {
 bool encode(const QuickSignal& quick, double physical, unsigned char* data, std::size_t length) {
   std::uint64_t word = FrameWords::load(data, length);
   const bool holds = encode(quick, physical, word);
-  std::memcpy(data, &word, std::min(length, kWordBytes));
+  store_little_endian(data, word, std::min(length, kWordBytes));
   return holds;
 }
 
@@ -95,7 +95,7 @@ bool encode(const SlowSignal& slow, double physical, unsigned char* data) {
     value = limited(codec::rounded_quotient(physical, signal.factor, signal.offset),
                     low_bits(signal.length), is_signed(signal));
   }
-  codec::insert(&value.raw, sizeof value.raw, signal.start_bit, slow.length_bits, slow.at.motorola,
+  codec::insert(codec::words_of(value.raw), signal.start_bit, slow.length_bits, slow.at.motorola,
                 data);
   return value.holds;
 }
@@ -143,6 +143,6 @@ bool ZelkFrameEncoder::Encode(const double* values, const std::uint64_t* present
     if (zelk::is_selected(present, signal.index))
       holds &= zelk::encode(signal, values[signal.index], word);
   }
-  std::memcpy(data, &word, zelk::kWordBytes);
+  zelk::store_little_endian(data, word);
   return holds;
 }

@@ -6,8 +6,8 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 
+#include "base/byte_order.hpp"
 #include "codec/bits.hpp"
 
 namespace zelk {
@@ -35,9 +35,7 @@ struct FrameWords {
     return first_eight(data);
   }
   static std::uint64_t first_eight(const unsigned char* data) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, data, kWordBytes);
-    return word;
+    return load_little_endian<std::uint64_t>(data);
   }
 
   std::uint64_t words[2];

@@ -1,5 +1,7 @@
 #include "codec/signal_value.hpp"
 
+#include <bit>
+
 #include "codec/presence.hpp"
 
 namespace zelk::codec {
@@ -99,9 +101,9 @@ ZelkSigvalueResult read_physical(const unsigned char* frame, const sigblk& signa
 
 namespace {
 
-void insert_into(const sigblk& signal, std::uint16_t length_bits, const void* value,
-                 std::size_t size_bytes, unsigned char* frame) {
-  insert(value, size_bytes, signal.start_bit, length_bits, is_motorola(signal), frame);
+void insert_into(const sigblk& signal, std::uint16_t length_bits, const Words& value,
+                 unsigned char* frame) {
+  insert(value, signal.start_bit, length_bits, is_motorola(signal), frame);
 }
 
 }  // namespace
@@ -111,21 +113,22 @@ ZelkSigvalueResult write(unsigned char* frame, const sigblk& signal, std::uint32
   if (is_signed(signal) && signal.length < kLongMax && is_negative) {
     raw += std::uint32_t{1} << signal.length;
   }
-  insert_into(signal, signal.length, &raw, sizeof raw, frame);
+  insert_into(signal, signal.length, words_of(raw), frame);
   return signal.length > kLongMax ? ZelkSigvalueTooLong : presence(frame, signal);
 }
 
 ZelkSigvalueResult write(unsigned char* frame, const sigblk& signal, std::int64_t raw) {
-  insert_into(signal, signal.length, &raw, sizeof raw, frame);
+  insert_into(signal, signal.length, words_of(static_cast<std::uint64_t>(raw)), frame);
   return signal.length > kInt64Max ? ZelkSigvalueTooLong : presence(frame, signal);
 }
 
 ZelkSigvalueResult write(unsigned char* frame, const sigblk& signal, double raw) {
   if (signal.value_type == ZELK_VALUE_IEEE_SINGLE) {
-    const auto single = static_cast<float>(raw);
-    insert_into(signal, 32, &single, sizeof single, frame);
+    const auto bits = std::bit_cast<std::uint32_t>(static_cast<float>(raw));
+    insert_into(signal, 32, words_of(bits), frame);
   } else {
-    insert_into(signal, length_in_frame(signal), &raw, sizeof raw, frame);
+    const auto bits = std::bit_cast<std::uint64_t>(raw);
+    insert_into(signal, length_in_frame(signal), words_of(bits), frame);
   }
   if (!is_ieee(signal))
     return signal.length > kStringMax ? ZelkSigvalueTooLong : ZelkSigvalueWrongType;
@@ -135,7 +138,10 @@ ZelkSigvalueResult write(unsigned char* frame, const sigblk& signal, double raw)
 ZelkSigvalueResult write_bytes(unsigned char* frame, const sigblk& signal,
                                const unsigned char* bytes) {
   if (signal.length > kStringMax) return ZelkSigvalueTooLong;
-  insert_into(signal, signal.length, bytes, (signal.length + std::size_t{7}) / 8, frame);
+  Words value = {};
+  for (std::size_t i = 0; i < (signal.length + std::size_t{7}) / 8; ++i)
+    value[i / 4] |= std::uint32_t{bytes[i]} << (i % 4 * 8);
+  insert_into(signal, signal.length, value, frame);
   return presence(frame, signal);
 }
 

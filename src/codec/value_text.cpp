@@ -90,10 +90,6 @@ ZelkSigvalueResult put_with_unit(Target target, double physical, const sigblk& s
   return print(target, format, physical, static_cast<const char*>(unit));
 }
 
-std::uint8_t byte_of(const Words& words, std::size_t index) {
-  return static_cast<std::uint8_t>(words[index / 4] >> (index % 4 * 8));
-}
-
 /// The bytes of the value, the most significant first, with a blank between two.
 ///
 /// @param format  of one byte, for `width` characters

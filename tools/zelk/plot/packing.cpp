@@ -7,7 +7,10 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <unordered_map>
+
+#include "base/byte_order.hpp"
 
 namespace zelk::tool {
 
@@ -37,10 +40,17 @@ std::string base64(std::string_view bytes) {
   return result;
 }
 
+/// Of floats or doubles, with their lowest bytes first.
 template <typename Number>
 std::string base64_of(const std::vector<Number>& numbers) {
-  static_assert(std::endian::native == std::endian::little);
-  return base64({reinterpret_cast<const char*>(numbers.data()), numbers.size() * sizeof(Number)});
+  using Bits = std::conditional_t<sizeof(Number) == 8, std::uint64_t, std::uint32_t>;
+  std::string bytes(numbers.size() * sizeof(Number), '\0');
+  char* to = bytes.data();
+  for (const Number number : numbers) {
+    store_little_endian(to, std::bit_cast<Bits>(number), sizeof number);
+    to += sizeof number;
+  }
+  return base64(bytes);
 }
 
 void append_difference(std::string& bytes, std::int64_t difference) {
