@@ -1,7 +1,9 @@
 #include "logs/columns/column_rows.hpp"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
+#include <new>
 #include <utility>
 
 namespace zelk::logs {
@@ -30,6 +32,7 @@ void ColumnRows::reserve(std::size_t more, std::size_t usual_rows) {
 }
 
 void ColumnRows::resize(std::size_t rows) {
+  if (rows > SIZE_MAX / 2 / width_) throw std::bad_alloc();
   const std::size_t bitmap_at = Buffer::rounded(rows * width_);
   Buffer memory(bitmap_at + bitmap_size(rows));
   if (first_ + size_ > 0) std::memcpy(memory.data(), memory_.data(), (first_ + size_) * width_);
@@ -67,7 +70,7 @@ Buffer ColumnRows::give_memory(const unsigned char*& bits) {
   memory_.pad(size_ * width_);
   if (null_count_ > 0) {
     std::uint64_t& last = bitmap()[size_ / kWordBits];
-    last = size_ % kWordBits == 0 ? 0 : last & low_bits(static_cast<unsigned>(size_ % kWordBits));
+    last &= little_endian(low_bits(static_cast<unsigned>(size_ % kWordBits)));
     memory_.pad(bitmap_at_ + (size_ / kWordBits + 1) * sizeof(std::uint64_t));
     bits = memory_.data() + bitmap_at_;
   }

@@ -1,7 +1,9 @@
 #include "logs/frames/filler.hpp"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
+#include <stdexcept>
 #include <vector>
 
 namespace {
@@ -48,6 +50,8 @@ void ZelkFrameFiller::append_alike(std::span<const std::int64_t> times,
   const std::size_t first = block_.size_;
   const std::size_t count = ids.size();
   const std::size_t room_bytes = padded_length(length);
+  if (room_bytes > 0 && count > SIZE_MAX / room_bytes)
+    throw std::length_error("a block of frames has more than 4 GiB");
   reserve(count);
   room(count * room_bytes);
   const auto at = [first](auto& values) { return values.begin() + static_cast<Difference>(first); };

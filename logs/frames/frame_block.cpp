@@ -56,8 +56,10 @@ void ZelkFrameBlock::Append(const ZelkFrame& frame) {
 /// For one more frame, and data of so many bytes.
 void ZelkFrameBlock::grow(std::size_t data_bytes) {
   ZelkFrameFiller(*this).reserve(1);
-  const std::size_t needed = data_size_ + data_bytes + 2 * kSlack;
-  if (needed > kMostDataOfBlock) throw std::length_error("a block of frames has more than 4 GiB");
+  const std::size_t used = data_size_ + 2 * kSlack;
+  if (data_bytes > kMostDataOfBlock - used)
+    throw std::length_error("a block of frames has more than 4 GiB");
+  const std::size_t needed = used + data_bytes;
   if (needed <= data_.size()) return;
   // No more than offsets reach: what there is room for is not checked again.
   data_.resize(std::min(std::max(2 * data_.size(), needed + kMoreData), kMostDataOfBlock));

@@ -4,8 +4,11 @@
 #ifndef ZELK_BASE_LINE_BUFFER_HPP
 #define ZELK_BASE_LINE_BUFFER_HPP
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
+#include <new>
 #include <string_view>
 #include <vector>
 
@@ -49,7 +52,10 @@ class LineBuffer {
  private:
   static constexpr std::size_t kFirstBytes = 1 << 16;
 
-  void grow(std::size_t count) { bytes_.resize(2 * bytes_.size() + count + kFirstBytes); }
+  void grow(std::size_t count) {
+    if (std::max(count, bytes_.size()) > SIZE_MAX / 8) throw std::bad_alloc();
+    bytes_.resize(2 * bytes_.size() + count + kFirstBytes);
+  }
 
   std::vector<char> bytes_;
   std::size_t size_ = 0;  // of the text

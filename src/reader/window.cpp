@@ -1,7 +1,9 @@
 #include "reader/window.hpp"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
+#include <new>
 #include <utility>
 
 namespace zelk {
@@ -40,6 +42,7 @@ Window::Window(ByteSource source)
 
 bool Window::extend(char*& start) {
   const auto kept = static_cast<std::size_t>(limit_ - start);
+  if (kept > SIZE_MAX / 4) throw std::bad_alloc();
   Block next = take_block(kept < kBlockSize / 2 ? kBlockSize : 4 * kept);
   char* const bytes = next.bytes.get();
   std::copy(start, limit_, bytes);
