@@ -39,12 +39,12 @@ struct SeededHash {
       hash = fold(hash, text.data(), sizeof(std::uint64_t));
       text.remove_prefix(sizeof(std::uint64_t));
     }
-    return static_cast<std::size_t>(fold(hash, text.data(), text.size()));
+    return of_width(fold(hash, text.data(), text.size()));
   }
 
   template <typename Integer>
   requires std::is_integral_v<Integer> std::size_t operator()(Integer key) const {
-    return static_cast<std::size_t>(fold(seed, reinterpret_cast<const char*>(&key), sizeof key));
+    return of_width(fold(seed, reinterpret_cast<const char*>(&key), sizeof key));
   }
 
   std::uint64_t seed = hash_seed();
@@ -55,6 +55,12 @@ struct SeededHash {
     if (size > 0) std::memcpy(&word, bytes, size);  // an empty text may have no address
     const WideProduct product = wide_product(hash ^ word, seed);
     return product.high ^ product.low;
+  }
+
+  /// All bits count where a hash has 32 of them, too.
+  static std::size_t of_width(std::uint64_t hash) {
+    if constexpr (sizeof(std::size_t) < sizeof hash) hash ^= hash >> 32;
+    return static_cast<std::size_t>(hash);
   }
 };
 

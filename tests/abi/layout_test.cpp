@@ -19,6 +19,7 @@ std::vector<std::ptrdiff_t> layout(const Record& record, const Members&... membe
 }
 
 TEST(Layout, OfEveryRecord) {
+  if (sizeof(void*) != 8) GTEST_SKIP() << "offsets are those of systems with 64 bits";
   const std::tuple<msgblk, sigblk, siggroupblk, siggroup_extra, siglistblk, muxor_val_range,
                    sigtype, symblk, rxblk, val, env_var_blk, btlblk, valtable, attr_def, attr, cat,
                    catlink, filter_t>

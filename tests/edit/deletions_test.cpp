@@ -83,7 +83,7 @@ TEST_F(EditsWithoutMemory, ChangeNothing) {
       [](Edited& e) { e.SetValueDescription(e.signal("S"), 9, "New"); },
       [](Edited& e) { e.AddSignal(e.group(), e.signal("U")); },
       [](Edited& e) { e.AddFilterNode(e.node("B"), e.db); },
-      [](Edited& e) { e.SetAttrValue(*e.GetEnvvar("W", e.db), "Var", text("New")); },
+      [](Edited& e) { e.SetAttrValue(*e.GetEnvvar("W", e.db), "Var", text_value("New")); },
   };
   for (const auto& edit : edits) {
     const auto index = &edit - edits;

@@ -57,6 +57,8 @@ inline std::string difference(std::vector<std::string> before, std::vector<std::
 }
 
 inline zelk_attr_value_t number(double value) { return {.number = value}; }
-inline zelk_attr_value_t text(const char* value) { return {.text = const_cast<char*>(value)}; }
+inline zelk_attr_value_t text_value(const char* value) {
+  return {.text = const_cast<char*>(value)};
+}
 
 #endif

@@ -149,7 +149,7 @@ const Case kCases[] = {
        e.SetAttrValue(e.db, "Net", number(12));
        e.SetAttrValue(e.node("A"), "Nd", number(2));
        e.SetAttrValue(e.signal("T"), "Sig", number(-0.5));
-       e.SetAttrValue(*e.GetEnvvar("W", e.db), "Var", text("second"));
+       e.SetAttrValue(*e.GetEnvvar("W", e.db), "Var", text_value("second"));
      },
      R"(
 -BA_ "Net" 7;
@@ -171,8 +171,8 @@ const Case kCases[] = {
        std::strcpy(second.name, "Two");
        second.object_type = ZELK_OBJ_MESSAGE;
        const bool is_text = e.GetAttrDefinition(e.message(), "Two")->value_type == ZELK_ATTR_STRING;
-       e.SetAttrValue(e.message(), "Two", is_text ? text("x") : number(7));
-       e.SetAttrValue(e.node("A"), "Two", text("node's"));
+       e.SetAttrValue(e.message(), "Two", is_text ? text_value("x") : number(7));
+       e.SetAttrValue(e.node("A"), "Two", text_value("node's"));
      },
      R"(
 +BA_DEF_ BU_  "Two" STRING ;

@@ -7,10 +7,15 @@ namespace {
 
 using Notifications = ManagerTest;
 
+/// Of a handle, bits that notifications have no room for, where pointers have more than 32.
+constexpr bool kHasWide = sizeof(void*) > 4;
+constexpr auto kWide = static_cast<std::uintptr_t>(kHasWide ? 0x700000000 : 0);
+const std::string kWideText = kHasWide ? "7000000" : "";
+
 TEST_F(Notifications, TellEveryHolder) {
   const std::string a = folder.write("a.dbc", kDatabase), b = folder.write("b.dbc", kDatabase);
   ZelkManager first(handle<HWND>(0x10));
-  ZelkManager sender(handle<void*>(0x700000020));
+  ZelkManager sender(handle<void*>(kWide | 0x20));
   ZelkManager deaf(handle<HWND>(0));
   ZelkManager other(handle<HWND>(0x30));
   ZelkManager last(handle<HWND>(0x40));
@@ -28,17 +33,19 @@ TEST_F(Notifications, TellEveryHolder) {
   };
   using Lines = std::vector<std::string>;
   // A window gets the handle of the sender's window, a thread that of its thread.
-  EXPECT_EQ(told(sender, changed), (Lines{"all 0 from 0: -", "thread 700000020 from 20: sent",
-                                          "window 40 from 0: a", "window 10 from 0: one"}));
+  EXPECT_EQ(told(sender, changed),
+            (Lines{"all 0 from 0: -", "thread " + kWideText + "20 from 20: sent",
+                   "window 40 from 0: a", "window 10 from 0: one"}));
   EXPECT_GE(host.number, 0xC000U);
   EXPECT_LE(host.number, 0xFFFFU);
-  sender.SetHandle(handle<HWND>(0x500000050));
-  EXPECT_EQ(told(sender, changed), (Lines{"all 0 from 0: -", "window 500000050 from 50: sent",
-                                          "window 40 from 50: a", "window 10 from 50: one"}));
+  sender.SetHandle(handle<HWND>(kWide | 0x50));
+  EXPECT_EQ(told(sender, changed),
+            (Lines{"all 0 from 0: -", "window " + kWideText + "50 from 50: sent",
+                   "window 40 from 50: a", "window 10 from 50: one"}));
   last.SetHandle(handle<void*>(0x60));
   first.SetHandle(handle<void*>(0));
-  EXPECT_EQ(told(last, changed),
-            (Lines{"all 0 from 0: -", "thread 60 from 60: a", "window 500000050 from 0: sent"}));
+  EXPECT_EQ(told(last, changed), (Lines{"all 0 from 0: -", "thread 60 from 60: a",
+                                        "window " + kWideText + "50 from 0: sent"}));
   sender.CloseDatabase(name, true);
   EXPECT_EQ(told(deaf, changed), (Lines{"all 0 from 0: -", "thread 60 from 0: a"}));
   host.notifications.clear();

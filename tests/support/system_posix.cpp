@@ -29,7 +29,11 @@ bool enter_decimal_comma() {
   return std::setlocale(LC_ALL, "German") || enter_locale("de_DE", "UTF-8");
 }
 
-bool enter_double_byte_characters() { return enter_locale("ja_JP", "SHIFT_JIS"); }
+bool enter_double_byte_characters() {
+  if (enter_locale("ja_JP", "SHIFT_JIS") && std::mblen("\x83\\", 2) == 2) return true;
+  std::setlocale(LC_ALL, "C");  // the system may know the locale and not its characters
+  return false;
+}
 
 std::string encoded(const std::filesystem::path& path) { return path.string(); }
 
