@@ -21,6 +21,14 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
   add_compile_options(-Wno-restrict)
 endif()
 
+# Machines of 32 bits: files beyond 2 GiB, and doubles that are computed as doubles.
+if(CMAKE_SIZEOF_VOID_P EQUAL 4 AND NOT WIN32)
+  add_compile_definitions(_FILE_OFFSET_BITS=64)
+  if(CMAKE_SYSTEM_PROCESSOR MATCHES "86")
+    add_compile_options(-msse2 -mfpmath=sse)
+  endif()
+endif()
+
 if(ZELK_SANITIZE)
   add_compile_options(-fsanitize=${ZELK_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${ZELK_SANITIZE})

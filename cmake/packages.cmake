@@ -5,8 +5,9 @@
 #
 # A build for another system takes from the same packages what does not depend on a system: headers, copied out of
 # /usr/include because the headers beside them belong to the build machine's system, and the sources of GoogleTest,
-# pugixml and zstd (scripts/setup fetches the latter two, as no package has them). zlib has a package for it; captures are
-# not read there, and pcap::pcap is missing, as in the Python package; nor are librsvg and ncurses there.
+# pugixml and zstd (scripts/setup fetches the latter two, as no package has them). zlib has a package for Windows; for other
+# systems its sources are compiled, which "scripts/setup deep" fetches. Captures are not read there, and pcap::pcap is
+# missing, as in the Python package; nor are librsvg and ncurses there.
 
 function(zelk_copy_header_library name folder)
   file(COPY /usr/include/${folder} DESTINATION ${CMAKE_BINARY_DIR}/headers)
@@ -52,10 +53,12 @@ if(ZELK_BUILD_PYTHON)
 endif()
 if(ZELK_BUILD_LOGS)
   find_package(Threads REQUIRED)
-  if(CMAKE_CROSSCOMPILING)
+  if(WIN32)
     set(ZLIB_USE_STATIC_LIBS ON)
   endif()
-  find_package(ZLIB REQUIRED)
+  if(WIN32 OR NOT CMAKE_CROSSCOMPILING)
+    find_package(ZLIB REQUIRED)
+  endif()
 endif()
 
 if(ZELK_BUILD_TOOL)
@@ -107,14 +110,26 @@ if(ZELK_BUILD_MODULES)
   target_include_directories(pugixml SYSTEM INTERFACE ${pugixml_sources})
   add_library(pugixml::pugixml ALIAS pugixml)
 endif()
+
+function(zelk_compile_library name alias folder)
+  add_library(${name} STATIC ${ARGN})
+  target_compile_options(${name} PRIVATE -w)
+  target_include_directories(${name} SYSTEM INTERFACE ${folder})
+  set_target_properties(${name} PROPERTIES UNITY_BUILD OFF)
+  add_library(${alias} ALIAS ${name})
+endfunction()
+
 if(ZELK_BUILD_LOGS)
   set(zstd_sources /usr/src/zstd/lib)
   file(GLOB zstd_files ${zstd_sources}/common/*.c ${zstd_sources}/decompress/*.c)
-  add_library(zstd STATIC ${zstd_files})
-  target_compile_options(zstd PRIVATE -w)
+  zelk_compile_library(zstd zstd::zstd ${zstd_sources} ${zstd_files})
   target_compile_definitions(zstd PRIVATE ZSTD_DISABLE_ASM)
-  target_include_directories(zstd SYSTEM INTERFACE ${zstd_sources})
-  add_library(zstd::zstd ALIAS zstd)
+  if(NOT TARGET ZLIB::ZLIB)
+    set(zlib_sources /usr/src/zlib)
+    file(GLOB zlib_files ${zlib_sources}/*.c)
+    list(FILTER zlib_files EXCLUDE REGEX "/gz[a-z]*\\.c$")  # files of its own, which nothing here uses
+    zelk_compile_library(zlib ZLIB::ZLIB ${zlib_sources} ${zlib_files})
+  endif()
 endif()
 if(ZELK_BUILD_TESTS)
   set(INSTALL_GTEST OFF)
