@@ -154,7 +154,7 @@ void write_in_place(const fs::path& target, const Descriptor& old, TemporaryFile
   const bool has_time = set_time(fresh.descriptor(), status_of(old).st_mtim);
   if (!has_time || !sync(fresh.descriptor())) fail_save();
   const fs::path copy = whole_copy_of(target);
-  if (!fresh.link_to(copy)) {
+  if (!fresh.move_to_new(copy)) {
     if (errno == EEXIST) throw SaveFailure(kBusy);
     fail_save("no copy can be kept beside it");
   }

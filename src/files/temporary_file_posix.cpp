@@ -61,8 +61,11 @@ bool TemporaryFile::move_to(const std::filesystem::path& path) {
   return true;
 }
 
-bool TemporaryFile::link_to(const std::filesystem::path& path) const {
-  return link(path_.c_str(), path.c_str()) == 0;
+bool TemporaryFile::move_to_new(const std::filesystem::path& path) {
+  if (link(path_.c_str(), path.c_str()) != 0) return false;
+  unlink(path_.c_str());
+  path_.clear();
+  return true;
 }
 
 TemporaryFile::~TemporaryFile() {

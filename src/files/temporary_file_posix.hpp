@@ -29,8 +29,8 @@ class TemporaryFile {
   /// @return false when the system does not do it (`errno` says)
   bool move_to(const std::filesystem::path& path);
 
-  /// Gives the file a second name, which stays; false as above.
-  bool link_to(const std::filesystem::path& path) const;
+  /// Gives the file a name that nothing has yet, and which stays; false as above.
+  bool move_to_new(const std::filesystem::path& path);
 
  private:
   bool create(const std::filesystem::path& target, int number, mode_t mode);

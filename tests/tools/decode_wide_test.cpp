@@ -73,7 +73,10 @@ TEST(DecodeWide, KeepsFilesUntilAllIsRead) {
   write_file("bad", std::string(kLog) + "no frame\n");
   write_file("other", "123#00\n");
   write_file("file", "mine");
+  for (const char* left : {"out/.zelk-tables-0/Motion.csv", "out/.zelk-tables-3/x"})
+    write_file(left, "of a killed process");
   check({"decode car.dbc log --wide -o out/", 0});
+  EXPECT_FALSE(exists(folder / "out/.zelk-tables-3"));
   const std::string before = bytes_of(folder / "out/Motion.csv");
   check({"decode car.dbc bad --wide -o out/ --strict", 1, "", "--strict takes no line"});
   check({"decode car.dbc bad --wide -o new/ --strict", 1, "", "--strict takes no line"});

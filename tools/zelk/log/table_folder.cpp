@@ -71,8 +71,8 @@ TableFolder::TableFolder(const std::string& path, const std::vector<ZelkWideTabl
 }
 
 TableFolder::~TableFolder() {
+  fresh_.reset();
   std::error_code ignored;
-  std::filesystem::remove_all(fresh_, ignored);
   if (is_made_) std::filesystem::remove(folder_, ignored);  // if it is empty
 }
 
@@ -87,19 +87,17 @@ void TableFolder::make_folders() {
   is_made_ = std::filesystem::create_directory(folder_, error);
   if (error) fail(folder_, error.message());
   if (!std::filesystem::is_directory(folder_, error)) fail(folder_, "it is no folder");
-  for (int i = 0; i < kMostRuns; ++i) {
-    const std::filesystem::path fresh = folder_ / fmt::format(".zelk-tables-{}", i);
-    if (std::filesystem::create_directory(fresh, error)) {
-      fresh_ = fresh;
-      // What replaces a private file is not for others either.
-      std::filesystem::permissions(fresh, std::filesystem::perms::owner_all, error);
-      return;
-    }
-    if (error) break;
+  for (int i = 0; i < kMostRuns && !error; ++i) {
+    const std::filesystem::path path = folder_ / fmt::format(".zelk-tables-{}", i);
+    std::error_code ignored;
+    if (fresh_ && !std::filesystem::exists(path, ignored)) continue;
+    auto held = files::HeldFolder::make(path, error);
+    if (!fresh_) fresh_ = std::move(held);  // further ones, which killed runs left, go here
   }
+  if (fresh_) return;
   if (is_made_) std::filesystem::remove(folder_);
-  fail(folder_, error ? error.message()
-                      : "others write into it, or have left their folders .zelk-tables-* there");
+  fail(folder_,
+       error ? error.message() : "others write into it, or their folders .zelk-tables-* are there");
 }
 
 void TableFolder::add(std::size_t table, std::string_view line) {
@@ -115,7 +113,7 @@ void TableFolder::write_all() {
 }
 
 void TableFolder::write(const ZelkWideTable& table, File& file) {
-  const std::filesystem::path path = fresh_ / path_of(file.name);
+  const std::filesystem::path path = fresh_->path() / path_of(file.name);
   errno = 0;
   std::ofstream stream(path, std::ios::binary | std::ios::app);
   if (!file.is_there) stream << table.heading;
@@ -131,7 +129,7 @@ void TableFolder::take_places() {
   std::vector<files::Move> moves;
   for (const File& file : files_) {
     const std::filesystem::path name = path_of(file.name);
-    if (file.is_there) moves.push_back({fresh_ / name, folder_ / name});
+    if (file.is_there) moves.push_back({fresh_->path() / name, folder_ / name});
   }
   std::vector<std::filesystem::path> new_folders;
   if (is_made_) new_folders.push_back(folder_);

@@ -6,10 +6,12 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "files/held_folder.hpp"
 #include "zelk/logs/wide.hpp"
 
 namespace zelk::tool {
@@ -54,8 +56,8 @@ class TableFolder {
 
   std::string path_;
   std::filesystem::path folder_;
-  std::filesystem::path fresh_;  ///< the folder inside
-  bool is_made_ = false;         ///< `folder_` was not there
+  std::unique_ptr<files::HeldFolder> fresh_;  ///< inside that
+  bool is_made_ = false;                      ///< `folder_` was not there
   const std::vector<ZelkWideTable>& tables_;
   std::vector<File> files_;  ///< of all tables
   std::size_t held_ = 0;     ///< bytes, of all files

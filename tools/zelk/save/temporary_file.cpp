@@ -15,19 +15,18 @@
 namespace zelk::tool {
 
 TemporaryFile::TemporaryFile() {
+  constexpr int kMostLeft = 32;  // names that killed runs may have left: these are looked at
+  const std::filesystem::path folder = std::filesystem::temp_directory_path();
+  std::error_code error;
   std::random_device random;
-  do {
-    folder_ = std::filesystem::temp_directory_path() / fmt::format("zelk-{:08x}", random());
-    file_ = folder_ / "written.dbc";
-  } while (!std::filesystem::create_directory(folder_));
-  std::error_code ignored;
-  std::filesystem::permissions(folder_, std::filesystem::perms::owner_all, ignored);
-}
-
-TemporaryFile::~TemporaryFile() {
-  std::error_code ignored;
-  std::filesystem::remove(file_, ignored);
-  std::filesystem::remove(folder_, ignored);
+  for (int i = 0; !folder_ && !error; ++i) {
+    const std::string name =
+        i < kMostLeft ? fmt::format("zelk-{}", i) : fmt::format("zelk-{:08x}", random());
+    folder_ = files::HeldFolder::make(folder / name, error);
+  }
+  if (!error) return;
+  throw RequestError(fmt::format("not written: no file can be made in {}: {}",
+                                 escaped(folder.string()), error.message()));
 }
 
 void write_to(const std::string& path, const ZelkDatabase& d) {

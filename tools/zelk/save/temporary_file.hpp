@@ -4,26 +4,27 @@
 #ifndef ZELK_TOOL_SAVE_TEMPORARY_FILE_HPP
 #define ZELK_TOOL_SAVE_TEMPORARY_FILE_HPP
 
-#include <filesystem>
+#include <memory>
 #include <string>
 
+#include "files/held_folder.hpp"
 #include "zelk/database.hpp"
 
 namespace zelk::tool {
 
-/// A file in a new folder; the destructor removes both, also when memory has run out.
+/// A file in a folder of its own, which takes the place of what killed runs left; the destructor
+/// removes both, also when memory has run out.
 class TemporaryFile {
  public:
+  /// @throws RequestError when the system has no room for it
   TemporaryFile();
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
-  ~TemporaryFile();
 
-  std::string path() const { return file_.string(); }
+  std::string path() const { return (folder_->path() / "written.dbc").string(); }
 
  private:
-  std::filesystem::path folder_;
-  std::filesystem::path file_;
+  std::unique_ptr<files::HeldFolder> folder_;
 };
 
 /// Writes the file as `zelk_write` does, but for an empty line at its end.
