@@ -16,8 +16,12 @@ namespace zelk::tool {
 
 TemporaryFile::TemporaryFile() {
   constexpr int kMostLeft = 32;  // names that killed runs may have left: these are looked at
-  const std::filesystem::path folder = std::filesystem::temp_directory_path();
   std::error_code error;
+  const std::filesystem::path folder = std::filesystem::temp_directory_path(error);
+  if (error) {
+    throw RequestError("not written: there is no folder for temporary files (TMPDIR): " +
+                       error.message());
+  }
   std::random_device random;
   for (int i = 0; !folder_ && !error; ++i) {
     const std::string name =
