@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 
 #include "common/file.hpp"
 #include "common/records.hpp"
@@ -18,14 +19,47 @@ std::uint32_t digit(std::uint32_t unit) {
   return unit >= 'A' && unit <= 'F' ? unit - 'A' + 10 : 16;
 }
 
+/// What has no references between its beginning and its end.
+struct Literal {
+  std::string_view begin, end;
+};
+constexpr Literal kLiterals[] = {{"<!--", "-->"}, {"<![CDATA[", "]]>"}, {"<?", "?>"}};
+
+/// Whether a tag is open. A value of an attribute may have what ends a tag elsewhere.
+class OpenTag {
+ public:
+  explicit operator bool() const { return is_open_; }
+
+  void take(std::uint32_t unit) {
+    if (!is_open_) {
+      is_open_ = unit == '<';
+    } else if (quote_ != 0) {
+      if (unit == quote_) quote_ = 0;
+    } else if (unit == '"' || unit == '\'') {
+      quote_ = unit;
+    } else {
+      is_open_ = unit != '>';
+    }
+  }
+
+ private:
+  bool is_open_ = false;
+  std::uint32_t quote_ = 0;  // around the value
+};
+
 /// Finds the encoding that holds all texts, and texts that are broken.
 class EncodingChoice : public pugi::xml_tree_walker {
  public:
   explicit EncodingChoice(const Source& source) : source_(source) {}
 
   bool for_each(pugi::xml_node& node) override {
-    take(node.value(), node.type() == pugi::node_element ? node : node.parent());
-    for (const pugi::xml_attribute& attribute : node.attributes()) take(attribute.value(), node);
+    const pugi::xml_node element = node.type() == pugi::node_element ? node : node.parent();
+    check_name(node.name(), element);
+    take(node.value(), element);
+    for (const pugi::xml_attribute& attribute : node.attributes()) {
+      check_name(attribute.name(), element);
+      take(attribute.value(), element);
+    }
     return true;
   }
 
@@ -35,10 +69,15 @@ class EncodingChoice : public pugi::xml_tree_walker {
   }
 
  private:
+  /// Messages have names in them.
+  void check_name(std::string_view name, const pugi::xml_node& element) const {
+    if (!is_utf8(name)) throw Fault("a name is no UTF-8", source_.line(element));
+  }
+
   void take(std::string_view text, const pugi::xml_node& element) {
     if (!is_utf8(text)) {
-      throw Fault(std::string("a text of ") + element.name() + " is no UTF-8",
-                  source_.line(element));
+      const std::string owner = *element.name() ? std::string(" of ") + element.name() : "";
+      throw Fault("a text" + owner + " is no UTF-8", source_.line(element));
     }
     if (!all_windows_1252_) return;
     const std::optional<std::string> bytes = from_utf8(text, Encoding::kWindows1252);
@@ -56,6 +95,7 @@ class EncodingChoice : public pugi::xml_tree_walker {
 Source::Source(const char* path) : content_(read_file(path)) {
   parse();
   check_characters();
+  check_references();
   check_top_level();
   choose_encoding();
 }
@@ -121,9 +161,34 @@ void Source::parse() {
 void Source::check_characters() const {
   const std::size_t units = content_.size() / unit_size();
   for (std::size_t i = 0; i < units; ++i) {
-    const std::uint32_t each = unit(i);
-    if (each == 0) throw Fault("no well-formed XML: a NUL character", line_of_unit(i));
-    if (each == '&' && unit(i + 1) == '#') check_reference(i);
+    if (unit(i) == 0) throw Fault("no well-formed XML: a NUL character", line_of_unit(i));
+  }
+}
+
+void Source::check_references() const {
+  OpenTag tag;
+  for (std::size_t i = 0; unit(i) != 0; ++i) {
+    if (!tag) i = behind_literals(i);
+    if (unit(i) == '&' && unit(i + 1) == '#') check_reference(i);
+    tag.take(unit(i));
+  }
+}
+
+/// Where the comments, CDATA sections and instructions end that begin there.
+std::size_t Source::behind_literals(std::size_t index) const {
+  const auto is_at = [this, &index](std::string_view text) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+      if (unit(index + i) != static_cast<unsigned char>(text[i])) return false;
+    }
+    return true;
+  };
+  for (;;) {
+    const auto* const found = std::ranges::find_if(
+        kLiterals, [&](const Literal& literal) { return is_at(literal.begin); });
+    if (found == std::end(kLiterals)) return index;
+    index += found->begin.size();
+    while (unit(index) != 0 && !is_at(found->end)) ++index;
+    if (unit(index) != 0) index += found->end.size();
   }
 }
 

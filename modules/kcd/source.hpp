@@ -40,6 +40,8 @@ class Source {
 
   void parse();
   void check_characters() const;
+  void check_references() const;
+  std::size_t behind_literals(std::size_t index) const;
   void check_reference(std::size_t index) const;
   void check_top_level() const;
   void choose_encoding();

@@ -150,6 +150,9 @@ TEST(Kcd, ImportsWhatItCanSay) {
       {notes("\u03B1"), " BO_ 1 \"\u03B1\";"},
       {notes("\u00C3\u00A4"), " BO_ 1 \"\u00C3\u00A4\";"},
       {"<?xml version='1.0' encoding='ISO-8859-1'?>" + notes("\xE4"), " BO_ 1 \"\xE4\";"},
+      // Only texts and values have references.
+      {"<?r &#0; ?><!-- &#0; >\" --><!---->" + notes("<![CDATA[&#0;]]><!--&#0;--><![CDATA[]]>"),
+       " BO_ 1 \"&#0;\";"},
   };
   for (const auto& c : cases) EXPECT_THAT(imported(c.content), HasSubstr(c.statement));
 }
@@ -202,7 +205,12 @@ TEST(Kcd, RefusesFaultyFiles) {
       {"<!DOCTYPE a [<!ENTITY b \"c\">]><a/>", "a DOCTYPE with declarations"},
       {with_message("") + "<b/>", "line 5, no well-formed XML: b is a second root"},
       {with_message("\n&#0;"), "line 5, no well-formed XML: a reference to no character"},
+      {with_signal("a='>\"<!--' offset='&#1114112;'"), "line 4, no well-formed XML: a reference"},
+      {"<!---->" + with_message("<a b=\">'<![CDATA[\"/>&#x;"), "line 4, no well-formed XML: a ref"},
       {with_message("<Notes>\xE4</Notes>"), "line 4, a text of Notes is no UTF-8"},
+      {with_message("<V\xE4/>"), "line 4, a name is no UTF-8"},
+      {with_message("<V \xE4='1'/>"), "line 4, a name is no UTF-8"},
+      {"<!DOCTYPE \xE4>" + with_message(""), "line 1, a text is no UTF-8"},
       {with_message("", R"(id="0x800" name="M")"), "line 3, Message \"M\": id=\"0x800\" is no"},
       {with_message("", R"(id="1" name="INT")"),
        "line 3, Message \"INT\": name=\"INT\" is no name"},
