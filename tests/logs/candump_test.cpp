@@ -7,6 +7,7 @@
 
 #include "logs/forms/hex.hpp"
 #include "support/memory_stream.hpp"
+#include "zelk/logs/candump.hpp"
 
 namespace zelk::logs {
 namespace {
@@ -40,7 +41,33 @@ TEST(Candump, ReadsAllItsForms) {
        "1468059630000000000 123 0  can0 2016-07-09T12:20:30+02:00"},
       {"(2016-02-30 10:20:30) can0 123#", "- 123 0  can0 2016-02-30 10:20:30"},
       {"can0 123 [8] remote request", "- 123 8  can0"},
+      {"\t( 1.5)\tcan0\t123#R_9\t", "1500000000 123 8  can0 1.5"},
+      {"can0 123#R8_F", "- 123 8 0000000000000000 can0"},
+      {"can0 TX - E 123 [08] 0102030405060708", "1: can0 TX - E 123 [08] 0102030405060708"},
+      {"can0 TX - E 123 [01] 01", "- 123 37 01 can0"},
+      {"can0 20000004 [2] 00 01 ERRORFRAME", "- 80000004 16 0001 can0"},
       {"(1.5 can0 123#", "1: (1.5 can0 123#"},
+      {"() can0 123#", "1: () can0 123#"},
+      {"(1,5) can0 123#", "1: (1,5) can0 123#"},
+      {"(00000000000000000000000000000000000000001) 123#",
+       "1: (00000000000000000000000000000000000000001) 123#"},
+      {"can0 123#11 X", "1: can0 123#11 X"},
+      {"can0 12G#", "1: can0 12G#"},
+      {"can0 123#RG", "1: can0 123#RG"},
+      {"can0 123#1122334455667788_8", "1: can0 123#1122334455667788_8"},
+      {"can0 123#1122334455667788_", "1: can0 123#1122334455667788_"},
+      {"can0 123#1122334455667788_99", "1: can0 123#1122334455667788_99"},
+      {"can0 123#11_9", "1: can0 123#11_9"},
+      {"can0 123 [2] 01", "1: can0 123 [2] 01"},
+      {"can0 123 [1] 01 rest", "1: can0 123 [1] 01 rest"},
+      {"can0 123 [] 01", "1: can0 123 [] 01"},
+      {"can0 123 [001] 01", "1: can0 123 [001] 01"},
+      {"can0 123 (1] 01", "1: can0 123 (1] 01"},
+      {"can0 123 [1) 01", "1: can0 123 [1) 01"},
+      {"can0 123 [x] 01", "1: can0 123 [x] 01"},
+      {"can0 123 [65] 01", "1: can0 123 [65] 01"},
+      {"can0 RX B 123 [1] 01", "1: can0 RX B 123 [1] 01"},
+      {"can0 RX", "1: can0 RX"},
       {"can0 800#", "1: can0 800#"},
       {"can0 123#1", "1: can0 123#1"},
       {"can0 123#112233445566778899", "1: can0 123#112233445566778899"},
@@ -73,6 +100,19 @@ TEST(Candump, KeepsSumsInRange) {
                   "8812036854775807 1A0 0  c 1678-01-01 00:00:00",
                   "-9205747963145224193 1A0 0  c 1678-01-01 00:00:00",
                   "-9223372036854775807 1A0 0  c 1678-01-01 00:00:00"));
+}
+
+TEST(Candump, RefusesNamesThatAreTooLong) {
+  const std::string longest(kZelkLongestChannel, 'c');
+  EXPECT_THAT(parsed(longest + " 123#"), ElementsAre("- 123 0  " + longest));
+  EXPECT_THAT(parsed('c' + longest + " 123#"), ElementsAre(testing::StartsWith("1: ccc")));
+}
+
+// Logs that were put together go back as often as differences do, but stand far from zero.
+TEST(Candump, TakesLateTimesForPoints) {
+  EXPECT_THAT(parsed("(1436509052.5) c 1A0#\n(1436509051.5) c 1A0#\n"),
+              ElementsAre("1436509052500000000 1A0 0  c 1436509052.5",
+                          "1436509051500000000 1A0 0  c 1436509051.5"));
 }
 
 // A frame that was recorded late makes no differences of points in time.

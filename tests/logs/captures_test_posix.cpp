@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -57,19 +58,23 @@ std::string block(std::uint32_t type, const std::string& body) {
   return kLittle.number(type) + kLittle.number(size) + body + kLittle.number(size);
 }
 
-std::string interface_block(std::uint32_t link_type, const std::string& options = "") {
-  // Times of 10^-9 seconds.
-  return block(
-      1, kLittle.number(link_type, 2) + "\0\0\0\0\0\0"s + options + "\x9\0\1\0\x9\0\0\0\0\0\0\0"s);
+/// @param decimals  that times have, of seconds
+std::string interface_block(std::uint32_t link_type, const std::string& options = "",
+                            std::uint32_t decimals = 9) {
+  return block(1, kLittle.number(link_type, 2) + "\0\0\0\0\0\0"s + options + "\x9\0\1\0"s +
+                      kLittle.number(decimals) + "\0\0\0\0"s);
 }
 
 const std::string kSection =
     block(0x0A0D0D0A, "\x4D\x3C\x2B\x1A\1\0\0\0"s + std::string(8, '\xFF'));
 
-std::string enhanced_packet(std::uint32_t interface, const std::string& bytes) {
+std::string enhanced_packet(std::uint32_t interface, const std::string& bytes,
+                            std::uint64_t time = 77) {
   const auto size = static_cast<std::uint32_t>(bytes.size());
-  return block(6, kLittle.number(interface) + kLittle.number(0) + kLittle.number(77) +
-                      kLittle.number(size) + kLittle.number(size) + bytes);
+  return block(6, kLittle.number(interface) +
+                      kLittle.number(static_cast<std::uint32_t>(time >> 32)) +
+                      kLittle.number(static_cast<std::uint32_t>(time)) + kLittle.number(size) +
+                      kLittle.number(size) + bytes);
 }
 
 std::vector<std::string> parsed(const std::string& capture, std::size_t most = 1 << 20) {
@@ -147,6 +152,8 @@ TEST(Captures, GivesWhatStandsInFrontOfAFault) {
   }
   EXPECT_THAT(parsed(pcap(kLittle, kMicroseconds, 1) + packet(kLittle, 0, 1, can)),
               ElementsAre("log: the capture is not one of SocketCAN, but of Ethernet"));
+  EXPECT_THAT(parsed(pcap(kLittle, kMicroseconds, 4000)),
+              ElementsAre("log: the capture is not one of SocketCAN, but of link type 4000"));
 }
 
 TEST(Captures, EndsWithoutAFaultWhenItIsStopped) {
@@ -170,6 +177,16 @@ TEST(Captures, ReadsPcapng) {
   EXPECT_THAT(
       parsed(kSection + interface_block(227) + enhanced_packet(0, can) + interface_block(1)),
       ElementsAre("77 123 0 31", HasSubstr("log: an interface has a type 1 different")));
+}
+
+TEST(Captures, LeaveOutTimesBeyondTheRange) {
+  const std::string can = frame(kId123, 1, 0, "1", 8);
+  const std::string seconds = kSection + interface_block(227, "", 0);
+  for (const std::uint64_t time :
+       std::initializer_list<std::uint64_t>{9223372037, UINT64_MAX / 2, UINT64_MAX - 9223372037u})
+    EXPECT_THAT(parsed(seconds + enhanced_packet(0, can, time)), ElementsAre("- 123 0 31")) << time;
+  EXPECT_THAT(parsed(seconds + enhanced_packet(0, can, 9223372026)),
+              ElementsAre("9223372026000000000 123 0 31"));
 }
 
 }  // namespace

@@ -58,6 +58,10 @@ TEST(LogInput, IsUnpackedAndGivesWhatStandsInFrontOfAFault) {
        text + "{log: the data compressed with gzip is damaged}"},
       {kGzipHeader + "\0\5\0\xFA\xFF"s + "1A0#\n\x07",  // a block, and one of an unknown kind
        "1A0#\n{log: the data compressed with gzip is damaged}"},
+      // Faults that come while the first bytes of the text are looked at.
+      {kGzipHeader + "\0\2\0\xFD\xFF"s + "1A\x07",
+       "1A{log: the data compressed with gzip is damaged}"},
+      {kGzipHeader + "\x07", "{log: the data compressed with gzip is damaged}"},
       {kZstd, text},
       {kZstd + kZstd, text + text},
       {kZstdBegin, "1A0#\n{log: the data compressed with zstd ends in its midst}"},
@@ -72,6 +76,7 @@ TEST(LogInput, IsUnpackedAndGivesWhatStandsInFrontOfAFault) {
        "1#",
        "1#"},
       {kUtf16, "1#\n\xC3\xA4\xEF\xBF\xBD\xEF\xBF\xBD"},
+      {"\xFF\xFE\xFF\xDF\0\xE0"s, "\xEF\xBF\xBD\xEE\x80\x80"},
       {"\xFE\xFF\0"
        "1\0"s,
        "1"},

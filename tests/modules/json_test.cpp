@@ -99,7 +99,21 @@ TEST(Json, RefusesFaultyDocumentsAndTellsWhere) {
       {R"("nods":[]})", R"(the document: unknown key "nods")"},
       {R"("encoding":"latin1"})", R"(encoding: expected "utf-8" or "windows-1252")"},
       {R"("encoding":"windows-1252","comment":"Ω"})", "comment: a character that Windows-1252"},
+      {R"("encoding":1})", R"(encoding: expected "utf-8" or "windows-1252")"},
       {R"("comment":"a\u0000b"})", "comment: a NUL character"},
+      {R"("comment":1})", "comment: expected a text"},
+      {R"("nodes":{}})", "nodes: expected an array"},
+      {R"("nodes":["A"]})", "nodes[0]: expected an object"},
+      {R"("nodes":[{"name":"A","category":0}]})",
+       "nodes[0].category: expected a name, or a position below 0"},
+      {R"("nodes":[{"name":"A","category":-1}]})",
+       "nodes[0].category: expected a name, or a position below 0"},
+      {R"("signal_types":[{"name":"T","length":1,"factor":"1"}]})",
+       R"(signal_types[0].factor: expected a number, "inf", "-inf" or "nan")"},
+      {R"("signal_types":[{"name":"T","length":1,"value_type":"word"}]})",
+       R"(signal_types[0].value_type: expected ")"},
+      {R"("signal_types":[{"name":"T","length":1,"byte_order":1}]})",
+       R"(signal_types[0].byte_order: expected "intel" or "motorola")"},
       {R"("nodes":[{"name":"A"},{}]})", R"(nodes[1]: the key "name" is missing)"},
       {R"("value_tables":[{"name":"abcdefghijklmnopqrstuvwxyz0123456"}]})",
        "has more than 32 char"},
@@ -124,6 +138,9 @@ TEST(Json, RefusesFaultyDocumentsAndTellsWhere) {
   EXPECT_THAT(host.import("[]"), HasSubstr("the document: expected an object"));
   EXPECT_THAT(host.import(R"({"version":1})"), HasSubstr(R"(format: expected "zelk-json")"));
   EXPECT_THAT(host.import(R"({"format":"zelk-json","version":2})"), HasSubstr("version: expecte"));
+  EXPECT_THAT(host.import(R"({"format":1})"), HasSubstr(R"(format: expected "zelk-json")"));
+  EXPECT_THAT(host.import(R"({"format":"zelk-json"})"), HasSubstr("version: expecte"));
+  EXPECT_EQ(Host().import(R"({"format":"zelk-json","version":1.0})"), "");
   EXPECT_EQ(host.import(std::string("\xEF\xBB\xBF") + kHead + "\"nodes\":[]}"), "");
 }
 
