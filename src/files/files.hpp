@@ -47,12 +47,14 @@ enum class Content {
 /// Creates or empties a file for writing, without a buffer of the stream's own.
 ///
 /// @return null when the file cannot be opened for writing
+/// @throws std::bad_alloc
 File open_for_writing(const char* path, Content content = Content::kText);
 
 /// Opens a file for writing bytes behind those that it has, or creates it; without a buffer of the
 /// stream's own.
 ///
 /// @return null when the file cannot be opened for writing
+/// @throws std::bad_alloc
 File open_for_appending(const char* path);
 
 /// All bytes of a file.

@@ -1,5 +1,7 @@
 #include <fcntl.h>
 
+#include <cerrno>
+#include <new>
 #include <utility>
 
 #include "files/descriptor_posix.hpp"
@@ -26,14 +28,22 @@ Descriptor open_whole(const char* path) {
   return copy ? std::move(copy) : std::move(file);
 }
 
+/// A stream without a buffer of its own; null when the system has given none.
+///
+/// @throws std::bad_alloc: a stream takes memory, too
+File unbuffered(std::FILE* stream) {
+  File file(stream);
+  if (!file && errno == ENOMEM) throw std::bad_alloc();
+  if (file) std::setvbuf(file.get(), nullptr, _IONBF, 0);
+  return file;
+}
+
 }  // namespace
 
 File open_for_reading(const char* path) try {
   Descriptor own = open_whole(path);
-  File file(own ? fdopen(own.get(), "rb") : nullptr);
-  if (!file) return nullptr;
-  own.release();
-  std::setvbuf(file.get(), nullptr, _IONBF, 0);
+  File file = unbuffered(own ? fdopen(own.get(), "rb") : nullptr);
+  if (file) own.release();
   return file;
 } catch (const SaveFailure&) {
   return nullptr;  // a call of the system has failed: `errno` says why
@@ -47,15 +57,9 @@ bool has_unended_write(const char* path) try {
 }
 
 File open_for_writing(const char* path, Content /*line ends are line feeds*/) {
-  File file(std::fopen(path, "we"));
-  if (file) std::setvbuf(file.get(), nullptr, _IONBF, 0);
-  return file;
+  return unbuffered(std::fopen(path, "we"));
 }
 
-File open_for_appending(const char* path) {
-  File file(std::fopen(path, "ae"));
-  if (file) std::setvbuf(file.get(), nullptr, _IONBF, 0);
-  return file;
-}
+File open_for_appending(const char* path) { return unbuffered(std::fopen(path, "ae")); }
 
 }  // namespace zelk::files

@@ -2,6 +2,7 @@
 #include <io.h>
 
 #include <cerrno>
+#include <new>
 #include <utility>
 
 #include "files/files.hpp"
@@ -13,12 +14,21 @@ namespace zelk::files {
 
 namespace {
 
+/// A stream without a buffer of its own; null when the system has given none.
+///
+/// @throws std::bad_alloc: a stream takes memory, too
+File unbuffered(std::FILE* stream) {
+  File file(stream);
+  if (!file && errno == ENOMEM) throw std::bad_alloc();
+  if (file) std::setvbuf(file.get(), nullptr, _IONBF, 0);
+  return file;
+}
+
 /// Null for a path that does not exist: an empty one must not become the working folder.
 File open_file(const char* path, const wchar_t* mode) {
   const std::wstring name = system_path(path);
-  File file(name.empty() ? nullptr : _wfopen(name.c_str(), mode));
-  if (file) std::setvbuf(file.get(), nullptr, _IONBF, 0);
-  return file;
+  errno = ENOENT;
+  return unbuffered(name.empty() ? nullptr : _wfopen(name.c_str(), mode));
 }
 
 /// A stream that closes the handle.
@@ -27,10 +37,9 @@ File stream_of(Handle handle) {
       _open_osfhandle(reinterpret_cast<intptr_t>(handle.get()), _O_BINARY | _O_RDONLY);
   if (number < 0) return nullptr;
   handle.release();
-  File file(_fdopen(number, "rb"));
-  if (!file) _close(number);
-  if (file) std::setvbuf(file.get(), nullptr, _IONBF, 0);
-  return file;
+  std::FILE* const stream = _fdopen(number, "rb");
+  if (!stream) _close(number);
+  return unbuffered(stream);
 }
 
 }  // namespace
