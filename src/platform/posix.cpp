@@ -12,8 +12,10 @@
 #include <cwchar>
 #include <filesystem>
 #include <mutex>
+#include <new>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "base/compiler.hpp"
@@ -35,9 +37,12 @@ bool begins_character(char byte) {
 }
 
 /// Empty when the working folder is gone.
+///
+/// @throws std::bad_alloc: a file that has no absolute path is found by nobody
 std::filesystem::path absolute_path(const char* path) {
   std::error_code error;
   std::filesystem::path absolute = std::filesystem::absolute(path, error);
+  if (error == std::errc::not_enough_memory) throw std::bad_alloc();
   return error ? std::filesystem::path() : absolute;
 }
 
