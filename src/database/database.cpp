@@ -16,6 +16,18 @@
 #include "model/without_raising.hpp"
 #include "reader/read.hpp"
 
+namespace {
+
+/// `Clear`, which leaves the user data empty: no later exhaustion of memory can make it null.
+void clear_for_new_content(ZelkDatabase& database) {
+  zelk::OwnedText user_data(std::exchange(database.user_data, nullptr));
+  database.Clear();
+  if (user_data) *user_data = '\0';
+  zelk::assign_text(database.user_data, std::move(user_data));
+}
+
+}  // namespace
+
 ZelkDatabase::ZelkDatabase() { zelk::assign_text(user_data, zelk::copy_text("")); }
 
 ZelkDatabase::ZelkDatabase(const char* file) : ZelkDatabase() {
@@ -34,7 +46,7 @@ ZelkDatabase::ZelkDatabase(const ZelkDatabase& other) : ZelkDatabase() {
 ZelkDatabase& ZelkDatabase::operator=(const ZelkDatabase& other) {
   if (this == &other) return *this;
   const std::uint8_t own_symbols_shortened = symbols_shortened;
-  Clear();
+  clear_for_new_content(*this);
   CopyFrom(other);
   symbols_shortened = own_symbols_shortened;
   return *this;
@@ -120,10 +132,10 @@ bool ZelkDatabase::IsPathEqual(const char* file) const {
 
 ZelkError ZelkDatabase::ReopenDatabaseFile() {
   if (!path) return ZelkErrorFileNotFound;
-  Clear();
+  clear_for_new_content(*this);
   is_incomplete_ = true;
   return zelk::without_raising(ZelkErrorNoDatabase, [this] {
-    zelk::assign_text(user_data, zelk::copy_text(""));
+    if (!user_data) zelk::assign_text(user_data, zelk::copy_text(""));
     ReadFile();
     return ZelkErrorOk;
   });
