@@ -7,6 +7,7 @@
 
 #include "base/attribute_text.hpp"
 #include "base/characters.hpp"
+#include "model/errors.hpp"
 #include "model/inline_name.hpp"
 #include "zelk/database.hpp"
 #include "zelk/library.h"
@@ -68,7 +69,11 @@ char* ZelkDatabase::GetDefaultName() const {
   const auto own = zelk::own_name(*this);
   const std::string_view source = own ? *own : zelk::file_stem(path ? path : "");
   auto* const name = static_cast<char*>(zelk_malloc(zelk::kNameMax + 1));
-  if (name) zelk::clean_name(name, source);
+  if (name) {
+    zelk::clean_name(name, source);
+  } else {
+    zelk_note(ZELK_ERR_MEMORY, zelk::kNoLine, nullptr);
+  }
   return name;
 }
 

@@ -88,7 +88,10 @@ ZelkError ZelkManager::OpenAssigned(const char* path, const char** name, const c
   auto give_back = [this](ZelkDatabase* unlisted) { ReleaseDatabase(*unlisted, false); };
   std::unique_ptr<ZelkDatabase, decltype(give_back)> database(&AssignDatabase(path), give_back);
   const zelk::OwnedText default_name(wanted_name ? nullptr : database->GetDefaultName());
-  if (!wanted_name && !default_name) throw std::bad_alloc();
+  if (!wanted_name && !default_name) {
+    KeepErrorText();
+    return ZelkErrorNoDatabase;
+  }
   if (!wanted_name && ListFindName(default_name.get())) return ZelkErrorNameUsed;
   const zelk::ProcessGuard guard;
   if (IsWrittenByOtherThread(path)) return ZelkErrorOpenForWrite;

@@ -59,7 +59,7 @@ const char* ZelkManager::GetDatabaseName(const char* path) {
     ZelkDatabase& database = AssignDatabase(path);
     name = database.GetDefaultName();
     ReleaseDatabase(database, true);
-    return true;
+    return name != nullptr;
   });
   status_ = is_found ? ZelkStatusOk : ZelkStatusNotFound;
   return name;
