@@ -43,9 +43,11 @@ class ZELK_API ZelkWriteManager : public ZelkManager {
   bool LockAllDatabases(const char* reason) override;
   /// `ZelkErrorOpenForWrite` when any write manager has the file open, this one included; else
   /// `ZelkErrorOk`. Of managers that another thread uses only the write managers count,
-  /// and their `OwnsDatabaseForWrite` is not called.
+  /// and their `OwnsDatabaseForWrite` is not called. Without memory to compare paths
+  /// `ZelkErrorOpenForWrite`.
   ZelkError CheckForWriteOpen(const char* path) const override;
-  /// Whether one of this manager's databases is that of the file (`ZelkDatabase::IsPathEqual`).
+  /// Whether one of this manager's databases is that of the file (`ZelkDatabase::IsPathEqual`);
+  /// true without memory to compare paths.
   bool OwnsDatabaseForWrite(const char* path) const override;
 
   // --- Whole databases ---

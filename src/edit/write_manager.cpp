@@ -31,11 +31,13 @@ bool ZelkWriteManager::LockAllDatabases(const char* reason) {
 }
 
 ZelkError ZelkWriteManager::CheckForWriteOpen(const char* path) const {
-  const zelk::ProcessGuard guard;
-  const bool is_owned = zelk::find_first(GetManagersList(), [path](const ZelkManagerNode& node) {
-    return OwnsForWrite(node.manager, path);
+  return zelk::without_raising(ZelkErrorOpenForWrite, [path] {
+    const zelk::ProcessGuard guard;
+    const bool is_owned = zelk::find_first(GetManagersList(), [path](const ZelkManagerNode& node) {
+      return OwnsForWrite(node.manager, path);
+    });
+    return is_owned ? ZelkErrorOpenForWrite : ZelkErrorOk;
   });
-  return is_owned ? ZelkErrorOpenForWrite : ZelkErrorOk;
 }
 
 bool ZelkWriteManager::OwnsDatabaseForWrite(const char* path) const {
