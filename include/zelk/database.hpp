@@ -132,7 +132,9 @@ class ZELK_API ZelkDatabase {
   /// when the own file exists although it did not when it became that, and this database has not
   /// written it since; `ZelkErrorReadOnly`; `ZelkErrorNotWritten`, when names were shortened on
   /// reading (`ZELK_ERR_SHORTENED`), the database was not read or copied whole (`ZELK_ERR_WRITE`),
-  /// or the file could not be written, with the reason in the error text; or `ZelkErrorOk`
+  /// or the file could not be written, with the reason in the error text; or `ZelkErrorOk`, also
+  /// when memory ran out for the other instance (`ZELK_ERR_MEMORY` in the error text), which then
+  /// lacks a list and refuses to be written
   ZelkError Write(const char* file);
 
   /// Copies this database over the other instance of the same file in the process's list; does
