@@ -32,7 +32,8 @@ std::vector<std::size_t> sizes(const ZelkDatabase& d) {
   auto sizes =
       lengths(d.attr_defs, d.attr_values, d.categories, d.value_tables, d.signal_types, d.nodes,
               d.messages, d.env_vars, d.bit_timings, d.filter.nodes, d.filter.categories);
-  for (const char* text : {d.user_data, d.comment, d.path}) sizes.push_back(text ? 1 : 0);
+  for (const char* text : {d.user_data, d.comment, d.path})
+    sizes.push_back(text ? std::string_view(text).size() : 0);
   return sizes;
 }
 
