@@ -133,6 +133,8 @@ TEST(Captures, ReadsFramesBehindHeadersOfInterfaces) {
                        packet(order, 0, 2, "\0\x0D\0\0\0\0\0\7\1\x18\0\0"s + address + fd) +
                        packet(order, 0, 3, "\0\x0C\0\0\0\0\0\3\1\x18\4\0"s + address + "\0\0\0"s)),
                 ElementsAre("1000 123 32 31 3", "2000 123 3 31 7", HasSubstr("3: 000C0000")));
+    EXPECT_THAT(parsed(pcap(order, kMicroseconds, 276) + packet(order, 0, 1, "\0\x0C\0"s)),
+                ElementsAre("1: 000C00"));
   }
 }
 
@@ -156,6 +158,28 @@ TEST(Captures, GivesWhatStandsInFrontOfAFault) {
               ElementsAre("log: the capture is not one of SocketCAN, but of link type 4000"));
 }
 
+// What the bytes are read from fails beneath the library that reads captures.
+TEST(Captures, GivesWhatStandsInFrontOfDamage) {
+  const std::string capture =
+      pcap(kLittle, kMicroseconds, 227) + packet(kLittle, 0, 1, frame(kId123, 1, 0, "1", 8));
+  for (const std::size_t size : {std::size_t{20}, capture.size(), capture.size() - 1}) {
+    const auto length = static_cast<std::uint32_t>(size);
+    const std::string packed = "\x1F\x8B\x08\0\0\0\0\0\0\x03\0"s + kLittle.number(length, 2) +
+                               kLittle.number(~length, 2) + capture.substr(0, size) + "\x07";
+    auto stream = decompressed(std::make_unique<MemoryStream>(packed), "log");
+    std::vector<std::string> result;
+    try {
+      result =
+          parsed(*open_capture({std::make_unique<PeekedStream>(std::move(stream)), "log", {}}));
+    } catch (const ZelkLogError& error) {
+      result = {error.what()};
+    }
+    std::vector<std::string> expected = {"log: the data compressed with gzip is damaged"};
+    if (size == capture.size()) expected.insert(expected.begin(), "1000 123 0 31");
+    EXPECT_EQ(result, expected) << size;
+  }
+}
+
 TEST(Captures, EndsWithoutAFaultWhenItIsStopped) {
   const std::atomic<bool> stop = true;
   LogInput input = memory_input(pcap(kLittle, kMicroseconds, 227) + "\0\0"s);
@@ -177,6 +201,29 @@ TEST(Captures, ReadsPcapng) {
   EXPECT_THAT(
       parsed(kSection + interface_block(227) + enhanced_packet(0, can) + interface_block(1)),
       ElementsAre("77 123 0 31", HasSubstr("log: an interface has a type 1 different")));
+}
+
+TEST(Captures, ReadsPcapngOfBigMachines) {
+  const auto big = [](std::uint32_t type, const std::string& body) {
+    const auto size = kBig.number(static_cast<std::uint32_t>(body.size() + 12));
+    return kBig.number(type) + size + body + size;
+  };
+  const auto option = [](std::uint32_t code, std::uint32_t size, const std::string& value) {
+    return kBig.number(code, 2) + kBig.number(size, 2) + value;
+  };
+  const std::string can = frame(kId123, 1, 0, "1", 8);
+  const std::string name(100, 'n');
+  const std::string head = kBig.number(227, 2) + std::string(6, '\0') + option(9, 1, "\x9\0\0\0"s);
+  const std::string sizes = kBig.number(16) + kBig.number(16);
+  const std::string time = kBig.number(0) + kBig.number(77);
+  const std::string capture = big(0x0A0D0D0A, kBig.number(0x1A2B3C4D) + kBig.number(1, 2) +
+                                                  kBig.number(0, 2) + std::string(8, '\xFF')) +
+                              big(1, head + option(2, 100, name)) +
+                              big(1, head + option(2, 4, "a\x7F b")) +
+                              big(2, kBig.number(1, 2) + kBig.number(0, 2) + time + sizes + can) +
+                              big(6, kBig.number(0) + time + sizes + can);
+  EXPECT_THAT(parsed(capture),
+              ElementsAre("77 123 0 31 a__b", "77 123 0 31 " + name.substr(0, 64)));
 }
 
 TEST(Captures, LeaveOutTimesBeyondTheRange) {

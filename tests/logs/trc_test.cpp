@@ -44,6 +44,16 @@ TEST(Trc, ReadsVersionsBelow2) {
       {"    10)      1842      0001  1  0g", "3:     10)      1842      0001  1  0g"},
       {"    11)      1842      0001", "3:     11)      1842      0001"},
       {" \t", ""},
+      {"x)         1      0001  0", "3: x)         1      0001  0"},
+      {"1))         1      0001  0", "3: 1))         1      0001  0"},
+      {"1) 1234567890123      0001  0", "3: 1) 1234567890123      0001  0"},
+      {"1)         1.      0001  0", "3: 1)         1.      0001  0"},
+      {"1)         1      00g1  0", "3: 1)         1      00g1  0"},
+      {"1)         1      0001  1x FF", "3: 1)         1      0001  1x FF"},
+      {"1)         1      0001  1  RTX", "3: 1)         1      0001  1  RTX"},
+      {"1)         1      0001  2  00  1", "3: 1)         1      0001  2  00  1"},
+      {"1)         1      0001  2  00FF", "3: 1)         1      0001  2  00FF"},
+      {"1)         1      0001  2   00\tFF", "1000000 1 0 00FF"},
   };
   expect_lines(";##########\r\n;   a.trc\r\n", kVersion10);
   constexpr Case kVersion11[] = {
@@ -69,6 +79,9 @@ TEST(Trc, ReadsVersionsFrom2OnByTheirColumns) {
       {"1 1.0 RR 0300 Rx 8", "1000000 300 8 0000000000000000"},
       {"1 1.0 ER          Rx    04 00 02 00 00", "1000000 80000008 16 0000040000000000"},
       {"1 1.0 ER", "1000000 80000008 16 0000000000000000"},
+      {"1 1.0 ER Rx 0g 00 02 00 00", "1000000 80000008 16 0000000000000000"},
+      {"1 1.0 ER Rxx04 00 02 00 00", "1000000 80000008 16 0000000000000000"},
+      {"1 1.0 ER Rx 04x00 02 00 00", "1000000 80000008 16 0000000000000000"},
       {"1 1.0 ST          Rx    00 00 00 08", ""},
       {"1 1.0 EC          Rx    02 02", ""},
       {"1 1.0 EV User-defined text", ""},
@@ -85,6 +98,9 @@ TEST(Trc, ReadsVersionsFrom2OnByTheirColumns) {
       {"1 1.0 BI 1 0300 Rx - 1 FF", "1000000 300 7 FF 1"},
       {"1 1.0 DT 1 0300 Rx - 15 01 02 03 04 05 06 07 08", "1000000 300 0 0102030405060708 1"},
       {"1 1.0 DT 1 0300 Rx - 16", "3: 1 1.0 DT 1 0300 Rx - 16"},
+      {"1 1.0 DT 1 0300 Rx - x", "3: 1 1.0 DT 1 0300 Rx - x"},
+      {"1 1.0 DT 1 0300 Rx - 1x FF", "3: 1 1.0 DT 1 0300 Rx - 1x FF"},
+      {"1 1.0 FDX 1 0300 Rx - 0", "3: 1 1.0 FDX 1 0300 Rx - 0"},
   };
   expect_lines(";$FILEVERSION=2.1\n;$COLUMNS=N,O,T,B,I,d,R,L,D\n", kCodes);
   constexpr Case kFew[] = {{"0300 1 FF", "- 300 0 FF"}};
@@ -105,6 +121,16 @@ TEST(Trc, ReadsHeads) {
       {";$STARTTIME=40477,5",
        "log:2: \";$STARTTIME=40477,5\" is no number of days since 1899-12-30"},
       {";$STARTTIME=1e9", "log:2: \";$STARTTIME=1e9\" is no number of days since 1899-12-30"},
+      {";$STARTTIME=-1", "log:2: \";$STARTTIME=-1\" is no number of days since 1899-12-30"},
+      {";$STARTTIME=118070", "log:2: \";$STARTTIME=118070\" is no number of days since 1899-12-30"},
+      {";$STARTTIME=", "log:2: \";$STARTTIME=\" is no number of days since 1899-12-30"},
+      {";$STARTTIME", "1000 300 0"},
+      {";$OTHER=1", "1000 300 0"},
+      {";$COLUMNS=I;l;D", "log:2: \";$COLUMNS=I;l;D\" has an unknown column"},
+      {";$COLUMNS=l,D",
+       "log:2: \";$COLUMNS=l,D\" lacks the columns of identifier, length and, at its end, data"},
+      {";$COLUMNS=I,D,l",
+       "log:2: \";$COLUMNS=I,D,l\" lacks the columns of identifier, length and, at its end, data"},
       {";$FILEVERSION=3.0",
        "log:2: \";$FILEVERSION=3.0\" is no known version, 1.0 to 1.3, 2.0 or 2.1"},
       {";$COLUMNS=I,d,D",

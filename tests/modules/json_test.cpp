@@ -37,7 +37,7 @@ TEST(Json, KeepsEveryByteOfADbcFile) {
 
 /// In the form of an export but for the blanks: all that no DBC file can hold.
 constexpr char kBeyondDbc[] = R"({"format":"zelk-json","version":1,"encoding":"utf-8",
-"version_text":"","comment":"",
+"version_text":"","comment":"\u0001\u001f",
 "attribute_definitions":[{"name":"A","object_type":"node","value_type":"enum"},
 {"name":"A","object_type":"node","value_type":"string","maximum":"inf"},
 {"name":"A","object_type":77,"value_type":9,"minimum":"-inf","maximum":-0.0,"default":"nan"}],

@@ -141,6 +141,11 @@ TEST(Kcd, ImportsWhatItCanSay) {
       {with_message("", "id='0x1F' name='M' triggered='false'"), "BU_: A\nBO_ 31 M: 0 Ostrel"},
       {with_message("", "id='1' name='M' remote='true'"), "left out: 1 remote attribute of Mess"},
       {with_message("<VAR/><VAR/>"), "left out: 2 VAR elements in Message\n"},
+      {with_message("text"), "left out: 1 text in Message\n"},
+      {with_message("<Multiplex name='X' offset='0'><MuxGroup count='1'/></Multiplex>"),
+       "left out: 1 MuxGroup element without signals\n"},
+      {with_message("", "id='0X1f' name='M' xml:lang='en' xsi:a='b' xmlns:q='r'"), "BO_ 31 M: 0"},
+      {with_signal("offset='0'", "<Value max='+1' min=' -1 '/>"), "(1,0) [-1|1]"},
       {with_signal("offset='17' length=' 3 '"), "M: 3 Ostrel__XXX\n SG_ S : 17|3@1+"},
       {with_signal("offset='0'", "<Value type='single' slope='+2.5e-1'/>"), "@1- (0.25,0) [0|0]"},
       {with_signal("offset='0'", "<LabelSet><LabelGroup name='g' from='2' to='3'/></LabelSet>"),
@@ -155,6 +160,54 @@ TEST(Kcd, ImportsWhatItCanSay) {
        " BO_ 1 \"&#0;\";"},
   };
   for (const auto& c : cases) EXPECT_THAT(imported(c.content), HasSubstr(c.statement));
+  std::string kinds;
+  for (int i = 0; i < 120; ++i) kinds += "<a" + std::to_string(i) + "/>";
+  EXPECT_THAT(imported(with_message(kinds)), HasSubstr("left out: 20 things besides\n"));
+}
+
+/// In units of so many bytes, each "@" as characters of one, two, three and four bytes in UTF-8.
+std::string encoded(const std::string& text, std::size_t size, bool is_big) {
+  std::u32string characters(1, U'\uFEFF');
+  for (const char c : text) {
+    if (c == '@') {
+      characters += U"a\u00E4\u20AC\U0001F600";
+    } else {
+      characters += static_cast<unsigned char>(c);
+    }
+  }
+  std::string bytes;
+  const auto put = [&](std::uint32_t unit) {
+    for (std::size_t i = 0; i < size; ++i)
+      bytes += static_cast<char>(unit >> (8 * (is_big ? size - 1 - i : i)));
+  };
+  for (const std::uint32_t c : characters) {
+    const bool is_pair = size == 2 && c > 0xFFFF;
+    if (is_pair) put(0xD7C0 + (c >> 10));
+    put(is_pair ? 0xDC00 + (c & 0x3FF) : c);
+  }
+  return bytes;
+}
+
+// Offsets of the parser are those of the file in UTF-8.
+TEST(Kcd, TellsLinesInAllEncodings) {
+  std::string notes = "<Notes>";
+  for (int i = 0; i < 100; ++i) notes += '@';
+  notes += "</Notes>\n";
+  const std::string missing = with_message(notes + "<Signal/>\n\n\n\n");
+  const std::string damaged = with_message(notes + "</Signal>\n\n\n\n");
+  const std::string reference = with_message(notes + "&#x0;\n\n\n\n");
+  for (const std::size_t size : {2, 4}) {
+    for (const bool is_big : {false, true}) {
+      EXPECT_THAT(imported(encoded(missing, size, is_big)), HasSubstr("line 5, Signal in Message"));
+      EXPECT_THAT(imported(encoded(damaged, size, is_big)),
+                  HasSubstr("line 5, no well-formed XML"));
+      EXPECT_THAT(imported(encoded(reference, size, is_big)), HasSubstr("line 5, no well-formed"));
+    }
+  }
+  const std::string latin =
+      "<?xml version='1.0' encoding='ISO-8859-1'?>" +
+      with_message("<Notes>" + std::string(100, '\xE4') + "</Notes>\n<Signal/>\n\n\n\n");
+  EXPECT_THAT(imported(latin), HasSubstr("line 5, Signal in Message"));
 }
 
 constexpr char kDatabase[] = R"(BS_:
@@ -197,11 +250,20 @@ TEST(Kcd, RefusesFaultyFiles) {
   const std::string kAgain = R"(</MuxGroup><MuxGroup count="1">)";
   const std::string kEnd = "</MuxGroup></Multiplex>";
   const std::string kS = R"(<Signal name="S" offset="1"/>)";
+  const auto with_nodes = [](const std::string& nodes) {
+    return kHead + nodes + "<Bus name='b'/></NetworkDefinition>";
+  };
   const struct {
     std::string content;
     const char* error;  ///< behind "database: "
   } cases[] = {
       {"<a/>", "line 1, a: the root is not NetworkDefinition"},
+      {"<NetworkDefinition xmlns='a'/>", "NetworkDefinition: xmlns=\"a\" is not \"http://"},
+      {"<NetworkDefinition/>", "NetworkDefinition: there is no Bus"},
+      {with_nodes("<Node id='1' name='A'/><Node id='1' name='B'/>"),
+       "another node has the id \"1\""},
+      {with_nodes("<Node id='1' name='A'/><Node id='2' name='A'/>"), "another node has this name"},
+      {with_message(std::string(1, '\0')), "no well-formed XML"},
       {"<!DOCTYPE a [<!ENTITY b \"c\">]><a/>", "a DOCTYPE with declarations"},
       {with_message("") + "<b/>", "line 5, no well-formed XML: b is a second root"},
       {with_message("\n&#0;"), "line 5, no well-formed XML: a reference to no character"},
@@ -215,14 +277,37 @@ TEST(Kcd, RefusesFaultyFiles) {
       {with_message("", R"(id="1" name="INT")"),
        "line 3, Message \"INT\": name=\"INT\" is no name"},
       {with_message("<Producer><NodeRef id='2'/></Producer>"), "no node has the id \"2\""},
+      {with_message("", "id='1' name='M' format='long'"),
+       "format=\"long\" is neither standard nor"},
+      {with_message("", "id='1' id='2' name='M'"), "attribute \"id\" comes twice"},
+      {with_message("", "id='1' name='M' length='65'"),
+       "length=\"65\" is no whole number from 0 to"},
+      {with_message("<Notes/><Notes/>"), "Message \"M\": Notes comes twice"},
       {with_message("</Message><Message id='0x1' name='N'>"), "another message has this id"},
       {with_signal("length='8'"),
        "line 4, Signal \"S\" in Message \"M\": attribute \"offset\" is missing"},
+      {with_signal("offset='0x'"), "offset=\"0x\" is no whole number from 0 to 511"},
+      {with_signal("offset='0x-1'"), "offset=\"0x-1\" is no whole number"},
+      {with_signal("offset='+-1'"), "offset=\"+-1\" is no whole number"},
+      {with_signal("offset='1 1'"), "offset=\"1 1\" is no whole number"},
+      {with_signal("offset='-1'"), "offset=\"-1\" is no whole number"},
+      {with_signal("offset='512'"), "offset=\"512\" is no whole number"},
+      {with_signal("offset='0' length='0'"), "length=\"0\" is no whole number from 1 to 512"},
+      {with_signal("offset='0' endianess='middle'"), "\"middle\" is neither little nor big"},
+      {with_signal("offset='0'", "<Value type='text'/>"),
+       "type=\"text\" is none of unsigned, signed"},
+      {with_signal("offset='0'", "<Value slope='nan'/>"), "slope=\"nan\" is no number"},
+      {with_signal("offset='0'", "<Value slope='1x'/>"), "slope=\"1x\" is no number"},
+      {with_signal("offset='0'", "<Value unit='" + std::string(33, 'u') + "'/>"),
+       "has more than 32 characters"},
       {with_signal("offset='504' length='9' endianess='big'"), "ends behind byte 64"},
       {with_signal("offset='0'", "<Value slope='1e999'/>"),
        "Value in Signal \"S\" in Message \"M\": slope=\"1e999\" is no number, or out of range"},
       {with_signal("offset='0'", "<LabelSet><LabelGroup name='' from='0' to='256'/></LabelSet>"),
        "from 0 to 256 are more than 256 values"},
+      {with_signal("offset='0'", "<LabelSet><LabelGroup name='' from='2' to='1'/></LabelSet>"),
+       "to=\"1\" is no whole number from 2 to 4294967295"},
+      {with_message(kS + kGroups + kS + kEnd), "another signal of the message has this name"},
       {with_message(kS + kS), "another signal of the message has this name"},
       {with_message(kGroups + "<Multiplex/>" + kEnd), "a Multiplex in a Multiplex"},
       {with_message(kGroups + kS + kAgain + kS + kEnd), "the signal comes twice for count 1"},
@@ -262,6 +347,21 @@ TEST(Kcd, LeavesOutWhatItCannotHold) {
        "X Mux"},
       {[](msgblk& m) { signal_of(m, kX).mux_signal = nullptr; }, "a multiplexor that is not", "X"},
       {[](msgblk& m) { signal_of(m, kX).mux_ranges->low = 9; }, "", ""},  // 5 is left
+      {[](msgblk& m) {
+         signal_of(m, kX).mux_ranges->low = 9;
+         signal_of(m, kX).mux_ranges->next->low = 9;
+       },
+       "1 signal selected by no value", "X"},
+      {[](msgblk& m) { signal_of(m, kPlain).receivers->node = nullptr; }, "1 reference to no node",
+       ""},
+      {[](msgblk& m) { signal_of(m, kD).value_type = ZELK_VALUE_IEEE_SINGLE; }, "type=\"single\"",
+       ""},
+      {[](msgblk& m) { signal_of(m, kD).value_type = 7; }, "1 unknown value type", ""},
+      {[](msgblk& m) {
+         signal_of(m, kD).value_type = ZELK_VALUE_IEEE_DOUBLE;
+         signal_of(m, kD).flags = 0;
+       },
+       "1 plus sign of IEEE signals", ""},
       {[](msgblk& m) { signal_of(m, kX).mux_ranges->high = UINT32_MAX; }, "by more than 256", "X"},
       {[](msgblk& m) { signal_of(m, kMux).mux_signal = &signal_of(m, kD); },
        "1 selection of a multiplexor by another one", ""},
@@ -297,6 +397,8 @@ TEST(Kcd, ChoosesABus) {
       {buses(m, m), "b", kTaken},
       {buses(m, ""), "b", "left out: 2 Node elements of other buses\nBU_:\nBA_DEF_"},
       {buses(m, m), "", "the option has to name one of the buses \"a\", \"b\""},
+      {buses(m, m).replace(buses(m, m).find("\"b\""), 3, "\"a\""), "a",
+       "more than one bus is named \"a\"; the buses are \"a\", \"a\""},
       {buses(m, m), "c", "no bus is named \"c\"; the buses are \"a\", \"b\""},
   };
   for (const auto& c : cases) {
