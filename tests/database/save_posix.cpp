@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <functional>
 
 #include "database/own_database.hpp"
 #include "files/files.hpp"
@@ -244,6 +245,41 @@ TEST_F(SavePosix, SeveralFilesAtOnce) {
       {{folder_.write("1", "x"), folder / "a"}, {folder_.write("2", "x"), folder_.path("d")}}, {});
   EXPECT_EQ(failed ? failed->reason : "", "Is a directory");
   EXPECT_EQ(content_of(folder / "a"), "one") << "no place is taken";
+}
+
+TEST_F(SavePosix, ToAFileThatIsAnotherMeanwhile) {
+  const std::string other = folder_.path("other");
+  const struct {
+    const char* name;
+    bool is_linked;
+    std::function<void()> change;
+    const char *failure, *content, *names;
+  } cases[] = {
+      {"removed", false, [&] { fs::remove(path_); }, "", "new", "a.dbc "},
+      {"replaced", false, [&] { fs::rename(folder_.write("x", "x"), path_); }, "", "new", "a.dbc "},
+      {"a folder", false, [&] { fs::remove(path_), fs::create_directory(path_); },
+       "it cannot be replaced: Is a directory", "", "a.dbc "},
+      {"a second name", false, [&] { fs::create_hard_link(path_, other); }, "", "new",
+       "a.dbc other "},
+      {"a second name, replaced", true, [&] { fs::rename(folder_.write("x", "x"), path_); }, "",
+       "new", "a.dbc other "},
+      {"a second name, one left", true, [&] { fs::remove(other); }, "", "new", "a.dbc "},
+  };
+  for (const auto& c : cases) {
+    fs::remove_all(path_), fs::remove(other);
+    folder_.write("a.dbc", "old");
+    if (c.is_linked) fs::create_hard_link(path_, other);
+    {
+      zelk::files::Replacement file(path_.c_str());
+      c.change();
+      ASSERT_EQ(std::fputs("new", file.file()), 1) << c.name;
+      EXPECT_EQ(file.take_place(), c.failure == std::string()) << c.name;
+      EXPECT_EQ(file.failure(), c.failure) << c.name;
+    }
+    EXPECT_EQ(fs::is_directory(path_) ? "" : content_of(path_), c.content) << c.name;
+    EXPECT_TRUE(!fs::exists(other) || content_of(other) == (c.is_linked ? "old" : "new")) << c.name;
+    EXPECT_EQ(names_in(folder_), c.names) << c.name;
+  }
 }
 
 TEST_F(SavePosix, RefusesWhileAnotherSaveWritesInPlace) {
