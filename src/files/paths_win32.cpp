@@ -1,5 +1,7 @@
 #include "files/paths_win32.hpp"
 
+#include <new>
+
 namespace zelk::files {
 
 std::wstring wide(const char* text) {
@@ -33,8 +35,10 @@ std::wstring system_path(const char* path) {
 std::filesystem::path behind_link(const char* path) {
   std::filesystem::path target = system_path(path);
   std::error_code error;
-  const std::filesystem::path linked = std::filesystem::canonical(target, error);
-  return !error && std::filesystem::is_symlink(target, error) ? linked : target;
+  if (!std::filesystem::is_symlink(target, error)) return target;
+  std::filesystem::path linked = std::filesystem::canonical(target, error);
+  if (error == std::errc::not_enough_memory) throw std::bad_alloc();
+  return error ? target : linked;
 }
 
 std::filesystem::path beside(const std::filesystem::path& target, const std::wstring& ending) {
