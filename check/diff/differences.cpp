@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "base/list.hpp"
+#include "base/seeded_hash.hpp"
 #include "check/diff/pairing.hpp"
 #include "check/objects/attribute_words.hpp"
 
@@ -59,7 +60,7 @@ class MessagePairs {
   }
 
  private:
-  using Names = std::unordered_map<std::string_view, std::size_t>;
+  using Names = std::unordered_map<std::string_view, std::size_t, SeededHash>;
 
   static Names count_names(const Messages& messages) {
     Names counts;

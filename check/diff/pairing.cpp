@@ -1,20 +1,21 @@
 #include "check/diff/pairing.hpp"
 
 #include <algorithm>
-#include <functional>
 #include <string_view>
 #include <unordered_map>
+
+#include "base/seeded_hash.hpp"
 
 namespace zelk::check {
 
 namespace {
 
 struct HashKey {
+  SeededHash hash;
+
+  /// The hash of one part is mixed into the next: parts that are equal do not cancel.
   std::size_t operator()(const ObjectKey& key) const {
-    constexpr std::size_t kMultiplier = 1'000'003;
-    const std::hash<std::string_view> hash;
-    return (std::hash<std::uint64_t>()(key.number) * kMultiplier + hash(key.name)) * kMultiplier +
-           hash(key.partner);
+    return hash(hash(hash(key.number) ^ hash(key.name)) ^ hash(key.partner));
   }
 };
 

@@ -7,8 +7,8 @@
 #include "base/j1939.hpp"
 
 #include <array>
+#include <map>
 #include <optional>
-#include <unordered_map>
 
 #include "base/hash_table.hpp"
 #include "check/lint/context.hpp"
@@ -156,7 +156,7 @@ void check_groups(const LintContext& context) {
 }
 
 void check_stations(const LintContext& context) {
-  std::unordered_map<double, const PlacedNode*> first;
+  std::map<double, const PlacedNode*> first;
   for (const PlacedNode& node : context.places.nodes()) {
     const attr* const values = node.record->attrs;
     if (!context.attributes.station.is_set(values)) continue;

@@ -12,6 +12,7 @@
 #include "base/characters.hpp"
 #include "base/hash_table.hpp"
 #include "base/list.hpp"
+#include "base/seeded_hash.hpp"
 #include "check/lint/context.hpp"
 
 namespace zelk::check {
@@ -227,7 +228,7 @@ void check_statements(const LintContext& context, std::string_view kind, Role ro
 
 /// An attribute for signal types is defined like one for signals, which may bear the same name.
 void check_definitions(const LintContext& context) {
-  std::unordered_set<std::string_view> of_types;
+  std::unordered_set<std::string_view, SeededHash> of_types;
   std::set<std::pair<Word, Word>> kinds;
   const auto kind_of = [&](const Statement& statement) {
     const Token* const object = context.document.find(statement, Role::kObject);

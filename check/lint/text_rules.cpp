@@ -8,6 +8,7 @@
 
 #include "base/characters.hpp"
 #include "base/encoding.hpp"
+#include "base/seeded_hash.hpp"
 #include "check/lint/context.hpp"
 #include "check/lint/unit_names.hpp"
 
@@ -62,7 +63,7 @@ Spellings spellings_of(const LintContext& context) {
 }
 
 void check_units(const LintContext& context) {
-  std::unordered_map<std::string, Spellings> units;
+  std::unordered_map<std::string, Spellings, SeededHash> units;
   for (const Spelling& spelling : spellings_of(context))
     units[unit_of(spelling.unit)].push_back(spelling);
   for (const auto& [unit, spellings] : units) {

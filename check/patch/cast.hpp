@@ -9,6 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/seeded_hash.hpp"
 #include "check/patch/sequences.hpp"
 #include "check/statements/document.hpp"
 #include "check/statements/names.hpp"
@@ -93,8 +94,8 @@ class Cast {
   List lists_[kCastKinds];
   Numbers objects_;  ///< by statement
   /// Long names of nodes by those that stand in their place.
-  std::unordered_map<std::string_view, std::string_view> long_names_;
-  std::unordered_map<std::string_view, std::uint32_t> nodes_;  ///< objects by full name
+  std::unordered_map<std::string_view, std::string_view, SeededHash> long_names_;
+  std::unordered_map<std::string_view, std::uint32_t, SeededHash> nodes_;  ///< objects by full name
 };
 
 }  // namespace zelk::check

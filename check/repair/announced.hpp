@@ -9,11 +9,12 @@
 #include <string_view>
 #include <unordered_set>
 
+#include "base/seeded_hash.hpp"
 #include "check/repair/mender.hpp"
 
 namespace zelk::check {
 
-using NameSet = std::unordered_set<std::string_view>;
+using NameSet = std::unordered_set<std::string_view, SeededHash>;
 
 /// Of all lists.
 NameSet announced_names(const Document& document);

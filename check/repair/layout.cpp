@@ -5,6 +5,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "base/seeded_hash.hpp"
 #include "check/findings/sentences.hpp"
 #include "check/repair/announced.hpp"
 #include "check/statements/order.hpp"
@@ -107,7 +108,7 @@ void add_section(Mender& mender, FaultKind fault, Word kind, const std::string& 
 /// The names of the nodes that send, receive or access something, and further ones, each with a
 /// blank in front.
 std::string linked_nodes(const Mender& mender, std::span<const std::string_view> further) {
-  std::unordered_set<std::string_view> seen{ZELK_NO_NODE};
+  std::unordered_set<std::string_view, SeededHash> seen{ZELK_NO_NODE};
   std::string list;
   const auto add = [&](std::string_view name) {
     const bool is_new = !mender.options.no_node.contains(name) && seen.insert(name).second;

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/characters.hpp"
+#include "base/seeded_hash.hpp"
 #include "check/findings/sentences.hpp"
 #include "check/repair/announced.hpp"
 #include "check/repair/plain_names.hpp"
@@ -152,7 +153,7 @@ class Renames {
     }
   }
 
-  const std::unordered_set<std::string_view>& message_names() {
+  const std::unordered_set<std::string_view, SeededHash>& message_names() {
     if (!message_names_.empty()) return message_names_;
     message_names_.insert("");
     for (const Statement& statement : mender_.document.statements) {
@@ -165,7 +166,7 @@ class Renames {
   // --- References to names with blanks, which no statement can be read with ---
 
   void rename_with_blanks() {
-    std::unordered_set<std::string> first_words;
+    std::unordered_set<std::string, SeededHash> first_words;
     for (const Renamed& each : renamed_.all()) {
       if (each.kind == NameKind::kSignal && each.has_blanks()) {
         first_words.insert(
@@ -181,7 +182,8 @@ class Renames {
     }
   }
 
-  void rewrite(std::uint32_t index, const std::unordered_set<std::string>& first_words) {
+  void rewrite(std::uint32_t index,
+               const std::unordered_set<std::string, SeededHash>& first_words) {
     const Document& document = mender_.document;
     const Statement& statement = mender_.statement(index);
     const std::uint32_t owner = owner_of(NameKind::kSignal, index);
@@ -336,8 +338,8 @@ class Renames {
   const std::vector<Fault> split_;
   RenamedObjects renamed_;
   NameSet announced_ = announced_names(mender_.document);
-  std::unordered_map<std::string, std::size_t> last_numbers_;  ///< behind new names
-  std::unordered_set<std::string_view> message_names_;
+  std::unordered_map<std::string, std::size_t, SeededHash> last_numbers_;  ///< behind new names
+  std::unordered_set<std::string_view, SeededHash> message_names_;
 };
 
 }  // namespace

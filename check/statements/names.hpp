@@ -81,7 +81,7 @@ class Names {
   NameTable variables_;
   NameTable tables_;
   NameTable types_;
-  std::unordered_map<std::int64_t, std::uint32_t> categories_;
+  std::unordered_map<std::int64_t, std::uint32_t, SeededHash> categories_;
   /// By kind of object, then for ordinary ones and relations together, by name.
   std::map<Word, NameTable> definitions_;
   mutable std::optional<NameTable> nodes_;  ///< tokens; made at the first question

@@ -1,5 +1,11 @@
 #include "zelk/logs/counts.hpp"
 
+#include "base/seeded_hash.hpp"
+
+std::size_t ZelkFrameCounts::IdHash::operator()(std::uint32_t id) const {
+  return zelk::SeededHash()(id);
+}
+
 ZelkFrameCounts& ZelkFrameCounts::operator+=(const ZelkFrameCounts& other) {
   outside += other.outside;
   decoded += other.decoded;

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "base/list.hpp"
+#include "base/seeded_hash.hpp"
 #include "logs/lookup/named_database.hpp"
 #include "logs/lookup/unique_names.hpp"
 
@@ -37,7 +38,7 @@ class TableNames {
 
  private:
   std::string separator_;
-  std::unordered_map<std::string, std::unordered_set<const NamedDatabase*>> owners_;
+  std::unordered_map<std::string, std::unordered_set<const NamedDatabase*>, SeededHash> owners_;
   UniqueNames names_;
 };
 

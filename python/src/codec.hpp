@@ -11,6 +11,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/seeded_hash.hpp"
 #include "python.hpp"
 #include "zelk/frame_decoder.hpp"
 #include "zelk/manager.hpp"
@@ -47,7 +48,8 @@ struct SignalCodec {
   NumberKind kind = NumberKind::kFloat;
   bool is_signed;
   bool is_double;
-  std::unordered_map<std::uint32_t, Choice> choices{};  ///< of several for a value the first
+  std::unordered_map<std::uint32_t, Choice, SeededHash>
+      choices{};  ///< of several for a value the first
 };
 
 /// What a host wants of a decoding.

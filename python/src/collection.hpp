@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "base/list.hpp"
+#include "base/seeded_hash.hpp"
 #include "model.hpp"
 #include "python.hpp"
 
@@ -51,7 +52,7 @@ class Collection {
   const char* what_;
   std::vector<Ref<Record>> items_;
   /// Positions by name, made for a long collection of records that do not change.
-  mutable std::unordered_map<std::string, std::size_t> positions_;
+  mutable std::unordered_map<std::string, std::size_t, SeededHash> positions_;
 };
 
 /// @param name  of the type in Python

@@ -10,6 +10,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/seeded_hash.hpp"
 #include "model.hpp"
 #include "python.hpp"
 
@@ -59,8 +60,8 @@ class Database {
   };
   /// An index over the members, made when it is first wanted.
   struct Index {
-    std::unordered_map<std::uint32_t, Found> by_id;
-    std::unordered_map<std::string, Found> by_name;
+    std::unordered_map<std::uint32_t, Found, SeededHash> by_id;
+    std::unordered_map<std::string, Found, SeededHash> by_name;
   };
 
   bool is_editable() const { return members_.front().model->is_editable(); }

@@ -9,6 +9,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "base/seeded_hash.hpp"
 #include "table.hpp"
 
 namespace zelk::python {
@@ -134,7 +135,8 @@ class AllTexts {
   nb::list texts;
 
  private:
-  std::unordered_map<std::string_view, std::int32_t> known_;  ///< in memory of the batches
+  std::unordered_map<std::string_view, std::int32_t, SeededHash>
+      known_;  ///< in memory of the batches
   std::vector<std::int32_t> indices_;
   const void* last_ = nullptr;
 };

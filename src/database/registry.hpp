@@ -10,6 +10,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/seeded_hash.hpp"
 #include "platform/platform.hpp"
 #include "zelk/database.hpp"
 
@@ -52,7 +53,7 @@ class DatabaseRegistry {
 
   std::list<ZelkDatabase*> all_;
   std::unordered_map<const ZelkDatabase*, Place> places_;
-  std::unordered_map<std::string, std::vector<ZelkDatabase*>> by_key_;
+  std::unordered_map<std::string, std::vector<ZelkDatabase*>, SeededHash> by_key_;
   std::uint64_t next_number_ = 0;
 };
 

@@ -11,6 +11,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "base/seeded_hash.hpp"
 #include "zelk/manager.hpp"
 
 namespace zelk {
@@ -30,7 +31,7 @@ struct ManagerTables {
   /// @throws std::bad_alloc, with nothing changed
   void rename(Node& node, char* name);
 
-  std::unordered_map<std::string_view, Node*> by_name;
+  std::unordered_map<std::string_view, Node*, SeededHash> by_name;
   std::unordered_map<const char*, Node*> by_handle;
   /// A database has one node, except when its file was touched and touched back between two opens.
   std::unordered_multimap<const ZelkDatabase*, Node*> by_database;

@@ -4,6 +4,7 @@
 #ifndef ZELK_LOGS_COUNTS_HPP
 #define ZELK_LOGS_COUNTS_HPP
 
+#include <cstddef>
 #include <cstdint>
 #include <unordered_map>
 
@@ -13,6 +14,11 @@
 /// What became of the frames of a log, or of a part of it. Each frame counts once, but for
 /// `too_short`.
 struct ZelkFrameCounts {
+  /// Differs from process to process, so that no log can have identifiers that all collide.
+  struct IdHash {
+    ZELK_LOGS_API std::size_t operator()(std::uint32_t id) const;
+  };
+
   std::uint64_t outside = 0;    ///< of the times that are wanted
   std::uint64_t decoded = 0;    ///< a database has their message, selected or not
   std::uint64_t unknown = 0;    ///< of identifiers that no database has
@@ -22,7 +28,7 @@ struct ZelkFrameCounts {
   std::uint64_t errors = 0;     ///< error frames
   std::uint64_t too_short = 0;  ///< those of `decoded` with fewer bytes than their message has
   /// The number of frames with each unknown identifier.
-  std::unordered_map<std::uint32_t, std::uint64_t> unknown_ids{};
+  std::unordered_map<std::uint32_t, std::uint64_t, IdHash> unknown_ids{};
 
   /// Counts a frame that holds no signals.
   ///

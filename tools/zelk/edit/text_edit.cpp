@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "base/quoting.hpp"
+#include "base/seeded_hash.hpp"
 #include "diff/diff_text.hpp"
 #include "files/files.hpp"
 #include "input/lookup.hpp"
@@ -81,7 +82,7 @@ TextEdit::TextEdit(const std::string& path, const OpenedDatabase& opened)
       before_(exact_text(opened.encoded())) {}
 
 std::size_t TextEdit::count_listed_nodes() const {
-  std::unordered_set<std::string_view> names;
+  std::unordered_set<std::string_view, SeededHash> names;
   for (const check::Token& token : original_.tokens) {
     const std::string_view name = original_.text_of(token);
     if (token.role == check::Role::kNode && name != ZELK_NO_NODE) names.insert(name);

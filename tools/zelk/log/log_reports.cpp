@@ -24,7 +24,7 @@ constexpr std::size_t kMostIds = 5;
 constexpr std::size_t kMostMalformed = ZelkLogBlock::kMostMalformed;
 
 /// "0x7DF (12), 0x18FF1100 (3), ..."
-std::string most_frequent(const std::unordered_map<std::uint32_t, std::uint64_t>& unknown) {
+std::string most_frequent(const decltype(ZelkFrameCounts::unknown_ids)& unknown) {
   std::vector<std::pair<std::uint32_t, std::uint64_t>> ids(unknown.begin(), unknown.end());
   std::ranges::sort(ids, [](const auto& a, const auto& b) {
     return a.second != b.second ? a.second > b.second : a.first < b.first;

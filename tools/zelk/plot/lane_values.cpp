@@ -8,6 +8,7 @@
 
 #include "base/list.hpp"
 #include "base/quoting.hpp"
+#include "base/seeded_hash.hpp"
 #include "base/signal_bits.hpp"
 #include "base/text_view.hpp"
 #include "words/record_words.hpp"
@@ -43,7 +44,7 @@ bool keeps_values_apart(const sigblk& signal) {
 bool is_enumeration(const sigblk& signal) {
   if (is_ieee(signal) || signal.length > kMostBits || !keeps_values_apart(signal)) return false;
   if (signal.length == 1) return true;
-  std::unordered_set<std::int32_t> described;
+  std::unordered_set<std::int32_t, SeededHash> described;
   for (const val& value : each<const val>(signal.values)) described.insert(value.value);
   const auto count = static_cast<double>(described.size());
   if (count < 2) return false;

@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/seeded_hash.hpp"
 #include "zelk/records.h"
 
 namespace zelk::tool {
@@ -49,7 +50,7 @@ class LaneValues {
   double factor_;
   double offset_;
   std::vector<Value> values_;
-  std::unordered_map<std::int64_t, std::size_t> numbers_;  // by raw values
+  std::unordered_map<std::int64_t, std::size_t, SeededHash> numbers_;  // by raw values
   std::size_t described_ = 0;
   std::optional<std::size_t> rest_;  // the number of all values that are too many
   std::optional<std::pair<double, std::size_t>> last_;

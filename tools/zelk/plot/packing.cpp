@@ -11,6 +11,7 @@
 #include <unordered_map>
 
 #include "base/byte_order.hpp"
+#include "base/seeded_hash.hpp"
 
 namespace zelk::tool {
 
@@ -110,7 +111,7 @@ class ValueTable {
     return key < 0 ? INT64_MIN - key : key;
   }
 
-  std::unordered_map<std::uint64_t, std::int64_t> code_of_;
+  std::unordered_map<std::uint64_t, std::int64_t, SeededHash> code_of_;
   std::vector<double> table_;
 };
 

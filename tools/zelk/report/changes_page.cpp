@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "base/list.hpp"
+#include "base/seeded_hash.hpp"
 #include "check/diff/differences.hpp"
 #include "check/picture/frame_bits.hpp"
 #include "diff/diff_text.hpp"
@@ -267,7 +268,7 @@ class ChangesPage {
   /// The same colour for signals of one name.
   json sides(const ChangedMessage& changed) const {
     json sides = json::array();
-    std::unordered_map<std::string_view, std::size_t> colors;
+    std::unordered_map<std::string_view, std::size_t, SeededHash> colors;
     for (const msgblk* message : {changed.before, changed.after}) {
       for (const sigblk& signal : each(message ? message->signals : nullptr))
         colors.try_emplace(view(signal.name), colors.size());

@@ -10,6 +10,7 @@
 #include <unordered_map>
 
 #include "base/encoded_database.hpp"
+#include "base/seeded_hash.hpp"
 
 namespace zelk::tool {
 
@@ -34,7 +35,7 @@ class ElementIds {
   static std::string text(std::string_view name);
 
   std::unordered_map<const void*, std::string> elements_;
-  std::unordered_map<std::string, unsigned> uses_;
+  std::unordered_map<std::string, unsigned, SeededHash> uses_;
 };
 
 }  // namespace zelk::tool

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "base/list.hpp"
+#include "base/seeded_hash.hpp"
 #include "check/picture/layouts.hpp"
 #include "check/picture/notes.hpp"
 #include "check/picture/svg.hpp"
@@ -156,7 +157,7 @@ class Drawing {
 
   /// A shortened name that no other one looks like is found in the table of signals.
   static void drop_needless_tips(json& shapes) {
-    std::unordered_map<std::string, std::size_t> uses;
+    std::unordered_map<std::string, std::size_t, SeededHash> uses;
     for (const json& shape : shapes) ++uses[shape["label"].get<std::string>()];
     for (json& shape : shapes)
       if (uses[shape["label"].get<std::string>()] == 1) shape["tip"] = "";

@@ -6,6 +6,7 @@
 
 #include "base/list.hpp"
 #include "base/multiplexing.hpp"
+#include "base/seeded_hash.hpp"
 #include "check/objects/record_words.hpp"
 #include "report/record_data.hpp"
 
@@ -104,7 +105,7 @@ json signals_data(const ReportContext& context, const msgblk& message) {
 }
 
 std::string take_usual_coding(json& signals) {
-  std::unordered_map<std::string, std::size_t> counts;
+  std::unordered_map<std::string, std::size_t, SeededHash> counts;
   for (const json& signal : signals) ++counts[signal["coding"].get<std::string>()];
   std::string usual;
   for (const json& signal : signals) {

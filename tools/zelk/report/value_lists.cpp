@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/list.hpp"
+#include "base/seeded_hash.hpp"
 #include "report/record_data.hpp"
 
 namespace zelk::tool {
@@ -32,7 +33,7 @@ std::string content_of(const val* values) {
 
 ValueLists::ValueLists(EncodedDatabase database, std::size_t most_messages)
     : encoding_(database.encoding) {
-  std::unordered_map<std::string, std::vector<const val*>> lists;
+  std::unordered_map<std::string, std::vector<const val*>, SeededHash> lists;
   std::vector<const std::vector<const val*>*> order;
   std::size_t messages = 0;
   for (const msgblk& message : each(database.records.messages)) {
