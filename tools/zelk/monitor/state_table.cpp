@@ -3,8 +3,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <nlohmann/json.hpp>
+#include <string_view>
 #include <tuple>
 
 #include "base/frame_id.hpp"
@@ -19,11 +21,12 @@ namespace zelk::tool {
 namespace {
 
 /// The columns of a row in all formats, with those of CSV behind them.
-const std::vector<std::string> kRowHeadings = {
-    "interface", "id",           "message",    "page", "state",  "count", "changes",
-    "cycle_ms",  "deviation_ms", "nominal_ms", "gaps", "age_ms", "data"};
+constexpr auto kRowHeadings = std::to_array<std::string_view>(
+    {"interface", "id", "message", "page", "state", "count", "changes", "cycle_ms", "deviation_ms",
+     "nominal_ms", "gaps", "age_ms", "data"});
 constexpr std::size_t kNameColumns = 4;  // interface, id, message, page
-const std::vector<std::string> kValueHeadings = {"signal", "value", "unit", "text"};
+constexpr auto kValueHeadings =
+    std::to_array<std::string_view>({"signal", "value", "unit", "text"});
 
 std::string data_text(const RowState& row) {
   std::string text;
@@ -153,7 +156,7 @@ void StateTable::write_text(BusState& state, const Rows& rows) {
   if (has_begun_) out_.blank();
   out_.line("{}", totals_of(state, state.rows()));
   if (rows.empty()) return;
-  const auto table = make_text_rows(kRowHeadings, out_);
+  const auto table = make_text_rows({kRowHeadings.begin(), kRowHeadings.end()}, out_);
   for (const RowState* row : rows) table->row(cells_of(*row, state.now()));
   table->finish();
   std::vector<std::string> headings(kRowHeadings.begin(), kRowHeadings.begin() + kNameColumns);
@@ -192,7 +195,7 @@ void StateTable::write_json(const BusState& state, const Rows& rows) {
     object["time"] = json_number(time_text(state.now()));
     const std::vector<Cell> cells = cells_of(*row, state.now());
     for (std::size_t i = 0; i < cells.size(); ++i) {
-      object[kRowHeadings[i]] = json_of(cells[i]);
+      object[std::string(kRowHeadings[i])] = json_of(cells[i]);
       if (kRowHeadings[i] == "id") object["extended"] = (row->id & ZELK_ID_EXTENDED) != 0;
     }
     Json& signals = object["signals"] = Json::object();

@@ -44,9 +44,9 @@ void Raster::draw(const Curve& curve, const Span& times, const Span& values, std
 
 void Raster::line(const Place& from, const Place& to, std::size_t index, char mark) {
   const double length = std::max(std::abs(to.x - from.x), std::abs(to.y - from.y));
-  const double steps = std::max(1.0, std::ceil(length));
-  for (double i = 0; i <= steps; ++i) {
-    const double part = i / steps;
+  const auto steps = static_cast<std::size_t>(std::max(1.0, std::ceil(length)));
+  for (std::size_t i = 0; i <= steps; ++i) {
+    const double part = static_cast<double>(i) / static_cast<double>(steps);
     dot({from.x + part * (to.x - from.x), from.y + part * (to.y - from.y)}, index, mark);
   }
 }
