@@ -46,3 +46,9 @@ endmacro()
 if(ZELK_COVERAGE)
   add_link_options(--coverage)
 endif()
+# Two optimised builds of the same sources give the same bytes, wherever and whenever they run: nothing built has the names
+# of the build's folders in it. Compilers that know several prefixes of a path take the last one.
+foreach(prefix IN ITEMS ${PROJECT_SOURCE_DIR}=. ${CMAKE_BINARY_DIR}=build)
+  add_compile_options($<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-ffile-prefix-map=${prefix}>)
+endforeach()
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
