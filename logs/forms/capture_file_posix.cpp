@@ -56,12 +56,12 @@ CaptureFile::CaptureFile(std::unique_ptr<PeekedStream> stream, std::string name)
   bytes_.stream = std::move(stream);
   file_ = fopencookie(&bytes_, "r", {read_bytes, nullptr, nullptr, nullptr});
   if (!file_) throw std::bad_alloc();
-  std::setvbuf(file_, buffer_.data(), _IOFBF, buffer_.size());
+  static_cast<void>(std::setvbuf(file_, buffer_.data(), _IOFBF, buffer_.size()));
   std::array<char, PCAP_ERRBUF_SIZE> fault{};
   capture_.reset(
       pcap_fopen_offline_with_tstamp_precision(file_, PCAP_TSTAMP_PRECISION_NANO, fault.data()));
   if (!capture_) {
-    std::fclose(file_);
+    static_cast<void>(std::fclose(file_));
     fail(fault.data());
   }
   const int type = pcap_datalink(capture_.get());

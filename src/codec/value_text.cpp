@@ -32,7 +32,7 @@ ZelkSigvalueResult print(Target target, const char* format, Arguments... argumen
   const int length = std::snprintf(nullptr, 0, format, arguments...);
   if (length < 0) return ZelkSigvalueError;
   if (static_cast<std::size_t>(length) >= target.size) return ZelkSigvalueBufferTooSmall;
-  std::snprintf(target.text, target.size, format, arguments...);
+  static_cast<void>(std::snprintf(target.text, target.size, format, arguments...));
   return ZelkSigvalueOk;
 }
 
@@ -99,7 +99,7 @@ ZelkSigvalueResult put_bytes(Target target, const Words& words, const sigblk& si
   if (target.size == 0 || (width + 1) * count > target.size) return ZelkSigvalueBufferTooSmall;
   char* out = target.text;
   for (std::size_t i = count; i-- > 0;) {
-    std::snprintf(out, width + 1, format, byte_of(words, i));
+    static_cast<void>(std::snprintf(out, width + 1, format, byte_of(words, i)));
     out += width;
     if (i > 0) *out++ = ' ';
   }

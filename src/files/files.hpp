@@ -18,7 +18,7 @@
 namespace zelk::files {
 
 struct FileCloser {
-  void operator()(std::FILE* file) const noexcept { std::fclose(file); }
+  void operator()(std::FILE* file) const noexcept { static_cast<void>(std::fclose(file)); }
 };
 
 /// An open file, closed by its destructor.

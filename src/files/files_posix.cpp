@@ -34,7 +34,7 @@ Descriptor open_whole(const char* path) {
 File unbuffered(std::FILE* stream) {
   File file(stream);
   if (!file && errno == ENOMEM) throw std::bad_alloc();
-  if (file) std::setvbuf(file.get(), nullptr, _IONBF, 0);
+  if (file) static_cast<void>(std::setvbuf(file.get(), nullptr, _IONBF, 0));
   return file;
 }
 

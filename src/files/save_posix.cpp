@@ -49,7 +49,7 @@ File stream_of(const Descriptor& file) {
   if (!stream && errno == ENOMEM) throw std::bad_alloc();
   if (!stream) fail_save();
   own.release();
-  std::setvbuf(stream.get(), nullptr, _IONBF, 0);
+  static_cast<void>(std::setvbuf(stream.get(), nullptr, _IONBF, 0));
   return stream;
 }
 

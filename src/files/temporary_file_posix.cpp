@@ -21,7 +21,7 @@ std::string stem_of(const std::string& name) {
   std::uint64_t hash = 0xCBF29CE484222325;  // FNV-1a: every version must find the files
   for (const char byte : name) hash = (hash ^ static_cast<unsigned char>(byte)) * 0x100000001B3;
   char number[17];
-  std::snprintf(number, sizeof number, "%016" PRIx64, hash);
+  static_cast<void>(std::snprintf(number, sizeof number, "%016" PRIx64, hash));
   return name.substr(0, kBeginning) + "~" + number;
 }
 

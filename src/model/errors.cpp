@@ -112,7 +112,8 @@ void zelk_read_error(std::uint32_t number, std::int32_t line, const char* text) 
 }  // namespace zelk
 
 ZelkException::ZelkException(const char* message_line) noexcept : message_line_() {
-  std::snprintf(message_line_, sizeof message_line_, "%s", message_line ? message_line : "");
+  static_cast<void>(
+      std::snprintf(message_line_, sizeof message_line_, "%s", message_line ? message_line : ""));
 }
 
 ZelkException::~ZelkException() = default;

@@ -198,7 +198,7 @@ std::uint32_t registered_message(const char* name) {
 void post(const zelk_notification&) {}
 
 void show_message_box(const char* text, const char* title, std::uint32_t) {
-  std::fprintf(stderr, "%s: %s\n", title, text);
+  static_cast<void>(std::fprintf(stderr, "%s: %s\n", title, text));
 }
 
 }  // namespace zelk::platform

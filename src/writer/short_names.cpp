@@ -52,7 +52,7 @@ std::string ShortNames::choose(std::string_view name) {
   // Names in use stay in use: every number below the next one has been found taken.
   for (int& number = next_numbers_[start]; number < kNumbers; ++number) {
     std::array<char, 8> digits{};
-    std::snprintf(digits.data(), digits.size(), "_%04d", number);
+    static_cast<void>(std::snprintf(digits.data(), digits.size(), "_%04d", number));
     std::string candidate = start + digits.data();
     if (!used_.contains(candidate)) return candidate;
   }

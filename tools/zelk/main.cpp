@@ -118,7 +118,7 @@ ExitCode run(int argc, char** argv, Output& out, ExitCode& failure) {
 
 /// Takes no memory, which may be what is missing.
 void print_failure(const char* what) {
-  std::fputs("zelk: ", stderr);
+  static_cast<void>(std::fputs("zelk: ", stderr));
   print_error(what);
 }
 

@@ -24,8 +24,8 @@ void Output::write_through(std::string_view text) {
 }
 
 void print_error(std::string_view line) {
-  std::fwrite(line.data(), 1, line.size(), stderr);
-  std::fputc('\n', stderr);
+  static_cast<void>(std::fwrite(line.data(), 1, line.size(), stderr));
+  static_cast<void>(std::fputc('\n', stderr));
 }
 
 }  // namespace zelk::tool

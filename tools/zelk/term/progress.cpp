@@ -45,7 +45,7 @@ void ProgressBar::update(std::uint64_t done_bytes) {
     if (part > 0) text += fmt::format(", {} left", clock_of(seconds / part - seconds));
   }
   fmt::print(stderr, "\r{:<70}", text);
-  std::fflush(stderr);
+  static_cast<void>(std::fflush(stderr));
   is_drawn_ = true;
 }
 

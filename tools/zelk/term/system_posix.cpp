@@ -18,8 +18,8 @@ const char* const kModuleExtension = ".so";
 
 /// A write that a pipe or a limit of the file's size refuses then fails, with its reason.
 void prepare_process() {
-  std::signal(SIGPIPE, SIG_IGN);
-  std::signal(SIGXFSZ, SIG_IGN);
+  static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
+  static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
 }
 
 namespace {

@@ -30,12 +30,12 @@ namespace zelk::tool {
 namespace {
 
 struct CloseFile {
-  void operator()(std::FILE* file) const { std::fclose(file); }
+  void operator()(std::FILE* file) const { static_cast<void>(std::fclose(file)); }
 };
 using OpenFile = std::unique_ptr<std::FILE, CloseFile>;
 
 CharacterSet characters_of_locale() {
-  std::setlocale(LC_CTYPE, "");
+  static_cast<void>(std::setlocale(LC_CTYPE, ""));
   const bool is_utf8 = std::strcmp(nl_langinfo(CODESET), "UTF-8") == 0;
   return {is_utf8, [](char32_t c) { return wcwidth(static_cast<wchar_t>(c)); }};
 }

@@ -39,7 +39,7 @@ void restore_and_raise(int signal) {
   const auto* const place = std::find(kCrashes.begin(), kCrashes.end(), signal);
   sigaction(signal, &before_crashes[static_cast<std::size_t>(place - kCrashes.begin())], nullptr);
   errno = saved_error;
-  raise(signal);
+  static_cast<void>(raise(signal));
 }
 
 void note(int signal) {
@@ -95,7 +95,7 @@ bool TerminalGuard::take_resize() { return noted[2].exchange(false); }
 
 void TerminalGuard::suspend() {
   sigaction(SIGTSTP, &before_noted[0], nullptr);
-  raise(SIGTSTP);
+  static_cast<void>(raise(SIGTSTP));
   const struct sigaction action = action_of(note);
   sigaction(SIGTSTP, &action, nullptr);
 }
