@@ -10,7 +10,8 @@ namespace {
 constexpr std::array<std::string_view, 8> kFills = {"#7ad", "#ed8", "#4b9", "#fab",
                                                     "#9df", "#e86", "#bc3", "#aa0"};
 
-constexpr std::string_view kStyleSheet = R"svg(.zelk-frame text { font-family: "DejaVu Sans", Helvetica, Arial, sans-serif }
+constexpr std::string_view kStyleSheet =
+    R"svg(.zelk-frame text { font-family: "DejaVu Sans", Helvetica, Arial, sans-serif }
 .zelk-frame .title { font-size: 20px; font-weight: bold }
 .zelk-frame .heading { font-size: 13px; font-weight: bold }
 .zelk-frame .body { font-size: 12px }

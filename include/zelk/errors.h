@@ -67,8 +67,8 @@ enum zelk_error_number {
 ZELK_API const char* zelk_format_error(uint32_t number, int32_t line, const char* text);
 
 /// Formats a message line and appends it to the error texts. When `raise` is not 0, raises
-/// `ZelkException` (a C++ exception: C hosts pass 0). Arguments as for `zelk_format_error`. An error
-/// text that finds no memory for the line stays without it.
+/// `ZelkException` (a C++ exception: C hosts pass 0). Arguments as for `zelk_format_error`. An
+/// error text that finds no memory for the line stays without it.
 ZELK_API void zelk_report(uint32_t number, int32_t line, const char* text, int raise);
 
 /// `zelk_report` without raising: a warning.

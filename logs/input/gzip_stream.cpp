@@ -13,7 +13,7 @@ namespace zelk::logs {
 namespace {
 
 constexpr int kGzipWindow = 15 + 16;  // the largest window, and a header of gzip
-constexpr Bytef kFirstByte = 0x1F;  // of a member
+constexpr Bytef kFirstByte = 0x1F;    // of a member
 
 /// One or more members, as `gzip` and `cat` make them. Zeros may follow the last one.
 class GzipStream : public ByteStream {

@@ -33,6 +33,7 @@ constexpr const char* kInner[] = {
     "ZelkDatabase::SetFile",
     "ZelkDatabase::StartSaving",
     "ZelkDatabase::TakeFileOf",
+    "ZelkFrameCounts::IdHash::operator",
     "ZelkDatabase::WriteOwn",
     "ZelkExporter::ProcessFile",
     "ZelkFrameBlock::grow",

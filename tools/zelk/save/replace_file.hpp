@@ -39,8 +39,8 @@ class ReplacedFile {
 /// @throws RequestError that says why when the file is not written
 void replace_file(const std::string& path, std::string_view bytes);
 
-/// Makes the file at `path` whole when an earlier write to it did not end, and prints a warning about
-/// that: for commands that have nothing else to change there.
+/// Makes the file at `path` whole when an earlier write to it did not end, and prints a warning
+/// about that: for commands that have nothing else to change there.
 ///
 /// @throws RequestError that says why when it cannot be done
 void end_earlier_write(const std::string& path);
