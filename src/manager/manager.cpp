@@ -158,6 +158,7 @@ void ZelkManager::CloseDatabase(const char* db, bool keep_in_cache) {
 }
 
 void ZelkManager::CloseDatabase(bool keep_in_cache) {
+  // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDelete): each call takes its node out of the list
   while (databases_) CloseNode(*databases_, keep_in_cache);
 }
 

@@ -55,7 +55,7 @@ void note_unless_ignored(int signal) {
 void restore(int signal) {
   struct sigaction action = {};
   sigaction(signal, nullptr, &action);
-  if (action.sa_handler == note_signal) std::signal(signal, SIG_DFL);
+  if (action.sa_handler == note_signal) static_cast<void>(std::signal(signal, SIG_DFL));
 }
 
 }  // namespace
@@ -64,7 +64,7 @@ NotedStop::NotedStop() { std::ranges::for_each(kEndingSignals, note_unless_ignor
 
 NotedStop::~NotedStop() {
   std::ranges::for_each(kEndingSignals, restore);
-  if (noted_signal != 0) std::raise(noted_signal);
+  if (noted_signal != 0) static_cast<void>(std::raise(noted_signal));
 }
 
 const std::atomic<bool>& NotedStop::is_requested() { return is_stop_noted; }
