@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 #include <map>
 #include <optional>
 #include <tuple>
@@ -88,8 +89,7 @@ class Inference {
     const double size = lenient_number(mender_.document.text_of(token)).value_or(0);
     const double number = is_negative ? -size : size;
     const bool is_first = values.count == 1;
-    values.has_fraction |=
-        number != static_cast<double>(static_cast<std::int64_t>(number)) || size > 2147483647.0;
+    values.has_fraction |= number != std::trunc(number) || size > 2147483647.0;
     values.minimum = is_first ? number : std::min(values.minimum, number);
     values.maximum = is_first ? number : std::max(values.maximum, number);
   }
