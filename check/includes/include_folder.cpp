@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cerrno>
 #include <fstream>
-#include <new>
 #include <system_error>
 
 #include "base/characters.hpp"
+#include "base/check_memory.hpp"
 #include "base/encoding.hpp"
 
 namespace zelk::check {
@@ -37,11 +37,6 @@ bool ends_in_dbc(std::string_view name) {
   return std::ranges::equal(name.substr(name.size() - kEnding.size()), kEnding, {}, to_upper);
 }
 
-/// What lacks memory is no fault of a file.
-void check_memory(std::error_code error) {
-  if (error == std::errc::not_enough_memory) throw std::bad_alloc();
-}
-
 }  // namespace
 
 fs::path path_of(std::string_view text) { return {std::u8string(text.begin(), text.end())}; }
@@ -55,7 +50,7 @@ std::optional<std::string> bytes_of(const fs::path& path, std::size_t most) {
   errno = 0;
   std::ifstream file(path, std::ios::binary);
   if (file.read(bytes.data(), static_cast<std::streamsize>(size))) return bytes;
-  check_memory({errno, std::generic_category()});
+  check_memory(errno);
   return std::nullopt;
 }
 

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/check_memory.hpp"
 #include "base/encoding.hpp"
 #include "check/includes/include_folder.hpp"
 #include "check/repair/decoding.hpp"
@@ -71,8 +72,10 @@ std::string in_quotes(std::string_view name) { return '"' + std::string(name) + 
 
 /// Empty for a path that the system does not take.
 std::filesystem::path canonical_path(const std::string& path) try {
-  std::error_code ignored;
-  return std::filesystem::weakly_canonical(path_of(path), ignored);
+  std::error_code error;
+  std::filesystem::path canonical = std::filesystem::weakly_canonical(path_of(path), error);
+  check_memory(error);
+  return canonical;
 } catch (const std::system_error&) {
   return {};
 }

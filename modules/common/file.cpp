@@ -5,6 +5,7 @@
 #include <new>
 #include <system_error>
 
+#include "base/check_memory.hpp"
 #include "common/records.hpp"
 #include "files/files.hpp"
 
@@ -15,7 +16,7 @@ constexpr std::size_t kBytesMax = std::size_t{1} << 31;
 constexpr std::size_t kBlock = std::size_t{1} << 20;
 
 [[noreturn]] void fail(const char* what, int code) {
-  if (code == ENOMEM) throw std::bad_alloc();
+  check_memory(code);
   throw Fault(what + (": " + std::generic_category().message(code)));
 }
 

@@ -1,13 +1,12 @@
 #include <fcntl.h>
 
 #include <cerrno>
-#include <new>
 #include <utility>
 
 #include "files/descriptor_posix.hpp"
-#include "files/files.hpp"
 #include "files/in_place_posix.hpp"
 #include "files/temporary_file_posix.hpp"
+#include "files/unbuffered.hpp"
 
 namespace zelk::files {
 
@@ -26,16 +25,6 @@ Descriptor open_whole(const char* path) {
   }
   Descriptor copy = open_whole_copy(path, file);
   return copy ? std::move(copy) : std::move(file);
-}
-
-/// A stream without a buffer of its own; null when the system has given none.
-///
-/// @throws std::bad_alloc: a stream takes memory, too
-File unbuffered(std::FILE* stream) {
-  File file(stream);
-  if (!file && errno == ENOMEM) throw std::bad_alloc();
-  if (file) static_cast<void>(std::setvbuf(file.get(), nullptr, _IONBF, 0));
-  return file;
 }
 
 }  // namespace

@@ -2,27 +2,16 @@
 #include <io.h>
 
 #include <cerrno>
-#include <new>
 #include <utility>
 
-#include "files/files.hpp"
 #include "files/in_place_win32.hpp"
 #include "files/paths_win32.hpp"
 #include "files/save_failure.hpp"
+#include "files/unbuffered.hpp"
 
 namespace zelk::files {
 
 namespace {
-
-/// A stream without a buffer of its own; null when the system has given none.
-///
-/// @throws std::bad_alloc: a stream takes memory, too
-File unbuffered(std::FILE* stream) {
-  File file(stream);
-  if (!file && errno == ENOMEM) throw std::bad_alloc();
-  if (file) std::setvbuf(file.get(), nullptr, _IONBF, 0);
-  return file;
-}
 
 /// Null for a path that does not exist: an empty one must not become the working folder.
 File open_file(const char* path, const wchar_t* mode) {

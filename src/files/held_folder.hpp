@@ -28,12 +28,13 @@ class HeldFolder {
   const std::filesystem::path& path() const { return path_; }
 
  private:
-  struct Hold;  ///< of the system: a lock, or an open handle
+  /// Of the system: a lock, or an open handle. Its destructor lets go.
+  using Hold = std::shared_ptr<const void>;
 
-  HeldFolder(const std::filesystem::path& path, std::unique_ptr<Hold> hold);
+  HeldFolder(std::filesystem::path path, Hold hold);
 
   std::filesystem::path path_;
-  std::unique_ptr<Hold> hold_;
+  Hold hold_;
 };
 
 }  // namespace zelk::files

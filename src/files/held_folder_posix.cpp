@@ -1,6 +1,5 @@
 #include <fcntl.h>
 
-#include <new>
 #include <utility>
 
 #include "files/descriptor_posix.hpp"
@@ -9,10 +8,6 @@
 namespace zelk::files {
 
 namespace fs = std::filesystem;
-
-struct HeldFolder::Hold {
-  Descriptor folder;
-};
 
 namespace {
 
@@ -35,16 +30,6 @@ void empty(const fs::path& folder) {
 
 }  // namespace
 
-HeldFolder::HeldFolder(const fs::path& path, std::unique_ptr<Hold> hold)
-    : path_(path), hold_(std::move(hold)) {}
-
-HeldFolder::~HeldFolder() try {
-  std::error_code ignored;
-  fs::remove_all(path_, ignored);
-} catch (const std::bad_alloc&) {
-  // The next run removes it.
-}
-
 std::unique_ptr<HeldFolder> HeldFolder::make(const fs::path& path, std::error_code& error) {
   error.clear();
   for (;;) {
@@ -58,7 +43,7 @@ std::unique_ptr<HeldFolder> HeldFolder::make(const fs::path& path, std::error_co
     if (holding == Holding::kOthers) return nullptr;
     if (holding == Holding::kGone) continue;  // its process has just ended
     if (!is_new) empty(path);
-    auto held = std::make_unique<Hold>(Hold{std::move(folder)});
+    Hold held = std::make_shared<Descriptor>(std::move(folder));
     return std::unique_ptr<HeldFolder>(new HeldFolder(path, std::move(held)));
   }
 }

@@ -1,4 +1,3 @@
-#include <new>
 #include <utility>
 
 #include "files/held_folder.hpp"
@@ -8,25 +7,11 @@ namespace zelk::files {
 
 namespace fs = std::filesystem;
 
-/// A file beside the folder, which the system removes when its process has ended. The folder itself
-/// could not be listed while a handle keeps others from removing it.
-struct HeldFolder::Hold {
-  Handle file;
-};
-
-HeldFolder::HeldFolder(const fs::path& path, std::unique_ptr<Hold> hold)
-    : path_(path), hold_(std::move(hold)) {}
-
-HeldFolder::~HeldFolder() try {
-  std::error_code ignored;
-  fs::remove_all(path_, ignored);
-} catch (const std::bad_alloc&) {
-  // The next run removes it.
-}
-
 std::unique_ptr<HeldFolder> HeldFolder::make(const fs::path& path, std::error_code& error) {
   const bool is_new = fs::create_directory(path, error);
   if (error) return nullptr;
+  // A file beside the folder, which the system removes when its process has ended. The folder
+  // itself could not be listed while a handle keeps others from removing it.
   constexpr DWORD kNotShared = 0;
   constexpr DWORD kFlags = FILE_ATTRIBUTE_HIDDEN | FILE_FLAG_DELETE_ON_CLOSE;
   Handle file =
@@ -36,7 +21,7 @@ std::unique_ptr<HeldFolder> HeldFolder::make(const fs::path& path, std::error_co
   for (const auto& entry : fs::directory_iterator(path, ignored))
     if (!is_new) fs::remove_all(entry.path(), ignored);
   fs::permissions(path, fs::perms::owner_all, ignored);
-  auto held = std::make_unique<Hold>(Hold{std::move(file)});
+  Hold held = std::make_shared<Handle>(std::move(file));
   return std::unique_ptr<HeldFolder>(new HeldFolder(path, std::move(held)));
 }
 

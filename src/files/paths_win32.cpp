@@ -2,6 +2,8 @@
 
 #include <new>
 
+#include "base/check_memory.hpp"
+
 namespace zelk::files {
 
 std::wstring wide(const char* text) {
@@ -37,7 +39,7 @@ std::filesystem::path behind_link(const char* path) {
   std::error_code error;
   if (!std::filesystem::is_symlink(target, error)) return target;
   std::filesystem::path linked = std::filesystem::canonical(target, error);
-  if (error == std::errc::not_enough_memory) throw std::bad_alloc();
+  check_memory(error);
   return error ? target : linked;
 }
 

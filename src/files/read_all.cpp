@@ -1,7 +1,7 @@
 #include <cerrno>
-#include <new>
 #include <system_error>
 
+#include "base/check_memory.hpp"
 #include "files/files.hpp"
 
 namespace zelk::files {
@@ -9,7 +9,7 @@ namespace zelk::files {
 namespace {
 
 [[noreturn]] void fail() {
-  if (errno == ENOMEM) throw std::bad_alloc();
+  check_memory(errno);
   throw std::system_error(errno, std::generic_category());
 }
 

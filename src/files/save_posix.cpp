@@ -6,6 +6,7 @@
 #include <new>
 #include <optional>
 
+#include "base/check_memory.hpp"
 #include "files/attributes_posix.hpp"
 #include "files/in_place_posix.hpp"
 #include "files/save.hpp"
@@ -46,7 +47,7 @@ class HeldSizeSignal {
 File stream_of(const Descriptor& file) {
   Descriptor own(fcntl(file.get(), F_DUPFD_CLOEXEC, 0));
   File stream(own ? fdopen(own.get(), "w") : nullptr);
-  if (!stream && errno == ENOMEM) throw std::bad_alloc();
+  if (!stream) check_memory(errno);
   if (!stream) fail_save();
   own.release();
   static_cast<void>(std::setvbuf(stream.get(), nullptr, _IONBF, 0));

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <string_view>
 
+#include "base/check_memory.hpp"
 #include "files/save.hpp"
 
 namespace zelk::files {
@@ -78,6 +79,7 @@ std::filesystem::path behind_links(std::filesystem::path path) {
   for (int links = 0; is_symlink(path, error); ++links) {
     if (links == kMostLinks) fail_save({ELOOP, std::generic_category()});
     path = path.parent_path() / read_symlink(path, error);
+    check_memory(error);
   }
   return path;
 }

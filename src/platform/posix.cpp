@@ -18,6 +18,7 @@
 #include <system_error>
 #include <vector>
 
+#include "base/check_memory.hpp"
 #include "base/compiler.hpp"
 #include "platform/immortal.hpp"
 #include "platform/module_entry.hpp"
@@ -42,7 +43,7 @@ bool begins_character(char byte) {
 std::filesystem::path absolute_path(const char* path) {
   std::error_code error;
   std::filesystem::path absolute = std::filesystem::absolute(path, error);
-  if (error == std::errc::not_enough_memory) throw std::bad_alloc();
+  check_memory(error);
   return error ? std::filesystem::path() : absolute;
 }
 

@@ -6,6 +6,7 @@
 #include <system_error>
 #include <utility>
 
+#include "base/check_memory.hpp"
 #include "base/database_names.hpp"
 #include "input/mending.hpp"
 #include "input/opening.hpp"
@@ -53,8 +54,10 @@ OpenedDatabase DatabaseSet::open_own(const std::string& path) {
 
 OpenedDatabase DatabaseSet::import(const std::string& path, const Format& format) {
   const std::filesystem::path file(std::u8string(path.begin(), path.end()));
-  std::error_code ignored;
-  if (!imported_.insert(std::filesystem::weakly_canonical(file, ignored)).second) {
+  std::error_code error;
+  std::filesystem::path canonical = std::filesystem::weakly_canonical(file, error);
+  check_memory(error);
+  if (!imported_.insert(error ? file : std::move(canonical)).second) {
     OpenedDatabase opened;
     opened.error = ZelkErrorAlreadyOpen;
     return opened;

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/check_memory.hpp"
 #include "base/counted_characters.hpp"
 #include "files/files.hpp"
 #include "input/lookup.hpp"
@@ -169,11 +170,12 @@ void ConfigurationReader::fail_at(std::size_t offset, std::string_view text) con
 }  // namespace
 
 std::filesystem::path nearest_configuration(const std::filesystem::path& path) {
-  std::error_code ignored;
-  std::filesystem::path folder = std::filesystem::absolute(path, ignored).parent_path();
+  std::error_code error;
+  std::filesystem::path folder = std::filesystem::absolute(path, error).parent_path();
+  check_memory(error);
   while (!folder.empty()) {
     std::filesystem::path file = folder / kConfigurationName;
-    if (std::filesystem::exists(file, ignored)) return file;
+    if (std::filesystem::exists(file, error)) return file;
     if (folder == folder.parent_path()) break;
     folder = folder.parent_path();
   }
