@@ -65,7 +65,7 @@ class ZELK_LOGS_API ZelkTimeWindow {
   ///
   /// @pre as `Takes`
   /// @return number of the frames that were removed
-  /// @throws ZelkLogError as `Takes`, with the block unchanged
+  /// @throws ZelkLogError as `Takes`, std::bad_alloc; with the block unchanged
   std::size_t Cut(ZelkFrameBlock& frames, std::string_view log) const;
 
  private:

@@ -215,8 +215,7 @@ void add_log_command(CLI::App& app, Action& action) {
       ->type_name("OUT");
   add_filter_options(*command, arguments->filter);
   add_log_run_options(*command, arguments->run,
-                      "as many as there are cores for a large file, and\n"
-                      "one for each of several logs");
+                      kByCores + std::string(", and\none for each of several logs"));
   command->callback([arguments, &action] {
     action = [arguments](Output& out) { return convert_logs(*arguments, out); };
   });

@@ -28,13 +28,13 @@ void add_match_pgn_option(CLI::App& command, bool& match_groups);
 /// Adds --j1939-tp and --match-pgn.
 void add_j1939_options(CLI::App& command, LogRunOptions& options, bool& match_groups);
 
+inline constexpr char kByCores[] = "as many as there are cores for a large file";
+
 /// Adds the options about times, and --strict, --stats and --threads.
 ///
 /// @param threads  what their number is, unless it is given
 void add_log_run_options(CLI::App& command, LogRunOptions& options,
-                         const std::string& threads =
-                             "as many as there are cores for a large "
-                             "file");
+                         const std::string& threads = kByCores);
 
 ZelkPipelineOptions pipeline_options(const LogRunOptions& options);
 
