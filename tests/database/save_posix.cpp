@@ -183,6 +183,7 @@ TEST_F(SavePosix, OnADiskThatTakesNoMore) {
   } cases[] = {
       {9, 0, false, "file rename folder ", nullptr, true, "a.dbc "},
       {0, EIO, false, "file ", "Input/output error", false, "a.dbc "},
+      {0, EDQUOT, false, "file ", "Disk quota exceeded", false, "a.dbc "},
       {0, EINTR, false, "file file rename folder ", nullptr, true, "a.dbc "},
       {0, EINVAL, false, "file rename folder ", nullptr, true, "a.dbc "},
       {1, ENOTSUP, false, "file rename folder ", nullptr, true, "a.dbc "},
