@@ -83,7 +83,7 @@ std::string Suggestions::for_signal(const Fault& fault, std::string_view name) {
   std::vector<std::string_view> names;
   for (std::uint32_t i = fault.related + 1; i < document_.statements.size(); ++i) {
     const Statement& statement = document_.statements[i];
-    if (statement.owner != fault.related) break;
+    if (statement.owner != fault.related || names.size() == comparisons_left_) break;
     names.push_back(document_.text_of(statement, Role::kSignal));
   }
   std::string near = nearest(name, names);
@@ -122,7 +122,8 @@ const std::vector<std::string_view>& Suggestions::names_with(Role role) {
 }
 
 std::uint32_t Suggestions::message_of_signal(std::string_view name) {
-  if (signals_.empty()) {
+  if (!has_signals_) {
+    has_signals_ = true;
     for (const Statement& statement : document_.statements) {
       const bool is_known = statement.kind == Word::kSignal && statement.is_readable;
       if (!is_known || statement.owner == kNoStatement) continue;

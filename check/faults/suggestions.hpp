@@ -44,7 +44,8 @@ class Suggestions {
   const Names& names_;
   std::size_t comparisons_left_ = 200'000;
   std::unordered_map<int, std::vector<std::string_view>> by_role_;
-  /// By the name of a signal, the first one of it; `kSeveral` when messages share the name.
+  bool has_signals_ = false;  ///< whether those of the document have been put into `signals_`
+  /// By the name of a signal, its message; `kNoStatement` when messages share the name.
   std::unordered_map<std::string_view, std::uint32_t, SeededHash> signals_;
 };
 

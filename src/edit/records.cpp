@@ -1,6 +1,7 @@
 // Creating records, and deleting them with everything that refers to them.
 
 #include <cstdint>
+#include <utility>
 
 #include "edit/edits.hpp"
 #include "model/release.hpp"
@@ -86,11 +87,15 @@ void detach(ZelkDatabase& database, attr_def& definition) {
   database.CheckAndRemovePredefinedAttrs(definition);
 }
 
-/// The signals that it selects as a multiplexor are always present from now on.
+/// The signals that it selects as a multiplexor are always present from now on. Its own flags go
+/// with it: to look whether it still selects one, after each of them, would take the square of
+/// their number.
 void detach_signal(msgblk& message, sigblk& signal) {
   for (siggroupblk& group : each(message.siggroups)) remove_entries(group, signal);
   for (sigblk& other : each(message.signals)) {
-    if (other.mux_signal == &signal) zelk_remove_multiplexor(&other);
+    if (other.mux_signal != &signal) continue;
+    other.mux_signal = nullptr;
+    release_list(std::exchange(other.mux_ranges, nullptr));
   }
   zelk_remove_multiplexor(&signal);
 }
