@@ -1,7 +1,9 @@
 #include "edit/edit_file.hpp"
 
 #include <algorithm>
+#include <filesystem>
 #include <string_view>
+#include <system_error>
 
 #include "check/patch/hunks.hpp"
 #include "edit/text_edit.hpp"
@@ -17,8 +19,11 @@ namespace {
 
 /// @throws RequestError when the file is not the one that was read
 void check_unchanged(const FileEdits& file, const OpenedDatabase& opened) {
-  if (!opened.database->IsPathEqual(file.path.c_str()))
-    throw RequestError("somebody has changed the file meanwhile");
+  if (opened.database->IsPathEqual(file.path.c_str())) return;
+  std::error_code error;
+  static_cast<void>(std::filesystem::current_path(error));
+  throw RequestError(error ? "the working folder is gone: give the file's whole path"
+                           : "somebody has changed the file meanwhile");
 }
 
 /// When the output does not take the lines, the program ends here with the file as it was.
