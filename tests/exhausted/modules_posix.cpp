@@ -6,7 +6,7 @@
 
 #include <cstdio>
 
-#include "exhausted/operation.hpp"
+#include "exhausted/heap.hpp"
 #include "modules/conversions.hpp"
 #include "support/failing.hpp"
 #include "support/paths.hpp"
@@ -68,14 +68,6 @@ class ExhaustedModule : public testing::TestWithParam<const char*> {
   const char* const db_ =
       host_.opened(bytes_of(ZELK_SOURCE_DIR "/tests/data/ok_every_statement.dbc"));
 };
-
-[[maybe_unused]] const bool kIsNamed = [] {
-  for (const char* const name : {"ZelkImporter::ZelkImporter", "ZelkImporter::Import",
-                                 "ZelkExporter::ZelkExporter", "ZelkExporter::Export"}) {
-    named_exports().insert(name);
-  }
-  return true;
-}();
 
 TEST_P(ExhaustedModule, Heap) {
   exhaust(

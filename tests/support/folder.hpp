@@ -11,7 +11,10 @@
 #include <string>
 #include <string_view>
 
-/// A folder in the working directory for one test, removed with all that is in it.
+#include "support/threads.hpp"
+
+/// A folder in the working directory for one test, or a thread of one, removed with all that is in
+/// it.
 class Folder {
  public:
   Folder() : path_(name_of_test()) { std::filesystem::create_directories(path_); }
@@ -53,7 +56,7 @@ class Folder {
     const auto* test = testing::UnitTest::GetInstance()->current_test_info();
     std::string name = std::string(test->test_suite_name()) + "." + test->name();
     std::replace(name.begin(), name.end(), '/', '.');  // in front of a parameter
-    return name;
+    return name + suffix_of_thread();
   }
 
   std::string path_;
