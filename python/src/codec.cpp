@@ -90,13 +90,7 @@ nb::object SignalCodec::number(double physical, std::int64_t raw) const {
   return product + checked(PyLong_FromDouble(record.offset));
 }
 
-Codec::Codec(const msgblk& message, Encoding encoding)
-    : decoder_(message),
-      values_(decoder_.SignalCount()),
-      raw_(decoder_.SignalCount()),
-      present_(decoder_.PresenceWords()),
-      given_(decoder_.SignalCount()),
-      encoding_(encoding) {
+Codec::Codec(const msgblk& message, Encoding encoding) : decoder_(message), encoding_(encoding) {
   std::unordered_map<const sigblk*, std::size_t> indices;
   for (std::size_t i = 0; i < decoder_.SignalCount(); ++i) indices[&decoder_.Signal(i)] = i;
   for (std::size_t i = 0; i < decoder_.SignalCount(); ++i) {
@@ -140,18 +134,34 @@ nb::object Codec::decode_bytes(const unsigned char* data, std::size_t size,
                   name() + ": " + std::to_string(size) + " bytes of data, but the message has " +
                       std::to_string(message().dlc) + "; allow_truncated=True takes what is there");
   }
-  const bool choices = options.choices && has_choices_;
-  if (options.scaling) decoder_.Decode(data, size, values_.data(), present_.data());
-  if (choices || has_big_numbers_ || !options.scaling)
-    decoder_.DecodeRaw(data, size, raw_.data(), present_.data());
+  std::unique_ptr<Decoded> decoded = take_memory();
+  if (options.scaling) decoder_.Decode(data, size, decoded->values.data(), decoded->present.data());
+  if ((options.choices && has_choices_) || has_big_numbers_ || !options.scaling)
+    decoder_.DecodeRaw(data, size, decoded->raw.data(), decoded->present.data());
+  nb::object result = decoded_to_python(*decoded, options);
+  memory_ = std::move(decoded);
+  return result;
+}
+
+/// The memory that a decoding has until it ends; another one that begins meanwhile has its own.
+std::unique_ptr<Codec::Decoded> Codec::take_memory() {
+  if (memory_) return std::move(memory_);
+  const std::size_t count = signals_.size();
+  return std::make_unique<Decoded>(Decoded{std::vector<double>(count),
+                                           std::vector<std::int64_t>(count),
+                                           std::vector<std::uint64_t>(decoder_.PresenceWords())});
+}
+
+nb::object Codec::decoded_to_python(const Decoded& decoded, const DecodeOptions& options) {
   nb::object result = checked(PyDict_New());
   for (std::size_t i = 0; i < signals_.size(); ++i) {
-    if ((present_[i / 64] >> (i % 64) & 1) == 0) continue;
+    if ((decoded.present[i / 64] >> (i % 64) & 1) == 0) continue;
     SignalCodec& signal = signals_[i];
     nb::object value;
-    if (choices && !signal.choices.empty()) value = nb::borrow(signal.choice(raw_[i]));
-    if (!value)
-      value = options.scaling ? signal.number(values_[i], raw_[i]) : signal.raw_number(raw_[i]);
+    if (options.choices && !signal.choices.empty())
+      value = nb::borrow(signal.choice(decoded.raw[i]));
+    if (!value && options.scaling) value = signal.number(decoded.values[i], decoded.raw[i]);
+    if (!value) value = signal.raw_number(decoded.raw[i]);
     if (PyDict_SetItem(result.ptr(), signal.name.ptr(), value.ptr()) != 0) nb::raise_python_error();
   }
   return result;

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -65,7 +66,8 @@ struct EncodeOptions {
   bool strict = true;
 };
 
-/// Needs the lock of the interpreter for every call: it has its own memory for values.
+/// Needs the lock of the interpreter for every call. A call may run code of Python, and so give way
+/// to calls of other threads: what belongs to one frame belongs to one call.
 class Codec {
  public:
   Codec(const msgblk& message, Encoding encoding);
@@ -85,13 +87,28 @@ class Codec {
   std::optional<std::size_t> find(nb::handle name) const;
 
  private:
+  /// The signals of one frame.
+  struct Decoded {
+    std::vector<double> values;
+    std::vector<std::int64_t> raw;
+    std::vector<std::uint64_t> present;
+  };
+  /// What a host gave for a frame.
+  struct Given {
+    std::vector<std::int64_t> raw;  ///< 0 for what was not given
+    std::vector<bool> is_given;
+  };
+
   nb::object decode_bytes(const unsigned char* data, std::size_t size,
                           const DecodeOptions& options);
-  void take_values(nb::handle values, const EncodeOptions& options);
-  std::vector<std::size_t> signals_of_frame(const EncodeOptions& options) const;
-  bool is_selected(std::size_t index, const std::vector<bool>& chosen) const;
+  nb::object decoded_to_python(const Decoded& decoded, const DecodeOptions& options);
+  std::unique_ptr<Decoded> take_memory();
+  Given take_values(nb::handle values, const EncodeOptions& options);
+  std::vector<std::size_t> signals_of_frame(const Given& given, const EncodeOptions& options) const;
+  bool is_selected(std::size_t index, const Given& given, const std::vector<bool>& chosen) const;
   void check_fits(std::size_t index) const;
-  void check_written(const std::vector<std::size_t>& chosen, const unsigned char* frame);
+  void check_written(const Given& given, const std::vector<std::size_t>& chosen,
+                     const unsigned char* frame) const;
   [[noreturn]] void refuse(const std::string& reason) const;
   std::string name() const;
 
@@ -102,10 +119,7 @@ class Codec {
   bool has_big_numbers_ = false;
   std::vector<std::size_t> order_;         ///< signals, each behind its multiplexor
   std::vector<std::size_t> multiplexors_;  ///< index of a signal's, or `kNone`
-  std::vector<double> values_;
-  std::vector<std::int64_t> raw_;
-  std::vector<std::uint64_t> present_;
-  std::vector<bool> given_;
+  std::unique_ptr<Decoded> memory_;        ///< of the last decoding, for the next one
   Encoding encoding_;
 };
 

@@ -42,21 +42,18 @@ void Codec::refuse(const std::string& reason) const {
 }
 
 nb::object Codec::encode(nb::handle values, const EncodeOptions& options) {
-  take_values(values, options);
-  const std::vector<std::size_t> chosen = signals_of_frame(options);
+  const Given given = take_values(values, options);
+  const std::vector<std::size_t> chosen = signals_of_frame(given, options);
   nb::object frame = checked(PyBytes_FromStringAndSize(nullptr, message().dlc));
   auto* const data = reinterpret_cast<unsigned char*>(PyBytes_AS_STRING(frame.ptr()));
   std::fill_n(data, message().dlc, options.padding ? 0xFF : 0);
   for (const std::size_t i : chosen)
-    put_bits(data, signals_[i].record, static_cast<std::uint64_t>(raw_[i]));
-  if (options.strict) check_written(chosen, data);
+    put_bits(data, signals_[i].record, static_cast<std::uint64_t>(given.raw[i]));
+  if (options.strict) check_written(given, chosen, data);
   return frame;
 }
 
-/// Fills `raw_` and `given_`.
-void Codec::take_values(nb::handle values, const EncodeOptions& options) {
-  std::fill(given_.begin(), given_.end(), false);
-  std::fill(raw_.begin(), raw_.end(), 0);
+Codec::Given Codec::take_values(nb::handle values, const EncodeOptions& options) {
   nb::object pairs = nb::borrow(values);
   if (!PyDict_Check(values.ptr())) {
     if (!PyMapping_Check(values.ptr()) || PySequence_Check(values.ptr()) != 0) {
@@ -71,45 +68,45 @@ void Codec::take_values(nb::handle values, const EncodeOptions& options) {
   PyObject* key = nullptr;
   PyObject* value = nullptr;
   Py_ssize_t position = 0;
-  std::vector<std::int64_t> raw(raw_.size());
-  std::vector<bool> given(raw_.size());
+  Given given{std::vector<std::int64_t>(signals_.size()), std::vector<bool>(signals_.size())};
   while (PyDict_Next(pairs.ptr(), &position, &key, &value) != 0) {
     const std::optional<std::size_t> index = find(key);
     if (!index && !options.strict) continue;
     if (!index)
       throw Failure(FailureKind::kUnknownName, name() + " has no signal " + shown(nb::handle(key)));
-    raw[*index] = raw_value(signals_[*index], encoding_, value, options);
-    given[*index] = true;
+    given.raw[*index] = raw_value(signals_[*index], encoding_, value, options);
+    given.is_given[*index] = true;
   }
-  raw_ = std::move(raw);
-  given_ = std::move(given);
+  return given;
 }
 
-bool Codec::is_selected(std::size_t index, const std::vector<bool>& chosen) const {
+bool Codec::is_selected(std::size_t index, const Given& given,
+                        const std::vector<bool>& chosen) const {
   const std::size_t multiplexor = multiplexors_[index];
   if (multiplexor == kNoSignal) return true;
   return chosen[multiplexor] &&
-         is_selected_by(signals_[index].record, static_cast<std::uint32_t>(raw_[multiplexor]));
+         is_selected_by(signals_[index].record, static_cast<std::uint32_t>(given.raw[multiplexor]));
 }
 
 /// The signals that a frame with these values has. With `strict` all of them must be given, and no
 /// other one.
-std::vector<std::size_t> Codec::signals_of_frame(const EncodeOptions& options) const {
+std::vector<std::size_t> Codec::signals_of_frame(const Given& given,
+                                                 const EncodeOptions& options) const {
   std::vector<std::size_t> chosen;
   std::vector<bool> is_chosen(signals_.size());
   std::string missing;
   for (const std::size_t i : order_) {
-    if (!is_selected(i, is_chosen) || signals_[i].kind == NumberKind::kNone) continue;
-    if (!given_[i]) missing += (missing.empty() ? "" : ", ") + shown(signals_[i].name);
+    if (!is_selected(i, given, is_chosen) || signals_[i].kind == NumberKind::kNone) continue;
+    if (!given.is_given[i]) missing += (missing.empty() ? "" : ", ") + shown(signals_[i].name);
     is_chosen[i] = true;
-    if (!given_[i] && end_byte(signals_[i].record) > message().dlc) continue;
+    if (!given.is_given[i] && end_byte(signals_[i].record) > message().dlc) continue;
     check_fits(i);
     chosen.push_back(i);
   }
   if (!options.strict) return chosen;
   if (!missing.empty()) refuse("no value for " + missing + "; strict=False takes zeros");
   for (std::size_t i = 0; i < signals_.size(); ++i) {
-    if (!given_[i] || is_chosen[i]) continue;
+    if (!given.is_given[i] || is_chosen[i]) continue;
     refuse(shown(signals_[i].name) + " would not be in the frame: it is there for " +
            check::presence_values(signals_[i].record) + " of its multiplexor");
   }
@@ -123,11 +120,13 @@ void Codec::check_fits(std::size_t index) const {
 }
 
 /// Signals may share bits.
-void Codec::check_written(const std::vector<std::size_t>& chosen, const unsigned char* frame) {
+void Codec::check_written(const Given& given, const std::vector<std::size_t>& chosen,
+                          const unsigned char* frame) const {
   std::vector<std::int64_t> read(signals_.size());
-  decoder_.DecodeRaw(frame, message().dlc, read.data(), present_.data());
+  std::vector<std::uint64_t> present(decoder_.PresenceWords());
+  decoder_.DecodeRaw(frame, message().dlc, read.data(), present.data());
   for (const std::size_t i : chosen) {
-    if (read[i] != raw_[i])
+    if (read[i] != given.raw[i])
       refuse(shown(signals_[i].name) + " shares bits with another signal, which has another value");
   }
 }
