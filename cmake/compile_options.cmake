@@ -31,6 +31,7 @@ endif()
 
 if(ZELK_SANITIZE)
   add_compile_options(-fsanitize=${ZELK_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_compile_definitions(_GLIBCXX_ASSERTIONS) # indices and iterators that stay within their memory, but not their list
   add_link_options(-fsanitize=${ZELK_SANITIZE})
 endif()
 

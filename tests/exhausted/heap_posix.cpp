@@ -8,18 +8,28 @@
 #include <limits>
 #include <new>
 
+// What would have been called without the functions here. The address sanitizer is asked for its
+// own by name: it allocates before a search could work.
+#ifdef ZELK_UNDER_ADDRESS_SANITIZER
+extern "C" {
+void* __interceptor_malloc(std::size_t size);
+void* __interceptor_calloc(std::size_t count, std::size_t size);
+void* __interceptor_realloc(void* block, std::size_t size);
+int __interceptor_posix_memalign(void** block, std::size_t alignment, std::size_t size);
+void* __interceptor_aligned_alloc(std::size_t alignment, std::size_t size);
+void __interceptor_free(void* block);
+}
+#define NEXT(function) __interceptor_##function
+#else
+#define NEXT(function) (*reinterpret_cast<decltype(&(function))>(dlsym(RTLD_NEXT, #function)))
+#endif
+
 namespace {
 
 constexpr long kDisarmed = std::numeric_limits<long>::max();
 
 std::atomic<long> calls_left = kDisarmed;  // below 0: it was tried
 std::atomic<bool> is_once = false;
-
-/// The function that would have been called without the one here.
-template <typename Function>
-Function* next(const char* name) {
-  return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
-}
 
 void* counted(void* block) {
   if (block) ++ExhaustedHeap::blocks_;
@@ -48,23 +58,23 @@ bool ExhaustedHeap::fails() {
 extern "C" {
 
 void* malloc(std::size_t size) {
-  static auto* const real = next<void*(std::size_t)>("malloc");
+  static auto& real = NEXT(malloc);
   return ExhaustedHeap::fails() ? nullptr : counted(real(size));
 }
 
 void* calloc(std::size_t count, std::size_t size) {
-  static auto* const real = next<void*(std::size_t, std::size_t)>("calloc");
+  static auto& real = NEXT(calloc);
   return ExhaustedHeap::fails() ? nullptr : counted(real(count, size));
 }
 
 void* realloc(void* block, std::size_t size) {
-  static auto* const real = next<void*(void*, std::size_t)>("realloc");
+  static auto& real = NEXT(realloc);
   if (ExhaustedHeap::fails()) return nullptr;
   return block ? real(block, size) : counted(real(block, size));
 }
 
 int posix_memalign(void** block, std::size_t alignment, std::size_t size) {
-  static auto* const real = next<int(void**, std::size_t, std::size_t)>("posix_memalign");
+  static auto& real = NEXT(posix_memalign);
   if (ExhaustedHeap::fails()) return ENOMEM;
   const int error = real(block, alignment, size);
   if (error == 0) counted(*block);
@@ -72,12 +82,12 @@ int posix_memalign(void** block, std::size_t alignment, std::size_t size) {
 }
 
 void* aligned_alloc(std::size_t alignment, std::size_t size) {
-  static auto* const real = next<void*(std::size_t, std::size_t)>("aligned_alloc");
+  static auto& real = NEXT(aligned_alloc);
   return ExhaustedHeap::fails() ? nullptr : counted(real(alignment, size));
 }
 
 void free(void* block) {
-  static auto* const real = next<void(void*)>("free");
+  static auto& real = NEXT(free);
   if (block) --ExhaustedHeap::blocks_;
   real(block);
 }
