@@ -4,8 +4,6 @@
 
 namespace zelk::check {
 
-namespace {}  // namespace
-
 bool Links::has_link(std::uint32_t relation) {
   const Statement& statement = in_.statement(relation);
   const std::string_view node = in_.document.text_of(statement, Role::kNodeRef);

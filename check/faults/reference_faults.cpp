@@ -109,8 +109,8 @@ class ReferenceFaults {
     const auto value = whole_value(in_.document, token);
     if (!value || *value == 0) return;
     const Statement& statement = in_.statement(statement_);
-    if (in_.document.text_of(statement, Role::kNodeRef) == ZELK_NO_NODE &&
-        statement.kind == Word::kCategory)
+    if (statement.kind == Word::kCategory &&
+        in_.document.text_of(statement, Role::kNodeRef) == ZELK_NO_NODE)
       return;
     const std::uint32_t index = in_.index_of(token);
     const bool is_negative = in_.document.tokens[index - 1].is_mark('-');

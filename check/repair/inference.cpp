@@ -3,9 +3,11 @@
 #include <map>
 #include <optional>
 #include <tuple>
+#include <unordered_set>
 #include <utility>
 
 #include "base/numbers.hpp"
+#include "base/seeded_hash.hpp"
 #include "check/findings/sentences.hpp"
 #include "check/repair/number_mends.hpp"
 #include "check/repair/references.hpp"
@@ -43,7 +45,9 @@ class Inference {
   void take(const Fault& fault) {
     const Statement& statement = mender_.statement(fault.statement);
     if (is_default(statement.kind) || statement.kind == Word::kTypeDefinition) return;
-    Values& values = attributes_[attribute_of(statement)];
+    const Attribute attribute = attribute_of(statement);
+    names_.insert(attribute.name);
+    Values& values = attributes_[attribute];
     if (values.count++ == 0) values.first = &fault;
     add_value(values, statement);
   }
@@ -51,11 +55,8 @@ class Inference {
   /// A default without a definition says nothing about any object.
   void drop_alone(const Fault& fault) {
     const Statement& statement = mender_.statement(fault.statement);
-    const std::string_view name = mender_.document.text_of(statement, Role::kAttributeRef);
-    const auto has_name = [&](const auto& each) { return each.first.name == name; };
-    const bool is_alone = std::ranges::none_of(attributes_, has_name);
     const bool needs_other = is_default(statement.kind) || statement.kind == Word::kTypeDefinition;
-    if (needs_other && is_alone) {
+    if (needs_other && !names_.contains(mender_.document.text_of(statement, Role::kAttributeRef))) {
       mender_.drop(fault.kind, fault.statement,
                    "there is no such attribute, and no object has a value of it");
     }
@@ -123,6 +124,7 @@ class Inference {
 
   Mender& mender_;
   std::map<Attribute, Values> attributes_;
+  std::unordered_set<std::string_view, SeededHash> names_;  ///< of `attributes_`
 };
 
 }  // namespace
