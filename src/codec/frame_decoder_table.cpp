@@ -1,4 +1,4 @@
-#include <algorithm>
+#include <unordered_map>
 #include <vector>
 
 #include "base/hash_table.hpp"
@@ -12,13 +12,17 @@ struct ZelkFrameDecoderTable::Entries {
 
   explicit Entries(const msgblk* messages) : places(zelk::each(messages).size()) {
     for (const msgblk& message : zelk::each(messages)) {
-      places.enter(message.id, static_cast<std::uint32_t>(decoders.size()));
+      const auto place = static_cast<std::uint32_t>(decoders.size());
+      places.enter(message.id, place);
+      if (places.find(message.id) != place) hidden.emplace(&message, place);
       decoders.emplace_back(message);
     }
   }
 
   std::vector<ZelkFrameDecoder> decoders;
   zelk::HashTable<std::uint32_t, std::uint32_t, kNone> places;
+  /// Of messages behind another with their identifier.
+  std::unordered_map<const msgblk*, std::uint32_t> hidden;
 };
 
 ZelkFrameDecoderTable::ZelkFrameDecoderTable(const msgblk* messages)
@@ -35,9 +39,6 @@ const ZelkFrameDecoder* ZelkFrameDecoderTable::Find(std::uint32_t id) const {
 const ZelkFrameDecoder* ZelkFrameDecoderTable::Find(const msgblk& message) const {
   const ZelkFrameDecoder* const first = Find(message.id);
   if (first && &first->Message() == &message) return first;
-  const auto& decoders = entries_->decoders;
-  const auto found = std::find_if(decoders.begin(), decoders.end(), [&](const auto& decoder) {
-    return &decoder.Message() == &message;
-  });
-  return found == decoders.end() ? nullptr : &*found;
+  const auto found = entries_->hidden.find(&message);
+  return found == entries_->hidden.end() ? nullptr : &entries_->decoders[found->second];
 }
