@@ -120,10 +120,10 @@ std::vector<Shape> description_shapes() {
       {"BA_SGTYPE_",
        [](Numbers n) {
          return one_of_each() +
-                each(n,
-                     [](std::string& t, std::size_t i) {
-                       put(t, "BA_DEF_ SG_ \"A", i, "\" STRING ;\nBA_DEF_SGTYPE_ \"A", i, "\";\n");
-                     }) +
+                each(n, [](std::string& t,
+                           std::size_t i) { put(t, "BA_DEF_ SG_ \"A", i, "\" STRING ;\n"); }) +
+                each(n, [](std::string& t,
+                           std::size_t i) { put(t, "BA_DEF_SGTYPE_ \"A", i, "\";\n"); }) +
                 each(n, [](std::string& t, std::size_t i) {
                   put(t, "BA_SGTYPE_ \"A", i, "\" SGTYPE_ Y \"x\";\n");
                 });

@@ -1,6 +1,7 @@
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
+#include <string_view>
 
 #include "growth/measuring.hpp"
 #include "growth/operations.hpp"
@@ -99,6 +100,20 @@ void prepare_logs(const Input& input, const Start& start) {
   const ZelkWideDecoder wide(choice);
 }
 
+/// A value that an attribute takes.
+zelk_attr_value_t one(const ZelkDatabase& database, std::string_view attribute) {
+  const attr_def* definition = database.attr_defs;
+  while (definition && attribute != definition->name) definition = definition->next;
+  zelk_attr_value_t value{};
+  static char text[] = "1";
+  if (definition && definition->value_type == ZELK_ATTR_STRING) {
+    value.text = text;
+  } else {
+    value.number = 1;
+  }
+  return value;
+}
+
 /// One call for each way to make, set and delete something, on the first objects.
 void edit(const Input& input, const Start& start) {
   Writing opened(input.database);
@@ -119,10 +134,8 @@ void edit(const Input& input, const Start& start) {
     manager.AddSignal(group, signal);
     manager.SetName(*manager.CreateEnvvar(db, 1U << 30), "FreshVariable");
     attr_def& definition = *manager.CreateAttrDefinition(db, 1U << 30);
-    zelk_attr_value_t value{};
-    value.number = 1;
-    manager.SetAttrValue(db, "A1", value);
-    manager.SetAttrValue(message, "A", value);
+    manager.SetAttrValue(db, "A1", one(opened.database(), "A1"));
+    manager.SetAttrValue(message, "A", one(opened.database(), "A"));
     manager.DeleteAttrDefinition(definition, db);
     manager.DeleteSignal(signal, db);
     manager.DeleteMessage(message, db);

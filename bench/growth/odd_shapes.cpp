@@ -37,10 +37,11 @@ std::vector<Shape> odd_shapes() {
          return head("N") + one_message() + "CM_ BO_ 1 \"" + std::string(20 * n.count, 'x') +
                 "\";\n";
        }},
-      {"one long name",
+      {"names of 1,000 characters",
        [](Numbers n) {
-         return head("N") + "BO_ 1 " + std::string(20 * n.count, 'x') +
-                ": 8 N\n SG_ S : 0|8@1+ (1,0) [0|0] \"\" N\n";
+         return head("N") + each({n.first, n.count / 50}, [](std::string& t, std::size_t i) {
+                  put(t, "BO_ ", i, " ", std::string(990, 'x'), i, ": 8 N\n");
+                });
        }},
       {"one long line of blanks",
        [](Numbers n) { return head("N") + std::string(20 * n.count, ' ') + one_message(); }},

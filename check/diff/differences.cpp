@@ -5,6 +5,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "base/enum_items.hpp"
 #include "base/list.hpp"
 #include "base/seeded_hash.hpp"
 #include "check/diff/pairing.hpp"
@@ -163,6 +164,7 @@ class DatabaseComparison {
 
 void for_each_difference(EncodedDatabase before, EncodedDatabase after,
                          const std::function<void(const Difference&)>& visit) {
+  const IndexedEnumItems items;
   const DatabaseComparison comparison(before, after, visit);
   comparison.network();
   for (const ObjectKind& kind : object_kinds())

@@ -13,11 +13,6 @@ Cell number_cell(const attr_def& definition, double value) {
   return is_hexadecimal(definition, value) ? hexadecimal(value, 1) : number(value);
 }
 
-bool has_item(const attr_def& definition, double index) {
-  const std::size_t count = EnumItems(view(definition.enum_values)).size();
-  return index >= 0 && index <= static_cast<double>(count - 1);
-}
-
 }  // namespace
 
 Cell none() { return {}; }
@@ -47,9 +42,11 @@ Cell node_names(const rxblk* links) {
 Cell value_cell(const attr& value) {
   const attr_def& definition = *value.def;
   const double number = value.value.number;
-  const bool is_text = !has_range(definition) &&
-                       (definition.value_type == ZELK_ATTR_STRING || has_item(definition, number));
-  return is_text ? text(attribute_text(value).value_or("")) : number_cell(definition, number);
+  if (definition.value_type == ZELK_ATTR_STRING) return text(attribute_text(value).value_or(""));
+  const auto item = definition.value_type == ZELK_ATTR_ENUM
+                        ? enum_item(definition.enum_values ? definition.enum_values : "", number)
+                        : std::nullopt;
+  return item ? text(*item) : number_cell(definition, number);
 }
 
 Cell default_cell(const attr_def& definition) {

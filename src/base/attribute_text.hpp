@@ -27,7 +27,7 @@ inline std::optional<std::string_view> attribute_text(const attr& value) {
   const bool is_text = value.def->value_type == ZELK_ATTR_STRING;
   if (is_text && value.value.text) return value.value.text;
   const bool is_item = value.def->value_type == ZELK_ATTR_ENUM && value.def->enum_values;
-  return is_item ? EnumItems(value.def->enum_values).at(value.value.number) : std::nullopt;
+  return is_item ? enum_item(value.def->enum_values, value.value.number) : std::nullopt;
 }
 
 /// Text of a default: of a STRING or an ENUM definition; none for number types and a null text.

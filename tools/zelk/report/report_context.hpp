@@ -10,6 +10,7 @@
 #include <unordered_set>
 
 #include "base/encoded_database.hpp"
+#include "base/enum_items.hpp"
 #include "check/lint/known_attributes.hpp"
 #include "report/element_ids.hpp"
 #include "report/file_findings.hpp"
@@ -38,6 +39,7 @@ struct ReportContext {
   nlohmann::json findings_of(const void* record) const;
 
   EncodedDatabase database;
+  IndexedEnumItems items;
   const FileFindings& findings;
   ElementIds ids;
   Traffic traffic;

@@ -10,6 +10,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/enum_items.hpp"
 #include "input/opening.hpp"
 #include "term/output.hpp"
 #include "words/j1939.hpp"
@@ -71,6 +72,7 @@ class Describer {
   static GroupsOfSignal groups_of(const msgblk& message);
 
   const ZelkDatabase& database_;
+  IndexedEnumItems items_;
   Encoding encoding_;
   Output& out_;
   ParameterGroups parameter_groups_;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "base/enum_items.hpp"
 #include "base/name_filter.hpp"
 #include "base/wildcards.hpp"
 #include "input/lookup.hpp"
@@ -41,6 +42,7 @@ std::vector<std::string> headings_of(const Listing& listing) {
 }
 
 void list_database(const Listing& listing, const DatabaseSet::Entry& entry, RowWriter& writer) {
+  const IndexedEnumItems items;
   std::vector<const attr_def*> definitions;
   for (const std::string& name : listing.attributes)
     definitions.push_back(find_definition(entry.texts, *listing.kind->attribute_type, name));
