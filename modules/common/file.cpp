@@ -13,7 +13,7 @@ namespace zelk::modules {
 namespace {
 
 constexpr std::size_t kBytesMax = std::size_t{1} << 31;
-constexpr std::size_t kBlock = std::size_t{1} << 20;
+constexpr std::size_t kBlock = std::size_t{1} << 16;  // most files are small
 
 [[noreturn]] void fail(const char* what, int code) {
   check_memory(code);
