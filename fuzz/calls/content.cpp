@@ -195,7 +195,7 @@ void edit(ZelkWriteManager& manager, const char* db, Choices& choices) {
 std::uint64_t fingerprint(const ZelkDatabase& d) {
   std::uint64_t sum = 0xCBF29CE484222325;
   add_to(sum, d.comment);
-  add_to(sum, d.user_data);
+  add_to(sum, d.user_data ? d.user_data : "");  // a copy has an empty one
   for (const symblk& node : each(d.nodes)) {
     add_to(sum, node.name);
     add_to(sum, node.comment);
