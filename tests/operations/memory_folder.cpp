@@ -10,7 +10,7 @@ namespace {
 class MemoryFolder : public testing::Environment {
  public:
   void SetUp() override {
-    char path[] = "/dev/shm/zelk_exhausted_XXXXXX";
+    char path[] = "/dev/shm/zelk_operations_XXXXXX";
     if (!mkdtemp(path)) return;
     before_ = std::filesystem::current_path();
     folder_ = path;
