@@ -23,7 +23,7 @@ struct Conversions {
   const char* opened(const std::string& content) {
     const char* db = nullptr;
     EXPECT_EQ(manager.OpenDatabase(folder.write("opened.dbc", content).c_str(), &db, 0), 0)
-        << zelk_get_error_text();
+        << zelk_get_thread_error_text();
     return db;
   }
 
@@ -32,7 +32,7 @@ struct Conversions {
     name = nullptr;
     const ZelkError error =
         importer.Import("imported", &name, folder.write("in.x", content).c_str());
-    const std::string text = zelk_get_error_text();
+    const std::string text = zelk_get_thread_error_text();
     return error != 0 && text.empty() ? "an error without a text" : text;
   }
   ZelkDatabase& imported() { return *manager.GetDatabase(name); }
@@ -42,7 +42,7 @@ struct Conversions {
     const std::string file = folder.path("out.x");
     const ZelkError error = exporter.Export(db, file.c_str());
     EXPECT_EQ(std::filesystem::exists(file), error == 0);
-    const std::string text = zelk_get_error_text() + content_of(file);
+    const std::string text = zelk_get_thread_error_text() + content_of(file);
     std::filesystem::remove(file);
     return text;
   }
