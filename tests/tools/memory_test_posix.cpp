@@ -7,7 +7,7 @@ namespace {
 // The program says so when memory runs out, wherever that is, and the file is none the worse for
 // it.
 TEST(Tool, OutOfMemory) {
-#ifdef __SANITIZE_ADDRESS__
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
   GTEST_SKIP() << "a sanitizer takes more memory than this";
 #endif
   std::string file = "BS_:\n\nBU_: N\n\n";
