@@ -225,7 +225,7 @@ TEST_F(PowerLoss, LeavesTheOldFileOrTheNew) {
       states = power.states();
       for (const State& state : power.states_now()) EXPECT_EQ(content_in(state, "a.dbc"), new_);
     }
-    EXPECT_GT(states.size(), c.is_linked ? 12u : 5u);
+    EXPECT_GT(states.size(), c.is_linked ? 9u : 5u);
     for (const State& state : states) {
       const std::string content = content_in(state, "a.dbc");
       const bool is_old =
