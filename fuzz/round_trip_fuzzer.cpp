@@ -2,21 +2,17 @@
 // back comes back: the same records, and the same bytes. What it cannot is refused when it is
 // saved.
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <string>
-#include <unordered_set>
 
 #include "base/enum_items.hpp"
 #include "base/list.hpp"
 #include "base/text_view.hpp"
 #include "expect.hpp"
-#include "model/symbols.hpp"
-#include "text/words.hpp"
 #include "writer/read_back.hpp"
 #include "writer/writer.hpp"
 #include "written_words.hpp"
@@ -72,23 +68,6 @@ bool has_lone_transmitter(const Lists& lists) {
          }) != nullptr;
 }
 
-bool is_long(const char* name) { return !zelk::fits_inline(zelk::view(name)); }
-
-/// Whether a name is cut that has more characters than the format's: that of a message or signal
-/// behind a message with the same identifier, and any whose attribute the file uses otherwise.
-bool has_lost_names(const Lists& lists) {
-  std::unordered_set<std::uint32_t> ids;
-  for (const msgblk& message : zelk::each(lists.messages)) {
-    const auto has_long_name = [](const sigblk& signal) { return is_long(signal.name); };
-    if (ids.insert(message.id).second) continue;
-    if (is_long(message.name) || zelk::find_first(message.signals, has_long_name)) return true;
-  }
-  return zelk::find_first(lists.definitions, [](const attr_def& definition) {
-           return definition.value_type != ZELK_ATTR_STRING &&
-                  std::ranges::count(zelk::kLongNameAttributes, definition.name) != 0;
-         }) != nullptr;
-}
-
 /// Whether the last item of some ENUM is empty, and is not its only empty one: a file leaves out
 /// the last one of these.
 bool has_empty_items(const Lists& lists) {
@@ -107,7 +86,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (read(first, std::string(reinterpret_cast<const char*>(data), size)) != ZELK_OK) return 0;
   // Saving refuses both: what a file cannot express, and names that were cut on reading.
   if (zelk_symbols_shortened() != 0 || zelk::read_back_fault(view_of(first))) return 0;
-  if (has_lone_transmitter(first) || has_lost_names(first) || has_empty_items(first)) return 0;
+  if (has_lone_transmitter(first) || has_lost_names(first.messages, first.definitions) ||
+      has_empty_items(first))
+    return 0;
   const std::string once = written(first);
   Lists second;
   expect(read(second, once) == ZELK_OK, zelk_get_thread_error_text(), once);

@@ -16,6 +16,16 @@ std::string_view announced(const Document& document, const Token& token) {
   return document.text_of(token).substr(0, kKeptCharacters);
 }
 
+/// Behind the list, a statement of a kind that it announces no more would become a part of it.
+void drop_announced(Mender& mender, const NameSet& kinds) {
+  if (kinds.empty()) return;
+  for (std::uint32_t i = 0; i < mender.document.statements.size(); ++i) {
+    const Statement& statement = mender.statement(i);
+    if (statement.kind == Word::kAnnounced && kinds.contains(mender.text_of(statement.first)))
+      mender.drop(FaultKind::kStray, i, "it begins no statement");
+  }
+}
+
 }  // namespace
 
 NameSet announced_names(const Document& document) {
@@ -39,16 +49,19 @@ void forget_used_names(Mender& mender, std::uint32_t list) {
   const Statement& statement = mender.statement(list);
   if (mender.is_settled(list) || !mender.is_on(FaultKind::kOrder)) return;
   const NameSet used = names_in_front(mender.document, statement);
+  NameSet forgotten;
   for (std::uint32_t i = statement.first; i < statement.end; ++i) {
     const Token& token = mender.token(i);
     const bool is_used =
         token.kind == TokenKind::kName && used.contains(announced(mender.document, token));
     if (!is_used) continue;
+    forgotten.insert(announced(mender.document, token));
     mender.erase_tokens(i, i + 1);
     mender.note(FaultKind::kOrder, list, i, i + 1,
                 shown(mender.text_of(i)) +
                     " removed from the list of new symbols, statements in front use the name");
   }
+  drop_announced(mender, forgotten);
 }
 
 }  // namespace zelk::check

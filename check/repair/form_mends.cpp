@@ -144,12 +144,11 @@ void FormMends::mend_surplus(const Fault& fault) {
   const Token& first = mender_.token(fault.token);
   const Token& last = mender_.token(end - 1);
   const std::string text = shown(mender_.document.source.text(first.begin, last.end));
-  const std::uint32_t behind = last.end;
   const std::string_view source = mender_.document.source.text();
-  const bool separates = first.is_mark(',') && end == fault.token + 1 && behind != source.size() &&
-                         is_name_character(source[behind]);
+  // What stands in front, or is added there, and what stands behind must not become one word.
+  const bool separates = last.end != source.size() && is_name_character(source[last.end]);
   if (separates) {
-    mender_.edits.replace(first.begin, first.end, " ");
+    mender_.edits.replace(first.begin, last.end, " ");
   } else {
     mender_.erase_tokens(fault.token, end);
   }

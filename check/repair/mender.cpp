@@ -24,9 +24,10 @@ Span with_line(std::string_view text, Span span) {
   return {begin, end == text.size() ? end : end + 1};
 }
 
-/// Whether names or numbers would touch without the stretch between them.
+/// Whether a name or number behind a stretch would touch what stands in front of it, or is added.
 bool joins_words(std::string_view text, Span span) {
-  return span.begin != 0 && span.end < text.size() && is_name_character(text[span.begin - 1]) &&
+  return span.begin != 0 && span.end < text.size() &&
+         static_cast<unsigned char>(text[span.begin - 1]) > ' ' &&
          is_name_character(text[span.end]);
 }
 

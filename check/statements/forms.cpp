@@ -451,13 +451,13 @@ class FormReader {
 
   enum class Words { kFault, kTaken };
 
-  /// @param words  whether a name may be the value
+  /// @param words  whether a name, which a keyword is not, may be the value
   void value_and_end(Words words) {
     if (!in_.is_readable()) return;
     if (in_.at_text()) {
       in_.take(Role::kValue);
     } else if (in_.at_name() && !in_.at_number()) {
-      if (words == Words::kFault)
+      if (words == Words::kFault || !in_.at_kind(TokenKind::kName))
         in_.fault(FaultKind::kUnquotedText, in_.at(), in_.at() + 1, "a text between quotes");
       in_.take(Role::kValue);
     } else {

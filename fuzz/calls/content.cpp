@@ -229,6 +229,10 @@ std::string words_of(const ZelkDatabase& database) {
   return without(written_words(zelk::view_of(database)), kMiscounted);
 }
 
+bool has_lost_names(const ZelkDatabase& database) {
+  return has_lost_names(database.messages, database.attr_defs);
+}
+
 bool read_words(const std::string& path, std::string& words) {
   Lists lists;
   const bool is_read = lists.try_read(path.c_str()) == ZELK_OK;

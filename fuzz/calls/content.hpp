@@ -20,7 +20,9 @@ void edit(ZelkWriteManager& manager, const char* db, Choices& choices);
 std::uint64_t fingerprint(const ZelkDatabase& database);
 /// The records in words, without counts, which edits by hand may leave wrong.
 std::string words_of(const ZelkDatabase& database);
-/// The same of a file.
+/// Whether a file has the names of some records cut.
+bool has_lost_names(const ZelkDatabase& database);
+/// The words of a file.
 ///
 /// @return whether it can be read
 bool read_words(const std::string& path, std::string& words);

@@ -58,6 +58,19 @@ TEST(Mends, Forms) {
       {kHead + "VAL_ 1 s 0 off 1 on-line;\n", kHead + "VAL_ 1 s 0 'off' 1 'on-line';\n"},
       {kHead + "CM_ SG_ 1 s foo 'x';\n", kHead + "CM_ SG_ 1 s 'x';\n", "surplus"},
       {kHead + "CM_ 1 'x';\n", kHead + "CM_ BO_ 1 'x';\n", "comment-object"},
+      // A word that is added in front of a mark does not become one with the next word.
+      {kHead + " SG_ t : 8|8@1+ (1,0) [0|1] ''(SG_ u : 8|8@1+ (1,0) [0|1] '' B\n",
+       kHead + " SG_ t : 8|8@1+ (1,0) [0|1] '' Ostrel__XXX SG_ u : 8|8@1+ (1,0) [0|1] '' B\n",
+       "stray missing"},
+      // What the list has behind a name that it must not announce would come into the list.
+      {"BS_:\nBU_: A\nBO_ 1 M: 8 A\nNS_ :\n A :\nA ;\n", "NS_ :\n \nBS_:\nBU_: A\nBO_ 1 M: 8 A\n",
+       "stray order stray order"},
+      // A keyword is no value, where a name may be one.
+      {"BS_:\nBU_: A\nEV_ V: 1 [0|0] '' 0 1 DUMMY_NODE_OSTREL0 A;\n"
+       "BA_DEF_REL_ BU_EV_REL_ 'R' STRING ;\nBA_REL_ 'R' BU_EV_REL_ A V CM_;\n",
+       "BS_:\nBU_: A\nEV_ V: 1 [0|0] '' 0 1 DUMMY_NODE_OSTREL0 A;\n"
+       "BA_DEF_REL_ BU_EV_REL_ 'R' STRING ;\nBA_REL_ 'R' BU_EV_REL_ A V 'CM_';\n",
+       "unquoted-text"},
       {kHead + "?\nFOO_ 1;\n" + tail, kHead + tail, "stray"},
       {kHead + "CM_ 'a\xFFz';\n\xFF" + tail, kHead + "CM_ 'a\xFFz';\n " + tail, "end-byte"},
       {"BS_:\rBU_: A\r// c", "BS_:\nBU_: A\n// c\n", "line-ends final-line-feed"},
