@@ -31,6 +31,9 @@ TEST_F(ManagerThreads, ShareWhatTheyRead) {
       "shared.dbc", "BS_:\nBU_: A\nBO_ 1 M: 8 A\n SG_ S : 0|8@1+ (2,1) [0|0] \"\" A\n");
   const std::string faulty = folder.write("faulty.dbc", kFaulty);
   Manager holder;
+  EXPECT_EQ(holder.OpenDatabase(faulty.c_str(), nullptr, 0), ZelkErrorNoDatabase);
+  const std::string told = holder.GetLastOpenError();
+  EXPECT_NE(told, "");
   const ZelkDatabase* const held = holder.GetConstDatabase(open(holder, shared));
   const ZelkFrameDecoderTable decoders(held->messages);
   run_in_threads([&](int thread, int round) {
@@ -49,6 +52,7 @@ TEST_F(ManagerThreads, ShareWhatTheyRead) {
     EXPECT_EQ(value, 2 * round + 1);
     EXPECT_TRUE(manager.LockAllDatabases("reading"));
     EXPECT_EQ(manager.OpenDatabase(faulty.c_str(), nullptr, 0), ZelkErrorNoDatabase);
+    EXPECT_EQ(manager.GetLastOpenError(), told);
     EXPECT_STREQ(manager.GetDatabaseName(shared.c_str()), own.c_str());
     manager.CloseDatabase(b, round % 2 == 0);
     EXPECT_EQ(manager.SetDatabaseName(a, nullptr, "renamed"), ZelkErrorOk);
