@@ -34,5 +34,40 @@ TEST(Encoding, FollowsFromTheBytesAndConvertsBothWays) {
   EXPECT_EQ(from_utf8("\u03A9", Encoding::kWindows1252), std::nullopt);
 }
 
+TEST(Encoding, RefusesOrReplacesWhatIsNotUtf8) {
+  const struct {
+    std::string bytes;
+    std::string replaced;
+  } cases[] = {
+      {"a\x80z", "a\uFFFDz"},
+      {"\xC3(", "\uFFFD("},
+      {"\xF5\x80", "\uFFFD\uFFFD"},
+      {"\xE2\x82", "\uFFFD\uFFFD"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(to_utf8(c.bytes, Encoding::kUtf8), c.replaced);
+    EXPECT_EQ(from_utf8(c.bytes, Encoding::kUtf8), std::nullopt) << c.replaced;
+    EXPECT_EQ(from_utf8(c.bytes, Encoding::kWindows1252), std::nullopt) << c.replaced;
+  }
+}
+
+TEST(Encoding, AppendsCodePointsOfEachSize) {
+  const struct {
+    std::uint32_t code_point;
+    std::string utf8;
+  } cases[] = {{0x7F, "\x7F"},
+               {0x80, "\xC2\x80"},
+               {0x7FF, "\xDF\xBF"},
+               {0x800, "\xE0\xA0\x80"},
+               {0xFFFF, "\xEF\xBF\xBF"},
+               {0x10000, "\xF0\x90\x80\x80"},
+               {0x10FFFF, "\xF4\x8F\xBF\xBF"}};
+  for (const auto& c : cases) {
+    std::string text = "=";
+    append_utf8(text, c.code_point);
+    EXPECT_EQ(text, "=" + c.utf8);
+  }
+}
+
 }  // namespace
 }  // namespace zelk

@@ -24,6 +24,9 @@ TEST_F(Names, AreComparedByAddress) {
     EXPECT_TRUE(is_unknown(manager.GetPriority(db)));
     EXPECT_TRUE(is_unknown(manager.AssignDatabaseInfo(&manager, db)));
     EXPECT_TRUE(is_unknown(manager.GetSelectionPattern(db).key));
+    EXPECT_TRUE(is_unknown(manager.AssignSelectionPattern({1, 1}, db)));
+    EXPECT_TRUE(is_unknown(manager.GetDatabaseInfo(db)));
+    EXPECT_TRUE(is_unknown(manager.SymbolsShortenedOnRead(db)));
     EXPECT_TRUE(is_unknown(manager.GetDefaultDatabaseName(db, buffer, sizeof buffer)));
     EXPECT_STREQ(buffer, "#");
     EXPECT_TRUE(is_unknown(manager.LockDatabase(db, "reason")));

@@ -49,6 +49,42 @@ TEST(Lists, InsertBehindAPositionAndDeleteAnyRecord) {
   EXPECT_EQ(message.signal_count, 0);
 }
 
+/// Expects that a deletion takes neither a list nor a record that is not there.
+template <typename Owner, typename Record>
+void expect_nothing_to_delete(void (*remove)(Owner*, Record*)) {
+  Owner owner{};
+  Record record{};
+  remove(nullptr, &record);
+  remove(&owner, nullptr);
+  remove(nullptr, nullptr);
+}
+
+TEST(Lists, DeleteNothingWithoutAListOrARecord) {
+  expect_nothing_to_delete(can_delete_symbol);
+  expect_nothing_to_delete(can_delete_msg);
+  expect_nothing_to_delete(can_delete_evblk);
+  expect_nothing_to_delete(can_delete_btl);
+  expect_nothing_to_delete(can_delete_attr_def);
+  expect_nothing_to_delete(can_delete_category);
+  expect_nothing_to_delete(can_delete_sigtype);
+  expect_nothing_to_delete(can_delete_valtable);
+  expect_nothing_to_delete(can_delete_sig);
+  expect_nothing_to_delete(can_delete_siggroup);
+  expect_nothing_to_delete(can_delete_multiplexor_value_range);
+  can_delete_siglist(nullptr);
+  can_deallocate_sig(nullptr);
+  can_deallocate_siggroup(nullptr);
+  zelk_remove_multiplexor(nullptr);
+}
+
+TEST(Lists, DeleteTheDefaultOfADefinitionOfTexts) {
+  attr_def* head = zelk_create_attr_def();
+  head->value_type = ZELK_ATTR_STRING;
+  head->default_value.text = text("goes");
+  can_delete_attr_def(&head, head);
+  EXPECT_EQ(head, nullptr);
+}
+
 // What a deletion leaves alone the test releases: the address sanitizer tells what goes twice or
 // never.
 
