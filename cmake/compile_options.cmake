@@ -37,9 +37,12 @@ endif()
 
 option(ZELK_COVERAGE "Count which lines and branches of the libraries, the checks and the modules are run (g++ only)" OFF)
 
-# For a folder whose sources are counted. All programs link with the library of counters.
+# For a folder whose sources are counted, each by itself. Objects of several sources that are linked into more than one
+# library or program differ there in the inline functions that the linker keeps: their counters cannot be added up.
+# All programs link with the library of counters.
 macro(zelk_count_coverage)
   if(ZELK_COVERAGE)
+    set(CMAKE_UNITY_BUILD OFF)
     add_compile_options(--coverage -fprofile-update=atomic)
   endif()
 endmacro()
