@@ -24,7 +24,7 @@ namespace fs = std::filesystem;
 // what else the machine does.
 constexpr double kSteep = 3;
 // Of the largest input. In less time 16,000 statements are not compared with each other.
-constexpr double kLeastSeconds = 0.03;
+constexpr double kLeastSeconds = 0.1;
 constexpr std::size_t kStatements = 4000;
 constexpr std::size_t kLines = 32000;
 constexpr std::size_t kDatabases = 1000;

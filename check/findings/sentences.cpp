@@ -1,5 +1,8 @@
 #include "check/findings/sentences.hpp"
 
+#include <algorithm>
+#include <span>
+
 namespace zelk::check {
 
 namespace {
@@ -8,7 +11,14 @@ constexpr std::size_t kMostShown = 300;  // characters
 
 /// The object that a statement names by references: "signal Speed of message 1492".
 std::string object_of(const Document& document, const Statement& statement) {
-  const auto name = [&](Role role) { return std::string(document.text_of(statement, role)); };
+  // They stand in front. What follows may be long, and each of its tokens may have its own finding.
+  constexpr std::size_t kMostInFront = 16;
+  std::span<const Token> front = document.tokens_of(statement);
+  front = front.first(std::min(front.size(), kMostInFront));
+  const auto name = [&](Role role) {
+    const auto token = std::ranges::find(front, role, &Token::role);
+    return token == front.end() ? std::string() : std::string(document.content_of(*token));
+  };
   const std::string message = name(Role::kMessageRef);
   const std::string signal = name(Role::kSignalRef);
   if (!signal.empty()) return "signal " + signal + " of message " + message;
