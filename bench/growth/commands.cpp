@@ -75,7 +75,7 @@ std::vector<Operation> log_commands() {
       command({"decode", "IN", "OTHER", "--stats"}),
       command({"decode", "IN", "OTHER", "--j1939-tp", "--match-pgn", "--format", "json"}),
       command({"decode", "IN", "OTHER", "--wide", "-o", "OUT/"}),
-      command({"decode", "IN", "OTHER", "--wide", "--every", "1s", "-o", "OUT"}),
+      command({"decode", "IN", "OTHER", "--wide", "--signal", "S", "--every", "1s", "-o", "OUT"}),
       command({"log", "OTHER", "-o", "OUT", "--stats"}),
       command({"log", "OTHER", "OTHER", "-o", "OUT", "--times", "points"}),
       command({"plot", "IN", "OTHER", "S", "W", "-o", "OUT.svg"}),

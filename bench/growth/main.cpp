@@ -45,8 +45,11 @@ class Files {
  public:
   using MakeText = std::function<std::string(Numbers)>;
 
-  Files(std::string folder, std::string name, MakeText text)
-      : folder_(std::move(folder)), name_(std::move(name)), text_(std::move(text)) {}
+  Files(std::string folder, std::string name, std::string end, MakeText text)
+      : folder_(std::move(folder)),
+        name_(std::move(name)),
+        end_(std::move(end)),
+        text_(std::move(text)) {}
   Files(const Files&) = delete;
   Files& operator=(const Files&) = delete;
   ~Files() {
@@ -58,14 +61,14 @@ class Files {
   const std::string& path(Numbers numbers) {
     std::string& path = paths_[{numbers.first, numbers.count}];
     if (path.empty()) {
-      path = folder_ + "/" + name_ + std::to_string(paths_.size());
+      path = folder_ + "/" + name_ + std::to_string(paths_.size()) + end_;
       std::ofstream(path, std::ios::binary) << text_(numbers);
     }
     return path;
   }
 
  private:
-  std::string folder_, name_;
+  std::string folder_, name_, end_;
   MakeText text_;
   std::map<std::pair<std::size_t, std::size_t>, std::string> paths_;
 };
@@ -87,7 +90,7 @@ class Growth {
   void measure(const std::vector<Operation>& operations, const Shape& shape, const char* variant,
                const Files::MakeText& text) {
     const std::string name = std::string(shape.name) + variant;
-    Files files(folder_, "in", text);
+    Files files(folder_, "in", ".dbc", text);
     for (const Operation& operation : operations) {
       if (!is_chosen(operation, name)) continue;
       measure(operation, shape, name, kStatements, [&](Numbers n) {
@@ -99,8 +102,8 @@ class Growth {
 
   void measure_logs(const Shape& shape) {
     const std::string name = std::string("log: ") + shape.name;
-    Files files(folder_, "log", shape.text);
-    Files database(folder_, "database", [](Numbers) {
+    Files files(folder_, "log", ".log", shape.text);
+    Files database(folder_, "database", ".dbc", [](Numbers) {
       return std::string(
           "BS_:\nBU_: N\nBO_ 1 M: 4 N\n SG_ S : 0|32@0+ (1,0) [0|0] \"\" N\n"
           "BO_ 2 X: 4 N\n SG_ W M : 0|32@0+ (1,0) [0|0] \"\" N\n");

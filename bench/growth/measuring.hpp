@@ -21,10 +21,10 @@ inline constexpr double kNoEnd = std::numeric_limits<double>::infinity();
 using Start = std::function<void()>;
 double seconds_of(const std::function<void(const Start&)>& work);
 
-/// Processor seconds of a program from its start to its end, whatever its exit code; its output is
-/// dropped. `kNoEnd` when it took too long.
+/// Processor seconds of a program from its start to its end, which may find faults in its input
+/// (exit code 1); its output is dropped. `kNoEnd` when it took too long.
 ///
-/// @throws std::runtime_error when a signal ended it
+/// @throws std::runtime_error when it ended otherwise
 double seconds_of(const std::vector<std::string>& program);
 
 int process_id();

@@ -50,7 +50,12 @@ double run_child(const Work& work) {
   while (wait4(child, &status, 0, &usage) < 0) {
     if (errno != EINTR) throw std::system_error(errno, std::generic_category(), "wait4");
   }
-  if (!WIFSIGNALED(status)) return used_seconds(usage);
+  if (WIFEXITED(status)) {
+    // Faults of the input are measured; a command line that is none would be quick for any input.
+    const int code = WEXITSTATUS(status);
+    if (code > 1) throw std::runtime_error("ended with exit code " + std::to_string(code));
+    return used_seconds(usage);
+  }
   if (WTERMSIG(status) == SIGXCPU || WTERMSIG(status) == SIGKILL) return kNoEnd;
   throw std::runtime_error("ended by signal " + std::to_string(WTERMSIG(status)));
 }
