@@ -65,6 +65,8 @@ TEST(Mends, Forms) {
       // What the list has behind a name that it must not announce would come into the list.
       {"BS_:\nBU_: A\nBO_ 1 M: 8 A\nNS_ :\n A :\nA ;\n", "NS_ :\n \nBS_:\nBU_: A\nBO_ 1 M: 8 A\n",
        "stray order stray order"},
+      {"NS_ : e\n 9 e A ;\nBS_:\nBU_: A\nBO_ 1 M: 8 A\n",
+       "NS_ : e\n \nBS_:\nBU_: A\nBO_ 1 M: 8 A\n", "stray stray"},
       // A keyword is no value, where a name may be one.
       {"BS_:\nBU_: A\nEV_ V: 1 [0|0] '' 0 1 DUMMY_NODE_OSTREL0 A;\n"
        "BA_DEF_REL_ BU_EV_REL_ 'R' STRING ;\nBA_REL_ 'R' BU_EV_REL_ A V CM_;\n",
