@@ -26,18 +26,6 @@ void drop_announced(Mender& mender, const NameSet& kinds) {
   }
 }
 
-/// Without what divides them from the list, statements of announced kinds would become a part of
-/// it.
-void drop_next_to_list(Mender& mender, std::uint32_t list) {
-  const auto is_announced = [&](std::uint32_t index) {
-    return mender.statement(index).kind == Word::kAnnounced;
-  };
-  for (std::uint32_t i = list + 1; i < mender.document.statements.size(); ++i) {
-    if (is_announced(i)) mender.drop(FaultKind::kStray, i, "it begins no statement");
-    if (!mender.is_dropped(i)) return;
-  }
-}
-
 }  // namespace
 
 NameSet announced_names(const Document& document) {
@@ -74,7 +62,16 @@ void forget_used_names(Mender& mender, std::uint32_t list) {
                     " removed from the list of new symbols, statements in front use the name");
   }
   drop_announced(mender, forgotten);
-  drop_next_to_list(mender, list);
+}
+
+void drop_next_to_list(Mender& mender, std::uint32_t list) {
+  const auto is_announced = [&](std::uint32_t index) {
+    return mender.statement(index).kind == Word::kAnnounced;
+  };
+  for (std::uint32_t i = list + 1; i < mender.document.statements.size(); ++i) {
+    if (is_announced(i)) mender.drop(FaultKind::kStray, i, "it begins no statement");
+    if (!mender.is_dropped(i)) return;
+  }
 }
 
 }  // namespace zelk::check

@@ -28,6 +28,10 @@ NameSet names_in_front(const Document& document, const Statement& end);
 /// @param list  index of the first "NS_"
 void forget_used_names(Mender& mender, std::uint32_t list);
 
+/// Drops statements of announced kinds that nothing divides from the list any more: they would
+/// become a part of it. Comes when all else that is dropped is.
+void drop_next_to_list(Mender& mender, std::uint32_t list);
+
 }  // namespace zelk::check
 
 #endif

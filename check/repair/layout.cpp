@@ -314,6 +314,7 @@ void mend_sections(Mender& mender, std::span<const std::string_view> nodes) {
     for (const Word kind : {Word::kVersion, Word::kNewSymbols, Word::kBitTiming, Word::kNodes})
       merge_sections(mender, kind);
   }
+  if (!symbols.empty()) drop_next_to_list(mender, symbols[0]);
   if (statements_of(mender, Word::kBitTiming).empty())
     add_section(mender, FaultKind::kMissingBitTiming, Word::kBitTiming, "");
   const std::vector<std::uint32_t> lists = statements_of(mender, Word::kNodes);

@@ -69,7 +69,7 @@ void Mender::erase(std::uint32_t index) {
   const Span span =
       with_line(document.source.text(), {document.begin_of(there), document.end_of(there)});
   // What stood on both sides must not become one word.
-  edits.replace(span.begin, span.end, joins_words(document.source.text(), span) ? " " : "");
+  edits.drop(span.begin, span.end, joins_words(document.source.text(), span) ? " " : "");
 }
 
 void Mender::rewrite(std::uint32_t index, std::string text) {

@@ -71,8 +71,11 @@ void Edits::copy_part(std::string_view original, const Part& part, Composition& 
   auto edit = std::ranges::lower_bound(edits_, std::uint64_t{part.begin} * 2 + (is_first ? 0 : 1),
                                        {}, &Edit::place);
   std::uint32_t at = part.begin;
+  bool is_dropped = false;  // what stands in front of `at`
   for (; edit != edits_.end() && edit->place <= std::uint64_t{part.end} * 2; ++edit) {
-    if (edit->begin() < at) continue;
+    const bool is_behind_dropped = is_dropped && edit->place == std::uint64_t{at} * 2;
+    if (edit->begin() < at || is_behind_dropped) continue;
+    is_dropped = edit->is_drop;
     to.copy(original, at, edit->begin());
     to.add(edit->text, edit->begin());
     at = std::max(at, edit->end);

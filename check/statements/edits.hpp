@@ -68,6 +68,11 @@ class Edits {
     add(begin, end, 1, text);
   }
   void erase(std::uint32_t begin, std::uint32_t end) { replace(begin, end, {}); }
+  /// As `replace`, for a whole: what was inserted behind its last character goes with it.
+  void drop(std::uint32_t begin, std::uint32_t end, std::string text) {
+    replace(begin, end, std::move(text));
+    edits_.back().is_drop = true;
+  }
   bool empty() const { return edits_.empty(); }
 
   /// @param parts  make up the changed text, in this order; stretches of the original, which do not
@@ -81,6 +86,7 @@ class Edits {
     std::uint64_t place;  ///< twice the offset, and one more for what belongs to what follows
     std::uint32_t end;
     std::string text;
+    bool is_drop = false;
     std::uint32_t begin() const { return static_cast<std::uint32_t>(place / 2); }
   };
   void add(std::uint32_t begin, std::uint32_t end, std::uint32_t side, std::string& text) {

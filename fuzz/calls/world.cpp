@@ -1,6 +1,7 @@
 #include "calls/world.hpp"
 
 #include <algorithm>
+#include <cctype>
 #include <cstring>
 
 #include "calls/content.hpp"
@@ -87,12 +88,18 @@ void World::close(Side& side, const Held& held) {
   side.held.erase(side.held.begin() + (&held - side.held.data()));
 }
 
+std::string World::folded(std::string path) {
+  std::transform(path.begin(), path.end(), path.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return path;
+}
+
 void World::keep(const ZelkDatabase& database) {
-  if (database.path) kept_[database.path].insert(fingerprint(database));
+  if (database.path) kept_[folded(database.path)].insert(fingerprint(database));
 }
 
 bool World::is_kept(const ZelkDatabase& database) const {
-  const auto kept = kept_.find(database.path);
+  const auto kept = kept_.find(folded(database.path));
   return kept != kept_.end() && kept->second.count(fingerprint(database)) != 0;
 }
 

@@ -66,10 +66,10 @@ class World {
   /// Comes before the manager closes it.
   void close(Side& side, const Held& held);
   /// From now on a database of that path may be in the cache, whoever closes it.
-  void keep(const std::string& path) { kept_[path]; }
+  void keep(const std::string& path) { kept_[folded(path)]; }
   /// Remembers the content of a database, which whoever opens that path next may find in the cache.
   void keep(const ZelkDatabase& database);
-  bool is_kept(const std::string& path) const { return kept_.count(path) != 0; }
+  bool is_kept(const std::string& path) const { return kept_.count(folded(path)) != 0; }
   bool is_kept(const ZelkDatabase& database) const;
 
   // What the present call may change; nothing, unless it is said.
@@ -83,6 +83,8 @@ class World {
   void check();
 
  private:
+  /// Where one of two files that differ in case alone is missing, the other one is found by both.
+  static std::string folded(std::string path);
   void check_held(const Side& side, const Held& held) const;
   void check_locks(const Side& side) const;
   void check_contents();

@@ -67,6 +67,10 @@ TEST(Mends, Forms) {
        "stray order stray order"},
       {"NS_ : e\n 9 e A ;\nBS_:\nBU_: A\nBO_ 1 M: 8 A\n",
        "NS_ : e\n \nBS_:\nBU_: A\nBO_ 1 M: 8 A\n", "stray stray"},
+      {"BS_:\nNS_ : e\nBS_:\ne A ;\nBU_: A\nBO_ 1 M: 8 A\n",
+       "NS_ : e\nBS_:\nBU_: A\nBO_ 1 M: 8 A\n"},
+      // What is added to a statement goes with it.
+      {"VERSION ''\n" + kHead + "VERSION '", "VERSION ''\n" + kHead},
       // A keyword is no value, where a name may be one.
       {"BS_:\nBU_: A\nEV_ V: 1 [0|0] '' 0 1 DUMMY_NODE_OSTREL0 A;\n"
        "BA_DEF_REL_ BU_EV_REL_ 'R' STRING ;\nBA_REL_ 'R' BU_EV_REL_ A V CM_;\n",
