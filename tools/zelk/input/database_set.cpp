@@ -57,7 +57,8 @@ OpenedDatabase DatabaseSet::import(const std::string& path, const Format& format
   std::error_code error;
   std::filesystem::path canonical = std::filesystem::weakly_canonical(file, error);
   check_memory(error);
-  if (!imported_.insert(error ? file : std::move(canonical)).second) {
+  if (error) canonical = file;
+  if (!imported_.insert(std::move(canonical)).second) {
     OpenedDatabase opened;
     opened.error = ZelkErrorAlreadyOpen;
     return opened;
