@@ -9,6 +9,8 @@
 #include <fstream>
 #include <system_error>
 
+#include "zelk/export.h"
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -32,7 +34,7 @@ void set_next_time(int descriptor) {
 
 /// In place of the system's: files in memory outlast no loss of power, and need a time of their
 /// own.
-extern "C" __attribute__((visibility("default"))) int fsync(int descriptor) {
+extern "C" ZELK_MODULE_EXPORT int fsync(int descriptor) {
   set_next_time(descriptor);
   return 0;
 }
