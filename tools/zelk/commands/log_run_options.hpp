@@ -28,6 +28,7 @@ void add_match_pgn_option(CLI::App& command, bool& match_groups);
 /// Adds --j1939-tp and --match-pgn.
 void add_j1939_options(CLI::App& command, LogRunOptions& options, bool& match_groups);
 
+/// What --threads says of the number that is taken when none is given.
 inline constexpr char kByCores[] = "as many as there are cores for a large file";
 
 /// Adds the options about times, and --strict, --stats and --threads.

@@ -39,7 +39,7 @@ struct ReportContext {
   nlohmann::json findings_of(const void* record) const;
 
   EncodedDatabase database;
-  IndexedEnumItems items;
+  IndexedEnumItems items;  ///< keeps looking up values quick while the page is made
   const FileFindings& findings;
   ElementIds ids;
   Traffic traffic;

@@ -72,7 +72,7 @@ class Describer {
   static GroupsOfSignal groups_of(const msgblk& message);
 
   const ZelkDatabase& database_;
-  IndexedEnumItems items_;
+  IndexedEnumItems items_;  ///< keeps looking up values quick while the object lives
   Encoding encoding_;
   Output& out_;
   ParameterGroups parameter_groups_;
