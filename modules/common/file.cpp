@@ -2,7 +2,6 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <new>
 #include <system_error>
 
 #include "base/check_memory.hpp"

@@ -1,7 +1,5 @@
 #include "files/paths_win32.hpp"
 
-#include <new>
-
 #include "base/check_memory.hpp"
 
 namespace zelk::files {

@@ -12,7 +12,6 @@
 #include <cwchar>
 #include <filesystem>
 #include <mutex>
-#include <new>
 #include <string>
 #include <string_view>
 #include <system_error>
