@@ -121,9 +121,9 @@ EditTarget EditTargets::object(const std::string& name) const {
 }
 
 zelk_obj_t attribute_type(const EditTarget& target) {
-  constexpr zelk_obj_t kTypes[] = {ZELK_OBJ_NETWORK, ZELK_OBJ_NODE, ZELK_OBJ_MESSAGE,
-                                   ZELK_OBJ_SIGNAL, ZELK_OBJ_ENVVAR};
-  return kTypes[target.index()];
+  constexpr zelk_obj_t kOfTargets[] = {ZELK_OBJ_NETWORK, ZELK_OBJ_NODE, ZELK_OBJ_MESSAGE,
+                                       ZELK_OBJ_SIGNAL, ZELK_OBJ_ENVVAR};
+  return kOfTargets[target.index()];
 }
 
 std::string shown_target(const EditTarget& target) { return std::visit(ShowTarget(), target); }
