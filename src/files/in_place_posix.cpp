@@ -134,6 +134,15 @@ bool is_trusted(const struct stat& copy, uid_t owner_of_target) {
   return S_ISREG(copy.st_mode) && (copy.st_uid == geteuid() || copy.st_uid == owner_of_target);
 }
 
+/// Without a type where this process can have no file.
+struct stat status_at(const fs::path& path) {
+  struct stat status = {};
+  if (lstat(path.c_str(), &status) == 0) return status;
+  for (const int none : {ENOENT, ENOTDIR, EACCES, ENAMETOOLONG, ELOOP})
+    if (errno == none) return {};
+  fail_save();
+}
+
 /// Whoever may read the target may read its copy, where the process can give it to them.
 void share_like(const Descriptor& old, const Descriptor& copy) {
   try {
@@ -186,8 +195,7 @@ Descriptor open_whole_copy(const char* path, const Descriptor& target) {
   const struct stat status = status_of(target);
   if (!S_ISREG(status.st_mode)) return {};
   const fs::path copy = whole_copy_of(behind_links(path));
-  struct stat found = {};
-  while (lstat(copy.c_str(), &found) == 0 && is_trusted(found, status.st_uid)) {
+  while (is_trusted(status_at(copy), status.st_uid)) {
     Descriptor whole(open(copy.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     if (!whole && errno == ENOENT) break;
     if (!whole) fail_save();

@@ -15,7 +15,9 @@
 
 #include "database/own_database.hpp"
 #include "files/files.hpp"
+#include "support/failing_calls_posix.hpp"
 #include "support/failing_sync_posix.hpp"
+#include "zelk/exception.hpp"
 
 namespace {
 
@@ -292,6 +294,62 @@ TEST_F(SavePosix, RefusesWhileAnotherSaveWritesInPlace) {
   if (chown(copy.c_str(), kNobody, 0) != 0) GTEST_SKIP() << "only root can change owners";
   EXPECT_EQ(save(), refusal(".a.dbc.zelk-whole beside it is somebody else's"));
   EXPECT_EQ(content_of(path_), kNodes);
+}
+
+// Whichever call the system refuses, and for whatever reason: what can be read is the old content
+// or the new, whole, and the next save gets done and leaves nothing beside the file.
+TEST_F(SavePosix, WhateverCallIsRefused) {
+  const std::string whole = std::string(kNodes) + "CM_ \"old\";\n";
+  const struct {
+    const char* name;
+    std::string_view content;
+    bool is_linked, has_copy;
+  } cases[] = {
+      {"one name", whole, false, false},
+      {"two names", whole, true, false},
+      {"a write that did not end", kNodes, true, true},
+  };
+  const std::string copy = ".a.dbc.zelk-whole", other = folder_.path("b.dbc");
+  for (const auto& c : cases) {
+    for (const int error : {EIO, EINTR, EACCES, EEXIST, EWOULDBLOCK, ENOTSUP, ENOENT}) {
+      if (c.has_copy && (error == ENOENT || error == EACCES)) continue;  // these would be lies
+      std::size_t n = 0;
+      for (bool has_failed = true; has_failed; ++n) {
+        SCOPED_TRACE(c.name + (": " + std::to_string(error)) + " at " + std::to_string(n));
+        folder_.write("a.dbc", c.content);
+        set_attribute(path_, "user.zelk", "x");
+        if (c.is_linked) fs::create_hard_link(path_, other);
+        if (c.has_copy) folder_.write(copy, whole, 1);
+        const auto read = [&] {
+          try {
+            const OwnDatabase database(path_);
+            return database.comment ? "whole" : "a part";
+          } catch (const ZelkException&) {
+            return "none";
+          }
+        };
+        if (c.has_copy) {
+          const FailingCall failing(n, error);
+          EXPECT_STRNE(read(), "a part");
+        }
+        std::pair<int, std::string> result;
+        {
+          const FailingCall failing(n, error);
+          result = save();
+          has_failed = FailingCall::has_failed();
+        }
+        EXPECT_TRUE(!result.second.empty() || result.first == 0);
+        EXPECT_TRUE(is_saved() || result.first == 9);
+        const FailingCall none(1000, 0);
+        EXPECT_STREQ(read(), "whole") << result.second;
+        EXPECT_EQ(save().first, 0) << "the next time";
+        EXPECT_TRUE(is_saved());
+        EXPECT_EQ(names_in(folder_), c.is_linked ? "a.dbc b.dbc " : "a.dbc ") << result.second;
+        fs::remove(path_), fs::remove(other);
+      }
+      EXPECT_GT(n, 15u) << "calls pass through here";
+    }
+  }
 }
 
 /// Whether the file is a database with a million times "a" or "b" in its comment.

@@ -4,6 +4,8 @@
 
 #include <cstddef>
 
+#include "support/failing_calls_posix.hpp"
+
 namespace {
 
 DiskWatch* watch = nullptr;
@@ -26,21 +28,21 @@ ssize_t __real_pwrite(int file, const void* bytes, std::size_t size, off_t at);
 
 int __wrap_link(const char* from, const char* to) {
   announce_change();
-  return __real_link(from, to);
+  return FailingCall::is_now() ? -1 : __real_link(from, to);
 }
 
 int __wrap_unlink(const char* path) {
   announce_change();
-  return __real_unlink(path);
+  return FailingCall::is_now() ? -1 : __real_unlink(path);
 }
 
 int __wrap_ftruncate(int file, off_t size) {
   announce_change();
-  return __real_ftruncate(file, size);
+  return FailingCall::is_now() ? -1 : __real_ftruncate(file, size);
 }
 
 ssize_t __wrap_pwrite(int file, const void* bytes, std::size_t size, off_t at) {
   announce_change();
-  return __real_pwrite(file, bytes, size, at);
+  return FailingCall::is_now() ? -1 : __real_pwrite(file, bytes, size, at);
 }
 }  // extern "C"

@@ -5,6 +5,7 @@
 #include <cerrno>
 
 #include "support/disk_watch_posix.hpp"
+#include "support/failing_calls_posix.hpp"
 
 extern "C" {
 int __real_fsync(int file);
@@ -37,6 +38,8 @@ const std::string& FailingSync::order() { return done; }
 
 extern "C" {
 int __wrap_fsync(int file) {
+  if (FailingCall::is_now()) return -1;
+  if (FailingCall::is_armed()) return 0;
   if (!armed) return watched_fsync(file);
   struct stat status = {};
   done += fstat(file, &status) == 0 && S_ISDIR(status.st_mode) ? "folder " : "file ";
@@ -48,6 +51,6 @@ int __wrap_fsync(int file) {
 int __wrap_rename(const char* from, const char* to) {
   if (armed) done += "rename ";
   if (DiskWatch::now()) DiskWatch::now()->before_change();
-  return __real_rename(from, to);
+  return FailingCall::is_now() ? -1 : __real_rename(from, to);
 }
 }  // extern "C"
