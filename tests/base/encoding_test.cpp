@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "base/encoded_database.hpp"
+#include "database/own_database.hpp"
+
 namespace zelk {
 namespace {
 
@@ -67,6 +70,20 @@ TEST(Encoding, AppendsCodePointsOfEachSize) {
     append_utf8(text, c.code_point);
     EXPECT_EQ(text, "=" + c.utf8);
   }
+}
+
+// A record holds the beginning of a long unit, which may end within a character.
+TEST(Encoding, OfADatabaseSeesThroughCutUnits) {
+  const std::string units[] = {"\u00B0C", std::string(31, 'u') + "\u00B0",
+                               std::string(30, 'u') + "\u20AC", std::string(31, 'u') + "\xB0",
+                               std::string(30, 'u') + "\x80\x80"};
+  std::string found;
+  for (const std::string& unit : units) {
+    const TemporaryFile file("BS_:\nBU_:\nBO_ 1 M: 8 Ostrel__XXX\n SG_ S : 0|8@1+ (1,0) [0|0] \"" +
+                             unit + "\" Ostrel__XXX\n");
+    found += encoding_of(OwnDatabase(file.path())) == Encoding::kUtf8 ? "utf8 " : "1252 ";
+  }
+  EXPECT_EQ(found, "utf8 utf8 utf8 1252 1252 ");
 }
 
 }  // namespace

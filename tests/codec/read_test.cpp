@@ -199,6 +199,12 @@ TEST(CombinedReads, ConvertWhatWasRead) {
   EXPECT_EQ(physical, 9.0);
   EXPECT_EQ(manager.GetSignalValue(frame[0], mask, signal, kMessage, raw, physical), 5);
   EXPECT_EQ(std::pair(raw, physical), std::pair(0xFFFFFFFEUL, 9.0));
+  // With a mask that was taken from the signal when it was always there.
+  signal.mux_ranges = nullptr;
+  const zelk_sig_mask_t plain = mask_of(signal);
+  EXPECT_EQ(manager.GetSignalValueInt64(frame[0], plain, signal, kMessage, raw_64, physical), 4);
+  EXPECT_EQ(std::pair(raw_64, physical), std::pair(-2LL, 9.0));
+  EXPECT_EQ(manager.GetSignalValue(frame[0], plain, signal, kMessage, raw_ieee, physical), 2);
   signal = scaled(make_signal(0, 1), 0.5, 0.0);
   signal.value_type = 1;
   EXPECT_EQ(manager.GetSignalPhysicalValue(frame[0], signal, kMessage, physical), 0);

@@ -104,6 +104,8 @@ TEST_F(AttributeAccess, OfTheNetworkAndTheirDefaults) {
   Manager m;
   open_both(m);
   EXPECT_EQ(m.GetAttrValue("Net", second).number, 30);
+  EXPECT_EQ(m.GetAttrValue("Net", first).number, 20);
+  EXPECT_EQ(value_ex(m, first, "Net"), 20);
   EXPECT_EQ(m.GetAttrValue("Net", kAll).number, 0);
   EXPECT_EQ(value_ex(m, first, "Msg"), -5);
   EXPECT_EQ(value_ex(m, first, "Switch"), 1);
@@ -144,6 +146,7 @@ TEST_F(AttributeAccess, DefinitionsAreThoseOfTheObject) {
   EXPECT_EQ(kind_of_two(message), ZELK_OBJ_MESSAGE);
   EXPECT_EQ(kind_of_two(*signal.receivers), ZELK_OBJ_REL_SIGNAL);
   EXPECT_EQ(kind_of_two(signal), ZELK_OBJ_ENVVAR) << "none of its kind";
+  EXPECT_EQ(kind(m.GetAttrDefinition(*m.GetSignalType("Y", first), "Typ")), ZELK_OBJ_SIGTYPE);
   EXPECT_EQ(kind(m.GetAttrDefinition(node, "Rel")), -1) << "no file could hold the value";
   attr_def& late = *m.CreateAttrDefinition(first, 0);
   std::strcpy(late.name, "Two");

@@ -154,6 +154,15 @@ TEST_F(Iterators, OfEveryKind) {
   EXPECT_EQ(walk(m.GetAttributeIterator(*first.next->receivers->next)), "RSig3 ");
   EXPECT_EQ(m.SignalCount(message) * m.SignalGroupCount(message), 2U);
   EXPECT_EQ(m.AttributeCount(*first.next), 0U);
+  EXPECT_EQ(walk(m.GetValueDescriptionIterator(*database.env_vars)), "low ");
+  EXPECT_EQ(walk(m.GetValueDescriptionIterator(*database.value_tables)), "one ");
+  EXPECT_EQ(walk(m.GetAttributeIterator(*database.nodes)), "Nod0 ");
+  EXPECT_EQ(walk(m.GetAttributeIterator(message)), "Msg1 ");
+  EXPECT_STREQ((*m.GetAttributeIterator(*database.env_vars))->def->name, "Var");
+  EXPECT_STREQ((*m.GetAttributeIterator(*database.signal_types))->def->name, "Typ");
+  EXPECT_EQ(m.AttributeCount(*database.nodes) + m.AttributeCount(message) * 10 +
+                m.AttributeCount(*database.env_vars) * 100,
+            111U);
   ZelkFilterCategoryIterator category(m, db);
   EXPECT_EQ(&category.Category(), database.categories);
   EXPECT_EQ(&(++category, category).Category(), &ZelkNoneFilterCategory());

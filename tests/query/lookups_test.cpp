@@ -47,6 +47,7 @@ class Lookups : public ManagerTest {
     EXPECT_EQ(get(key, &answered), first);
     EXPECT_EQ(answered, high);
     if constexpr (kSelects) {
+      EXPECT_EQ(get(key, kSeventh), second);
       EXPECT_EQ(get(missing, kSeventh, &answered), nullptr);
       EXPECT_EQ(answered, high);
       EXPECT_EQ(manager.Status(), 2U);
@@ -71,6 +72,10 @@ TEST_F(Lookups, OfEveryKindInEveryForm) {
   expect_forms("node", m, Name("A"), Name("a"), [&m](auto... form) { return m.GetNode(form...); });
   expect_forms("message", m, Id{0x80000001}, Id{0x80000002},
                [&m](auto... form) { return m.GetMessage(form...); });
+  expect_forms("message by name", m, Name("M"), Name("m"),
+               [&m](auto... form) { return m.GetMessage(form...); });
+  expect_forms("signal type", m, Name("Y"), Name("y"),
+               [&m](auto... form) { return m.GetSignalType(form...); });
   expect_forms("message of a frame", m, Id{0x80000001}, Id{0x80000002},
                [&m](Id id, auto... form) { return m.GetJ1939Message(id, 0, form...); });
   expect_forms("variable", m, Name("D"), Name("DD"),

@@ -17,6 +17,8 @@ struct Sample : Database {
 
 symblk stranger{};
 cat unlisted{0, 7, "", nullptr};
+sigtype unlisted_type{};
+valtable unlisted_table{};
 
 struct Case {
   void (*edit)(Sample& d);
@@ -30,6 +32,13 @@ const Case kCases[] = {
     {[](Sample& d) { d.s().start_bit = 32768; }, "signal M::S: its start bit is above 32767", 1},
     {[](Sample& d) { d.s().factor = std::numeric_limits<double>::quiet_NaN(); },
      "signal M::S: its factor is 0", 0},
+    {[](Sample& d) { d.s().factor = 0; }, "signal M::S: its factor is 0", 0},
+    {[](Sample& d) { d.s().sigtype = &unlisted_type; },
+     "signal M::S: the database does not hold its signal type", 1},
+    {[](Sample& d) { d.types->valtable = &unlisted_table; },
+     "signal type Y: the database does not hold its value table", 0},
+    {[](Sample& d) { d.filter.categories->category = &unlisted; },
+     "filter: the database does not hold a category of it", 28},
     {[](Sample& d) { d.s().minimum = d.s().maximum + 1; },
      "signal M::S: its minimum is above its maximum", 0},
     {[](Sample& d) { set(d.s().unit, std::string(33, 'u')); },
@@ -75,6 +84,10 @@ const Case kCases[] = {
      "value table nnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnn: its name is none of the format", 0},
     {[](Sample& d) { add_definition(d, 9, "Kind", ZELK_ATTR_INT); },
      "attribute Kind: its kind of object is none of the format", 0},
+    {[](Sample& d) { add_definition(d, -1, "Kind", ZELK_ATTR_INT); },
+     "attribute Kind: its kind of object is none of the format", 0},
+    {[](Sample& d) { add_definition(d, ZELK_OBJ_NODE, "Type", -1); },
+     "attribute Type: its type is none of the format", 0},
     {[](Sample& d) { add_definition(d, ZELK_OBJ_NODE, "Type", 5); },
      "attribute Type: its type is none of the format", 0},
     {[](Sample& d) { add_definition(d, ZELK_OBJ_NODE, "E", ZELK_ATTR_ENUM, "a\nb", "c"); },
@@ -96,6 +109,45 @@ TEST(ReadBack, NamesWhatAFileCouldNotGive) {
     Database read_back;
     EXPECT_EQ(read_back.read(written(sample)), c.number) << c.fault << read_back.reported;
     EXPECT_TRUE(c.number != 0 || describe(read_back) != describe(sample)) << c.fault;
+  }
+}
+
+// A second message of one identifier can be saved unless a statement would name it, which means the
+// first one.
+TEST(ReadBack, OfMessagesWithOneIdentifier) {
+  static attr_def definition{};
+  const struct {
+    const char* what;
+    void (*edit)(msgblk& message, sigblk& signal);
+  } cases[] = {
+      {"comment", [](msgblk& m, sigblk&) { set(m.comment, "c"); }},
+      {"value", [](msgblk& m, sigblk&) { add_value(m.attrs, &definition); }},
+      {"category", [](msgblk& m, sigblk&) { m.category = &unlisted; }},
+      {"signal group", [](msgblk& m, sigblk&) { m.siggroups = zelk_create_siggroup(&m); }},
+      {"transmitters",
+       [](msgblk& m, sigblk&) {
+         for (int i = 0; i < 2; ++i) append(m.tx_nodes, zelk_create_rx(&stranger));
+       }},
+      {"comment of a signal", [](msgblk&, sigblk& s) { set(s.comment, "c"); }},
+      {"value of a signal", [](msgblk&, sigblk& s) { add_value(s.attrs, &definition); }},
+      {"IEEE number", [](msgblk&, sigblk& s) { s.value_type = ZELK_VALUE_IEEE_SINGLE; }},
+      {"descriptions", [](msgblk&, sigblk& s) { append(s.values, zelk_create_value()); }},
+      {"signal type", [](msgblk&, sigblk& s) { s.sigtype = &unlisted_type; }},
+      {"value of a receiver",
+       [](msgblk&, sigblk& s) {
+         append(s.receivers, zelk_create_rx(&stranger));
+         add_value(s.receivers->attrs, &definition);
+       }},
+  };
+  for (const auto& c : cases) {
+    Sample sample;
+    sigblk* const signal =
+        add_signal(append_named(sample.messages, zelk_create_msgblk(), "Behind"), "X");
+    signal->message->id = 1;
+    EXPECT_EQ(fault_of(sample), "");
+    c.edit(*signal->message, *signal);
+    EXPECT_EQ(fault_of(sample).substr(0, 48), "message Behind: another message has its identifi")
+        << c.what;
   }
 }
 
