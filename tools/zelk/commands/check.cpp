@@ -38,7 +38,7 @@ std::string counts(const ZelkDatabase& database) {
   return text;
 }
 
-struct Arguments {
+struct CheckArguments {
   std::vector<std::string> paths;
   FindingsOptions findings;
   bool is_verbose = false;
@@ -46,7 +46,7 @@ struct Arguments {
 
 class Check {
  public:
-  Check(const Arguments& arguments, Output& out)
+  Check(const CheckArguments& arguments, Output& out)
       : arguments_(arguments),
         out_(out),
         report_(make_report(arguments.findings.form(), out, sentence_of)) {}
@@ -129,7 +129,7 @@ class Check {
     }
   }
 
-  const Arguments& arguments_;
+  const CheckArguments& arguments_;
   Output& out_;
   std::unique_ptr<FindingsReport> report_;
   ExitCode code_ = kExitSuccess;
@@ -145,7 +145,7 @@ void add_check_command(CLI::App& app, Action& action) {
       "  0  no finding is as severe as --fail-on\n"
       "  1  there are such findings\n"
       "  2  a file cannot be opened, or the command line is wrong");
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<CheckArguments>();
   command->add_option("FILE", arguments->paths, "Databases to read")
       ->required()
       ->option_text("...");

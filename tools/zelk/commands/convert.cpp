@@ -11,7 +11,7 @@ namespace zelk::tool {
 
 namespace {
 
-struct Arguments : Conversion {
+struct ConvertArguments : Conversion {
   std::string from_name;  // empty: by the extension
   std::string to_name;
 };
@@ -26,7 +26,7 @@ Format format_of(const std::string& path, const char* option, const std::string&
                           in_quotes(path), format_names()));
 }
 
-void add_module_options(CLI::App& command, Arguments& arguments) {
+void add_module_options(CLI::App& command, ConvertArguments& arguments) {
   command.add_option("--from", arguments.from_name, "Format of IN, whatever its extension")
       ->type_name("FORMAT|MODULE");
   command.add_option("--to", arguments.to_name, "Format of OUT, likewise")
@@ -54,7 +54,7 @@ void add_convert_command(CLI::App& app, Action& action) {
                   "modules. A MODULE is the file of another converter module. Messages about what\n"
                   "OUT cannot hold are warnings.\n\n{}",
                   format_names(), command->get_footer()));
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<ConvertArguments>();
   command->add_option("IN", arguments->in, "Database to read; its extension tells the format")
       ->required()
       ->option_text(" ");

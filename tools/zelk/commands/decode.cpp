@@ -21,7 +21,7 @@ namespace zelk::tool {
 
 namespace {
 
-struct Arguments {
+struct DecodeArguments {
   std::vector<std::string> databases;
   std::optional<std::string> log;
   ZelkTextOptions text;
@@ -36,7 +36,7 @@ ZelkTextFormat format_of(const std::string& name) {
   return name == "csv" ? ZelkTextFormat::kCsv : ZelkTextFormat::kText;
 }
 
-void decode_lines(const Arguments& arguments, const LogDatabases& databases, LogRun& run,
+void decode_lines(const DecodeArguments& arguments, const LogDatabases& databases, LogRun& run,
                   Output& out) {
   ZelkTextDecoder decoder(arguments.text);
   databases.choose(decoder, arguments.filter);
@@ -46,7 +46,7 @@ void decode_lines(const Arguments& arguments, const LogDatabases& databases, Log
                          [&](const ZelkTextLines& lines) { out.write_through(lines.Text()); });
 }
 
-void decode_wide(const Arguments& arguments, const LogDatabases& databases, LogRun& run,
+void decode_wide(const DecodeArguments& arguments, const LogDatabases& databases, LogRun& run,
                  Output& out) {
   ZelkWideChoice choice;
   databases.choose(choice, arguments.filter);
@@ -69,7 +69,7 @@ bool take_log(std::optional<std::string>& log, const std::string& path) {
 }
 
 /// @throws RequestError when the output would take the place of what is read, or be read
-void check_output(const Arguments& arguments, const std::vector<std::string>& databases,
+void check_output(const DecodeArguments& arguments, const std::vector<std::string>& databases,
                   const std::optional<std::string>& log) {
   check_is_not_output(log);
   std::vector<std::string> inputs = databases;
@@ -80,7 +80,7 @@ void check_output(const Arguments& arguments, const std::vector<std::string>& da
     throw RequestError("standard input is both read and the output");
 }
 
-ExitCode decode(const Arguments& arguments, Output& out) {
+ExitCode decode(const DecodeArguments& arguments, Output& out) {
   LogDatabases databases(arguments.mending);
   std::optional<std::string> log = arguments.log;
   bool all = true;
@@ -106,7 +106,7 @@ ExitCode decode(const Arguments& arguments, Output& out) {
   return is_log ? kExitSuccess : kExitFailure;
 }
 
-void add_wide_options(CLI::App& command, const std::shared_ptr<Arguments>& arguments) {
+void add_wide_options(CLI::App& command, const std::shared_ptr<DecodeArguments>& arguments) {
   WideArguments& wide = arguments->wide;
   CLI::Option* const flag = command.add_flag(
       "--wide", wide.is_wanted,
@@ -137,7 +137,7 @@ void add_wide_options(CLI::App& command, const std::shared_ptr<Arguments>& argum
 }
 
 /// @throws CLI::ValidationError when options do not go together
-void check_wide_options(const CLI::App& command, const Arguments& arguments) {
+void check_wide_options(const CLI::App& command, const DecodeArguments& arguments) {
   const WideArguments& wide = arguments.wide;
   if (!wide.is_wanted) return;
   if (command.count("--format") > 0 && arguments.text.format != ZelkTextFormat::kCsv)
@@ -157,7 +157,7 @@ void check_wide_options(const CLI::App& command, const Arguments& arguments) {
 void add_decode_command(CLI::App& app, Action& action) {
   CLI::App* command =
       app.add_subcommand("decode", "Turn a recorded log of frames into named physical values");
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<DecodeArguments>();
   command
       ->add_option("DATABASE", arguments->databases,
                    "Databases to read; INTERFACE=FILE for the frames of one interface only. The\n"

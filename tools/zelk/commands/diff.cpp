@@ -17,14 +17,14 @@ constexpr const char* kDiffExitCodes =
     "  1  they differ\n"
     "  2  a file cannot be read, the output cannot be written, or the command line is wrong";
 
-struct Arguments {
+struct DiffArguments {
   std::string before;
   std::string after;
   bool json = false;
   Mending mending;
 };
 
-ExitCode diff(const Arguments& arguments, Output& out) {
+ExitCode diff(const DiffArguments& arguments, Output& out) {
   DatabaseFile old_file(arguments.mending);
   DatabaseFile new_file(arguments.mending);
   const bool has_before = old_file.open_and_report(arguments.before) != nullptr;
@@ -51,7 +51,7 @@ void add_diff_command(CLI::App& app, Action& action, ExitCode& failure) {
   CLI::App* command =
       app.add_subcommand("diff", "Tell what differs between two databases, object by object");
   command->footer(kDiffExitCodes);
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<DiffArguments>();
   command->add_option("A", arguments->before, "Database to compare")->required()->option_text(" ");
   command
       ->add_option(

@@ -15,7 +15,7 @@ namespace zelk::tool {
 
 namespace {
 
-struct Arguments : FrameValues {
+struct EncodeArguments : FrameValues {
   std::string database;
   bool log = false;  // a whole line of a log, and not the frame alone
   std::string time = "0";
@@ -39,7 +39,7 @@ std::string log_time(std::string_view text) {
 }
 
 /// What stands in front of the frame.
-std::string lead_of(const Arguments& arguments) {
+std::string lead_of(const EncodeArguments& arguments) {
   if (!arguments.log) return "";
   return fmt::format("({}) {} ", log_time(arguments.time), arguments.interface_name);
 }
@@ -59,7 +59,7 @@ std::string check_interface(const std::string& name) {
   return is_name ? "" : "an interface name is wanted, not " + in_quotes(name);
 }
 
-ExitCode encode(const Arguments& arguments, Output& out) {
+ExitCode encode(const EncodeArguments& arguments, Output& out) {
   DatabaseFile file(arguments.mending);
   if (!file.open_and_report(arguments.database)) return kExitFailure;
   try {
@@ -76,7 +76,7 @@ ExitCode encode(const Arguments& arguments, Output& out) {
 void add_encode_command(CLI::App& app, Action& action) {
   CLI::App* command = app.add_subcommand(
       "encode", "Make a frame of values, such as 123#DEADBEEF, as decode takes it");
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<EncodeArguments>();
   command->add_option("DATABASE", arguments->database, "Database to read")
       ->required()
       ->option_text(" ");

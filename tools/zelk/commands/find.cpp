@@ -14,14 +14,14 @@ namespace zelk::tool {
 
 namespace {
 
-struct Arguments {
+struct FindArguments {
   Query query;
   std::vector<std::string> words;  // of the command line, the files among them
   bool json = false;
   Mending mending;
 };
 
-ExitCode find(const Arguments& arguments, Output& out) {
+ExitCode find(const FindArguments& arguments, Output& out) {
   const Query& query = arguments.query;
   DatabaseSet databases(arguments.mending);
   const bool all = databases.open(arguments.words);
@@ -39,7 +39,7 @@ ExitCode find(const Arguments& arguments, Output& out) {
 /// Takes the object off the words, unless a group is looked for; what is left are the files.
 ///
 /// @throws CLI::RequiredError when there are none
-void part_words(Arguments& arguments) {
+void part_words(FindArguments& arguments) {
   std::vector<std::string>& words = arguments.words;
   if (!arguments.query.is_by_group()) {
     arguments.query.object = words.front();
@@ -62,7 +62,7 @@ CLI::Validator number_up_to(std::uint32_t largest) {
 
 void add_find_command(CLI::App& app, Action& action) {
   CLI::App* command = app.add_subcommand("find", "Tell in which databases there is an object");
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<FindArguments>();
   command
       ->add_option("OBJECT FILE", arguments->words,
                    "Name of an object of any kind, of signals and groups also MESSAGE.NAME, in\n"

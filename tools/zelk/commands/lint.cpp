@@ -34,7 +34,7 @@ constexpr const char* kLintExitCodes =
 
 constexpr const char* kAllRules = "all";
 
-struct Arguments {
+struct LintArguments {
   std::vector<std::string> paths;
   std::vector<std::string> disabled;
   std::vector<std::string> enabled;
@@ -126,7 +126,7 @@ std::string read_bytes(const std::string& path) {
 
 class Linter {
  public:
-  Linter(const Arguments& arguments, Output& out)
+  Linter(const LintArguments& arguments, Output& out)
       : arguments_(arguments),
         out_(out),
         report_(make_report(arguments.findings.form(), out, sentence_of)) {}
@@ -196,13 +196,13 @@ class Linter {
     return found->second;
   }
 
-  const Arguments& arguments_;
+  const LintArguments& arguments_;
   Output& out_;
   std::unique_ptr<FindingsReport> report_;
   std::map<std::string, LintConfiguration> configurations_;  ///< by their files
 };
 
-ExitCode run(const Arguments& arguments, Output& out) {
+ExitCode run(const LintArguments& arguments, Output& out) {
   if (!arguments.explained.empty()) {
     out.raw(check::explanation_of(rule_named(arguments.explained)));
     return kExitSuccess;
@@ -214,7 +214,7 @@ ExitCode run(const Arguments& arguments, Output& out) {
   return Linter(arguments, out).run();
 }
 
-void add_options(CLI::App& command, Arguments& arguments) {
+void add_options(CLI::App& command, LintArguments& arguments) {
   command.add_option("FILE", arguments.paths, "Databases to look through")->option_text("...");
   command
       .add_option("--disable", arguments.disabled,
@@ -244,7 +244,7 @@ void add_options(CLI::App& command, Arguments& arguments) {
 void add_lint_command(CLI::App& app, Action& action, ExitCode& failure) {
   CLI::App* command = app.add_subcommand("lint", "Find what is wrong in files that can be read");
   command->footer(kLintExitCodes);
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<LintArguments>();
   add_options(*command, *arguments);
   add_findings_options(*command, arguments->findings);
   command->callback([arguments, command, &action, &failure] {

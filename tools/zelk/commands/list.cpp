@@ -11,7 +11,7 @@ namespace zelk::tool {
 
 namespace {
 
-struct Arguments : Listing {
+struct ListArguments : Listing {
   std::string kind_name;
   std::vector<std::string> paths;
   bool count = false;
@@ -20,7 +20,7 @@ struct Arguments : Listing {
   Mending mending;
 };
 
-ExitCode list(const Arguments& arguments, Output& out) {
+ExitCode list(const ListArguments& arguments, Output& out) {
   DatabaseSet databases(arguments.mending);
   const bool all = databases.open(arguments.paths);
   if (databases.databases().empty()) return kExitFailure;
@@ -38,7 +38,7 @@ ExitCode list(const Arguments& arguments, Output& out) {
 }
 
 /// @throws CLI::ValidationError when the kind does not have what is asked for
-void check_columns(const Arguments& arguments) {
+void check_columns(const ListArguments& arguments) {
   const ObjectKind& kind = *arguments.kind;
   if (!arguments.attributes.empty() && !kind.attribute_type)
     throw CLI::ValidationError("--attribute", fmt::format("{} have no attributes", kind.plural));
@@ -52,7 +52,7 @@ std::vector<std::string> kind_names() {
   return names;
 }
 
-void add_column_options(CLI::App& command, Arguments& arguments) {
+void add_column_options(CLI::App& command, ListArguments& arguments) {
   command
       .add_option("--attribute", arguments.attributes,
                   "Adds a column with the values of this attribute, the default where an object\n"
@@ -62,7 +62,7 @@ void add_column_options(CLI::App& command, Arguments& arguments) {
   command.add_flag("--comments", arguments.comments, "Adds a column with the comments");
 }
 
-void add_form_options(CLI::App& command, Arguments& arguments) {
+void add_form_options(CLI::App& command, ListArguments& arguments) {
   CLI::Option* const json = command.add_flag(
       "--json", arguments.json, "An array of JSON objects in place of a table, one in a line");
   command.add_flag("--csv", arguments.csv, "CSV (RFC 4180) in place of a table")->excludes(json);
@@ -73,7 +73,7 @@ void add_form_options(CLI::App& command, Arguments& arguments) {
 
 void add_list_command(CLI::App& app, Action& action) {
   CLI::App* command = app.add_subcommand("list", "List all objects of a kind, one in a row");
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<ListArguments>();
   command
       ->add_option("KIND", arguments->kind_name,
                    fmt::format("What to list:\n{}", fmt::join(kind_names(), ", ")))

@@ -21,36 +21,34 @@ namespace zelk::tool {
 
 namespace {
 
-constexpr const char* kStandard = "-";  // standard input or output
-
-struct Arguments {
+struct LogArguments {
   std::vector<std::string> logs;
-  std::string out = kStandard;
+  std::string out = kStandardStream;
   FrameFilter filter;
   LogRunOptions run;
 
-  bool has_lines() const { return out == kStandard && is_terminal(stdout); }
+  bool has_lines() const { return out == kStandardStream && is_terminal(stdout); }
 };
 
 /// None for standard input.
 std::optional<std::string> path_of(const std::string& log) {
-  return log == kStandard ? std::nullopt : std::optional(log);
+  return log == kStandardStream ? std::nullopt : std::optional(log);
 }
 
 std::optional<FileIdentity> identity_of_log(const std::string& log) {
-  return log == kStandard ? identity_of_input() : identity_of(log);
+  return log == kStandardStream ? identity_of_input() : identity_of(log);
 }
 
 /// By whatever names they go, links among them.
 ///
 /// @throws RequestError when a log is given twice, or would be read while it is written
-void check_logs(const Arguments& arguments) {
+void check_logs(const LogArguments& arguments) {
   const auto output =
-      arguments.out == kStandard ? identity_of_output() : identity_of(arguments.out);
+      arguments.out == kStandardStream ? identity_of_output() : identity_of(arguments.out);
   std::set<std::string> names;
   std::set<FileIdentity> identities;
   for (const std::string& log : arguments.logs) {
-    const std::string name = log == kStandard ? "standard input" : escaped(log);
+    const std::string name = log == kStandardStream ? "standard input" : escaped(log);
     const auto identity = identity_of_log(log);
     const bool is_new =
         names.insert(log).second && (!identity || identities.insert(*identity).second);
@@ -67,8 +65,9 @@ class Target {
   Target(const std::string& path, Output& out)
       : path_(path),
         out_(out),
-        is_replacing_(path != kStandard && file_type(path) == std::filesystem::file_type::regular) {
-    if (path != kStandard) about_file([&] { file_.emplace(path); });
+        is_replacing_(path != kStandardStream &&
+                      file_type(path) == std::filesystem::file_type::regular) {
+    if (path != kStandardStream) about_file([&] { file_.emplace(path); });
   }
 
   void write(std::string_view text) {
@@ -109,7 +108,7 @@ struct Outcome {
   std::uint64_t written = 0;  // frames
 };
 
-Outcome copy_log(const Arguments& arguments, Output& out, std::optional<Target>& target) {
+Outcome copy_log(const LogArguments& arguments, Output& out, std::optional<Target>& target) {
   ZelkLogReader reader(path_of(arguments.logs.front()),
                        {.times = arguments.run.times.kind, .stop = &NotedStop::is_requested()});
   LogRun run(reader, pipeline_options(arguments.run), arguments.run.strict, arguments.has_lines());
@@ -128,7 +127,7 @@ void report(const MergedLog& log) {
                           escaped(log.reader().Name())));
 }
 
-Outcome merge_logs(const Arguments& arguments, Output& out, std::optional<Target>& target) {
+Outcome merge_logs(const LogArguments& arguments, Output& out, std::optional<Target>& target) {
   std::vector<std::optional<std::string>> paths;
   std::ranges::transform(arguments.logs, std::back_inserter(paths), path_of);
   LogMerge logs(paths, {.strict = arguments.run.strict,
@@ -156,7 +155,7 @@ void print_counts(const Outcome& outcome) {
   print_count("malformed lines", outcome.counts.malformed);
 }
 
-ExitCode convert_logs(const Arguments& arguments, Output& out) {
+ExitCode convert_logs(const LogArguments& arguments, Output& out) {
   check_logs(arguments);
   const NotedStop stop;
   std::optional<Target> target;  // opened once the logs are
@@ -200,7 +199,7 @@ void add_filter_options(CLI::App& command, FrameFilter& filter) {
 void add_log_command(CLI::App& app, Action& action) {
   CLI::App* command = app.add_subcommand(
       "log", "Convert, cut and merge recorded logs of any form to lines as candump -l writes them");
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<LogArguments>();
   command
       ->add_option("IN", arguments->logs,
                    "Logs to read, - for standard input; several are merged by time. What is known\n"

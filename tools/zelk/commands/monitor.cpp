@@ -26,9 +26,9 @@ namespace zelk::tool {
 
 namespace {
 
-constexpr const char* kFastest = "max";
+constexpr const char* kAsFastAsPossible = "max";
 
-struct Arguments {
+struct MonitorArguments {
   std::vector<std::string> databases;
   std::optional<std::string> replay;
   double speed = 1;  // 0: as fast as it can be read
@@ -49,7 +49,7 @@ StateFormat format_of(const std::string& name) {
 
 /// Above 0; 0 stands for "max".
 std::optional<double> parse_speed(const std::string& text) {
-  if (text == kFastest) return 0;
+  if (text == kAsFastAsPossible) return 0;
   double speed = 0;
   const char* const end = text.data() + text.size();
   const auto [behind, fault] = std::from_chars(text.data(), end, speed);
@@ -57,7 +57,7 @@ std::optional<double> parse_speed(const std::string& text) {
   return is_speed ? std::optional(speed) : std::nullopt;
 }
 
-std::unique_ptr<FrameSource> open_source(const Arguments& arguments) {
+std::unique_ptr<FrameSource> open_source(const MonitorArguments& arguments) {
   if (!arguments.interfaces.empty()) return open_interfaces(arguments.interfaces);
   if (!arguments.replay || arguments.once || arguments.speed == 0)
     return read_log(arguments.replay);
@@ -65,7 +65,7 @@ std::unique_ptr<FrameSource> open_source(const Arguments& arguments) {
 }
 
 /// @throws RequestError when frames would be written to the log that they are read from
-void check_recording(const Arguments& arguments) {
+void check_recording(const MonitorArguments& arguments) {
   if (arguments.record.empty() || !arguments.interfaces.empty()) return;
   const auto log = arguments.replay ? identity_of(*arguments.replay) : identity_of_input();
   if (log && log == identity_of(arguments.record))
@@ -73,7 +73,7 @@ void check_recording(const Arguments& arguments) {
 }
 
 /// Reads to the end. What was read in front of a fault is shown, too.
-ZelkLogBlock read_all(const Arguments& arguments, FrameSource& source, BusState& state) {
+ZelkLogBlock read_all(const MonitorArguments& arguments, FrameSource& source, BusState& state) {
   std::optional<Recording> recording;
   if (!arguments.record.empty()) recording.emplace(arguments.record);
   source.set_notice([](const std::string& notice) { print_error(notice); });
@@ -87,7 +87,7 @@ ZelkLogBlock read_all(const Arguments& arguments, FrameSource& source, BusState&
   return summary;
 }
 
-ZelkLogBlock show_once(const Arguments& arguments, FrameSource& source, BusState& state,
+ZelkLogBlock show_once(const MonitorArguments& arguments, FrameSource& source, BusState& state,
                        Output& out) {
   StateTable table(arguments.format, out);
   ZelkLogBlock summary;
@@ -104,14 +104,14 @@ ZelkLogBlock show_once(const Arguments& arguments, FrameSource& source, BusState
 }
 
 /// The full screen, unless it is not wanted or the terminal cannot show it, which is told.
-bool is_shown_on_screen(const Arguments& arguments, Session& session) {
+bool is_shown_on_screen(const MonitorArguments& arguments, Session& session) {
   if (arguments.plain || !is_terminal(stdout)) return false;
   const std::optional<std::string> why_not = show_on_screen(session);
   if (why_not) print_error(fmt::format("zelk: no full screen: {}", escaped(*why_not)));
   return !why_not;
 }
 
-ExitCode show_running(const Arguments& arguments, std::unique_ptr<FrameSource> source,
+ExitCode show_running(const MonitorArguments& arguments, std::unique_ptr<FrameSource> source,
                       BusState& state, Output& out, ZelkLogBlock& summary) {
   Session session(std::move(source), state, arguments.record);
   if (!is_shown_on_screen(arguments, session)) {
@@ -125,7 +125,7 @@ ExitCode show_running(const Arguments& arguments, std::unique_ptr<FrameSource> s
   return session.has_lost_frames() ? kExitFailure : kExitSuccess;
 }
 
-ExitCode monitor(const Arguments& arguments, Output& out) {
+ExitCode monitor(const MonitorArguments& arguments, Output& out) {
   LogDatabases databases(arguments.mending);
   bool all = true;
   for (const std::string& argument : arguments.databases) all &= databases.open(argument);
@@ -161,7 +161,7 @@ std::string complaint_unless(bool is_right, const char* wanted, const std::strin
   return is_right ? "" : std::string(wanted) + " is wanted, not " + in_quotes(text);
 }
 
-void add_source_options(CLI::App& command, const std::shared_ptr<Arguments>& arguments) {
+void add_source_options(CLI::App& command, const std::shared_ptr<MonitorArguments>& arguments) {
   CLI::Option* const replay =
       command
           .add_option(
@@ -200,7 +200,7 @@ void add_source_options(CLI::App& command, const std::shared_ptr<Arguments>& arg
       ->type_name("FILE");
 }
 
-void add_output_options(CLI::App& command, const std::shared_ptr<Arguments>& arguments) {
+void add_output_options(CLI::App& command, const std::shared_ptr<MonitorArguments>& arguments) {
   command.add_flag("--once", arguments->once,
                    "Read to the end without a wait, print the last state once and exit");
   command.add_flag("--plain", arguments->plain,
@@ -235,7 +235,7 @@ void add_output_options(CLI::App& command, const std::shared_ptr<Arguments>& arg
 void add_monitor_command(CLI::App& app, Action& action) {
   CLI::App* command = app.add_subcommand(
       "monitor", "Show the last values of each message on a bus, and how regularly it comes");
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<MonitorArguments>();
   command
       ->add_option("DATABASE", arguments->databases,
                    "Databases to read; INTERFACE=FILE for the frames of one interface only. The\n"

@@ -29,9 +29,7 @@ namespace zelk::tool {
 
 namespace {
 
-constexpr const char* kStandard = "-";
-
-struct Arguments {
+struct PlotArguments {
   std::vector<std::string> words;
   std::string output;  // empty: standard output, in characters
   bool ascii = false;  // in these alone
@@ -59,10 +57,10 @@ bool ends_in(const std::string& path, std::string_view extension) {
 }
 
 /// @return false when a file is neither database nor log; it is reported
-bool sort_words(const Arguments& arguments, LogDatabases& databases, Words& words) {
+bool sort_words(const PlotArguments& arguments, LogDatabases& databases, Words& words) {
   bool all = true;
   for (const std::string& word : arguments.words) {
-    if (word == kStandard) {
+    if (word == kStandardStream) {
       words.logs.push_back(word);
     } else if (!exists(path_in(word))) {
       words.signals.push_back(word);
@@ -76,7 +74,7 @@ bool sort_words(const Arguments& arguments, LogDatabases& databases, Words& word
 }
 
 /// Why what was named cannot be plotted; empty when it can.
-std::string complaint_about(const Arguments& arguments, const LogDatabases& databases,
+std::string complaint_about(const PlotArguments& arguments, const LogDatabases& databases,
                             const Words& words) {
   if (databases.empty()) return "no database is given";
   if (words.signals.empty() && arguments.choice.jitter.empty())
@@ -84,7 +82,7 @@ std::string complaint_about(const Arguments& arguments, const LogDatabases& data
   if (words.logs.empty() && is_terminal(stdin)) return "no log is given";
   std::set<FileIdentity> identities;
   for (const std::string& log : words.logs) {
-    const auto identity = log == kStandard ? identity_of_input() : identity_of(log);
+    const auto identity = log == kStandardStream ? identity_of_input() : identity_of(log);
     if (identity && !identities.insert(*identity).second) return escaped(log) + " is given twice";
   }
   return "";
@@ -92,15 +90,15 @@ std::string complaint_about(const Arguments& arguments, const LogDatabases& data
 
 /// The name of a log, without its folders.
 std::string title_of(const std::string& log) {
-  if (log == kStandard) return "standard input";
+  if (log == kStandardStream) return "standard input";
   const std::filesystem::path path(std::u8string(log.begin(), log.end()));
   const std::u8string name = path.filename().u8string();
   return {name.begin(), name.end()};
 }
 
 /// @return whether the log is one
-bool gather(const Arguments& arguments, const std::string& log, PlotGatherer& gatherer) {
-  ZelkLogReader reader(log == kStandard ? std::nullopt : std::optional(log),
+bool gather(const PlotArguments& arguments, const std::string& log, PlotGatherer& gatherer) {
+  ZelkLogReader reader(log == kStandardStream ? std::nullopt : std::optional(log),
                        {.times = arguments.run.times.kind, .stop = &NotedStop::is_requested()});
   LogRun run(reader, pipeline_options(arguments.run), arguments.run.strict, false);
   gatherer.begin_log(title_of(log));
@@ -121,14 +119,14 @@ void report(const PlotGatherer& gatherer) {
 }
 
 /// The bytes of the file.
-std::string encoded(const Arguments& arguments, const Figure& figure) {
+std::string encoded(const PlotArguments& arguments, const Figure& figure) {
   if (ends_in(arguments.output, ".html")) return plot_page(figure);
   const Picture picture = plot_svg(figure, arguments.picture);
   if (ends_in(arguments.output, ".svg")) return picture.svg;
   return png_of(picture.svg, picture.size, arguments.scale);
 }
 
-void write(const Arguments& arguments, const Figure& figure) {
+void write(const PlotArguments& arguments, const Figure& figure) {
   const std::string bytes = encoded(arguments, figure);
   try {
     replace_file(arguments.output, bytes);
@@ -137,13 +135,13 @@ void write(const Arguments& arguments, const Figure& figure) {
   }
 }
 
-void draw(const Arguments& arguments, const Figure& figure, Output& out) {
+void draw(const PlotArguments& arguments, const Figure& figure, Output& out) {
   TerminalForm form = terminal_form(stdout);
   form.has_unicode &= !arguments.ascii;
   out.raw(draw_in_terminal(figure, form));
 }
 
-ExitCode plot(const Arguments& arguments, Output& out) {
+ExitCode plot(const PlotArguments& arguments, Output& out) {
   if (kWhyNoPng && ends_in(arguments.output, ".png"))
     throw RequestError(behind_path(arguments.output, kWhyNoPng));
   LogDatabases databases(arguments.mending);
@@ -154,7 +152,7 @@ ExitCode plot(const Arguments& arguments, Output& out) {
   if (!databases.check_filter({{}, words.signals}, ", nor is there such a file") ||
       !databases.check_filter({arguments.choice.jitter, {}}))
     return kExitFailure;
-  if (words.logs.empty()) words.logs.emplace_back(kStandard);
+  if (words.logs.empty()) words.logs.emplace_back(kStandardStream);
   std::vector<std::string> inputs = databases.paths();
   inputs.insert(inputs.end(), words.logs.begin(), words.logs.end());
   if (!arguments.output.empty()) check_is_no_input(arguments.output, inputs);
@@ -204,7 +202,7 @@ void add_picture_options(CLI::App& command, PictureOptions& options) {
 
 void add_plot_command(CLI::App& app, Action& action) {
   CLI::App* command = app.add_subcommand("plot", "Draw the signals of recorded logs over time");
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<PlotArguments>();
   command
       ->add_option(
           "FILE_OR_SIGNAL", arguments->words,

@@ -20,18 +20,16 @@ namespace zelk::tool {
 
 namespace {
 
-constexpr const char* kStandard = "-";  // standard output
-
-struct Arguments {
+struct ReportArguments {
   std::vector<std::string> paths;
-  std::string out = kStandard;
+  std::string out = kStandardStream;
   Mending mending;
   BitRates rates;
 };
 
 /// @throws RequestError when the page cannot go where it is wanted
-void check_output(const Arguments& arguments) {
-  if (arguments.out == kStandard) {
+void check_output(const ReportArguments& arguments) {
+  if (arguments.out == kStandardStream) {
     if (is_terminal(stdout))
       throw RequestError("a page is not for a terminal: name a file with -o");
     return;
@@ -46,7 +44,7 @@ void check_output(const Arguments& arguments) {
 }
 
 void write_page(const std::string& path, const std::string& page, Output& out) {
-  if (path == kStandard) return out.write_through(page);
+  if (path == kStandardStream) return out.write_through(page);
   try {
     replace_file(path, page);
   } catch (const RequestError& error) {
@@ -61,7 +59,7 @@ std::string file_name(const std::string& path) {
   return {name.begin(), name.end()};
 }
 
-ExitCode compare(const Arguments& arguments, const DatabaseFile& before, Output& out) {
+ExitCode compare(const ReportArguments& arguments, const DatabaseFile& before, Output& out) {
   const std::string& path = arguments.paths.back();
   DatabaseFile after(arguments.mending);
   if (!after.open_and_report(path)) return kExitFailure;
@@ -91,7 +89,7 @@ void add_rate_option(CLI::App& command, const char* name, std::optional<double>&
       ->check(CLI::Range(kSlowest, kFastest));
 }
 
-ExitCode report(const Arguments& arguments, Output& out) {
+ExitCode report(const ReportArguments& arguments, Output& out) {
   check_output(arguments);
   const std::string& path = arguments.paths.front();
   DatabaseFile file(arguments.mending);
@@ -108,7 +106,7 @@ ExitCode report(const Arguments& arguments, Output& out) {
 void add_report_command(CLI::App& app, Action& action) {
   CLI::App* command = app.add_subcommand(
       "report", "Make a page of all that a database says, to be seen in a browser");
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<ReportArguments>();
   command
       ->add_option("FILE", arguments->paths,
                    "Database to read; with two of them, the page tells what differs")

@@ -13,7 +13,7 @@ namespace zelk::tool {
 
 namespace {
 
-struct Arguments {
+struct RewriteArguments {
   std::string in;
   std::string out;
   bool allow_cut = false;
@@ -22,7 +22,7 @@ struct Arguments {
 };
 
 /// @throws RequestError when the database cannot be written, or not without loss
-void write(const Arguments& arguments, const DatabaseFile& file, ZelkDatabase& database) {
+void write(const RewriteArguments& arguments, const DatabaseFile& file, ZelkDatabase& database) {
   if (arguments.allow_cut) database.symbols_shortened = 0;
   check_roundings(roundings_of(file.encoded()), arguments.out, arguments.allow_rounding);
   // A module may give what no DBC file can hold.
@@ -31,7 +31,7 @@ void write(const Arguments& arguments, const DatabaseFile& file, ZelkDatabase& d
   save(database, arguments.out, [&] { return database.Write(arguments.out.c_str()); });
 }
 
-ExitCode rewrite(const Arguments& arguments) {
+ExitCode rewrite(const RewriteArguments& arguments) {
   DatabaseFile file(arguments.mending);
   ZelkDatabase* const database = file.open_and_report(arguments.in);
   if (!database) return kExitFailure;
@@ -49,7 +49,7 @@ ExitCode rewrite(const Arguments& arguments) {
 void add_rewrite_command(CLI::App& app, Action& action) {
   CLI::App* command = app.add_subcommand(
       "rewrite", "Read a database and write it again, in the library's own order and form");
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<RewriteArguments>();
   command->add_option("IN", arguments->in, "Database to read")->required()->option_text(" ");
   command
       ->add_option("OUT", arguments->out,

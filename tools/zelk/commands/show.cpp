@@ -12,14 +12,14 @@ namespace zelk::tool {
 
 namespace {
 
-struct Arguments {
+struct ShowArguments {
   std::string path;
   std::optional<std::string> object;
   bool svg = false;
   Mending mending;
 };
 
-ExitCode show(const Arguments& arguments, Output& out) {
+ExitCode show(const ShowArguments& arguments, Output& out) {
   const auto& [path, object, svg, mending] = arguments;
   DatabaseFile file(mending);
   if (!file.open_and_report(path)) return kExitFailure;
@@ -34,7 +34,7 @@ ExitCode show(const Arguments& arguments, Output& out) {
 void add_show_command(CLI::App& app, Action& action) {
   CLI::App* command =
       app.add_subcommand("show", "Show a whole database, or what bears a name or identifier");
-  const auto arguments = std::make_shared<Arguments>();
+  const auto arguments = std::make_shared<ShowArguments>();
   command->add_option("FILE", arguments->path, "Database to read")->required()->option_text(" ");
   CLI::Option* const object =
       command

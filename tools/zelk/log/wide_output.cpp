@@ -29,7 +29,7 @@ std::optional<std::int64_t> parse_step(std::string_view text) {
 }
 
 bool is_folder(const std::string& path) {
-  if (path == "-") return false;
+  if (path == kStandardStream) return false;
   return path.ends_with('/') || file_type(path + "/.") == std::filesystem::file_type::directory;
 }
 
@@ -71,7 +71,7 @@ void write_timeline(const ZelkWideChoice& choice, const WideArguments& arguments
 
 void decode_into_timeline(const ZelkWideChoice& choice, const WideArguments& arguments, LogRun& run,
                           Output& out) {
-  if (arguments.path == "-") {
+  if (arguments.path == kStandardStream) {
     return write_timeline(choice, arguments, run,
                           [&](std::string_view lines) { out.write_through(lines); });
   }

@@ -17,8 +17,8 @@ namespace zelk::tool {
 struct WideArguments {
   bool is_wanted = false;
   ZelkWideOptions options{};
-  std::string path = "-";  ///< folder or file; "-": standard output
-  std::int64_t step = 0;   ///< of the grid, in nanoseconds; 0: a row for each frame
+  std::string path = kStandardStream;  ///< folder or file
+  std::int64_t step = 0;               ///< of the grid, in nanoseconds; 0: a row for each frame
 };
 
 /// "100ms", "0.5s": a time above 0 with its unit, ns, us, ms, s or min.

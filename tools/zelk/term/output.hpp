@@ -15,6 +15,9 @@
 
 namespace zelk::tool {
 
+/// In the place of a path: standard input, or standard output.
+inline constexpr const char* kStandardStream = "-";
+
 /// Standard output, line by line, buffered and checked: a full disk or a closed pipe must not pass
 /// for success.
 class Output {
