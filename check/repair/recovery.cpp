@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "check/findings/sentences.hpp"
-#include "check/repair/announced.hpp"
 #include "check/repair/number_mends.hpp"
 #include "zelk/records.h"
 
@@ -33,8 +32,7 @@ bool is_word(const Token& token) { return is_name(token) || is_number(token); }
 /// Reads the tokens of a statement and takes from them what has the looks of its parts.
 class Salvage {
  public:
-  Salvage(const Document& document, const Statement& statement)
-      : document_(document), statement_(statement) {
+  Salvage(const Document& document, const Statement& statement) : document_(document) {
     for (const Token& token : document.tokens_of(statement))
       if (token.kind != TokenKind::kAbsorbed) tokens_.push_back(&token);
   }
@@ -96,16 +94,6 @@ class Salvage {
       ++at;
     }
     return result + " ;";
-  }
-
-  /// "BU_: names", "NS_: names", without what is no name, or must not be announced.
-  std::string list() {
-    std::string result = text(0) + ":";
-    const bool announces = tokens_[0]->is(Word::kNewSymbols);
-    const NameSet used = announces ? names_in_front(document_, statement_) : NameSet();
-    for (std::size_t i = 1; i < tokens_.size(); ++i)
-      if (is_name(*tokens_[i]) && !used.contains(text(i))) result += ' ' + text(i);
-    return result;
   }
 
  private:
@@ -196,7 +184,6 @@ class Salvage {
   }
 
   const Document& document_;
-  const Statement& statement_;
   std::vector<const Token*> tokens_;
 };
 
@@ -210,9 +197,6 @@ std::string salvaged(const Document& document, const Statement& statement) {
     case Word::kDescriptions:
     case Word::kValueTable:
       return salvage.descriptions();
-    case Word::kNodes:
-    case Word::kNewSymbols:
-      return salvage.list();
     case Word::kBitTiming:
       return "BS_:";
     default:

@@ -457,9 +457,7 @@ class FormReader {
     if (in_.at_text()) {
       in_.take(Role::kValue);
     } else if (in_.at_name() && !in_.at_number()) {
-      if (words == Words::kFault || !in_.at_kind(TokenKind::kName))
-        in_.fault(FaultKind::kUnquotedText, in_.at(), in_.at() + 1, "a text between quotes");
-      in_.take(Role::kValue);
+      in_.word(Role::kValue, words == Words::kTaken);
     } else {
       in_.real(Role::kValue, "the value: a number or a text");
     }

@@ -263,13 +263,16 @@ void TokenReader::text(Role role, std::string_view expected) {
   if (!is_readable_) return;
   if (at_text()) return take(role);
   const bool may_lack_quotes = role == Role::kText || role == Role::kItem;
-  if (may_lack_quotes && at_name()) return unquoted_text(role);
+  if (may_lack_quotes && at_name()) return word(role, false);
   missing(expected, "\"\"");
 }
 
-void TokenReader::unquoted_text(Role role) {
-  const std::uint32_t end = odd_name_end(at_);
+void TokenReader::word(Role role, bool may_be_name) {
+  if (!is_readable_) return;
   const std::uint32_t first = at_;
+  const std::uint32_t end = is_exact_ ? first + 1 : odd_name_end(first);
+  const bool is_plain = at_kind(TokenKind::kName) && end == first + 1;
+  if (may_be_name && is_plain) return take(role);
   if (end > first + 1) merge(end - 1, TokenKind::kOddName);
   tokens_[first].role = role;
   at_ = end;
@@ -371,12 +374,18 @@ void TokenReader::comma_names(Role role, std::string_view expected) {
 }
 
 void TokenReader::blank_names(Role role) {
-  while (is_readable_ && (at_name() || at_mark(','))) {
-    if (at_mark(',')) {
+  const auto is_surplus = [this] {
+    return at_mark(',') ||
+           (!at_end() && !at_mark(';') && !at_statement() && is_on_line_of_previous(at_));
+  };
+  while (is_readable_) {
+    if (at_name()) {
+      name(role, "a name");
+    } else if (is_surplus()) {
       fault(FaultKind::kSurplus, at_, at_ + 1, "a blank between names");
       take();
     } else {
-      name(role, "a name");
+      return;
     }
   }
 }

@@ -59,6 +59,10 @@ class TokenReader {
   void new_name(Role role, std::string_view expected);
   /// A text; a missing one is taken for an empty one.
   void text(Role role, std::string_view expected);
+  /// A word that stands for a text.
+  ///
+  /// @param may_be_name  whether the reader takes a name there, too
+  void word(Role role, bool may_be_name);
   /// A count from 0 to 32767.
   void count(Role role, std::string_view expected);
   /// A whole number.
@@ -91,7 +95,6 @@ class TokenReader {
   bool is_broken_exponent(std::uint32_t number) const;
   void merge(std::uint32_t last, TokenKind kind);
   void take_name(Role role, std::string_view expected);
-  void unquoted_text(Role role);
   std::uint32_t odd_name_end(std::uint32_t first) const;
   std::uint32_t odd_number_end() const;
   using IsRight = bool (*)(const Document&, const Token&);
