@@ -37,7 +37,7 @@ class Renames {
                                      std::ranges::count_if(faults, is_name_fault, &Fault::kind))) {}
 
   void run() {
-    // What is introduced comes first; a name that is only referred to gets its own all the same.
+    // What is introduced comes first.
     for (const Fault& fault : split_)
       if (!mender_.is_settled(fault.statement)) rename(fault);
     // What was taken for indicators is none, once the text is read again.
@@ -58,8 +58,10 @@ class Renames {
     const bool may_be = is_name_fault(fault.kind) && mender_.is_on(fault.kind) &&
                         !mender_.is_settled(fault.statement) &&
                         mender_.statement(fault.statement).is_readable;
-    if (!may_be || fault.kind != FaultKind::kTooLong) return may_be;
+    if (!may_be) return false;
     const Token& token = mender_.token(fault.token);
+    // An odd indicator has a mend of its own, or is a part of the signal's name.
+    if (fault.kind != FaultKind::kTooLong) return token.role != Role::kIndicator;
     return token.kind == TokenKind::kName && naming_of(token.role).kind != NameKind::kOther;
   }
 
@@ -82,42 +84,20 @@ class Renames {
 
   void rename(const Fault& fault) {
     const Token& token = mender_.token(fault.token);
-    if (token.role == Role::kIndicator) return rename_indicator(fault);
-    if (token.role == Role::kValue) return quote(fault);
     const NameKind kind = naming(fault).kind;
     const std::uint32_t owner = owner_of(kind, fault.statement);
     const std::uint32_t end = mender_.token(fault.token_end - 1).end;
     const std::string_view name = mender_.document.source.text(token.begin, end);
     Renamed* renamed = renamed_.find(kind, owner, name);
+    // Of what is only referred to, nodes are added to their list; all else is unknown and goes.
+    const bool may_be_new = naming(fault).is_introduced || kind == NameKind::kNode;
+    if (!renamed && !may_be_new) return;
     if (renamed) {
       ++renamed->references;
     } else {
       renamed = &renamed_.add({kind, owner, name, new_name(kind, owner, name), &fault});
     }
     mender_.edits.replace(token.begin, end, renamed->new_name);
-  }
-
-  /// A word that is the value of an attribute stays as it is, as a text.
-  void quote(const Fault& fault) {
-    const std::string_view word = mender_.text_of(fault.token);
-    mender_.replace_token(fault.token, '"' + std::string(word) + '"');
-    mender_.note(fault.kind, fault.statement, fault.token, fault.token + 1,
-                 "quotes added around " + shown(word));
-  }
-
-  /// "m 3", "m-3": a letter and digits.
-  void rename_indicator(const Fault& fault) {
-    const std::string_view text = mender_.text_of(fault.token);
-    std::string indicator;
-    for (const char c : text) {
-      const bool is_part = indicator.empty() ? is_letter(c) && c != '_' : is_digit(c);
-      if (is_part) indicator += c;
-    }
-    const bool is_both = indicator.size() > 1 && text.back() == indicator.front();
-    if (is_both) indicator += indicator.front();
-    mender_.replace_token(fault.token, indicator);
-    mender_.note(fault.kind, fault.statement, fault.token, fault.token + 1,
-                 "multiplexor indicator " + shown(text) + " spelled " + indicator);
   }
 
   std::string new_name(NameKind kind, std::uint32_t owner, std::string_view old_name) {
@@ -213,7 +193,7 @@ class Renames {
   void keep_old_name(std::string& comment, Renamed& each) const {
     const std::size_t quote = comment.rfind('"');
     if (quote == std::string::npos || comment.find('"') == quote) return;
-    const bool is_empty = comment[quote - 1] == '"';
+    const bool is_empty = comment.find('"') == quote - 1;
     comment.insert(quote, old_name_line(each, is_empty));
     each.is_told = true;
   }
