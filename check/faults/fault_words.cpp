@@ -93,20 +93,13 @@ Finding FaultWords::finding(const Fault& fault) {
   const bool is_section =
       fault.kind == FaultKind::kMissingBitTiming || fault.kind == FaultKind::kMissingNodes;
   if (fault.statement != kNoStatement && !is_section && kind_of(fault.statement) != Word::kNone)
-    finding.statement = statement_words(fault.statement);
+    finding.statement = describe(document_, document_.statements[fault.statement]);
   if (fault.related != kNoStatement)
     finding.related.push_back({keyword_span(fault.related), related_words(fault)});
   return finding;
 }
 
 // --- Pieces ---
-
-/// Of one that cannot be read, its names may be missing.
-std::string FaultWords::statement_words(std::uint32_t statement) const {
-  std::string words = describe(document_, document_.statements[statement]);
-  const bool has_names = !words.empty() && words.back() != ' ';
-  return has_names ? words : "statement " + quoted(kind_of(statement));
-}
 
 std::string FaultWords::text(const Fault& fault) const {
   return std::string(document_.text_of(token(fault)));

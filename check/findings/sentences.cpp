@@ -30,13 +30,19 @@ std::string object_of(const Document& document, const Statement& statement) {
   return type.empty() ? "the database" : "signal type " + type;
 }
 
+/// "node" and its name; the word alone where a broken statement has none.
+std::string named(std::string_view noun, std::string_view name) {
+  std::string text(noun);
+  return name.empty() ? text : text.append(" ").append(name);
+}
+
 std::string describe_message(const Document& document, const Statement& statement) {
-  return "message " + std::string(document.text_of(statement, Role::kMessageId)) + " " +
-         std::string(document.text_of(statement, Role::kMessage));
+  return named(named("message", document.text_of(statement, Role::kMessageId)),
+               document.text_of(statement, Role::kMessage));
 }
 
 std::string describe_signal(const Document& document, const Statement& statement) {
-  std::string text = "signal " + std::string(document.text_of(statement, Role::kSignal));
+  std::string text = named("signal", document.text_of(statement, Role::kSignal));
   if (statement.owner == Statement::kNone) return text;
   const Statement& owner = document.statements[statement.owner];
   return text + " of message " + std::string(document.text_of(owner, Role::kMessageId));
@@ -63,10 +69,12 @@ std::string describe_later(const Document& document, const Statement& statement)
       return "value of " + attribute_of(document, statement) + " for " +
              object_of(document, statement);
     case Word::kGroup:
-      return "signal group " + std::string(document.text_of(statement, Role::kGroup)) +
-             " of message " + std::string(document.text_of(statement, Role::kMessageRef));
+      return named(named("signal group", document.text_of(statement, Role::kGroup)) + " of message",
+                   document.text_of(statement, Role::kMessageRef));
     case Word::kNone:
       return "text";
+    case Word::kAnnounced:
+      return "statement \"" + std::string(document.text_of(document.tokens[statement.first])) + '"';
     default:
       return "statement \"" + std::string(spelling(statement.kind)) + '"';
   }
@@ -81,11 +89,11 @@ std::string describe(const Document& document, const Statement& statement) {
     case Word::kSignal:
       return describe_signal(document, statement);
     case Word::kVariable:
-      return "environment variable " + std::string(document.text_of(statement, Role::kVariable));
+      return named("environment variable", document.text_of(statement, Role::kVariable));
     case Word::kValueTable:
-      return "value table " + std::string(document.text_of(statement, Role::kTable));
+      return named("value table", document.text_of(statement, Role::kTable));
     case Word::kSignalType:
-      return "signal type " + std::string(document.text_of(statement, Role::kType));
+      return named("signal type", document.text_of(statement, Role::kType));
     case Word::kComment:
       return "comment of " + object_of(document, statement);
     case Word::kTransmitters:
