@@ -83,7 +83,8 @@ void merge_section(Mender& mender, std::uint32_t first, std::uint32_t other, Nam
 
 void merge_sections(Mender& mender, Word kind) {
   const std::vector<std::uint32_t> found = statements_of(mender, kind);
-  if (found.size() < 2) return;
+  // One that is rewritten is read again first, and takes in the others then.
+  if (found.size() < 2 || mender.is_settled(found[0])) return;
   NameSet unneeded = unneeded_names(mender.document, mender.statement(found[0]));
   for (const std::uint32_t other : std::span(found).subspan(1))
     merge_section(mender, found[0], other, unneeded);

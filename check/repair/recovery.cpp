@@ -27,6 +27,8 @@ bool is_name(const Token& token) {
          token.kind == TokenKind::kKeyword;
 }
 
+bool is_sign(const Token& token) { return token.is_mark('+') || token.is_mark('-'); }
+
 bool is_word(const Token& token) { return is_name(token) || is_number(token); }
 
 /// Reads the tokens of a statement and takes from them what has the looks of its parts.
@@ -129,7 +131,8 @@ class Salvage {
     return find([mark](const Token& token) { return token.is_mark(mark); }, from);
   }
 
-  /// Byte order and sign; empty when there is an "@" and no number behind it.
+  /// Byte order, and the sign in front of the scale; empty when there is an "@" and no number
+  /// behind it.
   std::string order(std::size_t& at) const {
     std::string result = "@1";
     if (has(at) && tokens_[at]->is_mark('@')) {
@@ -137,8 +140,11 @@ class Salvage {
       result = '@' + text(at + 1);
       at += 2;
     }
-    const bool has_sign = has(at) && (tokens_[at]->is_mark('+') || tokens_[at]->is_mark('-'));
-    return result + (has_sign ? text(at++) : "+");
+    const std::size_t end = std::min({find_mark('(', at), find_mark('[', at), find(is_text, at)});
+    const std::size_t sign = find(is_sign, at);
+    if (sign >= end) return result + '+';
+    at = sign + 1;
+    return result + text(sign);
   }
 
   /// Two numbers between brackets, in front of the unit.
@@ -148,7 +154,8 @@ class Salvage {
   std::string pair(char open, char between, char close, std::string_view otherwise,
                    std::size_t& at) const {
     const std::size_t begin = find_mark(open, at);
-    if (begin >= find(is_text, at)) return std::string(otherwise);
+    const std::size_t limit = find(is_text, at);
+    if (begin >= limit) return find_mark(close, at) < limit ? "" : std::string(otherwise);
     std::size_t next = begin + 1;
     const std::string first = number(next);
     const bool is_divided = has(next) && tokens_[next]->is_mark(between);
@@ -161,7 +168,7 @@ class Salvage {
 
   /// With its sign; empty when none stands there.
   std::string number(std::size_t& at) const {
-    const bool has_sign = has(at) && (tokens_[at]->is_mark('+') || tokens_[at]->is_mark('-'));
+    const bool has_sign = has(at) && is_sign(*tokens_[at]);
     const std::size_t digits = at + (has_sign ? 1 : 0);
     if (!has(digits) || !is_number(*tokens_[digits])) return "";
     const std::string sign = has_sign ? text(at) : "";
