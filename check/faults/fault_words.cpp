@@ -28,7 +28,7 @@ bool is_missing(FaultKind kind) {
          kind == FaultKind::kMissingNodes || kind == FaultKind::kNoFinalLineFeed;
 }
 
-/// "node", "message", ... of a reference.
+/// "node", "message", ... of a reference, which is none to a signal or attribute.
 std::string_view kind_of_object(FaultKind kind) {
   switch (kind) {
     case FaultKind::kUnknownMessage:
@@ -41,10 +41,8 @@ std::string_view kind_of_object(FaultKind kind) {
       return "value table ";
     case FaultKind::kUnknownType:
       return "signal type ";
-    case FaultKind::kUnknownCategory:
-      return "category ";
     default:
-      return "attribute ";
+      return "category ";
   }
 }
 
@@ -103,6 +101,14 @@ Finding FaultWords::finding(const Fault& fault) {
 
 std::string FaultWords::text(const Fault& fault) const {
   return std::string(document_.text_of(token(fault)));
+}
+
+/// A number has its sign in front.
+std::string FaultWords::value(const Fault& fault) const {
+  const bool is_number =
+      token(fault).kind == TokenKind::kWhole || token(fault).kind == TokenKind::kReal;
+  const bool is_negative = is_number && document_.tokens[fault.token - 1].is_mark('-');
+  return (is_negative ? "-" : "") + std::string(document_.content_of(token(fault)));
 }
 
 std::string FaultWords::found(const Fault& fault) const {
@@ -206,9 +212,9 @@ std::string FaultWords::message_of_reference(const Fault& fault) const {
   }
   if (fault.kind == FaultKind::kUnknownLink)
     return "the relation is to node " + std::string(name) + ", which is not linked to the object";
-  return std::string(kind_of_object(fault.kind)) +
-         (fault.kind == FaultKind::kUnknownAttribute ? quoted(name) : std::string(name)) +
-         " is not defined";
+  if (fault.kind == FaultKind::kUnknownAttribute)
+    return "attribute " + quoted(name) + " is not defined";
+  return std::string(kind_of_object(fault.kind)) + value(fault) + " is not defined";
 }
 
 std::string FaultWords::message_of_value(const Fault& fault) const {
@@ -216,7 +222,7 @@ std::string FaultWords::message_of_value(const Fault& fault) const {
     return "expected \"DUMMY_NODE_OSTREL\" and a hexadecimal code, " + found(fault);
   if (!fault.expected.empty())
     return "expected " + std::string(fault.expected) + ", " + found(fault);
-  const std::string value = quoted(document_.content_of(token(fault)));
+  const std::string value = quoted(this->value(fault));
   if (fault.related != kNoStatement) {
     const Statement& definition = document_.statements[fault.related];
     const Token* const type = document_.find(definition, Role::kValueType);

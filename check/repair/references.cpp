@@ -15,25 +15,21 @@ bool is_list(Word kind) {
 }  // namespace
 
 void References::mend(const Fault& fault) {
-  const bool is_reference =
-      fault.kind >= FaultKind::kUnknownMessage && fault.kind <= FaultKind::kUnknownCategory;
-  if (!is_reference || mender_.is_settled(fault.statement)) return;
-  const std::string name(mender_.text_of(fault.token));
   switch (fault.kind) {
     case FaultKind::kUnknownMessage:
       return mend_message(fault);
     case FaultKind::kUnknownSignal:
-      return mend_member(fault, "there is no signal " + name);
+      return mend_member(fault, "signal");
     case FaultKind::kUnknownNode:
       return mend_node(fault);
     case FaultKind::kUnknownVariable:
-      return mend_member(fault, "there is no environment variable " + name);
+      return mend_member(fault, "environment variable");
     case FaultKind::kUnknownTable:
-      return mend_member(fault, "there is no value table " + name);
+      return mend_member(fault, "value table");
     case FaultKind::kUnknownType:
-      return mend_member(fault, "there is no signal type " + name);
+      return mend_member(fault, "signal type");
     case FaultKind::kUnknownCategory:
-      return mend_member(fault, "there is no category " + name);
+      return mend_member(fault, "category");
     default:
       return;
   }
@@ -52,13 +48,16 @@ void References::mend_message(const Fault& fault) {
                    frames + " frames");
 }
 
-void References::mend_member(const Fault& fault, std::string_view why) {
+void References::mend_member(const Fault& fault, std::string_view noun) {
+  const bool has_sign = mender_.token(fault.token - 1).is_mark('-');  // the number of a category
+  const std::string name = (has_sign ? "-" : "") + std::string(mender_.text_of(fault.token));
+  const std::string why = "there is no " + std::string(noun) + ' ' + name;
   if (!is_list(mender_.statement(fault.statement).kind))
     return mender_.drop(fault.kind, fault.statement, why);
-  const bool has_sign = mender_.token(fault.token - 1).is_mark('-');
-  mender_.erase_tokens(fault.token - (has_sign ? 1 : 0), fault.token + 1);
-  mender_.note(fault.kind, fault.statement, fault.token, fault.token + 1,
-               shown(mender_.text_of(fault.token)) + " removed, " + std::string(why));
+  const std::uint32_t first = fault.token - (has_sign ? 1 : 0);
+  mender_.erase_tokens(first, fault.token + 1);
+  mender_.note(fault.kind, fault.statement, first, fault.token + 1,
+               shown(name) + " removed, " + why);
 }
 
 void References::mend_node(const Fault& fault) {

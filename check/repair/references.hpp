@@ -29,7 +29,7 @@ class References {
 
  private:
   void mend_message(const Fault& fault);
-  void mend_member(const Fault& fault, std::string_view why);
+  void mend_member(const Fault& fault, std::string_view noun);
   void mend_node(const Fault& fault);
 
   Mender& mender_;
