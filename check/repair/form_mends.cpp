@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <string>
-#include <utility>
 
 #include "base/characters.hpp"
 #include "check/findings/sentences.hpp"
@@ -33,7 +32,7 @@ void mend_end_byte(Mender& mender, const Fault& fault) {
     place.end = at + 1;
     mender.edits.replace(at, at + 1, " ");
   }
-  if (count != 0) {
+  if (count != 0) {  // none within a name that several tokens make up
     mender.note(FaultKind::kEndByte, place,
                 counted(count, "byte") + " 0xFF removed, at which reading would end");
   }
@@ -88,8 +87,7 @@ void FormMends::mend(const Fault& fault) {
     case FaultKind::kNoFinalLineFeed:
       return mend_final_line_feed(mender_);
     case FaultKind::kEndByte:
-      if (std::exchange(end_byte_token_, fault.token) != fault.token) mend_end_byte(mender_, fault);
-      return;
+      return mend_end_byte(mender_, fault);
     case FaultKind::kOddSpace:
       return mend_odd_space(mender_, fault);
     case FaultKind::kOpenText:

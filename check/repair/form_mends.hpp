@@ -37,8 +37,6 @@ class FormMends {
   /// First tokens of what stands in front of a text that is missing at its place.
   std::unordered_set<std::uint32_t> late_texts_;
   std::unordered_set<std::uint32_t> beginnings_;  ///< tokens in front of which a first quote lacks
-  /// In front of which all bytes 0xFF are mended; each of them is a fault.
-  std::uint32_t end_byte_token_ = Statement::kNone;
 };
 
 }  // namespace zelk::check

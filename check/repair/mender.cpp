@@ -1,6 +1,7 @@
 #include "check/repair/mender.hpp"
 
 #include <algorithm>
+#include <cassert>
 #include <utility>
 
 #include "base/characters.hpp"
@@ -55,15 +56,14 @@ void Mender::note(FaultKind kind, std::uint32_t statement, std::uint32_t token,
 void Mender::drop(FaultKind kind, std::uint32_t index, std::string_view why) {
   if (is_settled(index)) return;
   const Statement& there = document.statements[index];
-  std::string message = describe(document, there) + " dropped";
-  if (!why.empty()) message.append(", ").append(why);
+  const std::string message = describe(document, there) + " dropped, " + std::string(why);
   note(kind, {document.begin_of(there), document.end_of(there)},
        message + ": " + shown(document.text_of(there)));
   erase(index);
 }
 
 void Mender::erase(std::uint32_t index) {
-  if (is_settled(index)) return;
+  assert(!is_settled(index));
   states_[index] = State::kDropped;
   const Statement& there = document.statements[index];
   const Span span =

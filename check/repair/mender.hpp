@@ -52,7 +52,7 @@ class Mender {
   ///
   /// @param why  "there is no such message"
   void drop(FaultKind kind, std::uint32_t index, std::string_view why);
-  /// Takes a statement out, and says nothing.
+  /// Takes a statement out, which is neither dropped nor rewritten yet, and says nothing.
   void erase(std::uint32_t index);
   /// Puts another text in the place of a statement, which is read in the next round.
   void rewrite(std::uint32_t index, std::string text);

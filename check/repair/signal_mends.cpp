@@ -76,7 +76,6 @@ void mend_segments(Mender& mender, const Fault& fault) {
 }  // namespace
 
 void mend_signal(Mender& mender, const Fault& fault) {
-  if (mender.is_settled(fault.statement)) return;
   if (fault.kind == FaultKind::kIndicator) mend_indicator(mender, fault);
   if (fault.kind == FaultKind::kSegments) mend_segments(mender, fault);
 }

@@ -34,8 +34,6 @@ std::optional<std::string> meant_number(std::string_view text) {
 }  // namespace
 
 void ValueMends::mend(const Fault& fault) {
-  if (mender_.is_settled(fault.statement)) return;
-  const Role role = mender_.token(fault.token).role;
   switch (mender_.statement(fault.statement).kind) {
     case Word::kAttribute:
     case Word::kTypeAttribute:
@@ -46,10 +44,8 @@ void ValueMends::mend(const Fault& fault) {
     case Word::kVariable:
       return replace(fault, "0");
     case Word::kCategoryDefinition:
-      if (role == Role::kLevel) return replace(fault, "65535");
+      if (mender_.token(fault.token).role == Role::kLevel) return replace(fault, "65535");
       break;
-    case Word::kSignalType:
-      return replace(fault, role == Role::kOrder ? "1" : "65535");
     default:
       break;
   }
@@ -60,9 +56,8 @@ void ValueMends::mend(const Fault& fault) {
 void ValueMends::mend_attribute(const Fault& fault) {
   const Token& token = mender_.token(fault.token);
   const std::uint32_t definition = fault.related;
-  if (definition == Statement::kNone) return;
-  const Token* const type = mender_.document.find(mender_.statement(definition), Role::kValueType);
-  const bool is_enum = type && type->is(Word::kEnum);
+  const bool is_enum =
+      mender_.document.find(mender_.statement(definition), Role::kValueType)->is(Word::kEnum);
   if (is_enum && is_text(token)) return add_item(fault, definition);
   if (is_enum)
     return mender_.drop(fault.kind, fault.statement, "the attribute has no item with this index");
