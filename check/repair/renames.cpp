@@ -89,8 +89,10 @@ class Renames {
     const std::uint32_t end = mender_.token(fault.token_end - 1).end;
     const std::string_view name = mender_.document.source.text(token.begin, end);
     Renamed* renamed = renamed_.find(kind, owner, name);
-    // Of what is only referred to, nodes are added to their list; all else is unknown and goes.
-    const bool may_be_new = naming(fault).is_introduced || kind == NameKind::kNode;
+    // Of what is only referred to, nodes are added to their list; all else is unknown and goes. A
+    // keyword has to be a name before it can be looked for.
+    const bool may_be_new = naming(fault).is_introduced || kind == NameKind::kNode ||
+                            fault.kind == FaultKind::kKeywordName;
     if (!renamed && !may_be_new) return;
     if (renamed) {
       ++renamed->references;

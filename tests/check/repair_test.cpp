@@ -148,6 +148,8 @@ TEST(Mends, Names) {
       // What only a reference names goes under its old name, but for nodes.
       {kHead + "VAL_ v-1 0 'x' ;\nSG_MUL_VAL_ 1 s-1 x 1-1;\n", kHead,
        "unknown-variable unknown-signal"},
+      {kHead + "ENVVAR_DATA_ BA_REL_: 4;\n", kHead + "ENVVAR_DATA_ BA_REL__: 4;\n",
+       "keyword-name unknown-variable"},
       {kHead + "CM_ BU_ X-1 'x';\n", "BS_:\nBU_: A B X_1\n" + kHead.substr(kHead.find("BO_")) +
                                          "CM_ BU_ X_1 'x\nOriginal name: X-1';\n"},
       {kHead + "BO_ 2 2nd: 8 A\n", kHead + "BO_ 2 _2nd: 8 A\nCM_ BO_ 2 'Original name: 2nd';\n"},
