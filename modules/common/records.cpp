@@ -1,13 +1,9 @@
 #include "common/records.hpp"
 
+#include <cassert>
 #include <new>
 
 namespace zelk::modules {
-namespace {
-
-constexpr const char* kNul = "a text with a NUL character, which no database can hold";
-
-}  // namespace
 
 void* allocated(std::size_t size) {
   void* const block = zelk_malloc(size);
@@ -16,7 +12,7 @@ void* allocated(std::size_t size) {
 }
 
 void assign_text(char*& field, std::string_view text) {
-  if (text.find('\0') != std::string_view::npos) throw Fault(kNul);
+  assert(text.find('\0') == std::string_view::npos);
   auto* const copy = static_cast<char*>(allocated(text.size() + 1));
   text.copy(copy, text.size());  // the block's last byte is zero already
   zelk_mfree(field);
@@ -24,12 +20,10 @@ void assign_text(char*& field, std::string_view text) {
 }
 
 void check_inline(std::string_view text, std::string_view what) {
-  const std::string place = std::string(what) + ": ";
-  if (text.size() > ZELK_INLINE_NAME_MAX) {
-    throw Fault(place + "\"" + std::string(text) + "\" has more than " +
-                std::to_string(ZELK_INLINE_NAME_MAX) + " characters");
-  }
-  if (text.find('\0') != std::string_view::npos) throw Fault(place + kNul);
+  assert(text.find('\0') == std::string_view::npos);
+  if (text.size() <= ZELK_INLINE_NAME_MAX) return;
+  throw Fault(std::string(what) + ": \"" + std::string(text) + "\" has more than " +
+              std::to_string(ZELK_INLINE_NAME_MAX) + " characters");
 }
 
 }  // namespace zelk::modules

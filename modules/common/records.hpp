@@ -43,8 +43,10 @@ Record& append_new(ListTail<Record>& tail) {
   return *record;
 }
 
+// No text has a NUL character, which no record can hold: who reads a file refuses it there.
+
 /// Replaces an owned text of a record.
-/// @throws std::bad_alloc; Fault for a text with a NUL character, which no record can hold
+/// @throws std::bad_alloc
 void assign_text(char*& field, std::string_view text);
 
 /// Puts a text into an inline name or unit.

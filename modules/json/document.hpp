@@ -31,7 +31,7 @@ struct Value {
   }
   bool is_text(std::string_view text) const;
   bool is_number(double number) const;
-  /// The value of a key; null when this is no object or has no such key.
+  /// The value of a key of an object; null when that has no such key.
   const Value* find(std::string_view key) const;
 
   /// Integers below 0 are `std::int64_t`, all others `std::uint64_t`.
