@@ -79,7 +79,8 @@ const std::string kCycles =
 
 TEST(LintRules, OfMessages) {
   const Case cases[] = {
-      {"identifier-range", "BO_ 2048 M: 8 A\n", "4:5", "BO_ 2047 M: 8 A\n"},
+      {"identifier-range", "BO_ 2048 M: 8 A\nBO_ 1073741825 N: 8 A\n", "4:5 5:5",
+       "BO_ 2047 M: 8 A\n"},
       {"identifier-range", "BO_ 2684354560 M: 8 A\n", "4:5",
        "BO_ 2684354559 M: 8 A\nBO_ 1073741824 N: 0 A\nBO_ 3221225472 O: 0 A\n"},
       {"doubled-identifier", kM + "BO_ 256 N: 8 A\n", "5:5", kM + "BO_ 2147483904 N: 8 A\n"},
@@ -95,7 +96,8 @@ TEST(LintRules, OfMessages) {
            "BA_ 'VFrameFormat' BO_ 256 1;\nBA_ 'VFrameFormat' BO_ 2147483905 0;\n",
        "4:5 5:5", kM + "BO_ 2147483905 N: 8 A\n" + kFormats + "BA_ 'VFrameFormat' BO_ 256 0;\n"},
       {"frame-format", "BO_ 256 M: 12 A\n" + kFormats + "BA_ 'VFrameFormat' BO_ 256 0;\n", "4:5",
-       "BO_ 256 M: 12 A\n" + kFormats + "BA_ 'VFrameFormat' BO_ 256 3;\n"},
+       "BO_ 256 M: 12 A\nBO_ 257 N: 12 A\n" + kFormats +
+           "BA_ 'VFrameFormat' BO_ 256 3;\nBA_ 'VFrameFormat' BO_ 257 9;\n"},
       {"cycle-time-zero", kM + kCycles + "BA_ 'GenMsgSendType' BO_ 256 0;\n", "4:9",
        kM + kCycles + "BA_ 'GenMsgSendType' BO_ 256 2;\n"},
       {"cycle-time-zero", kM + kCycles + "BA_ 'GenMsgCycleTime' BO_ 256 0;\n", "4:9",
@@ -126,8 +128,10 @@ TEST(LintRules, OfBits) {
        big + sg("P", "60|8@1+") + sg("Q", "68|8@1+")},
       {"overlapping-signals", big + sg("P", "59|8@0+") + sg("Q", "68|5@0+"), "6:10",
        big + sg("P", "59|8@0+") + sg("Q", "67|4@0+")},
-      {"nested-signals", kM + sg("P", "0|16@1+") + sg("Q", "15|1@1+") + sg("R", "0|1@1+"), "5:10",
-       kM + sg("P", "0|16@1+") + sg("Q", "16|1@1+")},
+      {"nested-signals",
+       kM + sg("P", "0|16@1+") + sg("Q", "15|1@1+") + sg("R", "0|1@1+") + sg("S", "1|1@1+") +
+           sg("T", "2|1@1+"),
+       "5:10", kM + sg("P", "0|16@1+") + sg("Q", "16|1@1+")},
   };
   check(cases);
 }
@@ -147,10 +151,13 @@ TEST(LintRules, OfMultiplexors) {
        kM + x + p + "SG_MUL_VAL_ 256 P X 3-7;\n"},
       {"unused-multiplexor-value", kM + x + p + "VAL_ 256 X 0 'a' 1 'b' ;\n", "5:6",
        kM + x + p + "VAL_ 256 X 0 'a' 1 'b' 2 'c' ;\nSG_MUL_VAL_ 256 P X 0-0, 1-2;\n"},
+      // A negative value is given as 32 bits.
+      {"multiplexor-value", kM + sg("X M", "0|4@1-") + sg("P m4294967287", "8|8@1+"), "6:8",
+       kM + sg("X M", "0|4@1-") + sg("P m4294967288", "8|8@1+")},
       // One range within another, and one that goes on where another ends.
       {"unused-multiplexor-value",
        kM + sg("X M", "0|4@1+") + p +
-           "VAL_ 256 X 6 'a' 8 'b' ;\nSG_MUL_VAL_ 256 P X 0-5, 1-2, 5-7;\n",
+           "VAL_ 256 X 8 'a' 9 'b' 10 'c' 11 'd' 12 'e' 13 'f' ;\nSG_MUL_VAL_ 256 P X 0-5, 9-8;\n",
        "5:6",
        kM + sg("X M", "0|4@1+") + p +
            "VAL_ 256 X 0 'a' 4 'b' 7 'c' ;\nSG_MUL_VAL_ 256 P X 0-5, 1-2, 5-7;\n"},
@@ -190,11 +197,12 @@ TEST(LintRules, OfValues) {
        gear + "VAL_ 256 P 1 'a' 0 'b' -1 'a' ;\n"},
       {"doubled-description", "VAL_TABLE_ t 0 'a' 0 'b' ;\n", "4:20",
        "VAL_TABLE_ t 0 'a' 1 'a' ;\nVAL_TABLE_ u 0 'a' ;\n"},
-      {"attribute-range", "BA_DEF_ 'n' INT 0 10;\nBA_ 'n' 11;\n", "5:9",
-       "BA_DEF_ 'n' INT 0 10;\nBA_DEF_ 'm' HEX 0 0;\nBA_ 'n' 10;\nBA_ 'm' 255;\n"},
+      {"attribute-range", "BA_DEF_ 'n' INT 0 10;\nBA_DEF_ 'm' INT 1 10;\nBA_ 'n' 11;\nBA_ 'm' 0;\n",
+       "6:9 7:9", "BA_DEF_ 'n' INT 0 10;\nBA_DEF_ 'm' HEX 0 0;\nBA_ 'n' 10;\nBA_ 'm' 255;\n"},
       {"attribute-range", "BA_DEF_ 'n' INT 0 10;\nBA_ 'n' 1.5;\n", "5:9",
        "BA_DEF_ 'n' FLOAT 0 10;\nBA_ 'n' 1.5;\n"},
-      {"attribute-range", "BA_DEF_ 'e' ENUM 'a','b';\nBA_ 'e' 2;\n", "5:9",
+      {"attribute-range",
+       "BA_DEF_ 'e' ENUM 'a','b';\nBA_DEF_ 'f' ENUM 'a';\nBA_ 'e' 2;\nBA_ 'f' -1;\n", "6:9 7:9",
        "BA_DEF_ 'e' ENUM 'a','b';\nBA_ 'e' 1;\n"},
       // Of two attributes of a name the one for the object counts.
       {"attribute-range",
@@ -242,7 +250,7 @@ TEST(LintRules, OfJ1939) {
       {"j1939-priority", "BO_ 2364210944 M: 8 A\nBO_ 2565668608 N: 8 A\n" + kJ1939, "4:5 5:5",
        "BO_ 2565537536 M: 8 A\nBO_ 2632777472 N: 8 A\n" + kJ1939},
       {"j1939-address", "BO_ 2565866751 M: 8 A\n" + kJ1939, "4:5",
-       "BO_ 2565866750 M: 8 A\n" + kJ1939},
+       "BO_ 2565866750 M: 8 A\nBO_ 2565866496 N: 8 A\n" + kJ1939 + station + "254;\n"},
       {"j1939-address", "BO_ 2565866496 M: 8 A\n" + kJ1939 + station + "3;\n", "4:5",
        "BO_ 2565866496 M: 8 A\n" + kJ1939 + station + "0;\n"},
       {"j1939-doubled-address", kJ1939 + station + "3;\nBA_ 'NmStationAddress' BU_ C 3;\n", "3:10",
@@ -277,12 +285,13 @@ TEST(LintRules, OfNamesAndTexts) {
       {"names-differ-in-case", "BO_ 256 a: 8 b\n", "4:14", "BO_ 256 a: 8 B\n"},
       {"long-name", "BO_ 256 " + n + "12: 8 A\n", "4:9", "BO_ 256 " + n + "1: 8 A\n"},
       {"long-name-collision", "BO_ 256 " + n + "12: 8 A\nBO_ 257 " + n + "13: 8 A\n", "5:9",
-       "BO_ 256 " + n + "12: 8 A\nBO_ 257 " + n + "22: 8 A\n"},
+       "BO_ 256 " + n + "12: 8 A\nBO_ 257 " + n + "22: 8 A\nBO_ 258 " + n + "22: 8 A\n"},
       {"unit-spellings",
        kM + unit("P", "0|8@1+", "kmh") + unit("Q", "8|8@1+", "km/h") + unit("R", "16|8@1+", "km/h"),
        "5:29", kM + unit("P", "0|8@1+", "ms") + unit("Q", "8|8@1+", "Ms")},
       {"mixed-encoding", kM + "CM_ '\xC3\xB6';\nCM_ BU_ A '\xC3\xB6';\nCM_ BO_ 256 '\xF6';\n",
        "7:13", kM + "CM_ '\xFC';\nCM_ BO_ 256 '\xF6';\n"},
+      {"mixed-encoding", "CM_ '\xF6';\nCM_ BU_ A '\xF6';\nCM_ BU_ B '\xC3\xB6';\n", "6:11", ""},
   };
   check(cases);
 }

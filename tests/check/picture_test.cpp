@@ -54,6 +54,11 @@ std::string signal(const std::string& layout, const std::string& unit = "") {
 
 TEST(Picture, ShowsWhatAnExpertLooksFor) {
   const std::string long_name(300, 'n');
+  std::string pages = "BO_ 100 M: 8 N\n" + signal("X M : 0|16@1+"), crowd = "BO_ 100 M: 1 N\n";
+  for (int i = 0; i < 300; ++i)
+    pages += signal("p" + std::to_string(i) + " m" + std::to_string(i) + " : 16|8@1+");
+  for (int i = 0; i < 30; ++i)
+    crowd += signal("c" + std::to_string(i) + " : " + std::to_string(8 + i) + "|1@1+");
   const struct {
     std::string database;
     std::vector<std::string> parts;
@@ -75,6 +80,11 @@ TEST(Picture, ShowsWhatAnExpertLooksFor) {
            "CM_ SG_ 100 S \"a\x02]]>\nb\";\n",
        {"\uFFFD</text>", "<desc>a\\x02]]&gt;\nb</desc>"}},
       {"BO_ 100 M: 0 N\n", {"The frame has no data"}},
+      {crowd, {"Beyond the data length: c19, byte 3 bit 3", "and 10 more"}, "length: c20"},
+      {pages, {"X = 255", "Not drawn: p256, there are too many", "Not drawn: 25 more signals"}},
+      {"BO_ 100 M: 8 N\n" + signal("X M : 0|8@1+") + signal("P m1 : 8|8@1+") +
+           "SG_MUL_VAL_ 100 P X 1-2,3-4,9-8;\n",
+       {"X = 1..4</text>"}},
       {"BO_ 100 M: 1 N\n" + signal(long_name + " : 0|8@1+"),
        {"<title>" + long_name + ", byte 0 bits 7 to 0</title>", "n\u2026n"},
        ">" + long_name + "</text>"},

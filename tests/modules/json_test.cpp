@@ -118,6 +118,7 @@ TEST(Json, RefusesFaultyDocumentsAndTellsWhere) {
       {R"("value_tables":[{"name":"abcdefghijklmnopqrstuvwxyz0123456"}]})",
        "has more than 32 char"},
       {R"("categories":[{"name":"C","number":1.0}]})", "from -32768 to 32767"},
+      {R"("categories":[{"name":"C","number":-32769}]})", "from -32768 to 32767"},
       {R"("filter":{"mode":18446744073709551615}})", "filter.mode: expected a whole number"},
       {R"("signal_types":[{"name":"T","length":1,"other_flags":1}]})", "a bit that has a key of"},
       {R"("attribute_definitions":[{"name":"E","value_type":"enum","items":["a\nb"]}]})",
@@ -137,7 +138,14 @@ TEST(Json, RefusesFaultyDocumentsAndTellsWhere) {
   }
   EXPECT_THAT(host.import("[]"), HasSubstr("the document: expected an object"));
   EXPECT_THAT(host.import(R"({"version":1})"), HasSubstr(R"(format: expected "zelk-json")"));
+  EXPECT_THAT(host.import(""), HasSubstr(", line 1, syntax error"));
   EXPECT_THAT(host.import(R"({"format":"zelk-json","version":2})"), HasSubstr("version: expecte"));
+  EXPECT_THAT(host.import(R"({"format":"zelk-json","version":1.5})"),
+              HasSubstr("version: expecte"));
+  EXPECT_EQ(Host().import(kHead + std::string(R"("filter":{"mode":0},"attribute_definitions":[
+      {"name":"E","value_type":"enum","items":[]}],"signal_types":[{"name":"T","length":1,
+      "byte_order":"intel","signed":false}]})")),
+            "");
   EXPECT_THAT(host.import(R"({"format":1})"), HasSubstr(R"(format: expected "zelk-json")"));
   EXPECT_THAT(host.import(R"({"format":"zelk-json"})"), HasSubstr("version: expecte"));
   EXPECT_EQ(Host().import(R"({"format":"zelk-json","version":1.0})"), "");
@@ -160,6 +168,22 @@ TEST(Json, ExportsNoReferenceThatLeadsOut) {
               HasSubstr("messages[0]: the multiplexor of the signal \"b"));
   first.signals->next->mux_signal = first.signals;
   EXPECT_THAT(host.exported(host.name), HasSubstr(R"("multiplexor": "a")"));
+  std::ranges::fill(first.signals->unit, 'u');
+  EXPECT_THAT(host.exported(host.name),
+              HasSubstr("messages[0].signals[0].unit: \"" + std::string(40, 'u') + "\" has more"));
+}
+
+TEST(Json, TellsWhatHostsHaveForThemselves) {
+  Host host;
+  ASSERT_EQ(host.import(std::string(kHead) + R"("messages":[{"name":"M","id":1,"dlc":8,
+      "signal_groups":[{"name":"g"}]}],"environment_variables":[{"name":"v","type":0,"id":1}]})"),
+            "");
+  host.imported().messages->siggroups->extra =
+      static_cast<siggroup_extra*>(zelk_malloc(sizeof(siggroup_extra)));
+  host.imported().env_vars->unused = 1;
+  EXPECT_THAT(host.exported(host.name),
+              AllOf(HasSubstr("messages[0].signal_groups[0]: the host's own entries of the group"),
+                    HasSubstr("environment_variables[0]: the host's own number of the variable")));
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 
 namespace {
 
+using testing::AllOf;
 using testing::HasSubstr;
 
 constexpr char kHead[] = R"(<NetworkDefinition xmlns="http://kayak.2codeornot2code.org/1.0">)"
@@ -151,7 +152,7 @@ TEST(Kcd, ImportsWhatItCanSay) {
       {with_signal("offset='0'", "<LabelSet><LabelGroup name='g' from='2' to='3'/></LabelSet>"),
        "VAL_ 1 S 2 \"g\" 3 \"g\" ;"},
       // Texts are Windows-1252 where they can be and would be taken for that again, else UTF-8.
-      {notes("a &amp; <![CDATA[<b>]]>&#228;"), " BO_ 1 \"a & <b>\xE4\";"},
+      {notes("a &amp; <![CDATA[<b>]]>&#228;&#xe4;&#xE4;"), " BO_ 1 \"a & <b>\xE4\xE4\xE4\";"},
       {notes("\u03B1"), " BO_ 1 \"\u03B1\";"},
       {notes("\u00C3\u00A4"), " BO_ 1 \"\u00C3\u00A4\";"},
       {"<?xml version='1.0' encoding='ISO-8859-1'?>" + notes("\xE4"), " BO_ 1 \"\xE4\";"},
@@ -222,7 +223,7 @@ BO_ 3 N: 1 A
  SG_ Other : 0|8@1+ (1,0) [0|0] "" Ostrel__XXX
 EV_ V: 0 [0|0] "" 0 1 DUMMY_NODE_OSTREL0 A;
 CM_ "a)"
-                             "\x01"
+                             "\x01\xEF\xBF\xBE\xEF\xBF\xBF\xEF\xBF\xBD"
                              R"(b";
 CM_ BU_ A "gone";
 BA_DEF_ BO_ "GenMsgCycleTime" INT 0 0;
@@ -239,10 +240,33 @@ TEST(Kcd, ExportsDefaultsAndNotesLosses) {
   const std::string file = exported(kDatabase);
   for (const char* const part :
        {"1 attribute definition\n", "1 attribute value\n", "1 environment variable\n",
-        "1 node comment\n", "1 value table\n", "1 character that XML forbids\n",
-        "<Document>ab</Document>", "<Bus name=\"bus\">", "format=\"extended\" interval=\"100\""}) {
+        "1 node comment\n", "1 value table\n", "3 characters that XML forbids\n",
+        "<Document>a\xEF\xBF\xBD"
+        "b</Document>",
+        "<Bus name=\"bus\">", "format=\"extended\" interval=\"100\""}) {
     EXPECT_THAT(file, HasSubstr(part));
   }
+}
+
+/// Numbers that KCD does not have, and definitions of another type.
+TEST(Kcd, ExportsNoOtherAttributes) {
+  const std::string file = exported(R"(BS_:
+BU_: A
+BO_ 1 M: 8 A
+CM_ "aï¿¾b";
+BA_DEF_ "DBName" STRING ;
+BA_DEF_ "Baudrate" FLOAT 0 0;
+BA_DEF_ BO_ "GenMsgCycleTime" INT 0 0;
+BA_ "Baudrate" 0.5;
+BA_ "GenMsgCycleTime" BO_ 1 -5;
+FILTER 1 CAT_ BU_ A ;
+)");
+  for (const char* const part : {"2 attribute values\n", "1 view filter\n", "<Bus name=\"out\">",
+                                 "<Message id=\"0x1\" name=\"M\" length=\"8\">"}) {
+    EXPECT_THAT(file, HasSubstr(part));
+  }
+  EXPECT_THAT(exported("BS_:\nBU_:\nBA_DEF_ \"DBName\" ENUM \"a\";\nBA_ \"DBName\" 0;\n"),
+              AllOf(HasSubstr("1 attribute definition\n"), HasSubstr("<Bus name=\"out\"")));
 }
 
 TEST(Kcd, RefusesFaultyFiles) {
@@ -264,6 +288,8 @@ TEST(Kcd, RefusesFaultyFiles) {
        "another node has the id \"1\""},
       {with_nodes("<Node id='1' name='A'/><Node id='2' name='A'/>"), "another node has this name"},
       {with_message(std::string(1, '\0')), "no well-formed XML"},
+      {with_message("") + '\0', "line 5, no well-formed XML: a NUL character"},
+      {with_message("&#1-;"), "line 4, no well-formed XML: a reference to no character"},
       {"<!DOCTYPE a [<!ENTITY b \"c\">]><a/>", "a DOCTYPE with declarations"},
       {with_message("") + "<b/>", "line 5, no well-formed XML: b is a second root"},
       {with_message("\n&#0;"), "line 5, no well-formed XML: a reference to no character"},
@@ -316,6 +342,17 @@ TEST(Kcd, RefusesFaultyFiles) {
   };
   for (const auto& c : cases) {
     EXPECT_THAT(imported(c.content), HasSubstr(c.error)) << c.content;
+  }
+  for (const char* const other :
+       {"offset='1' length='2'/>", "offset='1' endianess='big'/>",
+        "offset='1'><Value type='single'/></Signal>", "offset='1'><Value slope='2'/></Signal>",
+        "offset='1'><Value intercept='2'/></Signal>", "offset='1'><Value min='2'/></Signal>",
+        "offset='1'><Value max='2'/></Signal>", "offset='1'><Value unit='u'/></Signal>",
+        "offset='1'><Notes>n</Notes></Signal>",
+        "offset='1'><Consumer><NodeRef id='1'/></Consumer></Signal>",
+        "offset='1'><LabelSet><Label name='l' value='1'/></LabelSet></Signal>"}) {
+    EXPECT_THAT(imported(with_message(kGroups + kS + kAgain + "<Signal name='S' " + other + kEnd)),
+                HasSubstr("another MuxGroup has this signal with other properties"));
   }
 }
 

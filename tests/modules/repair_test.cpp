@@ -9,6 +9,8 @@ const std::string kBroken =
     "CM_ \"IMPORT other\";\nBO_ 100 Motion: 2 Dash\n SG_ Speed : 0|8@1+ (2,0) [0|0] \"\" Dash\n\n";
 
 TEST(RepairModule, Imports) {
+  std::string many = "BS_:\nBU_: A\nVAL_TABLE_ " + std::string(33, 't') + " 0 \"\" ;\n";
+  for (int i = 0; i < 150; ++i) many += "CM_ BO_ 1 \"x\";\n";
   const struct {
     std::string option;
     std::string content;
@@ -20,6 +22,9 @@ TEST(RepairModule, Imports) {
       {"--include @ --keep order", kBroken, "include: included \"other.dbc\"", "BO_ 7 Other"},
       {"--include nowhere", kBroken, "line 1, include: cannot include \"other\""},
       {"--keep missing-bs", kBroken, "the file cannot be mended"},
+      {"--no-node Dash", kBroken, "no-node: node Dash stands for no node", "Motion: 2 Ostrel__XXX"},
+      {"", many, "format error, names or units were cut", "BU_: A"},
+      {"", many, "and 50 more", "BU_: A"},
       {"--keep none", kBroken, "the option: there is no mend \"none\""},
       {"-v", kBroken, "the option: -v has no value"},
       {"--mend all", kBroken, "the option: \"--mend\" is none of"},

@@ -124,6 +124,7 @@ TEST(Findings, FailOnTheirSeverity) {
       {"check error.dbc --max-errors 010", 1, "[missing-bs]"},
       {"check error.dbc --json --sarif", 2, "", "--sarif"},
       {"lint --explain no-such-rule", 2, "", "there is no rule \"no-such-rule\""},
+      {"lint --explain long-name", 0, "Parameter \"longest\", 32 unless set"},
       {"lint --explain factor-zero", 0, "factor-zero (error): A signal's factor is 0."},
       {"lint note.dbc --config x.json --no-config", 2, "", "--no-config"},
   };

@@ -1,6 +1,7 @@
-// What is said of faults, and what mends make of a text. In the tables a text stands behind ">",
-// with apostrophes for quotes, "~" for line feeds, "#" and "^" for the bytes 0xFF and 0xA0 and "$"
-// for NUL, and below it what comes of it. Statements stand behind `kHead`, but for those with "!".
+// What is said of faults, and what mends and edits make of a text. In the tables a text stands
+// behind ">", with apostrophes for quotes, "~" for line feeds, "#" and "^" for the bytes 0xFF and
+// 0xA0 and "$" for NUL, and below it what comes of it. Those of faults and mends stand behind
+// `kHead`, but for those with "!".
 
 #include <gtest/gtest.h>
 
@@ -11,6 +12,7 @@
 
 #include "check/faults/diagnose.hpp"
 #include "check/includes/mend.hpp"
+#include "check/patch/patch.hpp"
 
 namespace zelk::check {
 namespace {
@@ -64,7 +66,7 @@ std::string faults_of(const std::string& text) {
 /// What is left of a text, without its head; nothing of one that cannot be mended.
 std::string mended(const std::string& text) {
   const std::string left = mend(Source("t.dbc", text), {}).text, head = decoded(kHead);
-  return encoded(left.substr(left.starts_with(head) ? head.size() : 0));
+  return left.empty() ? "" : encoded(left.substr(left.starts_with(head) ? head.size() : 0));
 }
 
 void check(std::string_view table, std::string (*outcome)(const std::string&)) {
@@ -180,21 +182,13 @@ BO_ 3 O: 4 B~BO_ 4 Message_4: 8 Ostrel__XXX~BO_ 5 Message_5: 8 Ostrel__XXX~BO_ 6
 > SG_ a : 0.0|8.6@1.0+ (.5,1x) [0x10|1e] '' B~ SG_ b : 8|8@1:8@1:8@1+ (1,0) [0|1] '' B~ SG_ c : 8|8@1:8:8+ (1,0) [0|1] '' B~
  SG_ a : 0|9@1+ (0.5,1) [16|1] '' B~ SG_ b : 8|8@1:8@1+ (1,0) [0|1] '' B~ SG_ c : 8|8@1:8+ (1,0) [0|1] '' B~
 > SG_ a : 8|8@1+ (2;1) [0|1] '' B~
-
 > SG_ a : 8|8@1+ ? 2,1) [0|1] '' B~
-
 > SG_ a : 8|8@1+ ? (2,x) [0|1] '' B~
-
 > SG_ a : 8|8@ (2,1) [0|1] '' B~
-
 > SG_ ? : 8|8@1+ (1,0) [0|1] '' B~
-
 >BO_ x O: 8 B~
-
 >BO_ 99999999999 ?: 8 B~
-
 >BO_ 5000000000 O: 8 B~
-
 > SG_ t m99999999999 : 0|8@1+ (1,0) [0|1] '' B~ SG_ u X : 0|8@1+ (1,0) [0|1] '' B~BO_ 3 O: 8 B~ SG_ t _ : 0|8@1+ (1,0) [0|1] '' B~
  SG_ t m4294967295 : 0|8@1+ (1,0) [0|1] '' B~ SG_ u M : 0|8@1+ (1,0) [0|1] '' B~BO_ 3 O: 8 B~ SG_ t M : 0|8@1+ (1,0) [0|1] '' B~
 >BO_ 3 O: 8 B~ SG_ a m0M : 8|8@1+ (1,0) [0|1] '' B~BO_ 4 P: 8 B~ SG_ c M : 8|8@1+ (1,0) [0|1] '' B~ SG_ d M : 8|8@1+ (1,0) [0|1] '' B~
@@ -225,6 +219,49 @@ VERSION 'x'~BS_: 5 : 1,2~BU_: Engine B~BO_ 1 M: 8 B~ SG_ s : 0|8@1+ (1,0) [0|1] 
 BS_:~~BU_: C D E~~EV_ v: 0 [0|1] '' 0 1 DUMMY_NODE_OSTREL0 C,D;~CM_ BU_ E 'x';~
 )",
         mended);
+}
+
+/// The records before and after the edit stand below each text, behind "<" and "=".
+TEST(Patch, KeepsToTheText) {
+  std::istringstream lines(
+      R"(>// c~BS_:~BU_:~BA_DEF_ 'n' INT 0 1 ;~BA_DEF_ 'n' INT 0 02;~BA_DEF_ 'm' INT 0 1 ;~BA_DEF_ 'm' INT 0 02;~
+<BS_:~BU_:~BA_DEF_ 'n' INT 0 1;~BA_DEF_ 'n' INT 0 2;~BA_DEF_ 'm' INT 0 1;~BA_DEF_ 'm' INT 0 2;~
+=VERSION '1'~NS_ :~BS_:~BU_:~BA_DEF_ 'n' INT 0 1;~BA_DEF_ 'n' INT 0 3;~BA_DEF_ 'm' INT 0 2;~
+VERSION '1'~// c~BS_:~BU_:~BA_DEF_ 'n' INT 0 1 ;~BA_DEF_ 'n' INT 0 3;~BA_DEF_ 'm' INT 0 02;~
+>BS_:~BU_: A B~BO_ 1 M: 8 A~BO_TX_BU_ 1 : A;~BO_ 2 N: 8 B~	SG_ X M : 0|8@1+ (1,0) [0|1] '' A~	SG_ s m1 : 8|8@1+ (1,0) [0|1] '' A~BO_TX_BU_ 2 : B ;~SG_MUL_VAL_ 2 s X 1-1;~
+<BS_:~BU_: A B~BO_ 1 M: 8 A~BO_ 2 N: 8 B~ SG_ X M : 0|8@1+ (1,0) [0|1] '' A~ SG_ s m1 : 8|8@1+ (1,0) [0|1] '' A~
+=BS_:~BU_: A B~BO_ 1 M: 8 B~ SG_ t : 0|8@1+ (1,0) [0|1] '' A~BO_ 2 N: 8 Ostrel__XXX~ SG_ X M : 0|8@1+ (1,0) [0|1] '' A~ SG_ s m2 : 8|8@1+ (1,0) [0|1] '' A~
+BS_:~BU_: A B~BO_ 1 M: 8 B~	SG_ t : 0|8@1+ (1,0) [0|1] '' A~BO_TX_BU_ 1 : B;~BO_ 2 N: 8 Ostrel__XXX~	SG_ X M : 0|8@1+ (1,0) [0|1] '' A~	SG_ s m2 : 8|8@1+ (1,0) [0|1] '' A~
+>BS_: BU_: A BO_ 1 M: 8 A
+<BS_:~BU_: A~BO_ 1 M: 8 A~
+=BS_:~BU_: A~BO_ 1 M: 8 A~ SG_ t : 0|8@1+ (1,0) [0|1] '' A~
+BS_: BU_: A BO_ 1 M: 8 A~ SG_ t : 0|8@1+ (1,0) [0|1] '' A
+>BS_:~BU_: A~CM_ 'a\'b'; CM_ BU_ A 'y'; // c~#~BO_ x~
+<BS_:~BU_: A~CM_ 'a\'b';~CM_ BU_ A 'y';~
+=BS_:~BU_: A~CM_ 'c~d';~
+BS_:~BU_: A~CM_ 'c~d'; // c~#~BO_ x~
+>BS_:~BU_: A~BO_ 1 M: 8 A~
+<BS_:~BU_: A~
+=BS_:~BU_: A B~
+none
+>BS_:~BU_: A~BO_ 1 M: 8 A~BO_ 2 N: 8 A~ SG_ s : 0|8@1+ (1,0) [0|1] '' A~
+<BS_:~BU_: A~BO_ 1 M: 8 A~ SG_ s : 0|8@1+ (1,0) [0|1] '' A~BO_ 2 N: 8 A~
+=BS_:~BU_: A~
+none
+>BS_:~BU_: A B~VAL_TABLE_ t 0 'a' ;~BO_ 2 N: 8 A // n~SGTYPE_ y : 8@1+ (1,0) [0|1] '' 0 t;~FILTER 1 CAT_ BU_ A  B;~
+<BS_:~BU_: A B~VAL_TABLE_ t 0 'a' ;~BO_ 2 N: 8 A~SGTYPE_ y : 8@1+ (1,0) [0|1] '' 0 t;~FILTER 1 CAT_ BU_ A B;~
+=BS_:~BU_: A B~VAL_TABLE_ v 0 'a' ;~SGTYPE_ y : 8@1+ (1,0) [0|1] '' 0 v;~FILTER 1 CAT_ BU_ B;~
+BS_:~BU_: A B~VAL_TABLE_ v 0 'a' ;~SGTYPE_ y : 8@1+ (1,0) [0|1] '' 0 v;~FILTER 1 CAT_ BU_ B;~
+)");
+  const auto document = [](const std::string& line) {
+    return read_document(Source("t.dbc", decoded(line.substr(1))));
+  };
+  std::string text, before, after, expected;
+  while (std::getline(lines, text) && std::getline(lines, before) && std::getline(lines, after) &&
+         std::getline(lines, expected)) {
+    const auto made = patch(document(text), document(before), document(after), Nodes::kAll);
+    EXPECT_EQ(made ? encoded(made->text) : "none\n", expected + '\n') << text;
+  }
 }
 
 }  // namespace
