@@ -179,12 +179,11 @@ TEST(Mends, LeaveTheseTexts) {
 BO_ 3 O: 4 B~BO_ 4 Message_4: 8 Ostrel__XXX~BO_ 5 Message_5: 8 Ostrel__XXX~BO_ 6 P: 32767 B~BO_ 7 _2yb: 8 B~BO_ 8 N_1: 8 B~BO_ 9 Message_9: 8 Ostrel__XXX~CM_ BO_ 7 'Original name: 2#b';~CM_ BO_ 8 'Original name: N-1';~
 > SG_~ SG_ a : 8|8 ? (2,1) [-3|+1] 'V' B A~ SG_ b : 8|8@1 ? - (2,1) 'V~ SG_ c : 8|8@1+ ? (2,1 [0|1] '' B~ SG_ d : 8|8@1+ ? (2,1) [0|] ''~ SG_ e : 8|8 ?~ SG_ f : 8
  SG_ a : 8|8@1+ (2,1) [-3|+1] 'V' B,A~ SG_ b : 8|8@1- (2,1) [0|0] 'V' Ostrel__XXX~ SG_ c : 8|8@1+ (2,1) [0|1] '' B~ SG_ d : 8|8@1+ (2,1) [0|0] '' Ostrel__XXX~ SG_ e : 8|8@1+ (1,0) [0|0] '' Ostrel__XXX~
-> SG_ a : 0.0|8.6@1.0+ (.5,1x) [0x10|1e] '' B~ SG_ b : 8|8@1:8@1:8@1+ (1,0) [0|1] '' B~ SG_ c : 8|8@1:8:8+ (1,0) [0|1] '' B~
- SG_ a : 0|9@1+ (0.5,1) [16|1] '' B~ SG_ b : 8|8@1:8@1+ (1,0) [0|1] '' B~ SG_ c : 8|8@1:8+ (1,0) [0|1] '' B~
+> SG_ a : 0.0|8.6@1.0+ (.5,1x) [0x10|1e] '' B~ SG_ b : 8|8@1:8@1:8@1+ (1,0) [0|1] '' B~ SG_ c : 8|8@1:8:8+ (1,0) [0|1] '' B~ SG_ t m-3M 0|8@1+ (1,0) [0|1] '' B~ SG_ my own : 0|8@1+ (1,0) [0|1] '' B~CM_ SG_ 2 my own 'x\'';~
+ SG_ a : 0|9@1+ (0.5,1) [16|1] '' B~ SG_ b : 8|8@1:8@1+ (1,0) [0|1] '' B~ SG_ c : 8|8@1:8+ (1,0) [0|1] '' B~ SG_ t_m_3M: 0|8@1+ (1,0) [0|1] '' B~ SG_ my_own : 0|8@1+ (1,0) [0|1] '' B~CM_ SG_ 2 my_own 'x\'~Original name: my own';~CM_ SG_ 2 t_m_3M 'Original name: t m-3M';~
 > SG_ a : 8|8@1+ (2;1) [0|1] '' B~
 > SG_ a : 8|8@1+ ? 2,1) [0|1] '' B~
 > SG_ a : 8|8@1+ ? (2,x) [0|1] '' B~
-> SG_ a : 8|8@ (2,1) [0|1] '' B~
 > SG_ ? : 8|8@1+ (1,0) [0|1] '' B~
 >BO_ x O: 8 B~
 >BO_ 99999999999 ?: 8 B~
@@ -199,14 +198,14 @@ BS_: 250 : 1,2~BU_: A~VAL_TABLE_ t 0 'x' ;~BO_ 1 M: 8 A~ SG_ s : 0|8@1+ (1,0) [0
 CM_ BO_ 1 'z';~CM_ BO_ 1 'a b' ;~CM_ BO_ 1 'a';~CM_ 'x';~
 >CM_ BO_ 2147483649 'x';~CM_ BO_ x 'y';~CM_ BO_ 5000000000 'z';~CM_ SG_ 2 t 'x';~
 CM_ BO_ 1 'x';~
->BA_DEF_ 'e' ENUM 'a' 'b',;~BA_DEF_ 'f' ENUM ;~BA_DEF_ 'n' INT -0x10 0x10;~BA_DEF_DEF_ 'e' 9;~BA_ 'f' 'x';~BA_ 'f' 'x';~BA_ 'n' NaN;~BA_ 'n' ? ;~BA_ 'n' '1,5';~BA_ 'n' '0XfF';~BA_ 'n' ' ';~BA_ 'n' '5 V';~
-BA_DEF_ 'e' ENUM 'a', 'b';~BA_DEF_ 'f' ENUM 'x' ;~BA_DEF_ 'n' INT -16 16;~BA_ 'f' 'x';~BA_ 'n' 1.5;~BA_ 'n' 255;~
->EV_ v-1: 9 [0|1] '' NaN 1 DUMMY-NODE B;~EV_ v_1: 0 [0|1] '' 0 2 DUMMY_NODE_OSTREL0 B;~VAL_ v-1 0 'x' ;~
-EV_ v_1_2: 0 [0|1] '' 0 1 DUMMY_NODE B;~EV_ v_1: 0 [0|1] '' 0 2 DUMMY_NODE_OSTREL0 B;~CM_ EV_ v_1_2 'Original name: v-1';~VAL_ v_1_2 0 'x' ;~
+>BA_DEF_ 'e' ENUM 'a' 'b',;~BA_DEF_ 'f' ENUM ;~BA_DEF_ 'n' INT -0x10 0x10;~BA_DEF_DEF_ 'e' 9;~BA_ 'f' 'x';~BA_ 'f' 'x';~BA_ 'n' NaN;~BA_ 'n' ? ;~BA_ 'n' '1,5';~BA_ 'n' '0XfF';~BA_ 'n' ' ';~BA_ 'n' '5 V';~BA_ 'e' b-c;~
+BA_DEF_ 'e' ENUM 'a', 'b','b-c';~BA_DEF_ 'f' ENUM 'x' ;~BA_DEF_ 'n' INT -16 16;~BA_ 'f' 'x';~BA_ 'n' 1.5;~BA_ 'n' 255;~BA_ 'e' 'b-c';~
+>EV_ v-1: 9 [0|1] '' NaN 1 DUMMY-NODE B;~EV_ v_1: 0 [0|1] '' 0 2 DUMMY_NODE_OSTREL0 B;~VAL_ v-1 0 'x' ;~VAL_ w-1 0 'x' ;~VAL_ 1 s 0 on-line 1 x ;~SG_MUL_VAL_ 1 s-1 mux 1-1;~
+EV_ v_1_2: 0 [0|1] '' 0 1 DUMMY_NODE B;~EV_ v_1: 0 [0|1] '' 0 2 DUMMY_NODE_OSTREL0 B;~CM_ EV_ v_1_2 'Original name: v-1';~VAL_ v_1_2 0 'x' ;~VAL_ 1 s 0 'on-line' 1 'x' ;~
 >CAT_DEF_ 1 c-1 70000;~CAT_DEF_ 70000 d 0;~FILTER 1 CAT_ 7 -8 BU_ '<<none>>' C;~
 BS_:~BU_: Engine B C~BO_ 1 M: 8 B~ SG_ s : 0|8@1+ (1,0) [0|1] '' B~ SG_ mux M : 8|8@1+ (1,0) [0|1] '' B~BO_ 2 N: 8 B~CAT_DEF_ 1 c_1 65535;~FILTER 1 CAT_ BU_ '<<none>>' C;~
->FILTER 99999999999 CAT_ BU_ ;~SIG_GROUP_ 1 g-1 1 : s t;~SIG_GROUP_ 1 g.1 1 : s;~
-SIG_GROUP_ 1 g_1 1 : s;~SIG_GROUP_ 1 g_1_2 1 : s;~
+>FILTER 99999999999 CAT_ BU_ ;~SIG_GROUP_ 1 g-1 1 : s t;~SIG_GROUP_ 1 g.1 1 : s;~SIG_GROUP_ 1 h 1 : s 5 s~
+SIG_GROUP_ 1 g_1 1 : s;~SIG_GROUP_ 1 g_1_2 1 : s;~SIG_GROUP_ 1 h 1 : s s;~
 >!BS_:~BU_: A~VAL_TABLE_ t-1 0 'a' ;~VAL_TABLE_ t_1 0 'a' ;~SGTYPE_ y-1 : 8@9+ (1,0) [0|1] '' 0 t-1 ;~SGTYPE_ y_1 : 8@1+ (1,0) [0|1] '' 0 u ;~
 BS_:~BU_: A~VAL_TABLE_ t_1_2 0 'a' ;~VAL_TABLE_ t_1 0 'a' ;~SGTYPE_ y_1_2 : 8@1+ (1,0) [0|1] '' 0 t_1_2 ;~SGTYPE_ y_1 : 8@1+ (1,0) [0|1] '' 0 ;~CM_ SGTYPE_ y_1_2 'Original name: y-1';~
 >BO_ 3 O+%&: 8 B~BO_ 4 x°²³µΩ×€y: 8 B~BO_ 5 x\: 8 B~CM_ BO_ 3 'y
@@ -215,6 +214,8 @@ BO_ 3 Opluspctand: 8 B~BO_ 4 xdeg23uOhm_y: 8 B~BO_ 5 x: 8 B~CM_ BO_ 3 'y~Origina
 SGTYPE_ t : 8@1+ (1,0) [0|1] '' ;~BA_DEF_ 'n' FLOAT -3 9999999999;~BA_DEF_ 'p' STRING;~BA_DEF_ SG_ 'q' INT 5 5;~BA_DEF_REL_ BU_SG_REL_ 'r' INT 5 5;~BA_DEF_SGTYPE_ 'q';~BA_ 'n' -3;~BA_ 'n' 9999999999;~BA_SGTYPE_ 'q' SGTYPE_ t 5;~BA_REL_ 'r' BU_SG_REL_ B SG_ 1 s 5;~BA_ 'p' 'a\'b';~
 >BA_DEF_SGTYPE_ 'q';~BA_DEF_DEF_REL_ 'r' 1;~CM_ 'x'; CM_ 'y'; BO_ 3 O: 8 B~VERSION 'x'~BS_: 5 : 1,2~
 VERSION 'x'~BS_: 5 : 1,2~BU_: Engine B~BO_ 1 M: 8 B~ SG_ s : 0|8@1+ (1,0) [0|1] '' B~ SG_ mux M : 8|8@1+ (1,0) [0|1] '' B~BO_ 2 N: 8 B~ BO_ 3 O: 8 B~CM_ 'x'; CM_ 'y';
+>!BU_ ? A / B 5 'x' F~EV_ v: 0 [0|1] '' 0 1 DUMMY_NODE_OSTREL0 C,D;~CM_ BU_ X-1 'x';~
+BS_:~~BU_: A B F X_1~EV_ v: 0 [0|1] '' 0 1 DUMMY_NODE_OSTREL0 C,D;~CM_ BU_ X_1 'x~Original name: X-1';~
 >!EV_ v: 0 [0|1] '' 0 1 DUMMY_NODE_OSTREL0 C,D;~CM_ BU_ E 'x';~
 BS_:~~BU_: C D E~~EV_ v: 0 [0|1] '' 0 1 DUMMY_NODE_OSTREL0 C,D;~CM_ BU_ E 'x';~
 )",
