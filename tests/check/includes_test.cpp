@@ -27,6 +27,7 @@ TEST(Includes, TakeThePlacesOfTheirComments) {
   folder.write("circle.dbc", "CM_ \"IMPORT main\";\nCM_ \"IMPORT circle\" ; BU_: C");
   folder.write("orphan.dbc", "SG_ S : 0|8@1+ (1,0) [0|0] \"\" X");
   folder.write("latin.dbc", "CM_ \"\xE4\";");
+  folder.write("utf.dbc", "CM_ \"\xC3\xB6\";");
   folder.write("wide.dbc", std::string("\xFF\xFE"
                                        "B\0U\0_\0:\0W\0",
                                        12));
@@ -45,6 +46,8 @@ TEST(Includes, TakeThePlacesOfTheirComments) {
        "circle.dbc:2:1: \"circle\" includes itself this way\n\n\n\n\n BU_: C\n"},
       {"CM_ \"\xC3\xB6 IMPORT a\";\n CM_ \"IMPORT latin\";",
        "main.dbc:2:2: included \"latin.dbc\"\nCM_ \"\xC3\xB6 IMPORT a\";\n \nCM_ \"\xC3\xA4\";\n"},
+      {"CM_ \"\xE4\"; CM_ \"IMPORT utf \";",
+       "main.dbc:1:10: included \"utf.dbc\"\nCM_ \"\xE4\"; \nCM_ \"\xF6\";\n"},
       {"CM_ \"IMPORT wide\";", "main.dbc:1:1: included \"wide.dbc\"\n\nBU_:W\n"},
       {"\nCM_ \"IMPORT none.DBC\"; CM_ \"IMPORT orphan\";",
        "main.dbc:2:1: cannot include \"none.DBC\": there is no such file\n"

@@ -291,11 +291,11 @@ TEST(MendNames, OfUtf16) {
       EXPECT_TRUE(has_mark ? mend(Source("t.dbc", bytes), kept).text.empty() : true);
     }
   }
-  std::string odd = utf16(quoted("BS_:\nBU_: A\nCM_ '"), true, true);
+  std::string odd = utf16(quoted("BU_: A\nCM_ '"), true, true);
   odd += std::string("\xAC\x20\x3D\xD8\x97\xDE\x00\xD8\x00\xDC\x3D\xD8", 12) +
          utf16("\";\n", true, false) + 'x';
   EXPECT_EQ(mend(Source("t.dbc", odd), {}).text,
-            "BS_:\nBU_: A\nCM_ \"\u20AC\U0001F697\U00010000\uFFFD\";\n");
+            "BS_:\n\nBU_: A\nCM_ \"\u20AC\U0001F697\U00010000\uFFFD\";\n");
 }
 
 TEST(MendNames, NoNode) {
