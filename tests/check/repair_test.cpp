@@ -133,9 +133,7 @@ TEST(Mends, Names) {
            " SG_ _2_fast : 0|8@1+ (1,0) [0|1] '' B\n SG_ SG__ : 0|8@1+ (1,0) [0|1] '' B\n"
            "CM_ SG_ 1 SG__ 'x\nOriginal name: SG_';\nCM_ SG_ 1 _2_fast 'Original name: 2 fast';\n"
            "VAL_ 1 _2_fast 0 'x' ;\n"},
-      {kHead + "ENVVAR_DATA_ BA_REL_: 4;
-", kHead + "ENVVAR_DATA_ BA_REL__: 4;
-",
+      {kHead + "ENVVAR_DATA_ BA_REL_: 4;\n", kHead + "ENVVAR_DATA_ BA_REL__: 4;\n",
        "keyword-name unknown-variable"},
       {kHead + "BO_ 2 2nd: 8 A\n", kHead + "BO_ 2 _2nd: 8 A\nCM_ BO_ 2 'Original name: 2nd';\n"},
   };
