@@ -120,4 +120,8 @@ const PlacedSignal* Places::signal_at(std::uint32_t statement) const {
   return message ? at(signals(*message), statement) : nullptr;
 }
 
+const PlacedVariable* Places::variable_at(std::uint32_t statement) const {
+  return at(variables(), statement);
+}
+
 }  // namespace zelk::check

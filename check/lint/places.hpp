@@ -62,6 +62,7 @@ class Places {
   /// The record of a statement; null when the reader made none of it.
   const PlacedMessage* message_at(std::uint32_t statement) const;
   const PlacedSignal* signal_at(std::uint32_t statement) const;
+  const PlacedVariable* variable_at(std::uint32_t statement) const;
 
   /// Number of statements that the reader reads: up to a byte that ends the text.
   std::uint32_t end() const { return end_; }
