@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "base/text_view.hpp"
 #include "base/wildcards.hpp"
 
 namespace zelk {
@@ -17,12 +16,6 @@ bool NameFilter::takes_signal(std::string_view name, std::string_view owner) con
     return matches_object(pattern, name, owner);
   };
   return signals.empty() || std::ranges::any_of(signals, matches);
-}
-
-bool NameFilter::takes(const msgblk& message) const { return takes_message(view(message.name)); }
-
-bool NameFilter::takes(const msgblk& message, const sigblk& signal) const {
-  return takes_signal(view(signal.name), view(message.name));
 }
 
 }  // namespace zelk

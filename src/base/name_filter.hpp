@@ -8,8 +8,6 @@
 #include <string_view>
 #include <vector>
 
-#include "zelk/records.h"
-
 namespace zelk {
 
 /// Patterns of names; an empty list leaves everything in.
@@ -23,9 +21,6 @@ struct NameFilter {
   bool takes_message(std::string_view name) const;
   /// @param owner  name of the signal's message
   bool takes_signal(std::string_view name, std::string_view owner) const;
-
-  bool takes(const msgblk& message) const;
-  bool takes(const msgblk& message, const sigblk& signal) const;
 };
 
 }  // namespace zelk

@@ -95,6 +95,22 @@ TEST(Spelling, OfIeeeNumbers) {
   }
 }
 
+TEST(Spelling, OfDescriptions) {
+  val off = {}, top = {};
+  off.text = const_cast<char*>("off"), top.text = const_cast<char*>("top");
+  top.value = 0xFFFFFFFF, off.next = &top;
+  sigblk signal = {};
+  signal.values = &off;
+  const auto texts =
+      spelled_descriptions(signal, [](std::string_view text) { return std::string(text); });
+  EXPECT_EQ(texts.find(0), "off");
+  EXPECT_EQ(texts.find(0xFFFFFFFF), "top");
+  EXPECT_EQ(texts.find(-1), "top") << "of 32 bits";
+  EXPECT_EQ(texts.find(1), "");
+  EXPECT_EQ(texts.find(0x100000000), "") << "no description has so large a value";
+  EXPECT_EQ(texts.find(-0x80000001LL), "");
+}
+
 TEST(DatabaseNames, AreMadeOfPaths) {
   const struct {
     const char *path, *name;

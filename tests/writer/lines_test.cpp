@@ -59,7 +59,8 @@ TEST(Lines, NewSymbolsAreListedWhereTheyMayBeNeeded) {
     EXPECT_TRUE(text.starts_with("VERSION \"\"\n\n" + (listed ? symbols : "") + "BS_:")) << text;
   }
   Database announcing;
-  ASSERT_EQ(announcing.read("NS_ : FOO_ T_ CM_ R_ BAR_ BS_: BU_: BO_ 1 M: 8 A SG_ S : 0|8 (1,0) "
+  ASSERT_EQ(announcing.read("NS_ : FOO_ T_ CM_ R_ m3 m3M DUMMY_NODE_OSTREL7 BAR_ m3x BS_: BU_: "
+                            "BO_ 1 M: 8 A SG_ S : 0|8 (1,0) "
                             "[0|0] \"\" A\n"),
             0u);
   symblk transmitter{}, receiver{};  // in no list of nodes
@@ -67,7 +68,8 @@ TEST(Lines, NewSymbolsAreListedWhereTheyMayBeNeeded) {
   receiver.name = const_cast<char*>("R_");
   announcing.messages->transmitter = &transmitter;
   announcing.messages->signals->receivers->node = &receiver;
-  EXPECT_NE(written(announcing).find("\tSG_MUL_VAL_\n\tFOO_\n\tBAR_\n\nBS_:"), std::string::npos);
+  EXPECT_NE(written(announcing).find("\tSG_MUL_VAL_\n\tFOO_\n\tBAR_\n\tm3x\n\nBS_:"),
+            std::string::npos);
 }
 
 struct EditCase {
