@@ -239,12 +239,6 @@ TEST(MendNames, OfStatementsInAnotherForm) {
       {"missing", "BO_ 2 N 8 A\n", "BO_ 2 N: 8 A\n", "5:8: ':' behind the message's name added"},
       {"unreadable", "BO_ 2: 8 A\n", "BO_ 2 Message_2: 8 A\n",
        "5:1: `BO_ 2: 8 A` rewritten as `BO_ 2 Message_2: 8 A`, expected the message's name"},
-      {"unreadable", "BO_ 2 N: ? A\n", "BO_ 2 N: 8 A\n",
-       "5:1: `BO_ 2 N: ? A` rewritten as `BO_ 2 N: 8 A`, expected the message's length in bytes"},
-      {"unreadable", "VAL_ 1 s 0 'a', 1 'b', -2 'c'\n", "VAL_ 1 s 0 'a' 1 'b' -2 'c' ;\n",
-       "5:1: `VAL_ 1 s 0 'a', 1 'b', -2 'c'` rewritten as `VAL_ 1 s 0 'a' 1 'b' -2 'c' ;`, "
-       "expected "
-       "the number of a value description, or ';'"},
       {"unknown-attribute",
        "BA_ 'x' BO_ 1 1;\nBA_ 'y' BO_ 1 2.5;\nBA_ 'z' BO_ 1 2;\nBA_ 'z' SG_ 1 s 'a';\n"
        "BA_ 'z' BO_ 1 'a';\n",

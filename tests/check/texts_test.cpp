@@ -94,7 +94,7 @@ TEST(FaultWords, SayWhatIsWrong) {
 7:1-3 order: 'CM_' is out of order; statements 'CM_' must stand behind 'BO_'; this one stands in front of line 8 (comment of the database), 8:1-3 message 3 O is here
 7:5 open-text: the text has no second quote (comment of the database)
 7:7 missing: expected ';' behind the comment, found 'BO_' (comment of the database)
->CM_ BU_ B^'x';~CM_ 'x'
+>CM_ BU_ B 'x';~CM_ 'x'
 7:9 odd-space: a blank outside ASCII directly behind a name (comment of node B)
 8:8 missing: expected ';' behind the comment, found the end of the file (comment of the database)
 >hello;~
@@ -116,9 +116,10 @@ TEST(FaultWords, SayWhatIsWrong) {
 7:5-7 comment-object: expected the kind of the object: 'BU_', 'BO_', 'SG_' or 'EV_', found '1 s'; did you mean 'SG_ 1'? (comment of signal s of message 1)
 8:9 unreadable: expected the object's name, found ';' (comment of the database)
 9:12-14 unquoted-text: expected a text between quotes, found 'off' (value descriptions of signal s of message 1)
->!NS_: NEW~BS_:~BU_: A~NEW x;~NEW y~
+>!NS_: NEW~BS_:~BU_: A~NEW x;~NEW y~NEW z~
 4:1-3 skipped?: statements that begin with 'NEW' are skipped; the list 'NS_' announces the name (statement 'NEW')
 5:5 unreadable: expected ';' behind what the reader skips, outside of texts and comments, found 'y' (statement 'NEW')
+6:5 unreadable: expected ';' behind what the reader skips, outside of texts and comments, found 'z' (statement 'NEW')
 >CM_ 'x';~BO_ 3 O: 8 B~BO_ 4 P: 8 B~
 7:1-3 order: 'CM_' is out of order; statements 'CM_' must stand behind 'BO_'; this one stands in front of line 9 (comment of the database), 9:1-3 message 4 P is here
 >CM_ 'x';~CM_ 'y';~BO_ 3 O: 8 B~
@@ -198,12 +199,12 @@ BS_: 250 : 1,2~BU_: A~VAL_TABLE_ t 0 'x' ;~BO_ 1 M: 8 A~ SG_ s : 0|8@1+ (1,0) [0
 CM_ BO_ 1 'z';~CM_ BO_ 1 'a b' ;~CM_ BO_ 1 'a';~CM_ 'x';~
 >CM_ BO_ 2147483649 'x';~CM_ BO_ x 'y';~CM_ BO_ 5000000000 'z';~CM_ SG_ 2 t 'x';~
 CM_ BO_ 1 'x';~
->BA_DEF_ 'e' ENUM 'a' 'b',;~BA_DEF_ 'f' ENUM ;~BA_DEF_ 'n' INT -0x10 0x10;~BA_DEF_DEF_ 'e' 9;~BA_ 'f' 'x';~BA_ 'f' 'x';~BA_ 'n' NaN;~BA_ 'n' ? ;~BA_ 'n' '1,5';~BA_ 'n' '0XfF';~BA_ 'n' ' ';~BA_ 'n' '5 V';~BA_ 'e' b-c;~
-BA_DEF_ 'e' ENUM 'a', 'b','b-c';~BA_DEF_ 'f' ENUM 'x' ;~BA_DEF_ 'n' INT -16 16;~BA_ 'f' 'x';~BA_ 'n' 1.5;~BA_ 'n' 255;~BA_ 'e' 'b-c';~
+>BA_DEF_ 'e' ENUM 'a' 'b',;~BA_DEF_ 'f' ENUM ;~BA_DEF_ 'n' INT -0x10 0x10;~BA_DEF_DEF_ 'e' 9;~BA_ 'f' 'x';~BA_ 'f' 'x';~BA_ 'n' NaN;~BA_ 'n' ? ;~BA_ 'n' '1,5';~BA_ 'n' '0XfF';~BA_ 'n' ' ';~BA_ 'n' '5 V';~BA_ 'n' '+5';~BA_ 'n' '-0x5';~BA_ 'n' '.5';~BA_ 'n' '+';~BA_ 'e' b-c;~
+BA_DEF_ 'e' ENUM 'a', 'b','b-c';~BA_DEF_ 'f' ENUM 'x' ;~BA_DEF_ 'n' INT -16 16;~BA_ 'f' 'x';~BA_ 'n' 1.5;~BA_ 'n' 255;~BA_ 'n' '+5';~BA_ 'n' '.5';~BA_ 'e' 'b-c';~
 >EV_ v-1: 9 [0|1] '' NaN 1 DUMMY-NODE B;~EV_ v_1: 0 [0|1] '' 0 2 DUMMY_NODE_OSTREL0 B;~VAL_ v-1 0 'x' ;~VAL_ w-1 0 'x' ;~VAL_ 1 s 0 on-line 1 x ;~SG_MUL_VAL_ 1 s-1 mux 1-1;~
 EV_ v_1_2: 0 [0|1] '' 0 1 DUMMY_NODE B;~EV_ v_1: 0 [0|1] '' 0 2 DUMMY_NODE_OSTREL0 B;~CM_ EV_ v_1_2 'Original name: v-1';~VAL_ v_1_2 0 'x' ;~VAL_ 1 s 0 'on-line' 1 'x' ;~
->CAT_DEF_ 1 c-1 70000;~CAT_DEF_ 70000 d 0;~FILTER 1 CAT_ 7 -8 BU_ '<<none>>' C;~
-BS_:~BU_: Engine B C~BO_ 1 M: 8 B~ SG_ s : 0|8@1+ (1,0) [0|1] '' B~ SG_ mux M : 8|8@1+ (1,0) [0|1] '' B~BO_ 2 N: 8 B~CAT_DEF_ 1 c_1 65535;~FILTER 1 CAT_ BU_ '<<none>>' C;~
+>CAT_DEF_ 1 c-1 70000;~CAT_DEF_ 70000 d 0;~FILTER 1 CAT_ 7 -8 +1 BU_ '<<none>>' C;~
+BS_:~BU_: Engine B C~BO_ 1 M: 8 B~ SG_ s : 0|8@1+ (1,0) [0|1] '' B~ SG_ mux M : 8|8@1+ (1,0) [0|1] '' B~BO_ 2 N: 8 B~CAT_DEF_ 1 c_1 65535;~FILTER 1 CAT_ +1 BU_ '<<none>>' C;~
 >FILTER 99999999999 CAT_ BU_ ;~SIG_GROUP_ 1 g-1 1 : s t;~SIG_GROUP_ 1 g.1 1 : s;~SIG_GROUP_ 1 h 1 : s 5 s~
 SIG_GROUP_ 1 g_1 1 : s;~SIG_GROUP_ 1 g_1_2 1 : s;~SIG_GROUP_ 1 h 1 : s s;~
 >!BS_:~BU_: A~VAL_TABLE_ t-1 0 'a' ;~VAL_TABLE_ t_1 0 'a' ;~SGTYPE_ y-1 : 8@9+ (1,0) [0|1] '' 0 t-1 ;~SGTYPE_ y_1 : 8@1+ (1,0) [0|1] '' 0 u ;~
@@ -218,6 +219,16 @@ VERSION 'x'~BS_: 5 : 1,2~BU_: Engine B~BO_ 1 M: 8 B~ SG_ s : 0|8@1+ (1,0) [0|1] 
 BS_:~~BU_: A B F X_1~EV_ v: 0 [0|1] '' 0 1 DUMMY_NODE_OSTREL0 C,D;~CM_ BU_ X_1 'x~Original name: X-1';~
 >!EV_ v: 0 [0|1] '' 0 1 DUMMY_NODE_OSTREL0 C,D;~CM_ BU_ E 'x';~
 BS_:~~BU_: C D E~~EV_ v: 0 [0|1] '' 0 1 DUMMY_NODE_OSTREL0 C,D;~CM_ BU_ E 'x';~
+>!NS_ : CM_ BA_~BS_: 0x1F4 : 1.0,0x2 BU_: A BO_ 1 M: 8 A SG_ s : 0|8@1+ (1,0) [0|1] '' A EV_ v: 0 [0|1] '' 0 1 DUMMY_NODE_OSTREL0 A; CM_ EV_ v 'x'; CM_ BU_ A 'y' BA_DEF_ BO_ 'n' INT 0 1; VAL_TABLE_ t 0 'a' ;~
+NS_ : CM_ BA_~BS_: 500 : 1,2 BU_: A~ VAL_TABLE_ t 0 'a' ;~ BO_ 1 M: 8 A SG_ s : 0|8@1+ (1,0) [0|1] '' A EV_ v: 0 [0|1] '' 0 1 DUMMY_NODE_OSTREL0 A; CM_ EV_ v 'x'; CM_ BU_ A 'y'; BA_DEF_ BO_ 'n' INT 0 1;
+>!// x~
+// x~BS_:~~BU_:~~
+>!BS_:~BU_: A~ SG_ t X : 0|8@1+ (1,0) [0|1] '' A~BO_ 3221225472 M: 8 A~SGTYPE_ y : 8@1+ (1,0) [0|1] '' +5 ;~VAL_ 3221225472 s 0 'x'~SG_MUL_VAL_ 3221225472 s s 1-1~
+BS_:~BU_: A~ BO_ 3221225471 Signals_without_message: 0 Ostrel__XXX~ SG_ t X : 0|8@1+ (1,0) [0|1] '' A~BO_ 3221225472 M: 8 A~SGTYPE_ y : 8@1+ (1,0) [0|1] '' +5 ;~
+>BO_ 3 5: 8 B~BO_ 4 5 x: 8 B~BO_ 5 a/b: 8 B~BO_ 6 O: 8 Bä~ SG_ t : 8|8@1+ (1,x) [0|.] '' B/~
+BO_ 3 _5: 8 B~BO_ 4 _5_x: 8 B~BO_ 5 a_b: 8 B~BO_ 6 O: 8 Bae~ SG_ t : 8|8@1+ (1,0) [0|0] '' B~CM_ BO_ 3 'Original name: 5';~CM_ BO_ 4 'Original name: 5 x';~CM_ BO_ 5 'Original name: a/b';~CM_ BU_ Bae 'Original name: Bä';~
+>BO_ 6 O: 8 B~ SG_ t : 8|8@1+ (1e,0) [0|1e+] '' B~CM_ 'a~	BO_ 3 P: 8 B~CM_ 'a~BU_: x' ;~CM_ 'b~BU_ x' , 'c~CM_'~CM_ BU_ B 'x' /
+BO_ 6 O: 8 B~ SG_ t : 8|8@1+ (1,0) [0|1] '' B~	BO_ 3 P: 8 B~CM_ 'a';~CM_ 'a~BU_: x' ;~CM_ 'b~BU_ x'; ~CM_'';~CM_ BU_ B 'x'; 
 )",
         mended);
 }
