@@ -147,7 +147,7 @@ TEST(Candump, GivesPlainLinesAsAnyOthers) {
   const std::string rest(300, '\n');
   const std::string before = std::string(12, '\0') + "249713) can0 123#\n";
   int frames = 0;
-  for (int i = 0; i < 20000; ++i) {
+  for (int i = 0; i < 5000; ++i) {
     const std::string first = i % 9 ? random_line(random) : before;
     const std::string second = random_line(random);
     std::vector<std::string> alone = parsed(first);
@@ -160,7 +160,7 @@ TEST(Candump, GivesPlainLinesAsAnyOthers) {
     frames += static_cast<int>(
         std::ranges::count_if(alone, [](const std::string& frame) { return frame[1] != ':'; }));
   }
-  EXPECT_GT(frames, 16000);
+  EXPECT_GT(frames, 4000);
 }
 
 TEST(Candump, ReadsDigitsInAnyWayAlike) {
