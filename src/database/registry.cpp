@@ -50,12 +50,15 @@ void DatabaseRegistry::remove_key(const std::string& key, const ZelkDatabase& da
   if (found->second.empty()) by_key_.erase(found);
 }
 
-std::vector<ZelkDatabase*> DatabaseRegistry::of(const platform::FilePath& file) const {
+std::vector<ZelkDatabase*> DatabaseRegistry::of(const platform::FilePath& file,
+                                                const Choice& is_wanted) const {
   std::vector<ZelkDatabase*> found;
   const auto candidates = by_key_.find(file.key);
   if (candidates == by_key_.end()) return found;
   std::copy_if(candidates->second.begin(), candidates->second.end(), std::back_inserter(found),
-               [&file](const ZelkDatabase* database) { return DatabaseFile::is(*database, file); });
+               [&](const ZelkDatabase* database) {
+                 return (!is_wanted || is_wanted(*database)) && DatabaseFile::is(*database, file);
+               });
   std::sort(found.begin(), found.end(), [this](const ZelkDatabase* a, const ZelkDatabase* b) {
     return places_.at(a).number > places_.at(b).number;
   });
@@ -67,13 +70,15 @@ ZelkDatabase* DatabaseRegistry::find(const platform::FilePath& file) const {
   return found.empty() ? nullptr : found.front();
 }
 
-std::vector<const ZelkDatabase*> DatabaseRegistry::equal_to(const ZelkDatabase& database) const {
+std::vector<const ZelkDatabase*> DatabaseRegistry::equal_to(const ZelkDatabase& database,
+                                                            const Choice& is_wanted) const {
   std::vector<const ZelkDatabase*> equal = {&database};
   const DatabaseFile::Path file = DatabaseFile::of(database);
   if (!file) return equal;
-  for (const ZelkDatabase* const other : of(*file)) {
-    if (other != &database) equal.push_back(other);
-  }
+  const auto others = of(*file, [&](const ZelkDatabase& other) {
+    return &other != &database && (!is_wanted || is_wanted(other));
+  });
+  equal.insert(equal.end(), others.begin(), others.end());
   return equal;
 }
 

@@ -5,6 +5,7 @@
 #define ZELK_DATABASE_REGISTRY_HPP
 
 #include <cstdint>
+#include <functional>
 #include <list>
 #include <string>
 #include <unordered_map>
@@ -19,6 +20,8 @@ namespace zelk {
 /// Databases, the newest first. They are found by the keys of their paths.
 class DatabaseRegistry {
  public:
+  using Choice = std::function<bool(const ZelkDatabase&)>;
+
   /// @throws std::bad_alloc, with nothing entered
   void insert(ZelkDatabase& database);
   void remove(const ZelkDatabase& database) noexcept;
@@ -33,12 +36,16 @@ class DatabaseRegistry {
   ZelkDatabase* find(const platform::FilePath& file) const;
   /// All of the unchanged file, the newest first.
   ///
+  /// @param is_wanted  leaves out what it does not take, without a look at the file; null: nothing
   /// @throws std::bad_alloc
-  std::vector<ZelkDatabase*> of(const platform::FilePath& file) const;
+  std::vector<ZelkDatabase*> of(const platform::FilePath& file,
+                                const Choice& is_wanted = nullptr) const;
   /// `database`, and those in the list that are of its file as it is now.
   ///
+  /// @param is_wanted  as above, of the others
   /// @throws std::bad_alloc
-  std::vector<const ZelkDatabase*> equal_to(const ZelkDatabase& database) const;
+  std::vector<const ZelkDatabase*> equal_to(const ZelkDatabase& database,
+                                            const Choice& is_wanted = nullptr) const;
 
   const std::list<ZelkDatabase*>& all() const { return all_; }
 

@@ -89,8 +89,11 @@ std::filesystem::path whole_copy_of(const std::filesystem::path& target) {
 }
 
 void clear_leftovers(const std::filesystem::path& target) {
+  const std::string beginning = beside(target, "").string();
   for (int number = 0; number < kMostWriters; ++number) {
-    const std::string path = beside(target, std::to_string(number)).string();
+    const std::string path = beginning + std::to_string(number);
+    struct stat status = {};
+    if (lstat(path.c_str(), &status) != 0) continue;  // costs less than to open nothing
     const Descriptor file(open(path.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     // Nobody else removes or renames a file while this process holds its lock.
     if (file && S_ISREG(status_of(file).st_mode) && try_lock(file) &&

@@ -68,13 +68,18 @@ void ZelkLock::ListRemoveLocks(ZelkManager& manager, ZelkDatabase& database) {
 ZelkLock* ZelkLock::FindForeign(const ZelkManager& manager, const ZelkDatabase& database,
                                 bool write_locks_only) {
   const zelk::ProcessGuard guard;
-  ZelkLock* newest = nullptr;
-  for (const ZelkDatabase* const instance : zelk::registry().equal_to(database)) {
-    for (const auto& [number, lock] : zelk::lock_list().on(*instance)) {
-      const bool refuses =
-          &lock->manager_ != &manager && (lock->IsWriteLock() || !write_locks_only);
-      if (refuses && (!newest || newest->number_ < number)) newest = lock;
+  const auto newest_on = [&](const ZelkDatabase& instance) -> ZelkLock* {
+    for (const auto& entry : zelk::lock_list().on(instance)) {
+      ZelkLock* const lock = entry.second;
+      if (&lock->manager_ != &manager && (lock->IsWriteLock() || !write_locks_only)) return lock;
     }
+    return nullptr;
+  };
+  ZelkLock* newest = nullptr;
+  // Which instances are of the same file, only the file system knows: it is asked of few.
+  for (const ZelkDatabase* const instance : zelk::registry().equal_to(database, newest_on)) {
+    ZelkLock* const lock = newest_on(*instance);
+    if (lock && (!newest || newest->number_ < lock->number_)) newest = lock;
   }
   return newest;
 }

@@ -46,6 +46,12 @@ std::filesystem::path absolute_path(const char* path) {
   return error ? std::filesystem::path() : absolute;
 }
 
+/// Whether a path is absolute and has nothing to be taken out: no "." or "..", and no two slashes
+/// in a row. Only what looks like it is taken for one of these.
+bool is_normal(std::string_view path) {
+  return path.starts_with('/') && path.find("//") == path.npos && path.find("/.") == path.npos;
+}
+
 /// Case is that of ASCII letters, in whatever locale the process is.
 char lower_case(char character) {
   const bool is_upper = character >= 'A' && character <= 'Z';
@@ -133,10 +139,14 @@ std::optional<FileStatus> file_status(const char* path) {
 }
 
 FilePath::FilePath(const char* path) : text(path), absolute(text) {
-  const std::filesystem::path whole = absolute_path(path);
-  if (whole.empty()) return;
-  absolute = whole.string();
-  key = whole.lexically_normal().string();
+  if (is_normal(text)) {
+    key = text;
+  } else {
+    const std::filesystem::path whole = absolute_path(path);
+    if (whole.empty()) return;
+    absolute = whole.string();
+    key = whole.lexically_normal().string();
+  }
   std::transform(key.begin(), key.end(), key.begin(), lower_case);
 }
 
