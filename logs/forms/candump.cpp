@@ -51,7 +51,7 @@ class Candump : public Form {
   explicit Candump(LogInput input)
       : adds_up_(are_differences(whole_lines(input.stream->peek_line(kBeginningBytes)),
                                  input.options.times)),
-        lines_(std::move(input.stream), input.options.stop) {}
+        lines_(std::move(input)) {}
 
   bool next(Chunk& chunk) override {
     if (!lines_.next(chunk)) return false;

@@ -54,6 +54,9 @@ struct LogInput {
   std::unique_ptr<PeekedStream> stream;  ///< from its first byte on
   std::string name;                      ///< for errors
   ZelkLogOptions options;
+  /// Of a text, read and parsed at a time; more than `kLongestLine`. Processors keep so much in
+  /// their caches, with the frames that it becomes.
+  std::size_t block_bytes = 1 << 18;
 };
 
 struct FormRow {

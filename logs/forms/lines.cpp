@@ -50,11 +50,11 @@ bool Lines::take_lines(std::string& block) {
 /// the block had.
 void Lines::give(std::size_t end, std::string& block) {
   const std::size_t rest = size_ - end;
-  if (end < kTextBytes / 2) {
+  if (end < text_.size() / 2) {
     block.assign(text_, 0, end);
     std::memmove(text_.data(), text_.data() + end, rest);
   } else {
-    block.resize(kTextBytes);
+    block.resize(text_.size());
     block.swap(text_);
     std::memcpy(text_.data(), block.data() + end, rest);
     block.resize(end);
@@ -63,7 +63,7 @@ void Lines::give(std::size_t end, std::string& block) {
 }
 
 bool Lines::read_more() {
-  const std::size_t count = stream_->read(text_.data() + size_, kTextBytes - size_);
+  const std::size_t count = stream_->read(text_.data() + size_, text_.size() - size_);
   size_ += count;
   if (skipping_) drop_skipped();
   return count > 0;

@@ -22,9 +22,10 @@ inline constexpr std::size_t kLongestLine = 1 << 13;
 /// Reads a text as blocks of whole lines. The lines of a pipe are given out as they come.
 class Lines {
  public:
-  /// @param stop  see `ZelkLogOptions`
-  Lines(std::unique_ptr<ByteStream> stream, const std::atomic<bool>* stop)
-      : stream_(std::move(stream)), stop_(stop) {}
+  explicit Lines(LogInput input)
+      : stream_(std::move(input.stream)),
+        stop_(input.options.stop),
+        text_(input.block_bytes, '\0') {}
 
   /// The next lines. Only the last line of the text may lack its line feed. Of a line that is
   /// longer than `kLongestLine`, only the beginning may be given out, which is too long as well.
@@ -39,13 +40,10 @@ class Lines {
   bool take_lines(std::string& block);
   void give(std::size_t end, std::string& block);
 
-  /// Processors keep so much in their caches, with the frames that it becomes.
-  static constexpr std::size_t kTextBytes = 1 << 18;
-
   std::unique_ptr<ByteStream> stream_;
   const std::atomic<bool>* stop_;
   std::uint64_t line_ = 1;  // the next one's number
-  std::string text_ = std::string(kTextBytes, '\0');
+  std::string text_;
   std::size_t size_ = 0;   // of what has been read of it: less than all, and no whole line
   bool skipping_ = false;  // inside a line that was too long
 };

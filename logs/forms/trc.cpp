@@ -60,8 +60,7 @@ class BlockParser {
 /// head, and takes it along.
 class Trc : public Form {
  public:
-  explicit Trc(LogInput input)
-      : name_(std::move(input.name)), lines_(std::move(input.stream), input.options.stop) {}
+  explicit Trc(LogInput input) : name_(input.name), lines_(std::move(input)) {}
 
   bool next(Chunk& chunk) override {
     if (at_ == text_.bytes.size()) {
