@@ -1,5 +1,6 @@
 #include "common/file.hpp"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <system_error>
@@ -12,7 +13,8 @@ namespace zelk::modules {
 namespace {
 
 constexpr std::size_t kBytesMax = std::size_t{1} << 31;
-constexpr std::size_t kBlock = std::size_t{1} << 16;  // most files are small
+constexpr std::size_t kFirstBlock = std::size_t{1} << 12;  // many files are small
+constexpr std::size_t kMostBlock = std::size_t{1} << 16;
 
 [[noreturn]] void fail(const char* what, int code) {
   check_memory(code);
@@ -26,12 +28,13 @@ std::string read_file(const char* path) {
   const files::File file = files::open_for_reading(path);
   if (!file) fail("the file cannot be opened", errno);
   std::string content;
-  std::size_t count = kBlock;
-  while (count == kBlock) {
+  bool is_end = false;
+  for (std::size_t block = kFirstBlock; !is_end; block = std::min(2 * block, kMostBlock)) {
     const std::size_t size = content.size();
-    content.resize(size + kBlock);
-    count = std::fread(content.data() + size, 1, kBlock, file.get());
+    content.resize(size + block);
+    const std::size_t count = std::fread(content.data() + size, 1, block, file.get());
     content.resize(size + count);
+    is_end = count < block;
     if (content.size() > kBytesMax) throw Fault("the file has more than 2 GiB");
   }
   if (std::ferror(file.get()) != 0) fail("the file cannot be read", errno);
