@@ -29,6 +29,8 @@ bool is_name(const Token& token) {
 
 bool is_sign(const Token& token) { return token.is_mark('+') || token.is_mark('-'); }
 
+bool begins_number(const Token& token) { return is_number(token) || is_sign(token); }
+
 bool is_word(const Token& token) { return is_name(token) || is_number(token); }
 
 /// Reads the tokens of a statement and takes from them what has the looks of its parts.
@@ -155,8 +157,8 @@ class Salvage {
                    std::size_t& at) const {
     const std::size_t begin = find_mark(open, at);
     const std::size_t limit = find(is_text, at);
-    if (begin >= limit) return find_mark(close, at) < limit ? "" : std::string(otherwise);
-    std::size_t next = begin + 1;
+    if (std::min(begin, find_mark(close, at)) >= limit) return std::string(otherwise);
+    std::size_t next = begin < limit ? begin + 1 : find(begins_number, at);
     const std::string first = number(next);
     const bool is_divided = has(next) && tokens_[next]->is_mark(between);
     const std::string second = is_divided ? number(++next) : "";

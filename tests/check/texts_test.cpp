@@ -184,6 +184,7 @@ BO_ 3 O: 4 B~BO_ 4 Message_4: 8 Ostrel__XXX~BO_ 5 Message_5: 8 Ostrel__XXX~BO_ 6
  SG_ a : 0|9@1+ (0.5,1) [16|1] '' B~ SG_ b : 8|8@1:8@1+ (1,0) [0|1] '' B~ SG_ c : 8|8@1:8+ (1,0) [0|1] '' B~ SG_ t_m_3M: 0|8@1+ (1,0) [0|1] '' B~ SG_ my_own : 0|8@1+ (1,0) [0|1] '' B~CM_ SG_ 2 my_own 'x\'~Original name: my own';~CM_ SG_ 2 t_m_3M 'Original name: t m-3M';~
 > SG_ a : 8|8@1+ (2;1) [0|1] '' B~
 > SG_ a : 8|8@1+ ? 2,1) [0|1] '' B~
+ SG_ a : 8|8@1+ (2,1) [0|1] '' B~
 > SG_ a : 8|8@1+ ? (2,x) [0|1] '' B~
 > SG_ ? : 8|8@1+ (1,0) [0|1] '' B~
 >BO_ x O: 8 B~
