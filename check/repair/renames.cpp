@@ -278,14 +278,9 @@ class Renames {
     }
   }
 
-  static std::string escaped(std::string_view text) {
-    std::string result;
-    for (const char c : text) {
-      if (c == '"') result += '\\';
-      result += c;
-    }
-    if (result.ends_with('\\')) result += ' ';
-    return result;
+  /// Names have no quotes; a backslash at the end would escape that of the comment.
+  static std::string escaped(std::string_view name) {
+    return std::string(name) + (name.ends_with('\\') ? " " : "");
   }
 
   /// The identifier of the message, when a reference finds this one; else empty.

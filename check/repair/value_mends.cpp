@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "base/characters.hpp"
 #include "base/numbers.hpp"
 #include "check/findings/sentences.hpp"
 #include "check/repair/number_mends.hpp"
@@ -23,10 +24,12 @@ std::string_view trimmed(std::string_view text) {
 /// A text that can only be meant for a number: "0x10", " 5", "1,5".
 std::optional<std::string> meant_number(std::string_view text) {
   text = trimmed(text);
-  constexpr std::string_view kDigits = "+-.,0123456789eE";
-  const bool is_hexadecimal = text.starts_with("0x") || text.starts_with("0X");
-  if (!is_hexadecimal && text.find_first_not_of(kDigits) != std::string_view::npos)
-    return std::nullopt;
+  const std::string_view number_text = text.substr(text.find_first_not_of("+-") == 1 ? 1 : 0);
+  const bool is_hexadecimal =
+      number_text.size() > 2 && number_text[0] == '0' && to_upper(number_text[1]) == 'X';
+  const std::string_view rest = is_hexadecimal ? number_text.substr(2) : text;
+  const std::string_view digits = is_hexadecimal ? "0123456789abcdefABCDEF" : "+-.,0123456789eE";
+  if (rest.find_first_not_of(digits) != std::string_view::npos) return std::nullopt;
   const auto number = lenient_number(text);
   return number ? std::optional(std::string(NumberText(*number).view())) : std::nullopt;
 }
