@@ -114,6 +114,17 @@ TEST(Faults, AreFoundWhereTheyAre) {
   EXPECT_EQ(find("NS_: NEW\nBS_:\nBU_: A\nNEW x \"1;2\";").text, "unreadable 4:7");
 }
 
+/// They are counted from marks within the line, in characters and in units of UTF-16.
+TEST(Sources, CountTheColumnsOfLongLines) {
+  std::string text = "\n";
+  for (int i = 0; i < 5000; ++i) text += "\u00E4\u20AC\U0001F600";
+  const Source source("t.dbc", text + "\n");
+  for (const std::uint32_t i : {0U, 455U, 456U, 4000U, 4999U}) {
+    EXPECT_EQ(source.position(1 + 9 * i).column, 3 * i + 1);
+    EXPECT_EQ(source.utf16_column(1 + 9 * i), 4 * i + 1);
+  }
+}
+
 /// Every file that differs by one byte from one with every statement.
 TEST(Faults, AgreeWithTheReader) {
   std::ifstream file(ZELK_SOURCE_DIR "/tests/data/ok_every_statement.dbc", std::ios::binary);
