@@ -18,8 +18,7 @@ TEST(ColumnBits, ArePackedFromBytesWhateverStandsBehindThem) {
     std::array<std::uint64_t, 3> words{};
     pack_bits(bytes.data(), count, words.data());
     for (std::size_t i = 0; i < words_for(count) * 64; ++i)
-      ASSERT_EQ(words[i / 64] >> i % 64 & 1, i < count && i % 3 == 1 ? 1u : 0u)
-          << count << ": " << i;
+      ASSERT_EQ(is_set(words.data(), i), i < count && i % 3 == 1) << count << ": " << i;
   }
 }
 
@@ -41,7 +40,7 @@ TEST(ColumnRows, GiveInOrderWhatWasAdded) {
         if (has_nulls && up_to(9) == 0) continue;
         added[i] = static_cast<std::uint16_t>(random());
         reinterpret_cast<std::uint16_t*>(to.end())[i] = *added[i];
-        valid[i / 64] |= std::uint64_t{1} << i % 64;
+        valid[i / 64] |= little_endian(std::uint64_t{1} << i % 64);
       }
       const std::size_t nulls = clear_bits(count, bits_from(valid.data(), 0));
       nulls == 0       ? to.add(count)

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cstring>
 #include <deque>
 #include <stdexcept>
 #include <thread>
@@ -324,7 +325,11 @@ std::string types_of(const ZelkColumnDecoder& decoder, std::size_t table) {
     EXPECT_EQ(column.flags, ARROW_FLAG_NULLABLE);
     types += std::string(column.name) + ":" + column.format;
     if (column.dictionary) types += std::string(":") + column.dictionary->format;
-    if (column.metadata) types += ":" + std::string(column.metadata + 16, column.metadata[12]);
+    if (column.metadata) {
+      std::int32_t length = 0;  // in the machine's order of bytes
+      std::memcpy(&length, column.metadata + 12, sizeof length);
+      types += ":" + std::string(column.metadata + 16, static_cast<std::size_t>(length));
+    }
     types += " ";
   }
   return types;
