@@ -238,11 +238,18 @@ class Tokenizer {
   const char* open_text_end(const char* from, const char* close) const {
     const char* line = next_line(from, close);
     while (line != close && !begins_statement(line)) line = next_line(line, close);
-    const bool is_closed = close != end_ && (line == close || goes_on(close + 1));
+    const bool is_closed =
+        close != end_ && (line == close || (!is_version() && goes_on(close + 1)));
     if (is_closed) return nullptr;
     const char* last = line;
     while (last != from + 1 && (start_of(last[-1]) == Start::kSpace || last[-1] == ';')) --last;
     return last;
+  }
+
+  /// Whether the text is that of "VERSION", behind which nothing stands: once a semicolon there is
+  /// removed, nothing tells any more that the text was closed.
+  bool is_version() const {
+    return !result_.tokens.empty() && result_.tokens.back().word == Word::kVersion;
   }
 
   /// Behind the next line feed; `limit` when there is none before it.
