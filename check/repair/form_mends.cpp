@@ -130,13 +130,7 @@ void FormMends::mend_missing(const Fault& fault) {
   if (opens && fault.token < mender_.document.tokens.size()) {
     mender_.edits.insert_before(mender_.token(fault.token).begin, std::string(fault.remedy));
   } else {
-    const std::string_view behind =
-        mender_.document.source.text().substr(mender_.token(fault.token - 1).end);
-    // What follows may do so without a blank: it must not become a part of the word.
-    const bool joins = is_name_character(fault.remedy.back()) && !behind.empty() &&
-                       is_name_character(behind.front());
-    mender_.insert_behind_token(
-        fault.token - 1, (is_word ? " " : "") + std::string(fault.remedy) + (joins ? " " : ""));
+    mender_.insert_behind_token(fault.token - 1, (is_word ? " " : "") + std::string(fault.remedy));
   }
   mender_.note(FaultKind::kMissing, fault.statement, fault.token, fault.token, added(fault));
 }

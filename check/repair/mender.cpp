@@ -72,6 +72,14 @@ void Mender::erase(std::uint32_t index) {
   edits.drop(span.begin, span.end, joins_words(document.source.text(), span) ? " " : "");
 }
 
+void Mender::insert_behind_token(std::uint32_t token, std::string text) {
+  const std::uint32_t end = document.tokens[token].end;
+  const std::string_view source = document.source.text();
+  if (end < source.size() && is_name_character(text.back()) && is_name_character(source[end]))
+    text += ' ';
+  edits.insert_behind(end, std::move(text));
+}
+
 void Mender::rewrite(std::uint32_t index, std::string text) {
   states_[index] = State::kRewritten;
   has_new_statements = true;

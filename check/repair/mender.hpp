@@ -61,9 +61,8 @@ class Mender {
   void replace_token(std::uint32_t token, std::string text) {
     edits.replace(document.tokens[token].begin, document.tokens[token].end, std::move(text));
   }
-  void insert_behind_token(std::uint32_t token, std::string text) {
-    edits.insert_behind(document.tokens[token].end, std::move(text));
-  }
+  /// With a blank behind it where what follows would become a part of its last word.
+  void insert_behind_token(std::uint32_t token, std::string text);
   void add(int place, std::string text) { additions.push_back({place, std::move(text)}); }
 
   const Document& document;

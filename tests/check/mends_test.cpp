@@ -113,6 +113,8 @@ TEST(MendNames, OfFilesAndSections) {
       {"missing-bu", "BS_:\nBO_ 1 M: 8 A\nBO_ 2 N: 8 Ostrel__XXX\n",
        "BS_:\nBU_: A\n\nBO_ 1 M: 8 A\nBO_ 2 N: 8 Ostrel__XXX\n",
        "2:1: `BU_: A` added, which no file can do without"},
+      {"doubled-section", "BS_:\nBU_:BO_ 1 M: 8 A\nBU_: A\n", "BS_:\nBU_: A BO_ 1 M: 8 A\n",
+       "3:1: second 'BU_' merged into the first: A"},
       {"doubled-section", bus + "BU_: B A // c\n", "BS_:\nBU_: A B\n// c\n",
        "3:1: second 'BU_' merged into the first: B"},
       {"doubled-section", "VERSION '1'\nVERSION '2'\nBS_: 500 : 1,2\nBS_: 250 : 1,2\nBU_: A\n",
