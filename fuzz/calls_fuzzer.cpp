@@ -21,7 +21,7 @@
 
 namespace {
 
-constexpr unsigned kMostCalls = 60;
+constexpr unsigned kMostCalls = 30;
 
 /// One sequence of calls.
 class Sequence {
@@ -308,7 +308,7 @@ class Sequence {
     Side& to = any_writer();
     const char* const source = any_handle(from);
     const Held* const held = from.find(source);
-    const std::string file = files_.json();
+    const std::string& file = files_.json();
     std::remove(file.c_str());
     ZelkExporter exporter(*from.manager, ZELK_JSON_MODULE, "zelk_export");
     const ZelkError exported = exporter.Export(source, file.c_str());

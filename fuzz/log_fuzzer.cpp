@@ -9,9 +9,10 @@
 #include <vector>
 
 #include "expect.hpp"
+#include "logs/columns/column_store.hpp"
 #include "logs/forms/form.hpp"
+#include "logs/forms/lines.hpp"
 #include "support/memory_stream.hpp"
-#include "zelk/logs/columns.hpp"
 #include "zelk/logs/transport.hpp"
 #include "zelk/records.h"
 #include "zelk/zelk.h"
@@ -20,6 +21,7 @@ namespace {
 
 using namespace zelk::logs;
 
+constexpr std::size_t kBlockBytes = 2 * kLongestLine;
 constexpr std::size_t kMostUnpacked = 1 << 20;  // of a small input that unpacks to very much
 
 /// A log, or its first bytes.
@@ -80,27 +82,36 @@ struct Database : ZelkDatabase {
   }
 };
 
+/// Made once: it takes longer than decoding what stands in an input.
+const std::shared_ptr<const ColumnPlan>& column_plan() {
+  static const Database database;
+  static const auto plan = [] {
+    Choosing chosen;
+    chosen.add_database(database, "fuzz", "");
+    const ZelkColumnOptions options{.match_groups = true, .batch_rows = 1 << 20};
+    return std::make_shared<const ColumnPlan>(chosen, options);
+  }();
+  return plan;
+}
+
 /// Decodes blocks into the columns of all messages: at once, or by rows that are put.
 class Columns {
  public:
-  explicit Columns(bool by_rows) : by_rows_(by_rows) {
-    static const Database database;
-    decoder_.AddDatabase(database, "fuzz");
-    decoder_.Tables();
-  }
+  explicit Columns(bool by_rows) : by_rows_(by_rows) {}
 
   void add(const ZelkFrameBlock& block) {
-    if (!by_rows_) return decoder_.Decode(block);
-    decoder_.Decode(block, rows_);
-    decoder_.Put(rows_);
+    if (!by_rows_) return store_.decode(block);
+    ChannelTexts channels;
+    decoder_.decode(*store_.plan(), block, channels.enter(block.ChannelNames()), rows_);
+    store_.append(rows_, decoder_.tables(), channels.texts());
   }
 
   /// The values of all tables, and which of them are null.
   std::string content() {
     std::string text;
-    for (std::size_t table = 0; table < decoder_.Tables().size(); ++table) {
+    for (std::size_t table = 0; table < store_.plan()->tables().size(); ++table) {
       ArrowArray batch;
-      while (decoder_.TakeBatch(table, true, &batch)) {
+      while (store_.take_batch(table, true, batch)) {
         for (std::int64_t c = 0; c < batch.n_children; ++c)
           append(*batch.children[c], c == 1 ? 4 : 8, text);
         batch.release(&batch);
@@ -117,8 +128,9 @@ class Columns {
   }
 
   bool by_rows_;
-  ZelkColumnDecoder decoder_{{.match_groups = true, .batch_rows = 1 << 20}};
-  ZelkColumnRows rows_;
+  ColumnStore store_{column_plan()};
+  BlockDecoder decoder_;
+  std::vector<TableRows> rows_;
 };
 
 struct Outcome {
@@ -159,12 +171,15 @@ Outcome read(const FormRow& row, const std::string& input, std::size_t most) {
   Columns columns(most < input.size());
   try {
     // Whether times are differences is told from the bytes that are there at first.
-    const auto form = row.open({opened(input, most), "log", {.times = ZelkLogTimes::kDifferences}});
+    LogInput log{opened(input, most), "log", {.times = ZelkLogTimes::kDifferences}};
+    log.block_bytes = kBlockBytes;
+    const auto form = row.open(std::move(log));
     Chunk chunk;
-    ZelkLogBlock block;
+    static ZelkLogBlock block;  // its memory is kept
     while (form->next(chunk)) {
       block.frames.Clear();
       block.counts = {};
+      block.malformed.clear();
       form->parse(chunk, block);
       expect_sound(block);
       outcome.counts += block.counts;

@@ -1,8 +1,11 @@
 #include "calls/content.hpp"
 
+#include <fstream>
 #include <functional>
 #include <iterator>
 #include <string_view>
+#include <unordered_map>
+#include <utility>
 
 #include "base/list.hpp"
 #include "database/heads.hpp"
@@ -233,9 +236,25 @@ bool has_lost_names(const ZelkDatabase& database) {
   return has_lost_names(database.messages, database.attr_defs);
 }
 
+// The same bytes come again and again.
 bool read_words(const std::string& path, std::string& words) {
-  Lists lists;
-  const bool is_read = lists.try_read(path.c_str()) == ZELK_OK;
-  words = without(written_words(view_of(lists)), kMiscounted);
-  return is_read;
+  struct Known {
+    bool is_read;
+    std::string words;
+  };
+  constexpr std::size_t kMostKnown = 4096;
+  static std::unordered_map<std::string, Known> known;
+  std::ifstream file(path, std::ios::binary);
+  if (!file.is_open()) return false;
+  const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+  auto found = known.find(bytes);
+  if (found == known.end()) {
+    if (known.size() == kMostKnown) known.clear();
+    Lists lists;
+    const bool is_read = lists.try_read(path.c_str()) == ZELK_OK;
+    std::string read = without(written_words(view_of(lists)), kMiscounted);
+    found = known.insert({bytes, {is_read, std::move(read)}}).first;
+  }
+  words = found->second.words;
+  return found->second.is_read;
 }

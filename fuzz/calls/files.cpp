@@ -9,11 +9,16 @@
 #include <fstream>
 #include <system_error>
 
+#include "expect.hpp"
 #include "zelk/export.h"
 
 namespace fs = std::filesystem;
 
 namespace {
+
+constexpr const char* kJson = "x.json";
+constexpr std::array<std::string_view, Files::kCount> kNames = {"a.dbc", "b.dbc", "A.dbc", "x.DBC",
+                                                                "none/d.dbc"};
 
 fs::path place() {
   std::error_code error;
@@ -39,13 +44,17 @@ extern "C" ZELK_MODULE_EXPORT int fsync(int descriptor) {
   return 0;
 }
 
-Files::Files() : folder_(place() / ("zelk_fuzz_calls_" + std::to_string(getpid()))) {
+Files::Files()
+    : folder_(place() / ("zelk_fuzz_calls_" + std::to_string(getpid()))),
+      json_((folder_ / kJson).string()) {
   fs::create_directories(folder_);
-  const char* const names[kCount] = {"a.dbc", "b.dbc", "A.dbc", "x.DBC", "none/d.dbc"};
-  for (unsigned i = 0; i < kCount; ++i) paths_[i] = (folder_ / names[i]).string();
+  names_ = opendir(folder_.c_str());
+  expect(names_ != nullptr, "no folder");
+  for (unsigned i = 0; i < kCount; ++i) paths_[i] = (folder_ / kNames[i]).string();
 }
 
 Files::~Files() {
+  closedir(names_);
   std::error_code error;
   fs::remove_all(folder_, error);
 }
@@ -63,7 +72,15 @@ Files::Stamp Files::stamp(unsigned index) const {
 
 Files::Stamps Files::stamps() const {
   Stamps all;
-  for (unsigned i = 0; i < kCount; ++i) all[i] = stamp(i);
+  rewinddir(names_);
+  while (const dirent* const entry = readdir(names_)) {
+    const std::string_view name = entry->d_name;
+    const auto known = std::ranges::find(kNames, name);
+    const auto index = static_cast<unsigned>(known - kNames.begin());
+    if (index < kCount) all[index] = stamp(index);
+    const bool is_other = name == "." || name == ".." || name == kJson;
+    expect(index < kCount || is_other, "something is left beside the files", name);
+  }
   return all;
 }
 
@@ -83,6 +100,8 @@ void Files::set_read_only(unsigned index, bool on) const {
 }
 
 void Files::clear() const {
-  for (unsigned i = 0; i < kCount; ++i) remove(i);
-  std::remove(json().c_str());
+  const Stamps there = stamps();
+  for (unsigned i = 0; i < kCount; ++i) {
+    if (there[i].exists) remove(i);
+  }
 }

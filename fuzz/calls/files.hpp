@@ -2,6 +2,8 @@
 #ifndef ZELK_FUZZ_CALLS_FILES_HPP
 #define ZELK_FUZZ_CALLS_FILES_HPP
 
+#include <dirent.h>
+
 #include <array>
 #include <cstdint>
 #include <filesystem>
@@ -33,21 +35,26 @@ class Files {
   ~Files();
 
   const std::string& path(unsigned index) const { return paths_[index]; }
-  std::string json() const { return (folder_ / "x.json").string(); }
+  const std::string& json() const { return json_; }
   /// The index of one of the paths; `kCount` for none.
   unsigned index_of(const char* path) const;
   bool exists(unsigned index) const { return stamp(index).exists; }
   Stamp stamp(unsigned index) const;
+  /// Of all files, and nothing but these is there. One look at the folder is cheaper than one at
+  /// each file that does not exist.
   Stamps stamps() const;
 
   /// Nothing happens where the folder does not exist.
   void put(unsigned index, std::string_view content) const;
   void remove(unsigned index) const;
   void set_read_only(unsigned index, bool on) const;
+  /// Removes all files but the one for conversions.
   void clear() const;
 
  private:
   std::filesystem::path folder_;
+  std::string json_;
+  DIR* names_ = nullptr;
   std::array<std::string, kCount> paths_;
 };
 

@@ -29,7 +29,6 @@ const Held* Side::find_path(const std::string& path) const {
 World::World(const Files& files) : files_(files) {
   files_.clear();
   for (unsigned i = 0; i < kSides; ++i) restart(i);
-  stamps_ = files_.stamps();
 }
 
 void World::restart(unsigned index) {

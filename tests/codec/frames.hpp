@@ -66,6 +66,7 @@ struct Message {
 inline std::vector<std::size_t> bits_of(const sigblk& signal, unsigned length) {
   const bool is_motorola = (signal.flags & kMotorola) != 0;
   std::vector<std::size_t> bits;
+  bits.reserve(length);
   for (std::size_t bit = signal.start_bit; bits.size() < length;) {
     bits.push_back(bit);
     bit = !is_motorola ? bit + 1 : bit % 8 == 0 ? bit + 15 : bit - 1;

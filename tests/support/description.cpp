@@ -1,7 +1,9 @@
 #include "support/description.hpp"
 
 #include <algorithm>
-#include <sstream>
+#include <charconv>
+#include <concepts>
+#include <iterator>
 
 #include "base/list.hpp"
 
@@ -21,11 +23,24 @@ std::string name_of(const Record* record) {
 
 /// One database as text. Each record's line ends with what all objects can have.
 struct Description {
-  std::ostringstream out;
+  std::string out;
+  int digits;
+
+  void add_one(const char* text) { out += text ? text : "null"; }
+  void add_one(const std::string& text) { out += text; }
+  void add_one(double number) {
+    char text[32];
+    out.append(text,
+               std::to_chars(text, std::end(text), number, std::chars_format::general, digits).ptr);
+  }
+  template <std::integral Number>
+  void add_one(Number number) {
+    out += std::to_string(number);
+  }
 
   template <typename... Parts>
   void add(const Parts&... parts) {
-    (out << ... << parts);
+    (add_one(parts), ...);
   }
 
   void attributes(const attr* list) {
@@ -164,8 +179,7 @@ struct Description {
 }  // namespace
 
 std::string describe(const zelk::ModelView& model, int digits) {
-  Description text;
-  text.out.precision(digits);
+  Description text{{}, digits};
   if (model.version && *model.version != '\0') text.add("version ", quoted(model.version), "\n");
   if (model.comment) text.add("comment ", quoted(model.comment), "\n");
   if (model.net_attrs) text.add("network");
@@ -180,10 +194,10 @@ std::string describe(const zelk::ModelView& model, int digits) {
   text.list(model.attr_defs);
   text.list(model.categories);
   const filter_t& filter = model.filter;
-  if (!filter.categories && !filter.nodes && filter.mode == 0) return text.out.str();
+  if (!filter.categories && !filter.nodes && filter.mode == 0) return text.out;
   text.add("filter ", filter.mode);
   for (const auto& link : zelk::each(filter.categories)) text.add(" ", name_of(link.category));
   text.add(" ");
   text.links(filter.nodes);
-  return text.out.str() + "\n";
+  return text.out + "\n";
 }
