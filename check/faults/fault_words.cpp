@@ -104,7 +104,7 @@ std::string FaultWords::text(const Fault& fault) const {
 }
 
 /// A number has its sign in front.
-std::string FaultWords::value(const Fault& fault) const {
+std::string FaultWords::content(const Fault& fault) const {
   const bool is_number =
       token(fault).kind == TokenKind::kWhole || token(fault).kind == TokenKind::kReal;
   const bool is_negative = is_number && document_.tokens[fault.token - 1].is_mark('-');
@@ -214,7 +214,7 @@ std::string FaultWords::message_of_reference(const Fault& fault) const {
     return "the relation is to node " + std::string(name) + ", which is not linked to the object";
   if (fault.kind == FaultKind::kUnknownAttribute)
     return "attribute " + quoted(name) + " is not defined";
-  return std::string(kind_of_object(fault.kind)) + value(fault) + " is not defined";
+  return std::string(kind_of_object(fault.kind)) + content(fault) + " is not defined";
 }
 
 std::string FaultWords::message_of_value(const Fault& fault) const {
@@ -222,7 +222,7 @@ std::string FaultWords::message_of_value(const Fault& fault) const {
     return "expected \"DUMMY_NODE_OSTREL\" and a hexadecimal code, " + found(fault);
   if (!fault.expected.empty())
     return "expected " + std::string(fault.expected) + ", " + found(fault);
-  const std::string value = quoted(this->value(fault));
+  const std::string value = quoted(content(fault));
   if (fault.related != kNoStatement) {
     const Statement& definition = document_.statements[fault.related];
     const Token* const type = document_.find(definition, Role::kValueType);

@@ -37,7 +37,7 @@ class FaultWords {
   std::string found(const Fault& fault) const;
   const Token& token(const Fault& fault) const { return document_.tokens[fault.token]; }
   std::string text(const Fault& fault) const;
-  std::string value(const Fault& fault) const;
+  std::string content(const Fault& fault) const;
   Word kind_of(std::uint32_t statement) const { return document_.statements[statement].kind; }
   std::string line_of(std::uint32_t statement) const;
   Span keyword_span(std::uint32_t statement) const;
