@@ -196,13 +196,15 @@ TEST(EditText, ShowsTheLinesThatChange) {
   write_file("a.dbc", with_crlf(kText + "\n"));
   check(ToolCase{
       "edit a.dbc --dry-run --diff --set network version 2 --set-description signal:Motion.Page 0 "
-      "null",
+      "null --set-description signal:Motion.Page 1 uno --set-attribute message:100 Cycle 30",
       0,
       "network: version = \"2\"\nsignal Motion.Page: description of 0 = \"null\"\n"
+      "signal Motion.Page: description of 1 = \"uno\"\n"
+      "message 0x064 Motion: attribute \"Cycle\" = 30\n"
       "@@ -1,4 +1,4 @@\n-VERSION \"1\" // first\n+VERSION \"2\" // first\n \n NS_ :\n \n"
-      "@@ -20,4 +20,4 @@\n BA_DEF_ BO_ \"Cycle\" INT 0 1000;\n BA_DEF_DEF_ \"Cycle\" 0100;\n"
-      " BA_ \"Cycle\" BO_ 100 020;\n-VAL_ 100 Page 1 \"one\" 0 \"zero\" ;\n"
-      "+VAL_ 100 Page 1 \"one\" 0 \"null\" ;\n"
+      "@@ -19,5 +19,5 @@\n CM_ SG_ 100 Speed \"fast\";\n BA_DEF_ BO_ \"Cycle\" INT 0 1000;\n"
+      " BA_DEF_DEF_ \"Cycle\" 0100;\n-BA_ \"Cycle\" BO_ 100 020;\n+BA_ \"Cycle\" BO_ 100 30;\n"
+      "-VAL_ 100 Page 1 \"one\" 0 \"zero\" ;\n+VAL_ 100 Page 1 \"uno\" 0 \"null\" ;\n"
       "a.dbc not written\n"});
   write_file("open.dbc", kText);
   check(ToolCase{"edit open.dbc -n --diff --delete-description signal:Motion.Page 1", 0,
