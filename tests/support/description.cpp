@@ -146,7 +146,8 @@ struct Description {
   void record(const attr_def& definition) {
     const char* const types[] = {"INT", "FLOAT", "STRING", "ENUM", "HEX", "none"};
     const int32_t type = definition.value_type;
-    add("definition ", definition.name, " of ", definition.object_type, " ", types[type], " ");
+    const char* const type_word = types[type < 0 || type > ZELK_ATTR_HEX ? 5 : type];
+    add("definition ", definition.name, " of ", definition.object_type, " ", type_word, " ");
     if (type == ZELK_ATTR_ENUM) add(quoted(definition.enum_values), " ");
     if (type == ZELK_ATTR_ENUM || type == ZELK_ATTR_STRING) {
       add(quoted(definition.default_value.text), "\n");
