@@ -39,6 +39,14 @@ inline bool has_several_values(const sigblk& signal) {
   });
 }
 
+/// Whether "SG_MUL_VAL_" has to say what selects the signal: of the only multiplexor in a message,
+/// a single value stands in the "SG_" line already.
+///
+/// @param is_extended  the message has several multiplexors
+inline bool has_range_statement(const sigblk& signal, bool is_extended) {
+  return signal.mux_signal && signal.mux_ranges && (is_extended || has_several_values(signal));
+}
+
 inline std::size_t count_multiplexors(const msgblk& message) {
   const auto signals = each<const sigblk>(message.signals);
   return static_cast<std::size_t>(std::count_if(signals.begin(), signals.end(), is_multiplexor));

@@ -125,10 +125,7 @@ void Writer::multiplexor_ranges() {
   for (const msgblk& message : each(messages)) {
     const bool is_extended = count_multiplexors(message) > 1;
     for (const sigblk& signal : each(message.signals)) {
-      // The "SG_" line says a single value of the only multiplexor already.
-      if (signal.mux_signal && signal.mux_ranges && (is_extended || has_several_values(signal))) {
-        signal_ranges(message, signal);
-      }
+      if (has_range_statement(signal, is_extended)) signal_ranges(message, signal);
     }
   }
   out_.put('\n');

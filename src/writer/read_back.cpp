@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdint>
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 
 #include "base/enum_items.hpp"
@@ -145,10 +146,23 @@ class Check {
   /// What refers to signals must mean signals of the same message.
   void members(const msgblk& message) {
     std::unordered_set<const sigblk*> own;
-    for (const sigblk& signal : each(message.signals)) own.insert(&signal);
+    std::unordered_map<std::string_view, const sigblk*, SeededHash> named;
+    for (const sigblk& signal : each(message.signals)) {
+      own.insert(&signal);
+      named.try_emplace(view(signal.name), &signal);
+    }
+    // Missing and long names are written as names that no other has.
+    const auto is_meant_by_name = [&named](const sigblk& signal) {
+      const std::string_view name = view(signal.name);
+      return name.empty() || !fits_inline(name) || named.at(name) == &signal;
+    };
+    const bool is_extended = count_multiplexors(message) > 1;
     for (const sigblk& signal : each(message.signals)) {
       require(!signal.mux_signal || own.contains(signal.mux_signal), signal,
               "its multiplexor is no signal of its message");
+      if (fault_ || !has_range_statement(signal, is_extended)) continue;
+      require(is_meant_by_name(signal) && is_meant_by_name(*signal.mux_signal), signal,
+              "the multiplexing of signals with one name cannot be told apart");
     }
     for (const siggroupblk& group : each(message.siggroups)) {
       inline_name("signal group", group.name);

@@ -47,6 +47,11 @@ const Case kCases[] = {
     {[](Sample& d) { d.t().mux_signal = add_signal(d.messages->next, "X"); },
      "signal M::T: its multiplexor is no signal of its message", 20},
     {[](Sample& d) {
+       sigblk* const other = add_signal(d.messages, "S");
+       zelk_add_multiplexor_value_range(other, &d.s(), 1, 2);
+     },
+     "signal M::S: the multiplexing of signals with one name cannot be told apart", 0},
+    {[](Sample& d) {
        d.t().flags |= ZELK_SIGNAL_MULTIPLEXOR;
        d.s().mux_signal = &d.t();
        add_range(&d.s(), 1, 2);
