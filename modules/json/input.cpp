@@ -110,10 +110,11 @@ std::optional<ValueInput> ObjectInput::find(std::string_view key, bool is_requir
 void ObjectInput::finish() const {
   const auto& members = *input_.value_.get_if<Value::Object>();
   if (found_ == members.size()) return;
-  const auto unknown = std::find_if(members.begin(), members.end(), [this](const Member& member) {
-    return std::find(asked_.begin(), asked_.end(), member.key) == asked_.end();
-  });
-  path().fail("unknown key \"" + unknown->key + "\"");
+  for (const auto& [key, value] : members) {
+    if (std::find(asked_.begin(), asked_.end(), key) == asked_.end()) {
+      path().fail("unknown key \"" + key + "\"");
+    }
+  }
 }
 
 }  // namespace zelk::modules::json
