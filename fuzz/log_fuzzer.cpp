@@ -161,7 +161,7 @@ const FormRow& form_of(const std::string& input) {
 
 /// Whether the columns of a trace without a head are told by the lines that are there at first.
 bool is_headless(const FormRow& row, const std::string& input) {
-  return std::string_view(row.form.name) == "trc" && !input.starts_with(";$FILEVERSION");
+  return std::string_view(row.form.name) == "trc" && !input.starts_with(";$FILEVERSION=");
 }
 
 /// @param most  bytes of a piece

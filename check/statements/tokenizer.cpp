@@ -86,6 +86,7 @@ class Tokenizer {
 
   void mark() {
     add(TokenKind::kMark, at_, at_ + 1).mark = *at_;
+    if (*at_ == ';') statement_ = Word::kNone;
     ++at_;
   }
 
@@ -102,6 +103,7 @@ class Tokenizer {
     const std::string_view text(from, static_cast<std::size_t>(at_ - from));
     const Word word = find_word(text);
     add(word == Word::kNone ? TokenKind::kName : TokenKind::kKeyword, from, at_).word = word;
+    if (place_of(word) != 0 && !is_object(word)) statement_ = word;
     if (at_ == end_) note(FaultKind::kNoFinalLineFeed);
     if (at_ != end_ && start_of(*at_) == Start::kHigh) note_last(FaultKind::kOddSpace);
     note_length(from);
@@ -239,17 +241,26 @@ class Tokenizer {
     const char* line = next_line(from, close);
     while (line != close && !begins_statement(line)) line = next_line(line, close);
     const bool is_closed =
-        close != end_ && (line == close || (!is_version() && goes_on(close + 1)));
+        close != end_ && (line == close || (may_end_statement() && goes_on(close + 1)));
     if (is_closed) return nullptr;
     const char* last = line;
     while (last != from + 1 && (start_of(last[-1]) == Start::kSpace || last[-1] == ';')) --last;
     return last;
   }
 
-  /// Whether the text is that of "VERSION", behind which nothing stands: once a semicolon there is
-  /// removed, nothing tells any more that the text was closed.
-  bool is_version() const {
-    return !result_.tokens.empty() && result_.tokens.back().word == Word::kVersion;
+  /// Whether the keyword of an object stands in a statement about one, and begins none.
+  bool is_object(Word word) const {
+    const bool names_kind = word == Word::kMessage || word == Word::kSignal ||
+                            word == Word::kNodes || word == Word::kVariable;
+    return names_kind && place_of(statement_) >= place_of(Word::kComment);
+  }
+
+  /// Whether a text may be the last of the statement in which it stands. Behind those of versions
+  /// and units a semicolon is a fault: once it is removed, it tells no more that the text was
+  /// closed.
+  bool may_end_statement() const {
+    return statement_ != Word::kVersion && statement_ != Word::kSignal &&
+           statement_ != Word::kVariable;
   }
 
   /// Behind the next line feed; `limit` when there is none before it.
@@ -306,7 +317,8 @@ class Tokenizer {
   const char* const begin_;
   const char* const end_;
   const char* at_;
-  const char* close_ = nullptr;  ///< the last answer of `closing_quote`
+  const char* close_ = nullptr;   ///< the last answer of `closing_quote`
+  Word statement_ = Word::kNone;  ///< the keyword of the one that stands here
   const bool has_nul_;
   std::size_t nul_noted_ = std::string_view::npos;
   std::size_t end_noted_ = std::string_view::npos;

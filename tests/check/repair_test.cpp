@@ -55,6 +55,10 @@ TEST(Mends, Forms) {
       {kHead + "CM_ SG_ 1 s 'x'\n", kHead + "CM_ SG_ 1 s 'x';\n"},
       {kHead + "CM_ 'a 'b' c';;\n", kHead + "CM_ 'a \\'b\\' c';\n"},
       {kHead + "CM_ BO_ 1 a b';\nCM_ 'x", kHead + "CM_ BO_ 1 'a b';\nCM_ 'x';"},
+      // No semicolon closes a unit: with it, what tells that would be dropped.
+      {kHead + " SG_ t : 8|8@1+ (1,0) [0|1] 'a\nBS_ b';B\n SG_ u : 8|8@1+ (1,0) [0|1] '' B\n",
+       kHead + " SG_ t : 8|8@1+ (1,0) [0|1] 'a' Ostrel__XXX\n"
+               "\n SG_ u : 8|8@1+ (1,0) [0|1] '' B\n"},
       // A word that is added in front of a mark does not become one with the next word.
       {kHead + " SG_ t : 8|8@1+ (1,0) [0|1] ''(SG_ u : 8|8@1+ (1,0) [0|1] '' B\n",
        kHead + " SG_ t : 8|8@1+ (1,0) [0|1] '' Ostrel__XXX SG_ u : 8|8@1+ (1,0) [0|1] '' B\n",
