@@ -140,19 +140,28 @@ void delete_definition(ZelkWriteManager& manager, ZelkDatabase& d, const char* d
 }
 
 void set_attribute(ZelkWriteManager& manager, ZelkDatabase& d, const char* db, Choices& choices) {
-  const attr_def* const definition = nth(d.attr_defs, choices.below(3));
-  if (!definition) return;
-  zelk_attr_value_t value = {static_cast<double>(choices.below(9))};
-  std::string text = "value";
-  if (definition->value_type == ZELK_ATTR_STRING) value.text = text.data();
-  const std::string name = definition->name;
+  const attr_def* const named = nth(d.attr_defs, choices.below(3));
+  if (!named) return;
+  const std::string name = named->name;
+  const double number = choices.below(9);
+  // Several definitions may have that name: the one that counts tells what a value is.
+  const auto value = [number](const attr_def* definition) {
+    static std::string text = "value";
+    zelk_attr_value_t result = {number};
+    if (definition && definition->value_type == ZELK_ATTR_STRING) result.text = text.data();
+    return result;
+  };
   msgblk* const message = nth(d.messages, choices.below(2));
   symblk* const node = nth(d.nodes, choices.below(2));
+  const ZelkManager& lookups = manager;
   switch (choices.below(6)) {
     case 0:
-      return manager.SetAttrValue(db, name.c_str(), value);
+      return manager.SetAttrValue(db, name.c_str(),
+                                  value(lookups.GetNetworkAttrDefinition(db, name.c_str())));
     case 1:
-      if (node) manager.SetAttrValue(*node, name.c_str(), value);
+      if (node)
+        manager.SetAttrValue(*node, name.c_str(),
+                             value(lookups.GetAttrDefinition(*node, name.c_str())));
       return;
     case 2:
       return manager.ResetAttrValue(db, name.c_str());
@@ -160,7 +169,9 @@ void set_attribute(ZelkWriteManager& manager, ZelkDatabase& d, const char* db, C
       if (message) manager.ResetAttrValue(*message, name.c_str());
       return;
     default:
-      if (message) manager.SetAttrValue(*message, name.c_str(), value);
+      if (message)
+        manager.SetAttrValue(*message, name.c_str(),
+                             value(lookups.GetAttrDefinition(*message, name.c_str())));
   }
 }
 
