@@ -9,11 +9,12 @@
 
 namespace {
 
-std::string quoted(const char* text) {
-  std::string result = text ? '"' + std::string(text) + '"' : "null";
-  std::replace(result.begin(), result.end(), '\n', '|');
-  return result;
+std::string in_one_line(std::string text) {
+  std::replace(text.begin(), text.end(), '\n', '|');
+  return text;
 }
+
+std::string quoted(const char* text) { return text ? '"' + in_one_line(text) + '"' : "null"; }
 
 /// What stands in for a record that a link does not have.
 template <typename Record>
@@ -147,7 +148,8 @@ struct Description {
     const char* const types[] = {"INT", "FLOAT", "STRING", "ENUM", "HEX", "none"};
     const int32_t type = definition.value_type;
     const char* const type_word = types[type < 0 || type > ZELK_ATTR_HEX ? 5 : type];
-    add("definition ", definition.name, " of ", definition.object_type, " ", type_word, " ");
+    add("definition ", in_one_line(definition.name), " of ", definition.object_type, " ", type_word,
+        " ");
     if (type == ZELK_ATTR_ENUM) add(quoted(definition.enum_values), " ");
     if (type == ZELK_ATTR_ENUM || type == ZELK_ATTR_STRING) {
       add(quoted(definition.default_value.text), "\n");
