@@ -59,12 +59,13 @@ bool has_ordered_definitions(const Lists& lists) {
   return true;
 }
 
-/// Whether some message has one transmitter in its list, and another one or none in its own line:
-/// of a list of one node nothing is written.
+/// Whether some message has one transmitter or none in its list, and another one in its own line:
+/// of a list of so few nodes nothing is written.
 bool has_lone_transmitter(const Lists& lists) {
   return zelk::find_first(lists.messages, [](const msgblk& message) {
            const rxblk* const first = message.tx_nodes;
-           return first && !first->next && first->node != message.transmitter;
+           const symblk* const only = first ? first->node : nullptr;
+           return !(first && first->next) && only != message.transmitter;
          }) != nullptr;
 }
 

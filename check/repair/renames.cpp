@@ -104,17 +104,21 @@ class Renames {
 
   std::string new_name(NameKind kind, std::uint32_t owner, std::string_view old_name) {
     std::string plain = plain_name(old_name);
-    if (!is_taken(kind, owner, plain)) return plain;
+    const bool is_kept_short = kind == NameKind::kTable || kind == NameKind::kType;
+    if (is_kept_short) plain.resize(std::min(plain.size(), kKeptName));
+    if (!is_taken(kind, owner, plain, old_name)) return plain;
     if (kind == NameKind::kMessage) owner = kNoStatement;  // unique among all messages
     std::size_t& number = last_numbers_.try_emplace(key_of(kind, owner, plain), 1).first->second;
     std::string name;
     do {
       name = numbered_name(plain, ++number);
-    } while (is_taken(kind, owner, name));
+    } while (is_taken(kind, owner, name, old_name));
     return name;
   }
 
-  bool is_taken(NameKind kind, std::uint32_t owner, std::string_view name) {
+  /// Of tables and types the first 32 characters count, which may be those of the old name, too.
+  bool is_taken(NameKind kind, std::uint32_t owner, std::string_view name,
+                std::string_view old_name) {
     const Names& names = mender_.names;
     if (announced_.contains(name) || renamed_.has_given(kind, owner, name)) return true;
     switch (kind) {
@@ -127,12 +131,17 @@ class Renames {
       case NameKind::kVariable:
         return names.variable(name) != kNoStatement;
       case NameKind::kTable:
-        return names.table(name) != kNoStatement;
+        return is_another(names.table(name), Role::kTable, old_name);
       case NameKind::kType:
-        return names.type(name) != kNoStatement;
+        return is_another(names.type(name), Role::kType, old_name);
       default:
         return false;
     }
+  }
+
+  bool is_another(std::uint32_t statement, Role role, std::string_view old_name) const {
+    return statement != kNoStatement &&
+           mender_.document.text_of(mender_.statement(statement), role) != old_name;
   }
 
   const std::unordered_set<std::string_view, SeededHash>& message_names() {

@@ -230,6 +230,14 @@ TEST(MendNames, OfNames) {
              "BS_:\nBU_: A N_1 A_b\nBO_ 1 M: 8 A\nCM_ BU_ N_1 'Original name: N-1';\n"
              "CM_ BU_ A_b 'Original name: A.b';\n",
              "2:8: `N-1` renamed to N_1\n2:12: `A.b` renamed to A_b"});
+  // Of tables the first 32 characters count, where a number must stand.
+  const std::string kept(32, 'T');
+  const std::string numbered = std::string(30, 'T') + "_2";
+  check("", {"odd-name",
+             "BS_:\nBU_: A\nVAL_TABLE_ " + kept + "-1 0 'x' ;\nVAL_TABLE_ " + kept + "-2 0 'x' ;\n",
+             "BS_:\nBU_: A\nVAL_TABLE_ " + kept + " 0 'x' ;\nVAL_TABLE_ " + numbered + " 0 'x' ;\n",
+             "3:12: `" + kept + "-1` renamed to " + kept + "\n4:12: `" + kept + "-2` renamed to " +
+                 numbered});
 }
 
 // What has the looks of its parts is kept of a statement that cannot be read.
