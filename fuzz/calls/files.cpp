@@ -5,7 +5,10 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <system_error>
 
@@ -17,6 +20,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr const char* kJson = "x.json";
+constexpr std::string_view kFolder = "zelk_fuzz_calls_";  // and the number of the process
 constexpr std::array<std::string_view, Files::kCount> kNames = {"a.dbc", "b.dbc", "A.dbc", "x.DBC",
                                                                 "none/d.dbc"};
 
@@ -24,6 +28,17 @@ fs::path place() {
   std::error_code error;
   const fs::path memory = "/dev/shm";
   return fs::is_directory(memory, error) ? memory : fs::temp_directory_path();
+}
+
+/// Of runs that have ended: libFuzzer ends without destructors.
+void remove_old_folders() {
+  std::error_code error;
+  for (const fs::directory_entry& entry : fs::directory_iterator(place(), error)) {
+    const std::string name = entry.path().filename().string();
+    if (!name.starts_with(kFolder)) continue;
+    const int process = std::atoi(name.c_str() + kFolder.size());
+    if (process > 0 && kill(process, 0) != 0 && errno == ESRCH) fs::remove_all(entry.path(), error);
+  }
 }
 
 /// Each call gives a file a time that no other has: databases know their files by them, and the
@@ -45,8 +60,9 @@ extern "C" ZELK_MODULE_EXPORT int fsync(int descriptor) {
 }
 
 Files::Files()
-    : folder_(place() / ("zelk_fuzz_calls_" + std::to_string(getpid()))),
+    : folder_(place() / (std::string(kFolder) + std::to_string(getpid()))),
       json_((folder_ / kJson).string()) {
+  remove_old_folders();
   fs::create_directories(folder_);
   names_ = opendir(folder_.c_str());
   expect(names_ != nullptr, "no folder");
