@@ -2,9 +2,11 @@
 
 #include <cmath>
 #include <cstdint>
+#include <set>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 
 #include "base/enum_items.hpp"
 #include "base/list.hpp"
@@ -41,6 +43,16 @@ bool has_statements(const msgblk& message) {
          find_first(message.signals, [](const sigblk& signal) { return has_statements(signal); });
 }
 
+bool has_statements(const env_var_blk& variable) {
+  return !view(variable.comment).empty() || variable.attrs || variable.values ||
+         variable.category || variable.type == ZELK_ENVVAR_DATA ||
+         has_values(variable.access_nodes);
+}
+
+bool has_statements(const sigtype& type) {
+  return !view(type.comment).empty() || type.attrs || type.value_type != ZELK_VALUE_INTEGER;
+}
+
 std::string name_of(const char* kind, const char* name) {
   return std::string(kind) + " " + std::string(view(name));
 }
@@ -62,9 +74,13 @@ class Check {
  public:
   explicit Check(const ModelView& model) : model_(model) {
     for (const auto& node : each(model.nodes)) nodes_.insert(&node);
-    for (const auto& def : each(model.attr_defs)) definitions_.insert(&def);
+    for (const auto& def : each(model.attr_defs)) {
+      const bool is_first = first_definitions_.insert({def.object_type, def.name}).second;
+      definitions_.emplace(&def, is_first);
+    }
     for (const auto& cat : each(model.categories)) categories_.insert(cat.number);
-    for (const auto& type : each(model.sig_types)) types_.insert(type.name);
+    for (const auto& type : each(model.sig_types))
+      if (!types_.insert(type.name).second) hidden_types_.insert(&type);
     for (const auto& table : each(model.val_tables)) tables_.insert(table.name);
   }
 
@@ -76,7 +92,7 @@ class Check {
     check_all(model_.env_vars);
     check_all(model_.sig_types);
     check_all(model_.attr_defs);
-    values(model_.net_attrs, [] { return std::string("the database"); });
+    values(model_.net_attrs, ZELK_OBJ_NETWORK, [] { return std::string("the database"); });
     check_all(model_.categories);
     filter();
     const auto has_several = [](const msgblk& message) { return count_multiplexors(message) > 1; };
@@ -100,12 +116,9 @@ class Check {
   }
 
   void check(const symblk& node) {
-    const std::string_view name = view(node.name);
     require(is_readable(node.name, true), node, "its name is none of the format");
-    // Missing and long names are written as names that no other has.
-    require(name.empty() || !fits_inline(name) || node_names_.insert(name).second, node,
-            "another node has its name");
-    values(node.attrs, [&] { return name_of(node); });
+    require(is_first_of_name(node.name, node_names_), node, "another node has its name");
+    values(node.attrs, ZELK_OBJ_NODE, [&] { return name_of(node); });
     category(node);
   }
 
@@ -118,15 +131,11 @@ class Check {
     require(ids_.insert(message.id).second || !has_statements(message), message,
             "another message has its identifier, and would get what is said of it");
     if (message.transmitter) node_name(*message.transmitter);
-    links(message.tx_nodes);
-    values(message.attrs, [&] { return name_of(message); });
+    links(message.tx_nodes, ZELK_OBJ_REL_MESSAGE);
+    values(message.attrs, ZELK_OBJ_MESSAGE, [&] { return name_of(message); });
     category(message);
     check_all(message.signals);
-    if (find_first(message.signals,
-                   [](const sigblk& signal) { return signal.mux_signal != nullptr; }) ||
-        message.siggroups) {
-      members(message);
-    }
+    members(message);
   }
 
   void check(const sigblk& signal) {
@@ -139,38 +148,47 @@ class Check {
     require(fits_inline(view(signal.unit)), signal, "its unit is longer than 32 characters");
     require(!signal.sigtype || types_.contains(signal.sigtype->name), signal,
             "the database does not hold its signal type");
-    links(signal.receivers);
-    values(signal.attrs, [&] { return name_of(signal); });
+    require(!hidden_types_.contains(signal.sigtype), signal,
+            "another signal type has the name of its signal type");
+    links(signal.receivers, ZELK_OBJ_REL_SIGNAL);
+    values(signal.attrs, ZELK_OBJ_SIGNAL, [&] { return name_of(signal); });
   }
 
-  /// What refers to signals must mean signals of the same message.
+  using NameSet = std::unordered_set<std::string_view, SeededHash>;
+
+  /// Missing and long names are written as names that no other has.
+  static bool is_first_of_name(const char* name, NameSet& names) {
+    return view(name).empty() || !fits_inline(view(name)) || names.insert(view(name)).second;
+  }
+
+  /// What refers to signals must mean signals of the same message, the first ones of their names.
   void members(const msgblk& message) {
-    std::unordered_set<const sigblk*> own;
-    std::unordered_map<std::string_view, const sigblk*, SeededHash> named;
+    own_signals_.clear();
+    hidden_signals_.clear();
+    signal_names_.clear();
     for (const sigblk& signal : each(message.signals)) {
-      own.insert(&signal);
-      named.try_emplace(view(signal.name), &signal);
+      own_signals_.insert(&signal);
+      if (is_first_of_name(signal.name, signal_names_)) continue;
+      hidden_signals_.insert(&signal);
+      require(!has_statements(signal), signal,
+              "another signal has its name, and would get what is said of it");
     }
-    // Missing and long names are written as names that no other has.
-    const auto is_meant_by_name = [&named](const sigblk& signal) {
-      const std::string_view name = view(signal.name);
-      return name.empty() || !fits_inline(name) || named.at(name) == &signal;
-    };
     const bool is_extended = count_multiplexors(message) > 1;
     for (const sigblk& signal : each(message.signals)) {
-      require(!signal.mux_signal || own.contains(signal.mux_signal), signal,
+      require(!signal.mux_signal || own_signals_.contains(signal.mux_signal), signal,
               "its multiplexor is no signal of its message");
-      if (fault_ || !has_range_statement(signal, is_extended)) continue;
-      require(is_meant_by_name(signal) && is_meant_by_name(*signal.mux_signal), signal,
-              "the multiplexing of signals with one name cannot be told apart");
+      if (fault_ || hidden_signals_.empty() || !has_range_statement(signal, is_extended)) continue;
+      require(!hidden_signals_.contains(&signal) && !hidden_signals_.contains(signal.mux_signal),
+              signal, "the multiplexing of signals with one name cannot be told apart");
     }
     for (const siggroupblk& group : each(message.siggroups)) {
       inline_name("signal group", group.name);
-      require(!find_first(group.signals,
-                          [&own](const siglistblk& member) {
-                            return member.signal && !own.contains(member.signal);
-                          }),
-              message, "a signal group of it has a signal of another message");
+      for (const siglistblk& member : each(group.signals)) {
+        require(!member.signal || own_signals_.contains(member.signal), message,
+                "a signal group of it has a signal of another message");
+        require(!hidden_signals_.contains(member.signal), message,
+                "a signal group of it has the second of two signals with one name");
+      }
     }
   }
 
@@ -180,8 +198,10 @@ class Check {
     require((variable.access_type & kAccessCodeString) == 0, variable,
             "bit 15 of its access code means a string");
     require(fits_inline(view(variable.unit)), variable, "its unit is longer than 32 characters");
-    links(variable.access_nodes);
-    values(variable.attrs, [&] { return name_of(variable); });
+    require(is_first_of_name(variable.name, variable_names_) || !has_statements(variable), variable,
+            "another variable has its name, and would get what is said of it");
+    links(variable.access_nodes, ZELK_OBJ_REL_ENVVAR);
+    values(variable.attrs, ZELK_OBJ_ENVVAR, [&] { return name_of(variable); });
     category(variable);
   }
 
@@ -190,7 +210,9 @@ class Check {
     require(fits_inline(view(type.unit)), type, "its unit is longer than 32 characters");
     require(!type.valtable || tables_.contains(type.valtable->name), type,
             "the database does not hold its value table");
-    values(type.attrs, [&] { return name_of(type); });
+    require(!hidden_types_.contains(&type) || !has_statements(type), type,
+            "another signal type has its name, and would get what is said of it");
+    values(type.attrs, ZELK_OBJ_SIGTYPE, [&] { return name_of(type); });
   }
 
   void check(const attr_def& definition) {
@@ -240,22 +262,36 @@ class Check {
             "the database does not hold its category");
   }
 
+  /// Whether a reader of the file finds the definition for a value of such an object, and no other
+  /// one of that name.
+  bool is_found(const attr_def& definition, bool is_first, std::int32_t kind) const {
+    if (definition.object_type == kind) return is_first;
+    return !first_definitions_.contains({kind, definition.name});
+  }
+
   /// `name_of_object` gives the name of the object that has the values.
   template <typename NameOfObject>
-  void values(const attr* list, NameOfObject name_of_object) {
+  void values(const attr* list, std::int32_t kind, NameOfObject name_of_object) {
     for (const attr& value : each(list)) {
-      if (!value.def || value.def == last_definition_ || fault_) continue;
+      if (!value.def || fault_) continue;
+      if (value.def == last_definition_ && kind == last_kind_) continue;
       last_definition_ = value.def;
-      if (definitions_.contains(value.def)) continue;
-      fault_ = name_of_object() + ": the database does not define an attribute of it";
+      last_kind_ = kind;
+      const auto found = definitions_.find(value.def);
+      if (found == definitions_.end()) {
+        fault_ = name_of_object() + ": the database does not define an attribute of it";
+      } else if (!is_found(*value.def, found->second, kind)) {
+        fault_ = name_of_object() + ": another definition has the name of " +
+                 std::string(view(value.def->name)) + ", and would get its value";
+      }
     }
   }
 
-  void links(const rxblk* list) {
+  void links(const rxblk* list, std::int32_t kind) {
     for (const rxblk& link : each(list)) {
       if (!link.node) continue;
       node_name(*link.node);
-      values(link.attrs, [&] { return name_of(*link.node); });
+      values(link.attrs, kind, [&] { return name_of(*link.node); });
     }
   }
 
@@ -274,13 +310,21 @@ class Check {
   const ModelView& model_;
   std::optional<std::string> fault_;
   std::unordered_set<const symblk*> nodes_;
-  std::unordered_set<std::string_view, SeededHash> node_names_;
-  std::unordered_set<const attr_def*> definitions_;
+  NameSet node_names_;
+  std::unordered_map<const attr_def*, bool> definitions_;  ///< whether first of kind and name
+  std::set<std::pair<std::int32_t, std::string_view>> first_definitions_;
   const attr_def* last_definition_ = nullptr;
+  std::int32_t last_kind_ = 0;
   std::unordered_set<std::int32_t, SeededHash> categories_;
   std::unordered_set<std::uint32_t, SeededHash> ids_;
-  std::unordered_set<std::string_view, SeededHash> types_;
-  std::unordered_set<std::string_view, SeededHash> tables_;
+  NameSet variable_names_;
+  NameSet types_;
+  NameSet tables_;
+  // What stands behind another one of its name, which a reader of the file finds instead.
+  std::unordered_set<const sigtype*> hidden_types_;
+  std::unordered_set<const sigblk*> hidden_signals_;  // of the message that is looked at
+  std::unordered_set<const sigblk*> own_signals_;
+  NameSet signal_names_;
 };
 
 }  // namespace

@@ -71,6 +71,23 @@ const Case kCases[] = {
        group->signals = zelk_create_siglist(&d.s());
      },
      "message N: a signal group of it has a signal of another message", 20},
+    // What says something of the second of two means the first.
+    {[](Sample& d) { set(add_signal(d.messages, "S")->comment, "lost"); },
+     "signal M::S: another signal has its name, and would get what is said of it", 0},
+    {[](Sample& d) {
+       append_named(d.variables, zelk_create_evblk(), "V")->type = ZELK_ENVVAR_DATA;
+     },
+     "environment variable V: another variable has its name, and would get what is said of it", 0},
+    {[](Sample& d) {
+       append_named(d.types, zelk_create_sigtype(), d.types->name)->value_type =
+           ZELK_VALUE_IEEE_SINGLE;
+     },
+     "signal type Y: another signal type has its name, and would get what is said of it", 0},
+    {[](Sample& d) {
+       add_definition(d, ZELK_OBJ_NODE, "Twice", ZELK_ATTR_INT);
+       add_value(d.nodes->attrs, add_definition(d, ZELK_OBJ_NODE, "Twice", ZELK_ATTR_STRING));
+     },
+     "node A: another definition has the name of Twice, and would get its value", 14},
     {[](Sample& d) { d.messages->category = &unlisted; },
      "message M: the database does not hold its category", 28},
     {[](Sample& d) { set(d.nodes->name, ZELK_NO_NODE); },
@@ -115,6 +132,19 @@ TEST(ReadBack, NamesWhatAFileCouldNotGive) {
     EXPECT_EQ(read_back.read(written(sample)), c.number) << c.fault << read_back.reported;
     EXPECT_TRUE(c.number != 0 || describe(read_back) != describe(sample)) << c.fault;
   }
+}
+
+// What refers to the second of two by its name means the first.
+TEST(ReadBack, OfReferencesByName) {
+  Sample types;
+  types.s().sigtype = append_named(types.types, zelk_create_sigtype(), types.types->name);
+  EXPECT_EQ(fault_of(types), "signal M::S: another signal type has the name of its signal type");
+  Sample groups;
+  siggroupblk* const group =
+      append_named(groups.messages->siggroups, zelk_create_siggroup(groups.messages), "G");
+  group->signals = zelk_create_siglist(add_signal(groups.messages, "S"));
+  EXPECT_EQ(fault_of(groups),
+            "message M: a signal group of it has the second of two signals with one name");
 }
 
 // A second message of one identifier can be saved unless a statement would name it, which means the
