@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "base/characters.hpp"
 #include "base/encoding.hpp"
 #include "check/findings/sentences.hpp"
 #include "check/statements/fault.hpp"
@@ -32,12 +31,21 @@ void note(std::vector<Finding>& findings, FaultKind kind, Span span, std::string
   findings.push_back({Severity::kNote, name_of(kind), span, std::move(message)});
 }
 
-/// A blank stays where two names would become one.
+/// Whether a character can become something else with the next one: a part of a longer name or
+/// number, of a comment, or the escape of a quote.
+bool may_join(char c) {
+  constexpr std::string_view kAlone = "\",;:|@()[]";
+  const bool is_blank = static_cast<unsigned char>(c) <= ' ';
+  return !is_blank && kAlone.find(c) == std::string_view::npos;
+}
+
+/// A blank stays where what stands on both sides would become one.
 void erase_nuls(std::string_view text, Edits& edits, std::vector<Finding>& findings) {
   for (std::size_t at = text.find('\0'); at != std::string_view::npos;) {
     const std::size_t end = std::min(text.find_first_not_of('\0', at), text.size());
-    const bool joins = at != 0 && end != text.size() && is_name_character(text[at - 1]) &&
-                       is_name_character(text[end]);
+    const bool is_inside = at != 0 && end != text.size();
+    const bool joins =
+        is_inside && may_join(text[at - 1]) && (may_join(text[end]) || text[at - 1] == '\\');
     const Span span{static_cast<std::uint32_t>(at), static_cast<std::uint32_t>(end)};
     edits.replace(span.begin, span.end, joins ? " " : "");
     note(findings, FaultKind::kNulByte, span, counted(end - at, "NUL byte") + " removed");

@@ -82,6 +82,9 @@ TEST(Mends, Forms) {
       {kHead + "CM_ 'a\xFFz';\n\xFF" + tail, kHead + "CM_ 'a\xFFz';\n " + tail, "end-byte"},
       {"BS_:\rBU_: A\r// c", "BS_:\nBU_: A\n// c\n", "line-ends final-line-feed"},
       {std::string("BS_:\nBU_: A\0\0\nCM_ 'a\0b';\n", 26), "BS_:\nBU_: A\nCM_ 'a b';\n"},
+      // A blank stays where two would become one: a byte that is space, and a keyword.
+      {std::string("BS_:\nBU_: A\nBO_\0\xFE\x31 M: 8 A\nCM_ 'a\\\0';\n", 37),
+       "BS_:\nBU_: A\nBO_ \xFE\x31 M: 8 A\nCM_ 'a\\ ';\n"},
       // What a signal or a message lacks; nothing is made up for place, order and scale.
       {kHead + " SG_ a : 8|8@1-\n SG_ b : 8|8@1+ (0,5,0) [0|0x10] B,\n",
        kHead + " SG_ a : 8|8@1- (1,0) [0|0] '' Ostrel__XXX\n SG_ b : 8|8@1+ (0.5,0) [0|16] '' B\n"},
