@@ -270,12 +270,14 @@ class Tokenizer {
     return line_feed ? line_feed + 1 : limit;
   }
 
-  /// Whether the line begins with a keyword that begins statements, and a blank, colon or quote.
+  /// Whether the line begins with a keyword that begins statements, and then a blank, colon or
+  /// quote, or with that alone: where the text ends behind it, a mend adds a quote there.
   bool begins_statement(const char* line) const {
     while (line != end_ && (*line == ' ' || *line == '\t')) ++line;
     const char* const word_end = behind_keyword(line);
-    if (!word_end || word_end == end_) return false;
-    return *word_end == ' ' || *word_end == ':' || *word_end == '"' || *word_end == '\t';
+    if (!word_end) return false;
+    return word_end == end_ || start_of(*word_end) == Start::kSpace || *word_end == ':' ||
+           *word_end == '"' || *word_end == ';';
   }
 
   /// Whether what stands behind a text's second quote goes on with, or ends, a statement.

@@ -55,6 +55,8 @@ TEST(Mends, Forms) {
       {kHead + "CM_ SG_ 1 s 'x'\n", kHead + "CM_ SG_ 1 s 'x';\n"},
       {kHead + "CM_ 'a 'b' c';;\n", kHead + "CM_ 'a \\'b\\' c';\n"},
       {kHead + "CM_ BO_ 1 a b';\nCM_ 'x", kHead + "CM_ BO_ 1 'a b';\nCM_ 'x';"},
+      // Where a text ends behind a keyword, that begins a statement with the quote that is added.
+      {kHead + "CM_ 'x\nBA_;\nCM_ 'y';\n", kHead + "CM_ 'x';\nCM_ 'y';\n"},
       // No semicolon closes a unit: with it, what tells that would be dropped.
       {kHead + " SG_ t : 8|8@1+ (1,0) [0|1] 'a\nBS_ b';B\n SG_ u : 8|8@1+ (1,0) [0|1] '' B\n",
        kHead + " SG_ t : 8|8@1+ (1,0) [0|1] 'a' Ostrel__XXX\n"
