@@ -74,13 +74,16 @@ ZelkDatabase* ZelkDatabase::ListFindDb(const char* file) {
 }
 
 /// Whether a write would replace another instance of its target. Of the own file that is what a
-/// write is for, unless a write manager, which may be the own one, edits that instance.
+/// write is for, unless a write manager, which may be the own one, edits some instance of it.
 bool ZelkDatabase::BelongsToAnother(const char* target) const {
   const zelk::ProcessGuard guard;
   if (target) {
     const ZelkDatabase* const owner = ListFindDb(target);
     return owner && owner != this;
   }
-  const ZelkDatabase* const listed = FindListed();
-  return listed && ZelkManager::IsEdited(*listed, OwnFile().c_str());
+  const std::string own_file = OwnFile();
+  const auto is_edited_elsewhere = [&](const ZelkDatabase& other) {
+    return &other != this && ZelkManager::IsEdited(other, own_file.c_str());
+  };
+  return !zelk::registry().of(own_file.c_str(), is_edited_elsewhere).empty();
 }

@@ -177,6 +177,8 @@ class Check {
     for (const sigblk& signal : each(message.signals)) {
       require(!signal.mux_signal || own_signals_.contains(signal.mux_signal), signal,
               "its multiplexor is no signal of its message");
+      require(!signal.mux_signal || signal.mux_ranges, signal,
+              "it has a multiplexor, but no value that selects it");
       if (fault_ || hidden_signals_.empty() || !has_range_statement(signal, is_extended)) continue;
       require(!hidden_signals_.contains(&signal) && !hidden_signals_.contains(signal.mux_signal),
               signal, "the multiplexing of signals with one name cannot be told apart");

@@ -3,6 +3,7 @@
 #include "manager/manager_test.hpp"
 #include "support/failing.hpp"
 #include "support/files.hpp"
+#include "zelk/model.h"
 
 namespace {
 
@@ -153,6 +154,19 @@ TEST_F(WriteManagers, LeaveTheirOwnEditsAlone) {
   cut.symbols_shortened = 1;
   cut.Commit();
   EXPECT_EQ(manager.WriteDatabase(fresh, nullptr), 9) << "what was cut is not saved from there";
+}
+
+// A look at the file between has read a third instance, which stays in the cache.
+TEST_F(WriteManagers, LeaveAloneWhatTheyHaveSaved) {
+  const std::string path = folder.write("a.dbc", kDatabase);
+  WriteManager manager;
+  const char* const old = open(manager, path, "old");
+  Folder::touch(path, 1);
+  const char* const fresh = open(manager, path, "fresh");
+  Folder::touch(path, 2);
+  zelk_mfree(const_cast<char*>(manager.GetDatabaseName(path.c_str())));
+  EXPECT_EQ(manager.WriteDatabase(old, nullptr), 0);
+  EXPECT_EQ(manager.WriteDatabase(fresh, nullptr), 10);
 }
 
 TEST_F(WriteManagers, ReadAgainWhatWasReadInPart) {
