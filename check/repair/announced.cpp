@@ -1,8 +1,10 @@
 #include "check/repair/announced.hpp"
 
+#include <algorithm>
 #include <span>
 #include <string>
 
+#include "base/characters.hpp"
 #include "check/findings/sentences.hpp"
 
 namespace zelk::check {
@@ -38,10 +40,21 @@ NameSet announced_names(const Document& document) {
   return names;
 }
 
+void insert_names(const Document& document, const Token& token, NameSet& names) {
+  if (token.kind != TokenKind::kName && token.kind != TokenKind::kOddName) return;
+  const std::string_view text = document.text_of(token);
+  const auto is_part = [](char c) { return is_name_character(c); };
+  for (auto at = text.begin(); at != text.end();) {
+    const auto begin = std::find_if(at, text.end(), is_part);
+    at = std::find_if_not(begin, text.end(), is_part);
+    if (begin != at) names.insert(std::string_view(begin, at));
+  }
+}
+
 NameSet names_in_front(const Document& document, const Statement& end) {
   NameSet names;
   for (const Token& token : std::span(document.tokens).first(end.first))
-    if (token.kind == TokenKind::kName) names.insert(document.text_of(token));
+    insert_names(document, token, names);
   return names;
 }
 

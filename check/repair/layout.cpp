@@ -47,8 +47,7 @@ NameSet unneeded_names(const Document& document, const Statement& first) {
   if (first.kind != Word::kNewSymbols) return names;
   for (const Statement& each : document.statements) {
     if (each.kind == Word::kNone || each.kind == Word::kNewSymbols) continue;
-    for (const Token& token : document.tokens_of(each))
-      if (token.kind == TokenKind::kName) names.insert(document.text_of(token));
+    for (const Token& token : document.tokens_of(each)) insert_names(document, token, names);
   }
   return names;
 }

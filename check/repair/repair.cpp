@@ -170,6 +170,7 @@ class Repair {
       take(std::move(round->findings()));
       std::string text = composition.take_text();
       origins_.push_back(std::move(composition));
+      clean(text);
       verdict = judge(text);
       if (is_perfect(verdict, text)) return mended(std::move(text));
       round = std::make_unique<Round>(Source(result_.source.path(), std::move(text)), options_);
@@ -194,6 +195,16 @@ class Repair {
     return std::ranges::none_of(document.statements, [&](const Statement& statement) {
       return statement.first >= end->token && statement.is_readable;
     });
+  }
+
+  /// What was dropped may have had the only line feeds.
+  void clean(std::string& text) {
+    std::vector<Finding> findings;
+    std::optional<Composition> composition = cleaned(text, options_, findings);
+    if (!composition) return;
+    take(std::move(findings));
+    text = composition->take_text();
+    origins_.push_back(std::move(*composition));
   }
 
   static std::string_view text_of(const Round& round) { return round.document().source.text(); }
