@@ -90,7 +90,7 @@ ZELK_API uint32_t zelk_try_read_text(const char* text, size_t size, symblk** nod
 ///   bit 15 of an access code; the default of an ENUM that is no item;
 /// - records that refer to a definition, category, table, type or filter node that the lists do not
 ///   hold, or to a signal of another message; circles of multiplexors; a multiplexor without a
-///   value that selects the signal;
+///   value that selects the signal; a value without a multiplexor, where the message has one;
 /// - what other lines than its own say of a message behind another with its identifier, and of a
 ///   signal, environment variable or signal type behind another of its name (of signals: in its
 ///   message): the first one gets it; likewise values of a definition behind another of its name

@@ -173,8 +173,11 @@ class Check {
       require(!has_statements(signal), signal,
               "another signal has its name, and would get what is said of it");
     }
-    const bool is_extended = count_multiplexors(message) > 1;
+    const std::size_t multiplexors = count_multiplexors(message);
+    const bool is_extended = multiplexors > 1;
     for (const sigblk& signal : each(message.signals)) {
+      require(signal.mux_signal || !signal.mux_ranges || multiplexors != 1, signal,
+              "the only multiplexor of its message would select it");
       require(!signal.mux_signal || own_signals_.contains(signal.mux_signal), signal,
               "its multiplexor is no signal of its message");
       require(!signal.mux_signal || signal.mux_ranges, signal,

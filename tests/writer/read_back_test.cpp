@@ -46,6 +46,8 @@ const Case kCases[] = {
     {[](Sample& d) { set(d.t().name, "BO_"); }, "signal M::BO_: its name is none of the format", 1},
     {[](Sample& d) { d.t().mux_signal = add_signal(d.messages->next, "X"); },
      "signal M::T: its multiplexor is no signal of its message", 20},
+    {[](Sample& d) { add_signal(d.messages, "X")->mux_ranges = zelk_create_muxor_value_range(); },
+     "signal M::X: the only multiplexor of its message would select it", 0},
     {[](Sample& d) { add_signal(d.messages, "X")->mux_signal = &d.s(); },
      "signal M::X: it has a multiplexor, but no value that selects it", 0},
     {[](Sample& d) {
