@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "base/enum_items.hpp"
+#include "base/hash_table.hpp"
 #include "base/list.hpp"
 #include "base/multiplexing.hpp"
 #include "base/seeded_hash.hpp"
@@ -161,24 +162,40 @@ class Check {
     return view(name).empty() || !fits_inline(view(name)) || names.insert(view(name)).second;
   }
 
-  /// What refers to signals must mean signals of the same message, the first ones of their names.
-  void members(const msgblk& message) {
-    own_signals_.clear();
+  /// Finds the signals of a message that stand behind another one of their name.
+  void find_hidden(const msgblk& message) {
     hidden_signals_.clear();
-    signal_names_.clear();
-    for (const sigblk& signal : each(message.signals)) {
-      own_signals_.insert(&signal);
-      if (is_first_of_name(signal.name, signal_names_)) continue;
+    const auto signals = each<const sigblk>(message.signals);
+    HashTable<std::uint64_t, const sigblk*> named(signals.size());
+    for (const sigblk& signal : signals) {
+      const std::string_view name = view(signal.name);
+      if (name.empty() || !fits_inline(name)) continue;
+      const auto is_same = [name](const sigblk* other) { return view(other->name) == name; };
+      if (named.enter(hash_(name), &signal, is_same) == &signal) continue;
       hidden_signals_.insert(&signal);
       require(!has_statements(signal), signal,
               "another signal has its name, and would get what is said of it");
     }
+  }
+
+  /// What refers to signals must mean signals of the same message, the first ones of their names.
+  void members(const msgblk& message) {
+    find_hidden(message);
+    const bool has_links = message.siggroups || find_first(message.signals, [](const sigblk& s) {
+                             return s.mux_signal || s.mux_ranges;
+                           });
+    if (has_links) links_to_signals(message);
+  }
+
+  void links_to_signals(const msgblk& message) {
+    std::unordered_set<const sigblk*> own;
+    for (const sigblk& signal : each(message.signals)) own.insert(&signal);
     const std::size_t multiplexors = count_multiplexors(message);
     const bool is_extended = multiplexors > 1;
     for (const sigblk& signal : each(message.signals)) {
       require(signal.mux_signal || !signal.mux_ranges || multiplexors != 1, signal,
               "the only multiplexor of its message would select it");
-      require(!signal.mux_signal || own_signals_.contains(signal.mux_signal), signal,
+      require(!signal.mux_signal || own.contains(signal.mux_signal), signal,
               "its multiplexor is no signal of its message");
       require(!signal.mux_signal || signal.mux_ranges, signal,
               "it has a multiplexor, but no value that selects it");
@@ -189,7 +206,7 @@ class Check {
     for (const siggroupblk& group : each(message.siggroups)) {
       inline_name("signal group", group.name);
       for (const siglistblk& member : each(group.signals)) {
-        require(!member.signal || own_signals_.contains(member.signal), message,
+        require(!member.signal || own.contains(member.signal), message,
                 "a signal group of it has a signal of another message");
         require(!hidden_signals_.contains(member.signal), message,
                 "a signal group of it has the second of two signals with one name");
@@ -328,8 +345,7 @@ class Check {
   // What stands behind another one of its name, which a reader of the file finds instead.
   std::unordered_set<const sigtype*> hidden_types_;
   std::unordered_set<const sigblk*> hidden_signals_;  // of the message that is looked at
-  std::unordered_set<const sigblk*> own_signals_;
-  NameSet signal_names_;
+  SeededHash hash_;
 };
 
 }  // namespace
