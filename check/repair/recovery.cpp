@@ -187,8 +187,11 @@ class Salvage {
 
   std::string receivers(std::size_t at) const {
     std::string result;
-    for (; has(at); ++at)
-      if (is_name(*tokens_[at])) result += (result.empty() ? "" : ",") + text(at);
+    for (; has(at); ++at) {
+      const Token& token = *tokens_[at];
+      if (is_name(token) && !begins_statement(token))
+        result += (result.empty() ? "" : ",") + text(at);
+    }
     return result.empty() ? ZELK_NO_NODE : result;
   }
 
