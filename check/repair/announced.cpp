@@ -6,6 +6,7 @@
 
 #include "base/characters.hpp"
 #include "check/findings/sentences.hpp"
+#include "zelk/records.h"
 
 namespace zelk::check {
 
@@ -52,7 +53,7 @@ void insert_names(const Document& document, const Token& token, NameSet& names) 
 }
 
 NameSet names_in_front(const Document& document, const Statement& end) {
-  NameSet names;
+  NameSet names{ZELK_NO_NODE};  // which mends add
   for (const Token& token : std::span(document.tokens).first(end.first))
     insert_names(document, token, names);
   return names;
