@@ -80,8 +80,12 @@ bool has_empty_items(const Lists& lists) {
          }) != nullptr;
 }
 
-/// Of a filter with one list, the other one is written, and read, as a link to nothing.
-bool has_half_filter(const filter_t& filter) { return !filter.categories != !filter.nodes; }
+/// Of a filter with one list, the other one is written, and read, as a link to nothing; one without
+/// lists is not written.
+bool has_half_filter(const filter_t& filter) {
+  const bool is_whole = filter.categories && filter.nodes;
+  return !is_whole && (filter.categories || filter.nodes || filter.mode != 0);
+}
 
 }  // namespace
 
