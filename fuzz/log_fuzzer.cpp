@@ -22,7 +22,7 @@ namespace {
 using namespace zelk::logs;
 
 constexpr std::size_t kBlockBytes = 2 * kLongestLine;
-constexpr std::size_t kMostUnpacked = 1 << 20;  // of a small input that unpacks to very much
+constexpr std::size_t kMostUnpacked = 1 << 16;  // of a small input that unpacks to very much
 
 /// A log, or its first bytes.
 class Limited : public ByteStream {
