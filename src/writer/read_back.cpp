@@ -76,8 +76,10 @@ class Check {
   explicit Check(const ModelView& model) : model_(model) {
     for (const auto& node : each(model.nodes)) nodes_.insert(&node);
     for (const auto& def : each(model.attr_defs)) {
-      const bool is_first = first_definitions_.insert({def.object_type, def.name}).second;
-      definitions_.emplace(&def, is_first);
+      const std::int32_t any = is_relation(def.object_type) ? kAnyRelation : kAnyOrdinary;
+      const bool is_first_of_kind = first_definitions_.insert({def.object_type, def.name}).second;
+      const bool is_first_of_any = first_definitions_.insert({any, def.name}).second;
+      definitions_.emplace(&def, Rank{is_first_of_kind, is_first_of_any});
     }
     for (const auto& cat : each(model.categories)) categories_.insert(cat.number);
     for (const auto& type : each(model.sig_types))
@@ -284,11 +286,22 @@ class Check {
             "the database does not hold its category");
   }
 
-  /// Whether a reader of the file finds the definition for a value of such an object, and no other
-  /// one of that name.
-  bool is_found(const attr_def& definition, bool is_first, std::int32_t kind) const {
-    if (definition.object_type == kind) return is_first;
-    return !first_definitions_.contains({kind, definition.name});
+  // Stand for all ordinary kinds of objects, and for all relations.
+  static constexpr std::int32_t kAnyOrdinary = -1;
+  static constexpr std::int32_t kAnyRelation = -2;
+
+  /// Whether a definition is the first one of its name.
+  struct Rank {
+    bool of_kind;  ///< among those of its kind
+    bool of_any;   ///< among those of all ordinary kinds, or of all relations
+  };
+
+  /// Whether a reader of the file finds the definition for a value of such an object: it looks
+  /// among those of the kind first.
+  bool is_found(const attr_def& definition, Rank rank, std::int32_t kind) const {
+    if (definition.object_type == kind) return rank.of_kind;
+    return rank.of_any && is_relation(definition.object_type) == is_relation(kind) &&
+           !first_definitions_.contains({kind, definition.name});
   }
 
   /// `name_of_object` gives the name of the object that has the values.
@@ -333,7 +346,7 @@ class Check {
   std::optional<std::string> fault_;
   std::unordered_set<const symblk*> nodes_;
   NameSet node_names_;
-  std::unordered_map<const attr_def*, bool> definitions_;  ///< whether first of kind and name
+  std::unordered_map<const attr_def*, Rank> definitions_;
   std::set<std::pair<std::int32_t, std::string_view>> first_definitions_;
   const attr_def* last_definition_ = nullptr;
   std::int32_t last_kind_ = 0;

@@ -92,6 +92,11 @@ const Case kCases[] = {
        add_value(d.nodes->attrs, add_definition(d, ZELK_OBJ_NODE, "Twice", ZELK_ATTR_STRING));
      },
      "node A: another definition has the name of Twice, and would get its value", 14},
+    {[](Sample& d) {  // without one of its own kind, a value gets the first of the name
+       add_definition(d, ZELK_OBJ_SIGNAL, "Twice", ZELK_ATTR_INT);
+       add_value(d.nodes->attrs, add_definition(d, ZELK_OBJ_MESSAGE, "Twice", ZELK_ATTR_STRING));
+     },
+     "node A: another definition has the name of Twice, and would get its value", 14},
     {[](Sample& d) { d.messages->category = &unlisted; },
      "message M: the database does not hold its category", 28},
     {[](Sample& d) { set(d.nodes->name, ZELK_NO_NODE); },
