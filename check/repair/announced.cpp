@@ -42,12 +42,13 @@ NameSet announced_names(const Document& document) {
 }
 
 void insert_names(const Document& document, const Token& token, NameSet& names) {
-  if (token.kind != TokenKind::kName && token.kind != TokenKind::kOddName) return;
+  const bool is_odd = token.kind == TokenKind::kOddName || token.kind == TokenKind::kOddNumber;
+  if (token.kind != TokenKind::kName && !is_odd) return;
   const std::string_view text = document.text_of(token);
-  const auto is_part = [](char c) { return is_name_character(c); };
   for (auto at = text.begin(); at != text.end();) {
-    const auto begin = std::find_if(at, text.end(), is_part);
-    at = std::find_if_not(begin, text.end(), is_part);
+    // Digits in front are a number.
+    const auto begin = std::find_if(at, text.end(), is_letter);
+    at = std::find_if_not(begin, text.end(), is_name_character);
     if (begin != at) names.insert(std::string_view(begin, at));
   }
 }

@@ -19,7 +19,8 @@ using NameSet = std::unordered_set<std::string_view, SeededHash>;
 /// Of all lists.
 NameSet announced_names(const Document& document);
 
-/// A name, or the parts of an odd one, which the reader takes for names where it is not mended.
+/// A name, or the parts of an odd one or of an odd number, which the reader takes for names where
+/// it is not mended.
 void insert_names(const Document& document, const Token& token, NameSet& names);
 
 /// The names in statements that stand in front of another one.

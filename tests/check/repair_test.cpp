@@ -89,6 +89,7 @@ TEST(Mends, Forms) {
       {"SG_ U \xFEU:2|2 BS_:\nBU_: A\nNS_: U\nBO_ 1 M: 8 A\n",
        "NS_:\n BS_:\nBU_: A\nBO_ 3221225472 Signals_without_message: 0 Ostrel__XXX\n"
        " SG_ U_thU : 2|2@1+ (1,0) [0|0] '' Ostrel__XXX\nBO_ 1 M: 8 A\n"},
+      {"BO_ 31FOO_: 8 A\nBS_:\nBU_: A\nNS_ : FOO_\n", "NS_ :\nBS_:\nBU_: A\nBO_ 31FOO_: 8 A\n"},
       {std::string("BS_:\nBU_: A\0\0\nCM_ 'a\0b';\n", 26), "BS_:\nBU_: A\nCM_ 'a b';\n"},
       // A blank stays where two would become one: a byte that is space, and a keyword.
       {std::string("BS_:\nBU_: A\nBO_\0\xFE\x31 M: 8 A\nCM_ 'a\\\0';\n", 37),
