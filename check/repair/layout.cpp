@@ -45,6 +45,7 @@ NameSet unneeded_names(const Document& document, const Statement& first) {
   NameSet names;
   for (const Token& token : document.tokens_of(first)) names.insert(document.text_of(token));
   if (first.kind != Word::kNewSymbols) return names;
+  names.insert(ZELK_NO_NODE);  // which mends add
   for (const Statement& each : document.statements) {
     if (each.kind == Word::kNone || each.kind == Word::kNewSymbols) continue;
     for (const Token& token : document.tokens_of(each)) insert_names(document, token, names);
