@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "base/seeded_hash.hpp"
-#include "reader/definition_index.hpp"
 #include "reader/read_context.hpp"
+#include "text/definition_index.hpp"
 
 namespace zelk {
 

@@ -2,11 +2,9 @@
 
 #include <cmath>
 #include <cstdint>
-#include <set>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
-#include <utility>
 
 #include "base/enum_items.hpp"
 #include "base/hash_table.hpp"
@@ -15,6 +13,7 @@
 #include "base/seeded_hash.hpp"
 #include "base/text_view.hpp"
 #include "model/symbols.hpp"
+#include "text/definition_index.hpp"
 #include "text/words.hpp"
 
 namespace zelk {
@@ -76,10 +75,8 @@ class Check {
   explicit Check(const ModelView& model) : model_(model) {
     for (const auto& node : each(model.nodes)) nodes_.insert(&node);
     for (const auto& def : each(model.attr_defs)) {
-      const std::int32_t any = is_relation(def.object_type) ? kAnyRelation : kAnyOrdinary;
-      const bool is_first_of_kind = first_definitions_.insert({def.object_type, def.name}).second;
-      const bool is_first_of_any = first_definitions_.insert({any, def.name}).second;
-      definitions_.emplace(&def, Rank{is_first_of_kind, is_first_of_any});
+      definitions_.emplace(&def, 0);
+      index_.add_old(const_cast<attr_def*>(&def));  // which is only looked at here
     }
     for (const auto& cat : each(model.categories)) categories_.insert(cat.number);
     for (const auto& type : each(model.sig_types))
@@ -286,39 +283,25 @@ class Check {
             "the database does not hold its category");
   }
 
-  // Stand for all ordinary kinds of objects, and for all relations.
-  static constexpr std::int32_t kAnyOrdinary = -1;
-  static constexpr std::int32_t kAnyRelation = -2;
-
-  /// Whether a definition is the first one of its name.
-  struct Rank {
-    bool of_kind;  ///< among those of its kind
-    bool of_any;   ///< among those of all ordinary kinds, or of all relations
-  };
-
-  /// Whether a reader of the file finds the definition for a value of such an object: it looks
-  /// among those of the kind first.
-  bool is_found(const attr_def& definition, Rank rank, std::int32_t kind) const {
-    if (definition.object_type == kind) return rank.of_kind;
-    return rank.of_any && is_relation(definition.object_type) == is_relation(kind) &&
-           !first_definitions_.contains({kind, definition.name});
-  }
-
-  /// `name_of_object` gives the name of the object that has the values.
+  /// A reader of the file must find the definition of each value, and no other one of its name.
+  ///
+  /// @param kind            of the object, `zelk_obj_t`
+  /// @param name_of_object  gives the name of the object that has the values
   template <typename NameOfObject>
   void values(const attr* list, std::int32_t kind, NameOfObject name_of_object) {
     for (const attr& value : each(list)) {
       if (!value.def || fault_) continue;
-      if (value.def == last_definition_ && kind == last_kind_) continue;
-      last_definition_ = value.def;
-      last_kind_ = kind;
       const auto found = definitions_.find(value.def);
       if (found == definitions_.end()) {
         fault_ = name_of_object() + ": the database does not define an attribute of it";
-      } else if (!is_found(*value.def, found->second, kind)) {
-        fault_ = name_of_object() + ": another definition has the name of " +
-                 std::string(view(value.def->name)) + ", and would get its value";
+        return;
       }
+      const unsigned bit = 1U << static_cast<unsigned>(kind);
+      if ((found->second & bit) != 0) continue;
+      found->second |= bit;
+      if (index_.find(kind, value.def->name) == value.def) continue;
+      fault_ = name_of_object() + ": another definition has the name of " +
+               std::string(view(value.def->name)) + ", and would get its value";
     }
   }
 
@@ -346,10 +329,9 @@ class Check {
   std::optional<std::string> fault_;
   std::unordered_set<const symblk*> nodes_;
   NameSet node_names_;
-  std::unordered_map<const attr_def*, Rank> definitions_;
-  std::set<std::pair<std::int32_t, std::string_view>> first_definitions_;
-  const attr_def* last_definition_ = nullptr;
-  std::int32_t last_kind_ = 0;
+  /// With the kinds of objects for which a reader finds them, a bit each, as far as that was asked.
+  std::unordered_map<const attr_def*, unsigned> definitions_;
+  DefinitionIndex index_;
   std::unordered_set<std::int32_t, SeededHash> categories_;
   std::unordered_set<std::uint32_t, SeededHash> ids_;
   NameSet variable_names_;

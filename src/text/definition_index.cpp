@@ -1,4 +1,4 @@
-#include "reader/definition_index.hpp"
+#include "text/definition_index.hpp"
 
 #include "model/symbols.hpp"
 #include "text/words.hpp"

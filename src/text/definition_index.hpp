@@ -1,8 +1,8 @@
 /// \file
 /// Attribute definitions by kind and name.
 
-#ifndef ZELK_READER_DEFINITION_INDEX_HPP
-#define ZELK_READER_DEFINITION_INDEX_HPP
+#ifndef ZELK_TEXT_DEFINITION_INDEX_HPP
+#define ZELK_TEXT_DEFINITION_INDEX_HPP
 
 #include <cstddef>
 #include <cstdint>
