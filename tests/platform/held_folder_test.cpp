@@ -27,4 +27,19 @@ TEST(HeldFolder, TakesWhatKilledProcessesLeft) {
   EXPECT_EQ(error, std::errc::no_such_file_or_directory);
 }
 
+TEST(HeldFolder, IsTakenWhileOthersRemoveIt) {
+  const Folder folder;
+  const fs::path path = folder.path("busy");
+  run_in_threads(
+      [&](int thread, int) {
+        std::error_code error;
+        if (const auto held = HeldFolder::make(path, error)) {
+          EXPECT_TRUE(fs::create_directory(path / std::to_string(thread), error));
+        }
+        EXPECT_FALSE(error) << error.message();
+      },
+      200);
+  EXPECT_FALSE(fs::exists(path));
+}
+
 }  // namespace
