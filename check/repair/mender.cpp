@@ -32,6 +32,12 @@ bool joins_words(std::string_view text, Span span) {
          is_name_character(text[span.end]);
 }
 
+/// Whether the last character of one text and the first one of another would stand in one word.
+bool join(std::string_view left, std::string_view right) {
+  return !left.empty() && !right.empty() && is_name_character(left.back()) &&
+         is_name_character(right.front());
+}
+
 }  // namespace
 
 void Mender::note(FaultKind kind, Span span, std::string message, std::string statement) {
@@ -72,11 +78,18 @@ void Mender::erase(std::uint32_t index) {
   edits.drop(span.begin, span.end, joins_words(document.source.text(), span) ? " " : "");
 }
 
-void Mender::insert_behind_token(std::uint32_t token, std::string text) {
+void Mender::replace_token(std::uint32_t token, std::string text) {
+  const std::uint32_t begin = document.tokens[token].begin;
   const std::uint32_t end = document.tokens[token].end;
   const std::string_view source = document.source.text();
-  if (end < source.size() && is_name_character(text.back()) && is_name_character(source[end]))
-    text += ' ';
+  if (join(source.substr(0, begin), text)) text.insert(0, 1, ' ');
+  if (join(text, source.substr(end))) text += ' ';
+  edits.replace(begin, end, std::move(text));
+}
+
+void Mender::insert_behind_token(std::uint32_t token, std::string text) {
+  const std::uint32_t end = document.tokens[token].end;
+  if (join(text, document.source.text().substr(end))) text += ' ';
   edits.insert_behind(end, std::move(text));
 }
 
@@ -84,10 +97,7 @@ void Mender::rewrite(std::uint32_t index, std::string text) {
   states_[index] = State::kRewritten;
   has_new_statements = true;
   const Statement& there = document.statements[index];
-  const std::string_view behind = document.source.text().substr(document.end_of(there));
-  const bool joins = !text.empty() && !behind.empty() && is_name_character(text.back()) &&
-                     is_name_character(behind[0]);
-  if (joins) text += ' ';
+  if (join(text, document.source.text().substr(document.end_of(there)))) text += ' ';
   edits.replace(document.begin_of(there), document.end_of(there), std::move(text));
 }
 
@@ -95,7 +105,8 @@ void Mender::erase_tokens(std::uint32_t first, std::uint32_t end) {
   const std::string_view text = document.source.text();
   std::uint32_t begin = document.tokens[first].begin;
   while (begin != 0 && is_blank_byte(text[begin - 1])) --begin;
-  edits.erase(begin, document.tokens[end - 1].end);
+  const std::uint32_t behind = document.tokens[end - 1].end;
+  edits.replace(begin, behind, join(text.substr(0, begin), text.substr(behind)) ? " " : "");
 }
 
 }  // namespace zelk::check

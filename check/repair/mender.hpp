@@ -58,10 +58,9 @@ class Mender {
   void rewrite(std::uint32_t index, std::string text);
   /// Takes tokens out, with the blanks in front of them.
   void erase_tokens(std::uint32_t first, std::uint32_t end);
-  void replace_token(std::uint32_t token, std::string text) {
-    edits.replace(document.tokens[token].begin, document.tokens[token].end, std::move(text));
-  }
-  /// With a blank behind it where what follows would become a part of its last word.
+  // With a blank where a word of the text would become one with what stands beside it.
+
+  void replace_token(std::uint32_t token, std::string text);
   void insert_behind_token(std::uint32_t token, std::string text);
   void add(int place, std::string text) { additions.push_back({place, std::move(text)}); }
 

@@ -216,6 +216,22 @@ std::string salvaged(const Document& document, const Statement& statement) {
   }
 }
 
+/// What cannot be mended yet stays. A keyword at its fault or behind would begin a statement, with
+/// the next one for its object, as soon as what stands between them is mended or gone.
+void drop_keywords(Mender& mender, const Fault& fault) {
+  const Statement& statement = mender.statement(fault.statement);
+  const std::uint32_t second = statement.first + 1;
+  std::uint32_t begin = std::max(fault.token, second);
+  while (begin > second && begins_statement(mender.token(begin - 1))) --begin;
+  while (begin < statement.end && !begins_statement(mender.token(begin))) ++begin;
+  if (begin >= statement.end) return;
+  const std::string_view words =
+      mender.document.source.text(mender.token(begin).begin, mender.token(statement.end - 1).end);
+  mender.note(fault.kind, fault.statement, begin, statement.end,
+              shown(words) + " dropped, it begins no statement");
+  mender.erase_tokens(begin, statement.end);
+}
+
 }  // namespace
 
 void recover(Mender& mender, const Fault& fault) {
@@ -233,11 +249,15 @@ void recover(Mender& mender, const Fault& fault) {
   mender.has_new_statements = true;
   const bool is_object = statement.kind == Word::kMessage || statement.kind == Word::kSignal;
   const bool is_cut = fault.token == document.tokens.size();
-  const bool is_bare = statement.kind == Word::kSignal && statement.end == statement.first + 1;
+  // Signals behind a message would come to the one in front of it.
+  const bool has_signals = statement.kind == Word::kMessage &&
+                           fault.statement + 1 < document.statements.size() &&
+                           document.statements[fault.statement + 1].kind == Word::kSignal;
+  const bool is_bare = is_object && !has_signals && statement.end == statement.first + 1;
   if (is_bare) return mender.drop(fault.kind, fault.statement, "nothing follows it");
   if (is_object && is_cut)
     return mender.drop(fault.kind, fault.statement, "the text ends before it is complete");
-  if (is_object) return;
+  if (is_object) return drop_keywords(mender, fault);
   mender.drop(fault.kind, fault.statement,
               fault.kind == FaultKind::kStray ? "it begins no statement"
                                               : "expected " + std::string(fault.expected));

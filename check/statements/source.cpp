@@ -48,7 +48,7 @@ Source::OwnPlace Source::own_place(std::uint32_t offset) const {
 
 const std::vector<std::uint32_t>& Source::starts() const {
   if (!starts_.empty()) return starts_;
-  const char line_end = text_.find('\n') == std::string::npos ? '\r' : '\n';
+  const char line_end = line_break();
   starts_.push_back(0);
   for (std::size_t at = text_.find(line_end); at != std::string::npos;
        at = text_.find(line_end, at + 1))

@@ -49,6 +49,8 @@ class Source {
   /// Of the main file.
   const std::string& path() const { return path_; }
   std::string_view text() const { return text_; }
+  /// The last byte of each line end: a line feed, or a carriage return in a text without any.
+  char line_break() const { return text_.find('\n') == std::string::npos ? '\r' : '\n'; }
   /// That of the first line, "\r\n" or "\n", for lines that are added.
   std::string_view line_end() const;
   std::uint32_t size() const { return static_cast<std::uint32_t>(text_.size()); }

@@ -47,6 +47,7 @@ class Tokenizer {
       : begin_(source.text().data()),
         end_(begin_ + source.size()),
         at_(begin_),
+        line_break_(source.line_break()),
         has_nul_(source.text().find('\0') != std::string_view::npos) {
     result_.tokens.reserve(source.size() / 5 * 2 + 16);  // some more than most files have
   }
@@ -263,11 +264,11 @@ class Tokenizer {
            statement_ != Word::kVariable;
   }
 
-  /// Behind the next line feed; `limit` when there is none before it.
-  static const char* next_line(const char* from, const char* limit) {
-    const auto* const line_feed =
-        static_cast<const char*>(std::memchr(from, '\n', static_cast<std::size_t>(limit - from)));
-    return line_feed ? line_feed + 1 : limit;
+  /// Where the next line begins; `limit` when it does not before that.
+  const char* next_line(const char* from, const char* limit) const {
+    const auto size = static_cast<std::size_t>(limit - from);
+    const auto* const line_end = static_cast<const char*>(std::memchr(from, line_break_, size));
+    return line_end ? line_end + 1 : limit;
   }
 
   /// Whether the line begins with a keyword that begins statements, and then a blank, colon or
@@ -282,7 +283,7 @@ class Tokenizer {
 
   /// Whether what stands behind a text's second quote goes on with, or ends, a statement.
   bool goes_on(const char* behind) const {
-    while (behind != end_ && start_of(*behind) == Start::kSpace && *behind != '\n') ++behind;
+    while (behind != end_ && start_of(*behind) == Start::kSpace && *behind != line_break_) ++behind;
     return behind != end_ && (*behind == ';' || *behind == ',');
   }
 
@@ -321,6 +322,7 @@ class Tokenizer {
   const char* at_;
   const char* close_ = nullptr;   ///< the last answer of `closing_quote`
   Word statement_ = Word::kNone;  ///< the keyword of the one that stands here
+  const char line_break_;
   const bool has_nul_;
   std::size_t nul_noted_ = std::string_view::npos;
   std::size_t end_noted_ = std::string_view::npos;

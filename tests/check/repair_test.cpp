@@ -101,6 +101,14 @@ TEST(Mends, Forms) {
       {kHead + " SG_ a : 88@1+ (1,0) [0|1] '' B\n", ""},
       {kHead + "BO_ 2 N: A\nBO_ 3 : 4 A\nBO_ 4 O\nBO_ ",
        kHead + "BO_ 2 N: 8 A\nBO_ 3 Message_3: 4 A\nBO_ 4 O: 8 Ostrel__XXX\n"},
+      // A keyword in what is left for later begins no statement with what comes to stand behind it.
+      {kHead + "BO_ BA_:BO_ 2 N: 3 A\n", kHead + "BO_ 2 N: 3 A\n"},
+      {kHead + " SG_ BA_DEF_ BA_DEF_''BO_ 3 N: 3 A\n", kHead + " BO_ 3 N: 3 A\n"},
+      {kHead + " SG_ t : 8|8@1+(\nx 1 BA_'A\nBO_ 6 N: 0 A\n",
+       kHead + " SG_ t : 8|8@1+ (0,1) [0|0] '' Ostrel__XXX\nBO_ 6 N: 0 A\n"},
+      {kHead + "BO_\n SG_ t : 8|8@1+ (1,0) [0|1] '' B\n", ""},
+      {kHead + "BO_.2 N: 8 A\n", kHead + "BO_ 0 N: 8 A\n", "odd-number"},
+      {"'\rSIG_GROUP_'BO_ 0 I: 6 A\rBS_:\rBU_:A\r", "BS_:\nBU_:A\n"},
       {"BS_:\nBU_:\n SG_ s : 0|8@1+ (1,0) [0|1] '' B\n",
        "BS_:\nBU_:\n BO_ 3221225472 Signals_without_message: 0 Ostrel__XXX\n"
        " SG_ s : 0|8@1+ (1,0) [0|1] '' B\n"},
