@@ -11,6 +11,7 @@
 
 #include "base/enum_items.hpp"
 #include "base/list.hpp"
+#include "base/multiplexing.hpp"
 #include "base/text_view.hpp"
 #include "expect.hpp"
 #include "writer/read_back.hpp"
@@ -80,6 +81,17 @@ bool has_empty_items(const Lists& lists) {
          }) != nullptr;
 }
 
+/// Whether a value selects a signal more than once, and no other does: where the message has one
+/// multiplexor, it is written once.
+bool has_doubled_value(const Lists& lists) {
+  return zelk::find_first(lists.messages, [](const msgblk& message) {
+           return zelk::find_first(message.signals, [](const sigblk& signal) {
+                    return signal.mux_ranges && signal.mux_ranges->next &&
+                           !zelk::has_several_values(signal);
+                  }) != nullptr;
+         }) != nullptr;
+}
+
 /// Of a filter with one list, the other one is written, and read, as a link to nothing; one without
 /// lists is not written.
 bool has_half_filter(const filter_t& filter) {
@@ -99,7 +111,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   // Saving refuses both: what a file cannot express, and names that were cut on reading.
   if (zelk_symbols_shortened() != 0 || zelk::read_back_fault(view_of(first))) return 0;
   if (has_lone_transmitter(first) || has_lost_names(first.messages, first.definitions) ||
-      has_empty_items(first) || has_half_filter(first.filter))
+      has_empty_items(first) || has_doubled_value(first) || has_half_filter(first.filter))
     return 0;
   const std::string once = written(first);
   Lists second;

@@ -77,7 +77,8 @@ ZELK_API uint32_t zelk_try_read_text(const char* text, size_t size, symblk** nod
 /// the end of a text, and between the first byte of a double-byte character and a double quote; a
 /// carriage return in front of a line feed is lost. Infinities are written as the largest finite
 /// doubles, not-a-number as 0, all numbers with 14 significant digits. A list of one transmitter is
-/// not written: the "BO_" line has one.
+/// not written: the "BO_" line has one. The only value that selects a signal is written once, where
+/// the message has one multiplexor.
 ///
 /// What the format cannot express is written as it stands, and such a file is refused when it is
 /// read, or gives other records:
