@@ -38,9 +38,12 @@ bool has_statements(const sigblk& signal) {
 
 bool has_statements(const msgblk& message) {
   const bool has_transmitters = message.tx_nodes && message.tx_nodes->next;
+  const bool is_extended = count_multiplexors(message) > 1;
   return !view(message.comment).empty() || message.attrs || message.category || message.siggroups ||
          has_transmitters || has_values(message.tx_nodes) ||
-         find_first(message.signals, [](const sigblk& signal) { return has_statements(signal); });
+         find_first(message.signals, [is_extended](const sigblk& signal) {
+           return has_statements(signal) || has_range_statement(signal, is_extended);
+         });
 }
 
 bool has_statements(const env_var_blk& variable) {

@@ -173,6 +173,12 @@ TEST(ReadBack, OfMessagesWithOneIdentifier) {
          for (int i = 0; i < 2; ++i) append(m.tx_nodes, zelk_create_rx(&stranger));
        }},
       {"comment of a signal", [](msgblk&, sigblk& s) { set(s.comment, "c"); }},
+      {"ranges that select a signal",
+       [](msgblk& m, sigblk& s) {
+         sigblk* const multiplexor = add_signal(&m, "Mux");
+         multiplexor->flags |= ZELK_SIGNAL_MULTIPLEXOR;
+         zelk_add_multiplexor_value_range(&s, multiplexor, 1, 2);
+       }},
       {"value of a signal", [](msgblk&, sigblk& s) { add_value(s.attrs, &definition); }},
       {"IEEE number", [](msgblk&, sigblk& s) { s.value_type = ZELK_VALUE_IEEE_SINGLE; }},
       {"descriptions", [](msgblk&, sigblk& s) { append(s.values, zelk_create_value()); }},
