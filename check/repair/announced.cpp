@@ -12,13 +12,6 @@ namespace zelk::check {
 
 namespace {
 
-constexpr std::size_t kKeptCharacters = 32;
-
-/// As the reader keeps the name.
-std::string_view announced(const Document& document, const Token& token) {
-  return document.text_of(token).substr(0, kKeptCharacters);
-}
-
 /// Behind the list, a statement of a kind that it announces no more would become a part of it.
 void drop_announced(Mender& mender, const NameSet& kinds) {
   if (kinds.empty()) return;
@@ -36,7 +29,7 @@ NameSet announced_names(const Document& document) {
   for (const Statement& statement : document.statements) {
     if (statement.kind != Word::kNewSymbols) continue;
     for (const Token& token : document.tokens_of(statement))
-      if (token.kind == TokenKind::kName) names.insert(announced(document, token));
+      if (token.kind == TokenKind::kName) names.insert(document.announced_name(token));
   }
   return names;
 }
@@ -68,9 +61,9 @@ void forget_used_names(Mender& mender, std::uint32_t list) {
   for (std::uint32_t i = statement.first; i < statement.end; ++i) {
     const Token& token = mender.token(i);
     const bool is_used =
-        token.kind == TokenKind::kName && used.contains(announced(mender.document, token));
+        token.kind == TokenKind::kName && used.contains(mender.document.announced_name(token));
     if (!is_used) continue;
-    forgotten.insert(announced(mender.document, token));
+    forgotten.insert(mender.document.announced_name(token));
     mender.erase_tokens(i, i + 1);
     mender.note(FaultKind::kOrder, list, i, i + 1,
                 shown(mender.text_of(i)) +

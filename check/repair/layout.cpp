@@ -39,11 +39,17 @@ std::string_view content_of(const Document& document, const Statement& statement
                   : document.source.text(std::next(colon)->begin, tokens.back().end);
 }
 
+/// The name in a list, as the reader keeps it.
+std::string_view listed_name(const Document& document, const Statement& list, const Token& token) {
+  return list.kind == Word::kNewSymbols ? document.announced_name(token) : document.text_of(token);
+}
+
 /// Names that the first section needs no more of: those that it has, and of "NS_" those that other
 /// statements use: announced, they would be skipped there, with all up to the next semicolon.
 NameSet unneeded_names(const Document& document, const Statement& first) {
   NameSet names;
-  for (const Token& token : document.tokens_of(first)) names.insert(document.text_of(token));
+  for (const Token& token : document.tokens_of(first))
+    names.insert(listed_name(document, first, token));
   if (first.kind != Word::kNewSymbols) return names;
   names.insert(ZELK_NO_NODE);  // which mends add
   for (const Statement& each : document.statements) {
@@ -57,8 +63,9 @@ NameSet unneeded_names(const Document& document, const Statement& first) {
 std::string further_names(const Document& document, const Statement& other, NameSet& unneeded) {
   std::string text;
   for (const Token& token : document.tokens_of(other)) {
-    if (token.kind == TokenKind::kName && unneeded.insert(document.text_of(token)).second)
-      text.append(" ").append(document.text_of(token));
+    const std::string_view name = listed_name(document, other, token);
+    if (token.kind == TokenKind::kName && unneeded.insert(name).second)
+      text.append(" ").append(name);
   }
   return text;
 }

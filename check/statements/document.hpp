@@ -12,6 +12,7 @@
 #include "check/statements/fault.hpp"
 #include "check/statements/source.hpp"
 #include "check/statements/token.hpp"
+#include "zelk/records.h"
 
 namespace zelk::check {
 
@@ -46,6 +47,10 @@ struct Document {
   }
   std::uint32_t begin_of(const Statement& statement) const { return tokens[statement.first].begin; }
   std::uint32_t end_of(const Statement& statement) const { return tokens[statement.end - 1].end; }
+  /// A name that "NS_" announces, as the reader keeps it.
+  std::string_view announced_name(const Token& token) const {
+    return text_of(token).substr(0, ZELK_INLINE_NAME_MAX);
+  }
   /// A text between its quotes, escapes as they stand; other tokens whole.
   std::string_view content_of(const Token& token) const;
   /// First token of the statement with this role; null when it has none.

@@ -13,9 +13,6 @@ namespace zelk::check {
 
 namespace {
 
-/// The reader keeps as many characters of announced names.
-constexpr std::size_t kKeptCharacters = 32;
-
 /// The forms of all statements, one function each. Names and order follow the order of a file.
 class FormReader {
  public:
@@ -80,8 +77,7 @@ class FormReader {
     has_announced_ = true;
     std::set<std::string_view> names;
     for (const Token& token : document_.tokens_of(list)) {
-      if (token.kind == TokenKind::kName)
-        names.insert(document_.text_of(token).substr(0, kKeptCharacters));
+      if (token.kind == TokenKind::kName) names.insert(document_.announced_name(token));
     }
     if (names.empty()) return;
     for (Token& token : std::span(document_.tokens).subspan(list.end)) {
@@ -217,7 +213,7 @@ class FormReader {
       const std::string_view name = document_.text_of(*in_.peek(0));
       if (names.contains(name))
         in_.fault(FaultKind::kSurplus, in_.at(), in_.at() + 1, "each name once");
-      if (in_.at_kind(TokenKind::kName)) names.insert(name.substr(0, kKeptCharacters));
+      if (in_.at_kind(TokenKind::kName)) names.insert(document_.announced_name(*in_.peek(0)));
       in_.take(Role::kNewSymbol);
     }
   }

@@ -260,6 +260,7 @@ class Tokenizer {
   /// and units a semicolon is a fault: once it is removed, it tells no more that the text was
   /// closed.
   bool may_end_statement() const {
+    if (!result_.tokens.empty() && result_.tokens.back().is_mark(']')) return false;  // a unit
     return statement_ != Word::kVersion && statement_ != Word::kSignal &&
            statement_ != Word::kVariable;
   }

@@ -70,6 +70,9 @@ TEST(Mends, Forms) {
        "stray order stray order"},
       {"NS_ : e\n 9 e A ;\nBS_:\nBU_: A\nBO_ 1 M: 8 A\n",
        "NS_ : e\n \nBS_:\nBU_: A\nBO_ 1 M: 8 A\n", "stray stray"},
+      {"NS_ : e\nNS_ : ANodeWhoseNameIsLongerThanThirtyTwo\nBS_:\nBU_: "
+       "ANodeWhoseNameIsLongerThanThirty\n",
+       "NS_ : e\nBS_:\nBU_: ANodeWhoseNameIsLongerThanThirty\n"},
       {"BS_:\nNS_ : e\nBS_:\ne A ;\nBU_: A\nBO_ 1 M: 8 A\n",
        "NS_ : e\nBS_:\nBU_: A\nBO_ 1 M: 8 A\n"},
       // What is added to a statement goes with it.
