@@ -270,6 +270,8 @@ class Sequence {
     const Files::Stamps before = files_.stamps();
     world_.may_change_path(target.c_str());
     world_.may_change_file(files_.index_of(target.c_str()));
+    // A mark for a cache stays with the database, which has the new path from now on.
+    if (database.path && world_.is_kept(database.path)) world_.keep(target);
     const ZelkError error = side.writer->WriteDatabase(handle, path);
     if (error != ZelkErrorOk) {
       expect(files_.stamps() == before, "a refused write has changed the file");

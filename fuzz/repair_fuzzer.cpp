@@ -5,12 +5,10 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <map>
-#include <set>
 #include <string>
 
-#include "base/list.hpp"
 #include "check/includes/mend.hpp"
+#include "check/repair/contents.hpp"
 #include "check/statements/document.hpp"
 #include "expect.hpp"
 #include "support/lists.hpp"
@@ -18,53 +16,6 @@
 namespace {
 
 using namespace zelk::check;
-
-struct Counts {
-  std::size_t messages = 0;
-  std::size_t signals = 0;
-};
-
-Counts counts_of(const Lists& lists) {
-  Counts counts;
-  for (const msgblk& message : zelk::each(lists.messages)) {
-    ++counts.messages;
-    counts.signals += zelk::each(message.signals).size();
-  }
-  return counts;
-}
-
-/// The words of a statement, with a line feed behind each. NUL bytes are none of their characters.
-std::string words_of(const Document& document, const Statement& statement) {
-  std::string words;
-  for (const Token& token : document.tokens_of(statement))
-    words.append(document.text_of(token)).append("\n");
-  std::erase(words, '\0');
-  return words;
-}
-
-/// Of what can be read in a text, whatever else is wrong there; what stands there twice, word for
-/// word, counts once.
-Counts counts_of(const Document& document) {
-  std::map<std::uint32_t, std::set<std::string>> messages;  // their signals, by statement
-  for (std::uint32_t i = 0; i < document.statements.size(); ++i) {
-    const Statement& statement = document.statements[i];
-    if (!statement.is_readable) continue;
-    if (statement.kind == Word::kMessage) messages[i];
-    const auto owner = messages.find(statement.owner);
-    if (statement.kind == Word::kSignal && owner != messages.end())
-      owner->second.insert(words_of(document, statement));
-  }
-  Counts counts;
-  std::set<std::string> seen;
-  for (const auto& [index, signals] : messages) {
-    std::string words = words_of(document, document.statements[index]);
-    for (const std::string& signal : signals) words += signal;
-    if (!seen.insert(words).second) continue;
-    ++counts.messages;
-    counts.signals += signals.size();
-  }
-  return counts;
-}
 
 MendedFile mended(const std::string& text) {
   zelk_clear_error_text();
@@ -97,8 +48,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       lists.read_by(zelk_try_read_text, first.text.c_str(), first.text.size());
   expect(error == ZELK_OK, "not read", first.text);
   if (!is_changed) return 0;  // all that the reader sees is there
-  const Counts before = counts_of(read_document(first.source));
-  const Counts after = counts_of(lists);
+  const Contents before = distinct_contents_of(read_document(first.source));
+  const Contents after = contents_of({.messages = lists.messages});
   expect(after.messages >= before.messages, "a message is lost", first.text);
   expect(after.signals >= before.signals, "a signal is lost", first.text);
   const MendedFile second = mended(first.text);

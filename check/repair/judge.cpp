@@ -24,7 +24,8 @@ std::uint32_t line_of(std::string_view message) {
 
 Verdict judge(std::string_view text) {
   const std::size_t size_before = std::string_view(zelk_get_thread_error_text()).size();
-  const std::uint32_t number = StrictReading(text).error();
+  const StrictReading reading(text);
+  const std::uint32_t number = reading.error();
   if (number == ZELK_ERR_MEMORY) throw std::bad_alloc();
   std::string_view lines = zelk_get_thread_error_text();
   lines.remove_prefix(size_before < lines.size() ? size_before : lines.size());
@@ -37,7 +38,7 @@ Verdict judge(std::string_view text) {
   const std::size_t last = lines.rfind('\n');
   if (is_accepted) lines = lines.substr(0, line_end);
   if (!is_accepted && last != std::string_view::npos) lines.remove_prefix(last + 1);
-  return {is_accepted, line_of(lines), std::string(lines)};
+  return {is_accepted, line_of(lines), std::string(lines), contents_of(reading.view())};
 }
 
 }  // namespace zelk::check

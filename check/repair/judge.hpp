@@ -8,12 +8,15 @@
 #include <string>
 #include <string_view>
 
+#include "check/repair/contents.hpp"
+
 namespace zelk::check {
 
 struct Verdict {
   bool is_accepted;
   std::uint32_t line_feeds = 0;  ///< of a refusal: those read before it
   std::string message{};         ///< of a refusal, or the first of the notes; empty without any
+  Contents contents{};           ///< of an accepted text
 };
 
 /// Reads a text, and releases what was read.

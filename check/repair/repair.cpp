@@ -153,9 +153,10 @@ class Repair {
     Start first = starting.get();
     const bool is_other_text = first.is_other_text();
     std::unique_ptr<Round> round = take(std::move(first));
+    contents_ = contents_of(is_other_text ? read_document(result_.source) : round->document());
     if (is_other_text) verdict = judge(text_of(*round));
     if (is_other_text && options_.no_node.empty() && is_perfect(verdict, text_of(*round)))
-      return mended(std::string(text_of(*round)));
+      return checked(std::string(text_of(*round)), verdict);
     // What the reader takes stays as it is, doubled or not.
     if (!verdict.is_accepted) round->drop_doubles();
     int drops = 0;
@@ -163,7 +164,7 @@ class Repair {
       Composition composition = round->mended();
       if (round->findings().empty()) {
         auto rest = drops < kMostDrops ? round->without_refused(verdict) : std::nullopt;
-        if (!rest) return left(round->document(), verdict);
+        if (!rest) return ended(*round, verdict);
         composition = std::move(*rest);
         ++drops;
       }
@@ -172,9 +173,9 @@ class Repair {
       origins_.push_back(std::move(composition));
       clean(text);
       verdict = judge(text);
-      if (is_perfect(verdict, text)) return mended(std::move(text));
+      if (is_perfect(verdict, text)) return checked(std::move(text), verdict);
       round = std::make_unique<Round>(Source(result_.source.path(), std::move(text)), options_);
-      if (rounds == kMostRounds + drops) return left(round->document(), verdict);
+      if (rounds == kMostRounds + drops) return ended(*round, verdict);
     }
   }
 
@@ -249,10 +250,36 @@ class Repair {
     return std::move(result_);
   }
 
+  /// Whether a text lacks a message or signal that can be seen in the source.
+  bool is_lossy(const Verdict& verdict) const {
+    return !verdict.contents.includes(contents_) &&
+           !verdict.contents.includes(distinct_contents_of(read_document(result_.source)));
+  }
+
+  Mended checked(std::string text, const Verdict& verdict) {
+    return is_lossy(verdict) ? left_as_it_was() : mended(std::move(text));
+  }
+
   Mended mended(std::string text) {
     result_.outcome = result_.mends.list.empty() ? Outcome::kUnneeded : Outcome::kMended;
     result_.text = std::move(text);
     return std::move(result_);
+  }
+
+  /// The mends would lose something. What the reader takes can stay; of all else the faults are
+  /// told.
+  Mended left_as_it_was() {
+    origins_.clear();
+    auto& mends = result_.mends;
+    std::erase_if(mends.list,
+                  [](const Finding& f) { return f.rule != name_of(FaultKind::kUtf16); });
+    mends.count = mends.list.size();
+    return left(read_document(result_.source), judge(result_.source.text()));
+  }
+
+  Mended ended(const Round& round, const Verdict& verdict) {
+    return verdict.is_accepted ? checked(std::string(text_of(round)), verdict)
+                               : left(round.document(), verdict);
   }
 
   /// No mend helps: tells the faults that are left.
@@ -277,6 +304,7 @@ class Repair {
   const RepairOptions& options_;
   Mended result_;
   std::vector<Composition> origins_;
+  Contents contents_;  ///< of the source
 };
 
 }  // namespace

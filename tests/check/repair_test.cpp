@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include "check/statements/edits.hpp"
+#include "support/files.hpp"
+#include "support/paths.hpp"
 #include "support/quoted.hpp"
 
 using namespace zelk::check;
@@ -117,6 +119,15 @@ TEST(Mends, Forms) {
        " SG_ s : 0|8@1+ (1,0) [0|1] '' B\n"},
   };
   for (const Case& each : cases) check(each);
+}
+
+// Mends that would lose a message are none.
+TEST(Mends, LoseNoMessage) {
+  const std::string text = content_of(ZELK_SOURCE_DIR "/fuzz/corpus/repair/message_within_a_text");
+  const Mended mended = repair(Source("t.dbc", text), {});
+  EXPECT_EQ(mended.outcome, Outcome::kUnmendable);
+  EXPECT_TRUE(mended.mends.list.empty());
+  EXPECT_FALSE(mended.faults.list.empty());
 }
 
 TEST(Mends, OrderAndSections) {
