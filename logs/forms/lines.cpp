@@ -28,7 +28,8 @@ bool Lines::next(Chunk& chunk) {
 }
 
 bool Lines::take_lines(std::string& block) {
-  while (read_more()) {
+  // What is too long already counts, also where the stream fails next.
+  while (size_ > kLongestLine || read_more()) {
     const std::size_t end = std::string_view(text_).substr(0, size_).rfind('\n') + 1;
     if (end > 0) {
       give(end, block);
