@@ -1,5 +1,7 @@
 #include "zelk/write_manager.hpp"
 
+#include <utility>
+
 #include "manager/manager_test.hpp"
 #include "support/failing.hpp"
 #include "support/files.hpp"
@@ -139,13 +141,20 @@ TEST_F(WriteManagers, LeaveOthersEditsAlone) {
   }
 }
 
-// One manager has two instances of a file: from before and from after a touch.
-TEST_F(WriteManagers, LeaveTheirOwnEditsAlone) {
-  const std::string path = folder.write("a.dbc", kDatabase);
+class TwoInstances : public ManagerTest {
+ protected:
+  /// Opens a file in one manager twice: before and after a touch.
+  static std::pair<const char*, const char*> open_both(WriteManager& manager,
+                                                       const std::string& path) {
+    const char* const old = open(manager, path, "old");
+    Folder::touch(path, 1);
+    return {old, open(manager, path, "fresh")};
+  }
+};
+
+TEST_F(TwoInstances, LeaveEachOthersEditsAlone) {
   WriteManager manager;
-  const char* const old = open(manager, path, "old");
-  Folder::touch(path, 1);
-  const char* const fresh = open(manager, path, "fresh");
+  const auto [old, fresh] = open_both(manager, folder.write("a.dbc", kDatabase));
   manager.SetDatabaseComment(old, "old");
   const symblk* const node = manager.CreateNode(fresh, 0);
   EXPECT_EQ(manager.WriteDatabase(old, nullptr), 10);
@@ -157,12 +166,10 @@ TEST_F(WriteManagers, LeaveTheirOwnEditsAlone) {
 }
 
 // A look at the file between has read a third instance, which stays in the cache.
-TEST_F(WriteManagers, LeaveAloneWhatTheyHaveSaved) {
+TEST_F(TwoInstances, LeaveAloneWhatWasSaved) {
   const std::string path = folder.write("a.dbc", kDatabase);
   WriteManager manager;
-  const char* const old = open(manager, path, "old");
-  Folder::touch(path, 1);
-  const char* const fresh = open(manager, path, "fresh");
+  const auto [old, fresh] = open_both(manager, path);
   Folder::touch(path, 2);
   zelk_mfree(const_cast<char*>(manager.GetDatabaseName(path.c_str())));
   EXPECT_EQ(manager.WriteDatabase(old, nullptr), 0);
