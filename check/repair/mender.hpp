@@ -58,9 +58,9 @@ class Mender {
   void rewrite(std::uint32_t index, std::string text);
   /// Takes tokens out, with the blanks in front of them.
   void erase_tokens(std::uint32_t first, std::uint32_t end);
-  // With a blank where a word of the text would become one with what stands beside it.
-
+  /// With a blank where a word of the text would become one with what stands beside it.
   void replace_token(std::uint32_t token, std::string text);
+  /// Likewise, with what stands behind it.
   void insert_behind_token(std::uint32_t token, std::string text);
   void add(int place, std::string text) { additions.push_back({place, std::move(text)}); }
 
