@@ -13,7 +13,8 @@ namespace zelk::logs {
 
 namespace {
 
-constexpr std::size_t kBlockHeaderBytes = 3;
+/// Of the bytes that the decoder asks for: the last of a block and the header of the next one.
+constexpr std::size_t kBytesAlone = 4;
 
 struct StateDeleter {
   void operator()(ZSTD_DStream* state) const noexcept { ZSTD_freeDStream(state); }
@@ -43,15 +44,15 @@ class ZstdStream : public ByteStream {
 
  private:
   /// Decompresses no more than one block, and none while bytes of the one before are left: when it
-  /// was damaged, they would be lost.
+  /// was damaged, they would be lost. The last byte of a block is given alone: the error with which
+  /// a frame ends takes what was given with it, which must not depend on the size of the input.
   std::size_t step(ZSTD_outBuffer& out) {
     const std::size_t begin = in_.pos;
     const std::size_t size = may_have_more_ ? 0 : std::min(in_.size - begin, wanted_);
     ZSTD_inBuffer piece{in_.src, begin + size, begin};
     const std::size_t result = ZSTD_decompressStream(state_.get(), &out, &piece);
     in_.pos = piece.pos;
-    // What is asked for has the header of the next block with it.
-    wanted_ = result > kBlockHeaderBytes ? result - kBlockHeaderBytes : kBlockHeaderBytes;
+    wanted_ = result > kBytesAlone ? result - kBytesAlone : 1;
     // Between two frames, too, bytes are asked for.
     is_within_ = result != 0 && (is_within_ || in_.pos != begin);
     return result;
@@ -70,7 +71,7 @@ class ZstdStream : public ByteStream {
   std::unique_ptr<ZSTD_DStream, StateDeleter> state_;
   std::array<char, kInputBytes> input_;
   ZSTD_inBuffer in_{input_.data(), 0, 0};
-  std::size_t wanted_ = kBlockHeaderBytes;
+  std::size_t wanted_ = 1;
   bool is_within_ = false;      // a frame
   bool may_have_more_ = false;  // bytes that the last read had no room for
 };

@@ -67,6 +67,9 @@ TEST(LogInput, IsUnpackedAndGivesWhatStandsInFrontOfAFault) {
       {kZstdBegin, "1A0#\n{log: the data compressed with zstd ends in its midst}"},
       {kZstdBegin + "\x2F\0\0"s + "2B0#\n",
        "1A0#\n{log: the data compressed with zstd is damaged: Data corruption detected}"},
+      // Its header promises a byte more than its blocks have, which takes the last one with it.
+      {std::string(kZstd).replace(5, 1, "\x0B"),
+       "1A0#\n2B0#{log: the data compressed with zstd is damaged: Data corruption detected}"},
       {kZstd + "123#\n",
        text + "{log: the data compressed with zstd is damaged: Unknown frame descriptor}"},
       {"\xFD"
