@@ -358,8 +358,15 @@ class FormReader {
     scale_and_range();
     const bool has_default = in_.at_number() || in_.at_mark('-') || in_.at_mark('+');
     if (in_.is_readable() && has_default) in_.real(Role::kInitial, "the default value");
-    if (in_.is_readable() && in_.at_name()) in_.name(Role::kTableRef, "the value table's name");
+    if (in_.is_readable() && is_table()) in_.name(Role::kTableRef, "the value table's name");
     if (in_.at_mark(';')) in_.take();
+  }
+
+  /// Behind a signal type may stand its table, or the next statement: a keyword is meant for a
+  /// table where the signal type ends behind it.
+  bool is_table() const {
+    const Token* const next = in_.peek(1);
+    return in_.at_name() && (!in_.at_kind(TokenKind::kKeyword) || (next && next->is_mark(';')));
   }
 
   void comment() {

@@ -170,6 +170,11 @@ TEST(Mends, Names) {
            "VAL_ 1 _2_fast 0 'x' ;\n"},
       {kHead + "ENVVAR_DATA_ BA_REL_: 4;\n", kHead + "ENVVAR_DATA_ BA_REL__: 4;\n",
        "keyword-name unknown-variable"},
+      // A signal type needs no end: a keyword behind it may begin the next one.
+      {kHead + "SGTYPE_ x-y: 8@1+ (1,0) [0|1] '' SGTYPE_ u: 8@1+ (1,0) [0|1] '' 5 BA_;\n",
+       kHead + "SGTYPE_ x_y: 8@1+ (1,0) [0|1] '' SGTYPE_ u: 8@1+ (1,0) [0|1] '' 5;\n"
+               "CM_ SGTYPE_ x_y 'Original name: x-y';\n",
+       "odd-name keyword-name unknown-table"},
   };
   for (const Case& each : cases) check(each);
 }
